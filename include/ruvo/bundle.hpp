@@ -1,0 +1,283 @@
+#pragma once
+
+// ruvo::bundle, the keyed record: named values, addressed by key or by path.
+
+#include <ruvo/xvar.hpp>
+
+#include <concepts>
+#include <cstddef>
+#include <initializer_list>
+#include <iosfwd>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace ruvo {
+
+namespace detail {
+class bundle_store;
+struct bundle_access;
+}  // namespace detail
+
+/// A set of named xvar that ignores the case of its keys, iterates in the order of the folded keys and
+/// remembers the order in which they were first inserted.
+///
+/// operator[], at, find, count and erase fold A-Z; the path operations fold the path with
+/// texto::to_lowercase, which also knows accented letters, and split it at the separator. An entry whose key
+/// holds the separator is reached by operator[] only. Narrow keys and paths are UTF-8.
+///
+/// References to entries stay valid until the entry is erased or the bundle is assigned or destroyed; moves
+/// keep them. Look-up and insertion take logarithmic time, erase linear time.
+class KESTA_API bundle {
+ public:
+  /// A key, in lower case, and its value; to be used like a std::pair.
+  struct KESTA_API entry {
+    entry(const entry& other);
+    entry& operator=(const entry&) = delete;
+    ~entry();
+
+    const std::wstring& first;
+    xvar second;
+
+   private:
+    friend class detail::bundle_store;
+    explicit entry(const std::wstring& key) noexcept : first(key) {}
+  };
+
+  /// A bidirectional iterator in the order of the folded keys; valid as long as its entry.
+  template <class E>
+  class basic_iterator {
+   public:
+    using iterator_category = std::bidirectional_iterator_tag;
+    using value_type = entry;
+    using difference_type = std::ptrdiff_t;
+    using pointer = E*;
+    using reference = E&;
+
+    basic_iterator() noexcept = default;
+    /// iterator to const_iterator.
+    operator basic_iterator<const E>() const noexcept requires(!std::is_const_v<E>) {
+      return {store_, at_, rank_};
+    }
+
+    E& operator*() const noexcept { return *at_; }
+    E* operator->() const noexcept { return at_; }
+    basic_iterator& operator++() noexcept {
+      at_ = step(store_, at_, rank_, true);
+      return *this;
+    }
+    basic_iterator& operator--() noexcept {
+      at_ = step(store_, at_, rank_, false);
+      return *this;
+    }
+    basic_iterator operator++(int) noexcept {
+      auto before = *this;
+      ++*this;
+      return before;
+    }
+    basic_iterator operator--(int) noexcept {
+      auto before = *this;
+      --*this;
+      return before;
+    }
+    bool operator==(const basic_iterator& other) const noexcept { return at_ == other.at_; }
+
+   private:
+    friend class bundle;
+    template <class>
+    friend class basic_iterator;
+    basic_iterator(const detail::bundle_store* store, entry* at, std::size_t rank) noexcept
+        : store_(store), at_(at), rank_(rank) {}
+
+    const detail::bundle_store* store_ = nullptr;
+    entry* at_ = nullptr;   // null at the end
+    std::size_t rank_ = 0;  // where the entry was last seen in the order
+  };
+  using iterator = basic_iterator<entry>;
+  using const_iterator = basic_iterator<const entry>;
+  using value_type = entry;
+  using size_type = std::size_t;
+  using allocator_type = std::allocator<entry>;
+
+  bundle() noexcept;
+  bundle(const bundle& other);
+  bundle(bundle&& other) noexcept;
+  bundle(std::initializer_list<std::pair<std::wstring, xvar>> values);
+  virtual ~bundle();
+  bundle& operator=(const bundle& other);
+  bundle& operator=(bundle&& other) noexcept;
+  /// Takes the bundle that `value` holds; any other kind leaves this bundle empty.
+  bundle& operator=(const xvar& value);
+
+  /// An xvar that holds a copy of this bundle (or takes it over).
+  operator xvar() const&;
+  operator xvar() &&;
+
+  /// The entry's value, inserted with a null value when missing.
+  xvar& operator[](const std::wstring& key);
+  xvar& operator[](const std::string& key);
+  xvar& operator[](const wchar_t* key);
+  xvar& operator[](const char* key);
+  /// A missing key throws std::out_of_range ("invalid map<K, T> key").
+  const xvar& operator[](const std::wstring& key) const { return at(key); }
+  const xvar& operator[](const std::string& key) const { return at(key); }
+  const xvar& operator[](const wchar_t* key) const;
+  const xvar& operator[](const char* key) const;
+  const xvar& at(const std::wstring& key) const;
+  const xvar& at(const std::string& key) const;
+
+  /// The entry of the n-th key in insertion order, counted from 0; end() beyond the last.
+  template <std::integral N>
+  iterator operator[](N n) noexcept {
+    return nth(static_cast<unsigned long long>(n));
+  }
+  template <std::integral N>
+  const_iterator operator[](N n) const noexcept {
+    return const_cast<bundle*>(this)->nth(static_cast<unsigned long long>(n));
+  }
+
+  iterator find(const std::wstring& key);
+  iterator find(const std::string& key);
+  const_iterator find(const std::wstring& key) const;
+  const_iterator find(const std::string& key) const;
+  size_type count(const std::wstring& key) const;
+  size_type count(const std::string& key) const;
+  /// The number of entries removed, 0 or 1; positions behind the entry move up by one.
+  size_type erase(const std::wstring& key);
+  size_type erase(const std::string& key);
+  /// The iterator behind the removed entry.
+  iterator erase(const_iterator where);
+  void clear() noexcept;
+  bool empty() const noexcept { return size() == 0; }
+  size_type size() const noexcept;
+  /// Makes room for `count` entries in one block.
+  void reserve(size_type count);
+
+  iterator begin() noexcept;
+  iterator end() noexcept { return {store_, nullptr, size()}; }
+  const_iterator begin() const noexcept { return const_cast<bundle*>(this)->begin(); }
+  const_iterator end() const noexcept { return const_cast<bundle*>(this)->end(); }
+  const_iterator cbegin() const noexcept { return begin(); }
+  const_iterator cend() const noexcept { return end(); }
+  allocator_type get_allocator() const noexcept { return {}; }
+
+  /// The entry at the path, or null.
+  const xvar* get_ptr(const std::wstring& path, char separator = '.') const;
+  const xvar* get_ptr(const std::string& path, char separator = '.') const;
+  /// The entry at the path; a missing one throws an empty std::exception_ptr (by value).
+  const xvar& get(const std::wstring& path, char separator = '.') const;
+  const xvar& get(const std::string& path, char separator = '.') const;
+  bool has(const std::wstring& path, char separator = '.') const;
+  bool has(const std::string& path, char separator = '.') const;
+
+  /// The entry at the path, for writing. Missing entries and bundles on the way are made; an entry on the way
+  /// that holds anything but a bundle is replaced by a new one.
+  xvar& hack(const std::wstring& path, char separator = '.');
+  xvar& hack(const std::string& path, char separator = '.');
+  xvar* hack_ptr(const std::wstring& path, char separator = '.');
+  xvar* hack_ptr(const std::string& path, char separator = '.');
+  /// hack() and assign.
+  xvar& putOn(const std::wstring& path, const xvar& value, char separator = '.');
+  xvar& putOn(const std::string& path, const xvar& value, char separator = '.');
+
+  /// hack(), then make the entry hold an empty value of the kind unless it holds one already; the object
+  /// inside.
+  bundle& hack_bundle_on(const std::wstring& path, char separator = '.');
+  bundle& hack_bundle_on(const std::string& path, char separator = '.');
+  list& hack_list_on(const std::wstring& path, char separator = '.');
+  list& hack_list_on(const std::string& path, char separator = '.');
+  memo& hack_memo_on(const std::wstring& path, char separator = '.');
+  memo& hack_memo_on(const std::string& path, char separator = '.');
+  std::wstring& hack_string_on(const std::wstring& path, char separator = '.');
+  std::wstring& hack_string_on(const std::string& path, char separator = '.');
+  binary& hack_binary_on(const std::wstring& path, char separator = '.');
+  binary& hack_binary_on(const std::string& path, char separator = '.');
+  /// As hack_binary_on; a missing or empty binary becomes `initial`.
+  binary& hack_nc_binary_on(const std::wstring& path, const binary& initial, char separator = '.');
+  binary& hack_nc_binary_on(const std::string& path, const binary& initial, char separator = '.');
+
+  /// The value at the path converted, or the fallback when it is missing, null, fails can_be_number() or does
+  /// not convert. They never throw for what they find. get_uxlong reads an unsigned value.
+  long get_long(const std::wstring& path, char separator = '.', long fallback = 0) const;
+  long get_long(const std::string& path, char separator = '.', long fallback = 0) const;
+  unsigned long get_ulong(const std::wstring& path, char separator = '.', unsigned long fallback = 0) const;
+  unsigned long get_ulong(const std::string& path, char separator = '.', unsigned long fallback = 0) const;
+  short get_short(const std::wstring& path, char separator = '.', short fallback = 0) const;
+  short get_short(const std::string& path, char separator = '.', short fallback = 0) const;
+  long long get_xlong(const std::wstring& path, char separator = '.', long long fallback = 0) const;
+  long long get_xlong(const std::string& path, char separator = '.', long long fallback = 0) const;
+  long long get_uxlong(const std::wstring& path, char separator = '.', long long fallback = 0) const;
+  long long get_uxlong(const std::string& path, char separator = '.', long long fallback = 0) const;
+  double get_double(const std::wstring& path, char separator = '.', double fallback = 0) const;
+  double get_double(const std::string& path, char separator = '.', double fallback = 0) const;
+  float get_float(const std::wstring& path, char separator = '.', float fallback = 0) const;
+  float get_float(const std::string& path, char separator = '.', float fallback = 0) const;
+
+  /// As get_X, and the fallback also when the converted value is 0.
+  long get_nc_long(const std::wstring& path, long fallback = 0, char separator = '.') const;
+  long get_nc_long(const std::string& path, long fallback = 0, char separator = '.') const;
+  unsigned long get_nc_ulong(const std::wstring& path, unsigned long fallback = 0,
+                             char separator = '.') const;
+  unsigned long get_nc_ulong(const std::string& path, unsigned long fallback = 0, char separator = '.') const;
+  short get_nc_short(const std::wstring& path, short fallback = 0, char separator = '.') const;
+  short get_nc_short(const std::string& path, short fallback = 0, char separator = '.') const;
+  long long get_nc_xlong(const std::wstring& path, long long fallback = 0, char separator = '.') const;
+  long long get_nc_xlong(const std::string& path, long long fallback = 0, char separator = '.') const;
+  long long get_nc_uxlong(const std::wstring& path, long long fallback = 0, char separator = '.') const;
+  long long get_nc_uxlong(const std::string& path, long long fallback = 0, char separator = '.') const;
+  double get_nc_double(const std::wstring& path, double fallback = 0, char separator = '.') const;
+  double get_nc_double(const std::string& path, double fallback = 0, char separator = '.') const;
+  float get_nc_float(const std::wstring& path, float fallback = 0, char separator = '.') const;
+  float get_nc_float(const std::string& path, float fallback = 0, char separator = '.') const;
+  /// The truth value at the path; the fallback when it is missing, null or fails can_be_boolean().
+  bool get_boolean(const std::wstring& path, bool fallback = false, char separator = '.') const;
+  bool get_boolean(const std::string& path, bool fallback = false, char separator = '.') const;
+  /// The text of the value at the path; the fallback when it is missing or null.
+  std::wstring get_string(const std::wstring& path, char separator = '.',
+                          const std::wstring& fallback = {}) const;
+  std::wstring get_string(const std::string& path, char separator = '.',
+                          const std::wstring& fallback = {}) const;
+  /// As get_string, and the fallback also for an empty text.
+  std::wstring get_nc_string(const std::wstring& path, const std::wstring& fallback = {},
+                             char separator = '.') const;
+  std::wstring get_nc_string(const std::string& path, const std::wstring& fallback = {},
+                             char separator = '.') const;
+
+  /// The object that the entry at the path holds. Without one: `fallback`, or a shared empty object that
+  /// lives as long as the library.
+  const binary& get_binary(const std::wstring& path, const binary& fallback, char separator = '.') const;
+  const binary& get_binary(const std::string& path, const binary& fallback, char separator = '.') const;
+  const memo& get_memo(const std::wstring& path, const memo& fallback, char separator = '.') const;
+  const memo& get_memo(const std::string& path, const memo& fallback, char separator = '.') const;
+  const bundle& get_bundle(const std::wstring& path, char separator = '.') const;
+  const bundle& get_bundle(const std::string& path, char separator = '.') const;
+  const list& get_list(const std::wstring& path, char separator = '.') const;
+  const list& get_list(const std::string& path, char separator = '.') const;
+  /// The fallback also when the object is empty.
+  const bundle& get_nc_bundle(const std::wstring& path, const bundle& fallback, char separator = '.') const;
+  const bundle& get_nc_bundle(const std::string& path, const bundle& fallback, char separator = '.') const;
+  const list& get_nc_list(const std::wstring& path, const list& fallback, char separator = '.') const;
+  const list& get_nc_list(const std::string& path, const list& fallback, char separator = '.') const;
+
+  /// "{" "key":value pairs joined by ", " "}", in key order: texts quoted with quotes escaped, null as "".
+  std::wstring to_string() const;
+
+  /// Comparisons are by the text form.
+  bool operator==(const bundle& other) const;
+  bool operator<(const bundle& other) const;
+
+ private:
+  friend struct detail::bundle_access;
+
+  iterator nth(unsigned long long n) noexcept;
+  /// The entry before or after `at` (the last one before a null `at`), or null.
+  static entry* step(const detail::bundle_store* store, const entry* at, std::size_t& rank,
+                     bool forward) noexcept;
+
+  detail::bundle_store* store_ = nullptr;  // owned; null until the first entry
+};
+
+KESTA_API std::wostream& operator<<(std::wostream& out, const bundle& value);
+
+}  // namespace ruvo

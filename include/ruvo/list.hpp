@@ -1,0 +1,147 @@
+#pragma once
+
+// ruvo::list, the ordered sequence of values.
+
+#include <ruvo/xvar.hpp>
+
+#include <initializer_list>
+#include <iosfwd>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace ruvo {
+
+/// A contiguous sequence of xvar with the operations of std::vector, and their complexity and rules for
+/// iterators; growth moves the elements. Deep copies; nesting is limited by memory only.
+class KESTA_API list {
+ public:
+  using vector = std::vector<xvar>;
+  using value_type = xvar;
+  using size_type = vector::size_type;
+  using iterator = vector::iterator;
+  using const_iterator = vector::const_iterator;
+  using const_reverse_iterator = vector::const_reverse_iterator;
+  using allocator_type = vector::allocator_type;
+
+  list() noexcept;
+  list(const list& other);
+  list(list&& other) noexcept;
+  /// Note that `list{other}` makes a list that holds `other`; write `list(other)` for a copy.
+  list(std::initializer_list<xvar> values);
+  virtual ~list();
+
+  const list& operator=(const list& other);
+  const list& operator=(list&& other) noexcept;
+  const list& operator=(const vector& values);
+  const list& operator=(std::initializer_list<xvar> values);
+  /// Takes the list that `value` holds; any other kind leaves this list empty.
+  const list& operator=(const xvar& value);
+
+  /// An xvar that holds a copy of this list (or takes it over).
+  operator xvar() const&;
+  operator xvar() &&;
+
+  const vector& get_soul() const noexcept { return soul_; }
+  operator const vector&() const noexcept { return soul_; }
+
+  size_type size() const noexcept { return soul_.size(); }
+  size_type max_size() const noexcept { return soul_.max_size(); }
+  size_type capacity() const noexcept { return soul_.capacity(); }
+  bool empty() const noexcept { return soul_.empty(); }
+  void reserve(unsigned long count) { soul_.reserve(count); }
+  void resize(unsigned long long count, const xvar& value = xvar()) { soul_.resize(count, value); }
+  void shrink_to_fit() { soul_.shrink_to_fit(); }
+  void clear() noexcept { soul_.clear(); }
+  void swap(vector& other) noexcept { soul_.swap(other); }
+  void swap(list& other) noexcept { soul_.swap(other.soul_); }
+  void assign(size_type count, const xvar& value) { soul_.assign(count, value); }
+  template <std::input_iterator I>
+  void assign(I first, I last) {
+    soul_.assign(first, last);
+  }
+  void push_back(const xvar& value) { soul_.push_back(value); }
+  void push_back(xvar&& value) { soul_.push_back(std::move(value)); }
+  template <class... Args>
+  xvar& emplace_back(Args&&... args) {
+    return soul_.emplace_back(std::forward<Args>(args)...);
+  }
+  void pop_back() { soul_.pop_back(); }
+  iterator insert(const_iterator where, const xvar& value) { return soul_.insert(where, value); }
+  template <std::input_iterator I>
+  iterator insert(const_iterator where, I first, I last) {
+    return soul_.insert(where, first, last);
+  }
+  template <class... Args>
+  iterator emplace(const_iterator where, Args&&... args) {
+    return soul_.emplace(where, std::forward<Args>(args)...);
+  }
+  /// The elements behind move down by assignment, which merges qualities (see xvar).
+  iterator erase(const_iterator where) { return soul_.erase(where); }
+  iterator erase(const_iterator first, const_iterator last) { return soul_.erase(first, last); }
+  xvar& front() { return soul_.front(); }
+  const xvar& front() const { return soul_.front(); }
+  xvar& back() { return soul_.back(); }
+  const xvar& back() const { return soul_.back(); }
+  xvar* data() noexcept { return soul_.data(); }
+  const xvar* data() const noexcept { return soul_.data(); }
+  iterator begin() noexcept { return soul_.begin(); }
+  iterator end() noexcept { return soul_.end(); }
+  const_iterator begin() const noexcept { return soul_.begin(); }
+  const_iterator end() const noexcept { return soul_.end(); }
+  const_iterator cbegin() const noexcept { return soul_.cbegin(); }
+  const_iterator cend() const noexcept { return soul_.cend(); }
+  const_reverse_iterator crbegin() const noexcept { return soul_.crbegin(); }
+  const_reverse_iterator crend() const noexcept { return soul_.crend(); }
+  allocator_type get_allocator() const noexcept { return soul_.get_allocator(); }
+
+  /// The index is not checked.
+  xvar& operator[](const unsigned long long& index) { return soul_[index]; }
+  const xvar& operator[](const unsigned long long& index) const { return soul_[index]; }
+  /// Throws std::out_of_range ("invalid vector subscript") when `index` is not below size().
+  const xvar& at(unsigned long index) const;
+
+  const list& operator+=(const xvar& value);
+
+  /// Appends a null element.
+  list& operator++();
+  /// Removes the last element; nothing happens on an empty list.
+  list& operator--();
+
+  /// Append an element and return the object inside it. The references are valid until the list reallocates.
+  xvar& on_back();
+  list& on_back_list();
+  bundle& on_back_bundle();
+  binary& on_back_binary();
+  memo& on_back_memo();
+  std::wstring& on_back_string();
+
+  /// The last element; the list must not be empty.
+  xvar& hack_back() { return soul_.back(); }
+  xvar* hack_back_ptr() { return &soul_.back(); }
+
+  /// Removes the element; the index is not checked. Elements move down by assignment, so an element keeps the
+  /// qualities of the one it replaces that it lacks itself.
+  iterator remove(unsigned long long index);
+
+  /// "[" elements joined by "," "]": texts quoted with quotes escaped, null as nothing, qualities after their
+  /// element.
+  std::wstring to_string() const;
+  /// 'a','b': the trimmed texts in single quotes. Quotes inside are not escaped: the values must be safe.
+  std::wstring to_texto_sql() const;
+  /// 1,2: the trimmed texts of the elements that are or can be numbers.
+  /// @quirk The comma is written before the question is asked: "1,,2" for 1, "x", 2.
+  std::wstring to_numeric_sql() const;
+
+  /// Comparisons are by the bracketed text.
+  bool operator==(const list& other) const;
+  bool operator!=(const list& other) const { return !(*this == other); }
+  bool operator<(const list& other) const;
+
+ private:
+  vector soul_;
+};
+
+KESTA_API std::wostream& operator<<(std::wostream& out, const list& value);
+
+}  // namespace ruvo

@@ -1,0 +1,252 @@
+#pragma once
+
+// ruvo::var, the value cell: one value of a fixed set of kinds, or nothing.
+//
+// A cell takes 24 bytes. Numbers, truth values, characters, dates, times and texts of up to seven characters
+// live inside it; longer texts and the other kinds in one block of their own, owned by the cell.
+
+#include <ruvo/api.hpp>
+#include <ruvo/fwd.hpp>
+
+#include <concepts>
+#include <cstring>
+#include <iosfwd>
+#include <string>
+#include <typeinfo>
+
+namespace ruvo {
+
+namespace detail {
+
+struct cell;  // the library's own access to a var's inside
+
+/// What a cell holds. The kinds up to `last_inside` own nothing.
+enum class kind : unsigned char {
+  null,
+  boolean,
+  wide_char,
+  short_,
+  ushort,
+  int_,
+  uint,
+  long_,
+  ulong,
+  xlong,
+  uxlong,
+  float_,
+  double_,
+  date,
+  time,
+  datetime,
+  small_text,
+  last_inside = small_text,
+  text,         // a block of characters, never changed
+  string_text,  // a std::wstring, made when somebody asks for a reference to it
+  binary,
+  memo,
+  list,
+  bundle,
+};
+
+}  // namespace detail
+
+/// Holds one value of any of the library's kinds, or nothing (null). Copies are deep, moves leave the source
+/// null. Objects carry no lock; several threads may read one at the same time.
+class KESTA_API var {
+ public:
+  var() noexcept = default;
+  var(const var& other) {
+    if (other.data_.kind <= detail::kind::last_inside) {
+      data_ = other.data_;
+    } else {
+      copy(other);
+    }
+  }
+  var(var&& other) noexcept : data_(other.data_) { other.data_.kind = detail::kind::null; }
+  virtual ~var() { release(); }
+
+  var(bool value) noexcept { set(detail::kind::boolean, widen(value)); }
+  var(wchar_t value) noexcept { set(detail::kind::wide_char, widen(value)); }
+  var(short value) noexcept { set(detail::kind::short_, widen(value)); }
+  var(unsigned short value) noexcept { set(detail::kind::ushort, widen(value)); }
+  var(int value) noexcept { set(detail::kind::int_, widen(value)); }
+  var(unsigned int value) noexcept { set(detail::kind::uint, widen(value)); }
+  var(long value) noexcept { set(detail::kind::long_, widen(value)); }
+  var(unsigned long value) noexcept { set(detail::kind::ulong, widen(value)); }
+  var(long long value) noexcept { set(detail::kind::xlong, widen(value)); }
+  var(unsigned long long value) noexcept { set(detail::kind::uxlong, widen(value)); }
+  var(float value) noexcept { set(detail::kind::float_, widen(value)); }
+  var(double value) noexcept { set(detail::kind::double_, widen(value)); }
+  var(const binary& value);
+  var(const memo& value);
+  var(const date& value);
+  var(const time& value);
+  var(const datetime& value);
+  var(const std::wstring& value);
+  var(const wchar_t* value);      ///< Null gives the empty text.
+  var(const std::string& value);  ///< From UTF-8; held as wide text.
+  var(const char* value);         ///< From UTF-8; null gives the empty text.
+
+  var& operator=(const var& other);
+  var& operator=(var&& other) noexcept;
+  const var& operator=(bool value) noexcept { return reset(detail::kind::boolean, value); }
+  const var& operator=(wchar_t value) noexcept { return reset(detail::kind::wide_char, value); }
+  const var& operator=(short value) noexcept { return reset(detail::kind::short_, value); }
+  const var& operator=(unsigned short value) noexcept { return reset(detail::kind::ushort, value); }
+  const var& operator=(int value) noexcept { return reset(detail::kind::int_, value); }
+  const var& operator=(unsigned int value) noexcept { return reset(detail::kind::uint, value); }
+  const var& operator=(long value) noexcept { return reset(detail::kind::long_, value); }
+  const var& operator=(unsigned long value) noexcept { return reset(detail::kind::ulong, value); }
+  const var& operator=(long long value) noexcept { return reset(detail::kind::xlong, value); }
+  const var& operator=(unsigned long long value) noexcept { return reset(detail::kind::uxlong, value); }
+  const var& operator=(float value) noexcept { return reset(detail::kind::float_, value); }
+  const var& operator=(double value) noexcept { return reset(detail::kind::double_, value); }
+  const var& operator=(const binary& value);
+  const var& operator=(const memo& value);
+  const var& operator=(const date& value);
+  const var& operator=(const time& value);
+  const var& operator=(const datetime& value);
+  const var& operator=(const std::wstring& value);
+  const var& operator=(const wchar_t* value);
+  const var& operator=(const std::string& value);
+  const var& operator=(const char* value);
+
+  /// Destroys the value; the cell is null afterwards.
+  void clear() noexcept {
+    release();
+    data_.kind = detail::kind::null;
+  }
+
+  bool is_null() const noexcept { return data_.kind == detail::kind::null; }
+  bool is_not_null() const noexcept { return !is_null(); }
+  bool operator!() const noexcept { return is_null(); }
+
+  /// The type of the held value (`std::wstring` for every text); null for a null cell.
+  const std::type_info* get_type() const noexcept;
+  /// As get_type(), but `typeid(var)` for a null cell.
+  operator const std::type_info*() const noexcept;
+  /// Whether the held type has the name of `type`; false for a null cell.
+  bool instanceof (const std::type_info& type) const noexcept;
+
+  /// Whether the cell is null or its text is empty.
+  bool empty() const;
+
+  /// @quirk `short` and `wchar_t` are not primitive although `unsigned short` is; callers rely on the sets.
+  bool is_primitive() const noexcept;
+  bool is_number() const noexcept;
+  bool is_integer() const noexcept;
+  bool is_decimal() const noexcept;
+  /// Text, binary and memo.
+  bool is_charsquence() const noexcept;
+  /// Date, time and datetime.
+  bool is_lapse() const noexcept;
+
+  /// Whether the text, without blanks at its ends, is [+-]digits[.[digits]]. False for a null cell.
+  bool can_be_number() const;
+  /// Whether the text, without blanks and case, is one of true, 1, si, verdadero, correcto, false, 0, no,
+  /// falso, incorrecto.
+  bool can_be_boolean() const;
+
+  /// The value as text in the classic locale: integers in base ten, float and double with six digits after
+  /// the point, bool as 1 or 0, dates and times in their canonical formats, containers in their text form.
+  /// Empty for a null cell.
+  std::wstring to_string() const;
+
+  /// Conversions. Each throws an empty std::exception_ptr (by value) when the cell is null, and std::bad_cast
+  /// when the kind does not convert.
+  ///
+  /// To an integer: numbers are truncated and cut to the width (doubles saturate at 64 bits); dates and times
+  /// give their number (20240229, 123456); text gives 0 unless can_be_number(), and throws std::out_of_range
+  /// beyond 64 bits.
+  operator short() const;
+  operator unsigned short() const;
+  operator int() const;
+  operator unsigned int() const;
+  operator long() const;
+  operator unsigned long() const;
+  operator long long() const;
+  operator unsigned long long() const;
+  operator float() const;
+  operator double() const;
+  /// From bool, from the integers 0 and 1, and from the words of can_be_boolean().
+  /// @quirk The empty text is false here although can_be_boolean() denies it.
+  operator bool() const;
+  /// From wchar_t and from text (its first unit, 0 when empty).
+  operator wchar_t() const;
+  operator std::wstring() const;
+  /// From text its UTF-8 bytes.
+  operator binary() const;
+  operator memo() const;
+  /// From dates, datetimes, integers (yyyymmdd) and text (a number, or "dd-mm-yyyy"). A text that is neither
+  /// throws what the date's own parser throws.
+  operator date() const;
+  /// From times, datetimes, integers (hhmmss) and text (a number, or "hh:mm:ss").
+  operator time() const;
+  /// From datetimes, integers (seconds since 1970) and text (a number, or "dd-mm-yyyy hh:mm:ss").
+  operator datetime() const;
+
+  /// Whether both hold the same type and their texts are equal; two null cells are equal.
+  bool operator==(const var& other) const {
+    if (data_.kind >= detail::kind::boolean && data_.kind <= detail::kind::uxlong)
+      return data_.kind == other.data_.kind && integer() == other.integer();
+    return equals(other);
+  }
+  /// @quirk Compares texts whatever the kinds, so 10 < 9: this is the order of lists and bundles.
+  bool operator<(const var& other) const;
+
+  /// `v == 5`, `v == L"x"`: as `v == var(5)`.
+  template <class T>
+  requires(!std::derived_from<T, var> && std::constructible_from<var, const T&>) bool operator==(
+      const T& value) const {
+    return *this == var(value);
+  }
+
+ private:
+  friend struct detail::cell;
+
+  struct storage {
+    detail::kind kind = detail::kind::null;
+    unsigned char length = 0;      // of a small text
+    unsigned char bytes[14] = {};  // a small text, or at `word` a number or the pointer to the value
+  };
+  static constexpr std::size_t word = 6;
+
+  long long integer() const noexcept {
+    long long value;
+    std::memcpy(&value, data_.bytes + word, sizeof value);
+    return value;
+  }
+  /// What a cell keeps of a number.
+  static long long widen(unsigned long long value) noexcept { return static_cast<long long>(value); }
+  static double widen(float value) noexcept { return value; }
+  static double widen(double value) noexcept { return value; }
+  template <std::integral T>
+  static long long widen(T value) noexcept {
+    return static_cast<long long>(value);
+  }
+  template <class T>
+  void set(detail::kind kind, T value) noexcept {
+    static_assert(sizeof value == 8);
+    data_.kind = kind;
+    std::memcpy(data_.bytes + word, &value, sizeof value);
+  }
+  template <class T>
+  const var& reset(detail::kind kind, T value) noexcept {
+    release();
+    set(kind, widen(value));
+    return *this;
+  }
+  void release() noexcept {
+    if (data_.kind > detail::kind::last_inside) destroy();
+  }
+  void copy(const var& other);  // this cell owns nothing
+  void destroy() noexcept;
+  bool equals(const var& other) const;
+
+  alignas(8) storage data_;
+};
+
+/// Writes "null" for a null cell and the text otherwise.
+KESTA_API std::wostream& operator<<(std::wostream& out, const var& value);
+
+}  // namespace ruvo

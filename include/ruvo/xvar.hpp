@@ -1,0 +1,154 @@
+#pragma once
+
+// ruvo::xvar, a var with named attributes (qualities).
+
+#include <ruvo/var.hpp>
+
+#include <cstddef>
+#include <map>
+#include <string>
+
+namespace ruvo {
+
+/// Orders keys without regard to the case of A-Z, by code unit.
+struct KESTA_API keylowercase {
+  bool operator()(const std::wstring& a, const std::wstring& b) const noexcept;
+};
+
+/// The value is used exactly as a var; the qualities travel with it, for example as the attributes of a
+/// markup element. An xvar without qualities pays one pointer for them.
+///
+/// Keys ignore the case of A-Z and keep the spelling first inserted. Narrow keys are UTF-8.
+class KESTA_API xvar : public var {
+ public:
+  using qualities_map = std::map<std::wstring, var, keylowercase>;
+  using iterator = qualities_map::iterator;
+  using const_iterator = qualities_map::const_iterator;
+  using size_type = qualities_map::size_type;
+
+  xvar() noexcept = default;
+  xvar(const xvar& other);
+  xvar(xvar&& other) noexcept : var(std::move(other)), qualities_(other.qualities_) {
+    other.qualities_ = nullptr;
+  }
+  xvar(const var& value) : var(value) {}
+  xvar(var&& value) noexcept : var(std::move(value)) {}
+  ~xvar() override {
+    if (qualities_) drop_qualities();
+  }
+
+  xvar(bool value) noexcept : var(value) {}
+  xvar(wchar_t value) noexcept : var(value) {}
+  xvar(short value) noexcept : var(value) {}
+  xvar(unsigned short value) noexcept : var(value) {}
+  xvar(int value) noexcept : var(value) {}
+  xvar(unsigned int value) noexcept : var(value) {}
+  xvar(long value) noexcept : var(value) {}
+  xvar(unsigned long value) noexcept : var(value) {}
+  xvar(long long value) noexcept : var(value) {}
+  xvar(unsigned long long value) noexcept : var(value) {}
+  xvar(float value) noexcept : var(value) {}
+  xvar(double value) noexcept : var(value) {}
+  xvar(const binary& value) : var(value) {}
+  xvar(const memo& value) : var(value) {}
+  xvar(const date& value) : var(value) {}
+  xvar(const time& value) : var(value) {}
+  xvar(const datetime& value) : var(value) {}
+  xvar(const std::wstring& value) : var(value) {}
+  xvar(const wchar_t* value) : var(value) {}
+  xvar(const std::string& value) : var(value) {}
+  xvar(const char* value) : var(value) {}
+
+  /// Replaces the value and merges the qualities: those of `other` are assigned to this object's, those that
+  /// `other` lacks stay.
+  /// @quirk The merge is what callers rely on; clear() first drops the old qualities.
+  xvar& operator=(const xvar& other);
+  /// The same outcome; the value is moved, the qualities are copied.
+  xvar& operator=(xvar&& other);
+  /// Replaces the value, keeps the qualities.
+  xvar& operator=(const var& value);
+  xvar& operator=(var&& value) noexcept;
+  const xvar& operator=(bool value) noexcept { return assign(value); }
+  const xvar& operator=(wchar_t value) noexcept { return assign(value); }
+  const xvar& operator=(short value) noexcept { return assign(value); }
+  const xvar& operator=(unsigned short value) noexcept { return assign(value); }
+  const xvar& operator=(int value) noexcept { return assign(value); }
+  const xvar& operator=(unsigned int value) noexcept { return assign(value); }
+  const xvar& operator=(long value) noexcept { return assign(value); }
+  const xvar& operator=(unsigned long value) noexcept { return assign(value); }
+  const xvar& operator=(long long value) noexcept { return assign(value); }
+  const xvar& operator=(unsigned long long value) noexcept { return assign(value); }
+  const xvar& operator=(float value) noexcept { return assign(value); }
+  const xvar& operator=(double value) noexcept { return assign(value); }
+  const xvar& operator=(const binary& value) { return assign(value); }
+  const xvar& operator=(const memo& value) { return assign(value); }
+  const xvar& operator=(const date& value) { return assign(value); }
+  const xvar& operator=(const time& value) { return assign(value); }
+  const xvar& operator=(const datetime& value) { return assign(value); }
+  const xvar& operator=(const std::wstring& value) { return assign(value); }
+  const xvar& operator=(const wchar_t* value) { return assign(value); }
+  const xvar& operator=(const std::string& value) { return assign(value); }
+  const xvar& operator=(const char* value) { return assign(value); }
+
+  /// The quality, inserted with a null value when missing.
+  var& operator[](const std::wstring& key);
+  var& operator[](const std::string& key);
+  var& operator[](const wchar_t* key);
+  var& operator[](const char* key);
+
+  /// The quality; a missing key throws std::out_of_range ("invalid map<K, T> key").
+  const var& at(const std::wstring& key) const;
+  const var& at(const std::string& key) const;
+  /// The quality; a missing key throws exc::OutOfRange (raw 0xEBB80007).
+  const var& get_quality(const std::wstring& key) const;
+  const var& get_quality(const std::string& key) const;
+
+  bool has_quality(const std::wstring& key) const;
+  bool has_quality(const std::string& key) const;
+  size_type count(const std::wstring& key) const;
+  size_type count(const std::string& key) const;
+  iterator find(const std::wstring& key);
+  iterator find(const std::string& key);
+  const_iterator find(const std::wstring& key) const;
+  const_iterator find(const std::string& key) const;
+  /// The number of qualities removed, 0 or 1.
+  size_type erase(const std::wstring& key);
+  size_type erase(const std::string& key);
+  void quality_remove(const std::wstring& key);
+  void quality_remove(const std::string& key);
+
+  void add_qualities(const qualities_map& qualities);
+  const qualities_map& get_qualities() const noexcept;
+  /// The map for writing; made on first use.
+  qualities_map& hack_qualities();
+
+  iterator begin() noexcept;
+  iterator end() noexcept;
+  const_iterator begin() const noexcept { return get_qualities().begin(); }
+  const_iterator end() const noexcept { return get_qualities().end(); }
+  const_iterator cbegin() const noexcept { return begin(); }
+  const_iterator cend() const noexcept { return end(); }
+
+  /// @quirk size(), empty() and clear() speak of the qualities, not of the value (use var::clear for that).
+  size_type size() const noexcept { return get_qualities().size(); }
+  size_type qualities_size() const noexcept { return size(); }
+  size_type max_size() const noexcept { return get_qualities().max_size(); }
+  bool empty() const noexcept { return size() == 0; }
+  bool is_qualified() const noexcept { return !empty(); }
+  void clear() noexcept;
+  void clear_qualities() noexcept { clear(); }
+
+ private:
+  friend struct detail::cell;
+
+  template <class T>
+  const xvar& assign(const T& value) {
+    var::operator=(value);
+    return *this;
+  }
+  void drop_qualities() noexcept;
+
+  qualities_map* qualities_ = nullptr;  // owned; null until the first quality
+};
+
+}  // namespace ruvo
