@@ -1,0 +1,272 @@
+#include "values/bundle_store.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+namespace ruvo::detail {
+
+// --- order of a large store ---------------------------------------------------------------------------------
+
+namespace {
+
+bool before(const bundle::entry* item, std::wstring_view key) noexcept { return item->first < key; }
+
+}  // namespace
+
+bundle_store::large_order::place bundle_store::large_order::lower_bound(std::wstring_view key) const noexcept {
+  const auto in = std::lower_bound(leaves.begin(), leaves.end(), key,
+                                   [](const leaf& l, std::wstring_view k) { return before(l.back(), k); });
+  if (in == leaves.end()) return {leaves.size(), 0};
+  const auto at = std::lower_bound(in->begin(), in->end(), key, before);
+  return {static_cast<std::size_t>(in - leaves.begin()), static_cast<std::size_t>(at - in->begin())};
+}
+
+bundle::entry* bundle_store::large_order::at(place where) const noexcept {
+  return where.leaf < leaves.size() && where.at < leaves[where.leaf].size() ? leaves[where.leaf][where.at] : nullptr;
+}
+
+void bundle_store::large_order::insert(entry* item) {
+  order.reserve(order.size() == order.capacity() ? order.size() * 2 : order.size());
+  place to = lower_bound(item->first);
+  if (to.leaf == leaves.size()) to = {leaves.size() - 1, leaves.back().size()};
+  if (leaves[to.leaf].size() == leaf_limit) {
+    constexpr std::size_t half = leaf_limit / 2;
+    leaf upper(leaves[to.leaf].begin() + half, leaves[to.leaf].end());
+    leaves.insert(leaves.begin() + static_cast<std::ptrdiff_t>(to.leaf) + 1, std::move(upper));
+    leaves[to.leaf].resize(half);
+    if (to.at > half) to = {to.leaf + 1, to.at - half};
+  }
+  leaf& in = leaves[to.leaf];
+  in.insert(in.begin() + static_cast<std::ptrdiff_t>(to.at), item);
+  order.push_back(item);
+}
+
+void bundle_store::large_order::erase(const entry* item) noexcept {
+  const place from = lower_bound(item->first);
+  leaf& in = leaves[from.leaf];
+  in.erase(in.begin() + static_cast<std::ptrdiff_t>(from.at));
+  if (in.empty() && leaves.size() > 1) leaves.erase(leaves.begin() + static_cast<std::ptrdiff_t>(from.leaf));
+  order.erase(std::find(order.begin(), order.end(), item));
+}
+
+// --- memory -------------------------------------------------------------------------------------------------
+
+bundle_store* bundle_store::make(std::size_t capacity) {
+  const std::size_t bytes = sizeof(bundle_store) + sizeof(block) + capacity * sizeof(entry) + arrays_bytes(capacity);
+  void* const memory = take_block(bytes);
+  auto* const store = new (memory) bundle_store;
+  store->bytes_ = bytes;
+  store->blocks_ = new (store + 1) block{nullptr, 0, capacity, 0};
+  store->use_arrays(entries_of(store->blocks_) + capacity, capacity);
+  if (capacity > small_limit) {
+    try {
+      store->become_large();
+    } catch (...) {
+      drop(store);
+      throw;
+    }
+  }
+  return store;
+}
+
+bundle_store* bundle_store::like(const bundle_store& other) {
+  bundle_store* const store = make(std::max<std::size_t>(other.size_, 1));
+  try {
+    for (std::size_t n = 0; n < other.size_; ++n) {
+      const shared_key* const key = key_of(other.nth(n));
+      key_view view(std::wstring_view{});
+      view.text = *key;
+      view.hash = key->hash;
+      store->add(view, key);
+    }
+  } catch (...) {
+    drop(store);
+    throw;
+  }
+  return store;
+}
+
+bundle_store::~bundle_store() {
+  for (std::size_t n = 0; n < size_; ++n) nth(n)->~entry();
+  while (blocks_) {
+    block* const gone = blocks_;
+    blocks_ = gone->next;
+    if (gone->bytes) give_block(gone, gone->bytes);
+  }
+}
+
+void bundle_store::drop(bundle_store* store) noexcept {
+  if (!store) return;
+  const std::size_t bytes = store->bytes_;
+  store->~bundle_store();
+  give_block(store, bytes);
+}
+
+void bundle_store::use_arrays(void* memory, std::size_t capacity) noexcept {
+  const std::uint32_t* const old_hashes = order_ ? hashes() : nullptr;
+  const std::uint8_t* const old_ranks = order_ ? ranks() : nullptr;
+  entry** const old_order = order_;
+  order_ = static_cast<entry**>(memory);
+  capacity_ = capacity;
+  if (size_ == 0) return;
+  std::memcpy(order_, old_order, size_ * sizeof *order_);
+  std::memcpy(hashes(), old_hashes, size_ * sizeof *old_hashes);
+  std::memcpy(ranks(), old_ranks, size_);
+}
+
+void bundle_store::become_large() {
+  auto large = std::make_unique<large_order>();
+  large->leaves.emplace_back();
+  large->order.assign(order_, order_ + size_);
+  for (std::size_t rank = 0; rank < size_; ++rank) large->leaves.front().push_back(order_[ranks()[rank]]);
+  large_ = std::move(large);
+}
+
+void bundle_store::grow(std::size_t more) {
+  const std::size_t capacity = capacity_ + more;
+  if (capacity > small_limit && !large_) become_large();
+  const std::size_t bytes = sizeof(block) + more * sizeof(entry) + arrays_bytes(capacity);
+  auto* const made = new (take_block(bytes)) block{blocks_, bytes, more, 0};
+  // What is left of the newest block goes to the list of free places.
+  while (blocks_->used < blocks_->capacity) give_place(entries_of(blocks_) + blocks_->used++);
+  blocks_ = made;
+  if (large_) {
+    capacity_ = capacity;
+  } else {
+    use_arrays(entries_of(made) + more, capacity);
+  }
+}
+
+void* bundle_store::take_place() noexcept {
+  if (blocks_->used < blocks_->capacity) return entries_of(blocks_) + blocks_->used++;
+  void* const place = free_;
+  std::memcpy(&free_, place, sizeof free_);
+  return place;
+}
+
+void bundle_store::give_place(void* place) noexcept {
+  std::memcpy(place, &free_, sizeof free_);
+  free_ = place;
+}
+
+// --- the arrays of a small store ----------------------------------------------------------------------------
+
+bundle::entry* bundle_store::find_in_arrays(const key_view& key) const noexcept {
+  const std::uint32_t* const all = hashes();
+  for (std::size_t n = 0; n < size_; ++n) {
+    if (all[n] == key.hash && order_[n]->first == key.text) return order_[n];
+  }
+  return nullptr;
+}
+
+std::size_t bundle_store::rank_of(std::wstring_view key) const noexcept {
+  const std::uint8_t* const all = ranks();
+  // Documents often bring their keys in order.
+  if (size_ > 0 && before(order_[all[size_ - 1]], key)) return size_;
+  const auto at =
+      std::lower_bound(all, all + size_, key, [this](std::uint8_t n, std::wstring_view k) { return before(order_[n], k); });
+  return static_cast<std::size_t>(at - all);
+}
+
+void bundle_store::insert_in_arrays(entry* item, std::uint32_t hash) noexcept {
+  const std::size_t rank = rank_of(item->first);
+  std::uint8_t* const all = ranks();
+  std::memmove(all + rank + 1, all + rank, size_ - rank);
+  all[rank] = static_cast<std::uint8_t>(size_);
+  order_[size_] = item;
+  hashes()[size_] = hash;
+}
+
+void bundle_store::erase_from_arrays(const entry* item) noexcept {
+  const auto n = static_cast<std::size_t>(std::find(order_, order_ + size_, item) - order_);
+  const std::size_t behind = size_ - n - 1;
+  std::memmove(order_ + n, order_ + n + 1, behind * sizeof *order_);
+  std::memmove(hashes() + n, hashes() + n + 1, behind * sizeof(std::uint32_t));
+  std::uint8_t* to = ranks();
+  for (const std::uint8_t* from = to; from != ranks() + size_; ++from) {
+    if (*from != n) *to++ = static_cast<std::uint8_t>(*from > n ? *from - 1 : *from);
+  }
+}
+
+// --- entries ------------------------------------------------------------------------------------------------
+
+bundle::entry* bundle_store::find(const key_view& key) const noexcept {
+  if (!large_) return find_in_arrays(key);
+  entry* const found = large_->at(large_->lower_bound(key.text));
+  return found && found->first == key.text ? found : nullptr;
+}
+
+bundle::entry* bundle_store::put(const key_view& key) {
+  if (entry* const found = find(key)) return found;
+  return add(key);
+}
+
+bundle::entry* bundle_store::add(const key_view& key, const shared_key* shared) {
+  if (size_ == capacity_) grow(std::max<std::size_t>(4, capacity_ / 2));
+  if (shared) {
+    retain(shared);
+  } else if (thread_cache* const cache = thread_cache::local()) {
+    shared = cache->key(key.text, key.hash);
+  } else {
+    shared = new shared_key(key.text, key.hash);
+  }
+  void* const place = take_place();
+  auto* const item = new (place) entry(*shared);
+  if (!large_) {
+    insert_in_arrays(item, key.hash);
+  } else {
+    try {
+      large_->insert(item);
+    } catch (...) {
+      item->~entry();
+      give_place(place);
+      throw;
+    }
+  }
+  ++size_;
+  return item;
+}
+
+void bundle_store::erase(entry* item) noexcept {
+  if (large_) {
+    large_->erase(item);
+  } else {
+    erase_from_arrays(item);
+  }
+  --size_;
+  item->~entry();
+  give_place(item);
+}
+
+bundle::entry* bundle_store::step(const entry* item, std::size_t& rank, bool forward) const noexcept {
+  if (large_) {
+    constexpr int shift = 16;
+    large_order::place at{rank >> shift, rank & ((std::size_t{1} << shift) - 1)};
+    if (!item) {
+      at = {large_->leaves.size() - 1, large_->leaves.back().size()};
+    } else if (large_->at(at) != item) {
+      at = large_->lower_bound(item->first);
+    }
+    if (forward) {
+      if (++at.at >= large_->leaves[at.leaf].size()) at = {at.leaf + 1, 0};
+    } else if (at.at > 0) {
+      --at.at;
+    } else {
+      if (at.leaf == 0) return nullptr;
+      --at.leaf;
+      at.at = large_->leaves[at.leaf].size() - 1;
+    }
+    rank = at.leaf << shift | at.at;
+    return large_->at(at);
+  }
+  if (!item) {
+    rank = size_;
+  } else if (rank >= size_ || order_[ranks()[rank]] != item) {
+    rank = rank_of(item->first);
+  }
+  rank += forward ? 1 : std::size_t{0} - 1;
+  return rank < size_ ? order_[ranks()[rank]] : nullptr;
+}
+
+}  // namespace ruvo::detail

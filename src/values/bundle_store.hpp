@@ -1,0 +1,113 @@
+#pragma once
+
+// The inside of a bundle.
+//
+// Entries lie in blocks and never move. Up to `small_limit` entries, three arrays of one allocation with the
+// newest block say in which order: the entries by position, their hashes by position (look-up scans these), and
+// the positions by key. Beyond, sorted leaves of entries take over look-up and order.
+
+#include "values/folded_key.hpp"
+
+#include <ruvo/bundle.hpp>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace ruvo::detail {
+
+class bundle_store {
+ public:
+  using entry = bundle::entry;
+
+  /// With room for `capacity` entries in one allocation.
+  static bundle_store* make(std::size_t capacity);
+  /// With the keys of `other` in the same positions, and null values.
+  static bundle_store* like(const bundle_store& other);
+  static void drop(bundle_store* store) noexcept;
+
+  bundle_store(const bundle_store&) = delete;
+  bundle_store& operator=(const bundle_store&) = delete;
+
+  std::size_t size() const noexcept { return size_; }
+  entry* find(const key_view& key) const noexcept;
+  /// The entry with the key, made with a null value when missing. Nothing changes when it throws.
+  entry* put(const key_view& key);
+  /// put() for a key that is known to be missing; `shared`, when given, is the same key made before.
+  entry* add(const key_view& key, const shared_key* shared = nullptr);
+  /// Makes room for `count` entries in all.
+  void reserve(std::size_t count) {
+    if (count > capacity_) grow(count - capacity_);
+  }
+  void erase(entry* item) noexcept;
+  /// By position of first insertion; `n` must be below size().
+  entry* nth(std::size_t n) const noexcept { return large_ ? large_->order[n] : order_[n]; }
+  /// The neighbour in key order of `item` (null: behind the last), or null. `rank` is where `item` was last seen.
+  entry* step(const entry* item, std::size_t& rank, bool forward) const noexcept;
+
+  static const shared_key* key_of(const entry* item) noexcept {
+    return static_cast<const shared_key*>(&item->first);
+  }
+
+ private:
+  static constexpr std::size_t small_limit = 128, leaf_limit = 512;
+
+  struct block {
+    block* next;
+    std::size_t bytes, capacity, used;
+  };
+  /// The order of a large store: positions, and leaves sorted by key, none of them empty.
+  struct large_order {
+    using leaf = std::vector<entry*>;
+    struct place {
+      std::size_t leaf, at;
+    };
+    std::vector<entry*> order;
+    std::vector<leaf> leaves;
+
+    /// The first place whose key is not before `key`; behind the last one, {leaves.size(), 0}.
+    place lower_bound(std::wstring_view key) const noexcept;
+    entry* at(place where) const noexcept;
+    void insert(entry* item);
+    void erase(const entry* item) noexcept;
+  };
+
+  bundle_store() noexcept = default;
+  ~bundle_store();
+
+  std::uint32_t* hashes() const noexcept { return reinterpret_cast<std::uint32_t*>(order_ + capacity_); }
+  std::uint8_t* ranks() const noexcept { return reinterpret_cast<std::uint8_t*>(hashes() + capacity_); }
+  static constexpr std::size_t arrays_bytes(std::size_t capacity) noexcept {
+    return capacity <= small_limit ? capacity * (sizeof(entry*) + sizeof(std::uint32_t) + 1) : 0;
+  }
+  static entry* entries_of(block* in) noexcept { return reinterpret_cast<entry*>(in + 1); }
+  entry* find_in_arrays(const key_view& key) const noexcept;
+  std::size_t rank_of(std::wstring_view key) const noexcept;
+  void insert_in_arrays(entry* item, std::uint32_t hash) noexcept;
+  void erase_from_arrays(const entry* item) noexcept;
+  void use_arrays(void* memory, std::size_t capacity) noexcept;
+  void become_large();
+  void grow(std::size_t more);
+  void* take_place() noexcept;
+  void give_place(void* place) noexcept;
+
+  std::size_t size_ = 0, capacity_ = 0;  // places for entries
+  entry** order_ = nullptr;
+  block* blocks_ = nullptr;  // the newest first; the one made with the store stands behind it
+  void* free_ = nullptr;     // places of erased entries, each pointing to the next
+  std::unique_ptr<large_order> large_;
+  std::size_t bytes_ = 0;  // of the allocation that begins with this object
+};
+
+/// The library's own door into a bundle.
+struct bundle_access {
+  static bundle_store* store(const bundle& in) noexcept { return in.store_; }
+  static bundle_store& made_store(bundle& in, std::size_t capacity = 4) {
+    if (!in.store_) in.store_ = bundle_store::make(capacity);
+    return *in.store_;
+  }
+  /// Gives up the store; the bundle is empty afterwards.
+  static bundle_store* detach(bundle& in) noexcept { return std::exchange(in.store_, nullptr); }
+};
+
+}  // namespace ruvo::detail

@@ -1,0 +1,124 @@
+#include "values/thread_cache.hpp"
+
+#include "app/thread_slot.hpp"
+
+#include <cstring>
+#include <memory>
+#include <new>
+
+namespace ruvo::detail {
+
+namespace {
+
+constexpr std::uint64_t spread = 0x9E3779B97F4A7C15;
+
+std::uint64_t mix(std::uint64_t state, std::uint64_t word) noexcept {
+  state = (state ^ word) * spread;
+  return state ^ (state >> 29);
+}
+
+}  // namespace
+
+std::uint32_t hash_of(std::wstring_view key) noexcept {
+  std::uint64_t state = key.size() * spread;
+  const auto* at = reinterpret_cast<const unsigned char*>(key.data());
+  std::size_t left = key.size() * sizeof(wchar_t);
+  for (; left >= 8; at += 8, left -= 8) {
+    std::uint64_t word;
+    std::memcpy(&word, at, 8);
+    state = mix(state, word);
+  }
+  if (left > 0) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, at, left);
+    state = mix(state, word);
+  }
+  return static_cast<std::uint32_t>(state >> 32);
+}
+
+void release(const shared_key* key) noexcept {
+  if (key->uses.fetch_sub(1, std::memory_order_acq_rel) == 1) delete key;
+}
+
+thread_cache* thread_cache::local() noexcept {
+  if (void* known = platform::thread_pointer()) return static_cast<thread_cache*>(known);
+  std::unique_ptr<thread_cache> made(new (std::nothrow) thread_cache);
+  if (!made || !platform::set_thread_pointer(made.get())) return nullptr;
+  return made.release();
+}
+
+thread_cache::~thread_cache() {
+  for (free_block* block : free_) {
+    while (block) {
+      free_block* const next = block->next;
+      ::operator delete(block);
+      block = next;
+    }
+  }
+  for (const shared_key* key : keys_) {
+    if (key) release(key);
+  }
+}
+
+void* thread_cache::take(std::size_t size) {
+  const std::size_t index = (size - 1) / step;
+  free_block* const block = size <= largest ? free_[index] : nullptr;
+  if (!block) return ::operator new(rounded(size));
+  free_[index] = block->next;
+  free_bytes_ -= rounded(size);
+  return block;
+}
+
+void thread_cache::give(void* memory, std::size_t size) noexcept {
+  if (size > largest || free_bytes_ + rounded(size) > most_bytes) {
+    ::operator delete(memory);
+    return;
+  }
+  free_block*& first = free_[(size - 1) / step];
+  first = new (memory) free_block{first};
+  free_bytes_ += rounded(size);
+}
+
+const shared_key* thread_cache::key(std::wstring_view text, std::uint32_t hash) {
+  const shared_key*& slot = keys_[hash % key_slots];
+  if (slot && slot->hash == hash && *slot == text) {
+    retain(slot);
+    return slot;
+  }
+  auto* const made = new shared_key(text, hash);
+  if (text.size() <= longest_key) {
+    if (slot) release(slot);
+    slot = made;
+    retain(made);
+  }
+  return made;
+}
+
+#ifdef KESTA_PLAIN_HEAP  // for checkers that must see every block
+
+void* take_block(std::size_t size) { return ::operator new(size); }
+
+void give_block(void* block, std::size_t) noexcept { ::operator delete(block); }
+
+#else
+
+void* take_block(std::size_t size) {
+  thread_cache* const cache = thread_cache::local();
+  return cache ? cache->take(size) : ::operator new(thread_cache::rounded(size));
+}
+
+void give_block(void* block, std::size_t size) noexcept {
+  if (thread_cache* const cache = thread_cache::local()) {
+    cache->give(block, size);
+  } else {
+    ::operator delete(block);
+  }
+}
+
+#endif
+
+}  // namespace ruvo::detail
+
+void ruvo::platform::release_thread_pointer(void* value) noexcept {
+  delete static_cast<ruvo::detail::thread_cache*>(value);
+}
