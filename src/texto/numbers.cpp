@@ -1,7 +1,5 @@
 #include "texto/numbers.hpp"
 
-#include "texto/ascii.hpp"
-
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -10,6 +8,8 @@
 #include <limits>
 #include <stdexcept>
 
+#include "texto/ascii.hpp"
+
 namespace ruvo::texto {
 
 namespace {
@@ -17,7 +17,8 @@ namespace {
 constexpr std::size_t max_digits = 20;  // of an unsigned 64-bit number
 
 constexpr char pairs[] =
-    "00010203040506070809101112131415161718192021222324252627282930313233343536373839404142434445464748495051525"
+    "00010203040506070809101112131415161718192021222324252627282930313233343536373839404142434445464748495051"
+    "525"
     "354555657585960616263646566676869707172737475767778798081828384858687888990919293949596979899";
 
 /// Writes `value` so that it ends before `end`; returns its first character.
@@ -55,8 +56,8 @@ struct fixed_parts {
   std::uint32_t millionths;
 };
 
-/// Splits `magnitude` exactly into its whole part and rounded millionths (ties to even). Possible when all its
-/// bits fit into 64 bits on each side of the point; false otherwise.
+/// Splits `magnitude` exactly into its whole part and rounded millionths (ties to even). Possible when all
+/// its bits fit into 64 bits on each side of the point; false otherwise.
 bool split_fixed(double magnitude, fixed_parts& parts) {
   constexpr double smallest = 1.0 / 2048, largest = 9007199254740992.0;  // lowest bit at or above 2^-64, 2^53
   if (!(magnitude < largest) || (magnitude < smallest && magnitude != 0)) return false;
@@ -126,7 +127,8 @@ void append_unsigned(std::wstring& out, unsigned long long value) {
 void append_integer(std::wstring& out, long long value) {
   wchar_t text[max_digits + 1];
   wchar_t* const end = text + max_digits + 1;
-  const auto magnitude = value < 0 ? 0 - static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
+  const auto magnitude =
+      value < 0 ? 0 - static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
   wchar_t* first = write_backwards(end, magnitude);
   if (value < 0) *--first = L'-';
   out.append(first, static_cast<std::size_t>(end - first));

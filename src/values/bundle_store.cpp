@@ -6,7 +6,8 @@
 
 namespace ruvo::detail {
 
-// --- order of a large store ---------------------------------------------------------------------------------
+// --- order of a large store
+// ---------------------------------------------------------------------------------
 
 namespace {
 
@@ -14,7 +15,9 @@ bool before(const bundle::entry* item, std::wstring_view key) noexcept { return 
 
 }  // namespace
 
-bundle_store::large_order::place bundle_store::large_order::lower_bound(std::wstring_view key) const noexcept {
+bundle_store::large_order::place bundle_store::large_order::lower_bound(
+    std::wstring_view key) const noexcept {
+  if (leaves.back().empty()) return {leaves.size(), 0};
   const auto in = std::lower_bound(leaves.begin(), leaves.end(), key,
                                    [](const leaf& l, std::wstring_view k) { return before(l.back(), k); });
   if (in == leaves.end()) return {leaves.size(), 0};
@@ -23,7 +26,8 @@ bundle_store::large_order::place bundle_store::large_order::lower_bound(std::wst
 }
 
 bundle::entry* bundle_store::large_order::at(place where) const noexcept {
-  return where.leaf < leaves.size() && where.at < leaves[where.leaf].size() ? leaves[where.leaf][where.at] : nullptr;
+  return where.leaf < leaves.size() && where.at < leaves[where.leaf].size() ? leaves[where.leaf][where.at]
+                                                                            : nullptr;
 }
 
 void bundle_store::large_order::insert(entry* item) {
@@ -50,10 +54,12 @@ void bundle_store::large_order::erase(const entry* item) noexcept {
   order.erase(std::find(order.begin(), order.end(), item));
 }
 
-// --- memory -------------------------------------------------------------------------------------------------
+// --- memory
+// -------------------------------------------------------------------------------------------------
 
 bundle_store* bundle_store::make(std::size_t capacity) {
-  const std::size_t bytes = sizeof(bundle_store) + sizeof(block) + capacity * sizeof(entry) + arrays_bytes(capacity);
+  const std::size_t bytes =
+      sizeof(bundle_store) + sizeof(block) + capacity * sizeof(entry) + arrays_bytes(capacity);
   void* const memory = take_block(bytes);
   auto* const store = new (memory) bundle_store;
   store->bytes_ = bytes;
@@ -75,10 +81,7 @@ bundle_store* bundle_store::like(const bundle_store& other) {
   try {
     for (std::size_t n = 0; n < other.size_; ++n) {
       const shared_key* const key = key_of(other.nth(n));
-      key_view view(std::wstring_view{});
-      view.text = *key;
-      view.hash = key->hash;
-      store->add(view, key);
+      store->add({*key, key->hash}, key);
     }
   } catch (...) {
     drop(store);
@@ -150,7 +153,8 @@ void bundle_store::give_place(void* place) noexcept {
   free_ = place;
 }
 
-// --- the arrays of a small store ----------------------------------------------------------------------------
+// --- the arrays of a small store
+// ----------------------------------------------------------------------------
 
 bundle::entry* bundle_store::find_in_arrays(const key_view& key) const noexcept {
   const std::uint32_t* const all = hashes();
@@ -164,8 +168,8 @@ std::size_t bundle_store::rank_of(std::wstring_view key) const noexcept {
   const std::uint8_t* const all = ranks();
   // Documents often bring their keys in order.
   if (size_ > 0 && before(order_[all[size_ - 1]], key)) return size_;
-  const auto at =
-      std::lower_bound(all, all + size_, key, [this](std::uint8_t n, std::wstring_view k) { return before(order_[n], k); });
+  const auto at = std::lower_bound(
+      all, all + size_, key, [this](std::uint8_t n, std::wstring_view k) { return before(order_[n], k); });
   return static_cast<std::size_t>(at - all);
 }
 
@@ -189,7 +193,8 @@ void bundle_store::erase_from_arrays(const entry* item) noexcept {
   }
 }
 
-// --- entries ------------------------------------------------------------------------------------------------
+// --- entries
+// ------------------------------------------------------------------------------------------------
 
 bundle::entry* bundle_store::find(const key_view& key) const noexcept {
   if (!large_) return find_in_arrays(key);

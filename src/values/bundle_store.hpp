@@ -3,16 +3,17 @@
 // The inside of a bundle.
 //
 // Entries lie in blocks and never move. Up to `small_limit` entries, three arrays of one allocation with the
-// newest block say in which order: the entries by position, their hashes by position (look-up scans these), and
-// the positions by key. Beyond, sorted leaves of entries take over look-up and order.
-
-#include "values/folded_key.hpp"
+// newest block say in which order: the entries by position, their hashes by position (look-up scans these),
+// and the positions by key. Beyond, sorted leaves of entries take over look-up and order.
 
 #include <ruvo/bundle.hpp>
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
+
+#include "values/folded_key.hpp"
 
 namespace ruvo::detail {
 
@@ -42,7 +43,13 @@ class bundle_store {
   void erase(entry* item) noexcept;
   /// By position of first insertion; `n` must be below size().
   entry* nth(std::size_t n) const noexcept { return large_ ? large_->order[n] : order_[n]; }
-  /// The neighbour in key order of `item` (null: behind the last), or null. `rank` is where `item` was last seen.
+  /// The first entry in key order, or null.
+  entry* first() const noexcept {
+    if (large_) return large_->at({0, 0});
+    return size_ > 0 ? order_[ranks()[0]] : nullptr;
+  }
+  /// The neighbour in key order of `item` (null: behind the last), or null. `rank` is where `item` was last
+  /// seen.
   entry* step(const entry* item, std::size_t& rank, bool forward) const noexcept;
 
   static const shared_key* key_of(const entry* item) noexcept {
@@ -106,6 +113,8 @@ struct bundle_access {
     if (!in.store_) in.store_ = bundle_store::make(capacity);
     return *in.store_;
   }
+  /// Gives `store` to an empty bundle.
+  static void set(bundle& in, bundle_store* store) noexcept { in.store_ = store; }
   /// Gives up the store; the bundle is empty afterwards.
   static bundle_store* detach(bundle& in) noexcept { return std::exchange(in.store_, nullptr); }
 };

@@ -2,13 +2,13 @@
 
 // Keys and paths on their way in: folded to lower case without allocation where they are short.
 
-#include "texto/ascii.hpp"
-#include "values/thread_cache.hpp"
-
 #include <ruvo/texto.hpp>
 
 #include <string>
 #include <string_view>
+
+#include "texto/ascii.hpp"
+#include "values/thread_cache.hpp"
 
 namespace ruvo::detail {
 
@@ -43,12 +43,13 @@ class folded_text {
   std::wstring large_;
 };
 
-using folded_key = folded_text<texto::to_lower>;        // A-Z only
+using folded_key = folded_text<texto::to_lower>;       // A-Z only
 using folded_path = folded_text<texto::to_lowercase>;  // accented letters too
 
 /// A folded key with its hash, as the stores look it up.
 struct key_view {
-  explicit key_view(std::wstring_view text) noexcept : text(text), hash(hash_of(text)) {}
+  explicit key_view(std::wstring_view folded) noexcept : key_view(folded, hash_of(folded)) {}
+  key_view(std::wstring_view folded, std::uint32_t its_hash) noexcept : text(folded), hash(its_hash) {}
 
   std::wstring_view text;
   std::uint32_t hash;

@@ -1,10 +1,10 @@
 #include "values/thread_cache.hpp"
 
-#include "app/thread_slot.hpp"
-
 #include <cstring>
 #include <memory>
 #include <new>
+
+#include "app/thread_slot.hpp"
 
 namespace ruvo::detail {
 

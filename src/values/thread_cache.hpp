@@ -2,8 +2,8 @@
 
 // What a thread keeps to make values cheap: freed small blocks for the next value, and the keys seen lately.
 //
-// The system's heap takes about fifty times as long as a list of free blocks, and documents repeat their keys.
-// Blocks and keys may be released by another thread than the one that made them.
+// The system's heap takes about fifty times as long as a list of free blocks, and documents repeat their
+// keys. Blocks and keys may be released by another thread than the one that made them.
 
 #include <atomic>
 #include <cstddef>
@@ -15,7 +15,7 @@ namespace ruvo::detail {
 
 /// A key, shared by all entries that carry it.
 struct shared_key : std::wstring {
-  shared_key(std::wstring_view text, std::uint32_t hash) : std::wstring(text), hash(hash) {}
+  shared_key(std::wstring_view text, std::uint32_t its_hash) : std::wstring(text), hash(its_hash) {}
 
   mutable std::atomic<std::uint32_t> uses{1};
   const std::uint32_t hash;

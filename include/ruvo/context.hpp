@@ -1,0 +1,116 @@
+#pragma once
+
+// ruvo::context, the services that the library takes from the machine and the user.
+
+#include <ruvo/bundle.hpp>
+#include <ruvo/file.hpp>
+
+#include <ctime>
+#include <map>
+#include <string>
+
+namespace ruvo {
+
+/// The services of a thread, each a virtual operation with a default that works everywhere, and a map of
+/// named values for the application's own use.
+///
+/// The services may be called from any thread and share no state. The map, the settings, the path and the
+/// locale carry no lock: set them up before other threads use the object. Narrow text is UTF-8 unless a code
+/// page says otherwise.
+class KESTA_API context {
+ public:
+  using map_type = std::map<std::wstring, xvar>;
+  using key_type = map_type::key_type;
+  using mapped_type = map_type::mapped_type;
+  using value_type = map_type::value_type;
+  using iterator = map_type::iterator;
+  using const_iterator = map_type::const_iterator;
+  using size_type = map_type::size_type;
+  using allocator_type = map_type::allocator_type;
+
+  context();
+  context(const context&) = delete;
+  context& operator=(const context&) = delete;
+  virtual ~context();
+
+  virtual unsigned long getThreadID() const;
+  virtual unsigned long getProcessID() const;
+
+  /// The user's separators of numbers; ',' and '.' when the system has none.
+  virtual wchar_t get_decimal_separator() const;
+  virtual wchar_t get_thousands_separator() const;
+
+  /// Conversions in a code page (0 is the system's, 65001 UTF-8); empty for an unknown page.
+  virtual std::wstring to_16_bits(const std::string& text, unsigned int code_page) const;
+  virtual std::string to_8_bits(const std::wstring& text, unsigned int code_page) const;
+  /// UTF-8 text in the system's code page.
+  virtual std::string UTF8_to_ANSI(const std::string& text) const;
+
+  /// A new identifier: its 32-bit and its two 16-bit numbers through `pattern`, then each of its eight bytes
+  /// through `byte_pattern`, both in the manner of printf with the conversions d i u o x X c. Empty when the
+  /// system has none to give.
+  virtual std::wstring uuid_gen(const std::wstring& pattern, const std::wstring& byte_pattern) const;
+  /// The first n of 32 hexadecimal digits; empty for n below 1.
+  virtual std::wstring uuid_short(int n) const;
+
+  /// Seconds since 1970 to a calendar record and back, in the proleptic Gregorian calendar, before 1970 too.
+  /// False on failure, when the year does not fit the record. Fields out of their range are normalised; the
+  /// record's tm_isdst is not read, and its other fields are left as they are.
+  virtual bool sistem_gmt_time(std::tm* record, long long seconds, exception* err) const;
+  /// Local time follows the system's rules for the year. Of the two instants that a repeated hour names the
+  /// first is taken; an hour that a clock change skips is moved on by the length of the change.
+  virtual bool sistem_local_time(std::tm* record, long long seconds, exception* err) const;
+  virtual bool sistem_gmt_lapse(long long& seconds, std::tm& record, exception* err) const;
+  virtual bool sistem_local_lapse(long long& seconds, std::tm& record, exception* err) const;
+
+  /// The value of an environment variable; throws exc::systemEnviromentVarNotFound.
+  virtual std::wstring get_enviroment_var(const std::wstring& name) const;
+  /// The same with a result object; false on failure.
+  virtual bool get_enviroment_var(std::wstring& value, exception& err, const std::wstring& name) const;
+
+  /// The value under the key, inserted with a null value when missing.
+  xvar& operator[](const std::wstring& key);
+  xvar& operator[](const std::string& key);
+  /// The value under the key; a missing one throws std::out_of_range.
+  const xvar& at(const std::wstring& key) const;
+  const xvar& at(const std::string& key) const;
+  iterator find(const std::wstring& key);
+  const_iterator find(const std::wstring& key) const;
+  iterator find(const std::string& key);
+  const_iterator find(const std::string& key) const;
+  size_type count(const std::wstring& key) const;
+  size_type count(const std::string& key) const;
+  size_type erase(const std::wstring& key);
+  size_type erase(const std::string& key);
+  iterator erase(const_iterator where);
+  iterator begin() noexcept { return values_.begin(); }
+  iterator end() noexcept { return values_.end(); }
+  const_iterator begin() const noexcept { return values_.begin(); }
+  const_iterator end() const noexcept { return values_.end(); }
+  const_iterator cbegin() const noexcept { return values_.cbegin(); }
+  const_iterator cend() const noexcept { return values_.cend(); }
+  size_type size() const noexcept { return values_.size(); }
+  bool empty() const noexcept { return values_.empty(); }
+  size_type max_size() const noexcept { return values_.max_size(); }
+  void clear() noexcept;
+  allocator_type get_allocator() const noexcept { return values_.get_allocator(); }
+
+  void set_app_path(const file& path);
+  const file& get_app_path() const noexcept { return app_path_; }
+
+  /// The settings.
+  bundle& settings() noexcept { return settings_; }
+  const bundle& settings() const noexcept { return settings_; }
+
+  /// The locale name ("es_ES", "es-ES") that calendar values use when none is given; "C" when empty.
+  void set_locale(const std::string& name);
+  const std::string& get_locale() const noexcept { return locale_; }
+
+ private:
+  map_type values_;
+  bundle settings_;
+  file app_path_;
+  std::string locale_;
+};
+
+}  // namespace ruvo

@@ -1,0 +1,124 @@
+#pragma once
+
+// ruvo::date, a day of the calendar.
+
+#include <ruvo/lapse.hpp>
+
+#include <compare>
+#include <concepts>
+#include <iosfwd>
+#include <string>
+
+namespace ruvo {
+
+/// A day. Its number is yyyymmdd: 20240229 is 29 February 2024. Fields out of their range are normalised
+/// (32 January is 1 February).
+///
+/// Operations without a result object throw exc::CalendarException.
+/// @quirk The instant kept is 04:04:04 of the day in the value's mode, so that small shifts stay in the day.
+class KESTA_API date : public lapse {
+ public:
+  static const std::string canonical;           ///< "%d-%m-%Y"
+  static const std::string short_format;        ///< "%d-%m-%Y"
+  static const std::string sql_format;          ///< "%Y-%m-%d"
+  static const std::string short_month_format;  ///< "%d-%b-%Y"
+  static const std::string long_month_format;   ///< "%d-%B-%Y"
+  static const std::string velda;               ///< "%Y%m%d"
+
+  /// Today.
+  date(times::HUSO huso = huso_horario);
+  date(long yyyymmdd, times::HUSO huso = huso_horario);
+  template <std::integral T>
+  date(T yyyymmdd, times::HUSO huso = huso_horario) : date(static_cast<long>(yyyymmdd), huso) {}
+  date(long year, long month, long day, times::HUSO huso = huso_horario);
+  /// From text, as parse(). Narrow text is UTF-8.
+  date(const char* text, times::HUSO huso = huso_horario, const std::string& format = canonical);
+  date(const wchar_t* text, times::HUSO huso = huso_horario, const std::string& format = canonical);
+  date(const std::string& text, times::HUSO huso = huso_horario, const std::string& format = canonical);
+  date(const std::wstring& text, times::HUSO huso = huso_horario, const std::string& format = canonical);
+  /// The day of the instant, in its mode.
+  explicit date(const datetime& instant);
+  /// The conversion of a var.
+  template <std::derived_from<var> V>
+  explicit date(const V& value) : date(value.operator date()) {}
+  date(const date& other);
+  ~date() override;
+
+  date& operator=(const date& other);
+  date& operator=(const datetime& instant);
+  date& operator=(long yyyymmdd);
+  template <std::integral T>
+  date& operator=(T yyyymmdd) {
+    return *this = static_cast<long>(yyyymmdd);
+  }
+  /// The conversion of a var.
+  template <std::derived_from<var> V>
+  date& operator=(const V& value) {
+    return *this = value.operator date();
+  }
+  /// From text in the canonical format.
+  date& operator=(const char* text);
+  date& operator=(const wchar_t* text);
+  date& operator=(const std::string& text);
+  date& operator=(const std::wstring& text);
+
+  /// yyyymmdd.
+  operator long() const;
+
+  using lapse::parse;
+  bool parse(const std::wstring& text, const std::wstring& format, exception& err,
+             const std::string& locale = {}) override;
+  std::wstring to_string(const std::string& format = canonical) const override;
+
+  int get_day() const { return get(times::DAYS); }
+  int get_month() const { return get(times::MONTHS); }
+  int get_year() const { return get(times::YEARS); }
+  /// 0 = Sunday.
+  int get_week_day() const { return get(times::WEEK_DAY); }
+  /// The number of days of the month.
+  int get_month_days() const;
+  date& set_day(int day);
+  date& set_month(int month);
+  date& set_year(int year);
+  /// Puts the instant back to 04:04:04 of its day.
+  date& reset_time();
+
+  /// Names in a locale, as lapse::parse() takes it.
+  std::wstring get_month_name(const std::string& locale = {}) const;
+  std::wstring get_month_name_abbreviated(const std::string& locale = {}) const;
+  std::wstring get_week_day_name(const std::string& locale = {}) const;
+  std::wstring get_week_day_name_abbreviated(const std::string& locale = {}) const;
+
+  /// The last day of the month.
+  static date get_last_day(long year, long month);
+
+  /// 0 equal, 1 this is later, 2 this is earlier; days are compared, not instants.
+  /// @quirk Never negative.
+  int compare(const date& other) const;
+  bool operator==(const date& other) const { return compare(other) == 0; }
+  std::strong_ordering operator<=>(const date& other) const;
+  template <std::integral T>
+  bool operator==(T yyyymmdd) const {
+    return *this == static_cast<long>(yyyymmdd);
+  }
+  template <std::integral T>
+  std::strong_ordering operator<=>(T yyyymmdd) const {
+    return *this <=> static_cast<long>(yyyymmdd);
+  }
+  bool operator==(long yyyymmdd) const;
+  std::strong_ordering operator<=>(long yyyymmdd) const;
+
+  /// Days.
+  date& operator+=(int days);
+  date& operator-=(int days);
+  date& operator++() { return *this += 1; }
+  date& operator--() { return *this -= 1; }
+  date operator++(int);
+  date operator--(int);
+};
+
+/// Write the canonical format.
+KESTA_API std::wostream& operator<<(std::wostream& out, const date& value);
+KESTA_API std::ostream& operator<<(std::ostream& out, const date& value);
+
+}  // namespace ruvo

@@ -1,0 +1,137 @@
+#pragma once
+
+// ruvo::datetime, an instant read as day and time.
+
+#include <ruvo/date.hpp>
+#include <ruvo/lapse.hpp>
+#include <ruvo/time.hpp>
+
+#include <compare>
+#include <concepts>
+#include <iosfwd>
+#include <string>
+
+namespace ruvo {
+
+/// An instant. Its number is the seconds since 1970-01-01 00:00:00 UTC. Fields out of their range are
+/// normalised.
+///
+/// Operations without a result object throw exc::CalendarException.
+class KESTA_API datetime : public lapse {
+ public:
+  static const std::string canonical;        ///< "%d-%m-%Y %H:%M:%S"
+  static const std::string iso_long_format;  ///< "%d-%m-%Y %H:%M:%S" @quirk Day first, not the ISO layout.
+  static const std::string sql_format;       ///< "%Y-%m-%d %H:%M:%S"
+  static const std::string long_utc_format;  ///< "%d-%B-%Y %H:%M:%S %z"
+
+  /// Now.
+  datetime(times::HUSO huso = huso_horario);
+  /// From seconds; fractions are cut.
+  datetime(double seconds, times::HUSO huso = huso_horario);
+  datetime(long seconds, times::HUSO huso = huso_horario);
+  template <std::integral T>
+  datetime(T seconds, times::HUSO huso = huso_horario) : lapse(static_cast<long long>(seconds), huso) {}
+  /// From the numbers of a day and a time of day.
+  datetime(long yyyymmdd, long hhmmss, times::HUSO huso = huso_horario);
+  datetime(long year, long month, long day, times::HUSO huso = huso_horario);
+  datetime(long year, long month, long day, long hour, long minute, long second,
+           times::HUSO huso = huso_horario);
+  /// The fields of both, read in their own modes, as fields in `huso`.
+  datetime(const date& day, const time& hour, times::HUSO huso = huso_horario);
+  /// The instant and the mode of the value.
+  datetime(const date& value);
+  datetime(const time& value);
+  /// The conversion of a var.
+  template <std::derived_from<var> V>
+  explicit datetime(const V& value) : datetime(value.operator datetime()) {}
+  datetime(const datetime& other);
+  ~datetime() override;
+
+  datetime& operator=(const datetime& other);
+  datetime& operator=(const date& value);
+  datetime& operator=(const time& value);
+  /// Seconds; fractions are cut.
+  datetime& operator=(double seconds);
+  template <std::integral T>
+  datetime& operator=(T seconds) {
+    set_lapso(seconds);
+    return *this;
+  }
+  /// The conversion of a var.
+  template <std::derived_from<var> V>
+  datetime& operator=(const V& value) {
+    return *this = value.operator datetime();
+  }
+  /// From text in the canonical format.
+  datetime& operator=(const char* text);
+  datetime& operator=(const wchar_t* text);
+  datetime& operator=(const std::string& text);
+  datetime& operator=(const std::wstring& text);
+
+  /// Seconds since 1970.
+  operator double() const { return static_cast<double>(get_lapso()); }
+  /// The day, in the same mode.
+  operator date() const;
+  /// The time of day, in the same mode.
+  operator time() const;
+
+  using lapse::parse;
+  std::wstring to_string(const std::string& format = canonical) const override;
+
+  int get_day() const { return get(times::DAYS); }
+  int get_month() const { return get(times::MONTHS); }
+  int get_year() const { return get(times::YEARS); }
+  /// 0 = Sunday.
+  int get_week_day() const { return get(times::WEEK_DAY); }
+  int get_hour() const { return get(times::HOURS); }
+  int get_minutes() const { return get(times::MINUTES); }
+  int get_seconds() const { return get(times::SECONDS); }
+  datetime& set_day(int day);
+  datetime& set_month(int month);
+  datetime& set_year(int year);
+  datetime& set_hour(int hour);
+  datetime& set_minutes(int minutes);
+  datetime& set_seconds(int seconds);
+
+  /// Names in a locale, as lapse::parse() takes it.
+  std::wstring get_month_name(const std::string& locale = {}) const;
+  std::wstring get_month_name_abbreviated(const std::string& locale = {}) const;
+  std::wstring get_week_day_name(const std::string& locale = {}) const;
+  std::wstring get_week_day_name_abbreviated(const std::string& locale = {}) const;
+
+  /// 0 equal, 1 this is later, 2 this is earlier. Instants are compared; with a date or a time only that
+  /// part.
+  /// @quirk Never negative.
+  int compare(const datetime& other) const;
+  int compare(const date& day) const;
+  int compare(const time& hour) const;
+  bool operator==(const datetime& other) const { return compare(other) == 0; }
+  bool operator==(const date& day) const { return compare(day) == 0; }
+  bool operator==(const time& hour) const { return compare(hour) == 0; }
+  std::strong_ordering operator<=>(const datetime& other) const;
+  std::strong_ordering operator<=>(const date& day) const;
+  std::strong_ordering operator<=>(const time& hour) const;
+  /// Against seconds since 1970.
+  template <class T>
+  requires std::integral<T> || std::floating_point<T>
+  bool operator==(T seconds) const { return *this == datetime(seconds); }
+  template <class T>
+  requires std::integral<T> || std::floating_point<T> std::strong_ordering operator<=>(T seconds) const {
+    return *this <=> datetime(seconds);
+  }
+
+  /// Hours.
+  /// @quirk Each calendar type moves by a unit of its own.
+  datetime& operator+=(int hours);
+  datetime& operator-=(int hours);
+  datetime& operator++() { return *this += 1; }
+  datetime& operator--() { return *this -= 1; }
+  datetime operator++(int);
+  datetime operator--(int);
+};
+
+/// Write the canonical format.
+KESTA_API std::wostream& operator<<(std::wostream& out, const datetime& value);
+KESTA_API std::ostream& operator<<(std::ostream& out, const datetime& value);
+
+}  // namespace ruvo

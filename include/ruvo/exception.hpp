@@ -1,0 +1,110 @@
+#pragma once
+
+// ruvo::exception, the one value that tells of a failure. It is thrown, and it is handed back through
+// references and pointers by operations that return bool; with a code of 0 it stands for success.
+
+#include <ruvo/api.hpp>
+
+#include <concepts>
+#include <cstdint>
+#include <exception>
+#include <iosfwd>
+#include <memory>
+#include <string>
+
+namespace ruvo {
+
+/// A 32-bit code, laid out as an HRESULT, a message and a report text. Copies share both texts: copying costs
+/// a reference count and never fails.
+class KESTA_API exception : public std::exception {
+ public:
+  /// Success: raw code 0xEBB80000, message "OK".
+  exception();
+  /// Raw code 0xE0000000 | facility << 16 | ((rango * 1000 + code) & 0xFFFF). The parts are not checked.
+  exception(const std::wstring& mensaje, unsigned long code, unsigned long rango, unsigned long facility);
+  exception(unsigned long raw, const std::wstring& mensaje);
+  exception(const exception& other) noexcept;
+  exception& operator=(const exception& other) noexcept;
+  ~exception() override;
+
+  /// The report: the lines CODE, RANGE, FACILITY, CUSTOMER, SEVERITY and MESSAGE, in UTF-8, each ended by
+  /// CRLF.
+  /// @quirk It shows the message as it was when the object was made or cleared; the system's text that the
+  /// Windows errors add afterwards stands in get_mensaje() only.
+  const char* what() const noexcept override;
+
+  /// A copy of exc::OkResult (message "CORRECTO").
+  static exception correct();
+  /// Raw code 0xEBB80001, message "Error indeterminado".
+  static exception incorrect();
+
+  /// Whether get_code() is 0, whatever the range and the facility.
+  bool OK() const noexcept { return get_code() == 0; }
+  bool WRONG() const noexcept { return !OK(); }
+
+  unsigned long get_raw_code() const noexcept { return code_; }
+  operator long() const noexcept { return static_cast<std::int32_t>(code_); }
+  unsigned long get_code() const noexcept { return (code_ & 0xFFFF) % 1000; }   ///< Number within the range.
+  unsigned long get_rango() const noexcept { return (code_ & 0xFFFF) / 1000; }  ///< Family of the error.
+  unsigned long get_facility() const noexcept { return code_ >> 16 & 0x1FFF; }
+  unsigned long get_severity() const noexcept { return code_ >> 30; }
+  unsigned long get_customer() const noexcept { return code_ >> 29 & 1; }
+
+  // Comparisons look at the raw codes only.
+  bool operator==(unsigned long raw) const noexcept { return code_ == raw; }
+  bool operator<(unsigned long raw) const noexcept { return code_ < raw; }
+  bool operator==(const exception& other) const noexcept { return code_ == other.code_; }
+  bool operator<(const exception& other) const noexcept { return code_ < other.code_; }
+  /// Any other integer is read as a raw code, a negative one as the HRESULT it is.
+  template <std::integral T>
+  bool operator==(T raw) const noexcept {
+    return code_ == static_cast<std::uint32_t>(raw);
+  }
+  template <std::integral T>
+  bool operator<(T raw) const noexcept {
+    return code_ < static_cast<std::uint32_t>(raw);
+  }
+
+  std::wstring get_mensaje() const;
+  /// The report text.
+  operator std::wstring() const;
+
+  /// Assigns this object to `*target`, if there is one.
+  void copy_on(exception* target) const noexcept;
+  void copy_on(exception& target) const noexcept;
+  /// Back to what the default constructor makes.
+  void clear();
+
+ protected:
+  // These two leave the report text as it is.
+  void set_mensaje(std::wstring mensaje);
+  void append_to_mensaje(std::wstring tail);
+  /// Rebuilds the report text.
+  void copy_what();
+  /// The system's text for an error number, without blanks at its ends.
+  static std::wstring winerror_message(unsigned long number);
+
+ private:
+  struct texts;
+
+  std::uint32_t code_;
+  std::shared_ptr<const texts> texts_;  // never null, never changed while shared
+};
+
+/// Writes the report text.
+KESTA_API std::wostream& operator<<(std::wostream& out, const exception& error);
+
+namespace kesta {
+
+/// The errors of the library's own modules: facility 3001.
+class KESTA_API exception : public ruvo::exception {
+ public:
+  exception(unsigned long code, const std::wstring& mensaje, unsigned long rango);
+  exception(const exception& other) noexcept;
+  exception& operator=(const exception& other) noexcept;
+  ~exception() override;
+};
+
+}  // namespace kesta
+
+}  // namespace ruvo

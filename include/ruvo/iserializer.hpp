@@ -1,0 +1,30 @@
+#pragma once
+
+// The role that every text format of the library plays.
+
+#include <ruvo/api.hpp>
+#include <ruvo/fwd.hpp>
+
+#include <string>
+
+namespace ruvo {
+
+/// Turns bundles into text and text into bundles. Both operations return true on FAILURE; the failure is then
+/// copied into `*err` unless `err` is null. On success `*err` stays as it is. What `options` means is the
+/// format's matter.
+class KESTA_API iserializer {
+ public:
+  virtual bool serialize(std::wstring& out, const bundle& in, exception* err = nullptr, int options = 0) = 0;
+  /// Adds what `in` says to `out`.
+  virtual bool deserialize(bundle& out, const std::wstring& in, exception* err = nullptr,
+                           int options = 0) = 0;
+  virtual ~iserializer();
+
+ protected:
+  // Copies and moves carry nothing over.
+  iserializer() noexcept;
+  iserializer(const iserializer&) noexcept;
+  iserializer& operator=(const iserializer&) noexcept;
+};
+
+}  // namespace ruvo

@@ -1,0 +1,122 @@
+#pragma once
+
+// ruvo::lapse, the instant under the calendar values.
+
+#include <ruvo/api.hpp>
+#include <ruvo/fwd.hpp>
+#include <ruvo/times.hpp>
+
+#include <concepts>
+#include <ctime>
+#include <string>
+
+namespace ruvo {
+
+/// An instant, as seconds since 1970-01-01 00:00:00 UTC in the proleptic Gregorian calendar, with the mode in
+/// which it is broken down into calendar fields. -1 second stands for "no value".
+///
+/// Every breaking down and building goes through the services of the calling thread's context, so two threads
+/// may read the same instant differently.
+class KESTA_API lapse {
+ public:
+  /// The default mode.
+  static constexpr times::HUSO huso_horario = times::GMT;
+
+  /// The current instant, in whole seconds.
+  lapse(times::HUSO huso = huso_horario);
+  lapse(const lapse& other);
+  virtual ~lapse();
+  lapse& operator=(const lapse& other);
+  /// The seconds; the mode stays.
+  lapse& operator=(const long long& seconds);
+
+  /// One field in the value's mode; 0 for any other unit.
+  virtual int get(times::UNITS unit) const;
+  int operator[](times::UNITS unit) const { return get(unit); }
+  /// Moves SECONDS to YEARS by n and normalises (31 January plus a month is 2 or 3 March); other units change
+  /// nothing. True on failure (exc::CalendarException), also when `err` is null; the value is then unchanged.
+  virtual bool add(int n, times::UNITS unit, exception* err = nullptr);
+  /// Replaces SECONDS to YEARS by n, in the sense of get(), and normalises; other units change nothing. True
+  /// on failure, as add().
+  virtual bool set(int n, times::UNITS unit, exception* err = nullptr);
+
+  /// The calendar record (month from 0, year from 1900) in the value's mode, in UTC or in local time; all
+  /// zero on failure.
+  virtual std::tm get_model() const;
+  std::tm get_gmt_model(exception* err = nullptr) const;
+  std::tm get_local_model(exception* err = nullptr) const;
+  /// Fill the record in UTC or in local time. True on failure.
+  bool gmt(std::tm& record, exception& err) const;
+  bool locale(std::tm& record, exception& err) const;
+
+  /// Reads `text`, which must fit `format` to its end (blanks around it do not count). False on failure
+  /// (exc::CalendarException, raw 0xE0000000 | 3001 << 16 | 3001); the value is then unchanged.
+  ///
+  /// Formats hold the conversions a A b B c d e F H I j m M p R S T u w x X y Y z Z %. Fields must be in
+  /// their range and days exist in their month. Fields that the format lacks are those of 1970-01-01
+  /// 00:00:00. Names are read in `locale` ("es_ES", "es-ES"; English for "C" and names the system does not
+  /// know); an empty one means the locale of the thread's context. `y` means 1969 to 2068; `z` sets the
+  /// instant whatever the mode.
+  virtual bool parse(const std::wstring& text, const std::wstring& format, exception& err,
+                     const std::string& locale = {});
+  bool parse(const std::wstring& text, const std::string& format, exception& err,
+             const std::string& locale = {});
+  bool parse(const std::string& text, const std::string& format, exception& err,
+             const std::string& locale = {});
+
+  /// The record written by `format`, with the conversions and the locale of parse(); others are written as
+  /// they stand. Throws exc::CalendarException for an instant that cannot be broken down.
+  std::wstring format(const std::wstring& format, const std::string& locale = {}) const;
+  std::wstring format(const std::string& format, const std::string& locale = {}) const;
+  /// format() in the locale of the thread's context; `format` is UTF-8.
+  virtual std::wstring to_string(const std::string& format) const;
+
+  long long get_lapso() const noexcept { return lapso_; }
+  void set_lapso(const long long& seconds) noexcept { lapso_ = seconds; }
+  /// Truncates; saturates at 64 bits, and what is not a number becomes null.
+  void set_lapso(double seconds) noexcept;
+  template <std::integral T>
+  void set_lapso(T seconds) noexcept {
+    lapso_ = static_cast<long long>(seconds);
+  }
+  long long& hack_lapso() noexcept { return lapso_; }
+  long long get_lapse_in_seconds() const noexcept { return lapso_; }
+  void set_lapse_in_seconds(long long seconds) noexcept { lapso_ = seconds; }
+
+  times::HUSO get_huso_horario() const noexcept { return huso_; }
+  /// The seconds stay.
+  void set_huso_horario(times::HUSO huso) noexcept { huso_ = huso; }
+
+  /// @quirk 1969-12-31 23:59:59 UTC is the null value.
+  bool is_null() const noexcept { return lapso_ == -1; }
+  /// Null, or 1970-01-01 00:00:00 UTC.
+  bool empty() const noexcept { return lapso_ == 0 || lapso_ == -1; }
+
+ protected:
+  lapse(long long seconds, times::HUSO huso) noexcept : lapso_(seconds), huso_(huso) {}
+
+  /// From fields as a calendar record has them (year from 1900, month from 0), normalised. True on failure.
+  bool set(int year, int month, int day, int hour, int minute, int second, exception* err);
+  bool set(std::tm& record, exception& err);
+
+  // The same services for derived classes, throwing exc::CalendarException. Years are full, months from 1.
+  std::tm record() const;
+  void build(long long year, long long month, long long day, long long hour, long long minute,
+             long long second);
+  void move(int n, times::UNITS unit);
+  void replace(int n, times::UNITS unit);
+  /// Reads text over the fields of `initial`.
+  void read(const std::tm& initial, const std::wstring& text, const std::wstring& format,
+            const std::string& locale);
+  /// parse().
+  void take(const std::wstring& text, const std::string& format);
+  void take(const std::string& text, const std::string& format);
+  std::wstring month_name(const std::string& locale, bool abbreviated) const;
+  std::wstring week_day_name(const std::string& locale, bool abbreviated) const;
+
+ private:
+  long long lapso_;
+  times::HUSO huso_;
+};
+
+}  // namespace ruvo

@@ -1,0 +1,25 @@
+#pragma once
+
+// All of kesta: every public header.
+
+#include <ruvo/api.hpp>
+#include <ruvo/application.hpp>
+#include <ruvo/binary.hpp>
+#include <ruvo/bundle.hpp>
+#include <ruvo/context.hpp>
+#include <ruvo/date.hpp>
+#include <ruvo/datetime.hpp>
+#include <ruvo/exc.hpp>
+#include <ruvo/exception.hpp>
+#include <ruvo/file.hpp>
+#include <ruvo/fwd.hpp>
+#include <ruvo/iserializer.hpp>
+#include <ruvo/lapse.hpp>
+#include <ruvo/list.hpp>
+#include <ruvo/memo.hpp>
+#include <ruvo/serializer.hpp>
+#include <ruvo/texto.hpp>
+#include <ruvo/time.hpp>
+#include <ruvo/times.hpp>
+#include <ruvo/var.hpp>
+#include <ruvo/xvar.hpp>

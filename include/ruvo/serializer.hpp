@@ -1,0 +1,240 @@
+#pragma once
+
+// Readers and writers of text formats, and JSON.
+//
+//   ruvo::serializer::json json;
+//   ruvo::bundle document;
+//   ruvo::exception failure;
+//   if (json.deserialize(document, text, &failure)) std::wcerr << failure.get_mensaje();
+//
+// An object becomes a bundle, an array a list; a text whose outermost value is an array is read into the key
+// "__json_array__", and a bundle with that key is written as the array alone.
+
+#include <ruvo/bundle.hpp>
+#include <ruvo/exception.hpp>
+#include <ruvo/iserializer.hpp>
+#include <ruvo/xvar.hpp>
+
+#include <cstdint>
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ruvo::serializer {
+
+// --- the roles
+// ----------------------------------------------------------------------------------------------
+
+/// Reads a text character by character into a bundle. Used through reset(), set_store(), and on_char() or
+/// next_character(), in that order.
+class KESTA_API ireader {
+ public:
+  /// Takes the next character; the caller has counted it (see next_character). True when `result` now carries
+  /// a failure; reading goes on all the same.
+  virtual bool on_char(wchar_t c, exception& result) = 0;
+  /// The text that a value stands for.
+  virtual std::wstring raw_value(const xvar& value) = 0;
+  /// The key under which a value is stored.
+  virtual std::wstring& raw_key(std::wstring& key) = 0;
+  virtual ~ireader();
+  /// Forgets everything, the store too.
+  virtual void reset() = 0;
+
+  ireader(const ireader&) = delete;
+  ireader& operator=(const ireader&) = delete;
+
+  /// The bundle to fill; not owned, and to outlive the reading.
+  void set_store(bundle& store) noexcept { store_ = &store; }
+  /// Counts the character and takes it.
+  bool next_character(wchar_t c, exception& result);
+
+ protected:
+  ireader() noexcept;
+
+  bundle* store_ = nullptr;
+  std::uint64_t position_ = 0;  // characters taken so far; the first has position 1
+};
+
+/// Writes a bundle as text.
+class KESTA_API iwriter {
+ public:
+  /// The text of one scalar value.
+  virtual std::wstring raw_value(const xvar& value) = 0;
+  virtual std::wstring& raw_key(std::wstring& key) = 0;
+  virtual ~iwriter();
+  /// Replaces `out` by the text of `in`. True on FAILURE, which is copied into `*err` unless `err` is null.
+  virtual bool write(std::wstring& out, const bundle& in, exception* err, int options) = 0;
+  /// Whether new lines and indentation are written.
+  virtual void set_tabulated(bool tabulated);
+
+  iwriter(const iwriter&) = delete;
+  iwriter& operator=(const iwriter&) = delete;
+
+ protected:
+  iwriter() noexcept;
+
+  /// One level deeper, when tabulated.
+  /// @quirk The first push in the writer's life adds no tab.
+  void push_tab();
+  void pop_tab() noexcept;
+
+  bool tabulated_ = false;
+  bool first_push_ = true;
+  std::wstring tab_unit_;
+  std::wstring indentation_;
+};
+
+// --- JSON writers
+// -------------------------------------------------------------------------------------------
+
+/// What the JSON writers share: the text of scalars, lists and members. Derived writers that override
+/// raw_value, raw_key or raw_bundle are asked for every value; nesting is then limited by the stack where
+/// raw_bundle is overridden.
+///
+/// Keys are written as they stand. @quirk A key that holds a quote makes text that is not JSON.
+class KESTA_API json_writer : public iwriter {
+ public:
+  /// A null value is written as "" when `null_as_empty` is set, else as null.
+  explicit json_writer(bool null_as_empty = true);
+  ~json_writer() override;
+
+  /// Numbers bare; texts, memos and all else quoted and escaped; bool as true or false; time quoted as
+  /// hhmmss; date as the bare number yyyymmdd; datetime as its bare seconds with six digits; binary as quoted
+  /// Base64.
+  std::wstring raw_value(const xvar& value) override;
+  std::wstring& raw_key(std::wstring& key) override;
+  /// A failure of the writer (a value that holds no container where one is needed) is exc::NullPointer.
+  bool write(std::wstring& out, const bundle& in, exception* err, int options) override;
+  /// Writes the bundle that `value` holds. True when `result` now carries a failure.
+  virtual bool raw_bundle(std::wostringstream& out, const xvar& value, exception& result) = 0;
+
+ protected:
+  bool raw_list(std::wostringstream& out, const xvar& value, exception& result);
+  bool raw_xvar(std::wostringstream& out, std::wstring& key, const xvar& value, exception& result);
+
+ private:
+  friend class json_emitter;
+
+  bool null_as_empty_;
+};
+
+/// Members in key order.
+class KESTA_API json_ordered_writer : public json_writer {
+ public:
+  json_ordered_writer();
+  ~json_ordered_writer() override;
+  bool raw_bundle(std::wostringstream& out, const xvar& value, exception& result) override;
+};
+
+/// Members in the order in which the bundle got them.
+class KESTA_API json_unordered_writer : public json_writer {
+ public:
+  json_unordered_writer();
+  ~json_unordered_writer() override;
+  bool raw_bundle(std::wostringstream& out, const xvar& value, exception& result) override;
+};
+
+/// In key order, texts quoted as they stand.
+class KESTA_API oauth_writer : public json_ordered_writer {
+ public:
+  oauth_writer();
+  ~oauth_writer() override;
+  std::wstring raw_value(const xvar& value) override;
+};
+
+// --- JSON reader
+// --------------------------------------------------------------------------------------------
+
+/// Reads JSON text; lenient in many places. The open containers are the caller's; nothing is owned.
+///
+/// Failures: exc::jsonEmptyKey (6002) for a value under an empty key inside an object, exc::jsonUnKnowValue
+/// (6003) for a word that is not true, false or null. A number that the conversion refuses throws
+/// std::invalid_argument or std::out_of_range.
+///
+/// @quirk Brackets are not matched, exponents are not read, a colon ends a key inside its quotes, of the
+/// escapes only \", \\ and \n are understood, an unknown word makes every further character an error.
+class KESTA_API json_reader : public ireader {
+ public:
+  json_reader();
+  ~json_reader() override;
+  bool on_char(wchar_t c, exception& result) override;
+  /// For a text, the text with its escapes resolved.
+  /// @quirk The character behind a dropped backslash is looked at afresh, so \\n gives a line feed.
+  std::wstring raw_value(const xvar& value) override;
+  std::wstring& raw_key(std::wstring& key) override;
+  void reset() override;
+
+ private:
+  friend class json;
+  friend struct json_reading;
+
+  enum class state : std::int32_t { start, key, value, string, number, boolean, null, object, array };
+
+  /// Resolves \", \\ and \n; the character behind a dropped backslash is looked at afresh.
+  static void unescape(std::wstring& out, std::wstring_view text);
+
+  void on_start(wchar_t c, exception& result);
+  void on_key(wchar_t c);
+  void on_value(wchar_t c, exception& result);
+  void on_string(wchar_t c, exception& result);
+  void on_number(wchar_t c, exception& result);
+  void on_boolean(wchar_t c, exception& result);
+  void on_null(wchar_t c, exception& result);
+  void on_object(wchar_t c, exception& result);
+  void on_array(wchar_t c, exception& result);
+  void on_word(wchar_t c, std::wstring_view word, const xvar& value, exception& result);
+  void on_value_end(wchar_t c, exception& result);
+
+  void open_container(bool as_list, exception& result);
+  void close_node();
+  void clear_buffers() noexcept;
+  bool in_list() const noexcept;
+  bool in_bundle() const noexcept;
+  /// Where the value that was read belongs, or null with a failure in `result`.
+  xvar* place(exception& result);
+  xvar read_number(std::wstring_view text) const;
+  void store(const xvar& value, exception& result);
+
+  /// Takes as many whole tokens as it can at once, with the outcome of on_char for each character, and
+  /// returns the first character that it leaves to on_char.
+  const wchar_t* take_tokens(const wchar_t* at, const wchar_t* end);
+
+  state state_ = state::start;
+  std::vector<xvar*> open_nodes_;  // the outermost first
+  std::wstring value_text_, key_text_;
+  bool escape_pending_ = false, in_key_quotes_ = false, in_string_ = false, has_fraction_point_ = false;
+  std::wstring scratch_;
+  std::vector<std::uint32_t> sizes_;  // by depth, of the container closed last
+};
+
+// --- JSON
+// ---------------------------------------------------------------------------------------------------
+
+/// Reads and writes JSON. An object is used by one thread at a time and may be used again and again.
+class KESTA_API json : public iserializer {
+ public:
+  /// In key order, one line, escaped.
+  json();
+  /// Without `escaped`, texts are quoted as they stand, and the order is by key.
+  json(bool ordered, bool tabulated, bool escaped);
+  ~json() override;
+  json(const json&) = delete;
+  json& operator=(const json&) = delete;
+
+  /// `options` is ignored.
+  bool serialize(std::wstring& out, const bundle& in, exception* err = nullptr, int options = 0) override;
+  /// Reads to the end whatever the text holds; of several failures the last one is reported and everything
+  /// else is kept. The exception of a number that can't be converted leaves this function.
+  bool deserialize(bundle& out, const std::wstring& in, exception* err = nullptr, int options = 0) override;
+
+  /// JSON text indented by four blanks a level, for reading. Works on any text.
+  static std::wstring printJsonFormateado(std::wstring text);
+
+ private:
+  std::unique_ptr<json_reader> reader_;
+  std::unique_ptr<iwriter> writer_;
+};
+
+}  // namespace ruvo::serializer

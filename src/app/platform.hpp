@@ -1,0 +1,57 @@
+#pragma once
+
+// What the library needs from the system, in terms of the language. None of these throws for a refusal of the
+// system; the results say so.
+
+#include <string>
+#include <string_view>
+
+#include "time/zone.hpp"
+
+namespace ruvo::platform {
+
+/// The system's text for an error number, without the line end; empty when it has none.
+std::wstring system_message(unsigned long number);
+/// The calling thread's last error number.
+unsigned long last_error() noexcept;
+
+unsigned long thread_id() noexcept;
+unsigned long process_id() noexcept;
+
+/// The user's separators as the system has them; may be empty.
+std::wstring decimal_separator();
+std::wstring thousands_separator();
+
+/// Conversions in a code page; an unknown page or too long a text gives an empty result.
+std::wstring from_code_page(std::string_view text, unsigned int page);
+std::string to_code_page(std::wstring_view text, unsigned int page);
+
+struct guid {
+  unsigned long data1;
+  unsigned short data2;
+  unsigned short data3;
+  unsigned char data4[8];
+};
+/// False when the system cannot make one.
+bool make_guid(guid& out) noexcept;
+/// Makes the calling thread a single-threaded apartment; one that already is something is left as it is.
+void init_com() noexcept;
+
+/// 100-nanosecond ticks since 1970-01-01 00:00:00 UTC.
+long long clock_ticks() noexcept;
+/// The zone's rules for a local year.
+zone::rules zone_rules(int year) noexcept;
+/// The zone's name for standard or daylight time.
+std::wstring zone_name(bool daylight);
+
+/// False when the variable does not exist.
+bool environment_variable(const std::wstring& name, std::wstring& value);
+
+/// Names in a locale ("es_ES" or "es-ES"); empty when the locale is not known. Months count from 1, days of
+/// the week from 0 = Sunday.
+std::wstring month_name(std::string_view locale, int month, bool abbreviated);
+std::wstring week_day_name(std::string_view locale, int day, bool abbreviated);
+/// "AM" or "PM" in the locale; empty when the locale is not known or has none.
+std::wstring half_day_name(std::string_view locale, bool afternoon);
+
+}  // namespace ruvo::platform

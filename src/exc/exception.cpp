@@ -1,0 +1,106 @@
+#include <ruvo/exception.hpp>
+
+#include <charconv>
+#include <ostream>
+#include <string_view>
+#include <utility>
+
+#include "app/platform.hpp"
+#include "texto/numbers.hpp"
+#include "texto/utf.hpp"
+
+namespace ruvo {
+
+namespace {
+
+constexpr std::uint32_t success = 0xEBB80000;
+constexpr unsigned long module_facility = 3001;
+
+void add_line(std::string& report, std::string_view label, unsigned long value) {
+  char digits[16];
+  const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+  report.append(label).append(": ").append(digits, end).append("\r\n");
+}
+
+std::string report_of(const exception& error, std::string_view mensaje) {
+  std::string report;
+  report.reserve(80 + mensaje.size());
+  add_line(report, "CODE", error.get_code());
+  add_line(report, "RANGE", error.get_rango());
+  add_line(report, "FACILITY", error.get_facility());
+  add_line(report, "CUSTOMER", error.get_customer());
+  add_line(report, "SEVERITY", error.get_severity());
+  return report.append("MESSAGE: ").append(mensaje).append("\r\n");
+}
+
+}  // namespace
+
+struct exception::texts {
+  std::string mensaje;
+  std::string report;
+};
+
+exception::exception() : code_(success) {
+  static const std::shared_ptr<const texts> ok = exception(success, L"OK").texts_;
+  texts_ = ok;
+}
+
+exception::exception(const std::wstring& mensaje, unsigned long code, unsigned long rango,
+                     unsigned long facility)
+    : exception(0xE0000000 | facility << 16 | ((rango * 1000 + code) & 0xFFFF), mensaje) {}
+
+exception::exception(unsigned long raw, const std::wstring& mensaje)
+    : code_(static_cast<std::uint32_t>(raw)) {
+  std::string text = texto::to_utf_8(std::wstring_view(mensaje));
+  std::string report = report_of(*this, text);
+  texts_ = std::make_shared<texts>(texts{std::move(text), std::move(report)});
+}
+
+exception::exception(const exception& other) noexcept = default;
+exception& exception::operator=(const exception& other) noexcept = default;
+exception::~exception() = default;
+
+const char* exception::what() const noexcept { return texts_->report.c_str(); }
+
+std::wstring exception::get_mensaje() const { return texto::to_utf_16(std::string_view(texts_->mensaje)); }
+exception::operator std::wstring() const { return texto::to_utf_16(std::string_view(texts_->report)); }
+
+void exception::copy_on(exception* target) const noexcept {
+  if (target) *target = *this;
+}
+void exception::copy_on(exception& target) const noexcept { target = *this; }
+
+void exception::clear() { *this = exception(); }
+
+void exception::set_mensaje(std::wstring mensaje) {
+  texts_ = std::make_shared<texts>(texts{texto::to_utf_8(std::wstring_view(mensaje)), texts_->report});
+}
+
+void exception::append_to_mensaje(std::wstring tail) {
+  std::string mensaje = texts_->mensaje;
+  texto::append_utf_8(mensaje, tail);
+  texts_ = std::make_shared<texts>(texts{std::move(mensaje), texts_->report});
+}
+
+void exception::copy_what() {
+  texts_ = std::make_shared<texts>(texts{texts_->mensaje, report_of(*this, texts_->mensaje)});
+}
+
+std::wstring exception::winerror_message(unsigned long number) {
+  const std::wstring text = platform::system_message(number);
+  return std::wstring(texto::trimmed(text));
+}
+
+std::wostream& operator<<(std::wostream& out, const exception& error) { return out << std::wstring(error); }
+
+namespace kesta {
+
+exception::exception(unsigned long code, const std::wstring& mensaje, unsigned long rango)
+    : ruvo::exception(mensaje, code, rango, module_facility) {}
+exception::exception(const exception& other) noexcept = default;
+exception& exception::operator=(const exception& other) noexcept = default;
+exception::~exception() = default;
+
+}  // namespace kesta
+
+}  // namespace ruvo

@@ -1,0 +1,50 @@
+#pragma once
+
+// The loop that feeds a text to a reader; the same for every format.
+
+#include <ruvo/exception.hpp>
+#include <ruvo/serializer.hpp>
+
+namespace ruvo::serializer {
+
+/// Leaves the reader reset and the failure, if any, with the caller, also when an exception goes through.
+template <class Reader>
+class reading {
+ public:
+  reading(Reader& reader, bundle& out, exception* err) : reader_(reader), err_(err) {
+    reader_.reset();
+    reader_.set_store(out);
+  }
+  reading(const reading&) = delete;
+  reading& operator=(const reading&) = delete;
+  ~reading() {
+    reader_.reset();
+    if (err_ && result.WRONG()) hand_over();
+  }
+
+  exception result;
+
+ private:
+  void hand_over() noexcept {
+    try {
+      *err_ = result;
+    } catch (...) {  // no memory for the message: the caller still has the returned bool
+    }
+  }
+
+  Reader& reader_;
+  exception* err_;
+};
+
+/// Feeds all of `in`; a failure stops nothing, the last one is reported. True on failure. `take` may take a
+/// run of characters at once: it returns the first character that is left.
+template <class Reader, class Take>
+bool deserialize_with(Reader& reader, bundle& out, const std::wstring& in, exception* err, Take take) {
+  reading<Reader> work(reader, out, err);
+  const wchar_t* at = in.data();
+  const wchar_t* const end = at + in.size();
+  while ((at = take(at, end)) != end) reader.next_character(*at++, work.result);
+  return work.result.WRONG();
+}
+
+}  // namespace ruvo::serializer

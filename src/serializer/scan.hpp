@@ -1,0 +1,52 @@
+#pragma once
+
+// Finding the next interesting unit of a text, eight at a time.
+
+#include <bit>
+#include <cstdint>
+
+#if (defined(__SSE2__) || defined(_M_X64)) && (defined(_WIN32))
+#  include <emmintrin.h>
+#  define KESTA_SCAN_SSE2 1
+#endif
+
+namespace ruvo::serializer {
+
+/// The first unit of [at, end) that is `a` or `b`, or end.
+inline const wchar_t* find_either(const wchar_t* at, const wchar_t* end, wchar_t a, wchar_t b) noexcept {
+#ifdef KESTA_SCAN_SSE2
+  const __m128i all_a = _mm_set1_epi16(static_cast<short>(a)), all_b = _mm_set1_epi16(static_cast<short>(b));
+  for (; end - at >= 8; at += 8) {
+    const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+    const __m128i hits = _mm_or_si128(_mm_cmpeq_epi16(units, all_a), _mm_cmpeq_epi16(units, all_b));
+    const auto mask = static_cast<std::uint32_t>(_mm_movemask_epi8(hits));
+    if (mask) return at + std::countr_zero(mask) / 2;
+  }
+#endif
+  while (at != end && *at != a && *at != b) ++at;
+  return at;
+}
+
+/// Whether JSON writes the unit in another way: control characters (0-31 and 127), quote and backslash.
+constexpr bool is_escaped(wchar_t c) noexcept { return c < 32 || c == L'"' || c == L'\\' || c == 127; }
+
+/// The first unit of [at, end) that is_escaped(), or end.
+inline const wchar_t* find_escaped(const wchar_t* at, const wchar_t* end) noexcept {
+#ifdef KESTA_SCAN_SSE2
+  const __m128i quote = _mm_set1_epi16('"'), backslash = _mm_set1_epi16('\\'), del = _mm_set1_epi16(127);
+  const __m128i last_control = _mm_set1_epi16(31), zero = _mm_setzero_si128();
+  for (; end - at >= 8; at += 8) {
+    const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+    __m128i hits = _mm_cmpeq_epi16(_mm_subs_epu16(units, last_control), zero);
+    hits = _mm_or_si128(hits, _mm_cmpeq_epi16(units, quote));
+    hits = _mm_or_si128(hits, _mm_cmpeq_epi16(units, backslash));
+    hits = _mm_or_si128(hits, _mm_cmpeq_epi16(units, del));
+    const auto mask = static_cast<std::uint32_t>(_mm_movemask_epi8(hits));
+    if (mask) return at + std::countr_zero(mask) / 2;
+  }
+#endif
+  while (at != end && !is_escaped(*at)) ++at;
+  return at;
+}
+
+}  // namespace ruvo::serializer

@@ -1,0 +1,85 @@
+#include <ruvo/texto.hpp>
+
+#include <algorithm>
+#include <utility>
+
+#include "texto/ascii.hpp"
+#include "texto/numbers.hpp"
+#include "texto/utf.hpp"
+
+namespace ruvo::texto {
+
+namespace {
+
+/// Units at the start of the text that are blanks.
+std::size_t leading(const std::wstring& text) {
+  const auto first = std::find_if_not(text.begin(), text.end(), is_space);
+  return static_cast<std::size_t>(first - text.begin());
+}
+
+/// Units up to the last one that is not a blank.
+std::size_t kept(const std::wstring& text) {
+  const auto last = std::find_if_not(text.rbegin(), text.rend(), is_space);
+  return static_cast<std::size_t>(text.rend() - last);
+}
+
+// The accented capitals are U+00C0 to U+00DD without the multiplication sign; their small letters lie 32
+// above.
+bool is_accented_upper(wchar_t c) { return c >= 0xC0 && c <= 0xDD && c != 0xD7; }
+bool is_accented_lower(wchar_t c) { return c >= 0xE0 && c <= 0xFD && c != 0xF7; }
+
+/// Maps every unit.
+template <class Map>
+std::wstring& map_units(std::wstring& text, Map map) {
+  std::transform(text.begin(), text.end(), text.begin(), map);
+  return text;
+}
+
+}  // namespace
+
+std::wstring& ltrim(std::wstring& text) { return text.erase(0, leading(text)); }
+std::wstring ltrim_(const std::wstring& text) { return text.substr(leading(text)); }
+
+std::wstring& rtrim(std::wstring& text) {
+  text.resize(kept(text));
+  return text;
+}
+std::wstring rtrim_(const std::wstring& text) { return text.substr(0, kept(text)); }
+
+std::wstring& trim(std::wstring& text) { return ltrim(rtrim(text)); }
+std::wstring trim_(const std::wstring& text) { return std::wstring(trimmed(text)); }
+
+std::wstring safe_non_empty(const std::wstring& a, const std::wstring& b) { return a.empty() ? b : a; }
+std::wstring safe_non_empty(const std::string& a, const std::string& b) {
+  return to_utf_16(a.empty() ? b : a);
+}
+
+wchar_t to_lowercase(wchar_t c) { return is_accented_upper(c) ? static_cast<wchar_t>(c + 32) : to_lower(c); }
+wchar_t to_uppercase(wchar_t c) { return is_accented_lower(c) ? static_cast<wchar_t>(c - 32) : to_upper(c); }
+
+std::wstring& to_lowercase(std::wstring& text) {
+  return map_units(text, [](wchar_t c) { return to_lowercase(c); });
+}
+std::wstring to_lowercase_(const std::wstring& text) {
+  std::wstring copy = text;
+  return std::move(to_lowercase(copy));
+}
+
+std::wstring& to_uppercase(std::wstring& text) {
+  return map_units(text, [](wchar_t c) { return to_uppercase(c); });
+}
+std::wstring to_uppercase_(const std::wstring& text) {
+  std::wstring copy = text;
+  return std::move(to_uppercase(copy));
+}
+
+bool starts_with(const std::wstring& text, const std::wstring& part) { return text.starts_with(part); }
+bool ends_with(const std::wstring& text, const std::wstring& part) { return text.ends_with(part); }
+bool contains(const std::wstring& text, const std::wstring& part) { return text.find(part) != text.npos; }
+
+bool is_integer(const std::wstring& text) { return is_plain_integer(text); }
+bool is_integer_positive(const std::wstring& text) {
+  return !text.empty() && std::all_of(text.begin(), text.end(), is_digit);
+}
+
+}  // namespace ruvo::texto

@@ -1,0 +1,17 @@
+#pragma once
+
+// UTF-8 to and from UTF-16. Malformed input never fails: each maximal malformed part of a UTF-8 text and each
+// lone surrogate becomes U+FFFD.
+
+#include <string>
+#include <string_view>
+
+namespace ruvo::texto {
+
+std::wstring to_utf_16(std::string_view text);
+std::string to_utf_8(std::wstring_view text);
+
+void append_utf_16(std::wstring& out, std::string_view text);
+void append_utf_8(std::string& out, std::wstring_view text);
+
+}  // namespace ruvo::texto

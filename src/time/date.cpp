@@ -1,0 +1,152 @@
+#include <ruvo/date.hpp>
+#include <ruvo/datetime.hpp>
+
+#include <ostream>
+
+#include "texto/utf.hpp"
+#include "time/civil.hpp"
+
+namespace ruvo {
+
+namespace {
+
+// The time of day at which a date is kept.
+constexpr int fixed = 4;
+
+}  // namespace
+
+const std::string date::canonical = "%d-%m-%Y";
+const std::string date::short_format = "%d-%m-%Y";
+const std::string date::sql_format = "%Y-%m-%d";
+const std::string date::short_month_format = "%d-%b-%Y";
+const std::string date::long_month_format = "%d-%B-%Y";
+const std::string date::velda = "%Y%m%d";
+
+date::date(times::HUSO huso) : lapse(huso) { reset_time(); }
+date::date(long yyyymmdd, times::HUSO huso) : lapse(0, huso) { *this = yyyymmdd; }
+date::date(long year, long month, long day, times::HUSO huso) : lapse(0, huso) {
+  build(year, month, day, fixed, fixed, fixed);
+}
+date::date(const char* text, times::HUSO huso, const std::string& format)
+    : date(std::string(text), huso, format) {}
+date::date(const wchar_t* text, times::HUSO huso, const std::string& format)
+    : date(std::wstring(text), huso, format) {}
+date::date(const std::string& text, times::HUSO huso, const std::string& format) : lapse(0, huso) {
+  take(text, format);
+}
+date::date(const std::wstring& text, times::HUSO huso, const std::string& format) : lapse(0, huso) {
+  take(text, format);
+}
+date::date(const datetime& instant) : lapse(instant) { reset_time(); }
+date::date(const date& other) = default;
+date::~date() = default;
+
+date& date::operator=(const date& other) = default;
+date& date::operator=(const datetime& instant) { return *this = date(instant); }
+date& date::operator=(long yyyymmdd) {
+  build(yyyymmdd / 10000, yyyymmdd / 100 % 100, yyyymmdd % 100, fixed, fixed, fixed);
+  return *this;
+}
+date& date::operator=(const char* text) { return *this = std::string(text); }
+date& date::operator=(const wchar_t* text) { return *this = std::wstring(text); }
+date& date::operator=(const std::string& text) {
+  take(text, canonical);
+  return *this;
+}
+date& date::operator=(const std::wstring& text) {
+  take(text, canonical);
+  return *this;
+}
+
+date::operator long() const {
+  const std::tm fields = record();
+  return (fields.tm_year + 1900L) * 10000 + (fields.tm_mon + 1) * 100 + fields.tm_mday;
+}
+
+bool date::parse(const std::wstring& text, const std::wstring& format, exception& err,
+                 const std::string& locale) {
+  date parsed(*this);
+  if (!parsed.lapse::parse(text, format, err, locale)) return false;
+  parsed.reset_time();
+  *this = parsed;
+  return true;
+}
+
+std::wstring date::to_string(const std::string& format) const { return lapse::to_string(format); }
+
+int date::get_month_days() const {
+  const std::tm fields = record();
+  return civil::month_days(fields.tm_year + 1900LL, fields.tm_mon + 1);
+}
+
+date& date::set_day(int day) {
+  replace(day, times::DAYS);
+  return reset_time();
+}
+
+date& date::set_month(int month) {
+  replace(month, times::MONTHS);
+  return reset_time();
+}
+
+date& date::set_year(int year) {
+  replace(year, times::YEARS);
+  return reset_time();
+}
+
+date& date::reset_time() {
+  const std::tm fields = record();
+  build(fields.tm_year + 1900LL, fields.tm_mon + 1LL, fields.tm_mday, fixed, fixed, fixed);
+  return *this;
+}
+
+std::wstring date::get_month_name(const std::string& locale) const { return month_name(locale, false); }
+std::wstring date::get_month_name_abbreviated(const std::string& locale) const {
+  return month_name(locale, true);
+}
+std::wstring date::get_week_day_name(const std::string& locale) const { return week_day_name(locale, false); }
+std::wstring date::get_week_day_name_abbreviated(const std::string& locale) const {
+  return week_day_name(locale, true);
+}
+
+date date::get_last_day(long year, long month) {
+  date first(month == 12 ? year + 1 : year, month == 12 ? 1 : month + 1, 1L);
+  return --first;
+}
+
+int date::compare(const date& other) const {
+  const std::strong_ordering order = *this <=> other;
+  return order == 0 ? 0 : order > 0 ? 1 : 2;
+}
+
+std::strong_ordering date::operator<=>(const date& other) const {
+  return static_cast<long>(*this) <=> static_cast<long>(other);
+}
+bool date::operator==(long yyyymmdd) const { return static_cast<long>(*this) == yyyymmdd; }
+std::strong_ordering date::operator<=>(long yyyymmdd) const { return static_cast<long>(*this) <=> yyyymmdd; }
+
+date& date::operator+=(int days) {
+  move(days, times::DAYS);
+  return *this;
+}
+date& date::operator-=(int days) {
+  move(days, times::DAYS, true);
+  return *this;
+}
+date date::operator++(int) {
+  date before(*this);
+  *this += 1;
+  return before;
+}
+date date::operator--(int) {
+  date before(*this);
+  *this -= 1;
+  return before;
+}
+
+std::wostream& operator<<(std::wostream& out, const date& value) { return out << value.to_string(); }
+std::ostream& operator<<(std::ostream& out, const date& value) {
+  return out << texto::to_utf_8(value.to_string());
+}
+
+}  // namespace ruvo

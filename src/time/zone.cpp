@@ -1,0 +1,55 @@
+#include "time/zone.hpp"
+
+#include <algorithm>
+#include <limits>
+
+#include "app/platform.hpp"
+#include "time/civil.hpp"
+
+namespace ruvo::zone {
+
+namespace {
+
+int year_of(long long local_seconds) {
+  const long long days = civil::floor_div(local_seconds, civil::seconds_per_day);
+  const long long year = civil::date_from_days(days).year;
+  return static_cast<int>(
+      std::clamp<long long>(year, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+}
+
+}  // namespace
+
+long long moment(long long year, const change& what) {
+  int day = what.fixed_day;
+  if (!day) {
+    const int first = civil::week_day(civil::days_from_date(year, what.month, 1));
+    day = 1 + (what.week_day - first + 7) % 7 + (what.nth - 1) * 7;
+    while (day > civil::month_days(year, what.month)) day -= 7;
+  }
+  return civil::days_from_date(year, what.month, day) * civil::seconds_per_day + what.time_of_day;
+}
+
+bool break_down(long long seconds, std::tm& out) {
+  const rules today =
+      platform::zone_rules(year_of(seconds - platform::zone_rules(year_of(seconds)).standard));
+  const bool daylight = today.is_daylight(seconds);
+  if (!civil::break_down(seconds - (daylight ? today.daylight : today.standard), out)) return false;
+  out.tm_isdst = daylight;
+  return true;
+}
+
+bool build(const std::tm& fields, long long& seconds) {
+  const long long wall = civil::build(fields);
+  const rules year = platform::zone_rules(year_of(wall));
+  const long long standard = wall + year.standard;
+  const long long daylight = wall + year.daylight;
+  const bool is_standard = !year.is_daylight(standard);
+  const bool is_daylight = year.is_daylight(daylight);
+  if (is_standard == is_daylight)  // a repeated or a skipped hour
+    seconds = is_standard ? std::min(standard, daylight) : std::max(standard, daylight);
+  else
+    seconds = is_standard ? standard : daylight;
+  return true;
+}
+
+}  // namespace ruvo::zone

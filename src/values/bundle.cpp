@@ -1,0 +1,493 @@
+#include <ruvo/binary.hpp>
+#include <ruvo/bundle.hpp>
+#include <ruvo/list.hpp>
+#include <ruvo/memo.hpp>
+
+#include <exception>
+#include <ostream>
+#include <stdexcept>
+#include <typeinfo>
+
+#include "texto/utf.hpp"
+#include "values/bundle_store.hpp"
+#include "values/cell.hpp"
+#include "values/folded_key.hpp"
+
+namespace ruvo {
+
+using detail::bundle_access;
+using detail::bundle_store;
+using detail::cell;
+using detail::folded_key;
+using detail::folded_path;
+using detail::key_view;
+using detail::kind;
+
+namespace {
+
+std::wstring widened(const std::string& key) { return texto::to_utf_16(std::string_view(key)); }
+
+std::wstring_view view_or_empty(const wchar_t* text) {
+  return text ? std::wstring_view(text) : std::wstring_view();
+}
+
+wchar_t unit_of(char separator) { return static_cast<wchar_t>(static_cast<unsigned char>(separator)); }
+
+bundle::entry* find_in(const bundle_store* store, std::wstring_view folded) {
+  return store ? store->find(key_view(folded)) : nullptr;
+}
+
+/// The part of the path before the first separator; `path` keeps the rest.
+/// False when there is no separator.
+bool split_head(std::wstring_view& path, wchar_t separator, std::wstring_view& head) {
+  const std::size_t at = path.find(separator);
+  if (at == std::wstring_view::npos) return false;
+  head = path.substr(0, at);
+  path.remove_prefix(at + 1);
+  return true;
+}
+
+xvar& put_in(bundle& in, std::wstring_view folded) {
+  return bundle_access::made_store(in).put(key_view(folded))->second;
+}
+
+/// Stands for every object that is asked for and not there.
+template <class T>
+const T& nothing() {
+  static const T none;
+  return none;
+}
+
+}  // namespace
+
+// --- entries
+// ------------------------------------------------------------------------------------------------
+
+bundle::entry::entry(const entry& other) : first(other.first), second(other.second) {
+  detail::retain(bundle_store::key_of(&other));
+}
+
+bundle::entry::~entry() { detail::release(bundle_store::key_of(this)); }
+
+bundle::entry* bundle::step(const bundle_store* store, const entry* at, std::size_t& rank,
+                            bool forward) noexcept {
+  return store ? store->step(at, rank, forward) : nullptr;
+}
+
+// --- construction and assignment
+// ----------------------------------------------------------------------------
+
+bundle::bundle() noexcept = default;
+bundle::bundle(const bundle& other) : store_(other.empty() ? nullptr : detail::copy_store(*other.store_)) {}
+bundle::bundle(bundle&& other) noexcept : store_(std::exchange(other.store_, nullptr)) {}
+
+bundle::bundle(std::initializer_list<std::pair<std::wstring, xvar>> values) {
+  bundle made;
+  for (const auto& [key, value] : values) made[key] = value;
+  std::swap(store_, made.store_);
+}
+
+bundle::~bundle() { bundle_store::drop(store_); }
+
+bundle& bundle::operator=(const bundle& other) { return this == &other ? *this : *this = bundle(other); }
+
+bundle& bundle::operator=(bundle&& other) noexcept {
+  bundle taken;  // `other` may be inside one of the entries that go now
+  std::swap(taken.store_, other.store_);
+  std::swap(taken.store_, store_);
+  return *this;
+}
+
+bundle& bundle::operator=(const xvar& value) {
+  return *this = cell::kind_of(value) == kind::bundle ? bundle(cell::as_bundle(value)) : bundle();
+}
+
+bundle::operator xvar() const& { return bundle(*this); }
+
+bundle::operator xvar() && {
+  xvar made;
+  cell::set_box(made, kind::bundle, std::move(*this));
+  return made;
+}
+
+// --- direct access
+// ------------------------------------------------------------------------------------------
+
+xvar& bundle::operator[](const std::wstring& key) { return put_in(*this, folded_key(key).view()); }
+xvar& bundle::operator[](const std::string& key) { return (*this)[widened(key)]; }
+xvar& bundle::operator[](const wchar_t* key) { return put_in(*this, folded_key(view_or_empty(key)).view()); }
+xvar& bundle::operator[](const char* key) { return (*this)[std::string(key ? key : "")]; }
+const xvar& bundle::operator[](const wchar_t* key) const { return at(std::wstring(view_or_empty(key))); }
+const xvar& bundle::operator[](const char* key) const { return at(std::string(key ? key : "")); }
+
+const xvar& bundle::at(const std::wstring& key) const {
+  const entry* const found = find_in(store_, folded_key(key).view());
+  if (!found) throw std::out_of_range("invalid map<K, T> key");
+  return found->second;
+}
+const xvar& bundle::at(const std::string& key) const { return at(widened(key)); }
+
+bundle::iterator bundle::nth(unsigned long long n) noexcept {
+  return n < size() ? iterator(store_, store_->nth(static_cast<std::size_t>(n)), 0) : end();
+}
+
+bundle::iterator bundle::find(const std::wstring& key) {
+  return {store_, find_in(store_, folded_key(key).view()), 0};
+}
+bundle::iterator bundle::find(const std::string& key) { return find(widened(key)); }
+bundle::const_iterator bundle::find(const std::wstring& key) const {
+  return const_cast<bundle*>(this)->find(key);
+}
+bundle::const_iterator bundle::find(const std::string& key) const { return find(widened(key)); }
+bundle::size_type bundle::count(const std::wstring& key) const { return find(key) == end() ? 0 : 1; }
+bundle::size_type bundle::count(const std::string& key) const { return count(widened(key)); }
+
+bundle::size_type bundle::erase(const std::wstring& key) {
+  entry* const found = find_in(store_, folded_key(key).view());
+  if (found) store_->erase(found);
+  return found ? 1 : 0;
+}
+bundle::size_type bundle::erase(const std::string& key) { return erase(widened(key)); }
+
+bundle::iterator bundle::erase(const_iterator where) {
+  iterator next(store_, where.at_, where.rank_);
+  ++next;
+  store_->erase(where.at_);
+  return next;
+}
+
+void bundle::clear() noexcept { bundle_store::drop(bundle_access::detach(*this)); }
+
+bundle::size_type bundle::size() const noexcept { return store_ ? store_->size() : 0; }
+
+void bundle::reserve(size_type count) {
+  if (count > 0) bundle_access::made_store(*this, count).reserve(count);
+}
+
+bundle::iterator bundle::begin() noexcept { return {store_, store_ ? store_->first() : nullptr, 0}; }
+
+// --- paths
+// --------------------------------------------------------------------------------------------------
+
+const xvar* bundle::get_ptr(const std::wstring& path, char separator) const {
+  const folded_path folded(path);
+  std::wstring_view rest = folded.view(), head;
+  const bundle_store* in = store_;
+  while (split_head(rest, unit_of(separator), head)) {
+    const entry* const found = find_in(in, head);
+    if (!found || cell::kind_of(found->second) != kind::bundle) return nullptr;
+    in = bundle_access::store(cell::as_bundle(found->second));
+  }
+  const entry* const found = find_in(in, rest);
+  return found ? &found->second : nullptr;
+}
+
+const xvar& bundle::get(const std::wstring& path, char separator) const {
+  const xvar* const found = get_ptr(path, separator);
+  if (!found) throw std::exception_ptr();
+  return *found;
+}
+
+bool bundle::has(const std::wstring& path, char separator) const {
+  return get_ptr(path, separator) != nullptr;
+}
+
+xvar& bundle::hack(const std::wstring& path, char separator) {
+  const folded_path folded(path);
+  std::wstring_view rest = folded.view(), head;
+  bundle* in = this;
+  while (split_head(rest, unit_of(separator), head)) in = &cell::on_bundle(put_in(*in, head));
+  return put_in(*in, rest);
+}
+
+xvar* bundle::hack_ptr(const std::wstring& path, char separator) { return &hack(path, separator); }
+
+xvar& bundle::putOn(const std::wstring& path, const xvar& value, char separator) {
+  xvar copy(value);  // `value` may be inside an entry that the way replaces
+  xvar& to = hack(path, separator);
+  to = std::move(copy);
+  return to;
+}
+
+bundle& bundle::hack_bundle_on(const std::wstring& path, char separator) {
+  return cell::on_bundle(hack(path, separator));
+}
+list& bundle::hack_list_on(const std::wstring& path, char separator) {
+  return cell::on_list(hack(path, separator));
+}
+memo& bundle::hack_memo_on(const std::wstring& path, char separator) {
+  return cell::on_memo(hack(path, separator));
+}
+std::wstring& bundle::hack_string_on(const std::wstring& path, char separator) {
+  return cell::on_string(hack(path, separator));
+}
+binary& bundle::hack_binary_on(const std::wstring& path, char separator) {
+  return cell::on_binary(hack(path, separator));
+}
+
+binary& bundle::hack_nc_binary_on(const std::wstring& path, const binary& initial, char separator) {
+  binary copy(initial);
+  binary& held = hack_binary_on(path, separator);
+  if (held.empty()) held = std::move(copy);
+  return held;
+}
+
+// --- typed getters
+// ------------------------------------------------------------------------------------------
+
+namespace {
+
+/// The value converted, or the fallback where it can't be.
+template <class T>
+T number_or(const xvar* found, T fallback) {
+  if (!found || !found->can_be_number()) return fallback;
+  try {
+    return static_cast<T>(*found);
+  } catch (const std::bad_cast&) {
+    return fallback;
+  } catch (const std::out_of_range&) {
+    return fallback;
+  }
+}
+
+template <class T>
+T nonzero_or(const xvar* found, T fallback) {
+  const T value = number_or(found, fallback);
+  return value == T() ? fallback : value;
+}
+
+/// get_uxlong gives the unsigned reading through a signed result.
+long long unsigned_or(const xvar* found, long long fallback) {
+  return static_cast<long long>(number_or(found, static_cast<unsigned long long>(fallback)));
+}
+
+template <class T>
+const T* object_in(const xvar* found, kind k) {
+  return found && cell::kind_of(*found) == k ? cell::pointer<T>(*found) : nullptr;
+}
+
+const bundle* bundle_in(const xvar* found) {
+  return found && cell::kind_of(*found) == kind::bundle ? &cell::as_bundle(*found) : nullptr;
+}
+
+const list* list_in(const xvar* found) {
+  return found && cell::kind_of(*found) == kind::list ? &cell::as_list(*found) : nullptr;
+}
+
+}  // namespace
+
+long bundle::get_long(const std::wstring& path, char separator, long fallback) const {
+  return number_or(get_ptr(path, separator), fallback);
+}
+unsigned long bundle::get_ulong(const std::wstring& path, char separator, unsigned long fallback) const {
+  return number_or(get_ptr(path, separator), fallback);
+}
+short bundle::get_short(const std::wstring& path, char separator, short fallback) const {
+  return number_or(get_ptr(path, separator), fallback);
+}
+long long bundle::get_xlong(const std::wstring& path, char separator, long long fallback) const {
+  return number_or(get_ptr(path, separator), fallback);
+}
+long long bundle::get_uxlong(const std::wstring& path, char separator, long long fallback) const {
+  return unsigned_or(get_ptr(path, separator), fallback);
+}
+double bundle::get_double(const std::wstring& path, char separator, double fallback) const {
+  return number_or(get_ptr(path, separator), fallback);
+}
+float bundle::get_float(const std::wstring& path, char separator, float fallback) const {
+  return number_or(get_ptr(path, separator), fallback);
+}
+long bundle::get_nc_long(const std::wstring& path, long fallback, char separator) const {
+  return nonzero_or(get_ptr(path, separator), fallback);
+}
+unsigned long bundle::get_nc_ulong(const std::wstring& path, unsigned long fallback, char separator) const {
+  return nonzero_or(get_ptr(path, separator), fallback);
+}
+short bundle::get_nc_short(const std::wstring& path, short fallback, char separator) const {
+  return nonzero_or(get_ptr(path, separator), fallback);
+}
+long long bundle::get_nc_xlong(const std::wstring& path, long long fallback, char separator) const {
+  return nonzero_or(get_ptr(path, separator), fallback);
+}
+long long bundle::get_nc_uxlong(const std::wstring& path, long long fallback, char separator) const {
+  const long long value = get_uxlong(path, separator, fallback);
+  return value == 0 ? fallback : value;
+}
+double bundle::get_nc_double(const std::wstring& path, double fallback, char separator) const {
+  return nonzero_or(get_ptr(path, separator), fallback);
+}
+float bundle::get_nc_float(const std::wstring& path, float fallback, char separator) const {
+  return nonzero_or(get_ptr(path, separator), fallback);
+}
+
+bool bundle::get_boolean(const std::wstring& path, bool fallback, char separator) const {
+  const xvar* const found = get_ptr(path, separator);
+  if (!found || !found->can_be_boolean()) return fallback;
+  try {
+    return static_cast<bool>(*found);
+  } catch (const std::bad_cast&) {
+    return fallback;
+  }
+}
+
+std::wstring bundle::get_string(const std::wstring& path, char separator,
+                                const std::wstring& fallback) const {
+  const xvar* const found = get_ptr(path, separator);
+  return found && found->is_not_null() ? found->to_string() : fallback;
+}
+
+std::wstring bundle::get_nc_string(const std::wstring& path, const std::wstring& fallback,
+                                   char separator) const {
+  std::wstring text = get_string(path, separator);
+  return text.empty() ? fallback : text;
+}
+
+const binary& bundle::get_binary(const std::wstring& path, const binary& fallback, char separator) const {
+  const auto* const held = object_in<binary>(get_ptr(path, separator), kind::binary);
+  return held ? *held : fallback;
+}
+
+const memo& bundle::get_memo(const std::wstring& path, const memo& fallback, char separator) const {
+  const auto* const held = object_in<memo>(get_ptr(path, separator), kind::memo);
+  return held ? *held : fallback;
+}
+
+const bundle& bundle::get_bundle(const std::wstring& path, char separator) const {
+  const bundle* const held = bundle_in(get_ptr(path, separator));
+  return held ? *held : nothing<bundle>();
+}
+
+const list& bundle::get_list(const std::wstring& path, char separator) const {
+  const list* const held = list_in(get_ptr(path, separator));
+  return held ? *held : nothing<list>();
+}
+
+const bundle& bundle::get_nc_bundle(const std::wstring& path, const bundle& fallback, char separator) const {
+  const bundle* const held = bundle_in(get_ptr(path, separator));
+  return held && !held->empty() ? *held : fallback;
+}
+
+const list& bundle::get_nc_list(const std::wstring& path, const list& fallback, char separator) const {
+  const list* const held = list_in(get_ptr(path, separator));
+  return held && !held->empty() ? *held : fallback;
+}
+
+// --- narrow paths
+// -------------------------------------------------------------------------------------------
+
+const xvar* bundle::get_ptr(const std::string& path, char separator) const {
+  return get_ptr(widened(path), separator);
+}
+const xvar& bundle::get(const std::string& path, char separator) const {
+  return get(widened(path), separator);
+}
+bool bundle::has(const std::string& path, char separator) const { return has(widened(path), separator); }
+xvar& bundle::hack(const std::string& path, char separator) { return hack(widened(path), separator); }
+xvar* bundle::hack_ptr(const std::string& path, char separator) { return hack_ptr(widened(path), separator); }
+xvar& bundle::putOn(const std::string& path, const xvar& value, char separator) {
+  return putOn(widened(path), value, separator);
+}
+bundle& bundle::hack_bundle_on(const std::string& path, char separator) {
+  return hack_bundle_on(widened(path), separator);
+}
+list& bundle::hack_list_on(const std::string& path, char separator) {
+  return hack_list_on(widened(path), separator);
+}
+memo& bundle::hack_memo_on(const std::string& path, char separator) {
+  return hack_memo_on(widened(path), separator);
+}
+std::wstring& bundle::hack_string_on(const std::string& path, char separator) {
+  return hack_string_on(widened(path), separator);
+}
+binary& bundle::hack_binary_on(const std::string& path, char separator) {
+  return hack_binary_on(widened(path), separator);
+}
+binary& bundle::hack_nc_binary_on(const std::string& path, const binary& initial, char separator) {
+  return hack_nc_binary_on(widened(path), initial, separator);
+}
+long bundle::get_long(const std::string& path, char separator, long fallback) const {
+  return get_long(widened(path), separator, fallback);
+}
+unsigned long bundle::get_ulong(const std::string& path, char separator, unsigned long fallback) const {
+  return get_ulong(widened(path), separator, fallback);
+}
+short bundle::get_short(const std::string& path, char separator, short fallback) const {
+  return get_short(widened(path), separator, fallback);
+}
+long long bundle::get_xlong(const std::string& path, char separator, long long fallback) const {
+  return get_xlong(widened(path), separator, fallback);
+}
+long long bundle::get_uxlong(const std::string& path, char separator, long long fallback) const {
+  return get_uxlong(widened(path), separator, fallback);
+}
+double bundle::get_double(const std::string& path, char separator, double fallback) const {
+  return get_double(widened(path), separator, fallback);
+}
+float bundle::get_float(const std::string& path, char separator, float fallback) const {
+  return get_float(widened(path), separator, fallback);
+}
+long bundle::get_nc_long(const std::string& path, long fallback, char separator) const {
+  return get_nc_long(widened(path), fallback, separator);
+}
+unsigned long bundle::get_nc_ulong(const std::string& path, unsigned long fallback, char separator) const {
+  return get_nc_ulong(widened(path), fallback, separator);
+}
+short bundle::get_nc_short(const std::string& path, short fallback, char separator) const {
+  return get_nc_short(widened(path), fallback, separator);
+}
+long long bundle::get_nc_xlong(const std::string& path, long long fallback, char separator) const {
+  return get_nc_xlong(widened(path), fallback, separator);
+}
+long long bundle::get_nc_uxlong(const std::string& path, long long fallback, char separator) const {
+  return get_nc_uxlong(widened(path), fallback, separator);
+}
+double bundle::get_nc_double(const std::string& path, double fallback, char separator) const {
+  return get_nc_double(widened(path), fallback, separator);
+}
+float bundle::get_nc_float(const std::string& path, float fallback, char separator) const {
+  return get_nc_float(widened(path), fallback, separator);
+}
+bool bundle::get_boolean(const std::string& path, bool fallback, char separator) const {
+  return get_boolean(widened(path), fallback, separator);
+}
+std::wstring bundle::get_string(const std::string& path, char separator, const std::wstring& fallback) const {
+  return get_string(widened(path), separator, fallback);
+}
+std::wstring bundle::get_nc_string(const std::string& path, const std::wstring& fallback,
+                                   char separator) const {
+  return get_nc_string(widened(path), fallback, separator);
+}
+const binary& bundle::get_binary(const std::string& path, const binary& fallback, char separator) const {
+  return get_binary(widened(path), fallback, separator);
+}
+const memo& bundle::get_memo(const std::string& path, const memo& fallback, char separator) const {
+  return get_memo(widened(path), fallback, separator);
+}
+const bundle& bundle::get_bundle(const std::string& path, char separator) const {
+  return get_bundle(widened(path), separator);
+}
+const list& bundle::get_list(const std::string& path, char separator) const {
+  return get_list(widened(path), separator);
+}
+const bundle& bundle::get_nc_bundle(const std::string& path, const bundle& fallback, char separator) const {
+  return get_nc_bundle(widened(path), fallback, separator);
+}
+const list& bundle::get_nc_list(const std::string& path, const list& fallback, char separator) const {
+  return get_nc_list(widened(path), fallback, separator);
+}
+
+// --- text and comparison
+// ------------------------------------------------------------------------------------
+
+std::wstring bundle::to_string() const {
+  std::wstring text;
+  detail::append_text(text, *this);
+  return text;
+}
+
+bool bundle::operator==(const bundle& other) const { return to_string() == other.to_string(); }
+bool bundle::operator<(const bundle& other) const { return to_string() < other.to_string(); }
+
+std::wostream& operator<<(std::wostream& out, const bundle& value) { return out << value.to_string(); }
+
+}  // namespace ruvo

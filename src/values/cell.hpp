@@ -1,0 +1,137 @@
+#pragma once
+
+// The library's own access to the inside of a var.
+
+#include <ruvo/bundle.hpp>
+#include <ruvo/list.hpp>
+#include <ruvo/var.hpp>
+
+#include <bit>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "values/thread_cache.hpp"
+
+namespace ruvo::detail {
+
+/// A container owned by a cell. `next` chains containers while a tree is taken apart.
+template <class T>
+struct boxed {
+  explicit boxed(T&& taken) noexcept : value(std::move(taken)) {}
+
+  boxed* next = nullptr;
+  T value;
+};
+
+/// A text that is never changed: its length, then its units.
+struct text_block {
+  std::size_t length;
+
+  wchar_t* units() noexcept { return reinterpret_cast<wchar_t*>(this + 1); }
+  static constexpr std::size_t bytes(std::size_t length) noexcept {
+    return sizeof(text_block) + length * sizeof(wchar_t);
+  }
+};
+
+struct cell {
+  static constexpr std::size_t small_offset = sizeof(wchar_t) == 2 ? 0 : 2;  // keeps the units aligned
+  static constexpr std::size_t small_length = (14 - small_offset) / sizeof(wchar_t);
+
+  static kind kind_of(const var& v) noexcept { return v.data_.kind; }
+  static long long integer(const var& v) noexcept { return v.integer(); }
+  static double real(const var& v) noexcept { return std::bit_cast<double>(v.integer()); }
+  /// The time-zone mode of a date, time or datetime, whose seconds are the cell's integer.
+  static int mode(const var& v) noexcept {
+    int value;
+    std::memcpy(&value, v.data_.bytes + 2, sizeof value);
+    return value;
+  }
+  static bool is_text(const var& v) noexcept {
+    return v.data_.kind >= kind::small_text && v.data_.kind <= kind::string_text;
+  }
+  static bool is_container(const var& v) noexcept { return v.data_.kind >= kind::list; }
+
+  /// The object that a cell owns, for the kinds that own one.
+  template <class T>
+  static T* pointer(const var& v) noexcept {
+    return reinterpret_cast<T*>(static_cast<std::intptr_t>(v.integer()));
+  }
+  static list& as_list(const var& v) noexcept { return pointer<boxed<list>>(v)->value; }
+  static bundle& as_bundle(const var& v) noexcept { return pointer<boxed<bundle>>(v)->value; }
+  static std::wstring_view text(const var& v) noexcept {
+    if (v.data_.kind == kind::small_text) return {small_units(v), v.data_.length};
+    if (v.data_.kind == kind::string_text) return *pointer<std::wstring>(v);
+    text_block* const block = pointer<text_block>(v);
+    return {block->units(), block->length};
+  }
+
+  // The setters below take a cell that owns nothing.
+  static void set_text(var& v, std::wstring_view text) {
+    if (text.size() <= small_length) {
+      set_small_text(v, text);
+    } else {
+      set_long_text(v, text);
+    }
+  }
+  static void set_small_text(var& v, std::wstring_view text) noexcept {
+    v.data_.kind = kind::small_text;
+    v.data_.length = static_cast<unsigned char>(text.size());
+    std::memcpy(v.data_.bytes + small_offset, text.data(), text.size() * sizeof(wchar_t));
+  }
+  static void set_long_text(var& v, std::wstring_view text);
+  static void set_lapse(var& v, kind kind, long long seconds, int mode) noexcept {
+    v.set(kind, seconds);
+    std::memcpy(v.data_.bytes + 2, &mode, sizeof mode);
+  }
+  template <class T>
+  static void set_pointer(var& v, kind kind, T* owned) noexcept {
+    v.set(kind, static_cast<long long>(reinterpret_cast<std::intptr_t>(owned)));
+  }
+  template <class T>
+  static T& set_box(var& v, kind kind, T&& value = T()) {
+    auto* const box = make<boxed<T>>(std::move(value));
+    set_pointer(v, kind, box);
+    return box->value;
+  }
+  static void set_integer(var& v, kind kind, long long value) noexcept { v.set(kind, value); }
+  static void set_real(var& v, double value) noexcept { v.set(kind::double_, value); }
+  static void forget(var& v) noexcept { v.data_.kind = kind::null; }
+
+  /// Replaces what the cell holds by an empty value of the kind, unless it holds that kind; the value inside.
+  static list& on_list(var& v);
+  static bundle& on_bundle(var& v);
+  static binary& on_binary(var& v);
+  static memo& on_memo(var& v);
+  static std::wstring& on_string(var& v);
+
+  static const xvar::qualities_map* qualities(const xvar& v) noexcept { return v.qualities_; }
+  static xvar::qualities_map*& qualities(xvar& v) noexcept { return v.qualities_; }
+
+ private:
+  static const wchar_t* small_units(const var& v) noexcept {
+    return reinterpret_cast<const wchar_t*>(v.data_.bytes + small_offset);
+  }
+};
+
+/// What is the same for all cells of a kind.
+struct kind_traits {
+  const std::type_info* type;
+  bool primitive, integer, decimal;
+};
+const kind_traits& traits_of(kind k) noexcept;
+
+/// Appends the text of a cell: var::to_string without the string. Iterates, so nesting may be of any depth.
+void append_text(std::wstring& out, const var& v);
+void append_text(std::wstring& out, const list& l);
+void append_text(std::wstring& out, const bundle& b);
+
+/// Copies the value and, for an xvar, the qualities into a cell that owns nothing, level by level.
+void copy_tree(var& to, const var& from);
+bundle_store* copy_store(const bundle_store& from);
+
+/// Destroys what a cell of a container kind owns, level by level.
+void drop_tree(var& v) noexcept;
+
+}  // namespace ruvo::detail

@@ -1,0 +1,158 @@
+// Copying and destroying nested values without recursion, so that depth costs no stack.
+
+#include <ruvo/binary.hpp>
+#include <ruvo/memo.hpp>
+
+#include <vector>
+
+#include "values/bundle_store.hpp"
+#include "values/cell.hpp"
+
+namespace ruvo::detail {
+
+namespace {
+
+template <class Visit>
+void for_each_value(const bundle& in, Visit visit) {
+  const bundle_store* const store = bundle_access::store(in);
+  for (std::size_t n = 0; store && n < store->size(); ++n) visit(store->nth(n)->second);
+}
+
+/// Takes containers out of their cells and destroys them when nothing nested is left in them.
+class reaper {
+ public:
+  void take(var& v) noexcept {
+    if (cell::kind_of(v) == kind::list) {
+      push(lists_, cell::pointer<boxed<list>>(v));
+    } else if (cell::kind_of(v) == kind::bundle) {
+      push(bundles_, cell::pointer<boxed<bundle>>(v));
+    } else {
+      return;
+    }
+    cell::forget(v);
+  }
+
+  void run() noexcept {
+    while (lists_ || bundles_) {
+      if (boxed<list>* const gone = pop(lists_)) {
+        for (xvar& v : gone->value) take_all(v);
+        unmake(gone);
+      }
+      if (boxed<bundle>* const gone = pop(bundles_)) {
+        for_each_value(gone->value, [this](xvar& v) { take_all(v); });
+        unmake(gone);
+      }
+    }
+  }
+
+ private:
+  template <class T>
+  static void push(boxed<T>*& chain, boxed<T>* item) noexcept {
+    item->next = chain;
+    chain = item;
+  }
+  template <class T>
+  static boxed<T>* pop(boxed<T>*& chain) noexcept {
+    boxed<T>* const item = chain;
+    if (item) chain = item->next;
+    return item;
+  }
+  void take_all(xvar& v) noexcept {
+    take(v);
+    if (auto* const qualities = cell::qualities(v)) {
+      for (auto& [key, value] : *qualities) take(value);
+    }
+  }
+
+  boxed<list>* lists_ = nullptr;
+  boxed<bundle>* bundles_ = nullptr;
+};
+
+/// Copies cells; containers are made empty first and filled one after the other.
+class copier {
+ public:
+  void copy(var& to, const var& from) {
+    switch (cell::kind_of(from)) {
+      case kind::text:
+      case kind::string_text:
+        return cell::set_text(to, cell::text(from));
+      case kind::binary:
+        return cell::set_pointer(to, kind::binary, make<binary>(*cell::pointer<binary>(from)));
+      case kind::memo:
+        return cell::set_pointer(to, kind::memo, make<memo>(*cell::pointer<memo>(from)));
+      case kind::list:
+        cell::set_box(to, kind::list, list());
+        return later(to, from);
+      case kind::bundle:
+        cell::set_box(to, kind::bundle, bundle());
+        return later(to, from);
+      default:
+        to = from;  // held inside the cell
+    }
+  }
+
+  void copy_all(xvar& to, const xvar& from) {
+    copy(to, from);
+    const auto* const qualities = cell::qualities(from);
+    if (!qualities || qualities->empty()) return;
+    auto& made = cell::qualities(to) = new xvar::qualities_map;
+    for (const auto& [key, value] : *qualities) copy(made->try_emplace(made->end(), key)->second, value);
+  }
+
+  bundle_store* copy_entries(const bundle_store& from) {
+    bundle_store* const made = bundle_store::like(from);
+    try {
+      for (std::size_t n = 0; n < from.size(); ++n) copy_all(made->nth(n)->second, from.nth(n)->second);
+    } catch (...) {
+      bundle_store::drop(made);
+      throw;
+    }
+    return made;
+  }
+
+  void run() {
+    while (!later_.empty()) {
+      const auto [to, from] = later_.back();
+      later_.pop_back();
+      if (cell::kind_of(*from) == kind::list) {
+        const list& source = cell::as_list(*from);
+        list& target = cell::as_list(*to);
+        target.reserve(static_cast<unsigned long>(source.size()));
+        for (const xvar& v : source) copy_all(target.emplace_back(), v);
+      } else if (const bundle_store* const source = bundle_access::store(cell::as_bundle(*from))) {
+        bundle_access::set(cell::as_bundle(*to), copy_entries(*source));
+      }
+    }
+  }
+
+ private:
+  void later(var& to, const var& from) { later_.emplace_back(&to, &from); }
+
+  std::vector<std::pair<var*, const var*>> later_;
+};
+
+}  // namespace
+
+void drop_tree(var& v) noexcept {
+  reaper work;
+  work.take(v);
+  work.run();
+}
+
+void copy_tree(var& to, const var& from) {
+  var made;  // complete, or destroyed with what was copied so far
+  copier work;
+  work.copy(made, from);
+  work.run();
+  to = std::move(made);
+}
+
+bundle_store* copy_store(const bundle_store& from) {
+  copier work;
+  bundle made;
+  bundle_access::set(made, work.copy_entries(from));
+  work.run();
+  return bundle_access::detach(made);
+}
+
+}  // namespace ruvo::detail

@@ -1,0 +1,117 @@
+#include <ruvo/exc.hpp>
+#include <ruvo/xvar.hpp>
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "texto/ascii.hpp"
+#include "texto/utf.hpp"
+#include "values/cell.hpp"
+
+namespace ruvo {
+
+namespace {
+
+std::wstring widened(const std::string& key) { return texto::to_utf_16(std::string_view(key)); }
+
+/// Stands for the map of every xvar that has none; always empty.
+xvar::qualities_map& no_qualities() noexcept {
+  static xvar::qualities_map none;
+  return none;
+}
+
+}  // namespace
+
+bool keylowercase::operator()(const std::wstring& a, const std::wstring& b) const noexcept {
+  return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](wchar_t x, wchar_t y) {
+    return static_cast<char16_t>(texto::to_lower(x)) < static_cast<char16_t>(texto::to_lower(y));
+  });
+}
+
+xvar::xvar(const xvar& other) : var(other) {
+  if (other.is_qualified()) qualities_ = new qualities_map(*other.qualities_);
+}
+
+void xvar::drop_qualities() noexcept {
+  delete qualities_;
+  qualities_ = nullptr;
+}
+
+xvar& xvar::operator=(const xvar& other) {
+  if (this != &other) *this = xvar(other);  // a copy first: `other` may be inside this value
+  return *this;
+}
+
+xvar& xvar::operator=(xvar&& other) {
+  if (this == &other) return *this;
+  if (!other.is_qualified()) return *this = static_cast<var&&>(other);
+  // Both parts are taken first: `other` may be inside this value or one of these qualities.
+  const qualities_map qualities = other.get_qualities();
+  var value(std::move(other));
+  add_qualities(qualities);
+  return *this = std::move(value);
+}
+
+xvar& xvar::operator=(const var& value) {
+  var::operator=(value);
+  return *this;
+}
+
+xvar& xvar::operator=(var&& value) noexcept {
+  var::operator=(std::move(value));
+  return *this;
+}
+
+var& xvar::operator[](const std::wstring& key) { return hack_qualities()[key]; }
+var& xvar::operator[](const std::string& key) { return hack_qualities()[widened(key)]; }
+var& xvar::operator[](const wchar_t* key) { return hack_qualities()[key]; }
+var& xvar::operator[](const char* key) { return hack_qualities()[widened(key)]; }
+
+const var& xvar::at(const std::wstring& key) const {
+  const auto found = find(key);
+  if (found == end()) throw std::out_of_range("invalid map<K, T> key");
+  return found->second;
+}
+const var& xvar::at(const std::string& key) const { return at(widened(key)); }
+
+const var& xvar::get_quality(const std::wstring& key) const {
+  const auto found = find(key);
+  if (found == end()) throw exc::OutOfRange();
+  return found->second;
+}
+const var& xvar::get_quality(const std::string& key) const { return get_quality(widened(key)); }
+
+bool xvar::has_quality(const std::wstring& key) const { return count(key) != 0; }
+bool xvar::has_quality(const std::string& key) const { return has_quality(widened(key)); }
+xvar::size_type xvar::count(const std::wstring& key) const { return get_qualities().count(key); }
+xvar::size_type xvar::count(const std::string& key) const { return count(widened(key)); }
+xvar::iterator xvar::find(const std::wstring& key) { return qualities_ ? qualities_->find(key) : end(); }
+xvar::iterator xvar::find(const std::string& key) { return find(widened(key)); }
+xvar::const_iterator xvar::find(const std::wstring& key) const { return get_qualities().find(key); }
+xvar::const_iterator xvar::find(const std::string& key) const { return find(widened(key)); }
+xvar::size_type xvar::erase(const std::wstring& key) { return qualities_ ? qualities_->erase(key) : 0; }
+xvar::size_type xvar::erase(const std::string& key) { return erase(widened(key)); }
+void xvar::quality_remove(const std::wstring& key) { erase(key); }
+void xvar::quality_remove(const std::string& key) { erase(key); }
+
+void xvar::add_qualities(const qualities_map& qualities) {
+  if (qualities.empty()) return;
+  qualities_map& own = hack_qualities();
+  for (const auto& [key, value] : qualities) own[key] = value;
+}
+
+const xvar::qualities_map& xvar::get_qualities() const noexcept {
+  return qualities_ ? *qualities_ : no_qualities();
+}
+
+xvar::qualities_map& xvar::hack_qualities() {
+  if (!qualities_) qualities_ = new qualities_map;
+  return *qualities_;
+}
+
+xvar::iterator xvar::begin() noexcept { return qualities_ ? qualities_->begin() : no_qualities().begin(); }
+xvar::iterator xvar::end() noexcept { return qualities_ ? qualities_->end() : no_qualities().end(); }
+
+void xvar::clear() noexcept { drop_qualities(); }
+
+}  // namespace ruvo
