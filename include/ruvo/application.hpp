@@ -92,7 +92,7 @@ class KESTA_API app : public application {
   static application* kesta_app() noexcept { return theApp(); }
 
  protected:
-  bool on_boot(exception& err) override;
+  bool on_boot(ruvo::exception& err) override;  // not kesta::exception
   void append_config(bundle& settings) override;
 };
 

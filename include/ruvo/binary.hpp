@@ -6,6 +6,7 @@
 #include <ruvo/fwd.hpp>
 
 #include <concepts>
+#include <initializer_list>
 #include <iosfwd>
 #include <string>
 #include <utility>
@@ -56,6 +57,7 @@ class KESTA_API binary {
   const binary& operator=(const char* bytes);
   const binary& operator=(const std::ostringstream& stream);
   const binary& operator=(const std::wostringstream& stream);
+  const binary& operator=(const memo& text);
 
   binary& operator+=(const unsigned char& byte);
   /// @quirk These append the low byte of each unit and drop the high one: they serve single-byte text.

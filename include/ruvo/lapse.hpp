@@ -99,16 +99,17 @@ class KESTA_API lapse {
   bool set(int year, int month, int day, int hour, int minute, int second, exception* err);
   bool set(std::tm& record, exception& err);
 
-  // The same services for derived classes, throwing exc::CalendarException. Years are full, months from 1.
+  // For the calendar classes; these throw exc::CalendarException. Years are full, months count from 1.
   std::tm record() const;
   void build(long long year, long long month, long long day, long long hour, long long minute,
              long long second);
   void move(int n, times::UNITS unit);
+  void move_back(int n, times::UNITS unit);
   void replace(int n, times::UNITS unit);
-  /// Reads text over the fields of `initial`.
-  void read(const std::tm& initial, const std::wstring& text, const std::wstring& format,
-            const std::string& locale);
-  /// parse().
+  /// parse() with the fields of `initial` for those that the format lacks.
+  bool parse_over(const std::tm& initial, const std::wstring& text, const std::wstring& format,
+                  exception& err, const std::string& locale);
+  /// parse(), throwing.
   void take(const std::wstring& text, const std::string& format);
   void take(const std::string& text, const std::string& format);
   std::wstring month_name(const std::string& locale, bool abbreviated) const;

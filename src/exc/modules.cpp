@@ -36,8 +36,7 @@ std::wstring at_knot(std::wstring text, unsigned long long position, unsigned lo
 
 }  // namespace
 
-// --- families
-// -----------------------------------------------------------------------------------------------
+// Families
 
 #define KESTA_EXC_FAMILY(name)                                \
   name::name(unsigned long code, const std::wstring& message) \
@@ -72,8 +71,7 @@ KESTA_EXC_WINDOWS_FAMILY(winException)
 KESTA_EXC_WINDOWS_FAMILY(winregistryException)
 #undef KESTA_EXC_WINDOWS_FAMILY
 
-// --- leaves
-// -------------------------------------------------------------------------------------------------
+// Leaves
 
 #define KESTA_EXC_DEFINE(name, family, code, message) \
   name::name() : family(code, message) {}             \

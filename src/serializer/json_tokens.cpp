@@ -221,7 +221,8 @@ struct json_reading {
       read = negative ? -static_cast<long long>(digits) : static_cast<long long>(digits);
     }
     static_cast<var&>(target()) = std::move(read);
-    at = last;
+    // The character that ends a number counts inside a container and is dropped on top.
+    at = reader.open_nodes_.empty() ? last + 1 : last;
     return true;
   }
 

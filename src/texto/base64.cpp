@@ -101,7 +101,7 @@ unsigned char* read(unsigned char* out, View text) noexcept {
       writer.add(digit);
     }
   }
-  if (writer.pending() == 1 || (padding && writer.pending() + padding != 4)) return nullptr;
+  if (writer.pending() == 1 || padding > 2 || (padding && writer.pending() + padding != 4)) return nullptr;
   return writer.end();
 }
 

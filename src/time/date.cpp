@@ -60,7 +60,7 @@ date& date::operator=(const std::wstring& text) {
 
 date::operator long() const {
   const std::tm fields = record();
-  return (fields.tm_year + 1900L) * 10000 + (fields.tm_mon + 1) * 100 + fields.tm_mday;
+  return static_cast<long>((fields.tm_year + 1900LL) * 10000 + (fields.tm_mon + 1) * 100 + fields.tm_mday);
 }
 
 bool date::parse(const std::wstring& text, const std::wstring& format, exception& err,
@@ -130,7 +130,7 @@ date& date::operator+=(int days) {
   return *this;
 }
 date& date::operator-=(int days) {
-  move(days, times::DAYS, true);
+  move_back(days, times::DAYS);
   return *this;
 }
 date date::operator++(int) {

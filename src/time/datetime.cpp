@@ -23,8 +23,11 @@ datetime::datetime(long year, long month, long day, long hour, long minute, long
     : lapse(0, huso) {
   build(year, month, day, hour, minute, second);
 }
-datetime::datetime(const date& day, const time& hour, times::HUSO huso)
-    : datetime(static_cast<long>(day), static_cast<long>(hour), huso) {}
+datetime::datetime(const date& day, const time& hour, times::HUSO huso) : lapse(0, huso) {
+  const std::tm left = day.get_model();
+  const std::tm right = hour.get_model();
+  build(left.tm_year + 1900LL, left.tm_mon + 1LL, left.tm_mday, right.tm_hour, right.tm_min, right.tm_sec);
+}
 datetime::datetime(const date& value) : lapse(value) {}
 datetime::datetime(const time& value) : lapse(value) {}
 datetime::datetime(const datetime& other) = default;
@@ -109,7 +112,7 @@ datetime& datetime::operator+=(int hours) {
   return *this;
 }
 datetime& datetime::operator-=(int hours) {
-  move(hours, times::HOURS, true);
+  move_back(hours, times::HOURS);
   return *this;
 }
 datetime datetime::operator++(int) {

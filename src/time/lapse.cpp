@@ -189,6 +189,14 @@ void lapse::move(int n, times::UNITS unit) {
   if (add(n, unit, &err)) raise(err);
 }
 
+void lapse::move_back(int n, times::UNITS unit) {
+  if (n == std::numeric_limits<int>::min()) {
+    move(1, unit);
+    ++n;
+  }
+  move(-n, unit);
+}
+
 void lapse::replace(int n, times::UNITS unit) {
   exception err;
   if (set(n, unit, &err)) raise(err);
@@ -216,12 +224,17 @@ bool lapse::locale(std::tm& record, exception& err) const {
   return told(&err, [&] { record = broken_down(lapso_, true); });
 }
 
-void lapse::read(const std::tm& initial, const std::wstring& text, const std::wstring& format,
-                 const std::string& locale) {
-  calendar::reading out{initial, {}};
-  if (!calendar::read(out, text, format, named(locale))) throw exc::CalendarException();
-  out.record.tm_isdst = -1;
-  lapso_ = out.offset ? built(out.record, false) - *out.offset : built(out.record, huso_ == times::LOCAL);
+bool lapse::parse_over(const std::tm& initial, const std::wstring& text, const std::wstring& format,
+                       exception& err, const std::string& locale) {
+  return !told(&err, [&] {
+    calendar::reading out{initial, {}};
+    if (!calendar::read(out, text, format, named(locale))) throw exc::CalendarException();
+    out.record.tm_isdst = -1;
+    if (out.offset)
+      lapso_ = built(out.record, false) - *out.offset;
+    else
+      lapso_ = built(out.record, huso_ == times::LOCAL);
+  });
 }
 
 bool lapse::parse(const std::wstring& text, const std::wstring& format, exception& err,
@@ -229,7 +242,7 @@ bool lapse::parse(const std::wstring& text, const std::wstring& format, exceptio
   std::tm initial{};
   initial.tm_year = 70;
   initial.tm_mday = 1;
-  return !told(&err, [&] { read(initial, text, format, locale); });
+  return parse_over(initial, text, format, err, locale);
 }
 
 bool lapse::parse(const std::wstring& text, const std::string& format, exception& err,

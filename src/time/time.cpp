@@ -114,7 +114,7 @@ time& time::operator+=(int minutes) {
   return *this;
 }
 time& time::operator-=(int minutes) {
-  move(minutes, times::MINUTES, true);
+  move_back(minutes, times::MINUTES);
   return *this;
 }
 time time::operator++(int) {

@@ -38,7 +38,7 @@ bool break_down(long long seconds, std::tm& out) {
   return true;
 }
 
-bool build(const std::tm& fields, long long& seconds) {
+long long build(const std::tm& fields) {
   const long long wall = civil::build(fields);
   const rules year = platform::zone_rules(year_of(wall));
   const long long standard = wall + year.standard;
@@ -46,10 +46,8 @@ bool build(const std::tm& fields, long long& seconds) {
   const bool is_standard = !year.is_daylight(standard);
   const bool is_daylight = year.is_daylight(daylight);
   if (is_standard == is_daylight)  // a repeated or a skipped hour
-    seconds = is_standard ? std::min(standard, daylight) : std::max(standard, daylight);
-  else
-    seconds = is_standard ? standard : daylight;
-  return true;
+    return is_standard ? std::min(standard, daylight) : std::max(standard, daylight);
+  return is_standard ? standard : daylight;
 }
 
 }  // namespace ruvo::zone

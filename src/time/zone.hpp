@@ -35,8 +35,10 @@ struct change {
 /// The change as seconds since 1970, read as if local time were UTC.
 long long moment(long long year, const change& what);
 
-/// Both are false when the year does not fit.
+/// Every field; false when the year does not fit.
 bool break_down(long long seconds, std::tm& out);
-bool build(const std::tm& fields, long long& seconds);
+/// Fields out of their range are normalised. Of the two instants that a repeated hour names the first is
+/// taken; a skipped hour is moved on by the length of the gap.
+long long build(const std::tm& fields);
 
 }  // namespace ruvo::zone

@@ -40,7 +40,7 @@ bool is_surrogate(unsigned char high_byte) { return (high_byte & 0xF8) == 0xD8; 
 
 std::wstring widened(const bytes& store) { return std::wstring(store.begin(), store.end()); }
 
-// Both read into `out`, which has room, and give the end of what they wrote, or null for a malformed text.
+// Both read into `out`, which has room for 3/4 of the text's size, and give the end of what they wrote, or null for a malformed text.
 
 template <class Text>
 unsigned char* read_hex(unsigned char* out, const Text& text) {
@@ -68,9 +68,9 @@ unsigned char* read_base64(unsigned char* out, const Text& text) {
 template <class Text>
 void decode(bytes& store, const Text& text, unsigned char* (*read)(unsigned char*, const Text&),
             exception* error) {
-  bytes made(text.size());
+  bytes made(text.size() / 4 * 3 + 3);
   const unsigned char* const end = read(made.data(), text);
-  if (!end && !text.empty()) {
+  if (!end) {
     store.clear();
     if (error) exc::BadFormat().copy_on(error);
     return;
@@ -105,6 +105,7 @@ const binary& binary::operator=(const std::string& bytes) { return *this = binar
 const binary& binary::operator=(const char* bytes) { return *this = binary(bytes); }
 const binary& binary::operator=(const std::ostringstream& stream) { return *this = binary(stream); }
 const binary& binary::operator=(const std::wostringstream& stream) { return *this = binary(stream); }
+const binary& binary::operator=(const memo& text) { return *this = binary(text); }
 
 binary& binary::operator+=(const unsigned char& byte) {
   store_.push_back(byte);

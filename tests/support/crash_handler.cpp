@@ -6,40 +6,55 @@
 #ifndef NOMINMAX
 #  define NOMINMAX
 #endif
-#include <windows.h>
+#include <cstddef>
 
-#include <cstdio>
+#include <windows.h>
 
 namespace {
 
 constexpr UINT crash_exit_code = 70;
 
+// After an overflow hardly any stack is left: the line is put together in static memory, without the C
+// library.
+char line[160];
+std::size_t length = 0;
+
+void add(const char* text) {
+  while (*text && length < sizeof line) line[length++] = *text++;
+}
+
+void add_hexadecimal(ULONG_PTR number) {
+  int shift = static_cast<int>(sizeof number) * 8 - 4;
+  while (shift > 0 && number >> shift == 0) shift -= 4;
+  for (; shift >= 0 && length < sizeof line; shift -= 4)
+    line[length++] = "0123456789abcdef"[number >> shift & 0xF];
+}
+
 const char* name_of(DWORD code) {
-  switch (code) {
-    case EXCEPTION_ACCESS_VIOLATION: return "access violation";
-    case EXCEPTION_STACK_OVERFLOW: return "stack overflow";
-    case EXCEPTION_ILLEGAL_INSTRUCTION: return "illegal instruction";
-    case EXCEPTION_INT_DIVIDE_BY_ZERO: return "division by zero";
-    default: return "exception";
-  }
+  if (code == EXCEPTION_ACCESS_VIOLATION) return "access violation";
+  if (code == EXCEPTION_STACK_OVERFLOW) return "stack overflow";
+  if (code == EXCEPTION_ILLEGAL_INSTRUCTION) return "illegal instruction";
+  return "exception";
 }
 
 LONG CALLBACK on_exception(EXCEPTION_POINTERS* pointers) {
   const EXCEPTION_RECORD& record = *pointers->ExceptionRecord;
-  // Errors of the system only; what C++ throws and what debuggers are told has another severity or the
-  // customer bit.
+  // Errors of the system only: what C++ throws and what debuggers are told has other leading bits.
   if (record.ExceptionCode >> 28 != 0xC) return EXCEPTION_CONTINUE_SEARCH;
 
-  HMODULE module = nullptr;
-  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                     static_cast<LPCWSTR>(record.ExceptionAddress), &module);
-  std::fprintf(stderr, "\nCRASH: %s (%08lx) at %p, module loaded at %p\n", name_of(record.ExceptionCode),
-               static_cast<unsigned long>(record.ExceptionCode), record.ExceptionAddress,
-               static_cast<void*>(module));
-  if (record.ExceptionCode == EXCEPTION_ACCESS_VIOLATION && record.NumberParameters > 1)
-    std::fprintf(stderr, "       %s of %p\n", record.ExceptionInformation[0] == 0 ? "read" : "write",
-                 reinterpret_cast<void*>(record.ExceptionInformation[1]));
-  std::fflush(stderr);
+  add("\nCRASH: ");
+  add(name_of(record.ExceptionCode));
+  add(" (0x");
+  add_hexadecimal(record.ExceptionCode);
+  add(") at 0x");
+  add_hexadecimal(reinterpret_cast<ULONG_PTR>(record.ExceptionAddress));
+  if (record.ExceptionCode == EXCEPTION_ACCESS_VIOLATION && record.NumberParameters > 1) {
+    add(record.ExceptionInformation[0] == 0 ? ", reading 0x" : ", writing 0x");
+    add_hexadecimal(record.ExceptionInformation[1]);
+  }
+  add("\n");
+  DWORD written;
+  WriteFile(GetStdHandle(STD_ERROR_HANDLE), line, static_cast<DWORD>(length), &written, nullptr);
   TerminateProcess(GetCurrentProcess(), crash_exit_code);
   return EXCEPTION_CONTINUE_SEARCH;
 }

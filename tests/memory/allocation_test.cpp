@@ -1,0 +1,169 @@
+// The n-th allocation fails, for every n: nothing leaks, nothing breaks, and what was there before is there
+// still. This program is linked statically, so that the library's allocations come here too.
+
+#include <ruvo/binary.hpp>
+#include <ruvo/bundle.hpp>
+#include <ruvo/list.hpp>
+#include <ruvo/memo.hpp>
+#include <ruvo/serializer.hpp>
+
+#include <cstdlib>
+#include <functional>
+#include <new>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+thread_local long long countdown = -1;  // allocations until one fails; negative: none does
+thread_local long long live = 0;
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+  if (countdown == 0) throw std::bad_alloc();
+  if (countdown > 0) --countdown;
+  void* const block = std::malloc(size ? size : 1);
+  if (!block) throw std::bad_alloc();
+  ++live;
+  return block;
+}
+void operator delete(void* block) noexcept {
+  if (block) --live;
+  std::free(block);
+}
+void operator delete(void* block, std::size_t) noexcept { operator delete(block); }
+void* operator new[](std::size_t size) { return operator new(size); }
+void operator delete[](void* block) noexcept { operator delete(block); }
+void operator delete[](void* block, std::size_t) noexcept { operator delete(block); }
+
+namespace {
+
+using ruvo::bundle;
+using ruvo::list;
+using ruvo::xvar;
+using ruvo::serializer::json;
+
+/// Runs `work` with a failure at each allocation in turn until it passes; returns how many allocations it
+/// has. `check` runs after each failure.
+long long fail_everywhere(
+    const std::function<void()>& work, const std::function<void()>& check = [] {}) {
+  for (long long n = 0;; ++n) {
+    countdown = n;
+    bool failed = false;
+    try {
+      work();
+    } catch (const std::bad_alloc&) {
+      failed = true;
+    }
+    countdown = -1;
+    check();
+    if (!failed) return n;
+    if (n > 100000) {
+      ADD_FAILURE() << "never passes";
+      return n;
+    }
+  }
+}
+
+const std::wstring document =
+    L"{\"cliente\":{\"nombre\":\"Talleres Ejemplo del "
+    L"Norte\",\"activo\":true,\"saldo\":1250.75,\"etiquetas\":[\"una "
+    L"etiqueta larga\",\"b\",null,[1,2,3.5]]},\"lineas\":[{\"articulo\":\"Tornillo de cabeza "
+    L"hexagonal\",\"precio\":1."
+    L"5},{\"articulo\":\"x\",\"precio\":2}],\"a\":1,\"b\":2,\"c\":3,\"d\":4,\"e\":5,\"f\":6,\"notas\":\"con "
+    L"\\\"comillas"
+    L"\\\" y m\\u00e1s\"}";
+
+class allocation : public testing::Test {
+ protected:
+  void SetUp() override {
+    json().deserialize(sample_, document);
+    sample_.hack_binary_on(L"cliente.firma") = ruvo::binary(L"a binary");
+    sample_.hack_memo_on(L"cliente.memo") = L"a memo";
+    sample_[L"a"][L"quality"] = L"a quality of some length";
+    text_ = sample_.to_string();
+  }
+  bundle sample_;
+  std::wstring text_;
+};
+
+TEST_F(allocation, reading_keeps_what_was_read) {
+  std::wstring longest;
+  const long long allocations = fail_everywhere([&] {
+    json j;
+    bundle b;
+    j.deserialize(b, document);
+  });
+  EXPECT_GT(allocations, 10);
+}
+
+TEST_F(allocation, copying_and_assigning_leave_the_target_as_it_was) {
+  bundle target = {{L"before", 1}};
+  fail_everywhere([&] { target = sample_; },
+                  [&] { EXPECT_TRUE(target.to_string() == L"{\"before\":1}" || target == sample_); });
+  list l{1, 2};
+  fail_everywhere(
+      [&] {
+        l = list{xvar(sample_), xvar(sample_)};
+      },
+      [&] { EXPECT_TRUE(l.size() == 2 && (l[0].is_integer() || l.to_string().size() > 100)); });
+  EXPECT_EQ(sample_.to_string(), text_);
+}
+
+TEST_F(allocation, inserting) {
+  for (const int size : {1, 4, 20, 128, 129, 600}) {
+    bundle b;
+    for (int i = 0; i < size; ++i) b[L"a rather long key " + std::to_wstring(i)] = i;
+    const std::wstring before = b.to_string();
+    const std::wstring key = L"another rather long key " + std::to_wstring(size);
+    fail_everywhere([&] { b[key]; },
+                    [&] {
+                      b.erase(key);
+                      EXPECT_EQ(b.to_string(), before);
+                    });
+  }
+}
+
+TEST_F(allocation, printing_writing_and_paths) {
+  std::wstring out;
+  fail_everywhere([&] { out = sample_.to_string(); });
+  EXPECT_EQ(out, text_);
+  json tabulated(true, true, true);
+  std::wstring expected;
+  json(true, true, true).serialize(expected, sample_);
+  fail_everywhere([&] {
+    json fresh(true, true, true);
+    fresh.serialize(out, sample_);
+  });
+  EXPECT_EQ(out, expected);
+  bundle b;
+  fail_everywhere([&] {
+    b.hack_list_on(L"one.two.three.a key of some length").on_back_string() = L"a text of some length";
+  });
+  fail_everywhere([&] { sample_.get_string(L"cliente.nombre"); });
+  xvar v;
+  fail_everywhere([&] {
+    v[L"a quality of some length"] = L"a text of some length";
+    v = xvar(sample_);
+  });
+}
+
+TEST_F(allocation, nothing_is_left_behind) {
+  const auto work = [&] {
+    bundle b;
+    json().deserialize(b, document);
+    const bundle copy(b);
+    std::wstring out;
+    json(false, true, true).serialize(out, copy);
+  };
+  fail_everywhere(work);
+  work();
+  const long long before = live;  // the thread's cache is warm
+  fail_everywhere(work);
+  for (int i = 0; i < 100; ++i) work();
+  EXPECT_EQ(live, before);
+}
+
+}  // namespace

@@ -1,0 +1,222 @@
+// Generated documents, cut and mutated: reading at once and character by character must agree in everything.
+
+#include <ruvo/bundle.hpp>
+#include <ruvo/exception.hpp>
+#include <ruvo/list.hpp>
+#include <ruvo/serializer.hpp>
+
+#include <random>
+#include <stdexcept>
+#include <string>
+
+#include <gtest/gtest.h>
+
+using ruvo::bundle;
+using ruvo::serializer::json;
+using ruvo::serializer::json_reader;
+
+namespace {
+
+struct outcome {
+  std::wstring store, report;
+  bool operator==(const outcome&) const = default;
+};
+
+std::wstring widened(const char* text) { return {text, text + std::char_traits<char>::length(text)}; }
+
+outcome read_at_once(json& j, const std::wstring& text) {
+  bundle b;
+  ruvo::exception error;
+  outcome o;
+  try {
+    j.deserialize(b, text, &error);
+    o.report = static_cast<std::wstring>(error);
+  } catch (const std::logic_error& e) {
+    o.report = widened(e.what());
+  }
+  o.store = b.to_string();
+  return o;
+}
+
+outcome read_by_character(const std::wstring& text) {
+  json_reader reader;
+  bundle b;
+  ruvo::exception error;
+  outcome o;
+  reader.reset();
+  reader.set_store(b);
+  try {
+    for (const wchar_t c : text) reader.next_character(c, error);
+    o.report = static_cast<std::wstring>(error);
+  } catch (const std::logic_error& e) {
+    o.report = widened(e.what());
+  }
+  o.store = b.to_string();
+  return o;
+}
+
+class generator {
+ public:
+  explicit generator(unsigned seed) : random_(seed) {}
+
+  std::wstring document() {
+    std::wstring out;
+    container(out, 0, below(8) == 0);
+    return out;
+  }
+
+  std::wstring mutated(std::wstring text) {
+    static const std::wstring alphabet = L"{}[]\",:\\-.0123eEtrufalsnN \t\nxñ\xD83D";
+    for (unsigned n = below(4) + 1; n > 0 && !text.empty(); --n) {
+      const std::size_t at = below(static_cast<unsigned>(text.size()));
+      switch (below(5)) {
+        case 0:
+          text[at] = alphabet[below(static_cast<unsigned>(alphabet.size()))];
+          break;
+        case 1:
+          text.erase(at, below(3) + 1);
+          break;
+        case 2:
+          text.insert(at, 1, alphabet[below(static_cast<unsigned>(alphabet.size()))]);
+          break;
+        case 3:
+          text.insert(at, text.substr(below(static_cast<unsigned>(text.size())), below(20)));
+          break;
+        default:
+          text.resize(at);
+      }
+    }
+    return text;
+  }
+
+ private:
+  unsigned below(unsigned limit) { return static_cast<unsigned>(random_() % limit); }
+
+  void blank(std::wstring& out) {
+    if (below(6) == 0) out += L" \n\t\r"[below(4)];
+  }
+  void string(std::wstring& out, unsigned longest) {
+    static const wchar_t* const pieces[] = {L"a",   L"Key", L"ñ",       L"\\\"",         L"\\\\",
+                                            L"\\n", L"\\t", L"\\u00e1", L"\xD83D\xDE00", L" "};
+    out += L'"';
+    for (unsigned n = below(longest); n > 0; --n) out += pieces[below(10)];
+    out += L'"';
+  }
+  void value(std::wstring& out, int depth) {
+    switch (below(depth < 5 ? 9U : 7U)) {
+      case 0:
+        out += L"null";
+        break;
+      case 1:
+        out += below(2) ? L"true" : L"False";
+        break;
+      case 2:
+      case 3:
+        out += std::to_wstring(static_cast<long long>(random_()) >> below(63));
+        break;
+      case 4:
+        out += std::to_wstring(below(100000)) + L"." + std::to_wstring(random_() >> below(63));
+        break;
+      case 5:
+      case 6:
+        string(out, 12);
+        break;
+      default:
+        container(out, depth + 1, below(2) == 0);
+    }
+  }
+  void container(std::wstring& out, int depth, bool is_array) {
+    out += is_array ? L'[' : L'{';
+    for (unsigned n = below(7); n > 0; --n) {
+      blank(out);
+      if (!is_array) {
+        string(out, 4);
+        blank(out);
+        out += L':';
+        blank(out);
+      }
+      value(out, depth);
+      blank(out);
+      if (n > 1) out += L',';
+    }
+    out += is_array ? L']' : L'}';
+  }
+
+  std::mt19937_64 random_;
+};
+
+TEST(json_hostile, both_ways_of_reading_agree) {
+  generator g(20261121);
+  json j;
+  for (int i = 0; i < 4000; ++i) {
+    const std::wstring text = g.document();
+    ASSERT_EQ(read_at_once(j, text), read_by_character(text)) << "document " << i;
+    for (int m = 0; m < 8; ++m) {
+      const std::wstring bad = g.mutated(text);
+      const outcome fast = read_at_once(j, bad), slow = read_by_character(bad);
+      ASSERT_EQ(fast.store, slow.store) << i << "." << m << " " << testing::PrintToString(bad);
+      ASSERT_EQ(fast.report, slow.report) << i << "." << m << " " << testing::PrintToString(bad);
+    }
+  }
+}
+
+TEST(json_hostile, every_prefix) {
+  generator g(3);
+  json j;
+  for (int i = 0; i < 60; ++i) {
+    const std::wstring text = g.document();
+    for (std::size_t n = 0; n <= text.size(); ++n) {
+      ASSERT_EQ(read_at_once(j, text.substr(0, n)), read_by_character(text.substr(0, n))) << i << "." << n;
+    }
+  }
+}
+
+TEST(json_hostile, what_was_read_is_written_and_read_again) {
+  generator g(4);
+  json ordered, positional(false, false, true);
+  for (int i = 0; i < 4000; ++i) {
+    const std::wstring text = i % 2 == 0 ? g.document() : g.mutated(g.document());
+    bundle first;
+    try {
+      ordered.deserialize(first, text);
+    } catch (const std::logic_error&) {
+      continue;
+    }
+    std::wstring once, twice;
+    ASSERT_FALSE(ordered.serialize(once, first));
+    bundle second;
+    ordered.deserialize(second, once);
+    ASSERT_FALSE(ordered.serialize(twice, second));
+    bundle third;
+    ordered.deserialize(third, twice);
+    std::wstring thrice;
+    ASSERT_FALSE(positional.serialize(thrice, third));
+    bundle fourth;
+    ordered.deserialize(fourth, thrice);
+    ASSERT_EQ(third.to_string(), fourth.to_string()) << i;
+  }
+}
+
+TEST(json_hostile, large_things) {
+  std::wstring text = L"{";
+  for (int i = 0; i < 1000000; ++i)
+    text += L"\"k" + std::to_wstring((i * 7919LL) % 1000003) + L"\":" + std::to_wstring(i) + L",";
+  text += L"\"nul\":\"a";
+  text.push_back(L'\0');
+  text += L"b\",\"lone\":\"\xDC00\"}";
+  bundle b;
+  json j;
+  ASSERT_FALSE(j.deserialize(b, text));
+  EXPECT_EQ(b.size(), 1000002U);
+  EXPECT_EQ(b.get_long(L"k7919"), 1);
+  EXPECT_EQ(b[999999]->second, b[std::wstring(L"k") + std::to_wstring((999999 * 7919LL) % 1000003)]);
+  EXPECT_EQ(b.get_string(L"nul").size(), 3U);
+  EXPECT_EQ(b.get_string(L"lone"), L"\xDC00");
+  const std::wstring unknown = L"{\"x\":nothing" + std::wstring(3000000, L'z');
+  ruvo::exception error;
+  EXPECT_TRUE(j.deserialize(b, unknown, &error));
+  EXPECT_TRUE(error.get_mensaje().ends_with(L":3000012 en el nudo:0"))
+      << testing::PrintToString(error.get_mensaje());
+}
+
+}  // namespace

@@ -1,0 +1,86 @@
+#include <ruvo/texto.hpp>
+
+#include <gtest/gtest.h>
+
+namespace texto = ruvo::texto;
+
+TEST(Trim, TakesOnlyTheBlanksOfAscii) {
+  const struct {
+    std::wstring text, left, right, both;
+  } rows[] = {
+      {L"", L"", L"", L""},
+      {L" \t\r\n\v\f", L"", L"", L""},
+      {L"  a b  ", L"a b  ", L"  a b", L"a b"},
+      {L"a", L"a", L"a", L"a"},
+      {L"\x00A0x\x3000", L"\x00A0x\x3000", L"\x00A0x\x3000", L"\x00A0x\x3000"},
+      {L"\x0120z\x0109", L"\x0120z\x0109", L"\x0120z\x0109", L"\x0120z\x0109"},  // low bytes are blanks
+      {std::wstring(L" \0 ", 3), std::wstring(L"\0 ", 2), std::wstring(L" \0", 2), std::wstring(1, L'\0')},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(texto::ltrim_(row.text), row.left);
+    EXPECT_EQ(texto::rtrim_(row.text), row.right);
+    EXPECT_EQ(texto::trim_(row.text), row.both);
+    std::wstring a = row.text, b = row.text, c = row.text;
+    EXPECT_EQ(&texto::ltrim(a), &a);
+    EXPECT_EQ(&texto::rtrim(b), &b);
+    EXPECT_EQ(&texto::trim(c), &c);
+    EXPECT_EQ(a, row.left);
+    EXPECT_EQ(b, row.right);
+    EXPECT_EQ(c, row.both);
+  }
+}
+
+TEST(Case, EveryUnitFollowsTheTables) {
+  std::wstring upper = L"ABCDEFGHIJKLMNOPQRSTUVWXYZÀÁÂÃÄÅÆÇÐÈÉÊËÌÍÎÏÑÒÓÔÕÖÙÚÛÜÝØ";
+  std::wstring lower = L"abcdefghijklmnopqrstuvwxyzàáâãäåæçðèéêëìíîïñòóôõöùúûüýø";
+  ASSERT_EQ(upper.size(), lower.size());
+  std::wstring all, expected_lower, expected_upper;
+  for (std::uint32_t unit = 0; unit < 0x10000; ++unit) {
+    const auto c = static_cast<wchar_t>(unit);
+    const std::size_t in_upper = upper.find(c);
+    const std::size_t in_lower = lower.find(c);
+    all.push_back(c);
+    expected_lower.push_back(in_upper != upper.npos ? lower[in_upper] : c);
+    expected_upper.push_back(in_lower != lower.npos ? upper[in_lower] : c);
+    ASSERT_EQ(texto::to_lowercase(c), expected_lower.back()) << unit;
+    ASSERT_EQ(texto::to_uppercase(c), expected_upper.back()) << unit;
+  }
+  EXPECT_TRUE(texto::to_lowercase_(all) == expected_lower);
+  EXPECT_TRUE(texto::to_uppercase_(all) == expected_upper);
+  std::wstring text = L"Ñu";
+  EXPECT_EQ(&texto::to_uppercase(text), &text);
+  EXPECT_EQ(text, L"ÑU");
+  EXPECT_EQ(texto::to_lowercase(text), L"ñu");
+}
+
+TEST(Tests, PartsOfAText) {
+  EXPECT_TRUE(texto::starts_with(L"abc", L"ab"));
+  EXPECT_FALSE(texto::starts_with(L"abc", L"Ab"));
+  EXPECT_FALSE(texto::starts_with(L"a", L"ab"));
+  EXPECT_TRUE(texto::ends_with(L"abc", L"bc"));
+  EXPECT_FALSE(texto::ends_with(L"c", L"bc"));
+  EXPECT_TRUE(texto::contains(L"abc", L"b"));
+  EXPECT_FALSE(texto::contains(L"abc", L"ac"));
+  EXPECT_TRUE(texto::starts_with(L"", L"") && texto::ends_with(L"a", L"") && texto::contains(L"a", L""));
+}
+
+TEST(Tests, Integers) {
+  const struct {
+    const wchar_t* text;
+    bool integer, positive;
+  } rows[] = {{L"0", true, true},        {L"-12", true, false},  {L"+1", false, false},
+              {L"", false, false},       {L"-", false, false},   {L"1-", false, false},
+              {L" 1", false, false},     {L"1.0", false, false}, {L"\x0661", false, false},
+              {L"\xFF11", false, false}, {L"00012", true, true}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(texto::is_integer(row.text), row.integer) << row.text;
+    EXPECT_EQ(texto::is_integer_positive(row.text), row.positive) << row.text;
+  }
+  EXPECT_TRUE(texto::is_integer(L"-" + std::wstring(1000000, L'9')));
+}
+
+TEST(Tests, SafeNonEmpty) {
+  EXPECT_EQ(texto::safe_non_empty(std::wstring(L"a"), std::wstring(L"b")), L"a");
+  EXPECT_EQ(texto::safe_non_empty(L"", L"b"), L"b");
+  EXPECT_EQ(texto::safe_non_empty("", "a\xC3\xB1o"), L"año");
+}

@@ -1,0 +1,163 @@
+#include <ruvo/texto.hpp>
+
+#include <cstdint>
+#include <random>
+
+#include <gtest/gtest.h>
+
+namespace texto = ruvo::texto;
+
+namespace {
+
+void put(std::wstring& out, char32_t point) {
+  if (point >= 0x10000) {
+    out.push_back(static_cast<wchar_t>(0xD800 + ((point - 0x10000) >> 10)));
+    point = 0xDC00 + ((point - 0x10000) & 0x3FF);
+  }
+  out.push_back(static_cast<wchar_t>(point));
+}
+
+/// How many of the bytes at `at` are a beginning of some well-formed sequence; `point` gets a complete one.
+/// Slow and plain: it tries every code point's encoding by its definition.
+std::size_t well_formed_prefix(const std::string& text, std::size_t at, char32_t& point, bool& complete) {
+  static const struct {
+    unsigned char first, last, second_from, second_to;
+    std::size_t length;
+  } forms[] = {{0x00, 0x7F, 0, 0, 1},       {0xC2, 0xDF, 0x80, 0xBF, 2}, {0xE0, 0xE0, 0xA0, 0xBF, 3},
+               {0xE1, 0xEC, 0x80, 0xBF, 3}, {0xED, 0xED, 0x80, 0x9F, 3}, {0xEE, 0xEF, 0x80, 0xBF, 3},
+               {0xF0, 0xF0, 0x90, 0xBF, 4}, {0xF1, 0xF3, 0x80, 0xBF, 4}, {0xF4, 0xF4, 0x80, 0x8F, 4}};
+  complete = false;
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[at + i]); };
+  for (const auto& form : forms) {
+    if (byte(0) < form.first || byte(0) > form.last) continue;
+    std::size_t n = 1;
+    point = form.length == 1 ? byte(0) : byte(0) & (0x7Fu >> form.length);
+    while (n < form.length && at + n < text.size()) {
+      const unsigned char from = n == 1 ? form.second_from : 0x80;
+      const unsigned char to = n == 1 ? form.second_to : 0xBF;
+      if (byte(n) < from || byte(n) > to) return n;
+      point = point * 64 + (byte(n) & 0x3F);
+      ++n;
+    }
+    complete = n == form.length;
+    return n;
+  }
+  return 0;
+}
+
+std::wstring reference_utf_16(const std::string& text) {
+  std::wstring out;
+  for (std::size_t at = 0; at < text.size();) {
+    char32_t point = 0;
+    bool complete = false;
+    const std::size_t n = well_formed_prefix(text, at, point, complete);
+    put(out, complete ? point : 0xFFFD);
+    at += n ? n : 1;
+  }
+  return out;
+}
+
+}  // namespace
+
+TEST(Utf, EveryCodePointComesBack) {
+  std::wstring all;
+  std::string bytes;
+  for (char32_t point = 0; point < 0x110000; ++point) {
+    if (point >= 0xD800 && point < 0xE000) continue;
+    put(all, point);
+  }
+  bytes = texto::to_utf_8(all);
+  EXPECT_EQ(bytes.size(), 0x80u + 0x780 * 2 + (0xF800 - 0x800) * 3 + 0x100000 * 4);
+  EXPECT_TRUE(texto::to_utf_16(bytes) == all);
+  EXPECT_TRUE(reference_utf_16(bytes) == all);
+}
+
+TEST(Utf, EveryUnitAloneIsItselfOrTheReplacement) {
+  for (std::uint32_t unit = 0; unit < 0x10000; ++unit) {
+    const std::wstring text(1, static_cast<wchar_t>(unit));
+    const bool lone = unit >= 0xD800 && unit < 0xE000;
+    ASSERT_EQ(texto::to_utf_16(texto::to_utf_8(text)), lone ? L"\xFFFD" : text) << unit;
+  }
+}
+
+TEST(Utf, LoneSurrogates) {
+  const struct {
+    std::wstring text;
+    std::string bytes;
+  } rows[] = {
+      {L"\xD83D\xDE00", "\xF0\x9F\x98\x80"},
+      {L"\xDE00\xD83D", "\xEF\xBF\xBD\xEF\xBF\xBD"},
+      {L"\xD83D\xD83D\xDE00", "\xEF\xBF\xBD\xF0\x9F\x98\x80"},
+      {L"a\xD83D", "a\xEF\xBF\xBD"},
+      {std::wstring(L"a\0b", 3), std::string("a\0b", 3)},
+      {std::wstring(15, L'a') + L"\xD83D\xDE00", std::string(15, 'a') + "\xF0\x9F\x98\x80"},
+      {std::wstring(16, L'a') + L"\xD83D" + std::wstring(20, L'b'),
+       std::string(16, 'a') + "\xEF\xBF\xBD" + std::string(20, 'b')},
+  };
+  for (const auto& row : rows) EXPECT_EQ(texto::to_utf_8(row.text), row.bytes);
+}
+
+TEST(Utf, MalformedPartsAreMaximal) {
+  const struct {
+    std::string bytes;
+    std::wstring text;
+  } rows[] = {
+      {"\xF0\x9F\x98", L"\xFFFD"},                        // cut short: one part
+      {"\xE2\x82z", L"\xFFFDz"},                          // broken off by an ASCII character
+      {"\xC0\xAF", L"\xFFFD\xFFFD"},                      // overlong: no part of it begins anything
+      {"\xE0\x80\xAF", L"\xFFFD\xFFFD\xFFFD"},            // overlong
+      {"\xED\xA0\x80", L"\xFFFD\xFFFD\xFFFD"},            // a surrogate
+      {"\xF4\x90\x80\x80", L"\xFFFD\xFFFD\xFFFD\xFFFD"},  // beyond U+10FFFF
+      {"\xF1\x80\x80\xE1\x80\xC2"
+       "bc",
+       L"\xFFFD\xFFFD\xFFFD"
+       L"bc"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(texto::to_utf_16(row.bytes), row.text);
+    EXPECT_EQ(reference_utf_16(row.bytes), row.text);
+  }
+}
+
+TEST(Utf, EveryBytePairAndTripleOfInterestAgreesWithTheReference) {
+  for (unsigned a = 0; a < 256; ++a)
+    for (unsigned b = 0; b < 256; ++b) {
+      const std::string pair{static_cast<char>(a), static_cast<char>(b)};
+      ASSERT_EQ(texto::to_utf_16(pair), reference_utf_16(pair)) << a << ' ' << b;
+    }
+  for (unsigned a = 0xE0; a < 0xF8; ++a)
+    for (unsigned b = 0; b < 256; ++b)
+      for (const unsigned c : {0x00, 0x41, 0x7F, 0x80, 0xBF, 0xC0, 0xE1, 0xF4, 0xFF}) {
+        const std::string three{static_cast<char>(a), static_cast<char>(b), static_cast<char>(c)};
+        ASSERT_EQ(texto::to_utf_16(three), reference_utf_16(three)) << a << ' ' << b << ' ' << c;
+      }
+}
+
+/// Long runs of ASCII with something else at any offset: the place where blocks end and begin.
+TEST(Utf, RandomMixturesAgreeWithTheReference) {
+  std::mt19937 random(20240229);
+  const char* const parts[] = {"\xC3\xB1", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\x80", "\xE2\x82",
+                               "\xF0",     "\xFF"};
+  for (int round = 0; round < 3000; ++round) {
+    std::string bytes;
+    while (bytes.size() < random() % 120) {
+      bytes.append(random() % 40, static_cast<char>('a' + random() % 26));
+      bytes += parts[random() % std::size(parts)];
+    }
+    const std::wstring text = texto::to_utf_16(bytes);
+    ASSERT_EQ(text, reference_utf_16(bytes)) << round;
+    ASSERT_EQ(texto::to_utf_16(texto::to_utf_8(text)), text) << round;
+  }
+}
+
+TEST(Utf, RemovesTheMark) {
+  for (const auto& [text, left] : {std::pair<std::string, std::string>{"\xEF\xBB\xBFhola", "hola"},
+                                   {"\xEF\xBB\xBF", ""},
+                                   {"\xEF\xBB", "\xEF\xBB"},
+                                   {"hola", "hola"},
+                                   {"\xEF\xBB\xBF\xEF\xBB\xBF", "\xEF\xBB\xBF"}}) {
+    std::string changed = text;
+    texto::remove_win_bom(changed);
+    EXPECT_EQ(changed, left);
+  }
+}

@@ -1,0 +1,323 @@
+#include <ruvo/binary.hpp>
+#include <ruvo/bundle.hpp>
+#include <ruvo/exc.hpp>
+#include <ruvo/list.hpp>
+#include <ruvo/memo.hpp>
+#include <ruvo/xvar.hpp>
+
+#include <algorithm>
+#include <cwctype>
+#include <map>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+using ruvo::bundle;
+using ruvo::list;
+using ruvo::xvar;
+
+namespace {
+
+// --- xvar
+// ---------------------------------------------------------------------------------------------------
+
+TEST(xvar, qualities_ignore_case_and_keep_their_spelling) {
+  xvar x = 5;
+  x[L"Name"] = 1;
+  x["NAME"] = 2;
+  x[L"\u00C9"] = 3;
+  x[L"\u00E9"] = 4;
+  EXPECT_EQ(x.size(), 3U);
+  EXPECT_EQ(x.begin()->first, L"Name");
+  EXPECT_EQ(static_cast<int>(x.at("name")), 2);
+  EXPECT_EQ(x.count(L"nAME"), 1U);
+  EXPECT_THROW((void)x.get_quality(L"missing"), ruvo::exc::OutOfRange);
+  try {
+    (void)x.at(L"missing");
+    FAIL();
+  } catch (const std::out_of_range& e) {
+    EXPECT_STREQ(e.what(), "invalid map<K, T> key");
+  }
+  EXPECT_EQ(x.erase(L"name"), 1U);
+  EXPECT_EQ(x.erase(L"name"), 0U);
+  x.clear();
+  EXPECT_EQ(static_cast<int>(x), 5);
+  EXPECT_TRUE(x.empty());
+  EXPECT_TRUE(x.find(L"name") == x.end());
+}
+
+TEST(xvar, assignment_merges_qualities) {
+  xvar x = 1, y = 2;
+  x[L"a"] = 1;
+  x[L"b"] = 1;
+  y[L"B"] = 2;
+  y[L"c"] = 2;
+  x = y;
+  const list shown{x};
+  EXPECT_EQ(shown.to_string(), L"[2{\"atributos\":\"a\":1\"b\":2\"c\":2}]");
+  x = ruvo::var(7);
+  EXPECT_EQ(x.size(), 3U);
+  xvar z;
+  z[L"d"] = 4;
+  z = std::move(x);
+  EXPECT_EQ(z.size(), 4U);
+  EXPECT_EQ(static_cast<int>(z), 7);
+}
+
+// --- list
+// ---------------------------------------------------------------------------------------------------
+
+TEST(list, text_forms) {
+  xvar qualified = 5;
+  qualified[L"a"] = 1;
+  qualified[L"b"];
+  struct {
+    const char* name;
+    list value;
+    const wchar_t *text, *sql_text, *sql_numbers;
+  } const rows[] = {
+      {"empty", list(), L"[]", L"", L""},
+      {"mixed", list{1, L"say \"hi\"", xvar()}, L"[1,\"say \\\"hi\\\"\",]", L"'1','say \"hi\"',''", L"1,,"},
+      {"trimmed", list{1, L" a "}, L"[1,\" a \"]", L"'1','a'", L"1,"},
+      {"gap", list{1, L"x", 2}, L"[1,\"x\",2]", L"'1','x','2'", L"1,,2"},
+      {"leading gap", list{L"x", 1}, L"[\"x\",1]", L"'x','1'", L"1"},
+      {"qualities", list{qualified, 2}, L"[5{\"atributos\":\"a\":1\"b\":\"\"},2]", L"'5','2'", L"5,2"},
+      {"nested", list{xvar(list{1.5, true}), xvar(bundle{{L"K", L"v"}})}, L"[[1.500000,1],{\"k\":\"v\"}]",
+       L"'[1.500000,1]','{\"k\":\"v\"}'", L","},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    EXPECT_EQ(row.value.to_string(), row.text);
+    EXPECT_EQ(row.value.to_texto_sql(), row.sql_text);
+    EXPECT_EQ(row.value.to_numeric_sql(), row.sql_numbers);
+  }
+}
+
+TEST(list, appends_and_removes) {
+  list l;
+  --l;
+  ++l;
+  EXPECT_TRUE(l.back().is_null());
+  l.on_back_list().push_back(1);
+  l.on_back_bundle()[L"k"] = 2;
+  l.on_back_string() = L"a text that grows beyond the cell";
+  l.on_back_memo() = L"memo";
+  l.on_back_binary() += static_cast<unsigned char>('b');
+  l += 3;
+  EXPECT_EQ(l.to_string(), L"[,[1],{\"k\":2},\"a text that grows beyond the cell\",memo,b,3]");
+  l[1][L"old"] = 1;
+  l[2][L"new"] = 2;
+  l.remove(1);
+  EXPECT_TRUE(l[1].has_quality(L"old"));  // the element that moved down keeps what it replaced
+  EXPECT_TRUE(l[1].has_quality(L"new"));
+  try {
+    (void)l.at(6);
+    FAIL();
+  } catch (const std::out_of_range& e) {
+    EXPECT_STREQ(e.what(), "invalid vector subscript");
+  }
+  list copy;
+  copy = static_cast<xvar>(l);
+  EXPECT_TRUE(copy == l);
+  copy = xvar(1);
+  EXPECT_TRUE(copy.empty());
+  l = {};
+  EXPECT_TRUE(l.empty());
+  EXPECT_TRUE(list{10} < list{9});
+  EXPECT_FALSE(list({1, 2}) == list({L"1", 2}));
+}
+
+// --- bundle
+// -------------------------------------------------------------------------------------------------
+
+TEST(bundle, keys_fold_and_remember_their_order) {
+  bundle b;
+  b[L"Zeta"] = 1;
+  b["alpha"] = 2;
+  b[L"ZETA"] = 3;
+  b[L"\u00C9"] = 4;  // direct access folds A-Z only, paths fold accents too
+  EXPECT_EQ(b.to_string(), L"{\"alpha\":2, \"zeta\":3, \"\u00C9\":4}");
+  EXPECT_EQ(b[0]->first, L"zeta");
+  EXPECT_EQ(b[1ULL]->first, L"alpha");
+  EXPECT_TRUE(b[3] == b.end());
+  EXPECT_FALSE(b.has(L"\u00C9", '.'));
+  EXPECT_TRUE(b.has(L"ALPHA", '.'));
+  const bundle& read = b;
+  EXPECT_THROW((void)read[L"none"], std::out_of_range);
+  b.erase(L"zeta");
+  EXPECT_EQ(b[0]->first, L"alpha");
+  b[L"zeta"] = 5;
+  EXPECT_EQ(b[2]->first, L"zeta");
+}
+
+TEST(bundle, paths) {
+  bundle b;
+  b.hack(L"Cliente.Direccion.Calle") = L"Mayor";
+  b.hack("cliente/edad", '/') = 40;
+  EXPECT_EQ(b.to_string(), L"{\"cliente\":{\"direccion\":{\"calle\":\"Mayor\"}, \"edad\":40}}");
+  EXPECT_EQ(b.get_string(L"CLIENTE.DIRECCION.calle"), L"Mayor");
+  EXPECT_FALSE(b.has(L"cliente.edad.x"));
+  EXPECT_FALSE(b.has(L"cliente."));
+  EXPECT_FALSE(bundle().has(L""));
+  EXPECT_EQ(b.get_ptr(L"nada.de"), nullptr);
+  try {
+    (void)b.get(L"nada", '.');
+    FAIL();
+  } catch (const std::exception_ptr& empty) {
+    EXPECT_FALSE(empty);
+  }
+  b.hack(L"cliente.edad.exacta") = 40.5;  // a number on the way gives place
+  EXPECT_EQ(b.get_double(L"cliente.edad.exacta"), 40.5);
+  b.putOn(L"cliente.edad", b.get(L"cliente.edad.exacta"));
+  EXPECT_EQ(b.get_double(L"cliente.edad"), 40.5);
+  const wchar_t section = 0xA7;
+  b.hack(std::wstring(L"p") + section + L"q", static_cast<char>(0xA7)) = 1;
+  EXPECT_TRUE(b.has(L"p.q"));
+}
+
+TEST(bundle, typed_getters) {
+  const bundle b = {{L"zero", 0},
+                    {L"num", L" 12.75 "},
+                    {L"word", L"hola"},
+                    {L"yes", L"SI"},
+                    {L"null", xvar()},
+                    {L"empty", L""},
+                    {L"one", L'1'},
+                    {L"huge", L"99999999999999999999"},
+                    {L"bytes", ruvo::binary(L"12")},
+                    {L"big", 18446744073709551615ULL},
+                    {L"list", list{1}},
+                    {L"none", list()}};
+  EXPECT_EQ(b.get_long(L"zero", '.', 7), 0);
+  EXPECT_EQ(b.get_nc_long(L"zero", 7, '.'), 7);
+  EXPECT_EQ(b.get_long(L"num"), 12);
+  EXPECT_EQ(b.get_double("NUM"), 12.75);
+  for (const wchar_t* path :
+       {L"word", L"null", L"empty", L"missing", L"huge", L"bytes", L"list", L"word.x"}) {
+    EXPECT_EQ(b.get_long(path, '.', 7), 7) << path;
+    EXPECT_EQ(b.get_nc_short(path, 8), 8) << path;
+  }
+  EXPECT_EQ(b.get_double(L"huge", '.', 7), 99999999999999999999.0);
+  EXPECT_EQ(b.get_double(L"bytes", '.', 7), 7.0);
+  EXPECT_EQ(b.get_uxlong(L"big"), -1);
+  EXPECT_TRUE(b.get_boolean(L"yes", false));
+  EXPECT_FALSE(b.get_boolean(L"zero", true));
+  EXPECT_TRUE(b.get_boolean(L"one", true));
+  EXPECT_TRUE(b.get_boolean(L"empty", true));
+  EXPECT_EQ(b.get_string(L"empty", '.', L"x"), L"");
+  EXPECT_EQ(b.get_nc_string(L"empty", L"x"), L"x");
+  EXPECT_EQ(b.get_string(L"null", '.', L"x"), L"x");
+  EXPECT_EQ(b.get_string("zero"), L"0");
+  EXPECT_EQ(b.get_list(L"list").size(), 1U);
+  EXPECT_EQ(&b.get_list(L"word"), &bundle().get_list(L"word"));  // one shared empty list
+  const list fallback{1, 2};
+  EXPECT_EQ(&b.get_nc_list(L"none", fallback), &fallback);
+  EXPECT_TRUE(b.get_bundle(L"missing").empty());
+}
+
+TEST(bundle, objects_on_paths) {
+  bundle b;
+  b.hack_string_on(L"s") = L"uno";
+  b.hack_string_on(L"s") += L" y dos";
+  b.hack_list_on(L"a.l").push_back(1);
+  b.hack_list_on(L"a.l").push_back(2);
+  b.hack_memo_on(L"a.m") = L"memo";
+  b.hack_nc_binary_on(L"a.b", ruvo::binary(L"x"));
+  b.hack_nc_binary_on(L"a.b", ruvo::binary(L"y"));
+  b.hack(L"a.b")[L"q"] = 1;
+  b.hack_bundle_on(L"a.b");
+  EXPECT_EQ(b.to_string(), L"{\"a\":{\"b\":{}, \"l\":[1,2], \"m\":memo}, \"s\":\"uno y dos\"}");
+  EXPECT_TRUE(b.get(L"a.b").has_quality(L"q"));
+}
+
+/// What a bundle promises, done by a map and a vector.
+struct model {
+  std::map<std::wstring, int> entries;
+  std::vector<std::wstring> order;
+
+  void put(const std::wstring& key, int value) {
+    if (entries.count(key) == 0) order.push_back(key);
+    entries[key] = value;
+  }
+  void erase(const std::wstring& key) {
+    entries.erase(key);
+    order.erase(std::remove(order.begin(), order.end(), key), order.end());
+  }
+};
+
+void expect_same(bundle& b, const model& m) {
+  ASSERT_EQ(b.size(), m.entries.size());
+  auto it = b.begin();
+  for (const auto& [key, value] : m.entries) {
+    ASSERT_EQ(it->first, key);
+    ASSERT_EQ(static_cast<int>(it->second), value);
+    ++it;
+  }
+  ASSERT_TRUE(it == b.end());
+  for (auto back = m.entries.rbegin(); back != m.entries.rend(); ++back)
+    ASSERT_EQ((--it)->first, back->first);
+  ASSERT_TRUE(it == b.begin());
+  for (std::size_t n = 0; n < m.order.size(); ++n) ASSERT_EQ(b[n]->first, m.order[n]);
+}
+
+TEST(bundle, behaves_like_a_map_with_a_memory_of_positions) {
+  std::mt19937 random(7);
+  for (const int keys : {3, 20, 129, 300, 3000}) {
+    bundle b;
+    model m;
+    const int steps = keys * 6;
+    for (int step = 0; step < steps; ++step) {
+      const std::wstring key = L"k" + std::to_wstring(random() % static_cast<unsigned>(keys));
+      if (random() % 4 != 0) {
+        std::wstring spelled = key;
+        if (random() % 2 != 0) spelled[0] = L'K';
+        xvar* const held = b.get_ptr(key) ? &b[key] : nullptr;
+        b[spelled] = step;
+        if (held) {
+          ASSERT_EQ(held, &b[key]);  // entries never move
+        }
+        m.put(key, step);
+      } else {
+        ASSERT_EQ(b.erase(key), m.entries.count(key));
+        m.erase(key);
+      }
+    }
+    expect_same(b, m);
+    bundle copy(b);
+    expect_same(copy, m);
+    const xvar* const first = b.empty() ? nullptr : &b[0]->second;
+    bundle moved(std::move(b));
+    ASSERT_TRUE(b.empty());
+    ASSERT_EQ(first, moved.empty() ? nullptr : &moved[0]->second);
+    while (!moved.empty()) {
+      m.erase(moved.begin()->first);
+      moved.erase(moved.begin());
+    }
+    ASSERT_TRUE(m.entries.empty());
+    ASSERT_TRUE(moved.begin() == moved.end());
+    moved[L"again"] = 1;
+    ASSERT_EQ(moved.begin()->first, L"again");
+    expect_same(copy, [&] {
+      model again;
+      for (std::size_t n = 0; n < copy.size(); ++n)
+        again.put(copy[n]->first, static_cast<int>(copy[n]->second));
+      return again;
+    }());
+  }
+}
+
+TEST(bundle, iterators_survive_changes_around_them) {
+  bundle b;
+  for (int i = 0; i < 100; ++i) b[L"k" + std::to_wstring(100 + 2 * i)] = i;
+  auto it = b.find(L"k200");
+  for (int i = 0; i < 100; ++i) b[L"k" + std::to_wstring(101 + 2 * i)] = i;
+  b.erase(L"k100");
+  EXPECT_EQ((++it)->first, L"k201");
+  EXPECT_EQ((--it)->first, L"k200");
+  EXPECT_EQ(b.erase(it)->first, L"k201");
+}
+
+}  // namespace
