@@ -26,7 +26,8 @@ fi
 # The session's daemons inherit standard error of the program that happens to start them, and who reads it
 # through a pipe, as ctest does, would wait for them. So it goes through a file, removed at once.
 errors=$(mktemp) || exit 99
-exec 8>"$errors" 9<"$errors"
+exec 8>"$errors"
+exec 9<"$errors"
 rm -f "$errors"
 "$wine" "$@" </dev/null 2>&8 8>&- 9<&-
 code=$?

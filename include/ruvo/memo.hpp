@@ -18,7 +18,6 @@ class KESTA_API memo {
   using iterator = std::wstring::iterator;
   using const_iterator = std::wstring::const_iterator;
   using allocator_type = std::wstring::allocator_type;
-  static constexpr size_type npos = std::wstring::npos;
 
   memo() noexcept;
   memo(const memo& other);

@@ -4,6 +4,7 @@
 #include <ruvo/file.hpp>
 
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "texto/numbers.hpp"
@@ -30,8 +31,14 @@ std::wstring in_hex(unsigned long number) {
   return digits;
 }
 
-std::wstring at_knot(std::wstring text, unsigned long long position, unsigned long long knot) {
-  return numbered(numbered(std::move(text) + L":", position) + L" en el nudo:", knot);
+std::wstring at_knot(std::wstring_view message, unsigned long long position, unsigned long long knot) {
+  std::wstring text;
+  text.reserve(message.size() + 56);  // two numbers of 20 digits and what stands between
+  text.append(message).push_back(L':');
+  texto::append_unsigned(text, position);
+  text.append(L" en el nudo:");
+  texto::append_unsigned(text, knot);
+  return text;
 }
 
 }  // namespace

@@ -173,19 +173,21 @@ void encode(const wchar_t* from, const wchar_t* end, char* to) noexcept {
 }
 
 std::size_t utf_8_size(const wchar_t* from, const wchar_t* end) noexcept {
+  const auto size_of = [](char32_t point) {
+    return 1u + (point > 0x7F) + (point > 0x7FF) + (point > 0xFFFF);
+  };
   char unused[block];
   std::size_t size = 0;
-  while (from != end) {
-    if (static_cast<std::size_t>(end - from) >= block && !narrow_block(from, unused)) {
-      from += block;
-      size += block;
-      continue;
-    }
-    for (std::size_t i = 0; i < block && from != end; ++i) {
-      const char32_t point = read_utf_16(from, end);
-      size += 1u + (point > 0x7F) + (point > 0x7FF) + (point > 0xFFFF);
-    }
+  while (static_cast<std::size_t>(end - from) >= block) {
+    const unsigned beyond = narrow_block(from, unused);
+    const std::size_t ascii = beyond ? static_cast<std::size_t>(std::countr_zero(beyond)) : block;
+    from += ascii;
+    size += ascii;
+    if (!beyond) continue;
+    do size += size_of(read_utf_16(from, end));
+    while (from != end && static_cast<char16_t>(*from) > 127);
   }
+  while (from != end) size += size_of(read_utf_16(from, end));
   return size;
 }
 

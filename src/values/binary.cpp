@@ -40,7 +40,8 @@ bool is_surrogate(unsigned char high_byte) { return (high_byte & 0xF8) == 0xD8; 
 
 std::wstring widened(const bytes& store) { return std::wstring(store.begin(), store.end()); }
 
-// Both read into `out`, which has room for 3/4 of the text's size, and give the end of what they wrote, or null for a malformed text.
+// Both read into `out`, which has room for 3/4 of the text's size, and give the end of what they wrote, or
+// null for a malformed text.
 
 template <class Text>
 unsigned char* read_hex(unsigned char* out, const Text& text) {

@@ -14,10 +14,10 @@ for file in "$(basename "$dll")" "$@"; do
     continue
   fi
   for import in $("$objdump" -p "$folder/$file" | sed -n 's/.*DLL Name: *//p'); do
-    if ! printf '%s\n' $allowed | grep -qixF "$import"; then
-      echo "$file imports $import"
-      bad=1
-    fi
+    case " $allowed " in
+      *" $import "*) ;;
+      *) echo "$file imports $import" && bad=1 ;;
+    esac
   done
 done
 [ "$bad" -eq 0 ] && echo "imports: $allowed"

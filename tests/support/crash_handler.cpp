@@ -1,5 +1,6 @@
 // Linked into every test program: a crash says what and where, and ends with an exit code of its own (70).
-// Without it a program that overflows its stack ends in silence.
+// Without it a program that overflows its stack ends in silence, with exit code 1; where a large frame met
+// the end of the stack, Wine has no room to call the handler, and it still does.
 //
 // addr2line -f -C -e PROGRAM ADDRESS gives function and line of an address inside the program.
 

@@ -239,7 +239,7 @@ TEST(Memo, HasTheStringOperations) {
   m.erase(m.begin());
   EXPECT_TRUE(m == L"a--bc");
   EXPECT_EQ(m.find(L"bc"), 3u);
-  EXPECT_EQ(m.find(L'z'), memo::npos);
+  EXPECT_EQ(m.find(L'z'), std::wstring::npos);
   EXPECT_EQ(m.find_first_of(L"-b"), 1u);
   EXPECT_EQ(m.find_first_not_of(L"a-"), 3u);
   EXPECT_EQ(m.compare(L"a--bc"), 0);

@@ -86,7 +86,7 @@ TEST(list, text_forms) {
       {"leading gap", list{L"x", 1}, L"[\"x\",1]", L"'x','1'", L"1"},
       {"qualities", list{qualified, 2}, L"[5{\"atributos\":\"a\":1\"b\":\"\"},2]", L"'5','2'", L"5,2"},
       {"nested", list{xvar(list{1.5, true}), xvar(bundle{{L"K", L"v"}})}, L"[[1.500000,1],{\"k\":\"v\"}]",
-       L"'[1.500000,1]','{\"k\":\"v\"}'", L","},
+       L"'[1.500000,1]','{\"k\":\"v\"}'", L""},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);

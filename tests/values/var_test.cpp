@@ -88,8 +88,7 @@ std::string predicates_of(const var& v) {
 TEST(var, kinds) {
   for (const kind_row& row : kinds()) {
     SCOPED_TRACE(row.name);
-    EXPECT_EQ(row.value.get_type() ? row.value.get_type()->name() : nullptr,
-              row.type ? row.type->name() : nullptr);
+    EXPECT_TRUE(row.type ? row.value.get_type() && *row.value.get_type() == *row.type : !row.value.get_type());
     EXPECT_EQ(row.value.to_string(), row.text);
     EXPECT_EQ(predicates_of(row.value), row.predicates);
     EXPECT_EQ(row.value.empty(), row.value.to_string().empty());
@@ -170,7 +169,7 @@ TEST(var, conversions_to_numbers) {
        "9.22337e+18", "bad_cast"},
       {"empty text", var(L""), "0", "0", "0", "0", "0"},
       {"truth word", var(L" Verdadero"), "0", "0", "0", "0", "1"},
-      {"date", var(ruvo::date(20240229L)), "-10907", "20240229", "20240229", "2.02402e+07", "bad_cast"},
+      {"date", var(ruvo::date(20240229L)), "-10395", "20240229", "20240229", "2.02402e+07", "bad_cast"},
       {"time", var(ruvo::time(123456L)), "-7616", "123456", "123456", "123456", "bad_cast"},
       {"datetime", var(ruvo::datetime(86400.0)), "bad_cast", "bad_cast", "bad_cast", "86400", "bad_cast"},
       {"binary", var(ruvo::binary(L"1")), "bad_cast", "bad_cast", "bad_cast", "bad_cast", "bad_cast"},

@@ -1,0 +1,55 @@
+# Shared by the tools; to be sourced.
+# shellcheck shell=bash
+
+project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+preset=${KESTA_PRESET:-mingw-release}
+build=$project/build/$preset
+
+say() { printf '==> %s\n' "$*"; }
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+# need PACKAGE...: installs those Debian packages that are missing.
+need() {
+  local package missing=()
+  for package; do
+    dpkg-query -W -f='${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed || missing+=("$package")
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+  if ! command -v apt-get >/dev/null; then
+    say "not a Debian system: make sure that you have ${missing[*]}" >&2
+    return 0
+  fi
+  say "installing ${missing[*]}"
+  local install=(apt-get install -y --no-install-recommends "${missing[@]}")
+  export DEBIAN_FRONTEND=noninteractive
+  # The package lists are fetched when there are none, or when they are too old to serve.
+  "${install[@]}" --simulate >/dev/null 2>&1 && as_root "${install[@]}" -qq >/dev/null && return 0
+  as_root apt-get update -qq
+  as_root "${install[@]}" -qq >/dev/null
+}
+
+need_build_tools() { need cmake ninja-build g++-mingw-w64-x86-64-posix wine64 googletest; }
+
+# build_targets TARGET...: configures with the preset and the options in configure_options, and builds.
+configure_options=()
+build_targets() {
+  local quiet=()
+  [ -t 1 ] || quiet=(-- --quiet)
+  cd "$project" || exit
+  cmake --preset "$preset" "${configure_options[@]}" >/dev/null
+  cmake --build --preset "$preset" --target "$@" "${quiet[@]}"
+  cd "$OLDPWD" || exit
+}
+
+# as_windows FILE...: their full paths as a Windows program under Wine knows them, one a line.
+as_windows() {
+  realpath -m -- "$@" | sed 's|^|Z:|; s|/|\\|g'
+}
+
+# run PROGRAM [ARGUMENT...]: runs a program of the build folder under Wine.
+run() {
+  "$project/cmake/wine-run.sh" "$build/bin/$1.exe" "${@:2}"
+}
