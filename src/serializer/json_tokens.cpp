@@ -28,9 +28,6 @@ namespace {
 
 constexpr std::size_t most_expected = 64;  // values for which a new container makes room at once
 
-constexpr double powers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8, 1e9,
-                             1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18};
-
 const wchar_t* skip_blanks(const wchar_t* at, const wchar_t* end) noexcept {
   while (at != end && (*at < 34 || *at >= 126)) ++at;
   return at;
@@ -206,17 +203,14 @@ struct json_reading {
     if (last == end) return false;
     const std::ptrdiff_t taken = last - whole - (point ? 1 : 0);
     const std::ptrdiff_t decimals = point ? last - point - 1 : 0;
-    constexpr std::uint64_t exact = std::uint64_t{1} << 53;  // below, a quotient by a power of ten is exact
     var read;
-    if (*last == L'-' || *last == L'.' || taken == 0 || taken > 18 || (point && digits > exact)) {
+    if (*last == L'-' || *last == L'.' || taken == 0 || taken > 18) {
       while (last != end && (texto::is_digit(*last) || *last == L'-' || *last == L'.')) ++last;
       if (last == end) return false;
       read = any_number({at, static_cast<std::size_t>(last - at)}, in_object);
     } else if (point) {
-      read =
-          static_cast<double>(negative ? -static_cast<long long>(digits) : static_cast<long long>(digits)) /
-          powers[decimals];
-      if (negative && digits == 0) read = -0.0;
+      const double magnitude = texto::quotient(digits, static_cast<int>(decimals));
+      read = negative ? -magnitude : magnitude;
     } else {
       read = negative ? -static_cast<long long>(digits) : static_cast<long long>(digits);
     }

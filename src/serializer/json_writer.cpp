@@ -21,54 +21,48 @@ namespace {
 
 constexpr const wchar_t* array_key = L"__json_array__";
 
-void append_escape(std::wstring& out, wchar_t c) {
-  switch (c) {
-    case L'\b':
-      out += L"\\b";
-      break;
-    case L'\t':
-      out += L"\\t";
-      break;
-    case L'\n':
-      out += L"\\n";
-      break;
-    case L'\f':
-      out += L"\\f";
-      break;
-    case L'\r':
-      out += L"\\r";
-      break;
-    case L'"':
-      out += L"\\\"";
-      break;
-    case L'\\':
-      out += L"\\\\";
-      break;
-    default:
-      out += L' ';  // a control character without an escape of its own
+/// The two units that stand for a character, or a blank for a control character without an escape of its own.
+wchar_t* print_escape(wchar_t* to, wchar_t c) noexcept {
+  static constexpr wchar_t named[] = L"\b\t\n\f\r\"\\", letters[] = L"btnfr\"\\";
+  for (std::size_t n = 0; n + 1 < sizeof named / sizeof *named; ++n) {
+    if (named[n] != c) continue;
+    *to++ = L'\\';
+    *to++ = letters[n];
+    return to;
   }
+  *to++ = L' ';
+  return to;
 }
 
-void append_escaped(std::wstring& out, std::wstring_view text) {
+void put_quoted(texto::text_sink& out, std::wstring_view text, bool escaped) {
+  wchar_t* to = out.room(2 + (escaped ? 2 : 1) * text.size());
+  *to++ = L'"';
   const wchar_t* at = text.data();
   const wchar_t* const end = at + text.size();
-  for (;;) {
-    const wchar_t* const stop = find_escaped(at, end);
-    out.append(at, stop);
-    if (stop == end) return;
-    append_escape(out, *stop);
-    at = stop + 1;
+  while (at != end) {
+    const wchar_t* const stop = escaped ? find_escaped(at, end) : end;
+    const auto plain = static_cast<std::size_t>(stop - at);
+    texto::text_sink::copy(to, at, plain);
+    to += plain;
+    at = stop;
+    if (at != end) to = print_escape(to, *at++);
   }
+  *to++ = L'"';
+  out.advance(to);
 }
 
-void append_quoted(std::wstring& out, std::wstring_view text, bool escaped) {
-  out += L'"';
-  if (escaped) {
-    append_escaped(out, text);
+void put_number(texto::text_sink& out, const xvar& value) {
+  wchar_t* const to = out.room(texto::most_number_units);
+  wchar_t* end = nullptr;
+  if (cell::kind_of(value) == kind::uxlong) {
+    end = texto::print_unsigned(to, static_cast<unsigned long long>(cell::integer(value)));
+  } else if (value.is_decimal()) {
+    end = texto::print_fixed(to, cell::real(value));
   } else {
-    out += text;
+    end = texto::print_integer(to, cell::integer(value));
   }
-  out += L'"';
+  if (!end) return out.put(value.to_string());
+  out.advance(end);
 }
 
 /// Lends the store of a bundle to an xvar, for calls that take one.
@@ -89,28 +83,40 @@ class lent_bundle {
 
 }  // namespace
 
-void append_json_scalar(std::wstring& out, const xvar& value, bool escaped, bool null_as_empty) {
+void put_json_scalar(texto::text_sink& out, const xvar& value, bool escaped, bool null_as_empty) {
   switch (cell::kind_of(value)) {
     case kind::null:
-      out += null_as_empty ? L"\"\"" : L"null";
-      return;
+      return null_as_empty ? out.put_literal(L"\"\"") : out.put_literal(L"null");
     case kind::boolean:
-      out += cell::integer(value) ? L"true" : L"false";
-      return;
+      return cell::integer(value) ? out.put_literal(L"true") : out.put_literal(L"false");
     case kind::time:
-      return append_quoted(out, static_cast<ruvo::time>(value).to_string(ruvo::time::url_canonical), false);
+      return put_quoted(out, static_cast<ruvo::time>(value).to_string(ruvo::time::url_canonical), false);
     case kind::date:
-      return texto::append_integer(out, static_cast<long>(static_cast<ruvo::date>(value)));
+      return put_number(out, static_cast<long>(static_cast<ruvo::date>(value)));
     case kind::datetime:
-      return texto::append_fixed(out, static_cast<double>(cell::integer(value)));
+      return put_number(out, static_cast<double>(cell::integer(value)));
     case kind::binary:
-      return append_quoted(out, cell::pointer<binary>(value)->getAsB64(false), false);
+      return put_quoted(out, cell::pointer<binary>(value)->getAsB64(false), false);
     default:
-      if (value.is_number()) return detail::append_text(out, value);
-      if (cell::is_text(value)) return append_quoted(out, cell::text(value), escaped);
-      return append_quoted(out, value.to_string(), escaped);
+      if (value.is_number()) return put_number(out, value);
+      if (cell::is_text(value)) return put_quoted(out, cell::text(value), escaped);
+      return put_quoted(out, value.to_string(), escaped);
   }
 }
+
+namespace {
+
+/// What `put` puts into a sink, as a text.
+template <class Put>
+std::wstring text_of(Put put) {
+  std::wstring text;
+  texto::text_sink sink(text);
+  put(sink);
+  sink.finish();
+  return text;
+}
+
+}  // namespace
 
 // --- the writers
 // --------------------------------------------------------------------------------------------
@@ -119,9 +125,7 @@ json_writer::json_writer(bool null_as_empty) : null_as_empty_(null_as_empty) {}
 json_writer::~json_writer() = default;
 
 std::wstring json_writer::raw_value(const xvar& value) {
-  std::wstring text;
-  append_json_scalar(text, value, true, null_as_empty_);
-  return text;
+  return text_of([&](texto::text_sink& out) { put_json_scalar(out, value, true, null_as_empty_); });
 }
 
 std::wstring& json_writer::raw_key(std::wstring& key) { return key; }
@@ -129,38 +133,34 @@ std::wstring& json_writer::raw_key(std::wstring& key) { return key; }
 bool json_writer::write(std::wstring& out, const bundle& in, exception* err, int) {
   exception result;
   const std::wstring indentation = indentation_;
-  std::wstring text;
   try {
-    json_emitter emitter(*this, text, result);
-    if (const auto array = in.find(array_key); array != in.end()) {
-      emitter.write_list(array->second);
-    } else if (emitter.walks_bundles()) {
-      emitter.write_members(in);
-    } else {
-      const lent_bundle lent(in);
-      emitter.write_bundle(lent.value());
-    }
+    out = text_of([&](texto::text_sink& sink) {
+      json_emitter emitter(*this, sink, result);
+      if (const auto array = in.find(array_key); array != in.end()) {
+        emitter.write_list(array->second);
+      } else if (emitter.walks_bundles()) {
+        emitter.write_members(in);
+      } else {
+        const lent_bundle lent(in);
+        emitter.write_bundle(lent.value());
+      }
+    });
   } catch (...) {
     indentation_ = indentation;
     throw;
   }
-  out = std::move(text);
   if (err && result.WRONG()) *err = result;
   return result.WRONG();
 }
 
 bool json_writer::raw_list(std::wostringstream& out, const xvar& value, exception& result) {
-  std::wstring text;
-  json_emitter(*this, text, result).write_list(value);
-  out << text;
+  out << text_of([&](texto::text_sink& sink) { json_emitter(*this, sink, result).write_list(value); });
   return result.WRONG();
 }
 
 bool json_writer::raw_xvar(std::wostringstream& out, std::wstring& key, const xvar& value,
                            exception& result) {
-  std::wstring text;
-  json_emitter(*this, text, result).write_member(key, value);
-  out << text;
+  out << text_of([&](texto::text_sink& sink) { json_emitter(*this, sink, result).write_member(key, value); });
   return result.WRONG();
 }
 
@@ -172,9 +172,9 @@ bool write_own_bundle(json_emitter::order members, json_writer& writer, std::wos
     exc::NullPointer().copy_on(result);
     return true;
   }
-  std::wstring text;
-  json_emitter(writer, text, result, members).write_members(cell::as_bundle(value));
-  out << text;
+  out << text_of([&](texto::text_sink& sink) {
+    json_emitter(writer, sink, result, members).write_members(cell::as_bundle(value));
+  });
   return result.WRONG();
 }
 
@@ -195,15 +195,13 @@ bool json_unordered_writer::raw_bundle(std::wostringstream& out, const xvar& val
 oauth_writer::oauth_writer() = default;
 oauth_writer::~oauth_writer() = default;
 std::wstring oauth_writer::raw_value(const xvar& value) {
-  std::wstring text;
-  append_json_scalar(text, value, false, true);
-  return text;
+  return text_of([&](texto::text_sink& out) { put_json_scalar(out, value, false, true); });
 }
 
 // --- the walk
 // -----------------------------------------------------------------------------------------------
 
-json_emitter::json_emitter(json_writer& writer, std::wstring& out, exception& result, order members)
+json_emitter::json_emitter(json_writer& writer, texto::text_sink& out, exception& result, order members)
     : writer_(writer), out_(out), result_(result), order_(members) {
   const std::type_info& type = typeid(writer);
   own_ = type == typeid(json_ordered_writer) || type == typeid(json_unordered_writer) ||
@@ -248,7 +246,7 @@ void json_emitter::run() {
 }
 
 void json_emitter::open(const list& in) {
-  out_ += L'[';
+  out_.put(L'[');
   frame& f = open_.emplace_back();
   f.is_list = true;
   f.at = in.data();
@@ -257,7 +255,7 @@ void json_emitter::open(const list& in) {
 }
 
 void json_emitter::open(const bundle& in) {
-  out_ += L'{';
+  out_.put(L'{');
   frame& f = open_.emplace_back();
   f.store = bundle_access::store(in);
   f.entry = f.store && order_ == order::by_key ? f.store->first() : nullptr;
@@ -267,14 +265,14 @@ void json_emitter::open(const bundle& in) {
 
 void json_emitter::break_and_push() {
   if (!writer_.tabulated_) return;
-  out_ += L'\n';
+  out_.put(L'\n');
   writer_.push_tab();
 }
 
 void json_emitter::separate(frame& f) {
   if (std::exchange(f.first, false)) return;
-  out_ += L',';
-  if (writer_.tabulated_) out_ += L'\n';
+  out_.put(L',');
+  if (writer_.tabulated_) out_.put(L'\n');
 }
 
 void json_emitter::next_element(frame& f) {
@@ -283,9 +281,9 @@ void json_emitter::next_element(frame& f) {
     return element(*f.at++);
   }
   writer_.pop_tab();
-  out_ += writer_.indentation_;
-  out_ += L']';
-  if (writer_.tabulated_) out_ += L'\n';
+  out_.put(writer_.indentation_);
+  out_.put(L']');
+  if (writer_.tabulated_) out_.put(L'\n');
   open_.pop_back();
 }
 
@@ -294,27 +292,35 @@ void json_emitter::next_member(frame& f) {
     separate(f);
     const bundle::entry* const e = order_ == order::by_key ? f.entry : f.store->nth(f.taken);
     ++f.taken;
-    if (order_ == order::by_key) f.entry = f.store->step(f.entry, f.rank, true);
+    if (order_ == order::by_key) f.entry = f.store->next(f.entry, f.rank);
     return member(e->first, e->second);
   }
   writer_.pop_tab();
-  if (writer_.tabulated_) out_ += L'\n';
-  out_ += writer_.indentation_;
-  out_ += L'}';
+  if (writer_.tabulated_) out_.put(L'\n');
+  out_.put(writer_.indentation_);
+  out_.put(L'}');
   open_.pop_back();
 }
 
 void json_emitter::member(const std::wstring& key, const xvar& value) {
-  out_ += writer_.indentation_;
-  out_ += L'"';
+  if (!writer_.indentation_.empty()) out_.put(writer_.indentation_);
   if (own_) {
-    out_ += key;
+    put_key(key);
   } else {
     std::wstring copy = key;
-    out_ += writer_.raw_key(copy);
+    put_key(writer_.raw_key(copy));
   }
-  out_ += L"\":";
   element(value);
+}
+
+void json_emitter::put_key(const std::wstring& key) {
+  wchar_t* to = out_.room(key.size() + 3);
+  *to++ = L'"';
+  texto::text_sink::copy(to, key.data(), key.size());
+  to += key.size();
+  *to++ = L'"';
+  *to++ = L':';
+  out_.advance(to);
 }
 
 void json_emitter::element(const xvar& value) {
@@ -323,11 +329,11 @@ void json_emitter::element(const xvar& value) {
     if (walks_bundles()) return open(cell::as_bundle(value));
     std::wostringstream nested;
     writer_.raw_bundle(nested, value, result_);
-    out_ += nested.str();
+    out_.put(nested.str());
     return;
   }
-  if (own_) return append_json_scalar(out_, value, escaped_, writer_.null_as_empty_);
-  out_ += writer_.raw_value(value);
+  if (own_) return put_json_scalar(out_, value, escaped_, writer_.null_as_empty_);
+  out_.put(writer_.raw_value(value));
 }
 
 }  // namespace ruvo::serializer

@@ -14,30 +14,22 @@ namespace ruvo::texto {
 
 namespace {
 
-constexpr std::size_t max_digits = 20;  // of an unsigned 64-bit number
-
 constexpr char pairs[] =
     "00010203040506070809101112131415161718192021222324252627282930313233343536373839404142434445464748495051"
     "525"
     "354555657585960616263646566676869707172737475767778798081828384858687888990919293949596979899";
 
-/// Writes `value` so that it ends before `end`; returns its first character.
-wchar_t* write_backwards(wchar_t* end, std::uint64_t value) {
-  while (value >= 100) {
-    const std::uint64_t rest = value / 100;
-    const char* pair = pairs + 2 * (value - rest * 100);
-    *--end = static_cast<wchar_t>(pair[1]);
-    *--end = static_cast<wchar_t>(pair[0]);
-    value = rest;
-  }
-  if (value >= 10) {
-    *--end = static_cast<wchar_t>(pairs[2 * value + 1]);
-    value /= 10;
-    *--end = static_cast<wchar_t>(L'0' + value);
-    return end;
-  }
-  *--end = static_cast<wchar_t>(L'0' + value);
-  return end;
+void put_pair(wchar_t* to, std::uint32_t value) noexcept {
+  to[0] = static_cast<wchar_t>(pairs[2 * value]);
+  to[1] = static_cast<wchar_t>(pairs[2 * value + 1]);
+}
+
+int count_digits(std::uint64_t value) noexcept {
+  int digits = 1;
+  for (; value >= 10000; value /= 10000) digits += 4;
+  if (value >= 1000) return digits + 3;
+  if (value >= 100) return digits + 2;
+  return value >= 10 ? digits + 1 : digits;
 }
 
 void append_narrow(std::wstring& out, const char* first, const char* last) {
@@ -117,40 +109,54 @@ struct narrow_number {
 
 }  // namespace
 
+wchar_t* print_unsigned(wchar_t* to, unsigned long long value) noexcept {
+  wchar_t* const end = to + count_digits(value);
+  wchar_t* at = end;
+  for (; value >= 100; value /= 100) put_pair(at -= 2, static_cast<std::uint32_t>(value % 100));
+  if (value >= 10) {
+    put_pair(at - 2, static_cast<std::uint32_t>(value));
+  } else {
+    at[-1] = static_cast<wchar_t>(L'0' + value);
+  }
+  return end;
+}
+
+wchar_t* print_integer(wchar_t* to, long long value) noexcept {
+  const auto bits = static_cast<unsigned long long>(value);
+  if (value >= 0) return print_unsigned(to, bits);
+  *to = L'-';
+  return print_unsigned(to + 1, 0 - bits);
+}
+
+wchar_t* print_fixed(wchar_t* to, double value) noexcept {
+  fixed_parts parts{};
+  if (!split_fixed(std::fabs(value), parts)) return nullptr;
+  if (std::signbit(value)) *to++ = L'-';
+  to = print_unsigned(to, parts.whole);
+  *to = L'.';
+  put_pair(to + 1, parts.millionths / 10000);
+  put_pair(to + 3, parts.millionths / 100 % 100);
+  put_pair(to + 5, parts.millionths % 100);
+  return to + 7;
+}
+
 void append_unsigned(std::wstring& out, unsigned long long value) {
-  wchar_t text[max_digits];
-  wchar_t* const end = text + max_digits;
-  wchar_t* const first = write_backwards(end, value);
-  out.append(first, static_cast<std::size_t>(end - first));
+  wchar_t text[most_number_units];
+  out.append(text, print_unsigned(text, value));
 }
 
 void append_integer(std::wstring& out, long long value) {
-  wchar_t text[max_digits + 1];
-  wchar_t* const end = text + max_digits + 1;
-  const auto magnitude =
-      value < 0 ? 0 - static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
-  wchar_t* first = write_backwards(end, magnitude);
-  if (value < 0) *--first = L'-';
-  out.append(first, static_cast<std::size_t>(end - first));
+  wchar_t text[most_number_units];
+  out.append(text, print_integer(text, value));
 }
 
 void append_fixed(std::wstring& out, double value) {
-  fixed_parts parts{};
-  if (!split_fixed(std::fabs(value), parts)) return append_fixed_slow(out, value);
-  wchar_t text[max_digits + 8];
-  wchar_t* const end = text + sizeof text / sizeof *text;
-  wchar_t* at = end;
-  std::uint32_t rest = parts.millionths;
-  for (int i = 0; i < 3; ++i) {
-    const char* pair = pairs + 2 * (rest % 100);
-    rest /= 100;
-    *--at = static_cast<wchar_t>(pair[1]);
-    *--at = static_cast<wchar_t>(pair[0]);
+  wchar_t text[most_number_units];
+  if (wchar_t* const end = print_fixed(text, value)) {
+    out.append(text, end);
+  } else {
+    append_fixed_slow(out, value);
   }
-  *--at = L'.';
-  at = write_backwards(at, parts.whole);
-  if (std::signbit(value)) *--at = L'-';
-  out.append(at, static_cast<std::size_t>(end - at));
 }
 
 long long read_integer(std::wstring_view text) {
@@ -182,6 +188,28 @@ double read_double(std::wstring_view text) {
   while (digit != number.end() && *digit == '0') ++digit;
   if (digit != number.end() && *digit != '.') throw std::out_of_range("stod argument out of range");
   return negative ? -0.0 : 0.0;
+}
+
+double quotient(unsigned long long digits, int decimals) noexcept {
+  // Both operands are exact in 64 bits of precision, so one division rounds correctly to those bits, and a
+  // second time to a double's 53, unless the first result lies half-way between two doubles.
+  static constexpr long double powers[] = {1e0L,  1e1L,  1e2L,  1e3L,  1e4L,  1e5L,  1e6L,  1e7L,  1e8L, 1e9L,
+                                           1e10L, 1e11L, 1e12L, 1e13L, 1e14L, 1e15L, 1e16L, 1e17L, 1e18L};
+  if constexpr (std::numeric_limits<long double>::digits == 64) {
+    const long double exact = static_cast<long double>(static_cast<long long>(digits)) / powers[decimals];
+    std::uint64_t bits;
+    std::memcpy(&bits, &exact, sizeof bits);
+    if ((bits & 0x7FF) != 0x400) return static_cast<double>(exact);
+  } else if (digits < std::uint64_t{1} << 53) {
+    return static_cast<double>(digits) / static_cast<double>(powers[decimals]);
+  }
+  char text[48];
+  char* end = std::to_chars(text, text + 24, digits).ptr;
+  *end++ = 'e';
+  end = std::to_chars(end, text + sizeof text, -decimals).ptr;
+  double value = 0;
+  std::from_chars(text, end, value);
+  return value;
 }
 
 bool is_plain_number(std::wstring_view text) {

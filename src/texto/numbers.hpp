@@ -2,10 +2,20 @@
 
 // Numbers to and from text, in the classic locale and without streams.
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace ruvo::texto {
+
+/// Room for any integer, and for any number that print_fixed() takes.
+constexpr std::size_t most_number_units = 32;
+
+/// Write a number at `to` and return its end.
+wchar_t* print_integer(wchar_t* to, long long value) noexcept;
+wchar_t* print_unsigned(wchar_t* to, unsigned long long value) noexcept;
+/// As append_fixed(); null for a number that is too large or too close to a millionth for the short way.
+wchar_t* print_fixed(wchar_t* to, double value) noexcept;
 
 void append_integer(std::wstring& out, long long value);
 void append_unsigned(std::wstring& out, unsigned long long value);
@@ -22,6 +32,9 @@ long long read_integer(std::wstring_view text);
 /// ignored. Throws std::invalid_argument ("invalid stod argument") without a digit and std::out_of_range
 /// ("stod argument out of range") beyond the range of double.
 double read_double(std::wstring_view text);
+
+/// `digits` / 10^`decimals`, correctly rounded. At most 18 digits and 18 decimals.
+double quotient(unsigned long long digits, int decimals) noexcept;
 
 /// Whole text: optional sign, digits, and optionally a point with optional digits.
 bool is_plain_number(std::wstring_view text);

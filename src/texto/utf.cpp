@@ -1,5 +1,6 @@
 #include "texto/utf.hpp"
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 
@@ -172,22 +173,25 @@ void encode(const wchar_t* from, const wchar_t* end, char* to) noexcept {
   while (from != end) to = write_utf_8(to, read_utf_16(from, end));
 }
 
+/// Counted unit by unit, without a branch: a unit above 0x7FF takes three bytes, and so would both of a pair.
 std::size_t utf_8_size(const wchar_t* from, const wchar_t* end) noexcept {
-  const auto size_of = [](char32_t point) {
-    return 1u + (point > 0x7F) + (point > 0x7FF) + (point > 0xFFFF);
-  };
   char unused[block];
-  std::size_t size = 0;
-  while (static_cast<std::size_t>(end - from) >= block) {
-    const unsigned beyond = narrow_block(from, unused);
-    const std::size_t ascii = beyond ? static_cast<std::size_t>(std::countr_zero(beyond)) : block;
-    from += ascii;
-    size += ascii;
-    if (!beyond) continue;
-    do size += size_of(read_utf_16(from, end));
-    while (from != end && static_cast<char16_t>(*from) > 127);
+  std::size_t size = static_cast<std::size_t>(end - from);
+  bool after_high = false;
+  while (from != end) {
+    const std::size_t count = std::min(block, static_cast<std::size_t>(end - from));
+    if (count == block && !narrow_block(from, unused)) {
+      from += block;
+      after_high = false;
+      continue;
+    }
+    for (const wchar_t* const stop = from + count; from != stop; ++from) {
+      const auto unit = static_cast<char16_t>(*from);
+      size += static_cast<std::size_t>(unit > 0x7F) + static_cast<std::size_t>(unit > 0x7FF);
+      size -= 2 * static_cast<std::size_t>(after_high & is_low(unit));
+      after_high = is_high(unit);
+    }
   }
-  while (from != end) size += size_of(read_utf_16(from, end));
   return size;
 }
 

@@ -52,6 +52,12 @@ class bundle_store {
   /// seen.
   entry* step(const entry* item, std::size_t& rank, bool forward) const noexcept;
 
+  /// step() forward through a store that doesn't change, beginning at first() with rank 0.
+  entry* next(const entry* item, std::size_t& rank) const noexcept {
+    if (large_) return step(item, rank, true);
+    return ++rank < size_ ? order_[ranks()[rank]] : nullptr;
+  }
+
   static const shared_key* key_of(const entry* item) noexcept {
     return static_cast<const shared_key*>(&item->first);
   }

@@ -1,5 +1,7 @@
 #include <ruvo/texto.hpp>
 
+#include <cstdint>
+
 #include <gtest/gtest.h>
 
 namespace texto = ruvo::texto;

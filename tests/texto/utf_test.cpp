@@ -87,6 +87,7 @@ TEST(Utf, LoneSurrogates) {
   } rows[] = {
       {L"\xD83D\xDE00", "\xF0\x9F\x98\x80"},
       {L"\xDE00\xD83D", "\xEF\xBF\xBD\xEF\xBF\xBD"},
+      {L"\xDE00\xDE00", "\xEF\xBF\xBD\xEF\xBF\xBD"},
       {L"\xD83D\xD83D\xDE00", "\xEF\xBF\xBD\xF0\x9F\x98\x80"},
       {L"a\xD83D", "a\xEF\xBF\xBD"},
       {std::wstring(L"a\0b", 3), std::string("a\0b", 3)},

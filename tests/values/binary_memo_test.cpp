@@ -49,6 +49,7 @@ TEST(Binary, IsMadeFromEverything) {
   EXPECT_EQ((b = wide).get_store(), utf_8);
   EXPECT_EQ((b = narrow).get_store(), raw);
   EXPECT_EQ((b = 3).get_store(), bytes(3));
+  EXPECT_EQ((b = memo(L"hé")).get_store(), utf_8);
   static_assert(std::is_nothrow_move_constructible_v<binary> && std::is_nothrow_move_assignable_v<binary>);
   static_assert(std::is_same_v<decltype(b = raw), const binary&>);
 }
@@ -173,6 +174,7 @@ TEST(Binary, ReadsHexAndBase64OrNothing) {
       {"YW!I", true, false, {}},
       {"YW\xC3\xB1I", true, false, {}},
       {"====", true, false, {}},
+      {"YWJj====", true, false, {}},
   };
   for (const auto& row : rows) {
     const std::wstring wide = memo(row.text).to_string();
