@@ -152,11 +152,11 @@ struct json_reading {
         static_cast<var&>(*opened).clear();
         return true;
       case L't':
-        return word(target, L"true", true);
+        return word(target, L"true", kind::boolean, 1);
       case L'f':
-        return word(target, L"false", false);
+        return word(target, L"false", kind::boolean, 0);
       case L'n':
-        return word(target, L"null", var());
+        return word(target, L"null", kind::null, 0);
       default:
         return (texto::is_digit(*at) || *at == L'-') && number(target, in_object);
     }
@@ -181,9 +181,11 @@ struct json_reading {
   }
 
   template <class Target>
-  bool word(Target target, std::wstring_view text, const var& meaning) {
+  bool word(Target target, std::wstring_view text, kind meant, long long value) {
     if (!starts_with(at, end, text)) return false;
-    static_cast<var&>(target()) = meaning;
+    var& to = target();
+    to.clear();
+    cell::set_integer(to, meant, value);
     at += text.size();
     return true;
   }
@@ -203,18 +205,22 @@ struct json_reading {
     if (last == end) return false;
     const std::ptrdiff_t taken = last - whole - (point ? 1 : 0);
     const std::ptrdiff_t decimals = point ? last - point - 1 : 0;
-    var read;
     if (*last == L'-' || *last == L'.' || taken == 0 || taken > 18) {
       while (last != end && (texto::is_digit(*last) || *last == L'-' || *last == L'.')) ++last;
       if (last == end) return false;
-      read = any_number({at, static_cast<std::size_t>(last - at)}, in_object);
-    } else if (point) {
-      const double magnitude = texto::quotient(digits, static_cast<int>(decimals));
-      read = negative ? -magnitude : magnitude;
+      var read = any_number({at, static_cast<std::size_t>(last - at)}, in_object);
+      static_cast<var&>(target()) = std::move(read);
     } else {
-      read = negative ? -static_cast<long long>(digits) : static_cast<long long>(digits);
+      var& to = target();
+      to.clear();
+      if (point) {
+        const double magnitude = texto::quotient(digits, static_cast<int>(decimals));
+        cell::set_real(to, negative ? -magnitude : magnitude);
+      } else {
+        cell::set_integer(to, kind::xlong,
+                          negative ? -static_cast<long long>(digits) : static_cast<long long>(digits));
+      }
     }
-    static_cast<var&>(target()) = std::move(read);
     // The character that ends a number counts inside a container and is dropped on top.
     at = reader.open_nodes_.empty() ? last + 1 : last;
     return true;

@@ -21,16 +21,30 @@ namespace {
 
 constexpr const wchar_t* array_key = L"__json_array__";
 
-/// The two units that stand for a character, or a blank for a control character without an escape of its own.
+/// What stands for a character that needs an escape: two units, or a blank for a control character without
+/// one.
 wchar_t* print_escape(wchar_t* to, wchar_t c) noexcept {
-  static constexpr wchar_t named[] = L"\b\t\n\f\r\"\\", letters[] = L"btnfr\"\\";
-  for (std::size_t n = 0; n + 1 < sizeof named / sizeof *named; ++n) {
-    if (named[n] != c) continue;
-    *to++ = L'\\';
-    *to++ = letters[n];
-    return to;
-  }
-  *to++ = L' ';
+  const auto letter = [c]() -> wchar_t {
+    switch (c) {
+      case L'\b':
+        return L'b';
+      case L'\t':
+        return L't';
+      case L'\n':
+        return L'n';
+      case L'\f':
+        return L'f';
+      case L'\r':
+        return L'r';
+      case L'"':
+      case L'\\':
+        return c;
+      default:
+        return L'\0';
+    }
+  }();
+  *to++ = letter ? L'\\' : L' ';
+  if (letter) *to++ = letter;
   return to;
 }
 
@@ -109,11 +123,9 @@ namespace {
 /// What `put` puts into a sink, as a text.
 template <class Put>
 std::wstring text_of(Put put) {
-  std::wstring text;
-  texto::text_sink sink(text);
+  texto::text_sink sink;
   put(sink);
-  sink.finish();
-  return text;
+  return sink.text();
 }
 
 }  // namespace

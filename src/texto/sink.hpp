@@ -5,29 +5,33 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace ruvo::texto {
 
-/// Builds `out` in place; its length is right after finish() only.
+/// Collects a text in blocks of its own, so that what is written is never moved and a large result is
+/// allocated once, in its final size.
 class text_sink {
  public:
-  /// Appends to `out`. `expected` units are made room for at once.
-  explicit text_sink(std::wstring& out, std::size_t expected = 0) : out_(out) {
-    const std::size_t used = out.size();
-    out_.resize(std::max(out_.capacity(), used + expected));
-    place(used);
-  }
+  text_sink() noexcept : from_(first_), at_(first_), end_(first_ + sizeof first_ / sizeof *first_) {}
   text_sink(const text_sink&) = delete;
   text_sink& operator=(const text_sink&) = delete;
 
-  void finish() { out_.resize(size()); }
-  std::size_t size() const noexcept { return static_cast<std::size_t>(at_ - out_.data()); }
+  std::wstring text() const {
+    std::wstring out;
+    const auto open = static_cast<std::size_t>(at_ - from_);
+    out.reserve(full_units_ + open);
+    for (const block& b : full_) out.append(b.units, b.size);
+    out.append(from_, open);
+    return out;
+  }
 
   /// Where at least `units` may be written; to be followed by advance().
   wchar_t* room(std::size_t units) {
-    if (static_cast<std::size_t>(end_ - at_) < units) grow(units);
+    if (static_cast<std::size_t>(end_ - at_) < units) begin_block(units);
     return at_;
   }
   void advance(wchar_t* written_to) noexcept { at_ = written_to; }
@@ -64,19 +68,30 @@ class text_sink {
   }
 
  private:
-  void place(std::size_t used) noexcept {
-    at_ = out_.data() + used;
-    end_ = out_.data() + out_.size();
-  }
-  void grow(std::size_t units) {
-    const std::size_t used = size();
-    out_.resize(std::max(used + units, 2 * out_.size() + 64));
-    place(used);
+  static constexpr std::size_t block_units = std::size_t{1} << 16;
+
+  struct block {
+    const wchar_t* units;
+    std::size_t size;
+  };
+
+  void begin_block(std::size_t units) {
+    const std::size_t wanted = std::max(units, full_.empty() ? block_units / 16 : block_units);
+    std::unique_ptr<wchar_t[]> made(new wchar_t[wanted]);
+    full_.reserve(full_.size() + 1);
+    owned_.push_back(std::move(made));
+    const auto size = static_cast<std::size_t>(at_ - from_);
+    full_.push_back({from_, size});
+    full_units_ += size;
+    from_ = at_ = owned_.back().get();
+    end_ = at_ + wanted;
   }
 
-  std::wstring& out_;
-  wchar_t* at_ = nullptr;
-  wchar_t* end_ = nullptr;
+  std::vector<block> full_;
+  std::vector<std::unique_ptr<wchar_t[]>> owned_;
+  std::size_t full_units_ = 0;
+  wchar_t *from_, *at_, *end_;  // the open block
+  wchar_t first_[256];
 };
 
 }  // namespace ruvo::texto

@@ -10,6 +10,8 @@ namespace ruvo::detail {
 
 namespace {
 
+std::atomic<std::size_t> allowed_to_all{0};
+
 constexpr std::uint64_t spread = 0x9E3779B97F4A7C15;
 
 std::uint64_t mix(std::uint64_t state, std::uint64_t word) noexcept {
@@ -58,25 +60,40 @@ thread_cache::~thread_cache() {
   for (const shared_key* key : keys_) {
     if (key) release(key);
   }
+  allowed_to_all.fetch_sub(allowance_, std::memory_order_relaxed);
+}
+
+bool thread_cache::widen_allowance() noexcept {
+  if (allowance_ + allowance_step > most_bytes) return false;
+  if (allowed_to_all.fetch_add(allowance_step, std::memory_order_relaxed) + allowance_step >
+      most_bytes_of_all) {
+    allowed_to_all.fetch_sub(allowance_step, std::memory_order_relaxed);
+    return false;
+  }
+  allowance_ += allowance_step;
+  return true;
 }
 
 void* thread_cache::take(std::size_t size) {
-  const std::size_t index = (size - 1) / step;
-  free_block* const block = size <= largest ? free_[index] : nullptr;
-  if (!block) return ::operator new(rounded(size));
-  free_[index] = block->next;
-  free_bytes_ -= rounded(size);
+  const std::size_t bytes = rounded(size);
+  if (bytes > largest) return ::operator new(bytes);
+  free_block*& first = list_of(bytes);
+  free_block* const block = first;
+  if (!block) return ::operator new(bytes);
+  first = block->next;
+  free_bytes_ -= bytes;
   return block;
 }
 
 void thread_cache::give(void* memory, std::size_t size) noexcept {
-  if (size > largest || free_bytes_ + rounded(size) > most_bytes) {
+  const std::size_t bytes = rounded(size);
+  if (bytes > largest || (free_bytes_ + bytes > allowance_ && !widen_allowance())) {
     ::operator delete(memory);
     return;
   }
-  free_block*& first = free_[(size - 1) / step];
+  free_block*& first = list_of(bytes);
   first = new (memory) free_block{first};
-  free_bytes_ += rounded(size);
+  free_bytes_ += bytes;
 }
 
 const shared_key* thread_cache::key(std::wstring_view text, std::uint32_t hash) {

@@ -25,7 +25,9 @@ void release(const shared_key* key) noexcept;
 inline void retain(const shared_key* key) noexcept { key->uses.fetch_add(1, std::memory_order_relaxed); }
 
 class thread_cache {
-  static constexpr std::size_t step = 16, classes = 64, largest = step * classes;
+  static constexpr std::size_t step = 16, small_classes = 64, coarse_step = 256, coarse_classes = 60;
+  static constexpr std::size_t largest_small = step * small_classes;
+  static constexpr std::size_t largest = largest_small + coarse_step * coarse_classes;
 
  public:
   /// The calling thread's cache, or null when it can have none (the library is being unloaded).
@@ -34,7 +36,10 @@ class thread_cache {
   ~thread_cache();
 
   /// The true size of a block of `size` bytes, whoever made it.
-  static constexpr std::size_t rounded(std::size_t size) noexcept { return (size + step - 1) / step * step; }
+  static constexpr std::size_t rounded(std::size_t size) noexcept {
+    const std::size_t unit = size <= largest_small ? step : coarse_step;
+    return (size + unit - 1) / unit * unit;
+  }
 
   /// A block of at least `size` (not 0) bytes, aligned for any scalar. Throws std::bad_alloc.
   void* take(std::size_t size);
@@ -47,11 +52,21 @@ class thread_cache {
   struct free_block {
     free_block* next;
   };
-  static constexpr std::size_t most_bytes = std::size_t{1} << 20;  // kept for later
+  // What may be kept for later: by one thread, by all, and how much a thread asks for at a time.
+  static constexpr std::size_t most_bytes = std::size_t{8} << 20, most_bytes_of_all = std::size_t{32} << 20;
+  static constexpr std::size_t allowance_step = std::size_t{64} << 10;
   static constexpr std::size_t key_slots = 512, longest_key = 64;
 
-  free_block* free_[classes] = {};
-  std::size_t free_bytes_ = 0;
+  /// The list for blocks of a rounded size.
+  free_block*& list_of(std::size_t bytes) noexcept {
+    return free_[bytes <= largest_small ? bytes / step - 1
+                                        : small_classes + (bytes - largest_small) / coarse_step - 1];
+  }
+
+  free_block* free_[small_classes + coarse_classes] = {};
+  bool widen_allowance() noexcept;
+
+  std::size_t free_bytes_ = 0, allowance_ = 0;
   const shared_key* keys_[key_slots] = {};
 };
 

@@ -92,6 +92,8 @@ TEST(Utf, LoneSurrogates) {
       {L"a\xD83D", "a\xEF\xBF\xBD"},
       {std::wstring(L"a\0b", 3), std::string("a\0b", 3)},
       {std::wstring(15, L'a') + L"\xD83D\xDE00", std::string(15, 'a') + "\xF0\x9F\x98\x80"},
+      {std::wstring(15, L'a') + L"\xD83D" + std::wstring(16, L'b') + L"\xDE00",
+       std::string(15, 'a') + "\xEF\xBF\xBD" + std::string(16, 'b') + "\xEF\xBF\xBD"},
       {std::wstring(16, L'a') + L"\xD83D" + std::wstring(20, L'b'),
        std::string(16, 'a') + "\xEF\xBF\xBD" + std::string(20, 'b')},
   };
