@@ -146,17 +146,17 @@ bool json_writer::write(std::wstring& out, const bundle& in, exception* err, int
   exception result;
   const std::wstring indentation = indentation_;
   try {
-    out = text_of([&](texto::text_sink& sink) {
-      json_emitter emitter(*this, sink, result);
-      if (const auto array = in.find(array_key); array != in.end()) {
-        emitter.write_list(array->second);
-      } else if (emitter.walks_bundles()) {
-        emitter.write_members(in);
-      } else {
-        const lent_bundle lent(in);
-        emitter.write_bundle(lent.value());
-      }
-    });
+    texto::text_sink sink;
+    json_emitter emitter(*this, sink, result);
+    if (const auto array = in.find(array_key); array != in.end()) {
+      emitter.write_list(array->second);
+    } else if (emitter.walks_bundles()) {
+      emitter.write_members(in);
+    } else {
+      const lent_bundle lent(in);
+      emitter.write_bundle(lent.value());
+    }
+    sink.replace(out);
   } catch (...) {
     indentation_ = indentation;
     throw;

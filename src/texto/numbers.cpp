@@ -49,13 +49,14 @@ struct fixed_parts {
 };
 
 /// Splits `magnitude` exactly into its whole part and rounded millionths (ties to even). Possible when all
-/// its bits fit into 64 bits on each side of the point; false otherwise.
+/// its bits fit into 63 bits on each side of the point; false otherwise.
 bool split_fixed(double magnitude, fixed_parts& parts) {
-  constexpr double smallest = 1.0 / 2048, largest = 9007199254740992.0;  // lowest bit at or above 2^-64, 2^53
+  constexpr double smallest = 1.0 / 1024, largest = 9007199254740992.0;  // lowest bit at or above 2^-63, 2^53
   if (!(magnitude < largest) || (magnitude < smallest && magnitude != 0)) return false;
-  parts.whole = static_cast<std::uint64_t>(magnitude);
-  const double rest = magnitude - static_cast<double>(parts.whole);
-  const auto bits = static_cast<std::uint64_t>(rest * 18446744073709551616.0);  // 2^64, exact
+  const auto whole = static_cast<std::int64_t>(magnitude);
+  const double rest = magnitude - static_cast<double>(whole);
+  parts.whole = static_cast<std::uint64_t>(whole);
+  const std::uint64_t bits = static_cast<std::uint64_t>(static_cast<std::int64_t>(rest * 9223372036854775808.0)) * 2;
   const std::uint64_t low = (bits & 0xFFFFFFFF) * 1000000;
   const std::uint64_t high = (bits >> 32) * 1000000 + (low >> 32);
   parts.millionths = static_cast<std::uint32_t>(high >> 32);

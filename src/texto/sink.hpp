@@ -22,11 +22,16 @@ class text_sink {
 
   std::wstring text() const {
     std::wstring out;
+    replace(out);
+    return out;
+  }
+  /// Makes `out` the text; its memory is used again where it is large enough.
+  void replace(std::wstring& out) const {
     const auto open = static_cast<std::size_t>(at_ - from_);
     out.reserve(full_units_ + open);
+    out.clear();
     for (const block& b : full_) out.append(b.units, b.size);
     out.append(from_, open);
-    return out;
   }
 
   /// Where at least `units` may be written; to be followed by advance().

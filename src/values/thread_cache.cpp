@@ -113,7 +113,7 @@ const shared_key* thread_cache::key(std::wstring_view text, std::uint32_t hash) 
 
 #ifdef KESTA_PLAIN_HEAP  // for checkers that must see every block
 
-void* take_block(std::size_t size) { return ::operator new(size); }
+void* take_block(std::size_t size) { return ::operator new(thread_cache::rounded(size)); }
 
 void give_block(void* block, std::size_t) noexcept { ::operator delete(block); }
 

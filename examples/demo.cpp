@@ -1,0 +1,244 @@
+// The whole way of a document: an application boots, a worker thread checks in, reads JSON files into
+// bundles, takes typed values out of them by path, builds an answer and writes it in three ways.
+//
+//   demo FILE.json...
+//
+// An order (see data/pedido.json) is answered; of any other document a summary is shown. What is shown is
+// UTF-8 text: a Windows console wants `chcp 65001` first.
+
+#include <ruvo/ruvo.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+// --- what the user sees
+
+void say(const std::wstring& line) {
+  const std::string out = ruvo::texto::to_utf_8(line) + "\n";
+  std::fwrite(out.data(), 1, out.size(), stdout);
+}
+
+/// At most `limit` characters of the text, on one line.
+std::wstring shortened(std::wstring text, std::size_t limit) {
+  std::replace(text.begin(), text.end(), L'\n', L' ');
+  if (text.size() <= limit) return text;
+  if ((text[limit - 1] & 0xFC00) == 0xD800) --limit;  // the first half of a character
+  text.resize(limit);
+  return text + L"…";
+}
+
+std::wstring first_lines(const std::wstring& text, int count) {
+  std::size_t end = 0;
+  while (count-- > 0 && end < text.size()) end = std::min(text.find(L'\n', end), text.size() - 1) + 1;
+  return end < text.size() ? text.substr(0, end) + L"…" : text;
+}
+
+void show(const std::wstring& name, const std::wstring& value) {
+  say(ruvo::texto::rtrim_(L"  " + (name + std::wstring(14, L' ')).substr(0, 14) + value));
+}
+
+void show(const std::wstring& name, const ruvo::exception& failure) {
+  show(name, L"código " + std::to_wstring(failure.get_code()) + L", rango " +
+                 std::to_wstring(failure.get_rango()) + L": " + failure.get_mensaje());
+}
+
+// --- reading
+
+std::wstring read_file(const std::wstring& name) {
+  std::ifstream in(std::filesystem::path(name), std::ios::binary);
+  if (!in) throw ruvo::exc::fileNotFound(name);
+  std::string bytes{std::istreambuf_iterator<char>(in), {}};
+  ruvo::texto::remove_win_bom(bytes);
+  return ruvo::texto::to_utf_16(bytes);
+}
+
+/// json::deserialize reads on after a failure and reports the last one. A reader that is fed by hand can stop
+/// at the first.
+ruvo::exception first_failure(const std::wstring& text) {
+  ruvo::exception failure;
+  ruvo::bundle discarded;
+  ruvo::serializer::json_reader reader;
+  reader.set_store(discarded);
+  for (const wchar_t c : text) {
+    if (reader.next_character(c, failure)) break;
+  }
+  return failure;
+}
+
+/// Dates have no getter of their own: the value found converts itself, and throws when it is no date.
+ruvo::date get_date(const ruvo::bundle& from, const std::wstring& path, const ruvo::date& fallback) {
+  const ruvo::xvar* const value = from.get_ptr(path);
+  if (!value || value->is_null()) return fallback;
+  try {
+    return *value;
+  } catch (const std::exception&) {
+    return fallback;
+  }
+}
+
+// --- orders
+
+bool is_order(const ruvo::bundle& document) { return document.has(L"pedido.lineas"); }
+
+double cents(double amount) { return std::round(amount * 100) / 100; }
+
+void show_order(const ruvo::bundle& document) {
+  const ruvo::bundle& order = document.get_bundle(L"pedido");
+  show(L"número", order.get_string(L"numero", '.', L"(sin número)"));
+  show(L"fecha", get_date(order, L"fecha", ruvo::date()).to_string("%d de %B de %Y"));
+  show(L"urgente", order.get_boolean(L"urgente", false) ? L"sí" : L"no");
+  show(L"cliente", order.get_string(L"cliente.nombre") + L", NIF " + order.get_string(L"cliente.nif"));
+  show(L"teléfono", order.get_string(L"cliente.telefono", '.', L"(no consta)"));
+  show(L"entrega",
+       order.get_string(L"cliente.entrega.calle") + L", " + order.get_string(L"cliente.entrega.poblacion"));
+  show(L"plazo", std::to_wstring(order.get_long(L"plazo_dias", '.', 30)) + L" días");
+  show(L"notas", shortened(order.get_nc_string(L"notas", L"(ninguna)"), 80));
+}
+
+/// An order that was read with a failure is refused.
+ruvo::bundle answer_to(const ruvo::bundle& document, const ruvo::exception& failure) {
+  const ruvo::bundle& order = document.get_bundle(L"pedido");
+  ruvo::date delivery = get_date(order, L"fecha", ruvo::date());
+  delivery += order.get_long(L"plazo_dias", '.', 30);
+
+  ruvo::bundle answer;
+  answer[L"pedido"] = order.get_string(L"numero");
+  answer[L"aceptado"] = failure.OK();
+  if (failure.WRONG()) answer[L"motivo"] = failure.get_mensaje();
+  answer[L"entrega"] = delivery;
+  answer.hack(L"cliente.nif") = order.get_string(L"cliente.nif");
+  answer.hack(L"cliente.avisar") = order.get_nc_string(L"cliente.correo", L"por carta");
+
+  double base = 0, tax = 0;
+  ruvo::list& lines = answer.hack_list_on(L"lineas");
+  for (const ruvo::xvar& item : order.get_list(L"lineas")) {
+    ruvo::bundle line;
+    line = item;
+    const double price = line.get_double(L"precio") * (1 - line.get_double(L"descuento") / 100);
+    const double amount = cents(price * line.get_long(L"unidades", '.', 1));
+    base += amount;
+    tax += amount * line.get_double(L"iva", '.', 21) / 100;
+
+    ruvo::bundle& answered = lines.on_back_bundle();
+    answered[L"articulo"] = line.get_string(L"articulo");
+    answered[L"importe"] = amount;
+  }
+  answer.hack(L"totales.base") = cents(base);
+  answer.hack(L"totales.iva") = cents(tax);
+  answer.hack(L"totales.a_pagar") = cents(base + tax);
+  return answer;
+}
+
+// --- other documents
+
+std::wstring kind_of(const ruvo::xvar& value) {
+  if (value.is_null()) return L"nulo";
+  if (value.instanceof (typeid(ruvo::bundle))) return L"objeto";
+  if (value.instanceof (typeid(ruvo::list))) return L"lista";
+  if (value.instanceof (typeid(bool))) return L"lógico";
+  return value.is_number() ? L"número" : L"texto";
+}
+
+void show_summary(const ruvo::bundle& document) {
+  constexpr std::size_t shown = 6;
+  if (document.count(L"__json_array__") > 0) {
+    show(L"elementos", std::to_wstring(document.get_list(L"__json_array__").size()));
+    return;
+  }
+  show(L"miembros", std::to_wstring(document.size()));
+  for (std::size_t n = 0; n < document.size() && n < shown; ++n) {
+    const auto member = document[n];  // by position
+    show(L"", shortened(member->first, 40) + L": " + kind_of(member->second));
+  }
+}
+
+// --- writing
+
+void write(const ruvo::bundle& document, const std::wstring& name, bool ordered, bool tabulated) {
+  std::wstring out;
+  ruvo::exception failure;
+  ruvo::serializer::json json(ordered, tabulated, true);
+  if (json.serialize(out, document, &failure)) {
+    show(name, failure);
+  } else if (tabulated) {
+    show(name, L"");
+    say(first_lines(out, 12));
+  } else {
+    show(name, shortened(out, 200));
+  }
+}
+
+// --- the work
+
+void process(const std::wstring& name) {
+  const std::wstring text = read_file(name);
+  show(L"leídos", std::to_wstring(text.size()) + L" caracteres");
+
+  ruvo::bundle document;
+  ruvo::exception failure;
+  ruvo::serializer::json json;
+  if (json.deserialize(document, text, &failure)) {
+    show(L"primer fallo", first_failure(text));
+    show(L"último fallo", failure);
+  }
+  if (is_order(document)) {
+    show_order(document);
+    document = answer_to(document, failure);
+  } else {
+    show_summary(document);
+  }
+  write(document, L"por claves", true, false);
+  write(document, L"por llegada", false, false);
+  write(document, L"tabulado", true, true);
+}
+
+void work(ruvo::application& app, const std::vector<std::wstring>& files) {
+  const ruvo::thread_scope scope(app);  // checks the thread in, and out at the end
+  say(L"hilo de trabajo dado de alta");
+  for (const std::wstring& name : files) {
+    say(L"\n" + ruvo::file(name).get_name());
+    try {
+      process(name);
+    } catch (const ruvo::exception& error) {
+      show(L"fallo", error);
+    } catch (...) {  // such as std::out_of_range, for a number that does not fit
+      show(L"fallo", ruvo::exc::RunTime(std::current_exception()));
+    }
+  }
+}
+
+}  // namespace
+
+int wmain(int argc, wchar_t** argv) {
+  if (argc < 2) {
+    say(L"uso: demo FICHERO.json...");
+    return 2;
+  }
+  ruvo::exception failure;
+  ruvo::kesta::app app(nullptr);
+  if (!app.boot(ruvo::file(argv[0]).get_parent(), failure)) {
+    show(L"arranque", failure);
+    return 1;
+  }
+  app.init("es-ES");
+  say(L"aplicación en marcha");
+
+  std::thread worker(work, std::ref(app), std::vector<std::wstring>(argv + 1, argv + argc));
+  worker.join();
+  say(L"\nhilo de trabajo dado de baja");
+
+  app.shutdown();
+  say(L"aplicación detenida");
+  return 0;
+}

@@ -1,0 +1,141 @@
+// The path value.
+
+#include <ruvo/file.hpp>
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+using ruvo::file;
+
+namespace {
+
+std::wstring text(const file& path) { return path; }
+
+TEST(path, is_kept_in_one_form) {
+  struct row {
+    const wchar_t* given;
+    const wchar_t* kept;
+  };
+  const row rows[] = {
+      {L"", L""},
+      {L"a/b\\c", L"a\\b\\c"},
+      {L"C:/datos/", L"C:\\datos"},
+      {L"C:/datos/./", L"C:\\datos"},
+      {L"C:/datos/.\\.\\", L"C:\\datos"},
+      {L"C:\\", L"C:\\"},
+      {L"C:\\.", L"C:\\"},
+      {L"C:\\.\\", L"C:\\"},
+      {L"C:", L"C:"},
+      {L"c:x", L"c:x"},
+      {L"\\", L"\\"},
+      {L"/", L"\\"},
+      {L"\\..\\..\\a", L"\\a"},
+      {L"C:\\..\\a\\..\\b", L"C:\\a\\..\\b"},
+      {L"C:\\..", L"C:\\"},
+      {L"C:..\\a", L"C:..\\a"},
+      {L"..\\a", L"..\\a"},
+      {L"..", L".."},
+      {L".\\a", L"a"},
+      {L".", L"."},
+      {L"./", L"."},
+      {L"a.", L"a."},
+      {L"//server/share/", L"\\\\server\\share"},
+      {L"//server/share/../x/", L"\\\\server\\share\\x"},
+      {L"\\\\?\\C:\\a\\", L"\\\\?\\C:\\a"},
+      {L"\\\\?\\C:\\", L"\\\\?\\C:\\"},
+  };
+  for (const row& r : rows) {
+    EXPECT_EQ(text(file(r.given)), r.kept) << r.given;
+    EXPECT_EQ(text(file(r.kept)), r.kept) << r.kept;
+  }
+  EXPECT_EQ(text(file("C:/a\xC3\xB1o")), L"C:\\año");
+}
+
+TEST(path, is_taken_apart) {
+  struct row {
+    const wchar_t* path;
+    const wchar_t* parent;
+    const wchar_t* root;
+    const wchar_t* name;
+    const wchar_t* simple_name;
+    const wchar_t* extension;
+  };
+  const row rows[] = {
+      {L"C:\\datos\\carta.txt", L"C:\\datos", L"C:\\", L"carta.txt", L"carta", L"txt"},
+      {L"C:\\carta.tar.gz", L"C:\\", L"C:\\", L"carta.tar.gz", L"carta.tar", L"gz"},
+      {L"Q:\\datos.v1\\leeme", L"Q:\\datos.v1", L"Q:\\", L"leeme", L"leeme", L"v1\\leeme"},
+      {L"leeme", L"", L"", L"leeme", L"leeme", L"leeme"},
+      {L"a\\b", L"a", L"", L"b", L"b", L"a\\b"},
+      {L"\\a", L"\\", L"\\", L"a", L"a", L"\\a"},
+      {L"Q:x.y", L"Q:", L"Q:", L"x.y", L"x", L"y"},
+      {L"\\\\server\\share\\a.b", L"\\\\server\\share", L"\\\\server\\share", L"a.b", L"a", L"b"},
+      {L"\\\\?\\Q:\\a.b", L"\\\\?\\Q:\\", L"\\\\?\\Q:\\", L"a.b", L"a", L"b"},
+      {L"\\\\?\\UNC\\s\\t\\a.b", L"\\\\?\\UNC\\s\\t", L"\\\\?\\UNC\\s\\t", L"a.b", L"a", L"b"},
+  };
+  for (const row& r : rows) {
+    const file path(r.path);
+    EXPECT_EQ(text(path.get_parent()), r.parent) << r.path;
+    EXPECT_EQ(text(path.get_root()), r.root) << r.path;
+    EXPECT_EQ(path.get_name(), r.name) << r.path;
+    EXPECT_EQ(path.get_simple_name(), r.simple_name) << r.path;
+    EXPECT_EQ(path.get_extension(), r.extension) << r.path;
+    EXPECT_FALSE(path.is_root()) << r.path;
+    EXPECT_EQ(text(file(path.get_parent(), path.get_name())),
+              std::wstring(path.get_root()) == L"Q:" ? L"Q:\\x.y" : r.path);
+  }
+}
+
+TEST(path, roots) {
+  for (const wchar_t* const root : {L"C:\\", L"C:", L"\\", L"\\\\server\\share", L"\\\\?\\C:\\"}) {
+    EXPECT_TRUE(file(root).is_root()) << root;
+    EXPECT_EQ(text(file(root).get_parent()), root);
+    EXPECT_EQ(file(root).get_name(), L"") << root;
+  }
+  for (const wchar_t* const path : {L"", L"a", L"C:\\a", L".."}) EXPECT_FALSE(file(path).is_root()) << path;
+}
+
+TEST(path, is_put_together) {
+  file path(L"C:\\");
+  path += "datos";
+  path += std::wstring(L"/a/b.txt");
+  EXPECT_EQ(text(path), L"C:\\datos\\a\\b.txt");
+  path += L"";
+  EXPECT_EQ(path.unix_path(), L"C:/datos/a/b.txt");
+  EXPECT_EQ(text(path.change_extension(L"md")), L"C:\\datos\\a\\b.md");
+  EXPECT_EQ(text(file(L"Q:\\sin").change_extension(L"md")), L"Q:\\sin.md");
+  EXPECT_EQ(text(--path), L"C:\\datos\\a");
+  EXPECT_EQ(text(file(file(), L"a")), L"a");
+}
+
+TEST(path, is_cut_below_a_folder) {
+  struct row {
+    const wchar_t* path;
+    const wchar_t* base;
+    const wchar_t* expected;
+  };
+  const row rows[] = {
+      {L"C:\\a\\b\\c", L"C:\\a", L"b\\c"}, {L"C:\\A\\b", L"c:\\a", L"b"},    {L"C:\\a", L"C:\\", L"a"},
+      {L"C:\\a", L"C:\\a", L""},           {L"C:\\ab", L"C:\\a", L"C:\\ab"}, {L"C:\\a", L"", L"C:\\a"},
+      {L"C:\\a", L"C:\\a\\b", L"C:\\a"},
+  };
+  for (const row& r : rows) EXPECT_EQ(text(file(r.path).crop(r.base)), r.expected) << r.path;
+}
+
+TEST(path, asks_the_file_system) {
+  const file folder(L"C:\\windows");
+  EXPECT_TRUE(folder.exists() && folder.is_directory() && !folder.is_file());
+  EXPECT_EQ(folder.get_extension(), L"");
+  const file missing(L"C:\\no hay tal cosa.txt");
+  EXPECT_FALSE(missing.exists() || missing.is_directory() || missing.is_file());
+  EXPECT_FALSE(file(std::wstring(L"C:\\windows\0x", 12)).exists());
+  EXPECT_FALSE(file().exists());
+}
+
+TEST(path, compares_as_text) {
+  EXPECT_EQ(file("a/b"), file(L"a\\b"));
+  EXPECT_FALSE(file("a") == file("A"));
+  EXPECT_LT(file("a"), file("b"));
+}
+
+}  // namespace
