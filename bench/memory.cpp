@@ -78,24 +78,14 @@ using wide_document =
     rapidjson::GenericDocument<rapidjson::UTF16<>, rapidjson::MemoryPoolAllocator<counted_allocator>,
                                counted_allocator>;
 
-struct measured {
-  usage document;  // what is left when the thread that read it has ended
-  usage kept;      // what that thread held besides, for later use
-};
-
-/// `read` makes a document and hands over whatever keeps it alive. It runs on a thread of its own: a thread
-/// that has worked before might serve the document from memory that was counted long ago.
-measured measure(const std::function<std::shared_ptr<void>()>& read) {
+/// `read` makes a document and hands over whatever keeps it alive. It works on a thread of its own, which has
+/// ended when the counting is done: what a thread keeps for its next document is not counted, nor can it
+/// serve this one.
+usage measure(const std::function<std::shared_ptr<void>()>& read) {
   std::shared_ptr<void> document;
-  usage with_thread;
   const usage before = now();
-  std::thread([&] {
-    const usage started = now();
-    document = read();
-    with_thread = now() - started;
-  }).join();
-  const usage alone = now() - before;
-  return {alone, with_thread - alone};
+  std::thread([&] { document = read(); }).join();
+  return now() - before;
 }
 
 long long values_in(const boost::json::value& value) {
@@ -108,16 +98,13 @@ long long values_in(const boost::json::value& value) {
   return count;
 }
 
-void print(const char* library, const measured& result, long long values, bool limited) {
+void print(const char* library, const usage& document, long long values, bool limited) {
   const auto count = static_cast<double>(values);
-  const double bytes = static_cast<double>(result.document.bytes) / count;
-  const double blocks = static_cast<double>(result.document.blocks) / count;
+  const double bytes = static_cast<double>(document.bytes) / count;
+  const double blocks = static_cast<double>(document.blocks) / count;
   std::printf("  %-10s %7.1f bytes %6.2f blocks", library, bytes, blocks);
   if (limited)
     std::printf("   (120 %s, 1.10 %s)", bytes <= 120 ? "ok" : "MISS", blocks <= 1.1 ? "ok" : "MISS");
-  if (result.kept.bytes > 0) {
-    std::printf("   the thread keeps %lld KB in %lld blocks", result.kept.bytes / 1024, result.kept.blocks);
-  }
   std::printf("\n");
 }
 

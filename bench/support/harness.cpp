@@ -10,7 +10,7 @@ namespace bench {
 namespace {
 
 constexpr double seconds_each = 0.3;  // for each competitor
-constexpr double turn = 3e6;          // nanoseconds: long beside the clock's own 0.1 microseconds
+constexpr double turn = 1e6;          // nanoseconds: long beside the clock's own 100
 constexpr std::size_t least_rounds = 15;
 
 /// Nanoseconds for each of `runs` runs.

@@ -43,6 +43,7 @@ class KESTA_API bundle {
    private:
     friend class detail::bundle_store;
     explicit entry(const std::wstring& key) noexcept : first(key) {}
+    entry(const std::wstring& key, xvar&& value) noexcept : first(key), second(std::move(value)) {}
   };
 
   /// A bidirectional iterator in the order of the folded keys; valid as long as its entry.

@@ -189,6 +189,11 @@ class KESTA_API var {
   bool operator==(const var& other) const {
     if (data_.kind >= detail::kind::boolean && data_.kind <= detail::kind::uxlong)
       return data_.kind == other.data_.kind && integer() == other.integer();
+    if (data_.kind == detail::kind::double_ && other.data_.kind == detail::kind::double_) {
+      const double apart = real() - other.real();
+      if (apart > most_apart || apart < -most_apart) return false;
+      if (integer() == other.integer()) return true;
+    }
     return equals(other);
   }
   /// @quirk Compares texts whatever the kinds, so 10 < 9: this is the order of lists and bundles.
@@ -216,6 +221,13 @@ class KESTA_API var {
     std::memcpy(&value, data_.bytes + word, sizeof value);
     return value;
   }
+  double real() const noexcept {
+    double value;
+    std::memcpy(&value, data_.bytes + word, sizeof value);
+    return value;
+  }
+  static constexpr double most_apart = 1.5e-6;  // numbers further apart can't share six digits
+
   /// What a cell keeps of a number.
   static long long widen(unsigned long long value) noexcept { return static_cast<long long>(value); }
   static double widen(float value) noexcept { return value; }

@@ -19,6 +19,7 @@
 namespace ruvo::serializer {
 
 using detail::bundle_access;
+using detail::bundle_store;
 using detail::cell;
 using detail::folded_key;
 using detail::key_view;
@@ -255,16 +256,24 @@ struct json_reading {
   }
 
   void close() {
-    if (!reader.open_nodes_.empty()) {
-      const xvar& gone = *reader.open_nodes_.back();
-      const std::size_t size =
-          cell::kind_of(gone) == kind::list ? cell::as_list(gone).size() : cell::as_bundle(gone).size();
-      const std::size_t depth = reader.open_nodes_.size();
-      if (reader.sizes_.size() < depth) reader.sizes_.resize(depth);
-      reader.sizes_[depth - 1] = static_cast<std::uint32_t>(std::min(size, most_expected));
-    }
+    if (!reader.open_nodes_.empty()) note_size(*reader.open_nodes_.back());
     reader.close_node();
     ++at;
+  }
+
+  /// Remembers the size of a container that is complete, and gives back the room that it doesn't need.
+  void note_size(const xvar& complete) {
+    const std::size_t depth = reader.open_nodes_.size();
+    if (reader.sizes_.size() < depth) reader.sizes_.resize(depth);
+    std::size_t size = 0;
+    if (cell::kind_of(complete) == kind::list) {
+      size = cell::as_list(complete).size();
+    } else {
+      bundle& record = cell::as_bundle(complete);
+      size = record.size();
+      if (size > 0) bundle_access::set(record, bundle_store::fitted(bundle_access::store(record)));
+    }
+    reader.sizes_[depth - 1] = static_cast<std::uint32_t>(std::min(size, most_expected));
   }
 
   /// How many values the container that is open now may get: as many as the last one at its depth.

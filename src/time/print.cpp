@@ -18,8 +18,9 @@ void two_digits(std::wstring& out, int value, wchar_t pad = L'0') {
 void year_digits(std::wstring& out, long long year) {
   if (year < 0) out += L'-';
   const long long size = std::llabs(year);
-  for (long long limit = 1000; limit > 1 && size < limit; limit /= 10) out += L'0';
-  texto::append_integer(out, size);
+  if (size > 9999) return texto::append_integer(out, size);
+  two_digits(out, static_cast<int>(size / 100));
+  two_digits(out, static_cast<int>(size % 100));
 }
 
 int twelve_hours(int hour) { return hour % 12 ? hour % 12 : 12; }
@@ -139,6 +140,7 @@ struct printer {
 
 void print(std::wstring& out, std::wstring_view format, const std::tm& record, long long seconds, bool local,
            const std::string& locale) {
+  out.reserve(out.size() + 2 * format.size());  // as long as the usual formats print
   printer{out, record, seconds, local, locale}.all(format);
 }
 

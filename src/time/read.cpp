@@ -68,6 +68,12 @@ struct reader {
     return read > 0 && sum >= low && sum <= high;
   }
 
+  /// Exactly two digits.
+  bool pair(int& value, int high) {
+    const std::size_t before = text.size();
+    return number(value, 2, 0, high) && before - text.size() == 2;
+  }
+
   bool number(std::optional<int>& value, int digits, int low, int high) {
     return number(value.emplace(), digits, low, high);
   }
@@ -193,9 +199,9 @@ struct reader {
     const bool west = !text.empty() && text.front() == L'-';
     int hours = 0;
     int minutes = 0;
-    if (!unit(west ? L'-' : L'+') || !number(hours, 2, 0, 23)) return false;
+    if (!unit(west ? L'-' : L'+') || !pair(hours, 23)) return false;
     unit(L':');
-    if (!number(minutes, 2, 0, 59)) return false;
+    if (!pair(minutes, 59)) return false;
     const long long seconds = hours * 3600LL + minutes * 60;
     out.offset = west ? -seconds : seconds;
     return true;

@@ -1,8 +1,14 @@
 #include "values/bundle_store.hpp"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <new>
+
+#if defined(__SSE2__) || defined(_M_X64)
+#  include <emmintrin.h>
+#  define KESTA_SSE2 1
+#endif
 
 namespace ruvo::detail {
 
@@ -10,6 +16,24 @@ namespace ruvo::detail {
 // ---------------------------------------------------------------------------------
 
 namespace {
+
+/// Equality without a call for what is mostly a few words.
+bool same_text(const std::wstring& a, std::wstring_view b) noexcept {
+  const std::size_t bytes = b.size() * sizeof(wchar_t);
+  if (a.size() != b.size()) return false;
+  const auto* const x = reinterpret_cast<const unsigned char*>(a.data());
+  const auto* const y = reinterpret_cast<const unsigned char*>(b.data());
+  const auto word = [](const unsigned char* at) {
+    std::uint64_t value;
+    std::memcpy(&value, at, sizeof value);
+    return value;
+  };
+  if (bytes < 8) return std::equal(a.begin(), a.end(), b.begin());
+  for (std::size_t at = 0; at + 8 < bytes; at += 8) {
+    if (word(x + at) != word(y + at)) return false;
+  }
+  return word(x + bytes - 8) == word(y + bytes - 8);
+}
 
 bool before(const bundle::entry* item, std::wstring_view key) noexcept { return item->first < key; }
 
@@ -63,7 +87,7 @@ bundle_store* bundle_store::make(std::size_t capacity) {
   void* const memory = take_block(bytes);
   auto* const store = new (memory) bundle_store;
   store->bytes_ = bytes;
-  store->blocks_ = new (store + 1) block{nullptr, 0, capacity, 0};
+  store->blocks_ = new (store + 1) block{nullptr, 0, static_cast<std::uint32_t>(capacity), 0};
   store->use_arrays(entries_of(store->blocks_) + capacity, capacity);
   if (capacity > small_limit) {
     try {
@@ -130,7 +154,8 @@ void bundle_store::grow(std::size_t more) {
   const std::size_t capacity = capacity_ + more;
   if (capacity > small_limit && !large_) become_large();
   const std::size_t bytes = sizeof(block) + more * sizeof(entry) + arrays_bytes(capacity);
-  auto* const made = new (take_block(bytes)) block{blocks_, bytes, more, 0};
+  auto* const made = new (take_block(bytes))
+      block{blocks_, static_cast<std::uint32_t>(bytes), static_cast<std::uint32_t>(more), 0};
   // What is left of the newest block goes to the list of free places.
   while (blocks_->used < blocks_->capacity) give_place(entries_of(blocks_) + blocks_->used++);
   blocks_ = made;
@@ -139,6 +164,22 @@ void bundle_store::grow(std::size_t more) {
   } else {
     use_arrays(entries_of(made) + more, capacity);
   }
+}
+
+bundle_store* bundle_store::fitted(bundle_store* store) {
+  const std::size_t spare = store->capacity_ - store->size_;
+  if (store->large_ || (!store->blocks_->next && spare <= store->size_ / 8)) return store;
+  bundle_store* const made = make(store->size_);
+  for (std::size_t n = 0; n < store->size_; ++n) {
+    entry* const from = store->order_[n];
+    made->order_[n] = new (made->take_place()) entry(from->first, std::move(from->second));
+    from->second.~xvar();  // and not the entry: its share of the key went along
+  }
+  std::memcpy(made->hashes(), store->hashes(), store->size_ * sizeof(std::uint32_t));
+  std::memcpy(made->ranks(), store->ranks(), store->size_);
+  made->size_ = std::exchange(store->size_, 0);
+  drop(store);
+  return made;
 }
 
 void* bundle_store::take_place() noexcept {
@@ -158,8 +199,20 @@ void bundle_store::give_place(void* place) noexcept {
 
 bundle::entry* bundle_store::find_in_arrays(const key_view& key) const noexcept {
   const std::uint32_t* const all = hashes();
-  for (std::size_t n = 0; n < size_; ++n) {
-    if (all[n] == key.hash && order_[n]->first == key.text) return order_[n];
+  std::size_t n = 0;
+#ifdef KESTA_SSE2
+  const __m128i wanted = _mm_set1_epi32(static_cast<int>(key.hash));
+  for (; n + 4 <= size_; n += 4) {
+    const __m128i four = _mm_loadu_si128(reinterpret_cast<const __m128i*>(all + n));
+    for (int hits = _mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32(four, wanted))); hits != 0;
+         hits &= hits - 1) {
+      entry* const item = order_[n + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(hits)))];
+      if (same_text(item->first, key.text)) return item;
+    }
+  }
+#endif
+  for (; n < size_; ++n) {
+    if (all[n] == key.hash && same_text(order_[n]->first, key.text)) return order_[n];
   }
   return nullptr;
 }

@@ -26,6 +26,8 @@ class bundle_store {
   /// With the keys of `other` in the same positions, and null values.
   static bundle_store* like(const bundle_store& other);
   static void drop(bundle_store* store) noexcept;
+  /// The same entries in a store without spare room, in other places; `store` is used up unless this throws.
+  static bundle_store* fitted(bundle_store* store);
 
   bundle_store(const bundle_store&) = delete;
   bundle_store& operator=(const bundle_store&) = delete;
@@ -67,7 +69,7 @@ class bundle_store {
 
   struct block {
     block* next;
-    std::size_t bytes, capacity, used;
+    std::uint32_t bytes, capacity, used;
   };
   /// The order of a large store: positions, and leaves sorted by key, none of them empty.
   struct large_order {

@@ -25,7 +25,7 @@ void release(const shared_key* key) noexcept;
 inline void retain(const shared_key* key) noexcept { key->uses.fetch_add(1, std::memory_order_relaxed); }
 
 class thread_cache {
-  static constexpr std::size_t step = 16, small_classes = 64, coarse_step = 256, coarse_classes = 60;
+  static constexpr std::size_t step = 16, small_classes = 64, coarse_step = 128, coarse_classes = 120;
   static constexpr std::size_t largest_small = step * small_classes;
   static constexpr std::size_t largest = largest_small + coarse_step * coarse_classes;
 

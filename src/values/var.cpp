@@ -471,11 +471,7 @@ bool var::equals(const var& other) const {
   if (is_null() || other.is_null()) return is_null() && other.is_null();
   if (*get_type() != *other.get_type()) return false;
   if (cell::is_text(*this)) return cell::text(*this) == cell::text(other);
-  if (is_decimal()) {
-    if (integer() == other.integer()) return true;
-    // Numbers further apart than a millionth can't share six digits.
-    if (std::fabs(cell::real(*this) - cell::real(other)) > 1.5e-6) return false;
-  }
+  if (is_decimal() && std::fabs(real() - other.real()) > most_apart) return false;
   return to_string() == other.to_string();
 }
 

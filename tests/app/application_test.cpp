@@ -26,7 +26,6 @@ class shifted_app : public ruvo::kesta::app {
 
   bool may_boot = true;
   bool throws = false;
-  ruvo::xvar answer = L"";
 
  protected:
   bool on_boot(ruvo::exception& err) override {
