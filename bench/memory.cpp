@@ -9,6 +9,7 @@
 
 #include <ruvo/ruvo.hpp>
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstdio>

@@ -28,9 +28,12 @@ class KESTA_API datetime : public lapse {
   datetime(times::HUSO huso = huso_horario);
   /// From seconds; fractions are cut.
   datetime(double seconds, times::HUSO huso = huso_horario);
-  datetime(long seconds, times::HUSO huso = huso_horario);
+  /// From seconds.
+  datetime(long long seconds, times::HUSO huso = huso_horario);
+  /// The first instant of a day, yyyymmdd; as `long` for the shorter integers.
+  datetime(long yyyymmdd, times::HUSO huso = huso_horario);
   template <std::integral T>
-  datetime(T seconds, times::HUSO huso = huso_horario) : lapse(static_cast<long long>(seconds), huso) {}
+  datetime(T yyyymmdd, times::HUSO huso = huso_horario) : datetime(static_cast<long>(yyyymmdd), huso) {}
   /// From the numbers of a day and a time of day.
   datetime(long yyyymmdd, long hhmmss, times::HUSO huso = huso_horario);
   datetime(long year, long month, long day, times::HUSO huso = huso_horario);
@@ -114,10 +117,10 @@ class KESTA_API datetime : public lapse {
   /// Against seconds since 1970.
   template <class T>
   requires std::integral<T> || std::floating_point<T>
-  bool operator==(T seconds) const { return *this == datetime(seconds); }
+  bool operator==(T seconds) const { return *this == datetime(whole(seconds)); }
   template <class T>
   requires std::integral<T> || std::floating_point<T> std::strong_ordering operator<=>(T seconds) const {
-    return *this <=> datetime(seconds);
+    return *this <=> datetime(whole(seconds));
   }
 
   /// Hours.
@@ -128,6 +131,13 @@ class KESTA_API datetime : public lapse {
   datetime& operator--() { return *this -= 1; }
   datetime operator++(int);
   datetime operator--(int);
+
+ private:
+  static double whole(double seconds) noexcept { return seconds; }
+  template <std::integral T>
+  static long long whole(T seconds) noexcept {
+    return static_cast<long long>(seconds);
+  }
 };
 
 /// Write the canonical format.

@@ -190,9 +190,9 @@ class KESTA_API var {
     if (data_.kind >= detail::kind::boolean && data_.kind <= detail::kind::uxlong)
       return data_.kind == other.data_.kind && integer() == other.integer();
     if (data_.kind == detail::kind::double_ && other.data_.kind == detail::kind::double_) {
+      if (integer() == other.integer()) return true;
       const double apart = real() - other.real();
       if (apart > most_apart || apart < -most_apart) return false;
-      if (integer() == other.integer()) return true;
     }
     return equals(other);
   }

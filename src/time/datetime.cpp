@@ -13,7 +13,8 @@ const std::string datetime::long_utc_format = "%d-%B-%Y %H:%M:%S %z";
 
 datetime::datetime(times::HUSO huso) : lapse(huso) {}
 datetime::datetime(double seconds, times::HUSO huso) : lapse(0, huso) { set_lapso(seconds); }
-datetime::datetime(long seconds, times::HUSO huso) : lapse(seconds, huso) {}
+datetime::datetime(long long seconds, times::HUSO huso) : lapse(seconds, huso) {}
+datetime::datetime(long yyyymmdd, times::HUSO huso) : datetime(yyyymmdd, 0L, huso) {}
 datetime::datetime(long yyyymmdd, long hhmmss, times::HUSO huso)
     : datetime(yyyymmdd / 10000, yyyymmdd / 100 % 100, yyyymmdd % 100, hhmmss / 10000, hhmmss / 100 % 100,
                hhmmss % 100, huso) {}

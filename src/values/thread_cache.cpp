@@ -1,5 +1,6 @@
 #include "values/thread_cache.hpp"
 
+#include <bit>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -14,28 +15,27 @@ std::atomic<std::size_t> allowed_to_all{0};
 
 constexpr std::uint64_t spread = 0x9E3779B97F4A7C15;
 
-std::uint64_t mix(std::uint64_t state, std::uint64_t word) noexcept {
-  state = (state ^ word) * spread;
-  return state ^ (state >> 29);
-}
-
 }  // namespace
 
 std::uint32_t hash_of(std::wstring_view key) noexcept {
-  std::uint64_t state = key.size() * spread;
-  const auto* at = reinterpret_cast<const unsigned char*>(key.data());
-  std::size_t left = key.size() * sizeof(wchar_t);
-  for (; left >= 8; at += 8, left -= 8) {
-    std::uint64_t word;
-    std::memcpy(&word, at, 8);
-    state = mix(state, word);
+  const auto* const bytes = reinterpret_cast<const unsigned char*>(key.data());
+  const std::size_t size = key.size() * sizeof(wchar_t);
+  std::uint64_t state = size;
+  std::uint64_t word = 0;
+  // The products don't wait for one another.
+  for (std::size_t at = 0; at + 8 <= size; at += 8) {
+    std::memcpy(&word, bytes + at, 8);
+    state = std::rotl(state, 23) + word * spread;
   }
-  if (left > 0) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, at, left);
-    state = mix(state, word);
+  if (size % 8 != 0) {
+    if (size > 8) {
+      std::memcpy(&word, bytes + size - 8, 8);
+    } else {
+      for (const wchar_t unit : key) word = word << 16 | static_cast<char16_t>(unit);
+    }
+    state = std::rotl(state, 23) + word * spread;
   }
-  return static_cast<std::uint32_t>(state >> 32);
+  return static_cast<std::uint32_t>(((state ^ (state >> 32)) * spread) >> 32);
 }
 
 void release(const shared_key* key) noexcept {

@@ -95,7 +95,9 @@ TEST(calendar, numbers) {
   EXPECT_EQ(static_cast<long>(ruvo::time(250000)), 10000);
   EXPECT_EQ(static_cast<double>(datetime(86399.9)), 86399.0);
   EXPECT_EQ(datetime(20240229, 123456).to_string(), L"29-02-2024 12:34:56");
-  EXPECT_EQ(datetime(5).get_seconds(), 5);
+  EXPECT_EQ(datetime(20240229).to_string(), L"29-02-2024 00:00:00");
+  EXPECT_EQ(datetime(5LL).get_seconds(), 5);
+  EXPECT_TRUE(datetime(5LL) == 5);
 }
 
 TEST(calendar, null_and_empty) {
