@@ -107,17 +107,17 @@ TEST(application, destroyed_one_is_forgotten) {
 }
 
 TEST(application, overridden_services_reach_the_values) {
-  EXPECT_EQ(ruvo::datetime(0).get_hour(), 0);
+  EXPECT_EQ(ruvo::datetime(0LL).get_hour(), 0);
   shifted_app app;
   {
     const ruvo::thread_scope scope(app);
     ASSERT_TRUE(scope.checked_in());
-    EXPECT_EQ(ruvo::datetime(0).get_hour(), 1);
-    std::thread([] { EXPECT_EQ(ruvo::datetime(0).get_hour(), 0); }).join();
+    EXPECT_EQ(ruvo::datetime(0LL).get_hour(), 1);
+    std::thread([] { EXPECT_EQ(ruvo::datetime(0LL).get_hour(), 0); }).join();
     const ruvo::thread_scope inner(app);
     EXPECT_FALSE(inner.checked_in());
   }
-  EXPECT_EQ(ruvo::datetime(0).get_hour(), 0);
+  EXPECT_EQ(ruvo::datetime(0LL).get_hour(), 0);
 }
 
 TEST(application, one_thread_may_register_another) {
@@ -158,9 +158,9 @@ TEST(application, threads_come_and_go_at_once) {
         {
           const ruvo::thread_scope scope(mine);
           if (!scope.checked_in() || ruvo::application::theApp() != &mine) ++wrong;
-          if (ruvo::datetime(i * 3600).get_hour() != (i + 1) % 24) ++wrong;
+          if (ruvo::datetime(i * 3600LL).get_hour() != (i + 1) % 24) ++wrong;
         }
-        if (ruvo::datetime(i * 3600).get_hour() != i % 24) ++wrong;
+        if (ruvo::datetime(i * 3600LL).get_hour() != i % 24) ++wrong;
       }
     });
   }

@@ -199,7 +199,7 @@ TEST(calendar, comparing) {
 
 TEST(calendar, streams_write_the_canonical_text) {
   std::wostringstream out;
-  out << date(20240229) << L'|' << ruvo::time(10203) << L'|' << datetime(0);
+  out << date(20240229) << L'|' << ruvo::time(10203) << L'|' << datetime(0LL);
   EXPECT_EQ(out.str(), L"29-02-2024|01:02:03|01-01-1970 00:00:00");
 }
 

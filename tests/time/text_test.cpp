@@ -147,7 +147,7 @@ TEST(reading, texts_that_do_not_fit) {
       {L"10", "%d %m"},
   };
   for (const row& r : rows) {
-    datetime value(7);
+    datetime value(7LL);
     ruvo::exception err;
     EXPECT_FALSE(value.parse(r.text, r.format, err)) << r.text << L" as " << r.format;
     EXPECT_EQ(err.get_raw_code(), 0xEBB90BB9ul) << r.text;
@@ -199,7 +199,7 @@ TEST(reading, survives_damaged_texts) {
     for (const wchar_t unit : units + L'\0') {
       std::wstring text = good;
       text[at] = unit;
-      datetime value(7);
+      datetime value(7LL);
       ruvo::exception err;
       if (value.parse(text, "%d-%m-%Y %H:%M:%S %z", err)) {
         ++taken;
@@ -208,7 +208,7 @@ TEST(reading, survives_damaged_texts) {
         EXPECT_EQ(value.get_lapso(), 7);
       }
     }
-    datetime value(7);
+    datetime value(7LL);
     ruvo::exception err;
     EXPECT_FALSE(value.parse(good.substr(0, at), "%d-%m-%Y %H:%M:%S %z", err)) << at;
   }
