@@ -38,18 +38,20 @@ class json_emitter {
  private:
   /// A container that is being written.
   struct frame {
-    bool is_list = false, first = true;
-    const xvar *at = nullptr, *last = nullptr;  // of a list: what comes next
-    const detail::bundle_store* store = nullptr;
-    const bundle::entry* entry = nullptr;  // in key order: what comes next
-    std::size_t rank = 0, taken = 0, size = 0;
+    bool is_list = false;
+    std::size_t taken = 0, size = 0;
+    const xvar* elements = nullptr;               // of a list
+    const detail::bundle_store* store = nullptr;  // of a bundle that has any members
+    const bundle::entry* entry = nullptr;         // in key order: the next one, and its rank
+    std::size_t rank = 0;
   };
 
   void run();
   void open(const list& in);
   void open(const bundle& in);
   void break_and_push();
-  void separate(frame& f);
+  void close(const frame& f);
+  void separate(const frame& f);
   void next_element(frame& f);
   void next_member(frame& f);
   void member(const std::wstring& key, const xvar& value);

@@ -249,11 +249,16 @@ void json_emitter::write_member(const std::wstring& key, const xvar& value) {
 
 void json_emitter::run() {
   while (!open_.empty()) {
-    if (open_.back().is_list) {
-      next_element(open_.back());
-    } else {
-      next_member(open_.back());
+    const std::size_t depth = open_.size();
+    frame& f = open_.back();  // until an element opens a container
+    while (open_.size() == depth && f.taken != f.size) {
+      if (f.store) {
+        next_member(f);
+      } else {
+        next_element(f);
+      }
     }
+    if (open_.size() == depth) close(f);
   }
 }
 
@@ -261,8 +266,8 @@ void json_emitter::open(const list& in) {
   out_.put(L'[');
   frame& f = open_.emplace_back();
   f.is_list = true;
-  f.at = in.data();
-  f.last = f.at + in.size();
+  f.elements = in.data();
+  f.size = in.size();
   break_and_push();
 }
 
@@ -281,37 +286,33 @@ void json_emitter::break_and_push() {
   writer_.push_tab();
 }
 
-void json_emitter::separate(frame& f) {
-  if (std::exchange(f.first, false)) return;
+void json_emitter::close(const frame& f) {
+  writer_.pop_tab();
+  const bool breaks = writer_.tabulated_;
+  if (breaks && !f.is_list) out_.put(L'\n');
+  if (!writer_.indentation_.empty()) out_.put(writer_.indentation_);
+  out_.put(f.is_list ? L']' : L'}');
+  if (breaks && f.is_list) out_.put(L'\n');
+  open_.pop_back();
+}
+
+void json_emitter::separate(const frame& f) {
+  if (f.taken == 0) return;
   out_.put(L',');
   if (writer_.tabulated_) out_.put(L'\n');
 }
 
 void json_emitter::next_element(frame& f) {
-  if (f.at != f.last) {
-    separate(f);
-    return element(*f.at++);
-  }
-  writer_.pop_tab();
-  out_.put(writer_.indentation_);
-  out_.put(L']');
-  if (writer_.tabulated_) out_.put(L'\n');
-  open_.pop_back();
+  separate(f);
+  element(f.elements[f.taken++]);
 }
 
 void json_emitter::next_member(frame& f) {
-  if (f.taken != f.size) {
-    separate(f);
-    const bundle::entry* const e = order_ == order::by_key ? f.entry : f.store->nth(f.taken);
-    ++f.taken;
-    if (order_ == order::by_key) f.entry = f.store->next(f.entry, f.rank);
-    return member(e->first, e->second);
-  }
-  writer_.pop_tab();
-  if (writer_.tabulated_) out_.put(L'\n');
-  out_.put(writer_.indentation_);
-  out_.put(L'}');
-  open_.pop_back();
+  separate(f);
+  const bundle::entry* const e = order_ == order::by_key ? f.entry : f.store->nth(f.taken);
+  ++f.taken;
+  if (order_ == order::by_key) f.entry = f.store->next(f.entry, f.rank);
+  member(e->first, e->second);
 }
 
 void json_emitter::member(const std::wstring& key, const xvar& value) {
