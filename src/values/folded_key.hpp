@@ -4,9 +4,10 @@
 
 #include <ruvo/texto.hpp>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <string>
+#include <memory>
 #include <string_view>
 
 #include "texto/ascii.hpp"
@@ -14,34 +15,19 @@
 
 namespace ruvo::detail {
 
-/// Whether all units are ASCII without capitals, which every folding leaves alone. Four units at a time.
-inline bool is_plain_lower(std::wstring_view text) noexcept {
-  std::size_t at = 0;
-  if constexpr (sizeof(wchar_t) == 2) {
-    constexpr std::uint64_t lanes = 0x0001000100010001;
-    const auto differs = [&text](std::size_t from) {
-      std::uint64_t word;
-      std::memcpy(&word, text.data() + from, sizeof word);
-      const std::uint64_t from_a = word + (0x80 - 'A') * lanes, beyond_z = word + (0x80 - 'Z' - 1) * lanes;
-      return ((word & 0xFF80 * lanes) | (from_a & ~beyond_z & 0x80 * lanes)) != 0;
-    };
-    for (; at + 4 <= text.size(); at += 4) {
-      if (differs(at)) return false;
-    }
-    if (at > 0) return at == text.size() || !differs(text.size() - 4);
-  }
-  for (; at < text.size(); ++at) {
-    if (static_cast<char16_t>(text[at]) >= 0x80 || texto::is_upper(text[at])) return false;
-  }
-  return true;
-}
-
-/// A text folded by `fold` unit for unit; texts that are folded already are only viewed.
+/// A text folded by `fold` unit for unit; a long one that is folded already is only viewed.
 template <wchar_t (*fold)(wchar_t)>
 class folded_text {
  public:
   explicit folded_text(std::wstring_view text) : view_(text) {
-    if (!is_plain_lower(text)) copy(text);
+    wchar_t* to = small_;
+    if (text.size() > sizeof small_ / sizeof *small_) {
+      if (std::all_of(text.begin(), text.end(), [](wchar_t c) { return fold(c) == c; })) return;
+      large_ = std::make_unique<wchar_t[]>(text.size());
+      to = large_.get();
+    }
+    copy(to, text);
+    view_ = {to, text.size()};
   }
   folded_text(const folded_text&) = delete;
   folded_text& operator=(const folded_text&) = delete;
@@ -49,19 +35,29 @@ class folded_text {
   std::wstring_view view() const noexcept { return view_; }
 
  private:
-  void copy(std::wstring_view text) {
-    wchar_t* to = small_;
-    if (text.size() > sizeof small_ / sizeof *small_) {
-      large_.resize(text.size());
-      to = large_.data();
+  /// Four ASCII units at a time, the others one by one.
+  static void copy(wchar_t* to, std::wstring_view text) noexcept {
+    std::size_t at = 0;
+    if constexpr (sizeof(wchar_t) == 2) {
+      constexpr std::uint64_t lanes = 0x0001000100010001;
+      for (; at + 4 <= text.size(); at += 4) {
+        std::uint64_t word;
+        std::memcpy(&word, text.data() + at, sizeof word);
+        if ((word & 0xFF80 * lanes) != 0) {
+          for (std::size_t n = at; n < at + 4; ++n) to[n] = fold(text[n]);
+          continue;
+        }
+        const std::uint64_t from_a = word + (0x80 - 'A') * lanes, beyond_z = word + (0x80 - 'Z' - 1) * lanes;
+        word |= (from_a & ~beyond_z & 0x80 * lanes) >> 2;
+        std::memcpy(to + at, &word, sizeof word);
+      }
     }
-    for (std::size_t at = 0; at < text.size(); ++at) to[at] = fold(text[at]);
-    view_ = {to, text.size()};
+    for (; at < text.size(); ++at) to[at] = fold(text[at]);
   }
 
   std::wstring_view view_;
+  std::unique_ptr<wchar_t[]> large_;
   wchar_t small_[64];
-  std::wstring large_;
 };
 
 using folded_key = folded_text<texto::to_lower>;       // A-Z only
