@@ -10,6 +10,7 @@
 #include <concepts>
 #include <iosfwd>
 #include <string>
+#include <type_traits>
 
 namespace ruvo {
 
@@ -33,7 +34,9 @@ class KESTA_API datetime : public lapse {
   /// The first instant of a day, yyyymmdd; as `long` for the shorter integers.
   datetime(long yyyymmdd, times::HUSO huso = huso_horario);
   template <std::integral T>
-  datetime(T yyyymmdd, times::HUSO huso = huso_horario) : datetime(static_cast<long>(yyyymmdd), huso) {}
+  datetime(T yyyymmdd, times::HUSO huso = huso_horario)
+      : datetime(static_cast<std::conditional_t<sizeof(T) < sizeof(long long), long, long long>>(yyyymmdd),
+                 huso) {}
   /// From the numbers of a day and a time of day.
   datetime(long yyyymmdd, long hhmmss, times::HUSO huso = huso_horario);
   datetime(long year, long month, long day, times::HUSO huso = huso_horario);
@@ -115,12 +118,17 @@ class KESTA_API datetime : public lapse {
   std::strong_ordering operator<=>(const date& day) const;
   std::strong_ordering operator<=>(const time& hour) const;
   /// Against seconds since 1970.
-  template <class T>
-  requires std::integral<T> || std::floating_point<T>
-  bool operator==(T seconds) const { return *this == datetime(whole(seconds)); }
-  template <class T>
-  requires std::integral<T> || std::floating_point<T> std::strong_ordering operator<=>(T seconds) const {
-    return *this <=> datetime(whole(seconds));
+  template <std::integral T>
+  bool operator==(T seconds) const {
+    return get_lapso() == static_cast<long long>(seconds);
+  }
+  template <std::integral T>
+  std::strong_ordering operator<=>(T seconds) const {
+    return get_lapso() <=> static_cast<long long>(seconds);
+  }
+  bool operator==(double seconds) const { return static_cast<double>(get_lapso()) == seconds; }
+  std::partial_ordering operator<=>(double seconds) const {
+    return static_cast<double>(get_lapso()) <=> seconds;
   }
 
   /// Hours.
@@ -131,13 +139,6 @@ class KESTA_API datetime : public lapse {
   datetime& operator--() { return *this -= 1; }
   datetime operator++(int);
   datetime operator--(int);
-
- private:
-  static double whole(double seconds) noexcept { return seconds; }
-  template <std::integral T>
-  static long long whole(T seconds) noexcept {
-    return static_cast<long long>(seconds);
-  }
 };
 
 /// Write the canonical format.

@@ -5,6 +5,7 @@
 #include <ruvo/api.hpp>
 #include <ruvo/fwd.hpp>
 
+#include <cstddef>
 #include <string>
 
 namespace ruvo {
@@ -13,11 +14,12 @@ namespace ruvo {
 /// a separator nor "\." at the end. The root of a drive keeps its separator ("C:\"). ".." components stay,
 /// except at the top of an absolute path, where they lead nowhere.
 ///
-/// Narrow text is UTF-8. The file system is asked only by exists(), is_directory(), is_file() and
-/// get_extension().
+/// Narrow text is UTF-8, and a null pointer an empty text. The file system is asked only by exists(),
+/// is_directory(), is_file() and get_extension().
 class KESTA_API file {
  public:
   file();
+  file(std::nullptr_t) : file() {}
   file(const char* path);
   file(const wchar_t* path);
   file(const std::string& path);

@@ -16,7 +16,7 @@ namespace ruvo {
 /// which it is broken down into calendar fields. -1 second stands for "no value".
 ///
 /// Every breaking down and building goes through the services of the calling thread's context, so two threads
-/// may read the same instant differently.
+/// may read the same instant differently. A null pointer in place of a text is an empty text.
 class KESTA_API lapse {
  public:
   /// The default mode.
@@ -38,7 +38,7 @@ class KESTA_API lapse {
   virtual bool add(int n, times::UNITS unit, exception* err = nullptr);
   /// Replaces SECONDS to YEARS by n, in the sense of get(), and normalises; other units change nothing. True
   /// on failure, as add().
-  virtual bool set(int n, times::UNITS unit, exception* err = nullptr);
+  bool set(int n, times::UNITS unit, exception* err = nullptr);
 
   /// The calendar record (month from 0, year from 1900) in the value's mode, in UTC or in local time; all
   /// zero on failure.

@@ -10,7 +10,7 @@
 
 namespace ruvo::platform {
 
-/// The system's text for an error number, without the line end; empty when it has none.
+/// The system's text for an error number, in one line and with its blanks; empty when it has none.
 std::wstring system_message(unsigned long number);
 /// The calling thread's last error number.
 unsigned long last_error() noexcept;

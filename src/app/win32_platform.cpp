@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <limits>
+#include <memory>
 
 #include "app/platform.hpp"
 #include "app/win32.hpp"
@@ -59,12 +60,14 @@ zone::rules read_rules(int year) {
 }  // namespace
 
 std::wstring system_message(unsigned long number) {
-  wchar_t buffer[1024];
-  DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, number,
-                                0, buffer, static_cast<DWORD>(std::size(buffer)), nullptr);
-  while (length && (buffer[length - 1] == L'\n' || buffer[length - 1] == L'\r' || buffer[length - 1] == L' '))
-    --length;
-  return {buffer, length};
+  constexpr DWORD user_language = 0x0400;
+  constexpr DWORD flags = FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM |
+                          FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK;
+  wchar_t* made = nullptr;
+  const DWORD length =
+      FormatMessageW(flags, nullptr, number, user_language, reinterpret_cast<wchar_t*>(&made), 0, nullptr);
+  const std::unique_ptr<wchar_t, decltype(&LocalFree)> owner(made, LocalFree);
+  return made ? std::wstring(made, length) : std::wstring();
 }
 
 unsigned long last_error() noexcept { return GetLastError(); }

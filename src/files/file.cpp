@@ -99,8 +99,8 @@ file& file::operator=(const wchar_t* path) { return *this = file(path); }
 file& file::operator=(const std::string& path) { return *this = file(path); }
 file& file::operator=(const std::wstring& path) { return *this = file(path); }
 
-void file::set_path(const char* path) { set_path(std::string(path)); }
-void file::set_path(const wchar_t* path) { set_path(std::wstring(path)); }
+void file::set_path(const char* path) { set_path(std::string(path ? path : "")); }
+void file::set_path(const wchar_t* path) { set_path(std::wstring(path ? path : L"")); }
 void file::set_path(const std::string& path) { set_path(texto::to_utf_16(path)); }
 void file::set_path(const std::wstring& path) {
   std::wstring cleaned(path);
@@ -163,8 +163,8 @@ file file::crop(const file& base) const {
   return out;
 }
 
-file& file::operator+=(const char* name) { return *this += std::string(name); }
-file& file::operator+=(const wchar_t* name) { return *this += std::wstring(name); }
+file& file::operator+=(const char* name) { return *this += std::string(name ? name : ""); }
+file& file::operator+=(const wchar_t* name) { return *this += std::wstring(name ? name : L""); }
 file& file::operator+=(const std::string& name) { return *this += texto::to_utf_16(name); }
 file& file::operator+=(const std::wstring& name) {
   std::size_t start = 0;

@@ -28,9 +28,9 @@ date::date(long year, long month, long day, times::HUSO huso) : lapse(0, huso) {
   build(year, month, day, fixed, fixed, fixed);
 }
 date::date(const char* text, times::HUSO huso, const std::string& format)
-    : date(std::string(text), huso, format) {}
+    : date(std::string(text ? text : ""), huso, format) {}
 date::date(const wchar_t* text, times::HUSO huso, const std::string& format)
-    : date(std::wstring(text), huso, format) {}
+    : date(std::wstring(text ? text : L""), huso, format) {}
 date::date(const std::string& text, times::HUSO huso, const std::string& format) : lapse(0, huso) {
   take(text, format);
 }
@@ -47,8 +47,8 @@ date& date::operator=(long yyyymmdd) {
   build(yyyymmdd / 10000, yyyymmdd / 100 % 100, yyyymmdd % 100, fixed, fixed, fixed);
   return *this;
 }
-date& date::operator=(const char* text) { return *this = std::string(text); }
-date& date::operator=(const wchar_t* text) { return *this = std::wstring(text); }
+date& date::operator=(const char* text) { return *this = std::string(text ? text : ""); }
+date& date::operator=(const wchar_t* text) { return *this = std::wstring(text ? text : L""); }
 date& date::operator=(const std::string& text) {
   take(text, canonical);
   return *this;

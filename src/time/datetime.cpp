@@ -41,8 +41,8 @@ datetime& datetime::operator=(double seconds) {
   set_lapso(seconds);
   return *this;
 }
-datetime& datetime::operator=(const char* text) { return *this = std::string(text); }
-datetime& datetime::operator=(const wchar_t* text) { return *this = std::wstring(text); }
+datetime& datetime::operator=(const char* text) { return *this = std::string(text ? text : ""); }
+datetime& datetime::operator=(const wchar_t* text) { return *this = std::wstring(text ? text : L""); }
 datetime& datetime::operator=(const std::string& text) {
   take(text, canonical);
   return *this;

@@ -30,9 +30,9 @@ time::time(long hour, long minute, long second, times::HUSO huso) : lapse(0, hus
   build(fixed_year, 1, 1, hour, minute, second);
 }
 time::time(const char* text, times::HUSO huso, const std::string& format)
-    : time(std::string(text), huso, format) {}
+    : time(std::string(text ? text : ""), huso, format) {}
 time::time(const wchar_t* text, times::HUSO huso, const std::string& format)
-    : time(std::wstring(text), huso, format) {}
+    : time(std::wstring(text ? text : L""), huso, format) {}
 time::time(const std::string& text, times::HUSO huso, const std::string& format) : lapse(0, huso) {
   take(text, format);
 }
@@ -49,8 +49,8 @@ time& time::operator=(long hhmmss) {
   build(fixed_year, 1, 1, hhmmss / 10000, hhmmss / 100 % 100, hhmmss % 100);
   return *this;
 }
-time& time::operator=(const char* text) { return *this = std::string(text); }
-time& time::operator=(const wchar_t* text) { return *this = std::wstring(text); }
+time& time::operator=(const char* text) { return *this = std::string(text ? text : ""); }
+time& time::operator=(const wchar_t* text) { return *this = std::wstring(text ? text : L""); }
 time& time::operator=(const std::string& text) {
   take(text, canonical);
   return *this;

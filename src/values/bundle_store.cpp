@@ -28,11 +28,15 @@ bool same_text(const std::wstring& a, std::wstring_view b) noexcept {
     std::memcpy(&value, at, sizeof value);
     return value;
   };
-  if (bytes < 8) return std::equal(a.begin(), a.end(), b.begin());
-  for (std::size_t at = 0; at + 8 < bytes; at += 8) {
+  std::size_t at = 0;
+  for (; at + 8 <= bytes; at += 8) {
     if (word(x + at) != word(y + at)) return false;
   }
-  return word(x + bytes - 8) == word(y + bytes - 8);
+  // Unit by unit: a key that was folded just now was written in the same pieces.
+  for (std::size_t unit = at / sizeof(wchar_t); unit < b.size(); ++unit) {
+    if (a[unit] != b[unit]) return false;
+  }
+  return true;
 }
 
 bool before(const bundle::entry* item, std::wstring_view key) noexcept { return item->first < key; }

@@ -35,6 +35,10 @@ class folded_text {
   std::wstring_view view() const noexcept { return view_; }
 
  private:
+  /// All foldings agree on ASCII.
+  static wchar_t fold_unit(wchar_t c) noexcept {
+    return static_cast<char16_t>(c) < 0x80 ? texto::to_lower(c) : fold(c);
+  }
   /// Four ASCII units at a time, the others one by one.
   static void copy(wchar_t* to, std::wstring_view text) noexcept {
     std::size_t at = 0;
@@ -44,7 +48,7 @@ class folded_text {
         std::uint64_t word;
         std::memcpy(&word, text.data() + at, sizeof word);
         if ((word & 0xFF80 * lanes) != 0) {
-          for (std::size_t n = at; n < at + 4; ++n) to[n] = fold(text[n]);
+          for (std::size_t n = at; n < at + 4; ++n) to[n] = fold_unit(text[n]);
           continue;
         }
         const std::uint64_t from_a = word + (0x80 - 'A') * lanes, beyond_z = word + (0x80 - 'Z' - 1) * lanes;
@@ -52,7 +56,7 @@ class folded_text {
         std::memcpy(to + at, &word, sizeof word);
       }
     }
-    for (; at < text.size(); ++at) to[at] = fold(text[at]);
+    for (; at < text.size(); ++at) to[at] = fold_unit(text[at]);
   }
 
   std::wstring_view view_;

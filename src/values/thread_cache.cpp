@@ -28,11 +28,9 @@ std::uint32_t hash_of(std::wstring_view key) noexcept {
     state = std::rotl(state, 23) + word * spread;
   }
   if (size % 8 != 0) {
-    if (size > 8) {
-      std::memcpy(&word, bytes + size - 8, 8);
-    } else {
-      for (const wchar_t unit : key) word = word << 16 | static_cast<char16_t>(unit);
-    }
+    word = 0;
+    for (const wchar_t unit : key.substr(size / 8 * 8 / sizeof(wchar_t)))
+      word = word << 16 | static_cast<char16_t>(unit);
     state = std::rotl(state, 23) + word * spread;
   }
   return static_cast<std::uint32_t>(((state ^ (state >> 32)) * spread) >> 32);

@@ -50,6 +50,7 @@ TEST(path, is_kept_in_one_form) {
     EXPECT_EQ(text(file(r.kept)), r.kept) << r.kept;
   }
   EXPECT_EQ(text(file("C:/a\xC3\xB1o")), L"C:\\año");
+  for (const file& none : {file(nullptr), file(static_cast<const char*>(nullptr))}) EXPECT_TRUE(none.empty());
 }
 
 TEST(path, is_taken_apart) {

@@ -4,6 +4,7 @@
 #include <ruvo/exc.hpp>
 
 #include <ctime>
+#include <limits>
 #include <sstream>
 
 #include <gtest/gtest.h>
@@ -195,6 +196,9 @@ TEST(calendar, comparing) {
   ruvo::time other_day(12, 0, 0);
   other_day += 1440;
   EXPECT_EQ(other_day, ruvo::time(120000));
+  EXPECT_TRUE(datetime(5LL) < 5.5 && 4.5 < datetime(5LL) && datetime(5ULL) == 5);
+  EXPECT_FALSE(datetime(5LL) == 5.5);
+  EXPECT_FALSE(datetime(-1LL) == std::numeric_limits<double>::quiet_NaN());
 }
 
 TEST(calendar, streams_write_the_canonical_text) {
