@@ -281,4 +281,11 @@ class KESTA_API bundle {
 
 KESTA_API std::wostream& operator<<(std::wostream& out, const bundle& value);
 
+/// The shared empty values to which the getters of a bundle refer when there is nothing to refer to.
+struct KESTA_API xvar_dummies {
+  /// Holds an empty value of the type, for bundle, list, binary, memo and std::wstring; null for any other.
+  /// Lives as long as the library; may be read by all threads at once.
+  static const xvar& of(const std::type_info& type);
+};
+
 }  // namespace ruvo

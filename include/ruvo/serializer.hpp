@@ -25,7 +25,6 @@
 namespace ruvo::serializer {
 
 // --- the roles
-// ----------------------------------------------------------------------------------------------
 
 /// Reads a text character by character into a bundle. Used through reset(), set_store(), and on_char() or
 /// next_character(), in that order.
@@ -87,7 +86,6 @@ class KESTA_API iwriter {
 };
 
 // --- JSON writers
-// -------------------------------------------------------------------------------------------
 
 /// What the JSON writers share: the text of scalars, lists and members. Derived writers that override
 /// raw_value, raw_key or raw_bundle are asked for every value; nesting is then limited by the stack where
@@ -145,7 +143,6 @@ class KESTA_API oauth_writer : public json_ordered_writer {
 };
 
 // --- JSON reader
-// --------------------------------------------------------------------------------------------
 
 /// Reads JSON text; lenient in many places. The open containers are the caller's; nothing is owned.
 ///
@@ -210,7 +207,6 @@ class KESTA_API json_reader : public ireader {
 };
 
 // --- JSON
-// ---------------------------------------------------------------------------------------------------
 
 /// Reads and writes JSON. An object is used by one thread at a time and may be used again and again.
 class KESTA_API json : public iserializer {

@@ -28,7 +28,7 @@ class KESTA_API xvar : public var {
 
   xvar() noexcept = default;
   xvar(const xvar& other);
-  xvar(xvar&& other) noexcept : var(std::move(other)), qualities_(other.qualities_) {
+  xvar(xvar&& other) noexcept : var(static_cast<var&&>(other)), qualities_(other.qualities_) {
     other.qualities_ = nullptr;
   }
   xvar(const var& value) : var(value) {}

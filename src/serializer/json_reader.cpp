@@ -12,9 +12,7 @@
 
 namespace ruvo::serializer {
 
-using detail::bundle_access;
 using detail::cell;
-using detail::key_view;
 using detail::kind;
 
 namespace {
@@ -70,7 +68,6 @@ void json_reader::clear_buffers() noexcept {
 }
 
 // --- character by character
-// ---------------------------------------------------------------------------------
 
 bool json_reader::on_char(wchar_t c, exception& result) {
   switch (state_) {
@@ -244,7 +241,6 @@ void json_reader::on_value_end(wchar_t c, exception& result) {
 }
 
 // --- nodes
-// --------------------------------------------------------------------------------------------------
 
 bool json_reader::in_list() const noexcept {
   return !open_nodes_.empty() && cell::kind_of(*open_nodes_.back()) == kind::list;

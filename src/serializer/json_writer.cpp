@@ -131,7 +131,6 @@ std::wstring text_of(Put put) {
 }  // namespace
 
 // --- the writers
-// --------------------------------------------------------------------------------------------
 
 json_writer::json_writer(bool null_as_empty) : null_as_empty_(null_as_empty) {}
 json_writer::~json_writer() = default;
@@ -211,7 +210,6 @@ std::wstring oauth_writer::raw_value(const xvar& value) {
 }
 
 // --- the walk
-// -----------------------------------------------------------------------------------------------
 
 json_emitter::json_emitter(json_writer& writer, texto::text_sink& out, exception& result, order members)
     : writer_(writer), out_(out), result_(result), order_(members) {

@@ -56,7 +56,8 @@ bool split_fixed(double magnitude, fixed_parts& parts) {
   const auto whole = static_cast<std::int64_t>(magnitude);
   const double rest = magnitude - static_cast<double>(whole);
   parts.whole = static_cast<std::uint64_t>(whole);
-  const std::uint64_t bits = static_cast<std::uint64_t>(static_cast<std::int64_t>(rest * 9223372036854775808.0)) * 2;
+  const std::uint64_t bits =
+      static_cast<std::uint64_t>(static_cast<std::int64_t>(rest * 9223372036854775808.0)) * 2;
   const std::uint64_t low = (bits & 0xFFFFFFFF) * 1000000;
   const std::uint64_t high = (bits >> 32) * 1000000 + (low >> 32);
   parts.millionths = static_cast<std::uint32_t>(high >> 32);

@@ -3,7 +3,9 @@
 #include <ruvo/list.hpp>
 #include <ruvo/memo.hpp>
 
+#include <algorithm>
 #include <exception>
+#include <iterator>
 #include <ostream>
 #include <stdexcept>
 #include <typeinfo>
@@ -51,17 +53,9 @@ xvar& put_in(bundle& in, std::wstring_view folded) {
   return bundle_access::made_store(in).put(key_view(folded))->second;
 }
 
-/// Stands for every object that is asked for and not there.
-template <class T>
-const T& nothing() {
-  static const T none;
-  return none;
-}
-
 }  // namespace
 
 // --- entries
-// ------------------------------------------------------------------------------------------------
 
 bundle::entry::entry(const entry& other) : first(other.first), second(other.second) {
   detail::retain(bundle_store::key_of(&other));
@@ -75,7 +69,6 @@ bundle::entry* bundle::step(const bundle_store* store, const entry* at, std::siz
 }
 
 // --- construction and assignment
-// ----------------------------------------------------------------------------
 
 bundle::bundle() noexcept = default;
 bundle::bundle(const bundle& other) : store_(other.empty() ? nullptr : detail::copy_store(*other.store_)) {}
@@ -111,7 +104,6 @@ bundle::operator xvar() && {
 }
 
 // --- direct access
-// ------------------------------------------------------------------------------------------
 
 xvar& bundle::operator[](const std::wstring& key) { return put_in(*this, folded_key(key).view()); }
 xvar& bundle::operator[](const std::string& key) { return (*this)[widened(key)]; }
@@ -167,7 +159,6 @@ void bundle::reserve(size_type count) {
 bundle::iterator bundle::begin() noexcept { return {store_, store_ ? store_->first() : nullptr, 0}; }
 
 // --- paths
-// --------------------------------------------------------------------------------------------------
 
 const xvar* bundle::get_ptr(const std::wstring& path, char separator) const {
   const folded_path folded(path);
@@ -233,7 +224,6 @@ binary& bundle::hack_nc_binary_on(const std::wstring& path, const binary& initia
 }
 
 // --- typed getters
-// ------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -354,12 +344,12 @@ const memo& bundle::get_memo(const std::wstring& path, const memo& fallback, cha
 
 const bundle& bundle::get_bundle(const std::wstring& path, char separator) const {
   const bundle* const held = bundle_in(get_ptr(path, separator));
-  return held ? *held : nothing<bundle>();
+  return held ? *held : cell::as_bundle(xvar_dummies::of(typeid(bundle)));
 }
 
 const list& bundle::get_list(const std::wstring& path, char separator) const {
   const list* const held = list_in(get_ptr(path, separator));
-  return held ? *held : nothing<list>();
+  return held ? *held : cell::as_list(xvar_dummies::of(typeid(list)));
 }
 
 const bundle& bundle::get_nc_bundle(const std::wstring& path, const bundle& fallback, char separator) const {
@@ -373,7 +363,6 @@ const list& bundle::get_nc_list(const std::wstring& path, const list& fallback, 
 }
 
 // --- narrow paths
-// -------------------------------------------------------------------------------------------
 
 const xvar* bundle::get_ptr(const std::string& path, char separator) const {
   return get_ptr(widened(path), separator);
@@ -476,8 +465,14 @@ const list& bundle::get_nc_list(const std::string& path, const list& fallback, c
   return get_nc_list(widened(path), fallback, separator);
 }
 
+const xvar& xvar_dummies::of(const std::type_info& type) {
+  static const xvar none, all[] = {bundle(), list(), binary(), memo(), L""};
+  const auto found =
+      std::find_if(std::begin(all), std::end(all), [&](const xvar& v) { return v.instanceof (type); });
+  return found == std::end(all) ? none : *found;
+}
+
 // --- text and comparison
-// ------------------------------------------------------------------------------------
 
 std::wstring bundle::to_string() const {
   std::wstring text;

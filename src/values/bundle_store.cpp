@@ -13,7 +13,6 @@
 namespace ruvo::detail {
 
 // --- order of a large store
-// ---------------------------------------------------------------------------------
 
 namespace {
 
@@ -83,7 +82,6 @@ void bundle_store::large_order::erase(const entry* item) noexcept {
 }
 
 // --- memory
-// -------------------------------------------------------------------------------------------------
 
 bundle_store* bundle_store::make(std::size_t capacity) {
   const std::size_t bytes =
@@ -199,7 +197,6 @@ void bundle_store::give_place(void* place) noexcept {
 }
 
 // --- the arrays of a small store
-// ----------------------------------------------------------------------------
 
 bundle::entry* bundle_store::find_in_arrays(const key_view& key) const noexcept {
   const std::uint32_t* const all = hashes();
@@ -251,7 +248,6 @@ void bundle_store::erase_from_arrays(const entry* item) noexcept {
 }
 
 // --- entries
-// ------------------------------------------------------------------------------------------------
 
 bundle::entry* bundle_store::find(const key_view& key) const noexcept {
   if (!large_) return find_in_arrays(key);

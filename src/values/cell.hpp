@@ -90,7 +90,7 @@ struct cell {
     v.set(kind, static_cast<long long>(reinterpret_cast<std::intptr_t>(owned)));
   }
   template <class T>
-  static T& set_box(var& v, kind kind, T&& value = T()) {
+  static T& set_box(var& v, kind kind, T value) {
     auto* const box = make<boxed<T>>(std::move(value));
     set_pointer(v, kind, box);
     return box->value;

@@ -23,7 +23,6 @@ using detail::cell;
 using detail::kind;
 
 // --- kinds
-// --------------------------------------------------------------------------------------------------
 
 namespace detail {
 
@@ -104,7 +103,6 @@ std::wstring& cell::on_string(var& v) {
 }  // namespace detail
 
 // --- construction, assignment, destruction
-// ------------------------------------------------------------------
 
 namespace {
 
@@ -181,7 +179,6 @@ void var::destroy() noexcept {
 }
 
 // --- questions
-// ----------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -259,7 +256,6 @@ bool var::can_be_boolean() const {
 }
 
 // --- text
-// ---------------------------------------------------------------------------------------------------
 
 namespace detail {
 
@@ -318,7 +314,6 @@ std::wostream& operator<<(std::wostream& out, const var& value) {
 }
 
 // --- conversions
-// --------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -465,7 +460,6 @@ var::operator datetime() const {
 }
 
 // --- comparison
-// ---------------------------------------------------------------------------------------------
 
 bool var::equals(const var& other) const {
   if (is_null() || other.is_null()) return is_null() && other.is_null();

@@ -22,7 +22,6 @@ using ruvo::xvar;
 namespace {
 
 // --- xvar
-// ---------------------------------------------------------------------------------------------------
 
 TEST(xvar, qualities_ignore_case_and_keep_their_spelling) {
   xvar x = 5;
@@ -68,7 +67,6 @@ TEST(xvar, assignment_merges_qualities) {
 }
 
 // --- list
-// ---------------------------------------------------------------------------------------------------
 
 TEST(list, text_forms) {
   xvar qualified = 5;
@@ -131,7 +129,6 @@ TEST(list, appends_and_removes) {
 }
 
 // --- bundle
-// -------------------------------------------------------------------------------------------------
 
 TEST(bundle, keys_fold_and_remember_their_order) {
   bundle b;

@@ -88,7 +88,8 @@ std::string predicates_of(const var& v) {
 TEST(var, kinds) {
   for (const kind_row& row : kinds()) {
     SCOPED_TRACE(row.name);
-    EXPECT_TRUE(row.type ? row.value.get_type() && *row.value.get_type() == *row.type : !row.value.get_type());
+    EXPECT_TRUE(row.type ? row.value.get_type() && *row.value.get_type() == *row.type
+                         : !row.value.get_type());
     EXPECT_EQ(row.value.to_string(), row.text);
     EXPECT_EQ(predicates_of(row.value), row.predicates);
     EXPECT_EQ(row.value.empty(), row.value.to_string().empty());
