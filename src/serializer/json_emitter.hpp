@@ -9,14 +9,14 @@
 #include <string>
 #include <vector>
 
-#include "texto/sink.hpp"
+#include "serializer/sink.hpp"
 #include "values/bundle_store.hpp"
 #include "values/cell.hpp"
 
 namespace ruvo::serializer {
 
 /// The text of one scalar value, see json_writer::raw_value.
-void put_json_scalar(texto::text_sink& out, const xvar& value, bool escaped, bool null_as_empty);
+void put_json_scalar(text_sink& out, const xvar& value, bool escaped, bool null_as_empty);
 
 /// One walk over a value for a writer. For the library's own writers it does everything itself; for writers
 /// derived from them it asks their virtual operations for keys, scalars and nested bundles.
@@ -25,7 +25,7 @@ class json_emitter {
   enum class order { unknown, by_key, by_position };
 
   /// `members` is the order of a bundle that a derived writer left to the base class.
-  json_emitter(json_writer& writer, texto::text_sink& out, exception& result, order members = order::unknown);
+  json_emitter(json_writer& writer, text_sink& out, exception& result, order members = order::unknown);
 
   /// Whether nested bundles need no virtual operation.
   bool walks_bundles() const noexcept { return own_; }
@@ -59,7 +59,7 @@ class json_emitter {
   void element(const xvar& value);
 
   json_writer& writer_;
-  texto::text_sink& out_;
+  text_sink& out_;
   exception& result_;
   order order_;
   bool own_, escaped_;

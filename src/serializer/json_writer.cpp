@@ -48,7 +48,7 @@ wchar_t* print_escape(wchar_t* to, wchar_t c) noexcept {
   return to;
 }
 
-void put_quoted(texto::text_sink& out, std::wstring_view text, bool escaped) {
+void put_quoted(text_sink& out, std::wstring_view text, bool escaped) {
   wchar_t* to = out.room(2 + (escaped ? 2 : 1) * text.size());
   *to++ = L'"';
   const wchar_t* at = text.data();
@@ -56,7 +56,7 @@ void put_quoted(texto::text_sink& out, std::wstring_view text, bool escaped) {
   while (at != end) {
     const wchar_t* const stop = escaped ? find_escaped(at, end) : end;
     const auto plain = static_cast<std::size_t>(stop - at);
-    texto::text_sink::copy(to, at, plain);
+    text_sink::copy(to, at, plain);
     to += plain;
     at = stop;
     if (at != end) to = print_escape(to, *at++);
@@ -65,7 +65,7 @@ void put_quoted(texto::text_sink& out, std::wstring_view text, bool escaped) {
   out.advance(to);
 }
 
-void put_number(texto::text_sink& out, const xvar& value) {
+void put_number(text_sink& out, const xvar& value) {
   wchar_t* const to = out.room(texto::most_number_units);
   wchar_t* end = nullptr;
   if (cell::kind_of(value) == kind::uxlong) {
@@ -97,7 +97,7 @@ class lent_bundle {
 
 }  // namespace
 
-void put_json_scalar(texto::text_sink& out, const xvar& value, bool escaped, bool null_as_empty) {
+void put_json_scalar(text_sink& out, const xvar& value, bool escaped, bool null_as_empty) {
   switch (cell::kind_of(value)) {
     case kind::null:
       return null_as_empty ? out.put_literal(L"\"\"") : out.put_literal(L"null");
@@ -123,7 +123,7 @@ namespace {
 /// What `put` puts into a sink, as a text.
 template <class Put>
 std::wstring text_of(Put put) {
-  texto::text_sink sink;
+  text_sink sink;
   put(sink);
   return sink.text();
 }
@@ -136,7 +136,7 @@ json_writer::json_writer(bool null_as_empty) : null_as_empty_(null_as_empty) {}
 json_writer::~json_writer() = default;
 
 std::wstring json_writer::raw_value(const xvar& value) {
-  return text_of([&](texto::text_sink& out) { put_json_scalar(out, value, true, null_as_empty_); });
+  return text_of([&](text_sink& out) { put_json_scalar(out, value, true, null_as_empty_); });
 }
 
 std::wstring& json_writer::raw_key(std::wstring& key) { return key; }
@@ -145,7 +145,7 @@ bool json_writer::write(std::wstring& out, const bundle& in, exception* err, int
   exception result;
   const std::wstring indentation = indentation_;
   try {
-    texto::text_sink sink;
+    text_sink sink;
     json_emitter emitter(*this, sink, result);
     if (const auto array = in.find(array_key); array != in.end()) {
       emitter.write_list(array->second);
@@ -165,13 +165,13 @@ bool json_writer::write(std::wstring& out, const bundle& in, exception* err, int
 }
 
 bool json_writer::raw_list(std::wostringstream& out, const xvar& value, exception& result) {
-  out << text_of([&](texto::text_sink& sink) { json_emitter(*this, sink, result).write_list(value); });
+  out << text_of([&](text_sink& sink) { json_emitter(*this, sink, result).write_list(value); });
   return result.WRONG();
 }
 
 bool json_writer::raw_xvar(std::wostringstream& out, std::wstring& key, const xvar& value,
                            exception& result) {
-  out << text_of([&](texto::text_sink& sink) { json_emitter(*this, sink, result).write_member(key, value); });
+  out << text_of([&](text_sink& sink) { json_emitter(*this, sink, result).write_member(key, value); });
   return result.WRONG();
 }
 
@@ -183,7 +183,7 @@ bool write_own_bundle(json_emitter::order members, json_writer& writer, std::wos
     exc::NullPointer().copy_on(result);
     return true;
   }
-  out << text_of([&](texto::text_sink& sink) {
+  out << text_of([&](text_sink& sink) {
     json_emitter(writer, sink, result, members).write_members(cell::as_bundle(value));
   });
   return result.WRONG();
@@ -206,12 +206,12 @@ bool json_unordered_writer::raw_bundle(std::wostringstream& out, const xvar& val
 oauth_writer::oauth_writer() = default;
 oauth_writer::~oauth_writer() = default;
 std::wstring oauth_writer::raw_value(const xvar& value) {
-  return text_of([&](texto::text_sink& out) { put_json_scalar(out, value, false, true); });
+  return text_of([&](text_sink& out) { put_json_scalar(out, value, false, true); });
 }
 
 // --- the walk
 
-json_emitter::json_emitter(json_writer& writer, texto::text_sink& out, exception& result, order members)
+json_emitter::json_emitter(json_writer& writer, text_sink& out, exception& result, order members)
     : writer_(writer), out_(out), result_(result), order_(members) {
   const std::type_info& type = typeid(writer);
   own_ = type == typeid(json_ordered_writer) || type == typeid(json_unordered_writer) ||
@@ -327,7 +327,7 @@ void json_emitter::member(const std::wstring& key, const xvar& value) {
 void json_emitter::put_key(const std::wstring& key) {
   wchar_t* to = out_.room(key.size() + 3);
   *to++ = L'"';
-  texto::text_sink::copy(to, key.data(), key.size());
+  text_sink::copy(to, key.data(), key.size());
   to += key.size();
   *to++ = L'"';
   *to++ = L':';

@@ -5,12 +5,13 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace ruvo::texto {
+#include "values/thread_cache.hpp"
+
+namespace ruvo::serializer {
 
 /// Collects a text in blocks of its own, so that what is written is never moved and a large result is
 /// allocated once, in its final size.
@@ -19,6 +20,9 @@ class text_sink {
   text_sink() noexcept : from_(first_), at_(first_), end_(first_ + sizeof first_ / sizeof *first_) {}
   text_sink(const text_sink&) = delete;
   text_sink& operator=(const text_sink&) = delete;
+  ~text_sink() {
+    for (const block& b : owned_) detail::give_block(b.units, b.size * sizeof(wchar_t));
+  }
 
   std::wstring text() const {
     std::wstring out;
@@ -73,30 +77,34 @@ class text_sink {
   }
 
  private:
-  static constexpr std::size_t block_units = std::size_t{1} << 16;
+  static constexpr std::size_t block_units = 16384 / sizeof(wchar_t);  // what a thread keeps at most
 
   struct block {
-    const wchar_t* units;
+    wchar_t* units;
     std::size_t size;
   };
 
   void begin_block(std::size_t units) {
-    const std::size_t wanted = std::max(units, full_.empty() ? block_units / 16 : block_units);
-    std::unique_ptr<wchar_t[]> made(new wchar_t[wanted]);
-    full_.reserve(full_.size() + 1);
-    owned_.push_back(std::move(made));
-    const auto size = static_cast<std::size_t>(at_ - from_);
-    full_.push_back({from_, size});
-    full_units_ += size;
-    from_ = at_ = owned_.back().get();
-    end_ = at_ + wanted;
+    if (full_.size() == full_.capacity()) full_.reserve(2 * full_.size() + 4);
+    owned_.emplace_back();
+    try {
+      const std::size_t size = std::max(units, block_units);
+      owned_.back() = {static_cast<wchar_t*>(detail::take_block(size * sizeof(wchar_t))), size};
+    } catch (...) {
+      owned_.pop_back();
+      throw;
+    }
+    const auto used = static_cast<std::size_t>(at_ - from_);
+    full_.push_back({from_, used});
+    full_units_ += used;
+    from_ = at_ = owned_.back().units;
+    end_ = at_ + owned_.back().size;
   }
 
-  std::vector<block> full_;
-  std::vector<std::unique_ptr<wchar_t[]>> owned_;
+  std::vector<block> full_, owned_;
   std::size_t full_units_ = 0;
   wchar_t *from_, *at_, *end_;  // the open block
   wchar_t first_[256];
 };
 
-}  // namespace ruvo::texto
+}  // namespace ruvo::serializer
