@@ -160,6 +160,50 @@ TEST(json_hostile, both_ways_of_reading_agree) {
   }
 }
 
+TEST(json_hostile, soups_of_tokens) {
+  static const wchar_t* const tokens[] = {L"{",
+                                          L"}",
+                                          L"[",
+                                          L"]",
+                                          L",",
+                                          L":",
+                                          L"\"",
+                                          L"\"\"",
+                                          L"\"a\"",
+                                          L"1",
+                                          L"-",
+                                          L".5",
+                                          L"1.5",
+                                          L"true",
+                                          L"fals",
+                                          L"null",
+                                          L"nil",
+                                          L" ",
+                                          L"\"k\":",
+                                          L"\"\":",
+                                          L"\\",
+                                          L"{\"o\":",
+                                          L"[{",
+                                          L"},{",
+                                          L"]}",
+                                          L"\"\\\"\"",
+                                          L"N",
+                                          L"\"a:b\":",
+                                          L"9999999999999999999",
+                                          L"{\"\":",
+                                          L"T",
+                                          L"\"x\","};
+  std::mt19937 random(5);
+  json j;
+  for (int i = 0; i < 60000; ++i) {
+    std::wstring text = random() % 4 == 0 ? L"[" : L"{\"o\":{";
+    for (unsigned n = random() % 25; n > 0; --n) text += tokens[random() % (sizeof tokens / sizeof *tokens)];
+    const outcome fast = read_at_once(j, text), slow = read_by_character(text);
+    ASSERT_EQ(fast.store, slow.store) << i << " " << testing::PrintToString(text);
+    ASSERT_EQ(fast.report, slow.report) << i << " " << testing::PrintToString(text);
+  }
+}
+
 TEST(json_hostile, every_prefix) {
   generator g(3);
   json j;

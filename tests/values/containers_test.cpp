@@ -11,6 +11,7 @@
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -304,6 +305,25 @@ TEST(bundle, behaves_like_a_map_with_a_memory_of_positions) {
       return again;
     }());
   }
+}
+
+TEST(bundle, may_be_made_and_destroyed_by_different_threads) {
+  std::vector<bundle> made(8);
+  const bundle shared = {{L"a shared key", L"a text that takes a block"}, {L"list", list{1, 2, 3}}};
+  for (int round = 0; round < 20; ++round) {
+    std::vector<std::thread> threads;
+    for (std::size_t n = 0; n < made.size(); ++n) {
+      threads.emplace_back([&made, &shared, n] {
+        made[n] = shared;
+        for (int i = 0; i < 100; ++i)
+          made[n][L"key number " + std::to_wstring(i)] = L"another text that takes a block";
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+    std::rotate(made.begin(), made.begin() + 1, made.end());  // the next round frees what another thread made
+    for (const bundle& b : made) ASSERT_EQ(b.size(), 102U);
+  }
+  EXPECT_EQ(made[0].get_string(L"a shared key"), L"a text that takes a block");
 }
 
 TEST(bundle, iterators_survive_changes_around_them) {
