@@ -4,7 +4,10 @@
 #include <ruvo/exception.hpp>
 #include <ruvo/list.hpp>
 #include <ruvo/serializer.hpp>
+#include <ruvo/texto.hpp>
 
+#include <fstream>
+#include <iterator>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -212,6 +215,19 @@ TEST(json_hostile, every_prefix) {
     for (std::size_t n = 0; n <= text.size(); ++n) {
       ASSERT_EQ(read_at_once(j, text.substr(0, n)), read_by_character(text.substr(0, n))) << i << "." << n;
     }
+  }
+}
+
+TEST(json_hostile, a_real_document_cut_and_mutated) {
+  std::ifstream in(KESTA_DATA_DIR "/pedido.json", std::ios::binary);
+  const std::wstring text = ruvo::texto::to_utf_16(std::string{std::istreambuf_iterator<char>(in), {}});
+  ASSERT_GT(text.size(), 1000U);
+  generator g(6);
+  json j;
+  for (std::size_t n = 0; n < text.size(); ++n) {
+    ASSERT_EQ(read_at_once(j, text.substr(0, n)), read_by_character(text.substr(0, n))) << n;
+    const std::wstring bad = g.mutated(g.mutated(text));
+    ASSERT_EQ(read_at_once(j, bad), read_by_character(bad)) << testing::PrintToString(bad);
   }
 }
 
