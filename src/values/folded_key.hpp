@@ -2,7 +2,7 @@
 
 // Keys and paths on their way in: folded to lower case without allocation where they are short.
 
-#include <ruvo/texto.hpp>
+#include <ruvo/texto/words.hpp>
 
 #include <algorithm>
 #include <cstdint>
