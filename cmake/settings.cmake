@@ -11,7 +11,7 @@ function(kesta_settings target)
       $<$<BOOL:${KESTA_WERROR}>:/WX>)
   else()
     target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wpedantic -Wconversion -Wshadow
-      -Wnon-virtual-dtor -Wextra-semi -Wundef $<$<BOOL:${KESTA_WERROR}>:-Werror>>)
+      -Wno-sign-conversion -Wnon-virtual-dtor -Wextra-semi -Wundef $<$<BOOL:${KESTA_WERROR}>:-Werror>>)
     # Index and null checks of the standard library, in release builds too: they cost nothing that can be measured.
     target_compile_definitions(${target} PRIVATE _GLIBCXX_ASSERTIONS)
   endif()
@@ -21,7 +21,9 @@ endfunction()
 function(kesta_library_settings target)
   kesta_settings(${target})
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/src)
-  target_link_libraries(${target} PRIVATE advapi32 ole32)
+  if(WIN32)
+    target_link_libraries(${target} PRIVATE advapi32 ole32)
+  endif()
 endfunction()
 
 # A program of the project, linked with `library`.

@@ -5,10 +5,10 @@
 namespace ruvo::times {
 
 /// How seconds are broken down into calendar fields: LOCAL by the machine's zone, anything else in UTC.
-enum HUSO { GMT = 0, LOCAL = 1 };
+enum HUSO : int { GMT = 0, LOCAL = 1 };
 
-/// A calendar field.
-enum UNITS {
+/// A calendar field. Any other number names no field, and is taken as such.
+enum UNITS : int {
   SECONDS = 1,
   MINUTES = 2,
   HOURS = 3,

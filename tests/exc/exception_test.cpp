@@ -165,7 +165,7 @@ TEST(Exception, CodeTellsItsParts) {
   EXPECT_EQ(error.get_facility(), 3001u);
   EXPECT_EQ(error.get_severity(), 3u);
   EXPECT_EQ(error.get_customer(), 1u);
-  EXPECT_EQ(static_cast<unsigned long>(static_cast<long>(error)), error.get_raw_code());
+  EXPECT_EQ(static_cast<std::uint32_t>(static_cast<long>(error)), error.get_raw_code());
   const ruvo::exception plain(0x00070005, L"x");
   EXPECT_EQ(plain.get_severity() + plain.get_customer(), 0u);
   EXPECT_EQ(plain.get_facility(), 7u);

@@ -124,12 +124,15 @@ TEST(path, is_cut_below_a_folder) {
 }
 
 TEST(path, asks_the_file_system) {
-  const file folder(L"C:\\windows");
+  const file folder(KESTA_DATA_DIR);
   EXPECT_TRUE(folder.exists() && folder.is_directory() && !folder.is_file());
   EXPECT_EQ(folder.get_extension(), L"");
+  file document = folder;
+  document += "pedido.json";
+  EXPECT_TRUE(document.is_file() && !document.is_directory());
   const file missing(L"C:\\no hay tal cosa.txt");
   EXPECT_FALSE(missing.exists() || missing.is_directory() || missing.is_file());
-  EXPECT_FALSE(file(std::wstring(L"C:\\windows\0x", 12)).exists());
+  EXPECT_FALSE(file(static_cast<std::wstring>(folder) + std::wstring(L"\0x", 2)).exists());
   EXPECT_FALSE(file().exists());
 }
 

@@ -29,6 +29,13 @@ void* operator new(std::size_t size) {
   ++live;
   return block;
 }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  try {
+    return operator new(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
 void operator delete(void* block) noexcept {
   if (block) --live;
   std::free(block);

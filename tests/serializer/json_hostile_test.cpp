@@ -14,49 +14,16 @@
 
 #include <gtest/gtest.h>
 
+#include "support/json_outcome.hpp"
+
 using ruvo::bundle;
 using ruvo::serializer::json;
-using ruvo::serializer::json_reader;
+
+using json_outcome::outcome;
+using json_outcome::read_at_once;
+using json_outcome::read_by_character;
 
 namespace {
-
-struct outcome {
-  std::wstring store, report;
-  bool operator==(const outcome&) const = default;
-};
-
-std::wstring widened(const char* text) { return {text, text + std::char_traits<char>::length(text)}; }
-
-outcome read_at_once(json& j, const std::wstring& text) {
-  bundle b;
-  ruvo::exception error;
-  outcome o;
-  try {
-    j.deserialize(b, text, &error);
-    o.report = static_cast<std::wstring>(error);
-  } catch (const std::logic_error& e) {
-    o.report = widened(e.what());
-  }
-  o.store = b.to_string();
-  return o;
-}
-
-outcome read_by_character(const std::wstring& text) {
-  json_reader reader;
-  bundle b;
-  ruvo::exception error;
-  outcome o;
-  reader.reset();
-  reader.set_store(b);
-  try {
-    for (const wchar_t c : text) reader.next_character(c, error);
-    o.report = static_cast<std::wstring>(error);
-  } catch (const std::logic_error& e) {
-    o.report = widened(e.what());
-  }
-  o.store = b.to_string();
-  return o;
-}
 
 class generator {
  public:

@@ -1,0 +1,14 @@
+// Reading JSON: at once and character by character agree in the store and in the error.
+
+#include "fuzz.hpp"
+#include "support/json_outcome.hpp"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::wstring text = fuzz::wide(data, size);
+  ruvo::serializer::json reader;
+  const json_outcome::outcome at_once = json_outcome::read_at_once(reader, text);
+  FUZZ_CHECK(at_once == json_outcome::read_by_character(text));
+  // A reader that failed reads the next text like a fresh one.
+  FUZZ_CHECK(at_once == json_outcome::read_at_once(reader, text));
+  return 0;
+}
