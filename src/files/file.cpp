@@ -19,11 +19,11 @@ bool has_drive(std::wstring_view path) {
   return path.size() >= 2 && texto::is_alpha(path[0]) && path[1] == L':';
 }
 
-/// The length of "server\share" at `from`.
+/// Where "server\share", or "server" alone, that begins at `from` ends.
 std::size_t share_end(std::wstring_view path, std::size_t from) {
-  const std::size_t server = path.find(L'\\', from);
-  if (server == path.npos) return path.size();
-  return std::min(path.find(L'\\', server + 1), path.size());
+  const std::size_t server = std::min(path.find(L'\\', from), path.size());
+  const std::size_t share = path.find_first_not_of(L'\\', server);
+  return share == path.npos ? server : std::min(path.find(L'\\', share), path.size());
 }
 
 /// The length of the root, which for a drive holds its separator.
@@ -33,7 +33,7 @@ std::size_t root_length(std::wstring_view path) {
     start = long_prefix.size();
     if (path.substr(start).starts_with(long_share)) return share_end(path, start + long_share.size());
     if (!has_drive(path.substr(start))) return start;
-  } else if (path.starts_with(L"\\\\")) {
+  } else if (path.starts_with(L"\\\\") && path.size() > 2 && path[2] != L'\\') {
     return share_end(path, 2);
   }
   if (has_drive(path.substr(start))) start += 2;
@@ -43,20 +43,19 @@ std::size_t root_length(std::wstring_view path) {
 /// Drops "." components at the start, and ".." components that would climb above a root.
 void limpia_ruta_inicio(std::wstring& path) {
   const std::size_t root = root_length(path);
+  if (path.starts_with(long_prefix) && root == long_prefix.size()) return;  // a device's name, taken as it is
   const bool absolute = root > 0 && path[root - 1] != L':';
   std::size_t from = root;
   if (absolute)
     while (from < path.size() && path[from] == L'\\') ++from;
   for (;;) {
     const std::wstring_view rest = std::wstring_view(path).substr(from);
-    if (rest.starts_with(L".\\") && rest.size() > 2)
-      from += 2;
-    else if (absolute && rest.starts_with(L"..\\"))
-      from += 3;
-    else if (absolute && rest == L"..")
-      from += 2;
-    else
-      break;
+    const bool climbs = absolute && (rest.starts_with(L"..\\") || rest == L"..");
+    if (!climbs && !rest.starts_with(L".\\")) break;
+    const std::size_t next = rest.find_first_not_of(L'\\', climbs ? 2 : 1);
+    if (next == rest.npos && !absolute) break;  // nothing else: "." stays
+    if (root == 0 && has_drive(rest.substr(next))) break;  // a name that only looks like a drive
+    from = next == rest.npos ? path.size() : from + next;
   }
   const std::size_t keep = absolute && from > root && from < path.size() && path[root - 1] != L'\\' ? 1 : 0;
   path.erase(root + keep, from - root - keep);
