@@ -7,6 +7,8 @@
 // is a blank, a digit or a letter, unless a function says so. All functions are reentrant.
 
 #include <ruvo/texto/encoding.hpp>
+#include <ruvo/texto/identifiers.hpp>
+#include <ruvo/texto/markup.hpp>
 #include <ruvo/texto/numbers.hpp>
 #include <ruvo/texto/search.hpp>
 #include <ruvo/texto/words.hpp>

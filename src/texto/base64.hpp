@@ -10,6 +10,11 @@ namespace ruvo::texto {
 
 constexpr std::size_t base64_size(std::size_t bytes) noexcept { return (bytes + 2) / 3 * 4; }
 
+/// Room for what so many characters decode to.
+constexpr std::size_t base64_room(std::size_t characters) noexcept {
+  return characters / 4 * 3 + characters % 4;
+}
+
 /// Writes base64_size(count) characters, '=' included.
 void base64_encode_to(char* out, const unsigned char* bytes, std::size_t count, bool url_safe) noexcept;
 void base64_encode_to(wchar_t* out, const unsigned char* bytes, std::size_t count, bool url_safe) noexcept;

@@ -1,41 +1,41 @@
 #include <ruvo/texto.hpp>
 
+#include <algorithm>
+#include <ostream>
+#include <sstream>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
 
+#include "app/platform.hpp"
 #include "texto/ascii.hpp"
 #include "texto/base64.hpp"
+#include "texto/hex.hpp"
 #include "texto/utf.hpp"
 
 namespace ruvo::texto {
 
 namespace {
 
-template <class Text>
-std::wstring to_hex(const Text& text) {
-  std::wstring hex;
-  hex.reserve(text.size() * 2);
-  for (const auto c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    hex.push_back(L"0123456789abcdef"[byte >> 4]);
-    hex.push_back(L"0123456789abcdef"[byte & 15]);
-  }
+constexpr unsigned int system_page = 0;
+
+template <class Char>
+std::wstring to_hex(const Char* text, std::size_t count) {
+  std::wstring hex(count * 2, L'\0');
+  hex_encode_to(hex.data(), text, count);
   return hex;
 }
 
 template <class Text>
 Text from_hex(const Text& hex) {
   Text text(hex.size() / 2, typename Text::value_type());
-  const auto digit = [&hex](std::size_t at) { return hex_char_to_int(static_cast<wchar_t>(hex[at])); };
-  for (std::size_t i = 0; i < text.size(); ++i)
-    text[i] = static_cast<typename Text::value_type>(digit(2 * i) << 4 | digit(2 * i + 1));
+  if (!hex_decode_to(text.data(), hex.data(), text.size())) throw std::invalid_argument("invalid hex digit");
   return text;
 }
 
 template <class Text>
 void decode(Text& out, const Text& in) {
-  Text made(in.size(), typename Text::value_type());
+  Text made(base64_room(in.size()), typename Text::value_type());
   made.resize(static_cast<std::size_t>(base64_decode_to(made.data(), in) - made.data()));
   out = std::move(made);
 }
@@ -47,6 +47,19 @@ std::string to_utf_8(const std::wstring& text) { return to_utf_8(std::wstring_vi
 
 void remove_win_bom(std::string& text) {
   if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
+}
+
+std::string to_utf8(const std::string& text, const std::locale&) {
+  return to_utf_8(platform::from_code_page(text, system_page));
+}
+
+std::string from_utf8(const std::string& text, const std::locale&) {
+  return platform::to_code_page(to_utf_16(text), system_page);
+}
+
+std::wstring stream_to_string(const std::wostream& stream) {
+  const auto* const buffer = dynamic_cast<const std::wstringbuf*>(stream.rdbuf());
+  return buffer ? buffer->str() : std::wstring();
 }
 
 void base64_encode(std::wstring& out, const std::wstring& in, bool url_safe) {
@@ -64,14 +77,25 @@ void base64_encode(std::string& out, const std::string& in, bool url_safe) {
 void base64_decode(std::string& out, const std::string& in) { decode(out, in); }
 void base64_decode(std::wstring& out, const std::wstring& in) { decode(out, in); }
 
-std::wstring char_to_hex(char c) { return to_hex(std::string_view(&c, 1)); }
-std::wstring char_to_hex(unsigned char c) { return char_to_hex(static_cast<char>(c)); }
-std::wstring char_to_hex(wchar_t c) { return char_to_hex(static_cast<char>(c)); }
+void set_binary_data(std::string& out, const std::vector<unsigned char>& bytes, long count) {
+  const std::size_t size = count < 0 ? bytes.size() : std::min(bytes.size(), static_cast<std::size_t>(count));
+  out.resize(base64_size(size));
+  base64_encode_to(out.data(), bytes.data(), size, false);
+}
 
-std::wstring string_to_hex(const std::wstring& text) { return to_hex(text); }
-std::wstring string_to_hex(const std::string& text) { return to_hex(text); }
+void get_binary_data(std::string text, std::vector<unsigned char>& bytes) {
+  base64_decode(text, text);
+  bytes.assign(text.begin(), text.end());
+}
+
+std::wstring char_to_hex(char c) { return to_hex(&c, 1); }
+std::wstring char_to_hex(unsigned char c) { return char_to_hex(static_cast<char>(c)); }
+std::wstring char_to_hex(wchar_t c) { return to_hex(&c, 1); }
+
+std::wstring string_to_hex(const std::wstring& text) { return to_hex(text.data(), text.size()); }
+std::wstring string_to_hex(const std::string& text) { return to_hex(text.data(), text.size()); }
 std::wstring bytes_to_hexString(const unsigned char* bytes, unsigned long count) {
-  return to_hex(std::string_view(reinterpret_cast<const char*>(bytes), count));
+  return to_hex(reinterpret_cast<const char*>(bytes), count);
 }
 
 std::wstring hex_to_string(const std::wstring& hex) { return from_hex(hex); }

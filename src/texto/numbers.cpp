@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "texto/ascii.hpp"
+#include "texto/utf.hpp"
 
 namespace ruvo::texto {
 
@@ -32,42 +33,75 @@ int count_digits(std::uint64_t value) noexcept {
   return value >= 10 ? digits + 1 : digits;
 }
 
-void append_narrow(std::wstring& out, const char* first, const char* last) {
-  for (; first != last; ++first) out.push_back(static_cast<wchar_t>(static_cast<unsigned char>(*first)));
+/// The general case: any magnitude, any number of decimals, NaN and infinities.
+void append_fixed_slow(std::wstring& out, double value, int decimals) {
+  constexpr int most_other_units = 311;  // sign, 309 digits, point
+  char small[512];
+  std::string large;
+  char* first = small;
+  std::size_t room = sizeof small;
+  if (decimals > static_cast<int>(sizeof small) - most_other_units) {
+    large.resize(room = static_cast<std::size_t>(decimals) + most_other_units);
+    first = large.data();
+  }
+  const auto [end, error] = std::to_chars(first, first + room, value, std::chars_format::fixed, decimals);
+  append_utf_16(out, std::string_view(first, error == std::errc() ? end : first));
 }
 
-/// The general case: any magnitude, NaN and infinities.
-void append_fixed_slow(std::wstring& out, double value) {
-  char text[360];  // sign, 309 digits, point, six digits
-  const auto [end, error] = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 6);
-  append_narrow(out, text, error == std::errc() ? end : text);
-}
+constexpr std::uint32_t powers_of_ten[most_short_decimals + 1] = {
+    1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
 
 struct fixed_parts {
   std::uint64_t whole;
-  std::uint32_t millionths;
+  std::uint32_t decimals;
 };
 
-/// Splits `magnitude` exactly into its whole part and rounded millionths (ties to even). Possible when all
-/// its bits fit into 63 bits on each side of the point; false otherwise.
-bool split_fixed(double magnitude, fixed_parts& parts) {
-  constexpr double smallest = 1.0 / 1024, largest = 9007199254740992.0;  // lowest bit at or above 2^-63, 2^53
-  if (!(magnitude < largest) || (magnitude < smallest && magnitude != 0)) return false;
+/// The rounded decimals of a magnitude below 1/1024, from its significand and exponent. It cannot lie
+/// half-way: with nine decimals or less the least number that does is 2^-10.
+std::uint32_t small_decimals(double magnitude, std::uint32_t scale) {
+  const auto bits = std::bit_cast<std::uint64_t>(magnitude);
+  constexpr std::uint64_t hidden = std::uint64_t{1} << 52;
+  const std::uint64_t significand = (bits & (hidden - 1)) | hidden;
+  const std::uint64_t low = (significand & 0xFFFFFFFF) * scale;
+  const std::uint64_t high = (significand >> 32) * scale + (low >> 32);
+  const int shift = 1075 - static_cast<int>(bits >> 52) - 32;  // from `high` to units
+  if (shift >= 64) return 0;                                   // subnormal numbers too
+  const std::uint64_t half = std::uint64_t{1} << (shift - 1);
+  return static_cast<std::uint32_t>((high + half) >> shift);
+}
+
+/// Splits `magnitude` exactly into its whole part and its decimals, `scale` to the unit, rounded (ties to
+/// even). False from 2^63 on, and for NaN.
+bool split_fixed(double magnitude, std::uint32_t scale, fixed_parts& parts) {
+  constexpr double smallest = 1.0 / 1024, largest = 9223372036854775808.0;
+  if (!(magnitude < largest)) return false;
+  if (magnitude < smallest && magnitude != 0) {
+    parts = {0, small_decimals(magnitude, scale)};
+    return true;
+  }
   const auto whole = static_cast<std::int64_t>(magnitude);
-  const double rest = magnitude - static_cast<double>(whole);
+  const double rest = magnitude - static_cast<double>(whole);  // its lowest bit is at or above 2^-63
   parts.whole = static_cast<std::uint64_t>(whole);
   const std::uint64_t bits =
       static_cast<std::uint64_t>(static_cast<std::int64_t>(rest * 9223372036854775808.0)) * 2;
-  const std::uint64_t low = (bits & 0xFFFFFFFF) * 1000000;
-  const std::uint64_t high = (bits >> 32) * 1000000 + (low >> 32);
-  parts.millionths = static_cast<std::uint32_t>(high >> 32);
+  const std::uint64_t low = (bits & 0xFFFFFFFF) * scale;
+  const std::uint64_t high = (bits >> 32) * scale + (low >> 32);
+  parts.decimals = static_cast<std::uint32_t>(high >> 32);
   const std::uint64_t fraction = (high << 32) | (low & 0xFFFFFFFF), half = std::uint64_t{1} << 63;
-  if (fraction > half || (fraction == half && parts.millionths % 2 == 1)) ++parts.millionths;
-  if (parts.millionths == 1000000) {
-    parts.millionths = 0;
+  const std::uint64_t last = scale == 1 ? parts.whole : parts.decimals;
+  if (fraction > half || (fraction == half && last % 2 == 1)) ++parts.decimals;
+  if (parts.decimals == scale) {
+    parts.decimals = 0;
     ++parts.whole;
   }
   return true;
+}
+
+/// Writes exactly `count` digits, with zeros in front.
+void put_digits(wchar_t* to, std::uint32_t value, int count) noexcept {
+  wchar_t* at = to + count;
+  for (; at - to >= 2; value /= 100) put_pair(at -= 2, value % 100);
+  if (at != to) *to = static_cast<wchar_t>(L'0' + value);
 }
 
 /// The longest prefix that is a number in fixed notation, as narrow text.
@@ -130,16 +164,16 @@ wchar_t* print_integer(wchar_t* to, long long value) noexcept {
   return print_unsigned(to + 1, 0 - bits);
 }
 
-wchar_t* print_fixed(wchar_t* to, double value) noexcept {
+wchar_t* print_fixed(wchar_t* to, double value, int decimals) noexcept {
+  if (decimals > most_short_decimals) return nullptr;
   fixed_parts parts{};
-  if (!split_fixed(std::fabs(value), parts)) return nullptr;
+  if (!split_fixed(std::fabs(value), powers_of_ten[decimals], parts)) return nullptr;
   if (std::signbit(value)) *to++ = L'-';
   to = print_unsigned(to, parts.whole);
-  *to = L'.';
-  put_pair(to + 1, parts.millionths / 10000);
-  put_pair(to + 3, parts.millionths / 100 % 100);
-  put_pair(to + 5, parts.millionths % 100);
-  return to + 7;
+  if (decimals == 0) return to;
+  *to++ = L'.';
+  put_digits(to, parts.decimals, decimals);
+  return to + decimals;
 }
 
 void append_unsigned(std::wstring& out, unsigned long long value) {
@@ -152,12 +186,12 @@ void append_integer(std::wstring& out, long long value) {
   out.append(text, print_integer(text, value));
 }
 
-void append_fixed(std::wstring& out, double value) {
+void append_fixed(std::wstring& out, double value, int decimals) {
   wchar_t text[most_number_units];
-  if (wchar_t* const end = print_fixed(text, value)) {
+  if (wchar_t* const end = print_fixed(text, value, decimals)) {
     out.append(text, end);
   } else {
-    append_fixed_slow(out, value);
+    append_fixed_slow(out, value, decimals);
   }
 }
 

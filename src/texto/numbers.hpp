@@ -10,18 +10,23 @@ namespace ruvo::texto {
 
 /// Room for any integer, and for any number that print_fixed() takes.
 constexpr std::size_t most_number_units = 32;
+constexpr int most_short_decimals = 9;
+
+/// The answer of functions that take only a range of numbers.
+inline constexpr wchar_t unsupported_number[] = L"Número no soportado";
 
 /// Write a number at `to` and return its end.
 wchar_t* print_integer(wchar_t* to, long long value) noexcept;
 wchar_t* print_unsigned(wchar_t* to, unsigned long long value) noexcept;
-/// As append_fixed(); null for a number that is too large or too close to a millionth for the short way.
-wchar_t* print_fixed(wchar_t* to, double value) noexcept;
+/// As append_fixed(); null for NaN, from 2^63 on, and for more than most_short_decimals.
+wchar_t* print_fixed(wchar_t* to, double value, int decimals = 6) noexcept;
 
 void append_integer(std::wstring& out, long long value);
 void append_unsigned(std::wstring& out, unsigned long long value);
 
-/// Fixed notation with six digits after the point, correctly rounded; NaN and infinities as "nan" and "inf".
-void append_fixed(std::wstring& out, double value);
+/// Fixed notation with `decimals` (0 or more) digits after the point, correctly rounded; no point without
+/// digits after it; NaN and infinities as "nan" and "inf".
+void append_fixed(std::wstring& out, double value, int decimals = 6);
 
 /// Reads a base-ten 64-bit integer at the start of `text`: blanks, a sign, digits; what follows is ignored.
 /// Throws std::invalid_argument ("invalid stoll argument") without a digit and std::out_of_range

@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <bit>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
-#if defined(__SSE2__) || defined(_M_X64)
-#  define KESTA_SSE2
-#  include <emmintrin.h>
-#endif
+#include "texto/cpu.hpp"
 
 namespace ruvo::texto {
 
@@ -18,11 +17,11 @@ constexpr wchar_t replacement = L'\xFFFD';
 // The two blocks below copy `block` characters as if all were ASCII and give a mask of those that are not;
 // what they wrote in the place of these is to be overwritten.
 
-#ifdef KESTA_SSE2
+#ifdef KESTA_X64
 constexpr std::size_t block = 16;
 
 unsigned widen_block(const char* from, wchar_t* to) noexcept {
-  const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+  const __m128i bytes = load_16(from);
   const __m128i zero = _mm_setzero_si128();
   const __m128i low = _mm_unpacklo_epi8(bytes, zero);
   const __m128i high = _mm_unpackhi_epi8(bytes, zero);
@@ -50,12 +49,34 @@ __m128i load_units(const wchar_t* from) noexcept {
 unsigned narrow_block(const wchar_t* from, char* to) noexcept {
   const __m128i low = load_units(from);
   const __m128i high = load_units(from + 8);
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_packus_epi16(low, high));
+  store_16(to, _mm_packus_epi16(low, high));
   const __m128i zero = _mm_setzero_si128();
   const __m128i beyond = _mm_set1_epi16(static_cast<short>(0xFF80));
   const __m128i ascii = _mm_packs_epi16(_mm_cmpeq_epi16(_mm_and_si128(low, beyond), zero),
                                         _mm_cmpeq_epi16(_mm_and_si128(high, beyond), zero));
   return static_cast<unsigned>(_mm_movemask_epi8(ascii)) ^ 0xFFFF;
+}
+
+// How many units or bytes 16 bytes or 8 units come to, in two sums.
+
+__m128i count_utf_16(const char* from) noexcept {
+  const __m128i bytes = load_16(from);
+  const __m128i leads = _mm_cmpgt_epi8(bytes, _mm_set1_epi8(-65));  // -1 for each byte but continuations
+  const __m128i fours = _mm_cmpeq_epi8(_mm_max_epu8(bytes, _mm_set1_epi8(-16)), bytes);
+  const __m128i zero = _mm_setzero_si128();
+  return _mm_sad_epu8(_mm_sub_epi8(zero, _mm_add_epi8(leads, fours)), zero);
+}
+
+__m128i count_utf_8(const wchar_t* from) noexcept {
+  const __m128i units = load_units(from);
+  const __m128i zero = _mm_setzero_si128();
+  const auto without = [units, zero](int bits) {  // -1 where none of these bits is set
+    return _mm_cmpeq_epi16(_mm_and_si128(units, _mm_set1_epi16(static_cast<short>(bits))), zero);
+  };
+  const __m128i surrogates = _mm_cmpeq_epi16(_mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xF800))),
+                                             _mm_set1_epi16(static_cast<short>(0xD800)));
+  const __m128i less = _mm_add_epi16(_mm_add_epi16(without(0xFF80), without(0xF800)), surrogates);
+  return _mm_sad_epu8(_mm_add_epi16(less, _mm_set1_epi16(3)), zero);
 }
 #else
 constexpr std::size_t block = 8;
@@ -144,71 +165,213 @@ char* write_utf_8(char* to, char32_t point) noexcept {
   return to;
 }
 
-/// Needs room for as many units as there are bytes; gives the end of what it wrote.
-wchar_t* decode(const char* from, const char* end, wchar_t* to) noexcept {
-  while (static_cast<std::size_t>(end - from) >= block) {
+/// The `count` low bytes of `bits`, first the lowest. Needs room for four.
+char* put_bytes(char* to, std::uint32_t bits, int count) noexcept {
+  static_assert(std::endian::native == std::endian::little);
+  std::memcpy(to, &bits, sizeof(bits));
+  return to + count;
+}
+
+/// A character of two to four bytes that is well formed; false, with nothing moved, for anything else. Needs
+/// four readable bytes at `at`.
+bool decode_long(const char*& at, wchar_t*& to) noexcept {
+  const auto byte = [at](int i) { return static_cast<std::uint32_t>(static_cast<unsigned char>(at[i])); };
+  const auto tail = [&byte](int i) { return byte(i) ^ 0x80; };  // below 64 for a continuation
+  if (byte(0) < 0xE0) {
+    if (byte(0) < 0xC2 || tail(1) > 63) return false;
+    *to++ = static_cast<wchar_t>((byte(0) & 31) << 6 | tail(1));
+    at += 2;
+    return true;
+  }
+  if (byte(0) < 0xF0) {
+    const std::uint32_t point = (byte(0) & 15) << 12 | tail(1) << 6 | tail(2);
+    if ((tail(1) | tail(2)) > 63 || point < 0x800 || (point & 0xF800) == 0xD800) return false;
+    *to++ = static_cast<wchar_t>(point);
+    at += 3;
+    return true;
+  }
+  const std::uint32_t point = (byte(0) & 15) << 18 | tail(1) << 12 | tail(2) << 6 | tail(3);
+  if ((tail(1) | tail(2) | tail(3)) > 63 || point - 0x10000 >= 0x100000) return false;
+  to = write_utf_16(to, point);
+  at += 4;
+  return true;
+}
+
+/// Decodes characters until `from` reaches `stop`, which the last one may pass, though not `end`. Needs room
+/// for a block of units more than there are bytes before `stop`.
+wchar_t* decode(const char*& from, const char* stop, const char* end, wchar_t* to) noexcept {
+  while (from < stop && static_cast<std::size_t>(end - from) >= block) {
     const unsigned beyond = widen_block(from, to);
     const int ascii = beyond ? std::countr_zero(beyond) : static_cast<int>(block);
     from += ascii;
     to += ascii;
-    if (!beyond) continue;
-    do to = write_utf_16(to, read_utf_8(from, end));
-    while (from != end && static_cast<unsigned char>(*from) > 127);
+    while (from < stop && end - from >= 4 && static_cast<unsigned char>(*from) > 127)
+      if (!decode_long(from, to)) to = write_utf_16(to, read_utf_8(from, end));
   }
-  while (from != end) to = write_utf_16(to, read_utf_8(from, end));
+  while (from < stop) to = write_utf_16(to, read_utf_8(from, end));
   return to;
 }
 
-/// Needs room for utf_8_size() bytes.
-void encode(const wchar_t* from, const wchar_t* end, char* to) noexcept {
-  while (static_cast<std::size_t>(end - from) >= block) {
+/// One character that is not ASCII. Needs room for four bytes.
+char* encode_long(const wchar_t*& from, const wchar_t* end, char* to) noexcept {
+  const char32_t first = static_cast<char16_t>(*from);
+  const auto tail = [](char32_t bits) { return 0x80 | (bits & 0x3F); };
+  if (first < 0x800) {
+    ++from;
+    return put_bytes(to, 0xC0 | first >> 6 | tail(first) << 8, 2);
+  }
+  const char32_t point = read_utf_16(from, end);
+  if (point < 0x10000)
+    return put_bytes(to, 0xE0 | point >> 12 | tail(point >> 6) << 8 | tail(point) << 16, 3);
+  const char32_t low = tail(point >> 6) << 16 | tail(point) << 24;
+  return put_bytes(to, 0xF0 | point >> 18 | tail(point >> 12) << 8 | low, 4);
+}
+
+#ifdef KESTA_X64
+__m128i all(int value) noexcept { return _mm_set1_epi32(value); }
+
+/// Four units of three bytes each in one go, for 12 bytes; 0 if they are not such units. Needs room for 16.
+int encode_threes(const wchar_t* from, char* to) noexcept {
+  const auto* const in = reinterpret_cast<const __m128i*>(from);
+  const __m128i units = sizeof(wchar_t) == 2 ? _mm_unpacklo_epi16(_mm_loadl_epi64(in), _mm_setzero_si128())
+                                             : _mm_and_si128(_mm_loadu_si128(in), all(0xFFFF));
+  const __m128i top = _mm_and_si128(units, all(0xF800));
+  const __m128i bad = _mm_or_si128(_mm_cmpeq_epi32(top, all(0)), _mm_cmpeq_epi32(top, all(0xD800)));
+  if (_mm_movemask_epi8(bad)) return 0;
+  const __m128i lead = _mm_srli_epi32(units, 12);
+  const __m128i middle = _mm_and_si128(_mm_slli_epi32(units, 2), all(0x3F00));
+  const __m128i tail = _mm_slli_epi32(_mm_and_si128(units, all(0x3F)), 16);
+  const __m128i threes = _mm_or_si128(_mm_or_si128(lead, middle), _mm_or_si128(tail, all(0x8080E0)));
+  // Two times three bytes to the low six of each half.
+  const __m128i first = _mm_and_si128(threes, _mm_set1_epi64x(0xFFFFFF));
+  const __m128i second = _mm_slli_epi64(_mm_srli_epi64(threes, 32), 24);
+  const __m128i sixes = _mm_or_si128(first, second);
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(to), sixes);
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(to + 6), _mm_unpackhi_epi64(sixes, sixes));
+  return 12;
+}
+
+/// Four surrogate pairs in one go, for 16 bytes; 0 if they are not such.
+int encode_fours(const wchar_t* from, char* to) noexcept {
+  if constexpr (sizeof(wchar_t) != 2) return 0;
+  const __m128i pairs = load_16(from);
+  const __m128i kinds = _mm_and_si128(pairs, all(static_cast<int>(0xFC00FC00)));
+  if (_mm_movemask_epi8(_mm_cmpeq_epi32(kinds, all(static_cast<int>(0xDC00D800)))) != 0xFFFF) return 0;
+  const __m128i high =
+      _mm_add_epi32(_mm_and_si128(pairs, all(0x3FF)), all(0x40));  // the point's bits from 10
+  const __m128i lead = _mm_srli_epi32(high, 8);
+  const __m128i second = _mm_and_si128(_mm_slli_epi32(high, 6), all(0x3F00));
+  const __m128i third = _mm_or_si128(_mm_slli_epi32(_mm_and_si128(high, all(3)), 20),
+                                     _mm_and_si128(_mm_srli_epi32(pairs, 6), all(0xF0000)));
+  const __m128i fourth = _mm_and_si128(_mm_slli_epi32(pairs, 8), all(0x3F000000));
+  const __m128i tails = _mm_or_si128(_mm_or_si128(second, third), fourth);
+  const __m128i made = _mm_or_si128(_mm_or_si128(lead, tails), all(static_cast<int>(0x808080F0)));
+  store_16(to, made);
+  return 16;
+}
+
+/// What can be done in one go of a run of characters of three or of four bytes; eight units are readable.
+char* encode_run(const wchar_t*& from, char* to) noexcept {
+  const int fours = is_high(static_cast<char16_t>(*from)) ? encode_fours(from, to) : 0;
+  const int size = fours ? fours : encode_threes(from, to);
+  from += fours ? 8 : size / 3;
+  return to + size;
+}
+#else
+char* encode_run(const wchar_t*&, char* to) noexcept { return to; }
+#endif
+
+/// Encodes characters, the first of which is not ASCII, up to an ASCII one or `stop`.
+char* encode_beyond(const wchar_t*& from, const wchar_t* stop, const wchar_t* end, char* to) noexcept {
+  while (from<stop&& static_cast<char16_t>(*from)> 0x7F) {
+    if (static_cast<char16_t>(*from) > 0x7FF && end - from >= 8) {
+      char* const before = to;
+      to = encode_run(from, to);
+      if (to != before) continue;
+    }
+    to = encode_long(from, end, to);
+  }
+  return to;
+}
+
+/// The same for UTF-16; needs room for three bytes per unit before `stop` and a block.
+char* encode(const wchar_t*& begin, const wchar_t* stop, const wchar_t* end, char* to) noexcept {
+  const wchar_t* from = begin;  // a local: the characters written could alias the other
+  while (from < stop && static_cast<std::size_t>(end - from) >= block) {
     const unsigned beyond = narrow_block(from, to);
     const int ascii = beyond ? std::countr_zero(beyond) : static_cast<int>(block);
     from += ascii;
     to += ascii;
-    if (!beyond) continue;
-    do to = write_utf_8(to, read_utf_16(from, end));
-    while (from != end && static_cast<char16_t>(*from) > 127);
+    if (beyond) to = encode_beyond(from, stop, end, to);
   }
-  while (from != end) to = write_utf_8(to, read_utf_16(from, end));
+  while (from < stop) to = write_utf_8(to, read_utf_16(from, end));
+  begin = from;
+  return to;
 }
 
-/// Counted unit by unit, without a branch: a unit above 0x7FF takes three bytes, and so would both of a pair.
-std::size_t utf_8_size(const wchar_t* from, const wchar_t* end) noexcept {
-  char unused[block];
-  std::size_t size = static_cast<std::size_t>(end - from);
-  bool after_high = false;
-  while (from != end) {
-    const std::size_t count = std::min(block, static_cast<std::size_t>(end - from));
-    if (count == block && !narrow_block(from, unused)) {
-      from += block;
-      after_high = false;
-      continue;
-    }
-    for (const wchar_t* const stop = from + count; from != stop; ++from) {
-      const auto unit = static_cast<char16_t>(*from);
-      size += static_cast<std::size_t>(unit > 0x7F) + static_cast<std::size_t>(unit > 0x7FF);
-      size -= 2 * static_cast<std::size_t>(after_high & is_low(unit));
-      after_high = is_high(unit);
-    }
+// The sizes that well-formed texts come to; malformed ones may come to more.
+
+std::size_t utf_16_size(std::string_view text) noexcept {
+  const char* from = text.data();
+  const char* const end = from + text.size();
+  std::size_t size = 0;
+#ifdef KESTA_X64
+  __m128i sums = _mm_setzero_si128();
+  for (; static_cast<std::size_t>(end - from) >= block; from += block)
+    sums = _mm_add_epi64(sums, count_utf_16(from));
+  size = static_cast<std::size_t>(_mm_cvtsi128_si64(_mm_add_epi64(sums, _mm_unpackhi_epi64(sums, sums))));
+#endif
+  for (; from != end; ++from) {
+    const auto byte = static_cast<unsigned char>(*from);
+    size += static_cast<std::size_t>((byte & 0xC0) != 0x80) + static_cast<std::size_t>(byte >= 0xF0);
   }
   return size;
 }
 
+std::size_t utf_8_size(std::wstring_view text) noexcept {
+  const wchar_t* from = text.data();
+  const wchar_t* const end = from + text.size();
+  std::size_t size = 0;
+#ifdef KESTA_X64
+  __m128i sums = _mm_setzero_si128();
+  for (; static_cast<std::size_t>(end - from) >= block; from += block)
+    sums = _mm_add_epi64(sums, _mm_add_epi64(count_utf_8(from), count_utf_8(from + 8)));
+  size = static_cast<std::size_t>(_mm_cvtsi128_si64(_mm_add_epi64(sums, _mm_unpackhi_epi64(sums, sums))));
+#endif
+  for (; from != end; ++from) {
+    const auto unit = static_cast<char16_t>(*from);
+    size += 1 + static_cast<std::size_t>(unit > 0x7F) + static_cast<std::size_t>(unit > 0x7FF) -
+            static_cast<std::size_t>((unit & 0xF800) == 0xD800);
+  }
+  return size;
+}
+
+// A result is made in pieces on the stack: to size a string beyond what it will hold, or to let it fill with
+// zeros what is then overwritten, costs more than a copy from the cache.
+constexpr std::size_t piece = 1024;
+
 }  // namespace
 
 void append_utf_16(std::wstring& out, std::string_view text) {
-  const std::size_t before = out.size();
-  out.resize(before + text.size());
-  wchar_t* const end = decode(text.data(), text.data() + text.size(), out.data() + before);
-  out.resize(static_cast<std::size_t>(end - out.data()));
+  wchar_t made[piece + block];
+  const char* from = text.data();
+  const char* const end = from + text.size();
+  if (text.size() > piece) out.reserve(out.size() + utf_16_size(text));
+  while (from != end) {
+    const char* const stop = from + std::min(piece, static_cast<std::size_t>(end - from));
+    out.append(made, decode(from, stop, end, made));
+  }
 }
 
 void append_utf_8(std::string& out, std::wstring_view text) {
-  const wchar_t* const end = text.data() + text.size();
-  const std::size_t before = out.size();
-  out.resize(before + utf_8_size(text.data(), end));
-  encode(text.data(), end, out.data() + before);
+  char made[3 * piece + block];
+  const wchar_t* from = text.data();
+  const wchar_t* const end = from + text.size();
+  if (text.size() > piece) out.reserve(out.size() + utf_8_size(text));
+  while (from != end) {
+    const wchar_t* const stop = from + std::min(piece, static_cast<std::size_t>(end - from));
+    out.append(made, encode(from, stop, end, made));
+  }
 }
 
 std::wstring to_utf_16(std::string_view text) {

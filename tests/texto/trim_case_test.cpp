@@ -55,6 +55,23 @@ TEST(Case, EveryUnitFollowsTheTables) {
   EXPECT_EQ(texto::to_lowercase(text), L"ñu");
 }
 
+TEST(Case, TextsOfEveryLength) {
+  const std::wstring source = L"[ÑAZ@×Þß`az{÷ÿñ\x0141\x8041\xFFC1\x4100";
+  for (std::size_t size = 0; size < 40; ++size) {
+    for (std::size_t first = 0; first < source.size(); ++first) {
+      std::wstring text, lower, upper;
+      for (std::size_t i = 0; i < size; ++i) {
+        text += source[(first + i) % source.size()];
+        lower += texto::to_lowercase(text.back());
+        upper += texto::to_uppercase(text.back());
+      }
+      ASSERT_EQ(texto::to_lowercase_(text), lower);
+      ASSERT_EQ(texto::to_uppercase_(text), upper);
+      ASSERT_EQ(texto::to_lowercase(text), lower);
+    }
+  }
+}
+
 TEST(Tests, PartsOfAText) {
   EXPECT_TRUE(texto::starts_with(L"abc", L"ab"));
   EXPECT_FALSE(texto::starts_with(L"abc", L"Ab"));

@@ -57,6 +57,38 @@ std::wstring reference_utf_16(const std::string& text) {
   return out;
 }
 
+std::string reference_utf_8(const std::wstring& text) {
+  std::string out;
+  const auto put_byte = [&out](char32_t byte) { out.push_back(static_cast<char>(byte)); };
+  const auto unit = [&text](std::size_t i) -> char32_t {
+    return i < text.size() ? static_cast<char16_t>(text[i]) : 0u;
+  };
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    char32_t point = unit(at);
+    if (point >= 0xD800 && point < 0xDC00 && unit(at + 1) >= 0xDC00 && unit(at + 1) < 0xE000) {
+      point = 0x10000 + (point - 0xD800) * 0x400 + unit(++at) - 0xDC00;
+    } else if (point >= 0xD800 && point < 0xE000) {
+      point = 0xFFFD;
+    }
+    int shift = point < 0x80 ? 0 : point < 0x800 ? 6 : point < 0x10000 ? 12 : 18;
+    const char32_t marks[] = {0, 0xC0, 0xE0, 0xF0};
+    put_byte(marks[shift / 6] | point >> shift);
+    while ((shift -= 6) >= 0) put_byte(0x80 | (point >> shift & 0x3F));
+  }
+  return out;
+}
+
+/// A run of characters of one kind: of one to four bytes, or of lone surrogates.
+void put_run(std::wstring& out, std::mt19937& random) {
+  static const struct {
+    char32_t from, to;
+  } kinds[] = {{0, 0x80},         {0x80, 0x800},       {0x800, 0xD800},
+               {0xE000, 0x10000}, {0x10000, 0x110000}, {0xD800, 0xE000}};
+  const auto& kind = kinds[random() % std::size(kinds)];
+  for (auto left = random() % 3 ? random() % 4 : random() % 40; left; --left)
+    put(out, kind.from + random() % (kind.to - kind.from));
+}
+
 }  // namespace
 
 TEST(Utf, EveryCodePointComesBack) {
@@ -151,6 +183,39 @@ TEST(Utf, RandomMixturesAgreeWithTheReference) {
     ASSERT_EQ(text, reference_utf_16(bytes)) << round;
     ASSERT_EQ(texto::to_utf_16(texto::to_utf_8(text)), text) << round;
   }
+}
+
+/// Both ways, over runs long enough for every way through the converters, and over texts longer than the
+/// pieces in which results are made.
+TEST(Utf, RandomRunsAgreeWithTheReference) {
+  std::mt19937 random(1977);
+  for (int round = 0; round < 4000; ++round) {
+    const std::size_t size = round % 50 ? random() % 150 : 1000 + random() % 3000;
+    std::wstring text;
+    while (text.size() < size) put_run(text, random);
+    const std::string bytes = texto::to_utf_8(text);
+    ASSERT_TRUE(bytes == reference_utf_8(text)) << round;
+    ASSERT_TRUE(texto::to_utf_16(bytes) == reference_utf_16(bytes)) << round;
+
+    std::string damaged = bytes;
+    for (std::size_t i = 0; i < damaged.size(); i += 1 + random() % 60)
+      damaged[i] = static_cast<char>(random());
+    ASSERT_TRUE(texto::to_utf_16(damaged) == reference_utf_16(damaged)) << round;
+  }
+}
+
+TEST(Utf, CharactersAcrossThePiecesOfALongText) {
+  for (const std::wstring& part : {std::wstring(L"ñ"), std::wstring(L"€"), std::wstring(L"\xD83D\xDE00"),
+                                   std::wstring(L"\xD83D"), std::wstring(L"\xDE00")})
+    for (std::size_t before = 1000; before < 1030; ++before) {
+      std::wstring text(before, L'a');
+      for (int i = 0; i < 600; ++i) text += part;
+      const std::string bytes = texto::to_utf_8(text);
+      ASSERT_TRUE(bytes == reference_utf_8(text)) << before;
+      ASSERT_TRUE(texto::to_utf_16(bytes) == reference_utf_16(bytes)) << before;
+      const std::string cut = bytes.substr(0, bytes.size() - 1);
+      ASSERT_TRUE(texto::to_utf_16(cut) == reference_utf_16(cut)) << before;
+    }
 }
 
 TEST(Utf, RemovesTheMark) {

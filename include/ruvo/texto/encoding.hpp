@@ -4,7 +4,10 @@
 
 #include <ruvo/api.hpp>
 
+#include <iosfwd>
+#include <locale>
 #include <string>
+#include <vector>
 
 namespace ruvo::texto {
 
@@ -16,6 +19,18 @@ KESTA_API std::string to_utf_8(const std::wstring& text);
 /// Removes the bytes EF BB BF at the start of `text`, if they are there.
 KESTA_API void remove_win_bom(std::string& text);
 
+// UTF-8 and the system's ANSI code page. For UTF-8 and UTF-16 there are to_utf_8 and to_utf_16.
+
+/// From the ANSI code page to UTF-8. A text of more than 2^31 - 1 bytes gives an empty one.
+/// @quirk The locale is not consulted; the page is that of the system.
+KESTA_API std::string to_utf8(const std::string& text, const std::locale& locale);
+/// From UTF-8 to the ANSI code page; what the page does not hold becomes its default character.
+/// @quirk The locale is not consulted; the page is that of the system.
+KESTA_API std::string from_utf8(const std::string& text, const std::locale& locale);
+
+/// The text that a wide string stream holds; empty for a stream over anything but a std::wstringbuf.
+KESTA_API std::wstring stream_to_string(const std::wostream& stream);
+
 // Base64, RFC 4648, with the standard or the URL-safe alphabet
 
 /// Replaces `out` by the encoding of `in`, padded with '=' in both alphabets. `out` may be `in`.
@@ -23,9 +38,15 @@ KESTA_API void remove_win_bom(std::string& text);
 KESTA_API void base64_encode(std::wstring& out, const std::wstring& in, bool url_safe);
 KESTA_API void base64_encode(std::string& out, const std::string& in, bool url_safe);
 /// Replaces `out` by the bytes that `in` holds in either alphabet; the wide form gives one unit per byte.
-/// Ends at the first '='; every other character outside the alphabets is skipped. `out` may be `in`.
+/// Ends at the first '='; every other character outside the alphabets is skipped, and so is a last digit that
+/// makes no byte. `out` may be `in`.
 KESTA_API void base64_decode(std::string& out, const std::string& in);
 KESTA_API void base64_decode(std::wstring& out, const std::wstring& in);
+/// Replaces `out` by the first `count` bytes in the standard alphabet; all of them when `count` is negative
+/// or larger than their number.
+KESTA_API void set_binary_data(std::string& out, const std::vector<unsigned char>& bytes, long count);
+/// Replaces `bytes` by those that `text` holds, as base64_decode reads it.
+KESTA_API void get_binary_data(std::string text, std::vector<unsigned char>& bytes);
 
 // Hexadecimal, two lower-case digits for a character
 
@@ -43,5 +64,20 @@ KESTA_API std::wstring hex_to_string(const std::wstring& hex);
 KESTA_API std::string hex_to_string(const std::string& hex);
 /// 0 to 15. Throws std::invalid_argument ("invalid hex digit").
 KESTA_API int hex_char_to_int(wchar_t digit);
+/// The decimal digits of a hexadecimal number of any length, without leading zeros; "0" for an empty text. No
+/// sign and no prefix: throws std::invalid_argument ("Carácter hexadecimal no válido", in UTF-8) for anything
+/// but digits. The time grows with the square of the length.
+KESTA_API std::string hex_to_dec(const std::string& hex);
+
+// The web and mail
+
+/// Percent-encoding of the text's UTF-8, RFC 3986: letters, digits and "-._~" stay, every other byte becomes
+/// "%" and two upper-case digits. For a part of an address, not for a whole one: its "/" and "?" do not stay.
+KESTA_API std::wstring web_encode(std::wstring text);
+/// The UTF-8 text as "Q" encoded words of a mail header, RFC 2047: "=?UTF-8?Q?...?=", each of at most 75
+/// characters, ending between characters and joined by CRLF and a blank. Literal are only the characters that
+/// are safe in a phrase: letters, digits and "!*+-/", with "_" for a blank. A text of printable ASCII without
+/// "=?" needs no encoding and comes back as it is, in one line; malformed parts become U+FFFD.
+KESTA_API std::string q_encoded(const std::string& text);
 
 }  // namespace ruvo::texto

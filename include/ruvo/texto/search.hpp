@@ -1,16 +1,85 @@
 #pragma once
 
 // Tests for parts, masks and patterns, replacing and splitting.
+//
+// A pattern is a regular expression in the ECMAScript grammar; a malformed one throws std::regex_error.
+// Everything that does not name its argument `pattern` is literal: no character has a meaning of its own.
+// All comparisons are case-sensitive.
 
 #include <ruvo/api.hpp>
 
 #include <string>
+#include <vector>
 
 namespace ruvo::texto {
 
-/// Whether `text` begins with, ends with or holds `part`; an empty part always does. Case-sensitive.
+// Comparison
+
+/// Whether `text` begins with, ends with or holds `part`; an empty part always does.
 KESTA_API bool starts_with(const std::wstring& text, const std::wstring& part);
 KESTA_API bool ends_with(const std::wstring& text, const std::wstring& part);
 KESTA_API bool contains(const std::wstring& text, const std::wstring& part);
+
+/// Whether the pattern matches the whole text. Throws std::regex_error.
+KESTA_API bool match(const std::wstring& text, std::wstring pattern);
+
+// Masks: '*' stands for any run of characters, the empty one too, and '?' for any one character.
+
+/// How a mask without '*' and '?' is compared. Values that are not listed mean `busqueda_contiene`.
+enum modo_busqueda : int {
+  busqueda_completa = 0,  ///< The whole text.
+  busqueda_comienza = 1,  ///< The text begins with the mask.
+  busqueda_termina = 2,   ///< The text ends with the mask.
+  busqueda_contiene = 3,  ///< The text holds the mask.
+  busqueda_exacta = 4,    ///< The same as busqueda_completa.
+};
+
+/// Whether `text` holds '*' or '?'.
+KESTA_API bool has_mask(const std::wstring& text);
+/// Whether the mask fits the text. A mask with '*' or '?' must fit the whole text, whatever the mode. Time is
+/// at most the product of both lengths, and no more than their sum for ordinary masks.
+KESTA_API bool match_mask(const std::wstring& text, const std::wstring& mask, modo_busqueda mode);
+/// For a mode that is kept as a number.
+inline bool match_mask(const std::wstring& text, const std::wstring& mask, int mode) {
+  return match_mask(text, mask, static_cast<modo_busqueda>(mode));
+}
+/// The mask for the LIKE operator of SQL: '%' for '*' and '_' for '?'.
+/// @quirk A '%' or '_' of the mask is not escaped: it becomes a wildcard.
+KESTA_API std::wstring mask_to_sql(const std::wstring& mask);
+
+/// What stands between the first quotation mark (" or ') and the next one on the same line. Without such a
+/// pair, the text as it is: an unquoted value is its own content. `*found`, if given, tells whether there
+/// was a pair.
+/// @quirk The marks need not be alike: "it's" in double quotation marks gives `it`.
+KESTA_API std::wstring content(std::wstring text, bool* found = nullptr);
+
+// Replacing
+
+/// Replaces every match of the pattern. In `with`, $& is the match, $1 to $99 its groups, $` and $' what
+/// stands before and after it, and $$ a dollar sign. Throws std::regex_error, and then leaves the text as it
+/// was.
+KESTA_API std::wstring& replace(std::wstring& text, std::wstring pattern, std::wstring with);
+KESTA_API std::wstring replace_(const std::wstring& text, std::wstring pattern, std::wstring with);
+/// Replaces every `from`; both are literal characters, so '.' and '*' are safe too.
+KESTA_API std::wstring& replace(std::wstring& text, wchar_t from, wchar_t to);
+
+/// Replaces every occurrence, from the left and without overlap. An empty `from` leaves the text as it is.
+KESTA_API std::wstring& safe_replace(std::wstring& text, std::wstring from, std::wstring to);
+KESTA_API std::wstring& safe_replace(std::wstring& text, wchar_t from, wchar_t to);
+/// As safe_replace; only the first occurrence unless `all`.
+KESTA_API std::wstring& std_replace(std::wstring& text, std::wstring from, std::wstring to, bool all);
+
+/// Puts a backslash before - [ ] { } ( ) * + ? . , ^ $ | # and blanks.
+/// @quirk A backslash is not escaped, so a text that holds one does not become a pattern that matches it.
+KESTA_API std::wstring escape_regex_pattern(const std::wstring& text);
+
+// Splitting
+
+/// The pieces between the separators. Empty pieces are kept, but none follows a final separator: ",a,,b,"
+/// gives "", "a", "", "b". An empty text gives one empty piece, an empty separator the whole text.
+KESTA_API std::vector<std::wstring> split(const std::wstring& text, const std::wstring& separator);
+/// Appends the pieces to `out`.
+KESTA_API void split_on(std::vector<std::wstring>& out, const std::wstring& text,
+                        const std::wstring& separator);
 
 }  // namespace ruvo::texto

@@ -1,0 +1,70 @@
+#pragma once
+
+// Escaping for SQL, HTML and JSON, the tags of HTML, and stored memos.
+//
+// A tag is a '<', anything but '>', and a '>'.
+
+#include <ruvo/api.hpp>
+#include <ruvo/fwd.hpp>
+
+#include <string>
+
+namespace ruvo::texto {
+
+// SQL: each ' of a text literal is doubled.
+
+KESTA_API std::wstring& escaped_to_sql(std::wstring& text);
+KESTA_API std::wstring escaped_to_sql_(const std::wstring& text);
+KESTA_API std::wstring& escaped_from_sql(std::wstring& text);
+KESTA_API std::wstring escaped_from_sql_(const std::wstring& text);
+
+// HTML
+
+/// á é í ó ú, ñ, ü and ç of both cases to their entities (&aacute; ...) and back.
+/// @quirk Nothing else is escaped, and & < > least of all, so that a text with tags can be passed.
+KESTA_API std::wstring& escaped_to_html(std::wstring& text);
+KESTA_API std::wstring& escaped_from_html(std::wstring& text);
+
+/// Line ends, CR LF or LF alone, to <br/>, then escaped_to_html. A CR alone stays.
+KESTA_API std::wstring& to_html(std::wstring& text);
+KESTA_API std::wstring to_html_(const std::wstring& text);
+/// escaped_from_html, then <br/> and </br> to CR LF, then every tag is removed. A '<' without a '>' behind it
+/// stays.
+KESTA_API std::wstring& to_plain(std::wstring& text);
+KESTA_API std::wstring to_plain_(const std::wstring& text);
+
+/// Whether there is a tag in the text.
+KESTA_API bool is_html(const std::wstring& text);
+
+/// Removes <html>, </html>, <html/> and </html/> in any case, then the same of body; a tag with attributes
+/// stays. Gives the position of the first "<body>", in lower case, in the text as it was, or
+/// std::wstring::npos.
+KESTA_API unsigned long long remove_html_and_body_tags(std::wstring& text);
+/// The same; the position goes to `*body`, if given.
+KESTA_API std::wstring remove_html_and_body_tags_(const std::wstring& text,
+                                                  unsigned long long* body = nullptr);
+
+// JSON
+
+/// TAB, CR and LF to \t, \r and \n.
+/// @quirk Quotes and backslashes stay as they are.
+KESTA_API std::wstring& escaped_to_json(std::wstring& text);
+/// The same for every text and memo in the bundle; when `nested`, also in the bundles and lists inside it, to
+/// any depth. Qualities stay as they are.
+KESTA_API void escaped_to_json(bundle& values, bool nested);
+
+/// JSON text with two blanks a level, for reading: a line for each member, element and outermost value, empty
+/// containers on one line, ": " behind a key. Strings stay as they are, blanks between tokens are replaced.
+/// Works on any text. Levels below the 20th are not indented further, so that deep nesting takes no more than
+/// a line each.
+KESTA_API std::wstring print_json(std::wstring text);
+
+// Stored memos: bytes that went into a memo as Base64, in either alphabet, with or without padding and blanks
+
+/// Replaces `out` by the bytes of the memo; none if it is not Base64.
+KESTA_API void decodifica_memo(binary& out, std::wstring memo);
+/// Replaces `out` by the JSON document that the memo holds, as UTF-8 under the Base64 or as it stands. Empty
+/// if it holds none, or one that serializer::json reports as wrong.
+KESTA_API void decodifica_memo(bundle& out, std::wstring memo);
+
+}  // namespace ruvo::texto

@@ -1,0 +1,162 @@
+#include <ruvo/texto.hpp>
+
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <string_view>
+
+#include "texto/ascii.hpp"
+
+namespace ruvo::texto {
+
+namespace {
+
+/// One byte per unit. Units above 127 become a character that no number may hold.
+std::string narrowed(const std::wstring& text) {
+  std::string bytes(text.size(), '?');
+  std::transform(text.begin(), text.end(), bytes.begin(),
+                 [](wchar_t c) { return static_cast<char16_t>(c) < 128 ? static_cast<char>(c) : '?'; });
+  return bytes;
+}
+
+wchar_t widened(char c) { return static_cast<wchar_t>(static_cast<unsigned char>(c)); }
+bool is_digit_char(char c) { return is_digit(widened(c)); }
+bool is_alpha_char(char c) { return is_alpha(widened(c)); }
+bool are_digits(std::string_view text) { return std::all_of(text.begin(), text.end(), is_digit_char); }
+char upper(char c) { return static_cast<char>(to_upper(widened(c))); }
+
+constexpr std::size_t nif_size = 9;
+constexpr std::string_view nie_letters = "XYZ";
+
+/// Whether `letter` controls the number of seven digits `digits` with `first` before them.
+bool controls(int first, std::string_view digits, char letter) {
+  if (!are_digits(digits)) return false;
+  int number = first;
+  for (const char digit : digits) number = number * 10 + (digit - '0');
+  return upper(letter) == "TRWAGMYFPDXBNJZSQVHLCKE"[number % 23];
+}
+
+/// Lengths of the registry of ISO 13616, in the order of the codes.
+struct Country {
+  char code[3];
+  unsigned char size;
+};
+constexpr Country countries[] = {
+    {"AD", 24}, {"AE", 23}, {"AL", 28}, {"AT", 20}, {"AZ", 28}, {"BA", 20}, {"BE", 16}, {"BG", 22},
+    {"BH", 22}, {"BI", 27}, {"BR", 29}, {"BY", 28}, {"CH", 21}, {"CR", 22}, {"CY", 28}, {"CZ", 24},
+    {"DE", 22}, {"DJ", 27}, {"DK", 18}, {"DO", 28}, {"EE", 20}, {"EG", 29}, {"ES", 24}, {"FI", 18},
+    {"FK", 18}, {"FO", 18}, {"FR", 27}, {"GB", 22}, {"GE", 22}, {"GI", 23}, {"GL", 18}, {"GR", 27},
+    {"GT", 28}, {"HN", 28}, {"HR", 21}, {"HU", 28}, {"IE", 22}, {"IL", 23}, {"IQ", 23}, {"IS", 26},
+    {"IT", 27}, {"JO", 30}, {"KW", 30}, {"KZ", 20}, {"LB", 28}, {"LC", 32}, {"LI", 21}, {"LT", 20},
+    {"LU", 20}, {"LV", 21}, {"LY", 25}, {"MC", 27}, {"MD", 24}, {"ME", 22}, {"MK", 19}, {"MN", 20},
+    {"MR", 27}, {"MT", 31}, {"MU", 30}, {"NI", 28}, {"NL", 18}, {"NO", 15}, {"OM", 23}, {"PK", 24},
+    {"PL", 28}, {"PS", 29}, {"PT", 25}, {"QA", 29}, {"RO", 24}, {"RS", 22}, {"RU", 33}, {"SA", 24},
+    {"SC", 31}, {"SD", 18}, {"SE", 24}, {"SI", 19}, {"SK", 24}, {"SM", 27}, {"SO", 23}, {"ST", 25},
+    {"SV", 28}, {"TL", 23}, {"TN", 24}, {"TR", 26}, {"UA", 29}, {"VA", 22}, {"VG", 24}, {"XK", 20},
+    {"YE", 30},
+};
+constexpr std::size_t shortest_iban = 15, longest_iban = 34;
+
+bool is_iban_size(char first, char second, std::size_t size) {
+  const char code[] = {upper(first), upper(second)};
+  const std::string_view wanted(code, 2);
+  const auto row = std::find_if(std::begin(countries), std::end(countries),
+                                [wanted](const Country& country) { return wanted == country.code; });
+  return row != std::end(countries) ? size == row->size : size >= shortest_iban && size <= longest_iban;
+}
+
+/// The remainder modulo 97 of the number that goes on with `text`, A being 10 and Z 35; letters and digits
+/// only.
+int remainder_97(int remainder, std::string_view text) {
+  for (const char c : text) {
+    remainder = is_digit_char(c) ? remainder * 10 + (c - '0') : remainder * 100 + (upper(c) - 'A' + 10);
+    remainder %= 97;
+  }
+  return remainder;
+}
+
+}  // namespace
+
+std::wstring limpia_nif_(const std::wstring& text) {
+  std::wstring out;
+  std::copy_if(text.begin(), text.end(), std::back_inserter(out), is_alnum);
+  return out;
+}
+
+std::wstring limpia_telefono_(const std::wstring& text, bool keeps_plus) {
+  std::wstring out;
+  std::copy_if(text.begin(), text.end(), std::back_inserter(out), is_digit);
+  const auto first = std::find_if(text.begin(), text.end(), is_digit);
+  if (keeps_plus && !out.empty() && std::find(text.begin(), first, L'+') != first) out.insert(0, 1, L'+');
+  return out;
+}
+
+std::wstring ocultar_numeros_cuenta(const std::wstring& text, int n, wchar_t c) {
+  if (n < 1 || static_cast<std::size_t>(n) > text.size()) return text;
+  const std::size_t hidden = text.size() - static_cast<std::size_t>(n);
+  return std::wstring(hidden, c).append(text, hidden);
+}
+
+bool valida_dni(const std::string& text) {
+  return text.size() == nif_size && is_digit_char(text[0]) &&
+         controls(text[0] - '0', std::string_view(text).substr(1, 7), text[8]);
+}
+bool valida_dni(const std::wstring& text) { return valida_dni(narrowed(text)); }
+
+bool valida_nie(const std::string& text) {
+  if (text.size() != nif_size) return false;
+  const std::size_t first = nie_letters.find(upper(text[0]));
+  return first != nie_letters.npos &&
+         controls(static_cast<int>(first), std::string_view(text).substr(1, 7), text[8]);
+}
+bool valida_nie(const std::wstring& text) { return valida_nie(narrowed(text)); }
+
+bool valida_cif(const std::string& text) {
+  static constexpr int weights[] = {2, 4, 8, 5, 10, 9, 7};
+  if (text.size() != nif_size || !is_alpha_char(text[0])) return false;
+  const std::string_view digits = std::string_view(text).substr(1, 7);
+  if (!are_digits(digits)) return false;
+  int sum = upper(text[0]) - 48;
+  for (std::size_t i = 0; i < digits.size(); ++i) sum += weights[i] * (digits[i] - '0');
+  const std::size_t index = static_cast<std::size_t>(sum % 11);
+  return index < 10 && upper(text[8]) == "JABCDEFGHI"[index];
+}
+bool valida_cif(const std::wstring& text) { return valida_cif(narrowed(text)); }
+
+bool valida_nif(const std::string& text) {
+  if (text.size() != nif_size) return false;
+  if (!is_alpha_char(text[0])) return valida_dni(text);
+  return nie_letters.find(upper(text[0])) != nie_letters.npos ? valida_nie(text) : valida_cif(text);
+}
+bool valida_nif(const std::wstring& text) { return valida_nif(narrowed(text)); }
+
+bool valida_iban(const std::string& text) {
+  const bool has_form = text.size() >= shortest_iban && is_alpha_char(text[0]) && is_alpha_char(text[1]) &&
+                        is_iban_size(text[0], text[1], text.size()) &&
+                        std::all_of(text.begin(), text.end(), [](char c) { return is_alnum(widened(c)); });
+  if (!has_form) return false;
+  const std::string_view all = text, check = all.substr(2, 2);
+  if (!are_digits(check) || check < "02" || check > "98") return false;
+  return remainder_97(remainder_97(0, all.substr(4)), all.substr(0, 4)) == 1;
+}
+bool valida_iban(const std::wstring& text) { return valida_iban(narrowed(text)); }
+
+bool valida_iban_esp(const std::string& text) {
+  return text.size() == 24 && upper(text[0]) == 'E' && upper(text[1]) == 'S' &&
+         are_digits(std::string_view(text).substr(2)) && valida_iban(text);
+}
+bool valida_iban_esp(const std::wstring& text) { return valida_iban_esp(narrowed(text)); }
+
+bool valida_tarjeta_credito(const std::string& text) {
+  if (text.empty() || !are_digits(text)) return false;
+  unsigned long long sum = 0;
+  bool doubled = false;
+  for (auto at = text.rbegin(); at != text.rend(); ++at, doubled = !doubled) {
+    const unsigned digit = static_cast<unsigned>(*at - '0') * (doubled ? 2 : 1);
+    sum += digit > 9 ? digit - 9 : digit;
+  }
+  return sum % 10 == 0;
+}
+bool valida_tarjeta_credito(const std::wstring& text) { return valida_tarjeta_credito(narrowed(text)); }
+
+}  // namespace ruvo::texto

@@ -1,0 +1,216 @@
+#include <ruvo/binary.hpp>
+#include <ruvo/bundle.hpp>
+#include <ruvo/list.hpp>
+#include <ruvo/memo.hpp>
+#include <ruvo/serializer.hpp>
+#include <ruvo/texto.hpp>
+
+#include <algorithm>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "texto/ascii.hpp"
+#include "texto/utf.hpp"
+#include "values/cell.hpp"
+
+namespace ruvo::texto {
+
+using detail::cell;
+using detail::kind;
+
+namespace {
+
+/// The letter of an escape, or nothing.
+wchar_t escape_letter(wchar_t c) {
+  switch (c) {
+    case L'\t':
+      return L't';
+    case L'\r':
+      return L'r';
+    case L'\n':
+      return L'n';
+    default:
+      return L'\0';
+  }
+}
+
+bool has_escape(wchar_t c) { return escape_letter(c) != L'\0'; }
+
+std::wstring escaped(std::wstring_view text, std::size_t escapes) {
+  std::wstring made;
+  made.reserve(text.size() + escapes);
+  for (const wchar_t c : text) {
+    const wchar_t letter = escape_letter(c);
+    if (letter) made += L'\\';
+    made += letter ? letter : c;
+  }
+  return made;
+}
+
+std::size_t count_escapes(std::wstring_view text) {
+  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), has_escape));
+}
+
+/// Escapes the texts of a bundle and, with `nested`, of the containers inside it. What is still to be done
+/// waits in a list, so that depth costs no stack.
+class text_escaper {
+ public:
+  explicit text_escaper(bool nested) : nested_(nested) {}
+
+  void run(bundle& values) {
+    members(values);
+    while (!later_.empty()) {
+      var& v = *later_.back();
+      later_.pop_back();
+      if (cell::kind_of(v) == kind::bundle) {
+        members(cell::as_bundle(v));
+      } else {
+        for (xvar& element : cell::as_list(v)) value(element);
+      }
+    }
+  }
+
+ private:
+  void members(bundle& values) {
+    for (auto& entry : values) value(entry.second);
+  }
+  void value(var& v) {
+    if (cell::is_container(v)) {
+      if (nested_) later_.push_back(&v);
+    } else if (cell::kind_of(v) == kind::memo) {
+      memo& held = *cell::pointer<memo>(v);
+      if (const std::size_t escapes = count_escapes(held.to_string()))
+        held = escaped(held.to_string(), escapes);
+    } else if (cell::kind_of(v) == kind::string_text) {
+      escaped_to_json(cell::on_string(v));  // callers may hold a reference to it
+    } else if (cell::is_text(v)) {
+      if (const std::size_t escapes = count_escapes(cell::text(v))) v = escaped(cell::text(v), escapes);
+    }
+  }
+
+  bool nested_;
+  std::vector<var*> later_;
+};
+
+/// Writes the tokens of a JSON text one after the other. What goes between two tokens is known when the
+/// second one comes.
+class json_printer {
+ public:
+  explicit json_printer(std::wstring_view text) : text_(text) { out_.reserve(text.size() + text.size() / 4); }
+
+  std::wstring print() {
+    while (at_ < text_.size()) token(text_[at_]);
+    return std::move(out_);
+  }
+
+ private:
+  enum class gap { none, blank, line };
+  static constexpr std::size_t step = 2, most_indentation = 20 * step;
+
+  void token(wchar_t c) {
+    switch (c) {
+      case L'"':
+        return put(end_of_string());
+      case L'{':
+      case L'[':
+        put(at_ + 1);
+        ++level_;
+        gap_ = gap::line;
+        opened_ = true;
+        return;
+      case L'}':
+      case L']':
+        if (level_ > 0) --level_;
+        gap_ = opened_ ? gap::none : gap::line;
+        return put(at_ + 1);
+      case L',':
+      case L':':
+        gap_ = gap::none;
+        put(at_ + 1);
+        gap_ = c == L',' ? gap::line : gap::blank;
+        return;
+      default:
+        if (is_space(c)) return skip_blank();
+        return put(end_of_word());
+    }
+  }
+
+  void skip_blank() {
+    ++at_;
+    if (gap_ == gap::none) gap_ = level_ == 0 ? gap::line : gap::blank;
+  }
+
+  /// Writes the gap and the token that ends at `end`.
+  void put(std::size_t end) {
+    if (gap_ == gap::blank) out_ += L' ';
+    if (gap_ == gap::line && !out_.empty()) {
+      out_ += L'\n';
+      out_.append(std::min(step * level_, most_indentation), L' ');
+    }
+    out_.append(text_, at_, end - at_);
+    at_ = end;
+    gap_ = gap::none;
+    opened_ = false;
+  }
+
+  std::size_t end_of_string() const {
+    std::size_t at = at_ + 1;
+    while (at < text_.size() && text_[at] != L'"') at += text_[at] == L'\\' ? 2 : 1;
+    return std::min(at + 1, text_.size());
+  }
+  std::size_t end_of_word() const {
+    const auto ends = [](wchar_t c) {
+      return is_space(c) || std::wstring_view(L"\"{}[],:").find(c) != std::wstring_view::npos;
+    };
+    const auto first = text_.begin() + static_cast<std::ptrdiff_t>(at_);
+    return static_cast<std::size_t>(std::find_if(first, text_.end(), ends) - text_.begin());
+  }
+
+  std::wstring_view text_;
+  std::size_t at_ = 0, level_ = 0;
+  gap gap_ = gap::none;  // before the next token
+  bool opened_ = false;  // the last token opened a container
+  std::wstring out_;
+};
+
+bool begins_document(std::wstring_view text) {
+  const auto first = std::find_if_not(text.begin(), text.end(), is_space);
+  return first != text.end() && (*first == L'{' || *first == L'[');
+}
+
+}  // namespace
+
+std::wstring& escaped_to_json(std::wstring& text) {
+  if (const std::size_t escapes = count_escapes(text)) text = escaped(text, escapes);
+  return text;
+}
+
+void escaped_to_json(bundle& values, bool nested) { text_escaper(nested).run(values); }
+
+std::wstring print_json(std::wstring text) { return json_printer(text).print(); }
+
+void decodifica_memo(binary& out, std::wstring memo) { out.setAsB64(memo); }
+
+void decodifica_memo(bundle& out, std::wstring memo) {
+  if (!begins_document(memo)) {
+    binary bytes;
+    const std::vector<unsigned char>& store = bytes.setAsB64(memo).get_store();
+    std::string document(store.begin(), store.end());
+    remove_win_bom(document);
+    memo = to_utf_16(document);
+  }
+  bundle read;
+  exception failure;
+  bool wrong = !begins_document(memo);
+  try {
+    wrong = wrong || serializer::json().deserialize(read, memo, &failure);
+  } catch (const std::logic_error&) {  // a number that can't be converted
+    wrong = true;
+  }
+  if (wrong) read = bundle();
+  out = std::move(read);
+}
+
+}  // namespace ruvo::texto

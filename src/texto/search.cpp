@@ -1,0 +1,125 @@
+#include <ruvo/texto.hpp>
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+#include <utility>
+
+#include "texto/ascii.hpp"
+#include "texto/find.hpp"
+
+namespace ruvo::texto {
+
+namespace {
+
+bool is_quote(wchar_t c) { return c == L'"' || c == L'\''; }
+bool ends_line(wchar_t c) { return c == L'\n' || c == L'\r' || c == L'\x2028' || c == L'\x2029'; }
+
+std::size_t count(std::wstring_view text, std::wstring_view part) {
+  finder search(part);
+  std::size_t count = 0;
+  for (std::size_t at = 0; (at = search.find(text, at)) != finder::npos; at += part.size()) ++count;
+  return count;
+}
+
+/// Copies to the left.
+wchar_t* copy_down(const wchar_t* first, const wchar_t* last, wchar_t* to) {
+  if (last - first >= 16) return std::copy(first, last, to);
+  while (first != last) *to++ = *first++;
+  return to;
+}
+
+/// Replaces in one pass, in which the written end never overtakes the read one: a longer `to` first gets the
+/// room that it needs before the text.
+void replace_all(std::wstring& text, std::wstring_view from, std::wstring_view to) {
+  std::size_t read = to.size() > from.size() ? count(text, from) * (to.size() - from.size()) : 0;
+  text.insert(0, read, L'\0');
+  finder search(from);
+  wchar_t* const units = text.data();
+  wchar_t* written = units;
+  for (std::size_t at; (at = search.find(text, read)) != finder::npos; read = at + from.size()) {
+    written = written == units + read ? units + at : copy_down(units + read, units + at, written);
+    written = copy_down(to.data(), to.data() + to.size(), written);
+  }
+  text.erase(static_cast<std::size_t>(written - units), static_cast<std::size_t>(units + read - written));
+}
+
+bool is_special(wchar_t c) {
+  return std::wstring_view(L"-[]{}()*+?.,^$|#").find(c) != std::wstring_view::npos || is_space(c);
+}
+
+}  // namespace
+
+bool starts_with(const std::wstring& text, const std::wstring& part) { return text.starts_with(part); }
+bool ends_with(const std::wstring& text, const std::wstring& part) { return text.ends_with(part); }
+bool contains(const std::wstring& text, const std::wstring& part) {
+  return part.empty() || finder(part).find(text, 0) != finder::npos;
+}
+
+std::wstring content(std::wstring text, bool* found) {
+  if (found) *found = true;
+  auto open = text.end();
+  for (auto at = text.begin(); at != text.end(); ++at) {
+    if (is_quote(*at)) {
+      if (open != text.end()) return std::wstring(open + 1, at);
+      open = at;
+    } else if (ends_line(*at)) {
+      open = text.end();
+    }
+  }
+  if (found) *found = false;
+  return text;
+}
+
+std::wstring& replace(std::wstring& text, wchar_t from, wchar_t to) {
+  std::replace(text.begin(), text.end(), from, to);
+  return text;
+}
+
+std::wstring& safe_replace(std::wstring& text, std::wstring from, std::wstring to) {
+  return std_replace(text, std::move(from), std::move(to), true);
+}
+
+std::wstring& safe_replace(std::wstring& text, wchar_t from, wchar_t to) { return replace(text, from, to); }
+
+std::wstring& std_replace(std::wstring& text, std::wstring from, std::wstring to, bool all) {
+  if (from.empty()) return text;
+  finder search(from);
+  if (!all) {
+    const std::size_t found = search.find(text, 0);
+    return found == finder::npos ? text : text.replace(found, from.size(), to);
+  }
+  replace_all(text, from, to);
+  return text;
+}
+
+std::wstring escape_regex_pattern(const std::wstring& text) {
+  std::wstring escaped;
+  escaped.reserve(text.size() + text.size() / 8);
+  for (const wchar_t c : text) {
+    if (is_special(c)) escaped += L'\\';
+    escaped += c;
+  }
+  return escaped;
+}
+
+std::vector<std::wstring> split(const std::wstring& text, const std::wstring& separator) {
+  std::vector<std::wstring> pieces;
+  std::size_t from = 0;
+  if (!separator.empty()) {
+    pieces.reserve(count(text, separator) + 1);
+    finder search(separator);
+    for (std::size_t found; (found = search.find(text, from)) != finder::npos;
+         from = found + separator.size())
+      pieces.emplace_back(text, from, found - from);
+  }
+  if (from < text.size() || pieces.empty()) pieces.emplace_back(text, from);
+  return pieces;
+}
+
+void split_on(std::vector<std::wstring>& out, const std::wstring& text, const std::wstring& separator) {
+  std::vector<std::wstring> pieces = split(text, separator);  // before `out` moves: `text` may be in it
+  out.insert(out.end(), std::make_move_iterator(pieces.begin()), std::make_move_iterator(pieces.end()));
+}
+
+}  // namespace ruvo::texto

@@ -1,0 +1,470 @@
+#include <ruvo/application.hpp>
+#include <ruvo/texto.hpp>
+
+#include <algorithm>
+#include <bit>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <locale>
+#include <map>
+#include <optional>
+#include <random>
+#include <regex>
+#include <sstream>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace texto = ruvo::texto;
+
+namespace {
+
+class marked_app : public ruvo::kesta::app {
+ public:
+  marked_app(wchar_t decimal, wchar_t thousands) : app(nullptr), decimal_(decimal), thousands_(thousands) {}
+  wchar_t get_decimal_separator() const override { return decimal_; }
+  wchar_t get_thousands_separator() const override { return thousands_; }
+
+ private:
+  wchar_t decimal_, thousands_;
+};
+
+/// What a wide stream prints with separators of its own.
+class marked_stream {
+ public:
+  marked_stream(wchar_t decimal, wchar_t thousands) {
+    stream_.imbue(std::locale(std::locale::classic(), new marks(decimal, thousands)));
+    stream_ << std::fixed;
+  }
+  std::wstring operator()(double value, int decimals) {
+    stream_.str({});
+    stream_.precision(decimals);
+    stream_ << value;
+    return stream_.str();
+  }
+  std::wstring operator()(long value) {
+    stream_.str({});
+    stream_ << value;
+    return stream_.str();
+  }
+
+ private:
+  struct marks : std::numpunct<wchar_t> {
+    marks(wchar_t d, wchar_t t) : decimal(d), thousands(t) {}
+    wchar_t do_decimal_point() const override { return decimal; }
+    wchar_t do_thousands_sep() const override { return thousands; }
+    std::string do_grouping() const override { return "\3"; }
+    wchar_t decimal, thousands;
+  };
+  std::wostringstream stream_;
+};
+
+/// Doubles of every magnitude, amounts of money, and numbers half-way between two decimals.
+double any_double(std::mt19937_64& random) {
+  const std::uint64_t bits = random();
+  switch (bits % 4) {
+    case 0:
+      return std::bit_cast<double>(random());
+    case 1:
+      return static_cast<double>(static_cast<std::int64_t>(random()) >> bits % 60) / 100;
+    case 2:
+      return std::ldexp(static_cast<double>(static_cast<std::int32_t>(random())),
+                        -static_cast<int>(bits >> 58));
+    default:
+      return std::ldexp(static_cast<double>(random() % 3000), -static_cast<int>(bits >> 32) % 16);
+  }
+}
+
+}  // namespace
+
+TEST(Format, AsAWideStreamPrints) {
+  const struct {
+    wchar_t decimal, thousands;
+  } rows[] = {{L',', L'.'}, {L'.', L','}, {L'\x066B', L'\x202F'}, {L'\0', L'7'}, {L'\xD83D', L'\xFFFF'}};
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  const double specials[] = {0.0,
+                             -0.0,
+                             -0.001,
+                             0.5,
+                             1.5,
+                             2.5,
+                             0.125,
+                             0.375,
+                             999.5,
+                             999999.995,
+                             -1e3,
+                             1e15,
+                             9007199254740991.5,
+                             9007199254740993.0,
+                             1e22,
+                             -1.7976931348623157e308,
+                             5e-324,
+                             infinity,
+                             -infinity};
+  std::mt19937_64 random(20240229);
+  for (const auto& row : rows) {
+    marked_app app(row.decimal, row.thousands);
+    const ruvo::thread_scope scope(app);
+    marked_stream expected(row.decimal, row.thousands);
+    for (short decimals = 0; decimals <= 20; ++decimals) {
+      for (const double value : specials)
+        ASSERT_EQ(texto::format(value, decimals), expected(value, decimals)) << value << ' ' << decimals;
+      for (int i = 0; i < 400; ++i) {
+        const double value = any_double(random);
+        if (std::isnan(value)) continue;  // streams differ in its sign
+        ASSERT_EQ(texto::format(value, decimals), expected(value, decimals)) << value << ' ' << decimals;
+      }
+    }
+    for (const long value : {0L, 7L, -12L, 999L, 1000L, -1000L, 123456L, 1234567L, LONG_MAX, LONG_MIN})
+      EXPECT_EQ(texto::format(value), expected(value));
+  }
+}
+
+TEST(Format, NumbersOutOfTheOrdinary) {
+  constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_EQ(texto::format(nan, 2), L"nan");
+  EXPECT_EQ(texto::format(-nan, 0), L"nan");
+  EXPECT_EQ(texto::format(1234.5, -1), L"1.234");
+  EXPECT_EQ(texto::format(-7.9, SHRT_MIN), L"-8");
+  marked_stream expected(L',', L'.');
+  for (const short decimals : {short{200}, short{201}, short{202}, short{1074}, short{SHRT_MAX}}) {
+    for (const double value : {-1.7976931348623157e308, 5e-324, 0.1, 12345.0})
+      EXPECT_EQ(texto::format(value, decimals), expected(value, decimals)) << value << ' ' << decimals;
+  }
+}
+
+TEST(Format, EachThreadHasItsSeparators) {
+  marked_app app(L'.', L' ');
+  const ruvo::thread_scope scope(app);
+  std::thread([] {
+    EXPECT_EQ(texto::format(-1234567.891, 2), L"-1.234.567,89");
+    EXPECT_EQ(texto::format(1234567L), L"1.234.567");
+  }).join();
+  EXPECT_EQ(texto::format(-1234567.891, 2), L"-1 234 567.89");
+}
+
+TEST(NumberText, FieldsSizesAndNumerals) {
+  for (int length = 1, value = 1; length <= 10; ++length, value = length <= 10 ? value * 10 : value) {
+    EXPECT_EQ(texto::calculate_length_number(value), length);
+    EXPECT_EQ(texto::calculate_length_number(-value), length);
+    if (value > 1) EXPECT_EQ(texto::calculate_length_number(value - 1), length - 1);
+  }
+  EXPECT_EQ(texto::calculate_length_number(0), 1);
+  EXPECT_EQ(texto::calculate_length_number(INT_MIN), 10);
+
+  const struct {
+    int width, number;
+    std::wstring text;
+  } fields[] = {{5, 42, L"00042"}, {1, 12345, L"12345"},   {3, -5, L"0-5"},
+                {1, -5, L"-5"},    {-9, 0, L"0"},          {0, INT_MIN, L"-2147483648"},
+                {2, 10, L"10"},    {INT_MIN, -10, L"-10"}, {12, INT_MIN, L"0-2147483648"}};
+  for (const auto& row : fields) EXPECT_EQ(texto::fill_number(row.width, row.number, L'0'), row.text);
+
+  const struct {
+    unsigned long long size;
+    const wchar_t* text;
+  } sizes[] = {{0, L"0.000 b"},           {100, L"100.000 b"},
+               {1023, L"1023.000 b"},     {1024, L"1.000 kb"},
+               {1536, L"1.500 kb"},       {(1 << 20) - 1, L"1023.999 kb"},
+               {1 << 20, L"1.000 Mb"},    {(1ULL << 30) - 1, L"1024.000 Mb"},
+               {1ULL << 30, L"1.000 Gb"}, {1ULL << 40, L"1.000 Tb"},
+               {1ULL << 50, L"1.000 Pb"}, {(1ULL << 60) - 1, L"1024.000 Pb"},
+               {1ULL << 60, L"1.000 Eb"}, {ULLONG_MAX, L"16.000 Eb"}};
+  marked_app app(L'#', L'#');  // not asked
+  const ruvo::thread_scope scope(app);
+  for (const auto& row : sizes) EXPECT_EQ(texto::format_file_size(row.size), row.text);
+}
+
+TEST(NumberText, RomanNumeralsAddUp) {
+  const std::map<unsigned int, std::wstring> known = {{0, L""},
+                                                      {4, L"IIII"},
+                                                      {9, L"VIIII"},
+                                                      {40, L"XXXX"},
+                                                      {1999, L"MDCCCCLXXXXVIIII"},
+                                                      {2000, L"MM"},
+                                                      {5000, L"V"},
+                                                      {10000, L"X"},
+                                                      {4999, L"MMMMDCCCCLXXXXVIIII"},
+                                                      {1000000, L"Número no soportado"},
+                                                      {UINT_MAX, L"Número no soportado"}};
+  for (const auto& [number, text] : known) EXPECT_EQ(texto::to_roman(number), text);
+  // Digit by digit: a five from 5 on, and ones.
+  const std::wstring ones = L"CXMCXI", fives = L"DLVDLV";
+  for (unsigned int number = 1; number < 1000000; number += 7) {
+    std::wstring expected;
+    for (unsigned int power = 100000, at = 0; power > 0; power /= 10, ++at) {
+      const unsigned int digit = number / power % 10;
+      expected.append(digit / 5, fives[at]).append(digit % 5, ones[at]);
+    }
+    ASSERT_EQ(texto::to_roman(number), expected);
+  }
+}
+
+namespace {
+
+/// Random texts made of the pieces.
+class soup {
+ public:
+  explicit soup(std::vector<std::wstring> pieces) : pieces_(std::move(pieces)) {}
+  std::wstring next() {
+    std::wstring text;
+    for (auto count = random_() % 9; count > 0; --count) text += pieces_[random_() % pieces_.size()];
+    return text;
+  }
+
+ private:
+  std::vector<std::wstring> pieces_;
+  std::mt19937 random_{7};
+};
+
+constexpr int soups = 20000;
+
+}  // namespace
+
+TEST(NumberTests, NumbersAsTheirPatterns) {
+  const std::wregex patterns[] = {
+      std::wregex(LR"(^(\d{1,3}(?:\.\d{3})*(?:,\d+)?|\d{1,3}(?:,\d{3})*(?:\.\d+)?)$)"),
+      std::wregex(LR"(^-?\d+$)"), std::wregex(LR"(^-?\d+[.\d]*$)"), std::wregex(LR"(^-?\d+[,\d]*$)")};
+  soup texts({L"1", L"23", L"456", L"7890", L".", L",", L".123", L",123", L"-", L" "});
+  int numbers = 0;
+  for (int i = 0; i < soups; ++i) {
+    const std::wstring text = texts.next();
+    bool expected = false;
+    for (const std::wregex& pattern : patterns) expected |= std::regex_match(text, pattern);
+    numbers += expected;
+    ASSERT_EQ(texto::is_number(text), expected) << text;
+  }
+  EXPECT_GT(numbers, soups / 20);
+
+  const std::map<std::wstring, bool> known = {{L"", false},
+                                              {L"-", false},
+                                              {L"1.234,5", true},
+                                              {L"-1.234,5", false},
+                                              {L"-1.2.3", true},
+                                              {L"1..2", true},
+                                              {L"1,234,567.89", true},
+                                              {L"1234,567.8", false},
+                                              {L"1.234.", true},
+                                              {L"1,234.", false},
+                                              {L"1\n", false},
+                                              {L"+1", false},
+                                              {L"1.234.56,7", false},
+                                              {L"1.2345", true},
+                                              {L"1.234,", false},
+                                              {L"٣", false},
+                                              {std::wstring(L"1\0", 2), false}};
+  for (const auto& [text, number] : known) EXPECT_EQ(texto::is_number(text), number) << text;
+}
+
+TEST(NumberTests, MailAddressesAsTheirPattern) {
+  const std::wregex pattern(
+      LR"(^[_A-Za-z0-9\-+]+(\.[_A-Za-z0-9\-]+)*@[A-Za-z0-9\-]+(\.[A-Za-z0-9]+)*(\.[A-Za-z]{2,})$)");
+  soup texts({L"a", L"Z9", L"-", L"_", L"+", L".", L"@b", L"@", L"@b.es", L"a+b@c", L".com", L".com", L".x",
+              L".c0", L"ñ"});
+  int addresses = 0;
+  for (int i = 0; i < soups; ++i) {
+    const std::wstring text = texts.next();
+    const bool expected = std::regex_match(text, pattern);
+    addresses += expected;
+    ASSERT_EQ(texto::is_email(text), expected) << text;
+  }
+  EXPECT_GT(addresses, soups / 100);
+
+  const std::map<std::wstring, bool> known = {
+      {L"", false},           {L"a@b.es", true},      {L"a@b", false},      {L"a+b@c-d.e1.com", true},
+      {L"a.b+c@d.es", false}, {L"a@b.c-d.es", false}, {L".a@b.es", false},  {L"a.@b.es", false},
+      {L"a..b@c.es", false},  {L"a@b..es", false},    {L"a@b@c.es", false}, {L"a@b.c", false},
+      {L"a@b.e5", false},     {L"a@-.es", true},      {L"a@b.es\n", false}, {L"a@.es", false},
+      {L"@b.es", false},      {L"a@b.es.", false},    {L"a@", false}};
+  for (const auto& [text, address] : known) EXPECT_EQ(texto::is_email(text), address) << text;
+}
+
+TEST(NumberTests, LongTextsHaveAnAnswer) {
+  constexpr std::size_t many = 10'000'000;
+  const std::wstring digits(many, L'1'), points(many, L'.'), letters(many, L'a');
+  EXPECT_TRUE(texto::is_number(digits));
+  EXPECT_TRUE(texto::is_number(L"-1" + points));
+  EXPECT_FALSE(texto::is_number(L"1" + points + L","));
+  EXPECT_TRUE(texto::is_email(letters + L"@b.es"));
+  EXPECT_TRUE(texto::is_email(L"a@b." + letters));
+  EXPECT_FALSE(texto::is_email(L"a@b." + letters + L"1"));
+  EXPECT_FALSE(texto::is_email(L"a@b" + points));
+}
+
+namespace {
+
+using words = std::map<std::wstring, unsigned long long>;
+
+const words small = {{L"Un", 1},           {L"Uno", 1},           {L"Dos", 2},          {L"Tres", 3},
+                     {L"Cuatro", 4},       {L"Cinco", 5},         {L"Seis", 6},         {L"Siete", 7},
+                     {L"Ocho", 8},         {L"Nueve", 9},         {L"Diez", 10},        {L"Once", 11},
+                     {L"Doce", 12},        {L"Trece", 13},        {L"Catorce", 14},     {L"Quince", 15},
+                     {L"Dieciséis", 16},   {L"Diecisiete", 17},   {L"Dieciocho", 18},   {L"Diecinueve", 19},
+                     {L"Veinte", 20},      {L"Veintiún", 21},     {L"Veintiuno", 21},   {L"Veintidós", 22},
+                     {L"Veintitrés", 23},  {L"Veinticuatro", 24}, {L"Veinticinco", 25}, {L"Veintiséis", 26},
+                     {L"Veintisiete", 27}, {L"Veintiocho", 28},   {L"Veintinueve", 29}};
+const words tens = {{L"Treinta", 30}, {L"Cuarenta", 40}, {L"Cincuenta", 50}, {L"Sesenta", 60},
+                    {L"Setenta", 70}, {L"Ochenta", 80},  {L"Noventa", 90}};
+const words hundreds = {{L"Ciento", 100},        {L"Doscientos", 200},  {L"Trescientos", 300},
+                        {L"Cuatrocientos", 400}, {L"Quinientos", 500},  {L"Seiscientos", 600},
+                        {L"Setecientos", 700},   {L"Ochocientos", 800}, {L"Novecientos", 900}};
+
+/// Reads Spanish number words, strictly as the language has them; the result is in hundredths.
+class word_reader {
+ public:
+  explicit word_reader(const std::wstring& text) {
+    for (std::size_t at = 0; at <= text.size();) {
+      const std::size_t end = std::min(text.find(L' ', at), text.size());
+      words_.push_back(text.substr(at, end - at));
+      at = end + 1;
+    }
+  }
+
+  std::optional<long long> read() {
+    const bool negative = take(L"Menos");
+    unsigned long long cents = 100 * whole();
+    if (take(L"con")) cents += counted(L"Céntimo", L"Céntimos");
+    if (bad_ || at_ != words_.size() || (negative && cents == 0)) return {};
+    return negative ? -static_cast<long long>(cents) : static_cast<long long>(cents);
+  }
+
+ private:
+  std::wstring peek() const { return at_ < words_.size() ? words_[at_] : L""; }
+  bool take(const wchar_t* word) {
+    if (peek() != word) return false;
+    ++at_;
+    return true;
+  }
+  unsigned long long take(const words& known) {
+    const auto found = known.find(peek());
+    if (found == known.end()) return 0;
+    ++at_;
+    return found->second;
+  }
+  void demand(bool good) { bad_ |= !good; }
+
+  unsigned long long whole() {
+    if (take(L"Cero")) return 0;
+    unsigned long long sum = 0;
+    unsigned long long part = thousands();
+    if (peek().starts_with(L"Bill")) {
+      demand(take(part == 1 ? L"Billón" : L"Billones") && part > 0);
+      sum += 1000000000000 * part;
+      part = thousands();
+    }
+    if (peek().starts_with(L"Mill")) {
+      demand(take(part == 1 ? L"Millón" : L"Millones") && part > 0);
+      sum += 1000000 * part;
+      part = thousands();
+    }
+    demand(sum + part > 0);
+    return sum + part;
+  }
+  unsigned long long counted(const wchar_t* one, const wchar_t* many) {
+    const unsigned long long count = thousands();
+    demand(count > 0 && take(count == 1 ? one : many));
+    return count;
+  }
+  unsigned long long thousands() {
+    const unsigned long long count = group();
+    if (!take(L"Mil")) return count;
+    demand(count != 1);
+    return 1000 * std::max(count, 1ULL) + group();
+  }
+  unsigned long long group() {
+    if (take(L"Cien")) return 100;
+    unsigned long long sum = take(hundreds);
+    const unsigned long long ten = take(tens);
+    const bool joined = ten > 0 && take(L"y");
+    if (ten == 0 || joined) {
+      const unsigned long long unit = take(small);
+      demand(!joined || (unit > 0 && unit < 10));
+      demand(sum != 100 || unit > 0);
+      if (unit == 1 || unit == 21) demand(words_[at_ - 1].ends_with(L"n") == before_noun());
+      sum += unit;
+    }
+    return sum + ten;
+  }
+  bool before_noun() const { return at_ < words_.size() && peek() != L"con"; }
+
+  std::vector<std::wstring> words_;
+  std::size_t at_ = 0;
+  bool bad_ = false;
+};
+
+}  // namespace
+
+TEST(Amounts, ReadBackAsTheyWere) {
+  const auto check = [](double amount, long long cents) {
+    const std::wstring text = texto::cifras_letras(amount);
+    ASSERT_EQ(word_reader(text).read(), std::optional(cents)) << text;
+  };
+  for (long long whole = 0; whole <= 100000; ++whole) {
+    const long long cents = whole * 100 + whole % 101 % 100;
+    check(static_cast<double>(cents) / 100, cents);
+  }
+  std::mt19937_64 random(15);
+  for (int i = 0; i < 50000; ++i) {
+    // Of any length; below 10^13 with any cents, above with quarters, which a double holds.
+    const long long whole = static_cast<long long>(random() % 1000000000000000) >> random() % 50;
+    const long long cents = static_cast<long long>(random() % 100) / (whole < 10000000000000 ? 1 : 25);
+    const double part = static_cast<double>(cents) / (whole < 10000000000000 ? 100 : 4);
+    const long long expected = whole * 100 + (whole < 10000000000000 ? cents : 25 * cents);
+    check(-(static_cast<double>(whole) + part), -expected);
+  }
+  for (long long power = 1; power <= 100000000000000; power *= 10) {
+    for (const long long whole : {power, power + 1, power - 1, 2 * power, 101 * (power / 1000) * 10})
+      check(static_cast<double>(whole), whole * 100);
+  }
+}
+
+TEST(Amounts, WellKnownPhrases) {
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  const wchar_t unsupported[] = L"Número no soportado";
+  const struct {
+    double amount;
+    const wchar_t* text;
+  } rows[] = {
+      {0, L"Cero"},
+      {-0.0, L"Cero"},
+      {-0.004, L"Cero"},
+      {0.01, L"Cero con Un Céntimo"},
+      {0.999, L"Uno"},
+      {-0.5, L"Menos Cero con Cincuenta Céntimos"},
+      {12.5, L"Doce con Cincuenta Céntimos"},
+      {21.21, L"Veintiuno con Veintiún Céntimos"},
+      {31.31, L"Treinta y Uno con Treinta y Un Céntimos"},
+      {22, L"Veintidós"},
+      {1.005, L"Uno"},  // the double lies below
+      {99.996, L"Cien"},
+      {100, L"Cien"},
+      {101, L"Ciento Uno"},
+      {116, L"Ciento Dieciséis"},
+      {1000, L"Mil"},
+      {1001, L"Mil Uno"},
+      {21000, L"Veintiún Mil"},
+      {31000, L"Treinta y Un Mil"},
+      {100000, L"Cien Mil"},
+      {101101, L"Ciento Un Mil Ciento Uno"},
+      {999999.999, L"Un Millón"},
+      {1000000, L"Un Millón"},
+      {2000001, L"Dos Millones Uno"},
+      {21000000, L"Veintiún Millones"},
+      {1000000000, L"Mil Millones"},
+      {1001000000, L"Mil Un Millones"},
+      {1234000000, L"Mil Doscientos Treinta y Cuatro Millones"},
+      {2000000000, L"Dos Mil Millones"},
+      {1e12, L"Un Billón"},
+      {1001001001001, L"Un Billón Mil Un Millones Mil Uno"},
+      {-999999999999999,
+       L"Menos Novecientos Noventa y Nueve Billones Novecientos Noventa y Nueve Mil Novecientos Noventa "
+       L"y Nueve Millones Novecientos Noventa y Nueve Mil Novecientos Noventa y Nueve"},
+      {1e15, unsupported},
+      {-1e300, unsupported},
+      {-infinity, unsupported},
+      {std::numeric_limits<double>::quiet_NaN(), unsupported}};
+  for (const auto& row : rows) EXPECT_EQ(texto::cifras_letras(row.amount), row.text);
+}

@@ -1,0 +1,164 @@
+#include <ruvo/texto.hpp>
+
+#include <random>
+#include <regex>
+
+#include <gtest/gtest.h>
+
+namespace texto = ruvo::texto;
+
+namespace {
+
+using pieces = std::vector<std::wstring>;
+
+std::mt19937 dice(4);
+
+std::wstring any_text(const std::wstring& alphabet, std::size_t longest) {
+  std::wstring text(dice() % (longest + 1), L'\0');
+  for (wchar_t& c : text) c = alphabet[dice() % alphabet.size()];
+  return text;
+}
+
+/// The plain loop over find.
+std::wstring replaced(const std::wstring& text, const std::wstring& from, const std::wstring& to) {
+  std::wstring made;
+  std::size_t read = 0;
+  for (std::size_t at; (at = text.find(from, read)) != text.npos; read = at + from.size())
+    made += text.substr(read, at - read) + to;
+  return made + text.substr(read);
+}
+
+/// Each unit in a class of its own, where nothing but ^ and \ needs a backslash.
+std::wstring literal(const std::wstring& text) {
+  std::wstring pattern;
+  for (const wchar_t c : text)
+    pattern += c == L'^' || c == L'\\' ? std::wstring{L'\\', c} : std::wstring{L'[', c, L']'};
+  return pattern;
+}
+
+bool fits(const wchar_t* text, const wchar_t* mask) {
+  if (*mask == 0) return *text == 0;
+  if (*mask == L'*') return fits(text, mask + 1) || (*text != 0 && fits(text + 1, mask));
+  return *text != 0 && (*mask == L'?' || *mask == *text) && fits(text + 1, mask + 1);
+}
+
+}  // namespace
+
+TEST(Replace, AgreesWithThePlainLoop) {
+  for (int round = 0; round < 20000; ++round) {
+    const std::wstring from = any_text(L"ab", 4) + L"a";
+    const std::wstring to = any_text(L"a.", 6);
+    const std::wstring before = any_text(L"aab", 60);
+    std::wstring all = before, safe = before, first = before;
+    ASSERT_EQ(&texto::std_replace(all, from, to, true), &all);
+    ASSERT_EQ(all, replaced(before, from, to)) << before << L" " << from << L" " << to;
+    ASSERT_EQ(texto::safe_replace(safe, from, to), all);
+    std::wstring expected = before;
+    if (const std::size_t at = before.find(from); at != before.npos) expected.replace(at, from.size(), to);
+    ASSERT_EQ(texto::std_replace(first, from, to, false), expected);
+  }
+}
+
+TEST(Replace, IsLiteral) {
+  std::wstring text = L"1.5*(2)$";
+  EXPECT_EQ(texto::safe_replace(text, L".", L"$&"), L"1$&5*(2)$");
+  EXPECT_EQ(texto::safe_replace(text, L"*(", L"\\"), L"1$&5\\2)$");
+  EXPECT_EQ(texto::safe_replace(text, L"", L"x"), L"1$&5\\2)$");
+  EXPECT_EQ(texto::replace(text, L'$', L'*'), L"1*&5\\2)*");
+  EXPECT_EQ(texto::safe_replace(text, L'*', L'.'), L"1.&5\\2).");
+  EXPECT_EQ(texto::safe_replace(text, L'.', L'\0'), std::wstring(L"1\0&5\\2)\0", 8));
+}
+
+TEST(Replace, TextsThatRepeatThemselvesTakeLinearTime) {
+  const std::wstring run(3000, L'a'), part = run + L"b" + run;
+  std::wstring text;
+  for (int n = 0; n < 40; ++n) text += std::wstring(dice() % 4 * 20000, L'a') + (n % 3 == 0 ? part : L"b");
+  std::wstring made = text;
+  EXPECT_TRUE(texto::std_replace(made, part, L"<>", true) == replaced(text, part, L"<>"));
+  EXPECT_NE(made, text);
+  std::wstring large(5000000, L'a');
+  texto::std_replace(large, std::wstring(500000, L'a') + L"b" + std::wstring(500000, L'a'), L"", true);
+  EXPECT_EQ(large.size(), 5000000u);
+  EXPECT_EQ(texto::safe_replace(large, L"a", L"''").size(), 10000000u);
+}
+
+TEST(Split, AgreesWithTheTokenIterator) {
+  for (int round = 0; round < 5000; ++round) {
+    const std::wstring separator = any_text(L"a.", 2) + L".";
+    const std::wstring text = any_text(L"a..b\\", 30);
+    const std::wregex pattern(literal(separator));
+    const pieces expected(std::wsregex_token_iterator(text.begin(), text.end(), pattern, -1), {});
+    ASSERT_EQ(texto::split(text, separator), expected) << text << L" by " << separator;
+  }
+}
+
+TEST(Split, Edges) {
+  const struct {
+    const wchar_t *text, *separator;
+    pieces expected;
+  } rows[] = {
+      {L"", L",", {L""}},
+      {L",", L",", {L""}},
+      {L",a,,b,", L",", {L"", L"a", L"", L"b"}},
+      {L"abc", L"", {L"abc"}},
+      {L"", L"", {L""}},
+      {L"a\\b\\c", L"\\", {L"a", L"b", L"c"}},
+      {L"1\\d2", L"\\d", {L"1", L"2"}},
+      {L"aaa", L"aa", {L"", L"a"}},
+      {L"a", L"abc", {L"a"}},
+  };
+  for (const auto& row : rows) EXPECT_EQ(texto::split(row.text, row.separator), row.expected) << row.text;
+  pieces out{L"x", L"a b"};
+  texto::split_on(out, out[1], L" ");
+  EXPECT_EQ(out, (pieces{L"x", L"a b", L"a", L"b"}));
+  EXPECT_EQ(texto::split(std::wstring(5000000, L','), L",").size(), 5000000u);
+}
+
+TEST(Mask, AgreesWithTheRecursiveRule) {
+  for (int round = 0; round < 50000; ++round) {
+    const std::wstring text = any_text(L"ab", 10), mask = any_text(L"ab*?", 7);
+    const bool wild = mask.find_first_of(L"*?") != mask.npos;
+    ASSERT_EQ(texto::has_mask(mask), wild);
+    for (int mode = 0; wild && mode < 6; ++mode)
+      ASSERT_EQ(texto::match_mask(text, mask, mode), fits(text.c_str(), mask.c_str()))
+          << text << L" " << mask;
+  }
+  EXPECT_TRUE(texto::match_mask(L"informe.txt", L"*.txt", texto::busqueda_completa));
+  const std::wstring large(5000000, L'a');
+  EXPECT_FALSE(texto::match_mask(large, L"a*a*a*a*b", 0));
+  EXPECT_TRUE(texto::match_mask(large + L"b", L"a*a*a*a*b", 0));
+}
+
+TEST(Mask, ModesWithoutWildcards) {
+  const struct {
+    const wchar_t *text, *mask;
+    std::wstring modes;  // in which the mask matches
+  } rows[] = {{L"abc", L"abc", L"0123459"}, {L"abc", L"ab", L"1359"}, {L"abc", L"bc", L"2359"},
+              {L"abcd", L"bc", L"359"},     {L"abc", L"B", L""},      {L"", L"", L"0123459"},
+              {L"abc", L"", L"12359"},      {L"", L"a", L""}};
+  for (const auto& row : rows) {
+    for (const wchar_t mode : std::wstring(L"0123459"))
+      EXPECT_EQ(texto::match_mask(row.text, row.mask, mode - L'0'), texto::contains(row.modes, {mode}))
+          << row.text << L" " << row.mask << L" " << std::wstring(1, mode);
+  }
+}
+
+TEST(Patterns, FixedOnesGiveTheSameAnswers) {
+  const std::wregex quoted(L"([\"'])(.*?)([\"'])"), star(L"\\*"), question(L"\\?");
+  const std::wregex special(L"[-[\\]{}()*+?.,\\^$|#\\s]");
+  for (int round = 0; round < 10000; ++round) {
+    const std::wstring text = any_text(L"a\"' \n\r", 12);
+    std::wsmatch hit;
+    const bool expected = std::regex_search(text, hit, quoted);
+    bool found = !expected;
+    ASSERT_EQ(texto::content(text, &found), expected ? hit.str(2) : text) << text;
+    ASSERT_EQ(found, expected) << text;
+    const std::wstring mask = any_text(L"a*?%_", 8);
+    ASSERT_EQ(texto::mask_to_sql(mask),
+              std::regex_replace(std::regex_replace(mask, star, L"%"), question, L"_"));
+  }
+  std::wstring ascii;
+  for (wchar_t c = 1; c < 128; ++c) ascii += c;
+  EXPECT_EQ(texto::escape_regex_pattern(ascii), std::regex_replace(ascii, special, L"\\$&"));
+  EXPECT_EQ(texto::content(L"name=x"), L"name=x");
+}
