@@ -150,7 +150,9 @@ TEST(NumberText, FieldsSizesAndNumerals) {
   for (int length = 1, value = 1; length <= 10; ++length, value = length <= 10 ? value * 10 : value) {
     EXPECT_EQ(texto::calculate_length_number(value), length);
     EXPECT_EQ(texto::calculate_length_number(-value), length);
-    if (value > 1) EXPECT_EQ(texto::calculate_length_number(value - 1), length - 1);
+    if (value > 1) {
+      EXPECT_EQ(texto::calculate_length_number(value - 1), length - 1);
+    }
   }
   EXPECT_EQ(texto::calculate_length_number(0), 1);
   EXPECT_EQ(texto::calculate_length_number(INT_MIN), 10);

@@ -2,7 +2,10 @@
 
 // Tests for parts, masks and patterns, replacing and splitting.
 //
-// A pattern is a regular expression in the ECMAScript grammar; a malformed one throws std::regex_error.
+// A pattern is a regular expression in the ECMAScript grammar as std::regex takes it; a malformed one throws
+// std::regex_error, and so does one that takes too many steps (error_complexity: more than 100 for each
+// character beyond the first million), too much room or too many instructions (error_stack, error_space). Time
+// is linear in the text for patterns without back-references and look-aheads.
 // Everything that does not name its argument `pattern` is literal: no character has a meaning of its own.
 // All comparisons are case-sensitive.
 
@@ -55,9 +58,9 @@ KESTA_API std::wstring content(std::wstring text, bool* found = nullptr);
 
 // Replacing
 
-/// Replaces every match of the pattern. In `with`, $& is the match, $1 to $99 its groups, $` and $' what
-/// stands before and after it, and $$ a dollar sign. Throws std::regex_error, and then leaves the text as it
-/// was.
+/// Replaces every match of the pattern. In `with`, $& is the match, $1 to $99 its groups, $` what stands
+/// between the previous match and this one, $' what stands behind it, and $$ a dollar sign. Throws
+/// std::regex_error, and then leaves the text as it was.
 KESTA_API std::wstring& replace(std::wstring& text, std::wstring pattern, std::wstring with);
 KESTA_API std::wstring replace_(const std::wstring& text, std::wstring pattern, std::wstring with);
 /// Replaces every `from`; both are literal characters, so '.' and '*' are safe too.

@@ -1,0 +1,121 @@
+#include <ruvo/texto.hpp>
+
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "texto/ascii.hpp"
+#include "texto/regex.hpp"
+
+namespace ruvo::texto {
+
+namespace {
+
+/// What a match is replaced by: pieces of text, each followed by a part of the match or of what is around it.
+class Format {
+ public:
+  explicit Format(std::wstring_view with) {
+    std::size_t from = 0;
+    for (std::size_t at; (at = with.find(L'$', from)) != with.npos;) {
+      const std::wstring_view text = with.substr(from, at - from);
+      from = at + 1;
+      const Part part = read(with, from);
+      pieces_.push_back(
+          {part == Part::text ? with.substr(at - text.size(), text.size() + 1) : text, part, group_});
+    }
+    pieces_.push_back({with.substr(from), Part::text, 0});
+  }
+
+  bool groups() const { return groups_; }
+
+  /// `before` begins at the end of the match before.
+  void append(std::wstring& out, const regex::Matcher& match, std::wstring_view before,
+              std::wstring_view after) const {
+    for (const Piece& piece : pieces_) {
+      out += piece.text;
+      switch (piece.part) {
+        case Part::text:
+          break;
+        case Part::group:
+          out += match.group(piece.group);
+          break;
+        case Part::before:
+          out += before;
+          break;
+        case Part::after:
+          out += after;
+          break;
+      }
+    }
+  }
+
+ private:
+  enum class Part { text, group, before, after };
+
+  struct Piece {
+    std::wstring_view text;
+    Part part;
+    std::size_t group;
+  };
+
+  /// Reads what follows a '$'. Text: the '$' stands for itself.
+  Part read(std::wstring_view with, std::size_t& at) {
+    group_ = 0;
+    const wchar_t c = at < with.size() ? with[at] : L'\0';
+    if (is_digit(c)) return read_group(with, at);
+    if (c != L'$' && c != L'&' && c != L'`' && c != L'\'') return Part::text;
+    ++at;
+    if (c == L'&') return Part::group;
+    return c == L'$' ? Part::text : c == L'`' ? Part::before : Part::after;
+  }
+
+  /// One or two digits.
+  Part read_group(std::wstring_view with, std::size_t& at) {
+    for (int digits = 0; digits < 2 && at < with.size() && is_digit(with[at]); ++digits)
+      group_ = group_ * 10 + static_cast<std::size_t>(with[at++] - L'0');
+    groups_ |= group_ > 0;
+    return Part::group;
+  }
+
+  std::vector<Piece> pieces_;
+  std::size_t group_ = 0;
+  bool groups_ = false;
+};
+
+/// The text with each match replaced.
+std::wstring replaced(regex::Matcher& match, std::wstring_view text, const Format& format) {
+  std::wstring out;
+  out.reserve(text.size());
+  std::size_t last = 0;
+  do {
+    const std::wstring_view before = text.substr(last, match.begin() - last);
+    out += before;
+    last = match.end();
+    format.append(out, match, before, text.substr(last));
+  } while (match.next());
+  return out += text.substr(last);
+}
+
+}  // namespace
+
+bool match(const std::wstring& text, std::wstring pattern) {
+  const regex::Program program = regex::compile(pattern, {.whole = true});
+  return regex::Matcher(program, text).matches_whole();
+}
+
+std::wstring& replace(std::wstring& text, std::wstring pattern, std::wstring with) {
+  const Format format(with);
+  const regex::Program program = regex::compile(pattern, {.groups = format.groups()});
+  if (program.literal && with.find(L'$') == with.npos) return std_replace(text, program.prefix, with, true);
+  regex::Matcher match(program, text);
+  if (match.next()) text = replaced(match, text, format);
+  return text;
+}
+
+std::wstring replace_(const std::wstring& text, std::wstring pattern, std::wstring with) {
+  std::wstring copy = text;
+  replace(copy, std::move(pattern), std::move(with));
+  return copy;
+}
+
+}  // namespace ruvo::texto
