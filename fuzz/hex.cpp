@@ -16,8 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   FUZZ_CHECK(hex_to_string(to_utf_8(hex)) == bytes);
   try {
     const std::string read = hex_to_string(bytes);
-    FUZZ_CHECK(string_to_hex(read) ==
-               to_lowercase_(to_utf_16(bytes.substr(0, read.size() * 2))));
+    FUZZ_CHECK(string_to_hex(read) == to_lowercase_(to_utf_16(bytes.substr(0, read.size() * 2))));
   } catch (const std::invalid_argument&) {
     FUZZ_CHECK(bytes.find_first_not_of("0123456789abcdefABCDEF") != bytes.npos);
   }

@@ -53,7 +53,7 @@ bool decode(Char* out, const Char* digits, std::size_t count) noexcept {
 constexpr std::size_t block = 16;  // characters in a vector
 
 /// The digits of 16 nibbles, one in a byte.
-__m128i digits_of(__m128i nibbles) noexcept {
+[[maybe_unused]] __m128i digits_of(__m128i nibbles) noexcept {  // where wide characters have 16 bits
   const __m128i letters = _mm_cmpgt_epi8(nibbles, _mm_set1_epi8(9));
   const __m128i offsets = _mm_and_si128(letters, _mm_set1_epi8('a' - 10 - '0'));
   return _mm_add_epi8(_mm_add_epi8(nibbles, _mm_set1_epi8('0')), offsets);
