@@ -315,14 +315,15 @@ TEST(Pattern, BadPatternsThrowTheFittingError) {
       {L"(a)\\2", codes::error_backref},
       {L"(a\\1)", codes::error_backref},
       {L"\\1(a)", codes::error_backref},
-      {L"(a)\\99999999999999999999", codes::error_backref},
   };
   for (const auto& row : rows) {
     EXPECT_THROW(std::wregex{row.pattern}, std::regex_error) << testing::PrintToString(row.pattern);
     EXPECT_EQ(error_of(row.pattern), row.error) << testing::PrintToString(row.pattern);
     EXPECT_THROW(texto::match(L"", row.pattern), std::regex_error);
   }
-  EXPECT_EQ(error_of(L"a{99999999999}"), codes::error_badbrace);
+  EXPECT_EQ(error_of(L"a{99999999999}"),
+            codes::error_badbrace);  // numbers of which the standard engine makes nonsense
+  EXPECT_EQ(error_of(L"(a)\\99999999999999999999"), codes::error_backref);
   EXPECT_EQ(error_of(L"\\c1"), codes::error_escape);
 }
 
