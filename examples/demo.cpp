@@ -16,6 +16,7 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -76,14 +77,15 @@ ruvo::exception first_failure(const std::wstring& text) {
   return failure;
 }
 
-/// Dates have no getter of their own: the value found converts itself, and throws when it is no date.
-ruvo::date get_date(const ruvo::bundle& from, const std::wstring& path, const ruvo::date& fallback) {
+/// Dates have no getter of their own: the value found converts itself, and throws when it is no date. Today
+/// when there is no value, nothing when it is no date.
+std::optional<ruvo::date> get_date(const ruvo::bundle& from, const std::wstring& path) {
   const ruvo::xvar* const value = from.get_ptr(path);
-  if (!value || value->is_null()) return fallback;
+  if (!value || value->is_null()) return ruvo::date();
   try {
-    return *value;
+    return static_cast<ruvo::date>(*value);
   } catch (const std::exception&) {
-    return fallback;
+    return std::nullopt;
   }
 }
 
@@ -96,7 +98,8 @@ double cents(double amount) { return std::round(amount * 100) / 100; }
 void show_order(const ruvo::bundle& document) {
   const ruvo::bundle& order = document.get_bundle(L"pedido");
   show(L"número", order.get_string(L"numero", '.', L"(sin número)"));
-  show(L"fecha", get_date(order, L"fecha", ruvo::date()).to_string("%d de %B de %Y"));
+  const std::optional<ruvo::date> date = get_date(order, L"fecha");
+  show(L"fecha", date ? date->to_string("%d de %B de %Y") : L"(fecha no válida)");
   show(L"urgente", order.get_boolean(L"urgente", false) ? L"sí" : L"no");
   show(L"cliente", order.get_string(L"cliente.nombre") + L", NIF " + order.get_string(L"cliente.nif"));
   show(L"teléfono", order.get_string(L"cliente.telefono", '.', L"(no consta)"));
@@ -106,17 +109,20 @@ void show_order(const ruvo::bundle& document) {
   show(L"notas", shortened(order.get_nc_string(L"notas", L"(ninguna)"), 80));
 }
 
-/// An order that was read with a failure is refused.
+/// An order that was read with a failure, or whose date is none, is refused.
 ruvo::bundle answer_to(const ruvo::bundle& document, const ruvo::exception& failure) {
   const ruvo::bundle& order = document.get_bundle(L"pedido");
-  ruvo::date delivery = get_date(order, L"fecha", ruvo::date());
-  delivery += order.get_long(L"plazo_dias", '.', 30);
+  std::optional<ruvo::date> delivery = get_date(order, L"fecha");
 
   ruvo::bundle answer;
   answer[L"pedido"] = order.get_string(L"numero");
-  answer[L"aceptado"] = failure.OK();
-  if (failure.WRONG()) answer[L"motivo"] = failure.get_mensaje();
-  answer[L"entrega"] = delivery;
+  answer[L"aceptado"] = failure.OK() && delivery;
+  if (failure.WRONG()) {
+    answer[L"motivo"] = failure.get_mensaje();
+  } else if (!delivery) {
+    answer[L"motivo"] = L"Fecha no válida: " + order.get_string(L"fecha");
+  }
+  if (delivery) answer[L"entrega"] = *delivery += order.get_long(L"plazo_dias", '.', 30);
   answer.hack(L"cliente.nif") = order.get_string(L"cliente.nif");
   answer.hack(L"cliente.avisar") = order.get_nc_string(L"cliente.correo", L"por carta");
 

@@ -4,10 +4,10 @@
 //
 // A pattern is a regular expression in the ECMAScript grammar as std::regex takes it; a malformed one throws
 // std::regex_error, and so does one that takes too many steps (error_complexity: more than 100 for each
-// character beyond the first million), too much room or too many instructions (error_stack, error_space). Time
-// is linear in the text for patterns without back-references and look-aheads.
-// Everything that does not name its argument `pattern` is literal: no character has a meaning of its own.
-// All comparisons are case-sensitive.
+// character beyond the first million), too much room or too many instructions (error_stack, error_space).
+// Time is linear in the text for patterns without back-references and look-aheads. Everything that does not
+// name its argument `pattern` is literal: no character has a meaning of its own. All comparisons are
+// case-sensitive.
 
 #include <ruvo/api.hpp>
 
