@@ -8,6 +8,7 @@
 #include <ctime>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace ruvo {
 
@@ -67,6 +68,33 @@ class KESTA_API context {
   virtual std::wstring get_enviroment_var(const std::wstring& name) const;
   /// The same with a result object; false on failure.
   virtual bool get_enviroment_var(std::wstring& value, exception& err, const std::wstring& name) const;
+
+  /// The account that the process runs under; the third gives "DOMAIN\user". Throw exc::systemUserDomain.
+  virtual std::wstring get_current_user() const;
+  virtual std::wstring get_current_domain() const;
+  virtual std::wstring get_current_user_and_domain() const;
+  /// The same with the account's identifier ("S-1-5-..."); false on failure.
+  virtual bool get_current_user_and_domain(std::wstring& user, std::wstring& domain, std::wstring& sid,
+                                           exception& err) const;
+
+  /// The operating system:
+  /// - "windows": its name, "Windows 11" to "Windows 2000", by its version; "Windows" for a version without a
+  ///   name, "Unknown Windows Version" when it does not tell
+  /// - "version": "10.0"; "numero_compilacion": the build, 22631
+  /// - "service_pack": "Service Pack 1" or empty
+  /// - "huella": all that in a line, "Windows 7 6.1.7601 Service Pack 1"
+  /// - "soporte": whether this library supports it (Windows 7 and later)
+  /// - "desktop": whether it is made for workstations, not for servers
+  /// - "subsistema": what this process was made for, "consola" or "ventanas"
+  virtual bundle get_os_info() const;
+
+  /// Lists a folder: each entry but "." and ".." that the filter takes is told to the callback and appended
+  /// to `out`; any of the three may be null. False on failure.
+  virtual bool directory_list(const file& folder, exception& err, fileFilter* filter, fileCallback* callback,
+                              std::vector<file>* out) const;
+
+  /// The present: 100-nanosecond ticks since 1970-01-01 00:00:00 UTC.
+  virtual long long get_system_ticks() const;
 
   /// The value under the key, inserted with a null value when missing.
   xvar& operator[](const std::wstring& key);

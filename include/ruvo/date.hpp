@@ -8,6 +8,7 @@
 #include <concepts>
 #include <iosfwd>
 #include <string>
+#include <string_view>
 
 namespace ruvo {
 
@@ -65,10 +66,8 @@ class KESTA_API date : public lapse {
   /// yyyymmdd.
   operator long() const;
 
-  using lapse::parse;
-  bool parse(const std::wstring& text, const std::wstring& format, exception& err,
-             const std::string& locale = {}) override;
   std::wstring to_string(const std::string& format = canonical) const override;
+  std::wstring print() const override { return to_string(); }
 
   int get_day() const { return get(times::DAYS); }
   int get_month() const { return get(times::MONTHS); }
@@ -115,10 +114,32 @@ class KESTA_API date : public lapse {
   date& operator--() { return *this -= 1; }
   date operator++(int);
   date operator--(int);
+
+ protected:
+  /// Sets the instant that stands for a day.
+  void fix(long long year, long long month, long long day);
+  void read(std::wstring_view text, std::wstring_view format, const std::string& locale) override;
 };
 
 /// Write the canonical format.
 KESTA_API std::wostream& operator<<(std::wostream& out, const date& value);
 KESTA_API std::ostream& operator<<(std::ostream& out, const date& value);
+
+namespace dates {
+
+/// `to` - `from`, in days of the calendar and in whole months: a month has passed when its day comes round
+/// again, so 31 January to 29 February are 0 and to 2 March are 1. Each day is read in its own mode.
+KESTA_API int diff_days(const date& from, const date& to);
+KESTA_API int diff_months(const date& from, const date& to);
+
+/// Days of the year, month and week that `day` lies in, in its mode. Weeks begin on Monday (ISO 8601).
+KESTA_API date first_day_of_year(const date& day);
+KESTA_API date last_day_of_year(const date& day);
+KESTA_API date first_day_of_month(const date& day);
+KESTA_API date last_day_of_month(const date& day);
+KESTA_API date first_day_of_week(const date& day);
+KESTA_API date last_day_of_week(const date& day);
+
+}  // namespace dates
 
 }  // namespace ruvo

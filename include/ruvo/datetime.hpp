@@ -81,8 +81,8 @@ class KESTA_API datetime : public lapse {
   /// The time of day, in the same mode.
   operator time() const;
 
-  using lapse::parse;
   std::wstring to_string(const std::string& format = canonical) const override;
+  std::wstring print() const override { return to_string(); }
 
   int get_day() const { return get(times::DAYS); }
   int get_month() const { return get(times::MONTHS); }
@@ -144,5 +144,16 @@ class KESTA_API datetime : public lapse {
 /// Write the canonical format.
 KESTA_API std::wostream& operator<<(std::wostream& out, const datetime& value);
 KESTA_API std::ostream& operator<<(std::ostream& out, const datetime& value);
+
+namespace datetimes {
+
+/// `to` - `from` as instants, in whole days of 24 hours, hours, minutes and seconds: fractions are cut, and
+/// what an int cannot hold becomes the nearest that it can.
+KESTA_API int diff_days(const datetime& from, const datetime& to);
+KESTA_API int diff_hours(const datetime& from, const datetime& to);
+KESTA_API int diff_minutes(const datetime& from, const datetime& to);
+KESTA_API int diff_seconds(const datetime& from, const datetime& to);
+
+}  // namespace datetimes
 
 }  // namespace ruvo

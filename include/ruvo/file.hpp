@@ -3,6 +3,7 @@
 // ruvo::file, a path.
 
 #include <ruvo/api.hpp>
+#include <ruvo/datetime.hpp>
 #include <ruvo/fwd.hpp>
 
 #include <cstddef>
@@ -14,8 +15,11 @@ namespace ruvo {
 /// a separator nor "\." at the end. The root of a drive keeps its separator ("C:\"). ".." components stay,
 /// except at the top of an absolute path, where they lead nowhere.
 ///
-/// Narrow text is UTF-8, and a null pointer an empty text. The file system is asked only by exists(),
-/// is_directory(), is_file() and get_extension().
+/// Narrow text is UTF-8, and a null pointer an empty text.
+///
+/// The file system is asked by get_extension() and by what stands from time_stamp() on. It is given paths of
+/// any length, and each component as it is ("a." is not "a", "nul" is a file). A path that is empty or holds
+/// a NUL, or ":" behind its drive, leads to nothing.
 class KESTA_API file {
  public:
   file();
@@ -74,9 +78,49 @@ class KESTA_API file {
   std::wstring unix_path() const;
   std::wstring serialize_path() const { return unix_path(); }
 
+  /// When the file was last modified, in UTC and the canonical format of ruvo::datetime. Throws
+  /// exc::fileNotFound.
+  std::wstring time_stamp() const;
+  /// That of files::get_mimetype().
+  std::wstring get_mimetype() const;
+
+  // False for a path that leads to nothing. What is virtual an entry of a listing answers from what the
+  // listing found.
+
   bool exists() const;
-  bool is_directory() const;
-  bool is_file() const;
+  virtual bool is_directory() const;
+  virtual bool is_file() const;
+  /// A file whose extension is exe, com, bat or cmd.
+  bool is_executable() const;
+  bool is_hidden() const;
+  /// Whether the rights allow it, whoever has the file open; for a folder, to list it and to add files to it.
+  /// A file that is marked as read-only cannot be written.
+  bool can_be_read() const;
+  bool can_be_write() const;
+  /// Whether somebody, this process counted, has the file open; false for a folder.
+  bool is_locked() const;
+
+  // These throw exc::fileNotFound for a path that leads to nothing.
+
+  /// The last numbers of the security identifiers; 0 when the system does not tell.
+  unsigned long get_owner() const;
+  unsigned long get_owner_group() const;
+  /// In bytes. Throws exc::fileExpectedFile for a folder.
+  virtual unsigned long long size() const;
+  unsigned long long length() const { return size(); }
+  /// In whole seconds, rounded down. The status changes with content, name, attributes and rights; where the
+  /// file system does not keep that time it is that of the last modification.
+  datetime last_modified() const;
+  datetime last_access() const;
+  datetime last_status_changed() const;
+
+  /// Make the folder, and with mkdirs() those above it that are missing. True when it is there afterwards,
+  /// also if it was before; on failure exc::fileUnCreateFolder is copied to `*err`, unless that is null.
+  bool mkdir(exception* err = nullptr) const;
+  bool mkdirs(exception* err = nullptr) const;
+  /// Removes the file or the empty folder; of a link, the link. Throws exc::fileNotFound, and
+  /// exc::fileUnDeleted when the system refuses, as it does for files marked as read-only.
+  void erase() const;
 
   /// Compare the texts.
   bool operator==(const file& other) const noexcept { return path_ == other.path_; }

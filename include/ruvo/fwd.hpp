@@ -12,6 +12,8 @@ class date;
 class datetime;
 class exception;
 class file;
+class fileCallback;
+class fileFilter;
 class iserializer;
 class lapse;
 class list;

@@ -9,6 +9,7 @@
 #include <concepts>
 #include <ctime>
 #include <string>
+#include <string_view>
 
 namespace ruvo {
 
@@ -38,7 +39,7 @@ class KESTA_API lapse {
   virtual bool add(int n, times::UNITS unit, exception* err = nullptr);
   /// Replaces SECONDS to YEARS by n, in the sense of get(), and normalises; other units change nothing. True
   /// on failure, as add().
-  bool set(int n, times::UNITS unit, exception* err = nullptr);
+  virtual bool set(int n, times::UNITS unit, exception* err = nullptr);
 
   /// The calendar record (month from 0, year from 1900) in the value's mode, in UTC or in local time; all
   /// zero on failure.
@@ -57,8 +58,8 @@ class KESTA_API lapse {
   /// 00:00:00. Names are read in `locale` ("es_ES", "es-ES"; English for "C" and names the system does not
   /// know); an empty one means the locale of the thread's context. `y` means 1969 to 2068; `z` sets the
   /// instant whatever the mode.
-  virtual bool parse(const std::wstring& text, const std::wstring& format, exception& err,
-                     const std::string& locale = {});
+  bool parse(const std::wstring& text, const std::wstring& format, exception& err,
+             const std::string& locale = {});
   bool parse(const std::wstring& text, const std::string& format, exception& err,
              const std::string& locale = {});
   bool parse(const std::string& text, const std::string& format, exception& err,
@@ -70,6 +71,8 @@ class KESTA_API lapse {
   std::wstring format(const std::string& format, const std::string& locale = {}) const;
   /// format() in the locale of the thread's context; `format` is UTF-8.
   virtual std::wstring to_string(const std::string& format) const;
+  /// The canonical text of the type; day and time for an instant that is no more than that.
+  virtual std::wstring print() const;
 
   long long get_lapso() const noexcept { return lapso_; }
   void set_lapso(const long long& seconds) noexcept { lapso_ = seconds; }
@@ -92,6 +95,11 @@ class KESTA_API lapse {
   /// Null, or 1970-01-01 00:00:00 UTC.
   bool empty() const noexcept { return lapso_ == 0 || lapso_ == -1; }
 
+  /// A text of the caller's own that copies take along; empty at first. It takes no part in comparisons, and
+  /// a var does not keep it.
+  const std::wstring& get_text() const noexcept { return text_; }
+  void set_text(const std::wstring& text) { text_ = text; }
+
  protected:
   lapse(long long seconds, times::HUSO huso) noexcept : lapso_(seconds), huso_(huso) {}
 
@@ -106,16 +114,19 @@ class KESTA_API lapse {
   void move(int n, times::UNITS unit);
   void move_back(int n, times::UNITS unit);
   void replace(int n, times::UNITS unit);
-  /// parse() with the fields of `initial` for those that the format lacks.
-  bool parse_over(const std::tm& initial, const std::wstring& text, const std::wstring& format,
-                  exception& err, const std::string& locale);
-  /// parse(), throwing.
+  /// parse(), which throws here.
+  virtual void read(std::wstring_view text, std::wstring_view format, const std::string& locale);
+  /// The same with the fields of the first second of a year for those that the format lacks.
+  void read_over(int year, std::wstring_view text, std::wstring_view format, const std::string& locale);
   void take(const std::wstring& text, const std::string& format);
   void take(const std::string& text, const std::string& format);
   std::wstring month_name(const std::string& locale, bool abbreviated) const;
   std::wstring week_day_name(const std::string& locale, bool abbreviated) const;
 
  private:
+  std::wstring print_by(std::wstring_view pattern, const std::string& locale) const;
+
+  std::wstring text_;
   long long lapso_;
   times::HUSO huso_;
 };

@@ -8,6 +8,7 @@
 #include <concepts>
 #include <iosfwd>
 #include <string>
+#include <string_view>
 
 namespace ruvo {
 
@@ -74,10 +75,8 @@ class KESTA_API time : public lapse {
   double in_hours() const { return static_cast<double>(in_seconds()) / 3600; }
   time& set_in_seconds(long seconds);
 
-  using lapse::parse;
-  bool parse(const std::wstring& text, const std::wstring& format, exception& err,
-             const std::string& locale = {}) override;
   std::wstring to_string(const std::string& format = canonical) const override;
+  std::wstring print() const override { return to_string(); }
 
   int get_hour() const { return get(times::HOURS); }
   int get_minutes() const { return get(times::MINUTES); }
@@ -110,10 +109,21 @@ class KESTA_API time : public lapse {
   time& operator--() { return *this -= 1; }
   time operator++(int);
   time operator--(int);
+
+ protected:
+  void read(std::wstring_view text, std::wstring_view format, const std::string& locale) override;
 };
 
 /// Write the canonical format.
 KESTA_API std::wostream& operator<<(std::wostream& out, const time& value);
 KESTA_API std::ostream& operator<<(std::ostream& out, const time& value);
+
+namespace times {
+
+/// `to` - `from` as times of one day, in whole hours and minutes: fractions are cut.
+KESTA_API int diff_hours(const time& from, const time& to);
+KESTA_API int diff_minutes(const time& from, const time& to);
+
+}  // namespace times
 
 }  // namespace ruvo

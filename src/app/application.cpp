@@ -1,20 +1,79 @@
 #include <ruvo/application.hpp>
+#include <ruvo/binary.hpp>
 #include <ruvo/exc.hpp>
+
+#include <atomic>
+#include <utility>
 
 #include "app/current.hpp"
 #include "app/immortal.hpp"
 #include "app/platform.hpp"
 #include "app/registry.hpp"
+#include "texto/numbers.hpp"
 
 namespace ruvo {
 
-context& current_context() noexcept {
-  application* const app = registry::find();
-  return app ? *app : immortal<context>();
+namespace {
+
+constinit std::atomic<int> applications{0};
+
+/// Tells the developer of a thread that was forgotten, once for each.
+void warn_of_thread() noexcept {
+  constinit thread_local bool warned = false;
+  if (std::exchange(warned, true)) return;
+  try {
+    std::wstring line = L"kesta: thread ";
+    texto::append_unsigned(line, platform::thread_id());
+    line += L" has no application and gets the default services. Call application::check_in first.\n";
+    platform::debug_line(line);
+  } catch (...) {  // no memory for a remark
+  }
 }
 
-application::application(HINSTANCE__* instance) : instance_(instance) {}
-application::~application() { registry::remove_all(*this); }
+context& default_context() noexcept {
+  if (applications.load(std::memory_order_relaxed) > 0) warn_of_thread();
+  return immortal<context>();
+}
+
+exception hook_missing(const wchar_t* name) {
+  constexpr unsigned long not_implemented = 3, general = 0, facility = 3000;
+  return {std::wstring(L"El método debe sobrecargarse a nivel de apllicación: ") + name, not_implemented,
+          general, facility};
+}
+
+const wchar_t* name_of(folder_type type) noexcept {
+  switch (type) {
+    case folder_type::config:
+      return L"config";
+    case folder_type::data:
+      return L"data";
+    case folder_type::resources:
+      return L"resources";
+    case folder_type::logs:
+      return L"logs";
+    case folder_type::temporal:
+      return L"temporal";
+    default:
+      return L"";
+  }
+}
+
+constexpr folder_type made_by_boot[] = {folder_type::config, folder_type::data, folder_type::resources,
+                                        folder_type::logs, folder_type::temporal};
+
+}  // namespace
+
+context& current_context() noexcept {
+  application* const app = registry::find();
+  return app ? *app : default_context();
+}
+
+application::application(HINSTANCE__* instance) : instance_(instance) { ++applications; }
+
+application::~application() {
+  registry::remove_all(*this);
+  --applications;
+}
 
 application* application::theApp() noexcept { return registry::find(); }
 unsigned long application::threadID() noexcept { return platform::thread_id(); }
@@ -27,7 +86,7 @@ bool application::check_in(unsigned long thread_id) {
 
 bool application::check_out(unsigned long thread_id) { return registry::remove(thread_id); }
 
-bool application::boot(const file& folder, exception& err) {
+bool application::boot(const ruvo::file& folder, exception& err) {
   const unsigned long thread = threadID();
   if (!check_in(thread)) {
     exc::applicationAlreadyRegistered(thread).copy_on(err);
@@ -36,7 +95,9 @@ bool application::boot(const file& folder, exception& err) {
   bool booted = false;
   try {
     set_app_path(folder);
-    booted = on_boot(err);
+    const bool prepared = init_subdirectories(err) && set_binaries_directories(err);
+    if (prepared) logger_.set_path(get_folder(folder_type::logs));
+    booted = prepared && on_boot(err);
   } catch (const exception& error) {
     error.copy_on(err);
   } catch (...) {
@@ -59,9 +120,70 @@ bool application::exec(const std::wstring&, exception& err) {
 }
 
 void application::shutdown() {
-  registry::remove_all(*this);
+  logger_.flush();
   arguments_.clear();
   settings().clear();
+  collect();
+  registry::remove_all(*this);
+}
+
+ruvo::file application::get_folder(folder_type type) const {
+  if (type == folder_type::binaries) return binaries_;
+  const ruvo::file& root = get_app_path();
+  const wchar_t* const name = name_of(type);
+  return root.empty() || !*name ? root : ruvo::file(root, name);
+}
+
+ruvo::file application::get_file(folder_type type, const std::wstring& name) const {
+  return {get_folder(type), name};
+}
+
+ruvo::file application::folder(folder_type type) {
+  const application* const app = theApp();
+  if (!app) throw exc::NullPointer();
+  return app->get_folder(type);
+}
+
+ruvo::file application::file(folder_type type, const std::wstring& name) { return {folder(type), name}; }
+
+console& application::cmd() {
+  application* const app = theApp();
+  return app ? app->console_ : immortal<console>();
+}
+
+logger& application::traza() {
+  application* const app = theApp();
+  return app ? app->logger_ : immortal<logger>();
+}
+
+bool application::create_instance(const std::wstring&, void**, exception& err) {
+  hook_missing(L"create_instance").copy_on(err);
+  return false;
+}
+
+bool application::load_resource(const std::wstring&, const std::wstring&, binary&, exception& err) {
+  hook_missing(L"load_resource").copy_on(err);
+  return false;
+}
+
+bool application::get_instance(const std::wstring& name, void** out, exception& err) {
+  application* const app = theApp();
+  if (app) return app->create_instance(name, out, err);
+  exc::NullPointer().copy_on(err);
+  return false;
+}
+
+bool application::get_resource(const std::wstring& name, const std::wstring& type, binary& out,
+                               exception& err) {
+  application* const app = theApp();
+  if (app) return app->load_resource(name, type, out, err);
+  exc::NullPointer().copy_on(err);
+  return false;
+}
+
+void application::collect() noexcept {
+  pointers_.collect(0);
+  collector_.collect(threadID());
 }
 
 std::wstring application::create_uuid(const std::wstring& pattern, const std::wstring& byte_pattern) {
@@ -72,6 +194,23 @@ std::wstring application::create_uuid_short(int n) { return current_context().uu
 
 bool application::on_boot(exception&) { return true; }
 void application::append_config(bundle&) {}
+
+bool application::init_subdirectories(exception& err) {
+  if (get_app_path().empty()) return true;
+  for (const folder_type type : made_by_boot)
+    if (!get_folder(type).mkdirs(&err)) return false;
+  return true;
+}
+
+bool application::set_binaries_directories(exception& err) {
+  const std::wstring path = platform::module_path(instance_);
+  if (path.empty()) {
+    exc::systemErrorCode(platform::last_error()).copy_on(err);
+    return false;
+  }
+  binaries_ = ruvo::file(path).get_parent();
+  return true;
+}
 
 thread_scope::thread_scope(application& app)
     : app_(app), thread_(application::threadID()), checked_in_(app.check_in(thread_)) {}

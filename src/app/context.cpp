@@ -1,8 +1,12 @@
 #include <ruvo/context.hpp>
 #include <ruvo/exc.hpp>
 
+#include <utility>
+
 #include "app/pattern.hpp"
 #include "app/platform.hpp"
+#include "files/listing.hpp"
+#include "texto/numbers.hpp"
 #include "texto/utf.hpp"
 #include "time/civil.hpp"
 #include "time/zone.hpp"
@@ -14,6 +18,36 @@ namespace {
 bool tell(bool done, exception* err) {
   if (!done) exc::CalendarException().copy_on(err);
   return done;
+}
+
+struct account {
+  std::wstring user, domain, sid;
+};
+
+account current_account(const context& services) {
+  account out;
+  exception err;
+  if (!services.get_current_user_and_domain(out.user, out.domain, out.sid, err))
+    throw exc::systemUserDomain();
+  return out;
+}
+
+struct version_name {
+  unsigned long major, minor, build;  // the first that has the name
+  const wchar_t* name;
+};
+
+constexpr version_name version_names[] = {
+    {10, 0, 22000, L"Windows 11"},     {10, 0, 0, L"Windows 10"}, {6, 3, 0, L"Windows 8.1"},
+    {6, 2, 0, L"Windows 8"},           {6, 1, 0, L"Windows 7"},   {6, 0, 0, L"Windows Vista"},
+    {5, 2, 0, L"Windows Server 2003"}, {5, 1, 0, L"Windows XP"},  {5, 0, 0, L"Windows 2000"},
+};
+
+const wchar_t* name_of(const platform::system_facts& facts) {
+  if (facts.major == 0) return L"Unknown Windows Version";
+  for (const version_name& one : version_names)
+    if (one.major == facts.major && one.minor == facts.minor && facts.build >= one.build) return one.name;
+  return L"Windows";
 }
 
 }  // namespace
@@ -50,10 +84,7 @@ std::string context::UTF8_to_ANSI(const std::string& text) const {
 std::wstring context::uuid_gen(const std::wstring& pattern, const std::wstring& byte_pattern) const {
   platform::guid made;
   if (!platform::make_guid(made)) return {};
-  std::wstring out;
-  append_pattern(out, pattern, {made.data1, made.data2, made.data3});
-  for (const unsigned char byte : made.data4) append_pattern(out, byte_pattern, {byte});
-  return out;
+  return print_guid(made, pattern, byte_pattern);
 }
 
 std::wstring context::uuid_short(int n) const {
@@ -94,6 +125,56 @@ bool context::get_enviroment_var(std::wstring& value, exception& err, const std:
     return false;
   }
 }
+
+std::wstring context::get_current_user() const { return current_account(*this).user; }
+std::wstring context::get_current_domain() const { return current_account(*this).domain; }
+
+std::wstring context::get_current_user_and_domain() const {
+  const account found = current_account(*this);
+  return found.domain + L'\\' + found.user;
+}
+
+bool context::get_current_user_and_domain(std::wstring& user, std::wstring& domain, std::wstring& sid,
+                                          exception& err) const {
+  account found;
+  if (!platform::current_account(found.user, found.domain, found.sid)) {
+    exc::systemUserDomain().copy_on(err);
+    return false;
+  }
+  user = std::move(found.user);
+  domain = std::move(found.domain);
+  sid = std::move(found.sid);
+  return true;
+}
+
+bundle context::get_os_info() const {
+  platform::system_facts facts;
+  if (!platform::read_system_facts(facts)) facts = {};
+  std::wstring version;
+  append_pattern(version, L"%u.%u", {facts.major, facts.minor});
+  std::wstring print = name_of(facts) + (L' ' + version) + L'.';
+  texto::append_unsigned(print, facts.build);
+  if (!facts.service_pack.empty()) print += L' ' + facts.service_pack;
+  const bool supported = facts.major > 6 || (facts.major == 6 && facts.minor >= 1);
+
+  bundle out;
+  out[L"windows"] = name_of(facts);
+  out[L"version"] = version;
+  out[L"numero_compilacion"] = static_cast<long>(facts.build);
+  out[L"service_pack"] = facts.service_pack;
+  out[L"huella"] = print;
+  out[L"soporte"] = supported;
+  out[L"desktop"] = facts.workstation;
+  out[L"subsistema"] = facts.console_program ? L"consola" : L"ventanas";
+  return out;
+}
+
+bool context::directory_list(const file& folder, exception& err, fileFilter* filter, fileCallback* callback,
+                             std::vector<file>* out) const {
+  return files::list_folder(folder, err, filter, callback, out);
+}
+
+long long context::get_system_ticks() const { return platform::clock_ticks(); }
 
 xvar& context::operator[](const std::wstring& key) { return values_[key]; }
 xvar& context::operator[](const std::string& key) { return values_[texto::to_utf_16(key)]; }

@@ -80,4 +80,12 @@ void append_pattern(std::wstring& out, std::wstring_view pattern,
   }
 }
 
+std::wstring print_guid(const platform::guid& made, std::wstring_view pattern,
+                        std::wstring_view byte_pattern) {
+  std::wstring out;
+  append_pattern(out, pattern, {made.data1, made.data2, made.data3});
+  for (const unsigned char byte : made.data4) append_pattern(out, byte_pattern, {byte});
+  return out;
+}
+
 }  // namespace ruvo

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "app/platform.hpp"
+
 namespace ruvo {
 
 /// Appends numbers through a pattern in the manner of printf: "%[-0+ #][width]" with one of d i u o x X c,
@@ -11,5 +13,9 @@ namespace ruvo {
 /// stands.
 void append_pattern(std::wstring& out, std::wstring_view pattern,
                     std::initializer_list<unsigned long> numbers);
+
+/// An identifier: its three first fields through `pattern`, then each of its bytes through `byte_pattern`.
+std::wstring print_guid(const platform::guid& made, std::wstring_view pattern,
+                        std::wstring_view byte_pattern);
 
 }  // namespace ruvo

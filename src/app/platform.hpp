@@ -47,6 +47,47 @@ std::wstring zone_name(bool daylight);
 /// False when the variable does not exist.
 bool environment_variable(const std::wstring& name, std::wstring& value);
 
+/// The account of the process; false when the system does not tell.
+bool current_account(std::wstring& user, std::wstring& domain, std::wstring& sid);
+
+struct system_facts {
+  unsigned long major = 0, minor = 0, build = 0;  // of the system itself, whatever the program was made for
+  std::wstring service_pack;
+  bool workstation = false;
+  bool console_program = false;  // this process
+};
+/// False when the system does not tell.
+bool read_system_facts(system_facts& out);
+
+/// The file of a module, or of the program for a null handle; empty when the system does not tell.
+std::wstring module_path(void* module);
+
+/// Shows a line to a debugger.
+void debug_line(const std::wstring& text) noexcept;
+
+/// Makes sure of a standard output: the one that the process has, else a console; false when there is none.
+bool open_console() noexcept;
+/// Gives back a console that open_console() made.
+void close_console() noexcept;
+/// The text as it is to a console, in UTF-8 to a file or a pipe; false when not all was written.
+bool write_console(std::wstring_view text);
+
+/// A file to append to, made if it is missing, which others may read, write, rename and erase meanwhile. Null
+/// when it cannot be opened.
+void* open_to_append(const std::wstring& path);
+/// One write at the end of the file, whoever else writes.
+bool append(void* file, std::string_view bytes) noexcept;
+/// Waits until the system has written all to the disk.
+void flush(void* file) noexcept;
+void close(void* file) noexcept;
+/// The whole of a file that others may be writing.
+bool read_shared(const std::wstring& path, std::string& out);
+/// Not a folder. False when it is not there or cannot be erased.
+bool erase_file(const std::wstring& path);
+
+/// Milliseconds that only go forwards.
+unsigned long long steady_milliseconds() noexcept;
+
 /// Names in a locale ("es_ES" or "es-ES"); empty when the locale is not known. Months count from 1, days of
 /// the week from 0 = Sunday.
 std::wstring month_name(std::string_view locale, int month, bool abbreviated);

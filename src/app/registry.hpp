@@ -6,8 +6,8 @@
 
 namespace ruvo::registry {
 
-/// The application of the calling thread, or null. Costs no lock unless the registry changed since this
-/// thread asked last.
+/// The application of the calling thread, or null. Takes no lock but where hundreds of threads are
+/// registered.
 application* find() noexcept;
 
 /// False when the thread has an application already.

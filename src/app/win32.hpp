@@ -14,5 +14,6 @@
 
 #include <windows.h>
 
-// COM, which the lean headers leave out.
+// COM and the texts of security identifiers, which the lean headers leave out.
 #include <objbase.h>
+#include <sddl.h>

@@ -53,7 +53,7 @@ void limpia_ruta_inicio(std::wstring& path) {
     const bool climbs = absolute && (rest.starts_with(L"..\\") || rest == L"..");
     if (!climbs && !rest.starts_with(L".\\")) break;
     const std::size_t next = rest.find_first_not_of(L'\\', climbs ? 2 : 1);
-    if (next == rest.npos && !absolute) break;  // nothing else: "." stays
+    if (next == rest.npos && !absolute) break;             // nothing else: "." stays
     if (root == 0 && has_drive(rest.substr(next))) break;  // a name that only looks like a drive
     from = next == rest.npos ? path.size() : from + next;
   }
@@ -184,9 +184,5 @@ std::wstring file::unix_path() const {
   std::ranges::replace(out, L'\\', L'/');
   return out;
 }
-
-bool file::exists() const { return platform::kind_of(path_) != platform::entry_kind::none; }
-bool file::is_directory() const { return platform::kind_of(path_) == platform::entry_kind::folder; }
-bool file::is_file() const { return platform::kind_of(path_) == platform::entry_kind::file; }
 
 }  // namespace ruvo

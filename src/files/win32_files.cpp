@@ -1,13 +1,228 @@
+#include <algorithm>
+#include <vector>
+
 #include "app/win32.hpp"
 #include "files/platform.hpp"
+#include "files/win32_path.hpp"
 
 namespace ruvo::platform {
 
-entry_kind kind_of(const std::wstring& path) noexcept {
-  if (path.empty() || path.find(L'\0') != path.npos) return entry_kind::none;
-  const DWORD attributes = GetFileAttributesW(path.c_str());
+namespace {
+
+constexpr DWORD shared_with_all = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr std::size_t most_at_once = 1u << 30;
+
+/// Closes what it holds.
+class scoped_handle {
+ public:
+  explicit scoped_handle(HANDLE handle) noexcept : handle_(handle) {}
+  scoped_handle(const scoped_handle&) = delete;
+  scoped_handle& operator=(const scoped_handle&) = delete;
+  ~scoped_handle() {
+    if (*this) CloseHandle(handle_);
+  }
+  explicit operator bool() const noexcept { return handle_ != INVALID_HANDLE_VALUE; }
+  operator HANDLE() const noexcept { return handle_; }
+
+ private:
+  HANDLE handle_;
+};
+
+/// Folders can be opened too; those of an empty path cannot.
+HANDLE open_existing(const std::wstring& path, DWORD access, DWORD sharing) {
+  return CreateFileW(system_path(path).c_str(), access, sharing, nullptr, OPEN_EXISTING,
+                     FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+}
+
+bool is_sharing_refusal() noexcept {
+  const DWORD error = GetLastError();
+  return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
+}
+
+unsigned long long joined(DWORD high, DWORD low) noexcept {
+  return static_cast<unsigned long long>(high) << 32 | low;
+}
+
+/// Seconds since 1970, rounded down.
+long long seconds(long long ticks_since_1601) noexcept {
+  constexpr long long ticks = 10'000'000, from_1601_to_1970 = 11'644'473'600;
+  return ticks_since_1601 / ticks - from_1601_to_1970;
+}
+long long seconds(const FILETIME& time) noexcept {
+  return seconds(static_cast<long long>(joined(time.dwHighDateTime, time.dwLowDateTime)));
+}
+
+template <class Information>
+entry_facts facts_of(const Information& found) noexcept {
+  const DWORD attributes = found.dwFileAttributes;
+  entry_facts out;
+  out.kind = attributes & FILE_ATTRIBUTE_DIRECTORY ? entry_kind::folder : entry_kind::file;
+  out.read_only = attributes & FILE_ATTRIBUTE_READONLY;
+  out.hidden = attributes & FILE_ATTRIBUTE_HIDDEN;
+  if (out.kind == entry_kind::file) out.size = joined(found.nFileSizeHigh, found.nFileSizeLow);
+  out.modified = out.changed = seconds(found.ftLastWriteTime);
+  out.accessed = seconds(found.ftLastAccessTime);
+  return out;
+}
+
+/// The number at the end of a security identifier.
+unsigned long last_number(PSID sid) noexcept {
+  if (!sid || !IsValidSid(sid)) return 0;
+  const UCHAR count = *GetSidSubAuthorityCount(sid);
+  return count ? *GetSidSubAuthority(sid, count - 1u) : 0;
+}
+
+bool may_open(const std::wstring& path, DWORD access) {
+  const scoped_handle file(open_existing(path, access, shared_with_all));
+  return file || is_sharing_refusal();
+}
+
+}  // namespace
+
+entry_kind kind_of(const std::wstring& path) {
+  const DWORD attributes = GetFileAttributesW(system_path(path).c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES) return entry_kind::none;
   return attributes & FILE_ATTRIBUTE_DIRECTORY ? entry_kind::folder : entry_kind::file;
+}
+
+// Through a handle, which follows links; what cannot be opened at all still tells what its folder knows of
+// it.
+bool read_facts(const std::wstring& path, entry_facts& out) {
+  const scoped_handle file(open_existing(path, FILE_READ_ATTRIBUTES, shared_with_all));
+  BY_HANDLE_FILE_INFORMATION found;
+  if (file && GetFileInformationByHandle(file, &found)) {
+    out = facts_of(found);
+    FILE_BASIC_INFO basic;
+    if (GetFileInformationByHandleEx(file, FileBasicInfo, &basic, sizeof basic) && basic.ChangeTime.QuadPart)
+      out.changed = seconds(basic.ChangeTime.QuadPart);
+    return true;
+  }
+  WIN32_FILE_ATTRIBUTE_DATA known;
+  if (!GetFileAttributesExW(system_path(path).c_str(), GetFileExInfoStandard, &known)) return false;
+  out = facts_of(known);
+  return true;
+}
+
+bool read_owner(const std::wstring& path, owner_numbers& out) {
+  constexpr SECURITY_INFORMATION wanted = OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION;
+  const scoped_handle file(open_existing(path, READ_CONTROL, shared_with_all));
+  if (!file) return false;
+  DWORD size = 0;
+  GetKernelObjectSecurity(file, wanted, nullptr, 0, &size);
+  std::vector<unsigned char> found(size);
+  PSID user = nullptr, group = nullptr;
+  BOOL is_default;
+  if (!GetKernelObjectSecurity(file, wanted, found.data(), size, &size) ||
+      !GetSecurityDescriptorOwner(found.data(), &user, &is_default) ||
+      !GetSecurityDescriptorGroup(found.data(), &group, &is_default))
+    return false;
+  out = {last_number(user), last_number(group)};
+  return true;
+}
+
+// For a folder the same bits stand for listing it and for adding files to it.
+bool may_read(const std::wstring& path) { return may_open(path, FILE_READ_DATA); }
+bool may_write(const std::wstring& path) { return may_open(path, FILE_WRITE_DATA); }
+
+// A program that runs is found only by asking for the right to write to it.
+bool is_held(const std::wstring& path) {
+  for (const DWORD access : {GENERIC_READ | GENERIC_WRITE, GENERIC_READ}) {
+    const scoped_handle file(open_existing(path, access, 0));
+    if (file) return false;
+    if (is_sharing_refusal()) return true;
+  }
+  return false;
+}
+
+bool make_folder(const std::wstring& path) {
+  return CreateDirectoryW(system_path(path).c_str(), nullptr) || kind_of(path) == entry_kind::folder;
+}
+
+bool erase_entry(const std::wstring& path) {
+  const std::wstring name = system_path(path);
+  const DWORD attributes = GetFileAttributesW(name.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES) return false;
+  return attributes & FILE_ATTRIBUTE_DIRECTORY ? RemoveDirectoryW(name.c_str()) : DeleteFileW(name.c_str());
+}
+
+std::wstring temporary_folder() {
+  wchar_t buffer[MAX_PATH + 1];
+  const DWORD length = GetTempPathW(static_cast<DWORD>(std::size(buffer)), buffer);
+  return length < std::size(buffer) ? std::wstring(buffer, length) : std::wstring();
+}
+
+open_file::open_file(const std::wstring& path, mode how) {
+  const bool creates = how == to_create;
+  const HANDLE file = CreateFileW(system_path(path).c_str(), creates ? GENERIC_WRITE : GENERIC_READ,
+                                  creates ? FILE_SHARE_READ : shared_with_all, nullptr,
+                                  creates ? CREATE_NEW : OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
+  handle_ = file == INVALID_HANDLE_VALUE ? nullptr : file;
+}
+
+open_file::~open_file() { close(); }
+
+bool open_file::size(unsigned long long& out) const noexcept {
+  LARGE_INTEGER size;
+  if (!GetFileSizeEx(handle_, &size)) return false;
+  out = static_cast<unsigned long long>(size.QuadPart);
+  return true;
+}
+
+bool open_file::read(void* to, std::size_t room, std::size_t& got) noexcept {
+  DWORD count = 0;
+  const bool done = ReadFile(handle_, to, static_cast<DWORD>(std::min(room, most_at_once)), &count, nullptr);
+  got = count;
+  return done;
+}
+
+bool open_file::write(std::string_view bytes) noexcept {
+  while (!bytes.empty()) {
+    const auto size = static_cast<DWORD>(std::min(bytes.size(), most_at_once));
+    DWORD written = 0;
+    if (!WriteFile(handle_, bytes.data(), size, &written, nullptr) || !written) return false;
+    bytes.remove_prefix(written);
+  }
+  return true;
+}
+
+bool open_file::flush() noexcept { return FlushFileBuffers(handle_); }
+
+bool open_file::close() noexcept {
+  const bool done = !handle_ || CloseHandle(handle_);
+  handle_ = nullptr;
+  return done;
+}
+
+bool copy_to_new(const std::wstring& from, const std::wstring& to) {
+  return CopyFileW(system_path(from).c_str(), system_path(to).c_str(), TRUE);
+}
+
+void copy_attributes(const std::wstring& from, const std::wstring& to) {
+  constexpr DWORD copied = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+  const DWORD attributes = GetFileAttributesW(system_path(from).c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & copied)) return;
+  SetFileAttributesW(system_path(to).c_str(), (attributes & copied) | FILE_ATTRIBUTE_ARCHIVE);
+}
+
+// A target that somebody reads, or that a scanner looks at, may be free a moment later.
+creation rename_file(const std::wstring& from, const std::wstring& to, bool replace) {
+  const std::wstring old_name = system_path(from), new_name = system_path(to);
+  const DWORD flags = MOVEFILE_WRITE_THROUGH | (replace ? MOVEFILE_REPLACE_EXISTING : 0);
+  for (DWORD wait = 1;; wait *= 2) {
+    if (MoveFileExW(old_name.c_str(), new_name.c_str(), flags)) return creation::done;
+    const DWORD error = GetLastError();
+    if (!replace && (error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS)) return creation::taken;
+    const bool may_pass = error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
+    if (!may_pass || wait > 16) return creation::refused;
+    Sleep(wait);
+  }
+}
+
+void discard_file(const std::wstring& path) {
+  const std::wstring name = system_path(path);
+  if (DeleteFileW(name.c_str())) return;
+  SetFileAttributesW(name.c_str(), FILE_ATTRIBUTE_NORMAL);
+  DeleteFileW(name.c_str());
 }
 
 }  // namespace ruvo::platform

@@ -18,14 +18,21 @@ constexpr int month_days(long long year, int month) {
   return month == 2 ? 28 + is_leap(year) : 30 + ((month + (month >> 3)) & 1);
 }
 
+// Years are taken to begin in March, so that the leap day is the last one: the months then begin at day
+// (153 m + 2) / 5 of the year. The divisions are those of unsigned numbers, which are the quickest: counted
+// from a distant year, nothing is negative.
+constexpr unsigned long long distant_eras = 800000000;  // of 400 years: more than 64 bits of seconds reach
+constexpr unsigned long long distant_years = distant_eras * 400;
+constexpr unsigned long long distant_days = distant_eras * 146097 + 719468;  // until 1970-01-01
+
 /// Days from 1970-01-01 to a date with month 1-12; the day may be any.
-/// Years are taken to begin in March, so that the leap day is the last one: the months then begin at day
-/// (153 m + 2) / 5 of the year.
 constexpr long long days_from_date(long long year, int month, long long day) {
-  const long long y = year - (month < 3);
-  const int m = month < 3 ? month + 9 : month - 3;
-  const long long century = floor_div(y, 100);
-  return y * 365 + floor_div(y, 4) - century + floor_div(century, 4) + (153 * m + 2) / 5 + day - 719469;
+  const bool next_year = month < 3;
+  const unsigned m = static_cast<unsigned>(next_year ? month + 9 : month - 3);
+  const unsigned long long y = static_cast<unsigned long long>(year) + distant_years - next_year;
+  const unsigned long long century = y / 100;
+  const unsigned long long first = y * 365 + y / 4 - century + century / 4 + (153 * m + 2) / 5;
+  return static_cast<long long>(first - distant_days - 1) + day;
 }
 
 struct date_fields {
@@ -36,25 +43,26 @@ struct date_fields {
 };
 
 constexpr date_fields date_from_days(long long days) {
-  const long long shifted = days + 719468;  // from 0000-03-01
-  const long long era = floor_div(shifted, 146097);
-  const unsigned in_era = static_cast<unsigned>(shifted - era * 146097);
-  const unsigned century = (4 * in_era + 3) / 146097;
-  const unsigned in_century = in_era - century * 146097 / 4;
-  const unsigned year_of_century = (4 * in_century + 3) / 1461;
-  const unsigned from_march = in_century - year_of_century * 1461 / 4;
+  const unsigned long long n = 4 * (static_cast<unsigned long long>(days) + distant_days) + 3;
+  const unsigned long long century = n / 146097;
+  const unsigned in_century = static_cast<unsigned>(n - century * 146097) | 3;  // in quarters of a day
+  const unsigned year_of_century = in_century / 1461;
+  const unsigned from_march = (in_century - year_of_century * 1461) / 4;
   const unsigned m = (5 * from_march + 2) / 153;
   const int day = static_cast<int>(from_march - (153 * m + 2) / 5 + 1);
   const bool next_year = m > 9;
   const int month = static_cast<int>(next_year ? m - 9 : m + 3);
-  const long long year = era * 400 + century * 100 + year_of_century + next_year;
-  const int year_day =
-      static_cast<int>(from_march) + (next_year ? -306 : 59 + static_cast<int>(is_leap(year)));
+  const auto year = static_cast<long long>(century * 100 + year_of_century - distant_years) + next_year;
+  const bool leap = year_of_century % 4 == 0 && (year_of_century != 0 || century % 4 == 0);
+  const int year_day = static_cast<int>(from_march) + (next_year ? -306 : 59 + static_cast<int>(leap));
   return {year, month, day, year_day};
 }
 
 /// 0 = Sunday.
-constexpr int week_day(long long days) { return static_cast<int>(days + 4 - 7 * floor_div(days + 4, 7)); }
+constexpr int week_day(long long days) {
+  constexpr int before_first = 3;  // 1 March of a year that 400 divides is a Wednesday
+  return static_cast<int>((static_cast<unsigned long long>(days) + distant_days + before_first) % 7);
+}
 
 /// Fills every field, with tm_isdst 0; false when the year does not fit.
 inline bool break_down(long long seconds, std::tm& out) {
@@ -77,10 +85,14 @@ inline bool break_down(long long seconds, std::tm& out) {
 
 /// Seconds since 1970 of the fields, whatever their size.
 constexpr long long build(const std::tm& fields) {
-  const long long months = fields.tm_mon;
-  const long long years = floor_div(months, 12);
-  const long long days = days_from_date(fields.tm_year + 1900LL + years,
-                                        static_cast<int>(months - years * 12) + 1, fields.tm_mday);
+  long long month = fields.tm_mon;
+  long long years = 0;
+  if (month < 0 || month > 11) {
+    years = floor_div(month, 12);
+    month -= years * 12;
+  }
+  const long long days =
+      days_from_date(fields.tm_year + 1900LL + years, static_cast<int>(month) + 1, fields.tm_mday);
   return days * seconds_per_day + fields.tm_hour * 3600LL + fields.tm_min * 60LL + fields.tm_sec;
 }
 

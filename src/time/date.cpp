@@ -8,13 +8,6 @@
 
 namespace ruvo {
 
-namespace {
-
-// The time of day at which a date is kept.
-constexpr int fixed = 4;
-
-}  // namespace
-
 const std::string date::canonical = "%d-%m-%Y";
 const std::string date::short_format = "%d-%m-%Y";
 const std::string date::sql_format = "%Y-%m-%d";
@@ -24,9 +17,7 @@ const std::string date::velda = "%Y%m%d";
 
 date::date(times::HUSO huso) : lapse(huso) { reset_time(); }
 date::date(long yyyymmdd, times::HUSO huso) : lapse(0, huso) { *this = yyyymmdd; }
-date::date(long year, long month, long day, times::HUSO huso) : lapse(0, huso) {
-  build(year, month, day, fixed, fixed, fixed);
-}
+date::date(long year, long month, long day, times::HUSO huso) : lapse(0, huso) { fix(year, month, day); }
 date::date(const char* text, times::HUSO huso, const std::string& format)
     : date(std::string(text ? text : ""), huso, format) {}
 date::date(const wchar_t* text, times::HUSO huso, const std::string& format)
@@ -44,7 +35,7 @@ date::~date() = default;
 date& date::operator=(const date& other) = default;
 date& date::operator=(const datetime& instant) { return *this = date(instant); }
 date& date::operator=(long yyyymmdd) {
-  build(yyyymmdd / 10000, yyyymmdd / 100 % 100, yyyymmdd % 100, fixed, fixed, fixed);
+  fix(yyyymmdd / 10000, yyyymmdd / 100 % 100, yyyymmdd % 100);
   return *this;
 }
 date& date::operator=(const char* text) { return *this = std::string(text ? text : ""); }
@@ -63,13 +54,11 @@ date::operator long() const {
   return static_cast<long>((fields.tm_year + 1900LL) * 10000 + (fields.tm_mon + 1) * 100 + fields.tm_mday);
 }
 
-bool date::parse(const std::wstring& text, const std::wstring& format, exception& err,
-                 const std::string& locale) {
+void date::read(std::wstring_view text, std::wstring_view format, const std::string& locale) {
   date parsed(*this);
-  if (!parsed.lapse::parse(text, format, err, locale)) return false;
+  parsed.lapse::read(text, format, locale);
   parsed.reset_time();
   *this = parsed;
-  return true;
 }
 
 std::wstring date::to_string(const std::string& format) const { return lapse::to_string(format); }
@@ -94,9 +83,14 @@ date& date::set_year(int year) {
   return reset_time();
 }
 
+void date::fix(long long year, long long month, long long day) {
+  constexpr int hour = 4, minute = 4, second = 4;
+  build(year, month, day, hour, minute, second);
+}
+
 date& date::reset_time() {
   const std::tm fields = record();
-  build(fields.tm_year + 1900LL, fields.tm_mon + 1LL, fields.tm_mday, fixed, fixed, fixed);
+  fix(fields.tm_year + 1900LL, fields.tm_mon + 1LL, fields.tm_mday);
   return *this;
 }
 

@@ -1,3 +1,4 @@
+#include <ruvo/datetime.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/lapse.hpp>
 
@@ -5,21 +6,12 @@
 #include <limits>
 
 #include "app/current.hpp"
-#include "app/platform.hpp"
 #include "texto/utf.hpp"
 #include "time/format.hpp"
 
 namespace ruvo {
 
 namespace {
-
-/// Throws what a service or an operation told.
-[[noreturn]] void raise(const exception& told) {
-  if (told.OK()) throw exc::CalendarException();
-  if (told.get_rango() == exc::CalendarException().get_rango())
-    throw exc::CalendarException(told.get_code(), told.get_mensaje());
-  throw exception(told);
-}
 
 /// Runs the body and tells its failure; true on failure.
 template <class Body>
@@ -35,23 +27,39 @@ bool told(exception* err, Body body) {
   return true;
 }
 
-std::tm broken_down(long long seconds, bool local) {
-  std::tm out{};
-  exception err;
-  const context& services = current_context();
-  const bool done =
-      local ? services.sistem_local_time(&out, seconds, &err) : services.sistem_gmt_time(&out, seconds, &err);
-  if (!done) raise(err);
-  return out;
+/// Throws what an operation told.
+[[noreturn]] void raise(const exception& told) {
+  if (told.OK()) throw exc::CalendarException();
+  if (told.get_rango() == exc::CalendarException().get_rango())
+    throw exc::CalendarException(told.get_code(), told.get_mensaje());
+  throw exception(told);
 }
 
-long long built(std::tm& record, bool local) {
-  long long out = 0;
+/// Asks a service again that failed, for the failure to throw.
+template <class Service>
+[[noreturn]] void explain(Service ask) {
   exception err;
-  const context& services = current_context();
-  const bool done =
-      local ? services.sistem_local_lapse(out, record, &err) : services.sistem_gmt_lapse(out, record, &err);
-  if (!done) raise(err);
+  ask(&err);
+  raise(err);
+}
+
+// The services are asked without a place for their failure first: making one takes as long as an answer.
+
+void break_down(const context& services, long long seconds, bool local, std::tm& out) {
+  const auto ask = [&](exception* err) {
+    return local ? services.sistem_local_time(&out, seconds, err)
+                 : services.sistem_gmt_time(&out, seconds, err);
+  };
+  if (!ask(nullptr)) explain(ask);
+}
+
+long long built(const context& services, std::tm& record, bool local) {
+  long long out = 0;
+  const auto ask = [&](exception* err) {
+    return local ? services.sistem_local_lapse(out, record, err)
+                 : services.sistem_gmt_lapse(out, record, err);
+  };
+  if (!ask(nullptr)) explain(ask);
   return out;
 }
 
@@ -61,13 +69,49 @@ int narrow(long long field) {
   return static_cast<int>(field);
 }
 
-const std::string& named(const std::string& locale) {
-  return locale.empty() ? current_context().get_locale() : locale;
+const std::string& named(const context& services, const std::string& locale) {
+  return locale.empty() ? services.get_locale() : locale;
 }
+
+/// A narrow text in UTF-16. Short ones in ASCII, as formats are, take no memory.
+class widened {
+ public:
+  explicit widened(const std::string& text) {
+    if (text.size() <= size && take_ascii(text)) {
+      view_ = {short_, text.size()};
+    } else {
+      long_ = texto::to_utf_16(text);
+      view_ = long_;
+    }
+  }
+  widened(const widened&) = delete;
+  widened& operator=(const widened&) = delete;
+
+  operator std::wstring_view() const { return view_; }
+
+ private:
+  static constexpr std::size_t size = 48;
+
+  /// Copies the text; false when it is not ASCII.
+  bool take_ascii(const std::string& text) {
+    unsigned char all = 0;
+    wchar_t* to = short_;
+    for (const char c : text) {
+      const auto unit = static_cast<unsigned char>(c);
+      all |= unit;
+      *to++ = unit;
+    }
+    return all < 0x80;
+  }
+
+  wchar_t short_[size];
+  std::wstring long_;
+  std::wstring_view view_;
+};
 
 }  // namespace
 
-lapse::lapse(times::HUSO huso) : lapso_(platform::clock_ticks() / 10000000), huso_(huso) {}
+lapse::lapse(times::HUSO huso) : lapso_(current_context().get_system_ticks() / 10000000), huso_(huso) {}
 lapse::lapse(const lapse& other) = default;
 lapse::~lapse() = default;
 lapse& lapse::operator=(const lapse& other) = default;
@@ -89,7 +133,11 @@ void lapse::set_lapso(double seconds) noexcept {
     lapso_ = static_cast<long long>(seconds);
 }
 
-std::tm lapse::record() const { return broken_down(lapso_, huso_ == times::LOCAL); }
+std::tm lapse::record() const {
+  std::tm out{};
+  break_down(current_context(), lapso_, huso_ == times::LOCAL, out);
+  return out;
+}
 
 void lapse::build(long long year, long long month, long long day, long long hour, long long minute,
                   long long second) {
@@ -101,7 +149,7 @@ void lapse::build(long long year, long long month, long long day, long long hour
   fields.tm_min = narrow(minute);
   fields.tm_sec = narrow(second);
   fields.tm_isdst = -1;
-  lapso_ = built(fields, huso_ == times::LOCAL);
+  lapso_ = built(current_context(), fields, huso_ == times::LOCAL);
 }
 
 int lapse::get(times::UNITS unit) const {
@@ -160,7 +208,7 @@ bool lapse::add(int n, times::UNITS unit, exception* err) {
     if (!field) return;
     *field = narrow(static_cast<long long>(*field) + n);
     fields.tm_isdst = -1;
-    lapso_ = built(fields, huso_ == times::LOCAL);
+    lapso_ = built(current_context(), fields, huso_ == times::LOCAL);
   });
 }
 
@@ -172,7 +220,7 @@ bool lapse::set(int n, times::UNITS unit, exception* err) {
     const long long first = unit == times::MONTHS ? 1 : unit == times::YEARS ? 1900 : 0;
     *field = narrow(n - first);
     fields.tm_isdst = -1;
-    lapso_ = built(fields, huso_ == times::LOCAL);
+    lapso_ = built(current_context(), fields, huso_ == times::LOCAL);
   });
 }
 
@@ -181,7 +229,7 @@ bool lapse::set(int year, int month, int day, int hour, int minute, int second, 
 }
 
 bool lapse::set(std::tm& record, exception& err) {
-  return told(&err, [&] { lapso_ = built(record, huso_ == times::LOCAL); });
+  return told(&err, [&] { lapso_ = built(current_context(), record, huso_ == times::LOCAL); });
 }
 
 void lapse::move(int n, times::UNITS unit) {
@@ -206,80 +254,90 @@ std::tm lapse::get_model() const { return huso_ == times::LOCAL ? get_local_mode
 
 std::tm lapse::get_gmt_model(exception* err) const {
   std::tm out{};
-  told(err, [&] { out = broken_down(lapso_, false); });
+  if (told(err, [&] { break_down(current_context(), lapso_, false, out); })) out = {};
   return out;
 }
 
 std::tm lapse::get_local_model(exception* err) const {
   std::tm out{};
-  told(err, [&] { out = broken_down(lapso_, true); });
+  if (told(err, [&] { break_down(current_context(), lapso_, true, out); })) out = {};
   return out;
 }
 
 bool lapse::gmt(std::tm& record, exception& err) const {
-  return told(&err, [&] { record = broken_down(lapso_, false); });
+  return told(&err, [&] { break_down(current_context(), lapso_, false, record); });
 }
 
 bool lapse::locale(std::tm& record, exception& err) const {
-  return told(&err, [&] { record = broken_down(lapso_, true); });
+  return told(&err, [&] { break_down(current_context(), lapso_, true, record); });
 }
 
-bool lapse::parse_over(const std::tm& initial, const std::wstring& text, const std::wstring& format,
-                       exception& err, const std::string& locale) {
-  return !told(&err, [&] {
-    calendar::reading out{initial, {}};
-    if (!calendar::read(out, text, format, named(locale))) throw exc::CalendarException();
-    out.record.tm_isdst = -1;
-    if (out.offset)
-      lapso_ = built(out.record, false) - *out.offset;
-    else
-      lapso_ = built(out.record, huso_ == times::LOCAL);
-  });
+void lapse::read_over(int year, std::wstring_view text, std::wstring_view format, const std::string& locale) {
+  const context& services = current_context();
+  calendar::reading out;
+  out.record.tm_year = year - 1900;
+  out.record.tm_mday = 1;
+  if (!calendar::read(out, text, format, named(services, locale))) throw exc::CalendarException();
+  out.record.tm_isdst = -1;
+  if (out.offset)
+    lapso_ = built(services, out.record, false) - *out.offset;
+  else
+    lapso_ = built(services, out.record, huso_ == times::LOCAL);
+}
+
+void lapse::read(std::wstring_view text, std::wstring_view format, const std::string& locale) {
+  constexpr int year = 1970;
+  read_over(year, text, format, locale);
 }
 
 bool lapse::parse(const std::wstring& text, const std::wstring& format, exception& err,
                   const std::string& locale) {
-  std::tm initial{};
-  initial.tm_year = 70;
-  initial.tm_mday = 1;
-  return parse_over(initial, text, format, err, locale);
+  return !told(&err, [&] { read(text, format, locale); });
 }
 
 bool lapse::parse(const std::wstring& text, const std::string& format, exception& err,
                   const std::string& locale) {
-  return parse(text, texto::to_utf_16(format), err, locale);
+  return !told(&err, [&] { read(text, widened(format), locale); });
 }
 
 bool lapse::parse(const std::string& text, const std::string& format, exception& err,
                   const std::string& locale) {
-  return parse(texto::to_utf_16(text), texto::to_utf_16(format), err, locale);
+  return !told(&err, [&] { read(widened(text), widened(format), locale); });
 }
 
-void lapse::take(const std::wstring& text, const std::string& format) {
-  exception err;
-  if (!parse(text, format, err)) raise(err);
+void lapse::take(const std::wstring& text, const std::string& format) { read(text, widened(format), {}); }
+
+void lapse::take(const std::string& text, const std::string& format) {
+  read(widened(text), widened(format), {});
 }
 
-void lapse::take(const std::string& text, const std::string& format) { take(texto::to_utf_16(text), format); }
-
-std::wstring lapse::format(const std::wstring& pattern, const std::string& locale) const {
+std::wstring lapse::print_by(std::wstring_view pattern, const std::string& locale) const {
+  const context& services = current_context();
+  const bool local = huso_ == times::LOCAL;
+  std::tm fields{};
+  break_down(services, lapso_, local, fields);
   std::wstring out;
-  calendar::print(out, pattern, record(), lapso_, huso_ == times::LOCAL, named(locale));
+  calendar::print(out, pattern, fields, lapso_, local, named(services, locale));
   return out;
 }
 
+std::wstring lapse::format(const std::wstring& pattern, const std::string& locale) const {
+  return print_by(pattern, locale);
+}
+
 std::wstring lapse::format(const std::string& pattern, const std::string& locale) const {
-  return format(texto::to_utf_16(pattern), locale);
+  return print_by(widened(pattern), locale);
 }
 
 std::wstring lapse::to_string(const std::string& pattern) const { return format(pattern); }
+std::wstring lapse::print() const { return to_string(datetime::canonical); }
 
 std::wstring lapse::month_name(const std::string& locale, bool abbreviated) const {
-  return calendar::month_name(named(locale), get(times::MONTHS) - 1, abbreviated);
+  return calendar::month_name(named(current_context(), locale), get(times::MONTHS) - 1, abbreviated);
 }
 
 std::wstring lapse::week_day_name(const std::string& locale, bool abbreviated) const {
-  return calendar::week_day_name(named(locale), get(times::WEEK_DAY), abbreviated);
+  return calendar::week_day_name(named(current_context(), locale), get(times::WEEK_DAY), abbreviated);
 }
 
 }  // namespace ruvo

@@ -4,23 +4,23 @@
 #include "texto/numbers.hpp"
 #include "time/civil.hpp"
 #include "time/format.hpp"
+#include "time/sink.hpp"
 
 namespace ruvo::calendar {
 
 namespace {
 
-void two_digits(std::wstring& out, int value, wchar_t pad = L'0') {
-  out += value < 10 ? pad : static_cast<wchar_t>(L'0' + value / 10);
-  out += static_cast<wchar_t>(L'0' + value % 10);
-}
-
 /// At least four digits, so that "%Y%m%d" can be read back.
-void year_digits(std::wstring& out, long long year) {
-  if (year < 0) out += L'-';
+void year_digits(sink& out, long long year) {
+  if (year < 0) out.put(L'-');
   const long long size = std::llabs(year);
-  if (size > 9999) return texto::append_integer(out, size);
-  two_digits(out, static_cast<int>(size / 100));
-  two_digits(out, static_cast<int>(size % 100));
+  if (size > 9999) {
+    std::wstring digits;
+    texto::append_integer(digits, size);
+    return out.text(digits);
+  }
+  out.pair(static_cast<int>(size) / 100);
+  out.pair(static_cast<int>(size) % 100);
 }
 
 int twelve_hours(int hour) { return hour % 12 ? hour % 12 : 12; }
@@ -33,43 +33,44 @@ std::wstring half_day(const std::string& locale, bool afternoon) {
   return name.empty() ? std::wstring(afternoon ? L"PM" : L"AM") : name;
 }
 
-void zone_offset(std::wstring& out, long long seconds) {
+void zone_offset(sink& out, long long seconds) {
   const int minutes = static_cast<int>(std::llabs(seconds) / 60);
-  out += seconds < 0 ? L'-' : L'+';
-  two_digits(out, minutes / 60);
-  two_digits(out, minutes % 60);
+  out.put(seconds < 0 ? L'-' : L'+');
+  out.pair(minutes / 60);
+  out.pair(minutes % 60);
 }
 
 struct printer {
-  std::wstring& out;
+  sink& out;
   const std::tm& record;
   long long seconds;
   bool local;
   const std::string& locale;
 
   void all(std::wstring_view format) {
-    for (std::size_t i = 0; i < format.size(); ++i) {
-      if (format[i] != L'%' || i + 1 == format.size())
-        out += format[i];
+    const wchar_t* const stop = format.data() + format.size();
+    for (const wchar_t* f = format.data(); f != stop; ++f) {
+      if (*f != L'%' || f + 1 == stop)
+        out.put(*f);
       else
-        one(format[++i]);
+        one(*++f);
     }
   }
 
   void one(wchar_t conversion) {
     switch (conversion) {
       case L'd':
-        return two_digits(out, record.tm_mday);
+        return out.pair(record.tm_mday);
       case L'm':
-        return two_digits(out, record.tm_mon + 1);
+        return out.pair(record.tm_mon + 1);
       case L'Y':
         return year_digits(out, record.tm_year + 1900LL);
       case L'H':
-        return two_digits(out, record.tm_hour);
+        return out.pair(record.tm_hour);
       case L'M':
-        return two_digits(out, record.tm_min);
+        return out.pair(record.tm_min);
       case L'S':
-        return two_digits(out, record.tm_sec);
+        return out.pair(record.tm_sec);
       case L'F':
         return all(L"%Y-%m-%d");
       case L'R':
@@ -82,27 +83,24 @@ struct printer {
       case L'x':
         return all(L"%m/%d/%y");
       case L'y':
-        return two_digits(out, ((record.tm_year % 100) + 100) % 100);
+        return out.pair(((record.tm_year % 100) + 100) % 100);
       case L'e':
-        return two_digits(out, record.tm_mday, L' ');
+        return out.pair(record.tm_mday, L' ');
       case L'I':
-        return two_digits(out, twelve_hours(record.tm_hour));
+        return out.pair(twelve_hours(record.tm_hour));
       case L'j':
-        out += static_cast<wchar_t>(L'0' + (record.tm_yday + 1) / 100);
-        return two_digits(out, (record.tm_yday + 1) % 100);
+        out.put(static_cast<wchar_t>(L'0' + (record.tm_yday + 1) / 100));
+        return out.pair((record.tm_yday + 1) % 100);
       case L'U':
-        return two_digits(out, week(record.tm_yday, record.tm_wday));
+        return out.pair(week(record.tm_yday, record.tm_wday));
       case L'W':
-        return two_digits(out, week(record.tm_yday, (record.tm_wday + 6) % 7));
+        return out.pair(week(record.tm_yday, (record.tm_wday + 6) % 7));
       case L'u':
-        out += static_cast<wchar_t>(L'0' + (record.tm_wday + 6) % 7 + 1);
-        return;
+        return out.put(static_cast<wchar_t>(L'0' + (record.tm_wday + 6) % 7 + 1));
       case L'w':
-        out += static_cast<wchar_t>(L'0' + record.tm_wday);
-        return;
+        return out.put(static_cast<wchar_t>(L'0' + record.tm_wday));
       case L'%':
-        out += L'%';
-        return;
+        return out.put(L'%');
       default:
         return word(conversion);
     }
@@ -111,27 +109,22 @@ struct printer {
   void word(wchar_t conversion) {
     switch (conversion) {
       case L'a':
-        out += week_day_name(locale, record.tm_wday, true);
-        return;
+        return out.text(week_day_name(locale, record.tm_wday, true));
       case L'A':
-        out += week_day_name(locale, record.tm_wday, false);
-        return;
+        return out.text(week_day_name(locale, record.tm_wday, false));
       case L'b':
-        out += month_name(locale, record.tm_mon, true);
-        return;
+        return out.text(month_name(locale, record.tm_mon, true));
       case L'B':
-        out += month_name(locale, record.tm_mon, false);
-        return;
+        return out.text(month_name(locale, record.tm_mon, false));
       case L'p':
-        out += half_day(locale, record.tm_hour >= 12);
-        return;
+        return out.text(half_day(locale, record.tm_hour >= 12));
       case L'z':
         return zone_offset(out, civil::build(record) - seconds);
       case L'Z':
-        out += local ? platform::zone_name(record.tm_isdst > 0) : L"UTC";
-        return;
+        return out.text(local ? platform::zone_name(record.tm_isdst > 0) : L"UTC");
       default:
-        (out += L'%') += conversion;
+        out.put(L'%');
+        out.put(conversion);
     }
   }
 };
@@ -140,8 +133,9 @@ struct printer {
 
 void print(std::wstring& out, std::wstring_view format, const std::tm& record, long long seconds, bool local,
            const std::string& locale) {
-  out.reserve(out.size() + 2 * format.size());  // as long as the usual formats print
-  printer{out, record, seconds, local, locale}.all(format);
+  sink printed(out);
+  printer{printed, record, seconds, local, locale}.all(format);
+  printed.flush();
 }
 
 }  // namespace ruvo::calendar

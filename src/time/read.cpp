@@ -23,23 +23,62 @@ bool starts_with(std::wstring_view text, std::wstring_view name) {
 
 using name_of = std::wstring (*)(const std::string& locale, int index, bool abbreviated);
 
+enum part : unsigned { year_part = 1, day_part = 2, hour_part = 4 };
+
+/// A conversion that is a number of the record.
+struct plain_field {
+  int std::tm::*field;
+  int digits, low, high;
+  int base;  // what the record counts from
+  unsigned part;
+};
+
+constexpr plain_field day_field{&std::tm::tm_mday, 2, 1, 31, 0, day_part};
+constexpr plain_field month_field{&std::tm::tm_mon, 2, 1, 12, 1, day_part};
+constexpr plain_field year_field{&std::tm::tm_year, 4, 0, 9999, 1900, year_part};
+constexpr plain_field hour_field{&std::tm::tm_hour, 2, 0, 23, 0, hour_part};
+constexpr plain_field minute_field{&std::tm::tm_min, 2, 0, 59, 0, 0};
+constexpr plain_field second_field{&std::tm::tm_sec, 2, 0, 59, 0, 0};
+
+const plain_field* plain_field_of(wchar_t conversion) {
+  switch (conversion) {
+    case L'd':
+      return &day_field;
+    case L'm':
+      return &month_field;
+    case L'Y':
+      return &year_field;
+    case L'H':
+      return &hour_field;
+    case L'M':
+      return &minute_field;
+    case L'S':
+      return &second_field;
+    default:
+      return nullptr;
+  }
+}
+
 /// One function per kind of field; each takes its part off the front of the text, or is false.
 struct reader {
   reading& out;
-  std::wstring_view text;
+  const wchar_t* at;
+  const wchar_t* end;
   const std::string& locale;
 
   std::optional<int> hour_of_half, year_day, week_day, sunday_week, monday_week;
   bool afternoon = false;
-  bool has_year = false, has_month_or_day = false;
+  unsigned parts = 0;  // those that were read
 
   bool all(std::wstring_view format) {
-    for (std::size_t i = 0; i < format.size(); ++i) {
-      if (format[i] == L'%' && i + 1 < format.size()) {
-        if (!one(format[++i])) return false;
-      } else if (texto::is_space(format[i])) {
+    const wchar_t* const stop = format.data() + format.size();
+    for (const wchar_t* f = format.data(); f != stop; ++f) {
+      if (*f == L'%' && f + 1 != stop) {
+        const plain_field* const plain = plain_field_of(*++f);
+        if (!(plain ? take(*plain) : one(*f))) return false;
+      } else if (texto::is_space(*f)) {
         skip_blanks();
-      } else if (!unit(format[i])) {
+      } else if (!unit(*f)) {
         return false;
       }
     }
@@ -47,70 +86,81 @@ struct reader {
   }
 
   void skip_blanks() {
-    while (!text.empty() && texto::is_space(text.front())) text.remove_prefix(1);
+    while (at != end && texto::is_space(*at)) ++at;
   }
 
   bool unit(wchar_t expected) {
-    if (text.empty() || text.front() != expected) return false;
-    text.remove_prefix(1);
+    if (at == end || *at != expected) return false;
+    ++at;
     return true;
   }
 
-  bool number(int& value, int digits, int low, int high) {
-    int read = 0;
-    int sum = 0;
-    while (read < digits && !text.empty() && texto::is_digit(text.front())) {
-      sum = sum * 10 + (text.front() - L'0');
-      text.remove_prefix(1);
-      ++read;
+  bool prefix(std::wstring_view name) {
+    if (!starts_with({at, static_cast<std::size_t>(end - at)}, name)) return false;
+    at += name.size();
+    return true;
+  }
+
+  /// Up to so many digits.
+  template <int digits>
+  bool number(int& value, int low, int high) {
+    if (!all_digits<digits>(value) && !leading_digits<digits>(value)) return false;
+    return value >= low && value <= high;
+  }
+
+  /// What is usual: no fewer digits than there may be.
+  template <int digits>
+  bool all_digits(int& value) {
+    if (end - at < digits) return false;
+    unsigned sum = 0;
+    bool all = true;
+    for (int i = 0; i < digits; ++i) {
+      all &= texto::is_digit(at[i]);
+      sum = sum * 10 + static_cast<char16_t>(at[i]) - L'0';
     }
-    value = sum;
-    return read > 0 && sum >= low && sum <= high;
+    if (!all) return false;
+    at += digits;
+    value = static_cast<int>(sum);
+    return true;
+  }
+
+  template <int digits>
+  bool leading_digits(int& value) {
+    const wchar_t* const first = at;
+    value = 0;
+    for (int i = 0; i < digits && at != end && texto::is_digit(*at); ++i) value = value * 10 + (*at++ - L'0');
+    return at != first;
   }
 
   /// Exactly two digits.
   bool pair(int& value, int high) {
-    const std::size_t before = text.size();
-    return number(value, 2, 0, high) && before - text.size() == 2;
+    const wchar_t* const first = at;
+    return number<2>(value, 0, high) && at - first == 2;
   }
 
-  bool number(std::optional<int>& value, int digits, int low, int high) {
-    return number(value.emplace(), digits, low, high);
+  template <int digits>
+  bool number(std::optional<int>& value, int low, int high) {
+    return number<digits>(value.emplace(), low, high);
+  }
+
+  bool take(const plain_field& what) {
+    int value = 0;
+    if (!(what.digits == 2 ? number<2>(value, what.low, what.high) : number<4>(value, what.low, what.high)))
+      return false;
+    out.record.*what.field = value - what.base;
+    parts |= what.part;
+    return true;
   }
 
   bool one(wchar_t conversion) {
-    std::tm& record = out.record;
     switch (conversion) {
       case L'e':
         skip_blanks();
-        [[fallthrough]];
-      case L'd':
-        has_month_or_day = true;
-        return number(record.tm_mday, 2, 1, 31);
-      case L'm':
-        has_month_or_day = true;
-        if (!number(record.tm_mon, 2, 1, 12)) return false;
-        --record.tm_mon;
-        return true;
-      case L'Y':
-        has_year = true;
-        if (!number(record.tm_year, 4, 0, 9999)) return false;
-        record.tm_year -= 1900;
-        return true;
+        return take(day_field);
       case L'y':
-        has_year = true;
-        if (!number(record.tm_year, 2, 0, 99)) return false;
-        if (record.tm_year < 69) record.tm_year += 100;
-        return true;
-      case L'H':
-        hour_of_half.reset();
-        return number(record.tm_hour, 2, 0, 23);
+        return short_year();
       case L'I':
-        return number(hour_of_half, 2, 1, 12);
-      case L'M':
-        return number(record.tm_min, 2, 0, 59);
-      case L'S':
-        return number(record.tm_sec, 2, 0, 59);
+        return number<2>(hour_of_half, 1, 12);
       case L'F':
         return all(L"%Y-%m-%d");
       case L'R':
@@ -130,17 +180,17 @@ struct reader {
   bool seldom(wchar_t conversion) {
     switch (conversion) {
       case L'j':
-        if (!number(year_day, 3, 1, 366)) return false;
+        if (!number<3>(year_day, 1, 366)) return false;
         --*year_day;
         return true;
       case L'U':
-        return number(sunday_week, 2, 0, 53);
+        return number<2>(sunday_week, 0, 53);
       case L'W':
-        return number(monday_week, 2, 0, 53);
+        return number<2>(monday_week, 0, 53);
       case L'w':
-        return number(week_day, 1, 0, 6);
+        return number<1>(week_day, 0, 6);
       case L'u':
-        if (!number(week_day, 1, 1, 7)) return false;
+        if (!number<1>(week_day, 1, 7)) return false;
         *week_day %= 7;
         return true;
       case L'a':
@@ -148,7 +198,7 @@ struct reader {
         return name(week_day.emplace(), week_day_name, 7);
       case L'b':
       case L'B':
-        has_month_or_day = true;
+        parts |= day_part;
         return name(out.record.tm_mon, month_name, 12);
       case L'p':
         return half_day();
@@ -163,30 +213,35 @@ struct reader {
     }
   }
 
+  bool short_year() {
+    int& year = out.record.tm_year;
+    if (!number<2>(year, 0, 99)) return false;
+    if (year < 69) year += 100;
+    parts |= year_part;
+    return true;
+  }
+
   /// The longest name, full or abbreviated, that the text begins with.
   bool name(int& index, name_of names, int count) {
-    std::size_t longest = 0;
+    const wchar_t* const first = at;
+    const wchar_t* longest = at;
     for (int i = 0; i < count; ++i) {
       for (const bool abbreviated : {false, true}) {
-        const std::wstring candidate = names(locale, i, abbreviated);
-        if (candidate.size() <= longest || !starts_with(text, candidate)) continue;
-        longest = candidate.size();
+        at = first;
+        if (!prefix(names(locale, i, abbreviated)) || at <= longest) continue;
+        longest = at;
         index = i;
       }
     }
-    text.remove_prefix(longest);
-    return longest > 0;
+    at = longest;
+    return longest != first;
   }
 
   bool half_day() {
     for (const bool candidate : {false, true}) {
-      for (const std::wstring& name :
-           {platform::half_day_name(locale, candidate), std::wstring(candidate ? L"PM" : L"AM")}) {
-        if (!starts_with(text, name)) continue;
-        text.remove_prefix(name.size());
-        afternoon = candidate;
-        return true;
-      }
+      if (!prefix(platform::half_day_name(locale, candidate)) && !prefix(candidate ? L"PM" : L"AM")) continue;
+      afternoon = candidate;
+      return true;
     }
     return false;
   }
@@ -196,7 +251,7 @@ struct reader {
       out.offset = 0;
       return true;
     }
-    const bool west = !text.empty() && text.front() == L'-';
+    const bool west = at != end && *at == L'-';
     int hours = 0;
     int minutes = 0;
     if (!unit(west ? L'-' : L'+') || !pair(hours, 23)) return false;
@@ -210,31 +265,27 @@ struct reader {
   /// A name of UTC, or one of the zone's own names, which tell nothing that the record does not.
   bool zone_name() {
     for (const std::wstring_view utc : {L"UTC", L"GMT", L"Z"}) {
-      if (!starts_with(text, utc)) continue;
-      text.remove_prefix(utc.size());
+      if (!prefix(utc)) continue;
       out.offset = 0;
       return true;
     }
-    for (const bool daylight : {false, true}) {
-      const std::wstring own = platform::zone_name(daylight);
-      if (!starts_with(text, own)) continue;
-      text.remove_prefix(own.size());
-      return true;
-    }
-    return false;
+    return prefix(platform::zone_name(false)) || prefix(platform::zone_name(true));
   }
 
   /// Puts together what was read; false when the parts contradict each other or name no day.
   bool finish() {
     std::tm& record = out.record;
-    if (hour_of_half) record.tm_hour = *hour_of_half % 12 + (afternoon ? 12 : 0);
-    if (has_year && !has_month_or_day && !day_of_year()) return false;
+    if (hour_of_half && !(parts & hour_part)) record.tm_hour = *hour_of_half % 12 + (afternoon ? 12 : 0);
+    const bool has_year = parts & year_part;
+    const bool has_day = parts & day_part;
+    if (has_year && !has_day && !day_of_year()) return false;
     const long long year = record.tm_year + 1900LL;
     if (record.tm_mday > civil::month_days(year, record.tm_mon + 1)) return false;
+    const bool whole = has_year && (has_day || year_day);
+    if (!whole || !(week_day || year_day)) return true;
     const long long days = civil::days_from_date(year, record.tm_mon + 1, record.tm_mday);
-    const bool whole = has_year && (has_month_or_day || year_day);
-    if (whole && week_day && civil::week_day(days) != *week_day) return false;
-    return !whole || !year_day || civil::date_from_days(days).year_day == *year_day;
+    if (week_day && civil::week_day(days) != *week_day) return false;
+    return !year_day || civil::date_from_days(days).year_day == *year_day;
   }
 
   /// Month and day from the day of the year, or from a week and its day.
@@ -264,10 +315,10 @@ struct reader {
 
 bool read(reading& out, std::wstring_view text, std::wstring_view format, const std::string& locale) {
   text = texto::trimmed(text);
-  reader work{out, text, locale, {}, {}, {}, {}, {}};
+  reader work{out, text.data(), text.data() + text.size(), locale, {}, {}, {}, {}, {}};
   if (!work.all(format)) return false;
   work.skip_blanks();
-  return work.text.empty() && work.finish();
+  return work.at == work.end && work.finish();
 }
 
 }  // namespace ruvo::calendar

@@ -75,12 +75,8 @@ time& time::set_in_seconds(long seconds) {
   return *this;
 }
 
-bool time::parse(const std::wstring& text, const std::wstring& format, exception& err,
-                 const std::string& locale) {
-  std::tm initial{};
-  initial.tm_year = fixed_year - 1900;
-  initial.tm_mday = 1;
-  return parse_over(initial, text, format, err, locale);
+void time::read(std::wstring_view text, std::wstring_view format, const std::string& locale) {
+  read_over(fixed_year, text, format, locale);
 }
 
 std::wstring time::to_string(const std::string& format) const { return lapse::to_string(format); }

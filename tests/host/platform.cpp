@@ -7,11 +7,9 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
-#include <filesystem>
 #include <random>
 
 #include "app/thread_slot.hpp"
-#include "files/platform.hpp"
 #include "texto/utf.hpp"
 
 namespace ruvo::platform {
@@ -171,17 +169,6 @@ bool set_thread_pointer(void* value) noexcept {
   if (the_slot.ended) return false;
   the_slot.value = value;
   return true;
-}
-
-entry_kind kind_of(const std::wstring& path) noexcept {
-  if (path.empty() || path.find(L'\0') != path.npos) return entry_kind::none;
-  std::error_code error;
-  std::string name = texto::to_utf_8(path);
-  for (char& c : name)
-    if (c == '\\') c = '/';
-  const auto status = std::filesystem::status(name, error);
-  if (!std::filesystem::exists(status)) return entry_kind::none;
-  return std::filesystem::is_directory(status) ? entry_kind::folder : entry_kind::file;
 }
 
 }  // namespace ruvo::platform

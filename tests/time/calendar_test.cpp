@@ -9,35 +9,16 @@
 
 #include <gtest/gtest.h>
 
+#include "time/counter.hpp"
+
 using ruvo::date;
 using ruvo::datetime;
+using test::counter;
 namespace times = ruvo::times;
 
 namespace {
 
 constexpr long long day_seconds = 86400;
-
-bool leap(int year) { return year % 400 == 0 || (year % 4 == 0 && year % 100 != 0); }
-
-/// A calendar that only knows how to go on to the next day.
-struct counter {
-  int year, month, day, week_day, year_day;
-
-  int length() const {
-    static const int lengths[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    return month == 2 && leap(year) ? 29 : lengths[month - 1];
-  }
-  void next() {
-    week_day = (week_day + 1) % 7;
-    ++year_day;
-    if (++day <= length()) return;
-    day = 1;
-    if (++month <= 12) return;
-    month = 1;
-    year_day = 0;
-    ++year;
-  }
-};
 
 TEST(calendar, every_day_of_two_centuries) {
   counter expected{1900, 1, 1, 1, 0};  // a Monday
@@ -53,7 +34,7 @@ TEST(calendar, every_day_of_two_centuries) {
     ASSERT_EQ(record.tm_hour * 10000 + record.tm_min * 100 + record.tm_sec, 235958);
 
     const date day(expected.year, expected.month, expected.day);
-    ASSERT_EQ(static_cast<long>(day), expected.year * 10000 + expected.month * 100 + expected.day);
+    ASSERT_EQ(static_cast<long>(day), expected.number());
     ASSERT_EQ(day.get_lapso(), instant.get_lapso() - 86398 + 4 * 3600 + 4 * 60 + 4);
     ASSERT_EQ(day.get_month_days(), expected.length());
     instant.hack_lapso() += day_seconds;
@@ -251,7 +232,7 @@ TEST(local_time, a_day_keeps_its_fields_through_clock_changes) {
   date day(2024, 1, 1, times::LOCAL);
   counter expected{2024, 1, 1, 1, 0};
   for (; expected.year < 2025; expected.next(), ++day) {
-    ASSERT_EQ(day, expected.year * 10000 + expected.month * 100 + expected.day);
+    ASSERT_EQ(day, expected.number());
     ASSERT_EQ(datetime(day).to_string("%H%M%S"), L"040404");
   }
 }

@@ -65,6 +65,30 @@ TEST(printing, format_constants) {
   EXPECT_EQ(value.to_string(datetime::long_utc_format), L"09-February-2024 13:05:07 +0000");
 }
 
+TEST(printing, formats_of_any_length_and_type) {
+  const datetime value(2024, 2, 9, 13, 5, 7);
+  for (const std::size_t count : {1, 15, 16, 17, 31, 32, 33, 500}) {
+    std::wstring format, expected;
+    for (std::size_t i = 0; i < count; ++i) {
+      format += L"%Y%B%d ";
+      expected += L"2024February09 ";
+    }
+    ASSERT_EQ(value.format(format), expected) << count;
+    ASSERT_EQ(value.format(std::string(format.begin(), format.end())), expected) << count;
+    datetime back;
+    ruvo::exception err;
+    ASSERT_TRUE(back.parse(expected, std::string(format.begin(), format.end()), err)) << count;
+  }
+  const std::string narrow = "d\xC3\xADa %d \xE2\x82\xAC";
+  EXPECT_EQ(value.format(narrow), L"día 09 €");
+  ruvo::exception err;
+  datetime back;
+  EXPECT_TRUE(back.parse("d\xC3\xADa 10 \xE2\x82\xAC", narrow, err));
+  EXPECT_EQ(back.get_day(), 10);
+  EXPECT_EQ(datetime(12345, 1, 2).to_string(), L"02-01-12345 00:00:00");
+  EXPECT_EQ(datetime(-45, 1, 2).to_string(), L"02-01--0045 00:00:00");
+}
+
 TEST(reading, texts_that_fit) {
   struct row {
     const wchar_t* text;
@@ -87,6 +111,8 @@ TEST(reading, texts_that_fit) {
       {L"68", "%y", L"01-01-2068 00:00:00"},
       {L"12:30 am", "%I:%M %p", L"01-01-1970 00:30:00"},
       {L"PM 12:30", "%p %I:%M", L"01-01-1970 12:30:00"},
+      {L"13 01 PM", "%H %I %p", L"01-01-1970 13:00:00"},
+      {L"03 PM 13", "%I %p %H", L"01-01-1970 13:00:00"},
       {L"11 PM", "%I %p", L"01-01-1970 23:00:00"},
       {L"2024 366", "%Y %j", L"31-12-2024 00:00:00"},
       {L"2023 52 7", "%Y %W %u", L"31-12-2023 00:00:00"},

@@ -1,0 +1,14 @@
+#pragma once
+
+// Reading files with the system's own calls, for comparison.
+
+#include <string>
+
+namespace bench {
+
+/// The whole file; empty when it cannot be read.
+std::string read_with_system(const std::wstring& path);
+/// Wide text from UTF-8.
+std::wstring widen_with_system(const std::string& text);
+
+}  // namespace bench

@@ -1,0 +1,229 @@
+#pragma once
+
+// Folders with all that is in them: listing, copying, comparing and erasing, with a filter that decides what
+// is worked on and a callback that is told of it.
+
+#include <ruvo/api.hpp>
+#include <ruvo/exception.hpp>
+#include <ruvo/file.hpp>
+#include <ruvo/fwd.hpp>
+
+#include <atomic>
+#include <set>
+#include <vector>
+
+namespace ruvo {
+
+// The entries that filters and callbacks are given answer is_directory(), is_file() and size() from what the
+// listing found, without asking the system again. "." and ".." are no entries. Symbolic links, junctions and
+// mounted volumes are entries that are never followed.
+
+/// Decides which entries are worked on. A folder that is refused is left out with all that it holds.
+class KESTA_API fileFilter {
+ public:
+  fileFilter();
+  fileFilter(const fileFilter& other);
+  fileFilter(fileFilter&& other) noexcept;
+  virtual ~fileFilter();
+  fileFilter& operator=(const fileFilter& other);
+  fileFilter& operator=(fileFilter&& other) noexcept;
+
+  /// True to take the entry; this one takes all.
+  virtual bool accept(const file& entry);
+};
+
+/// Is told of the entries. What it throws ends the operation and comes to the caller, without onFinish().
+class KESTA_API fileCallback {
+ public:
+  fileCallback();
+  virtual ~fileCallback();
+
+  /// An entry was read; of copies, comparisons and erasures, it was also done.
+  virtual void onRead(const file& entry);
+  /// The end, whatever came before: once for each operation, and nothing comes after it.
+  virtual void onFinish();
+  /// An entry, or a folder to be listed, failed. The operation goes on with the next one.
+  virtual void onFailure(const exception& error);
+
+  /// Whether it asked to stop.
+  bool can_stop() const noexcept { return stop_.load(std::memory_order_relaxed); }
+
+ protected:
+  /// Asks the operation to stop before the next entry; for good, and from any thread. Stopping is no failure.
+  void terminate() noexcept { stop_.store(true, std::memory_order_relaxed); }
+
+ private:
+  std::atomic<bool> stop_ = false;
+};
+
+namespace files {
+
+// Operations. False on failure, with the first failure copied to `err`; a success leaves `err` as it was.
+// Filters, callbacks and lists given as pointers may be null. Where nothing else is said the order is the
+// system's.
+
+/// Lists the entries of a folder, but not those of the folders in it: the `directory_list` service of the
+/// thread's context. Each is appended to `out`. Failures: exc::fileNotFound, and exc::fileInvalidFolder for
+/// what is no folder or cannot be listed.
+KESTA_API bool directory_list(const file& folder, exception& err, fileFilter* filter, fileCallback* callback,
+                              std::vector<file>* out);
+KESTA_API bool directory_list(const file& folder, exception& err, fileCallback& callback);
+KESTA_API bool directory_list(const file& folder, exception& err, fileFilter& filter, fileCallback& callback);
+KESTA_API bool directory_list(const file& folder, exception& err, fileFilter& filter, std::vector<file>& out);
+KESTA_API bool directory_list(const file& folder, exception& err, std::vector<file>& out);
+
+/// Copies what is in a folder, at any depth, to the same places below `to`, which is made if it is missing.
+/// Files that stand there are replaced, and other entries stay. The callback and `out` get the entries of
+/// `from` that were copied.
+///
+/// Failures: those of copy_file() and directory_list(), exc::fileUnCreateFolder for a folder, and when `to`
+/// is `from` or lies in it; exc::fileExpectedFolder and exc::fileExpectedFile where an entry of the other
+/// kind stands; exc::fileOsStream for a link, which is not copied.
+KESTA_API bool copy_folder(const file& from, file to, exception& err, fileFilter* filter = nullptr,
+                           fileCallback* callback = nullptr, std::vector<file>* out = nullptr);
+KESTA_API bool copy_folder(const file& from, file to, exception& err, fileCallback& callback);
+KESTA_API bool copy_folder(const file& from, file to, exception& err, fileFilter& filter,
+                           fileCallback& callback);
+KESTA_API bool copy_folder(const file& from, file to, exception& err, fileFilter& filter,
+                           std::vector<file>& out);
+KESTA_API bool copy_folder(const file& from, file to, exception& err, std::vector<file>& out);
+
+/// Whether each entry below `from` has one of the same kind, and for files of the same size, at the same
+/// place below `to`. Contents are not compared, and what else is below `to` does not matter. Each difference
+/// is a failure that names the path below `to`: exc::fileNotFound, exc::fileExpectedFolder,
+/// exc::fileExpectedFile, exc::fileStrageFileSize.
+KESTA_API bool verify(const file& from, file to, exception& err, fileCallback& callback,
+                      fileFilter* filter = nullptr);
+
+/// Erases a file, or a folder with all that is in it, also what is marked as read-only; of links, the link.
+/// Files come first, as they are read, then the folders from the innermost outwards, `path` last. The filter
+/// is not asked about `path`. A folder that holds something that was refused, or failed, stays and is no
+/// failure of its own. Failures: exc::fileNotFound, exc::fileUnDeleted and those of directory_list().
+KESTA_API bool erase(file path, exception& err, fileFilter* filter = nullptr,
+                     fileCallback* callback = nullptr);
+KESTA_API bool erase(file path, exception& err, fileCallback& callback);
+KESTA_API bool erase(file path, exception& err, fileFilter& filter, fileCallback& callback);
+KESTA_API bool erase(file path, exception& err, fileFilter& filter);
+
+// The callbacks that do the work, to be given to directory_list() and to be put one behind the other. They
+// keep references to what they are made from.
+
+/// What they share: what they are told is passed on to another callback, which may be null, and when that one
+/// asks to stop, so do they.
+class KESTA_API RelayCallBack : public fileCallback {
+ public:
+  ~RelayCallBack() override;
+  RelayCallBack(const RelayCallBack&) = delete;
+  RelayCallBack& operator=(const RelayCallBack&) = delete;
+
+  void onRead(const file& entry) override;
+  void onFinish() override;
+  void onFailure(const exception& error) override;
+
+  /// The first failure; OK() when there was none.
+  const exception& get_failure() const noexcept { return failure_; }
+
+ protected:
+  explicit RelayCallBack(fileCallback* to);
+  /// Whether it has to stop.
+  bool stops() noexcept;
+
+ private:
+  fileCallback* to_;
+  exception failure_;
+};
+
+/// Makes a listing go down into the folders that it finds, when it is told that the listing of one has ended:
+/// first come all entries of a folder, then those of its first folder and what is below that, and so on.
+/// Entries that its filter refuses are neither collected nor passed on.
+class KESTA_API RecursiveCallBack : public RelayCallBack {
+ public:
+  explicit RecursiveCallBack(std::vector<file>& out);
+  RecursiveCallBack(std::vector<file>& out, fileFilter& filter);
+  explicit RecursiveCallBack(fileCallback& to);
+  RecursiveCallBack(fileFilter& filter, fileCallback& to);
+  RecursiveCallBack(std::vector<file>* out, fileFilter* filter, fileCallback* to);
+  ~RecursiveCallBack() override;
+
+  void onRead(const file& entry) override;
+  void onFinish() override;
+  void onFailure(const exception& error) override;
+
+ private:
+  void descend();
+
+  std::vector<file>* out_;
+  fileFilter* filter_;
+  std::vector<file> pending_;  // folders to go down into, the next one last
+  bool descends_ = false;
+};
+
+/// Copies each entry below `source` to the same place below `target`; of a folder, the folder alone. What was
+/// copied is collected and passed on.
+class KESTA_API CopyFolderCallBack : public RelayCallBack {
+ public:
+  CopyFolderCallBack(const file& source, const file& target, std::vector<file>& out);
+  CopyFolderCallBack(const file& source, const file& target, std::vector<file>& out, fileFilter& filter);
+  CopyFolderCallBack(const file& source, const file& target, fileCallback& to);
+  CopyFolderCallBack(const file& source, const file& target, fileFilter& filter, fileCallback& to);
+  CopyFolderCallBack(const file& source, const file& target, std::vector<file>* out, fileFilter* filter,
+                     fileCallback* to);
+  ~CopyFolderCallBack() override;
+
+  void onRead(const file& entry) override;
+  /// Makes the target if nothing was copied, so that an empty folder is copied too.
+  void onFinish() override;
+  void onFailure(const exception& error) override;
+
+ private:
+  void copy(const file& entry);
+  void reach(const file& folder);
+
+  file source_, target_;
+  std::vector<file>* out_;
+  fileFilter* filter_;
+  file reached_;  // a folder known to be there
+};
+
+/// Compares each entry below `source` with what is at the same place below `target`; those that agree are
+/// passed on, the others are failures.
+class KESTA_API VerifyFolderCallBack : public RelayCallBack {
+ public:
+  VerifyFolderCallBack(const file& source, const file& target, fileCallback& to);
+  ~VerifyFolderCallBack() override;
+
+  void onRead(const file& entry) override;
+  void onFinish() override;
+  void onFailure(const exception& error) override;
+
+ private:
+  void compare(const file& entry) const;
+
+  file source_, target_;
+};
+
+/// Erases what it reads: files and links at once, folders, which have to be empty by then, at the end and in
+/// reverse order. What was erased is passed on.
+class KESTA_API DeleteCallBack : public RelayCallBack {
+ public:
+  explicit DeleteCallBack(fileCallback& to);
+  explicit DeleteCallBack(fileCallback* to);
+  ~DeleteCallBack() override;
+
+  void onRead(const file& entry) override;
+  void onFinish() override;
+  void onFailure(const exception& error) override;
+
+  /// Tells that the entry stays, so that the folders around it are left alone.
+  void keep(const file& entry);
+
+ private:
+  void remove(const file& entry, bool is_folder);
+
+  std::vector<file> folders_;
+  std::set<file> kept_;  // folders that hold something that stays
+};
+
+}  // namespace files
+
+}  // namespace ruvo

@@ -1,0 +1,140 @@
+#pragma once
+
+// Logging: ruvo::logger, the levels in ruvo::reg, and ruvo::log, which reaches the application's logger.
+
+#include <ruvo/date.hpp>
+#include <ruvo/file.hpp>
+
+#include <cstddef>
+#include <exception>
+#include <memory>
+#include <string>
+
+namespace ruvo {
+
+namespace reg {
+
+// Programs define DEBUG for themselves.
+#pragma push_macro("DEBUG")
+#undef DEBUG
+
+/// How much an entry matters: the lower, the more.
+enum LVL : long { ASSERTION = 1, FAILURE, WARNING, INFO, DEBUG, SQL, VERBOSE };
+
+#pragma pop_macro("DEBUG")
+
+/// "ASSERTION" to "VERBOSE"; empty for any other number.
+KESTA_API std::wstring level_name(long level);
+/// The name of a day's log file: "kesta_20240229.log".
+KESTA_API std::wstring format_name(const date& day);
+/// The present local time: "[2024-02-29 13:05:09.042]".
+KESTA_API std::wstring time_stamp();
+
+}  // namespace reg
+
+/// Receives the entries of loggers, on the threads that make them, several at once. What it throws is
+/// swallowed.
+class KESTA_API IOnLog {
+ public:
+  /// @quirk The second text comes first.
+  virtual void on_log(long level, const std::wstring& second, const std::wstring& first) = 0;
+  virtual void flush();
+  virtual ~IOnLog();
+
+ protected:
+  IOnLog() = default;
+  IOnLog(const IOnLog&) = default;
+  IOnLog& operator=(const IOnLog&) = default;
+};
+
+/// Forwards entries to a callback, and keeps a file for each day in a folder.
+///
+/// May be used from any thread. Nothing that an entry meets on its way reaches the caller: without a folder,
+/// room on the disk or memory it is lost, and the next one tries anew.
+class KESTA_API logger {
+ public:
+  static constexpr long default_level = reg::INFO;
+
+  explicit logger(const std::wstring& name = std::wstring(), long level = default_level);
+  logger(const logger&) = delete;
+  logger& operator=(const logger&) = delete;
+  ~logger();
+
+  logger& set_name(const std::wstring& name);
+  /// The folder of the log files; it is not made. Empty for no files.
+  logger& set_path(const ruvo::file& folder);
+  /// Entries of a level above this one are dropped.
+  logger& setLevel(long level) noexcept;
+  /// The callback, which is not owned: it must live until it is replaced and the entries on their way are
+  /// through. Null for none.
+  logger& set_callback(IOnLog* callback) noexcept;
+  std::wstring get_name() const;
+  ruvo::file get_path() const;
+  long get_level() const noexcept;
+
+  // These go to the callback, if there is one; none goes to the file of the day. An exception stands for its
+  // message.
+
+  void assertion(const std::wstring& first, const std::wstring& second) noexcept;
+  void assertion(const std::wstring& first, const std::exception& error) noexcept;
+  void assertion(const std::wstring& first, const std::exception_ptr& error) noexcept;
+  void failure(const std::wstring& first, const std::wstring& second) noexcept;
+  void failure(const std::wstring& first, const std::exception& error) noexcept;
+  void warning(const std::wstring& first, const std::wstring& second) noexcept;
+  void warning(const std::wstring& first, const std::exception& error) noexcept;
+  void info(const std::wstring& first, const std::wstring& second) noexcept;
+  void debug(const std::wstring& first, const std::wstring& second) noexcept;
+  void sql(const std::wstring& first, const std::wstring& second) noexcept;
+  void verbose(const std::wstring& first, const std::wstring& second) noexcept;
+  void log(long level, const std::wstring& first, const std::wstring& second) noexcept;
+  /// An INFO entry with what the stopwatch shows, "12.345 ms", as its second text; gives the milliseconds.
+  double time(const std::wstring& text) noexcept;
+  /// Starts the stopwatch again.
+  void reset_time() noexcept;
+
+  // The files of the days: UTF-8, each line ended by CRLF. Days are those of local time, as in
+  // date(times::LOCAL).
+
+  /// Appends a line, time stamp and text, to today's file when the folder exists, whatever the level. Each
+  /// line is written whole, whichever threads and processes write to the file. Control characters in the text
+  /// become spaces.
+  void log(const std::wstring& text) noexcept;
+  /// Brings everything to the disk and to the callback's target, and lets go of the file.
+  void flush() noexcept;
+  ruvo::file file(const date& day) const;
+  /// The log of a day; empty when there is none.
+  std::wstring read(const date& day) const noexcept;
+  /// False when there is no such log or it cannot be erased.
+  bool erase(const date& day) noexcept;
+  /// Erases the logs of days before the last seven, today included, and nothing else; how many went.
+  std::size_t clean_week() noexcept;
+
+ private:
+  struct state;
+  std::unique_ptr<state> state_;
+};
+
+/// The logger of the calling thread's application. A thread without one has a logger that drops everything.
+class KESTA_API log {
+ public:
+  log() = delete;
+
+  static void assertion(const std::wstring& first, const std::wstring& second) noexcept;
+  static void assertion(const std::wstring& first, const std::exception& error) noexcept;
+  static void assertion(const std::wstring& first, const std::exception_ptr& error) noexcept;
+  static void failure(const std::wstring& first, const std::wstring& second) noexcept;
+  static void failure(const std::wstring& first, const std::exception& error) noexcept;
+  static void warning(const std::wstring& first, const std::wstring& second) noexcept;
+  static void warning(const std::wstring& first, const std::exception& error) noexcept;
+  static void info(const std::wstring& first, const std::wstring& second) noexcept;
+  static void debug(const std::wstring& first, const std::wstring& second) noexcept;
+  static void sql(const std::wstring& first, const std::wstring& second) noexcept;
+  static void verbose(const std::wstring& first, const std::wstring& second) noexcept;
+  static void set_level(long level) noexcept;
+  static long get_level() noexcept;
+  static void set_callback(IOnLog* callback) noexcept;
+  static void flush() noexcept;
+  static double time(const std::wstring& text) noexcept;
+};
+
+}  // namespace ruvo

@@ -1,0 +1,46 @@
+#pragma once
+
+// ruvo::memory_collector, objects that are deleted later.
+
+#include <ruvo/api.hpp>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+
+namespace ruvo {
+
+/// Owns objects of any type until the thread they are kept for is collected; the rest go with the collector.
+/// May be used from any thread, also by the destructors of the objects.
+class KESTA_API memory_collector {
+ public:
+  using deleter = void (*)(void*);
+
+  memory_collector();
+  memory_collector(const memory_collector&) = delete;
+  memory_collector& operator=(const memory_collector&) = delete;
+  ~memory_collector();
+
+  /// Takes over an object made by `new`; null is ignored. Where there is no memory to keep it, the object is
+  /// deleted and std::bad_alloc thrown.
+  template <class T>
+  void add(unsigned long thread_id, T* object) {
+    static_assert(sizeof(T) > 0, "the type must be complete, so that it can be deleted");
+    add(thread_id, object, [](void* kept) { delete static_cast<T*>(kept); });
+  }
+  /// The same for anything that `release` can release.
+  void add(unsigned long thread_id, void* object, deleter release);
+
+  /// Deletes the objects kept for the thread, in the order in which they came; how many there were.
+  std::size_t collect(unsigned long thread_id) noexcept;
+  std::size_t size(unsigned long thread_id) const;
+
+  /// A line for each thread, "thread: objects".
+  operator std::wstring() const;
+
+ private:
+  struct state;
+  std::unique_ptr<state> state_;
+};
+
+}  // namespace ruvo

@@ -1,0 +1,93 @@
+#pragma once
+
+// ruvo::velda::date, a day kept as a number of days.
+
+#include <ruvo/date.hpp>
+
+#include <concepts>
+#include <string>
+#include <string_view>
+
+namespace ruvo::velda {
+
+/// A day as a continuous count of days: 2460370 is 29 February 2024. The fields are reckoned from the number
+/// and the number from fields by closed formulas, which never fail and need no context.
+///
+/// What ruvo::date and ruvo::lapse offer beyond the members below (texts, comparisons, the conversion to a
+/// number) works on the instant, which is kept in step: 04:04:04 of the day that was last set. Changing the
+/// instant itself, by set_lapso() for instance, leaves the number.
+/// @quirk Number and fields are each other's inverse from 2000-03-01 to 2100-02-28 only. A day set before
+/// that reads as the next one, and add() and the set_ functions, which read and set, move it on at every
+/// call; a day from 2100-03-01 on reads likewise.
+class KESTA_API date : public ruvo::date {
+ public:
+  /// Today.
+  date(times::HUSO huso = huso_horario);
+  date(long yyyymmdd, times::HUSO huso = huso_horario);
+  template <std::integral T>
+  date(T yyyymmdd, times::HUSO huso = huso_horario) : date(static_cast<long>(yyyymmdd), huso) {}
+  date(long year, long month, long day, times::HUSO huso = huso_horario);
+  /// From text, as parse(). Narrow text is UTF-8.
+  date(const char* text, times::HUSO huso = huso_horario, const std::string& format = canonical);
+  date(const wchar_t* text, times::HUSO huso = huso_horario, const std::string& format = canonical);
+  date(const std::string& text, times::HUSO huso = huso_horario, const std::string& format = canonical);
+  date(const std::wstring& text, times::HUSO huso = huso_horario, const std::string& format = canonical);
+  /// The same day in another mode.
+  date(const date& other, times::HUSO huso);
+  date(const date& other);
+  ~date() override;
+  date& operator=(const date& other);
+
+  int get_day_number() const noexcept { return number_; }
+  /// The instant becomes that of the day that the number reads as.
+  date& set_day_number(int number);
+
+  /// Sets the number, and gives it. Days and months beyond their range are absorbed (32 January is 1
+  /// February); the number saturates.
+  int set(int year, int month, int day);
+  void get(int& year, int& month, int& day) const;
+
+  /// DAYS, MONTHS, YEARS, WEEK_DAY and YEAR_DAY are those of the number; the others are of the instant.
+  int get(times::UNITS unit) const override;
+  /// Replaces DAYS, MONTHS or YEARS; other units change nothing. False: it cannot fail.
+  bool set(int n, times::UNITS unit, exception* err = nullptr) override;
+  /// Moves DAYS, MONTHS or YEARS by n.
+  /// @quirk False always. Other units move nothing, but the day is read and set all the same.
+  bool add(int n, times::UNITS unit, exception* err = nullptr) override;
+
+  date& set_day(int day);
+  date& set_month(int month);
+  date& set_year(int year);
+  /// The number of days of the month that the number reads as.
+  int get_month_days() const;
+  /// The last day of the month, set as such.
+  static date get_last_day(long year, long month);
+
+ protected:
+  void read(std::wstring_view text, std::wstring_view format, const std::string& locale) override;
+
+ private:
+  void follow(int year, int month, int day) noexcept;
+  void count();
+
+  int number_ = 0;
+};
+
+namespace dates {
+
+/// The days from `from` to `to`.
+/// @quirk Counts both ends, so a day and itself are 1 apart.
+KESTA_API int diff_days(const date& from, const date& to);
+
+/// Days of the year, month and week that `day` lies in, in its mode, reckoned by numbers: they read as what
+/// they are named, and diff_days() between first and last is the length. Weeks begin on Monday.
+KESTA_API date first_day_of_year(const date& day);
+KESTA_API date last_day_of_year(const date& day);
+KESTA_API date first_day_of_month(const date& day);
+KESTA_API date last_day_of_month(const date& day);
+KESTA_API date first_day_of_week(const date& day);
+KESTA_API date last_day_of_week(const date& day);
+
+}  // namespace dates
+
+}  // namespace ruvo::velda

@@ -1,0 +1,40 @@
+#include <ruvo/console.hpp>
+#include <ruvo/exc.hpp>
+
+#include <mutex>
+
+#include "app/platform.hpp"
+
+namespace ruvo {
+
+namespace {
+
+exc::SystemException no_console() {
+  return {11, L"No se ha podido abrir la consola. Comprueba su configuración de Firewall"};
+}
+
+}  // namespace
+
+struct console::state {
+  std::mutex guard;
+};
+
+console::console() : state_(std::make_unique<state>()) {}
+console::~console() { close(); }
+
+bool console::open(exception& err) {
+  if (platform::open_console()) return true;
+  no_console().copy_on(err);
+  return false;
+}
+
+void console::write(const std::wstring& text) {
+  const std::lock_guard lock(state_->guard);
+  if (!platform::open_console()) throw no_console();
+  if (!platform::write_console(text)) throw exc::systemErrorCode(platform::last_error());
+}
+
+void console::write_line(const std::wstring& text) { write(text + L"\r\n"); }
+void console::close() noexcept { platform::close_console(); }
+
+}  // namespace ruvo

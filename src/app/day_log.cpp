@@ -1,0 +1,60 @@
+#include "app/day_log.hpp"
+
+#include "texto/utf.hpp"
+
+namespace ruvo::reg {
+
+namespace {
+
+constexpr unsigned long long longest_open = 1000;  // milliseconds
+
+}  // namespace
+
+void day_log::set_folder(const file& folder) {
+  const std::lock_guard lock(guard_);
+  open_.reset();
+  folder_ = folder;
+}
+
+file day_log::folder() const {
+  const std::lock_guard lock(guard_);
+  return folder_;
+}
+
+file day_log::path_of(long day) const { return {folder(), name_of_day(day)}; }
+
+// Opens the day's file unless it is open already. Called under the lock.
+bool day_log::reach(long day) {
+  const unsigned long long now = platform::steady_milliseconds();
+  if (open_ && open_day_ == day && now - opened_at_ < longest_open) return true;
+  open_.reset();
+  if (folder_.empty()) return false;
+  open_.reset(platform::open_to_append(file(folder_, name_of_day(day))));
+  open_day_ = day;
+  opened_at_ = now;
+  return open_ != nullptr;
+}
+
+bool day_log::write(const moment& when, std::wstring_view text) {
+  std::wstring line;
+  append_stamp(line, when);
+  line += L' ';
+  line += text;
+  line += L"\r\n";
+  const std::string bytes = texto::to_utf_8(line);
+  const std::lock_guard lock(guard_);
+  return reach(when.number()) && platform::append(open_.get(), bytes);
+}
+
+void day_log::flush() {
+  const std::lock_guard lock(guard_);
+  if (open_) platform::flush(open_.get());
+  open_.reset();
+}
+
+void day_log::let_go() {
+  const std::lock_guard lock(guard_);
+  open_.reset();
+}
+
+}  // namespace ruvo::reg

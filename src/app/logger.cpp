@@ -1,0 +1,207 @@
+#include <ruvo/exception.hpp>
+#include <ruvo/logger.hpp>
+
+#include <atomic>
+#include <chrono>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "app/current.hpp"
+#include "app/day_log.hpp"
+#include "app/pattern.hpp"
+#include "app/quietly.hpp"
+#include "texto/numbers.hpp"
+#include "texto/utf.hpp"
+
+namespace ruvo {
+
+namespace {
+
+using clock = std::chrono::steady_clock;
+
+std::wstring message_of(const std::exception& error) {
+  if (const auto* const own = dynamic_cast<const exception*>(&error)) return own->get_mensaje();
+  return texto::to_utf_16(error.what());
+}
+
+std::wstring message_of(const std::exception_ptr& error) {
+  if (!error) return {};
+  try {
+    std::rethrow_exception(error);
+  } catch (const std::exception& known) {
+    return message_of(known);
+  } catch (...) {
+    return exception::incorrect().get_mensaje();
+  }
+}
+
+std::wstring milliseconds(long long microseconds) {
+  std::wstring out;
+  texto::append_integer(out, microseconds / 1000);
+  append_pattern(out, L".%03u ms", {static_cast<unsigned long>(microseconds % 1000)});
+  return out;
+}
+
+constexpr int days_kept = 7;
+
+}  // namespace
+
+IOnLog::~IOnLog() = default;
+void IOnLog::flush() {}
+
+struct logger::state {
+  mutable std::mutex guard;
+  std::wstring name;
+  reg::day_log days;
+  std::atomic<long> level;
+  std::atomic<IOnLog*> callback{nullptr};
+  std::atomic<clock::time_point> started{clock::now()};
+
+  /// The callback that takes entries of the level.
+  IOnLog* target(long entry_level) const noexcept {
+    return entry_level > level.load(std::memory_order_relaxed) ? nullptr
+                                                               : callback.load(std::memory_order_acquire);
+  }
+
+  template <class Error>
+  void forward(long entry_level, const std::wstring& first, const Error& error) const noexcept {
+    if (IOnLog* const to = target(entry_level))
+      quietly([&] { to->on_log(entry_level, message_of(error), first); });
+  }
+};
+
+logger::logger(const std::wstring& name, long level) : state_(std::make_unique<state>()) {
+  state_->name = name;
+  state_->level = level;
+}
+logger::~logger() = default;
+
+logger& logger::set_name(const std::wstring& name) {
+  const std::lock_guard lock(state_->guard);
+  state_->name = name;
+  return *this;
+}
+
+logger& logger::set_path(const ruvo::file& folder) {
+  state_->days.set_folder(folder);
+  return *this;
+}
+
+logger& logger::setLevel(long level) noexcept {
+  state_->level = level;
+  return *this;
+}
+
+logger& logger::set_callback(IOnLog* callback) noexcept {
+  state_->callback = callback;
+  return *this;
+}
+
+std::wstring logger::get_name() const {
+  const std::lock_guard lock(state_->guard);
+  return state_->name;
+}
+
+ruvo::file logger::get_path() const { return state_->days.folder(); }
+long logger::get_level() const noexcept { return state_->level; }
+
+void logger::log(long level, const std::wstring& first, const std::wstring& second) noexcept {
+  if (IOnLog* const to = state_->target(level)) quietly([&] { to->on_log(level, second, first); });
+}
+
+void logger::assertion(const std::wstring& first, const std::wstring& second) noexcept {
+  log(reg::ASSERTION, first, second);
+}
+void logger::assertion(const std::wstring& first, const std::exception& error) noexcept {
+  state_->forward(reg::ASSERTION, first, error);
+}
+void logger::assertion(const std::wstring& first, const std::exception_ptr& error) noexcept {
+  state_->forward(reg::ASSERTION, first, error);
+}
+void logger::failure(const std::wstring& first, const std::wstring& second) noexcept {
+  log(reg::FAILURE, first, second);
+}
+void logger::failure(const std::wstring& first, const std::exception& error) noexcept {
+  state_->forward(reg::FAILURE, first, error);
+}
+void logger::warning(const std::wstring& first, const std::wstring& second) noexcept {
+  log(reg::WARNING, first, second);
+}
+void logger::warning(const std::wstring& first, const std::exception& error) noexcept {
+  state_->forward(reg::WARNING, first, error);
+}
+void logger::info(const std::wstring& first, const std::wstring& second) noexcept {
+  log(reg::INFO, first, second);
+}
+void logger::debug(const std::wstring& first, const std::wstring& second) noexcept {
+  log(reg::DEBUG, first, second);
+}
+void logger::sql(const std::wstring& first, const std::wstring& second) noexcept {
+  log(reg::SQL, first, second);
+}
+void logger::verbose(const std::wstring& first, const std::wstring& second) noexcept {
+  log(reg::VERBOSE, first, second);
+}
+
+double logger::time(const std::wstring& text) noexcept {
+  const auto passed =
+      std::chrono::duration_cast<std::chrono::microseconds>(clock::now() - state_->started.load());
+  if (IOnLog* const to = state_->target(reg::INFO))
+    quietly([&] { to->on_log(reg::INFO, milliseconds(passed.count()), text); });
+  return static_cast<double>(passed.count()) / 1000;
+}
+
+void logger::reset_time() noexcept { state_->started = clock::now(); }
+
+void logger::log(const std::wstring& text) noexcept {
+  quietly([&] {
+    std::wstring line;
+    reg::append_clean(line, text);
+    state_->days.write(reg::present_moment(), line);
+  });
+}
+
+void logger::flush() noexcept {
+  quietly([&] { state_->days.flush(); });
+  if (IOnLog* const to = state_->callback.load(std::memory_order_acquire)) quietly([&] { to->flush(); });
+}
+
+ruvo::file logger::file(const date& day) const { return state_->days.path_of(static_cast<long>(day)); }
+
+std::wstring logger::read(const date& day) const noexcept {
+  std::wstring out;
+  quietly([&] {
+    std::string bytes;
+    if (platform::read_shared(file(day), bytes)) out = texto::to_utf_16(bytes);
+  });
+  return out;
+}
+
+bool logger::erase(const date& day) noexcept {
+  bool erased = false;
+  quietly([&] {
+    state_->days.let_go();
+    erased = platform::erase_file(file(day));
+  });
+  return erased;
+}
+
+std::size_t logger::clean_week() noexcept {
+  std::size_t erased = 0;
+  quietly([&] {
+    const ruvo::file folder = get_path();
+    if (folder.empty()) return;
+    const long oldest_kept = reg::days_before(reg::present_moment(), days_kept - 1);
+    std::vector<ruvo::file> entries;
+    exception err;
+    current_context().directory_list(folder, err, nullptr, nullptr, &entries);
+    for (const ruvo::file& entry : entries) {
+      const long day = reg::day_of_name(entry.get_name());
+      if (day && day < oldest_kept && platform::erase_file(entry)) ++erased;
+    }
+  });
+  return erased;
+}
+
+}  // namespace ruvo

@@ -1,0 +1,73 @@
+#include <ruvo/memory_collector.hpp>
+
+#include <map>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "texto/numbers.hpp"
+
+namespace ruvo {
+
+namespace {
+
+using kept = std::unique_ptr<void, memory_collector::deleter>;
+
+/// First in, first out.
+void release(std::vector<kept>& objects) noexcept {
+  for (kept& object : objects) object.reset();
+}
+
+}  // namespace
+
+struct memory_collector::state {
+  mutable std::mutex guard;
+  std::map<unsigned long, std::vector<kept>> threads;
+};
+
+memory_collector::memory_collector() : state_(std::make_unique<state>()) {}
+
+// The destructors of objects may bring more objects.
+memory_collector::~memory_collector() {
+  while (!state_->threads.empty()) collect(state_->threads.begin()->first);
+}
+
+void memory_collector::add(unsigned long thread_id, void* object, deleter release_object) {
+  kept owned(object, release_object);
+  if (!owned) return;
+  const std::lock_guard lock(state_->guard);
+  state_->threads[thread_id].push_back(std::move(owned));
+}
+
+std::size_t memory_collector::collect(unsigned long thread_id) noexcept {
+  std::vector<kept> objects;
+  {
+    const std::lock_guard lock(state_->guard);
+    if (const auto found = state_->threads.find(thread_id); found != state_->threads.end()) {
+      objects = std::move(found->second);
+      state_->threads.erase(found);
+    }
+  }
+  release(objects);
+  return objects.size();
+}
+
+std::size_t memory_collector::size(unsigned long thread_id) const {
+  const std::lock_guard lock(state_->guard);
+  const auto found = state_->threads.find(thread_id);
+  return found == state_->threads.end() ? 0 : found->second.size();
+}
+
+memory_collector::operator std::wstring() const {
+  std::wstring out;
+  const std::lock_guard lock(state_->guard);
+  for (const auto& [thread, objects] : state_->threads) {
+    texto::append_unsigned(out, thread);
+    out += L": ";
+    texto::append_unsigned(out, objects.size());
+    out += L"\r\n";
+  }
+  return out;
+}
+
+}  // namespace ruvo

@@ -1,0 +1,137 @@
+// Files that lines are appended to, and the console.
+
+#include <algorithm>
+#include <atomic>
+
+#include "app/platform.hpp"
+#include "app/win32.hpp"
+#include "files/win32_path.hpp"
+#include "texto/utf.hpp"
+
+namespace ruvo::platform {
+
+namespace {
+
+constexpr DWORD shared_with_all = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+std::atomic<bool> made_console{false};
+
+bool write_all(HANDLE file, std::string_view bytes) noexcept {
+  constexpr std::size_t most = 1u << 30;
+  while (!bytes.empty()) {
+    const DWORD size = static_cast<DWORD>(std::min(bytes.size(), most));
+    DWORD written = 0;
+    if (!WriteFile(file, bytes.data(), size, &written, nullptr) || !written) return false;
+    bytes.remove_prefix(written);
+  }
+  return true;
+}
+
+// A console takes some 32,000 units at once, and must not be given half a character.
+bool write_units(HANDLE console, std::wstring_view text) noexcept {
+  constexpr std::size_t most = 8192;
+  while (!text.empty()) {
+    std::size_t size = std::min(text.size(), most);
+    if (size < text.size() && IS_HIGH_SURROGATE(text[size - 1])) --size;
+    DWORD written = 0;
+    if (!WriteConsoleW(console, text.data(), static_cast<DWORD>(size), &written, nullptr) || !written)
+      return false;
+    text.remove_prefix(written);
+  }
+  return true;
+}
+
+/// Takes turns with whoever else appends to a file: finding its end and writing there is one step on a local
+/// Windows disk only, not on a share or under Wine. What is locked is a byte far behind any data, so readers
+/// are not disturbed. Who waits in vain, for a process that hangs, goes on without.
+class turn_lock {
+ public:
+  explicit turn_lock(HANDLE file) noexcept : file_(file) {
+    constexpr unsigned long long longest_wait = 200;  // milliseconds
+    const unsigned long long end = GetTickCount64() + longest_wait;
+    while (!(owns_ = try_lock()) && GetLastError() == ERROR_LOCK_VIOLATION && GetTickCount64() < end)
+      Sleep(0);
+  }
+  turn_lock(const turn_lock&) = delete;
+  turn_lock& operator=(const turn_lock&) = delete;
+  ~turn_lock() {
+    OVERLAPPED where = place();
+    if (owns_) UnlockFileEx(file_, 0, 1, 0, &where);
+  }
+
+ private:
+  static OVERLAPPED place() noexcept {
+    OVERLAPPED out{};
+    out.Offset = 0xFFFFFFF0;
+    out.OffsetHigh = 0x7FFFFFFF;
+    return out;
+  }
+  bool try_lock() noexcept {
+    OVERLAPPED where = place();
+    return LockFileEx(file_, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &where) != 0;
+  }
+
+  HANDLE file_;
+  bool owns_ = false;
+};
+
+HANDLE output() noexcept {
+  const HANDLE out = GetStdHandle(STD_OUTPUT_HANDLE);
+  return out == INVALID_HANDLE_VALUE ? nullptr : out;
+}
+
+}  // namespace
+
+bool open_console() noexcept {
+  if (output()) return true;
+  if (!AttachConsole(ATTACH_PARENT_PROCESS) && !AllocConsole()) return false;
+  made_console = true;
+  return output() != nullptr;
+}
+
+void close_console() noexcept {
+  if (made_console.exchange(false)) FreeConsole();
+}
+
+bool write_console(std::wstring_view text) {
+  const HANDLE out = output();
+  if (!out) return false;
+  DWORD mode;
+  if (GetConsoleMode(out, &mode)) return write_units(out, text);
+  return write_all(out, texto::to_utf_8(text));
+}
+
+// Without the right to write elsewhere the system itself puts each write at the end; the right to read is for
+// the lock.
+void* open_to_append(const std::wstring& path) {
+  const HANDLE file = CreateFileW(system_path(path).c_str(), FILE_APPEND_DATA | FILE_READ_DATA | SYNCHRONIZE,
+                                  shared_with_all, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  return file == INVALID_HANDLE_VALUE ? nullptr : file;
+}
+
+bool append(void* file, std::string_view bytes) noexcept {
+  const turn_lock lock(file);
+  return write_all(file, bytes);
+}
+
+void flush(void* file) noexcept { FlushFileBuffers(file); }
+void close(void* file) noexcept { CloseHandle(file); }
+
+bool read_shared(const std::wstring& path, std::string& out) {
+  const HANDLE file = CreateFileW(system_path(path).c_str(), GENERIC_READ, shared_with_all, nullptr,
+                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return false;
+  const struct closer {
+    ~closer() { CloseHandle(file); }
+    HANDLE file;
+  } closing{file};
+  char buffer[16384];
+  DWORD got = 0;
+  bool done;
+  while ((done = ReadFile(file, buffer, sizeof buffer, &got, nullptr)) && got) out.append(buffer, got);
+  return done;
+}
+
+bool erase_file(const std::wstring& path) { return DeleteFileW(system_path(path).c_str()) != 0; }
+
+}  // namespace ruvo::platform

@@ -1,0 +1,96 @@
+// What a path asks the file system.
+
+#include <ruvo/exc.hpp>
+#include <ruvo/file.hpp>
+#include <ruvo/files/whole.hpp>
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+#include "files/platform.hpp"
+#include "texto/ascii.hpp"
+
+namespace ruvo {
+
+namespace {
+
+platform::entry_facts facts_of(const file& path) {
+  platform::entry_facts out;
+  if (!platform::read_facts(path, out)) throw exc::fileNotFound(path);
+  return out;
+}
+
+platform::owner_numbers owner_of(const file& path) {
+  if (!path.exists()) throw exc::fileNotFound(path);
+  platform::owner_numbers out;
+  return platform::read_owner(path, out) ? out : platform::owner_numbers();
+}
+
+bool tell(bool made, const file& path, exception* err) {
+  if (!made) exc::fileUnCreateFolder(path).copy_on(err);
+  return made;
+}
+
+}  // namespace
+
+std::wstring file::time_stamp() const { return last_modified().to_string(); }
+std::wstring file::get_mimetype() const { return files::get_mimetype(path_); }
+
+bool file::exists() const { return platform::kind_of(path_) != platform::entry_kind::none; }
+bool file::is_directory() const { return platform::kind_of(path_) == platform::entry_kind::folder; }
+bool file::is_file() const { return platform::kind_of(path_) == platform::entry_kind::file; }
+
+bool file::is_executable() const {
+  constexpr std::wstring_view endings[] = {L".exe", L".com", L".bat", L".cmd"};
+  std::wstring name = get_name();
+  std::ranges::transform(name, name.begin(), texto::to_lower);
+  return std::ranges::any_of(endings, [&](std::wstring_view one) { return name.ends_with(one); }) &&
+         is_file();
+}
+
+bool file::is_hidden() const {
+  platform::entry_facts facts;
+  return platform::read_facts(path_, facts) && facts.hidden;
+}
+
+bool file::can_be_read() const { return platform::may_read(path_); }
+
+// What is marked as read-only says nothing of a folder.
+bool file::can_be_write() const {
+  platform::entry_facts facts;
+  if (!platform::read_facts(path_, facts)) return false;
+  return !(facts.read_only && facts.kind == platform::entry_kind::file) && platform::may_write(path_);
+}
+
+bool file::is_locked() const { return is_file() && platform::is_held(path_); }
+
+unsigned long file::get_owner() const { return owner_of(*this).user; }
+unsigned long file::get_owner_group() const { return owner_of(*this).group; }
+
+unsigned long long file::size() const {
+  const platform::entry_facts facts = facts_of(*this);
+  if (facts.kind == platform::entry_kind::folder) throw exc::fileExpectedFile(*this);
+  return facts.size;
+}
+
+datetime file::last_modified() const { return facts_of(*this).modified; }
+datetime file::last_access() const { return facts_of(*this).accessed; }
+datetime file::last_status_changed() const { return facts_of(*this).changed; }
+
+bool file::mkdir(exception* err) const { return tell(platform::make_folder(path_), *this, err); }
+
+bool file::mkdirs(exception* err) const {
+  std::vector<file> missing;
+  for (file at = *this; !at.empty() && !at.is_root() && !at.is_directory(); --at) missing.push_back(at);
+  while (!missing.empty() && platform::make_folder(missing.back())) missing.pop_back();
+  return tell(is_directory(), *this, err);
+}
+
+void file::erase() const {
+  if (platform::erase_entry(path_)) return;
+  if (exists()) throw exc::fileUnDeleted(*this);
+  throw exc::fileNotFound(*this);
+}
+
+}  // namespace ruvo

@@ -1,0 +1,93 @@
+#include "files/listing.hpp"
+
+#include <ruvo/exc.hpp>
+
+#include <optional>
+
+namespace ruvo {
+
+fileFilter::fileFilter() = default;
+fileFilter::fileFilter(const fileFilter&) = default;
+fileFilter::fileFilter(fileFilter&&) noexcept = default;
+fileFilter::~fileFilter() = default;
+fileFilter& fileFilter::operator=(const fileFilter&) = default;
+fileFilter& fileFilter::operator=(fileFilter&&) noexcept = default;
+
+bool fileFilter::accept(const file&) { return true; }
+
+fileCallback::fileCallback() = default;
+fileCallback::~fileCallback() = default;
+
+void fileCallback::onRead(const file&) {}
+void fileCallback::onFinish() {}
+void fileCallback::onFailure(const exception&) {}
+
+namespace files {
+
+namespace {
+
+exception refusal(const file& folder) {
+  platform::found_facts found;
+  if (platform::look_at(folder, found)) return exc::fileInvalidFolder(folder);
+  return exc::fileNotFound(folder);
+}
+
+/// False when not all entries could be read.
+bool read_entries(const file& folder, fileFilter* filter, fileCallback* callback, std::vector<file>* out) {
+  platform::folder_reader reader(folder);
+  std::wstring path = prefix_of(folder);
+  const std::size_t prefix = path.size();
+  platform::found_entry found;
+  listed_file entry;
+  while (!(callback && callback->can_stop()) && reader.next(found)) {
+    path.replace(prefix, path.npos, found.name);
+    entry.set(path, found);
+    if (filter && !filter->accept(entry)) continue;
+    if (out) out->push_back(entry);
+    if (callback) callback->onRead(entry);
+  }
+  return !reader.failed();
+}
+
+}  // namespace
+
+void listed_file::set(const std::wstring& path, const platform::found_facts& found) {
+  set_path(path);
+  found_ = &found;
+}
+
+unsigned long long listed_file::size() const {
+  if (found_->is_folder) throw exc::fileExpectedFile(*this);
+  return found_->size;
+}
+
+bool list_folder(const file& folder, exception& err, fileFilter* filter, fileCallback* callback,
+                 std::vector<file>* out) {
+  const bool done = read_entries(folder, filter, callback, out);
+  if (!done) {
+    const exception failure = refusal(folder);
+    failure.copy_on(err);
+    if (callback) callback->onFailure(failure);
+  }
+  if (callback) callback->onFinish();
+  return done;
+}
+
+std::wstring prefix_of(const file& folder) {
+  std::wstring out(folder);
+  const bool is_joined = out.ends_with(L'\\') || (out.ends_with(L':') && folder.is_root());
+  if (!is_joined) out += L'\\';
+  return out;
+}
+
+bool look_at(const file& entry, platform::found_facts& out) {
+  if (const auto* const listed = dynamic_cast<const listed_file*>(&entry)) {
+    out = listed->found();
+    return true;
+  }
+  return platform::look_at(entry, out);
+}
+
+}  // namespace files
+
+}  // namespace ruvo

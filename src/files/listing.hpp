@@ -1,0 +1,38 @@
+#pragma once
+
+// Listing a folder, and what a listing knows of the entries that it passes on.
+
+#include <ruvo/files/tree.hpp>
+
+#include <string>
+
+#include "files/listing_platform.hpp"
+
+namespace ruvo::files {
+
+/// An entry that knows its kind and its size.
+class listed_file final : public file {
+ public:
+  /// Takes the place of the former entry.
+  void set(const std::wstring& path, const platform::found_facts& found);
+  const platform::found_facts& found() const noexcept { return *found_; }
+
+  bool is_directory() const override { return found_->is_folder; }
+  bool is_file() const override { return !found_->is_folder; }
+  unsigned long long size() const override;
+
+ private:
+  const platform::found_facts* found_ = nullptr;
+};
+
+/// The `directory_list` service of contexts that have none of their own.
+bool list_folder(const file& folder, exception& err, fileFilter* filter, fileCallback* callback,
+                 std::vector<file>* out);
+
+/// What a path in a folder begins with.
+std::wstring prefix_of(const file& folder);
+
+/// What the listing found, or else the system now; false when there is nothing.
+bool look_at(const file& entry, platform::found_facts& out);
+
+}  // namespace ruvo::files

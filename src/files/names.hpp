@@ -1,0 +1,12 @@
+#pragma once
+
+#include <ruvo/file.hpp>
+
+#include <string>
+
+namespace ruvo::files {
+
+/// Another name in the folder of `path`.
+file sibling(const file& path, const std::wstring& name);
+
+}  // namespace ruvo::files

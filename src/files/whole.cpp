@@ -1,0 +1,310 @@
+// Whole files, read and replaced.
+
+#include <ruvo/binary.hpp>
+#include <ruvo/exc.hpp>
+#include <ruvo/files/whole.hpp>
+#include <ruvo/memo.hpp>
+
+#include <algorithm>
+#include <atomic>
+#include <new>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "app/platform.hpp"
+#include "files/names.hpp"
+#include "files/platform.hpp"
+#include "texto/numbers.hpp"
+#include "texto/utf.hpp"
+
+namespace ruvo::files {
+
+namespace {
+
+constexpr std::string_view utf_8_mark = "\xEF\xBB\xBF", utf_16_mark = "\xFF\xFE";
+
+/// What `body` throws of the library's own goes to `err`.
+template <class Body>
+bool told(exception& err, Body body) {
+  try {
+    body();
+    return true;
+  } catch (const exception& failure) {
+    failure.copy_on(err);
+    return false;
+  }
+}
+
+void expect_file(const file& path) {
+  const platform::entry_kind kind = platform::kind_of(path);
+  if (kind == platform::entry_kind::none) throw exc::fileNotFound(path);
+  if (kind == platform::entry_kind::folder) throw exc::fileExpectedFile(path);
+}
+
+/// A file of a size known from the start, read from its first byte to its last.
+class source {
+ public:
+  explicit source(const file& path) : path_(path), in_(path, platform::open_file::to_read) {
+    if (!in_) {
+      expect_file(path);
+      throw exc::fileOsStream(path);
+    }
+    unsigned long long size = 0;
+    if (!in_.size(size)) throw exc::fileOsStream(path);
+    if (size > std::string().max_size()) throw exc::fileStrageFileSize(path);
+    left_ = static_cast<std::size_t>(size);
+  }
+
+  std::size_t left() const noexcept { return left_; }
+
+  void read(void* to, std::size_t count) {
+    char* at = static_cast<char*>(to);
+    left_ -= count;
+    while (count) {
+      std::size_t got = 0;
+      if (!in_.read(at, count, got)) throw exc::fileOsStream(path_);
+      if (!got) throw exc::fileStrageFileSize(path_);
+      at += got;
+      count -= got;
+    }
+  }
+
+ private:
+  const file& path_;
+  platform::open_file in_;
+  std::size_t left_ = 0;
+};
+
+template <class Bytes>
+Bytes read_bytes(const file& path) {
+  source in(path);
+  Bytes out(in.left(), typename Bytes::value_type());
+  in.read(out.data(), out.size());
+  return out;
+}
+
+/// How many bytes at the end of `text` may be the beginning of a character.
+std::size_t open_end(std::string_view text) {
+  for (std::size_t count = 1; count <= std::min<std::size_t>(3, text.size()); ++count) {
+    const auto byte = static_cast<unsigned char>(text[text.size() - count]);
+    if (byte >= 0xC0) return count;
+    if (byte < 0x80) return 0;
+  }
+  return 0;
+}
+
+/// Gives a file in pieces small enough to stay in the processor's cache while they are converted.
+class piecewise {
+ public:
+  explicit piecewise(source& in) : in_(in), buffer_(std::min(std::size_t{1} << 17, in.left())) { next(); }
+
+  std::string_view piece() const noexcept { return {buffer_.data() + skipped_, filled_ - skipped_}; }
+  bool is_last() const noexcept { return in_.left() == 0; }
+  void skip(std::size_t count) noexcept { skipped_ += count; }
+  /// Goes on with what follows; the last `kept` bytes stay in front of it.
+  void next(std::size_t kept = 0) {
+    std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(filled_ - kept),
+              buffer_.begin() + static_cast<std::ptrdiff_t>(filled_), buffer_.begin());
+    const std::size_t count = std::min(buffer_.size() - kept, in_.left());
+    in_.read(buffer_.data() + kept, count);
+    filled_ = kept + count;
+    skipped_ = 0;
+  }
+
+ private:
+  source& in_;
+  std::vector<char> buffer_;
+  std::size_t filled_ = 0, skipped_ = 0;
+};
+
+std::wstring from_utf_8(piecewise& in, std::size_t most) {
+  std::wstring out;
+  out.reserve(most);
+  for (;;) {
+    const std::string_view piece = in.piece();
+    const std::size_t kept = in.is_last() ? 0 : open_end(piece);
+    texto::append_utf_16(out, piece.substr(0, piece.size() - kept));
+    if (in.is_last()) return out;
+    in.next(kept);
+  }
+}
+
+// Only the last piece can be of odd size.
+std::wstring from_utf_16(piecewise& in, std::size_t most) {
+  std::wstring out;
+  out.reserve(most / 2);
+  for (;;) {
+    const std::string_view piece = in.piece();
+    for (std::size_t i = 0; i + 1 < piece.size(); i += 2)
+      out += static_cast<wchar_t>(static_cast<unsigned char>(piece[i]) |
+                                  static_cast<unsigned char>(piece[i + 1]) << 8);
+    if (in.is_last()) return out;
+    in.next();
+  }
+}
+
+std::wstring read_text(const file& path) {
+  source bytes(path);
+  const std::size_t size = bytes.left();
+  piecewise in(bytes);
+  if (in.piece().starts_with(utf_16_mark)) {
+    in.skip(utf_16_mark.size());
+    return from_utf_16(in, size);
+  }
+  if (in.piece().starts_with(utf_8_mark)) in.skip(utf_8_mark.size());
+  return from_utf_8(in, size);
+}
+
+/// A new file beside a target: it takes the target's place, or goes away.
+class stand_in {
+ public:
+  explicit stand_in(const file& target) : target_(target) {}
+  stand_in(const stand_in&) = delete;
+  stand_in& operator=(const stand_in&) = delete;
+  ~stand_in() {
+    if (path_.empty()) return;
+    try {
+      platform::discard_file(path_);
+    } catch (const std::bad_alloc&) {
+      // The file stays.
+    }
+  }
+
+  void fill(std::string_view content) {
+    constexpr int attempts = 100;
+    for (int i = 0; i < attempts; ++i) {
+      file path = free_name();
+      platform::open_file out(path, platform::open_file::to_create);
+      if (!out) {
+        if (path.exists()) continue;
+        break;
+      }
+      path_ = std::move(path);
+      if (!out.write(content) || !out.flush() || !out.close()) break;
+      return;
+    }
+    throw exc::fileOsStream(target_);
+  }
+
+  void copy(const file& from) {
+    path_ = free_name();
+    if (!platform::copy_to_new(from, path_)) throw exc::fileOsStream(target_);
+    platform::entry_facts wanted, made;
+    if (!platform::read_facts(from, wanted) || !platform::read_facts(path_, made) || wanted.size != made.size)
+      throw exc::fileStrageFileSize(target_);
+  }
+
+  file settle(bool overwrite) {
+    if (overwrite) platform::copy_attributes(target_, path_);
+    constexpr int attempts = 1000;
+    for (int i = 0; i < attempts; ++i) {
+      file place = overwrite ? target_ : autorename(target_);
+      const platform::creation result = platform::rename_file(path_, place, overwrite);
+      if (result == platform::creation::refused) break;
+      if (result == platform::creation::taken) continue;
+      path_ = file();
+      return place;
+    }
+    throw exc::fileOsStream(target_);
+  }
+
+ private:
+  file free_name() const {
+    static std::atomic<unsigned> used{0};
+    for (;;) {
+      std::wstring name = L"~";
+      texto::append_unsigned(name, platform::process_id());
+      name += L'_';
+      texto::append_unsigned(name, ++used);
+      file path = sibling(target_, name + L".tmp");
+      if (!path.exists()) return path;
+    }
+  }
+
+  const file& target_;
+  file path_;
+};
+
+void expect_writable(const file& path, bool overwrite) {
+  platform::entry_facts found;
+  if (!platform::read_facts(path, found)) return;
+  if (found.kind == platform::entry_kind::folder) throw exc::fileExpectedFile(path);
+  if (found.read_only && overwrite) throw exc::fileOsStream(path);
+}
+
+file write_bytes(std::string_view content, const file& path, bool overwrite) {
+  expect_writable(path, overwrite);
+  stand_in made(path);
+  made.fill(content);
+  return made.settle(overwrite);
+}
+
+file write_content(const std::wstring& text, const file& path, bool overwrite) {
+  return write_bytes(texto::to_utf_8(text), path, overwrite);
+}
+
+file write_content(const binary& bytes, const file& path, bool overwrite) {
+  return write_bytes({reinterpret_cast<const char*>(bytes.get_store().data()), bytes.size()}, path,
+                     overwrite);
+}
+
+template <class Content>
+bool write_told(const Content& content, const file& path, exception& err, file* written, bool overwrite) {
+  return told(err, [&] {
+    file made = write_content(content, path, overwrite);
+    if (written) *written = std::move(made);
+  });
+}
+
+}  // namespace
+
+bool read(std::wstring& out, const file& path, exception& err) {
+  return told(err, [&] { out = read_text(path); });
+}
+bool read(memo& out, const file& path, exception& err) {
+  return told(err, [&] { out = read_text(path); });
+}
+bool read(std::string& out, const file& path, exception& err) {
+  return told(err, [&] { out = read_bytes<std::string>(path); });
+}
+bool read(binary& out, const file& path, exception& err) {
+  return told(err, [&] { out = read(path); });
+}
+binary read(const file& path) {
+  binary out;
+  static_cast<std::vector<unsigned char>&>(out) = read_bytes<std::vector<unsigned char>>(path);
+  return out;
+}
+
+bool write(const std::wstring& content, const file& path, exception& err, file* written, bool overwrite) {
+  return write_told(content, path, err, written, overwrite);
+}
+bool write(const memo& content, const file& path, exception& err, file* written, bool overwrite) {
+  return write_told(content.to_string(), path, err, written, overwrite);
+}
+bool write(const binary& content, const file& path, exception& err, file* written, bool overwrite) {
+  return write_told(content, path, err, written, overwrite);
+}
+file write(const std::wstring& content, const file& path, bool overwrite) {
+  return write_content(content, path, overwrite);
+}
+file write(const memo& content, const file& path, bool overwrite) {
+  return write_content(content.to_string(), path, overwrite);
+}
+file write(const binary& content, const file& path, bool overwrite) {
+  return write_content(content, path, overwrite);
+}
+
+file copy_file(const file& from, file to) {
+  expect_file(from);
+  if (to.is_directory()) to += from.get_name();
+  expect_writable(to, true);
+  stand_in made(to);
+  made.copy(from);
+  return made.settle(true);
+}
+
+bool is_locked(file path) { return path.is_locked(); }
+
+}  // namespace ruvo::files

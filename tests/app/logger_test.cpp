@@ -1,0 +1,328 @@
+// The logger, its day files and the ready-made callbacks, with a clock that the tests set.
+
+#include <ruvo/exc.hpp>
+#include <ruvo/fake_context.hpp>
+#include <ruvo/log_targets.hpp>
+
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct recorder : ruvo::IOnLog {
+  struct entry {
+    long level;
+    std::wstring second, first;
+    bool operator==(const entry&) const = default;
+  };
+  void on_log(long level, const std::wstring& second, const std::wstring& first) override {
+    if (throws) throw 1;
+    entries.push_back({level, second, first});
+  }
+  void flush() override { ++flushes; }
+
+  std::vector<entry> entries;
+  int flushes = 0;
+  bool throws = false;
+};
+
+/// A folder of its own, and a clock that stands at 2024-02-29 13:05:09.042.
+class logs : public testing::Test {
+ protected:
+  logs() : scope(fake) {
+    fake.clock = 1709211909;
+    fake.milliseconds = 42;
+    fake.next_id = 1;
+    fs::create_directory("registro");
+  }
+  ~logs() override { fs::remove_all("registro"); }
+
+  static std::string bytes(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+  static std::set<std::string> names() {
+    std::set<std::string> out;
+    for (const auto& entry : fs::directory_iterator("registro")) out.insert(entry.path().filename().string());
+    return out;
+  }
+  static std::vector<std::string> lines(const std::string& text) {
+    std::vector<std::string> out;
+    for (std::size_t at = 0, end; (end = text.find("\r\n", at)) != text.npos; at = end + 2)
+      out.push_back(text.substr(at, end - at));
+    return out;
+  }
+
+  ruvo::fake_context fake;
+  ruvo::thread_scope scope;
+};
+
+TEST_F(logs, levels_decide_what_is_forwarded) {
+  const std::wstring names[] = {L"",      L"ASSERTION", L"FAILURE", L"WARNING", L"INFO",
+                                L"DEBUG", L"SQL",       L"VERBOSE", L""};
+  for (long n = 0; n < 9; ++n) EXPECT_EQ(ruvo::reg::level_name(n), names[n]);
+  EXPECT_EQ(ruvo::reg::level_name(-1), L"");
+
+  for (long level = -1; level <= 9; ++level) {
+    recorder seen;
+    ruvo::logger log(L"prueba", level);
+    const auto make_all = [&] {
+      log.assertion(L"a", L"1");
+      log.failure(L"a", L"2");
+      log.warning(L"a", L"3");
+      log.info(L"a", L"4");
+      log.debug(L"a", L"5");
+      log.sql(L"a", L"6");
+      log.verbose(L"a", L"7");
+    };
+    make_all();  // without a callback
+    log.set_callback(&seen);
+    make_all();
+    std::vector<recorder::entry> expected;
+    for (long n = 1; n <= std::min(level, 7L); ++n) expected.push_back({n, std::to_wstring(n), L"a"});
+    EXPECT_EQ(seen.entries, expected) << level;
+    log.log(level, L"b", L"c");
+    log.log(level + 1, L"b", L"c");
+    EXPECT_EQ(seen.entries.size(), expected.size() + 1) << level;
+    log.set_callback(nullptr);
+    make_all();
+    EXPECT_EQ(seen.entries.size(), expected.size() + 1) << level;
+  }
+}
+
+TEST_F(logs, exceptions_stand_for_their_messages) {
+  recorder seen;
+  ruvo::logger log(L"", 3);
+  log.set_callback(&seen);
+  log.assertion(L"x", std::runtime_error("\xC3\xB1"));
+  log.failure(L"x", ruvo::exc::fileNotFound("a.txt"));
+  log.warning(L"x", std::logic_error("w"));
+  log.assertion(L"x", std::make_exception_ptr(std::runtime_error("p")));
+  log.assertion(L"x", std::make_exception_ptr(7));
+  log.assertion(L"x", std::exception_ptr());
+  const std::vector<recorder::entry> expected = {{1, L"ñ", L"x"},
+                                                 {2, L"Archivo o directorio no encontrado: a.txt", L"x"},
+                                                 {3, L"w", L"x"},
+                                                 {1, L"p", L"x"},
+                                                 {1, L"Error indeterminado", L"x"},
+                                                 {1, L"", L"x"}};
+  EXPECT_EQ(seen.entries, expected);
+}
+
+TEST_F(logs, faults_of_a_callback_stay_with_it) {
+  recorder good, bad;
+  bad.throws = true;
+  ruvo::reg::tee both{&bad, nullptr, &good};
+  ruvo::logger log;
+  log.set_callback(&bad).info(L"a", L"b");
+  log.set_callback(&both).info(L"a", L"b");
+  EXPECT_EQ(good.entries.size(), 1u);
+  log.flush();
+  EXPECT_EQ(good.flushes + bad.flushes, 2);
+}
+
+TEST_F(logs, stopwatch) {
+  recorder seen;
+  ruvo::logger log;
+  log.set_callback(&seen);
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  const double before = log.time(L"carga");
+  EXPECT_GE(before, 19);
+  log.reset_time();
+  EXPECT_LT(log.time(L"carga"), before);
+  ASSERT_EQ(seen.entries.size(), 2u);
+  EXPECT_EQ(seen.entries[0].level, ruvo::reg::INFO);
+  EXPECT_EQ(seen.entries[0].first, L"carga");
+  EXPECT_NEAR(std::stod(seen.entries[0].second), before, 0.001);
+  EXPECT_TRUE(seen.entries[0].second.ends_with(L" ms"));
+}
+
+TEST_F(logs, file_of_the_day) {
+  EXPECT_EQ(ruvo::reg::format_name(20240229), L"kesta_20240229.log");
+  EXPECT_EQ(ruvo::reg::time_stamp(), L"[2024-02-29 13:05:09.042]");
+  ruvo::logger log(L"", 0);  // no level counts here
+  log.set_path("registro");
+  EXPECT_EQ(log.file(20240229), ruvo::file("registro/kesta_20240229.log"));
+  EXPECT_EQ(log.read(20240229), L"");
+  log.log(L"uno\r\ndos\ttres\x01 ñ\xD83D\xDE00");
+  fake.zone_offset = 11 * 3600;  // past midnight there
+  log.log(L"");
+  log.flush();
+  EXPECT_EQ(log.read(20240229), L"[2024-02-29 13:05:09.042] uno dos tres  ñ\xD83D\xDE00\r\n");
+  EXPECT_EQ(bytes("registro/kesta_20240301.log"), "[2024-03-01 00:05:09.042] \r\n");
+  log.log(L"otra");
+  EXPECT_TRUE(log.erase(20240301));
+  EXPECT_FALSE(log.erase(20240301));
+  log.log(L"de nuevo");
+  EXPECT_EQ(log.read(20240301), L"[2024-03-01 00:05:09.042] de nuevo\r\n");
+}
+
+TEST_F(logs, folder_may_be_missing_and_come_later) {
+  ruvo::logger log;
+  log.log(L"sin carpeta");
+  log.set_path("registro/no");
+  log.log(L"perdida");
+  EXPECT_EQ(log.read(20240229), L"");
+  EXPECT_FALSE(log.erase(20240229));
+  EXPECT_EQ(log.clean_week(), 0u);
+  log.flush();
+  EXPECT_FALSE(fs::exists("registro/no"));
+  fs::create_directory("registro/no");
+  log.log(L"llega");
+  EXPECT_EQ(log.read(20240229), L"[2024-02-29 13:05:09.042] llega\r\n");
+  log.set_path("registro/kesta_20240229.log");  // a file is no folder
+  std::ofstream("registro/kesta_20240229.log") << "x";
+  log.log(L"perdida");
+  EXPECT_EQ(bytes("registro/kesta_20240229.log"), "x");
+}
+
+TEST_F(logs, full_disk_is_survived) {
+  std::error_code error;
+  fs::create_symlink("/dev/full", "registro/kesta_20240229.log", error);
+  if (error || !fs::is_symlink("registro/kesta_20240229.log")) GTEST_SKIP() << "no links here";
+  ruvo::logger log;
+  log.set_path("registro").log(L"no cabe");
+  fs::remove("registro/kesta_20240229.log");
+  log.flush();
+  log.log(L"cabe");
+  EXPECT_EQ(log.read(20240229), L"[2024-02-29 13:05:09.042] cabe\r\n");
+}
+
+TEST_F(logs, week_is_kept) {
+  const char* const kept[] = {"kesta_20240223.log", "kesta_20240229.log",  "kesta_20240301.log",
+                              "kesta_2024022.log",  "kesta_202402221.log", "otro_20240101.log",
+                              "kesta_20240101.txt", "kesta_2024o101.log",  "xkesta_20240101.log"};
+  const char* const old[] = {"kesta_20240222.log", "kesta_20240131.log", "kesta_19991231.log"};
+  std::vector<std::wstring> listing;
+  for (const char* name : kept) listing.emplace_back(name, name + std::char_traits<char>::length(name));
+  for (const char* name : old) listing.emplace_back(name, name + std::char_traits<char>::length(name));
+  for (const std::wstring& name : listing) std::ofstream(fs::path("registro") / fs::path(name)) << "x";
+  fs::create_directory("registro/kesta_20200101.log");
+  listing.push_back(L"kesta_20200101.log");
+  fake.folders["registro"] = listing;
+
+  ruvo::logger log;
+  EXPECT_EQ(log.set_path("registro").clean_week(), std::size(old));
+  std::set<std::string> expected(std::begin(kept), std::end(kept));
+  expected.insert("kesta_20200101.log");
+  EXPECT_EQ(names(), expected);
+}
+
+TEST_F(logs, lines_of_many_threads_arrive_whole) {
+  constexpr int threads = 8, each = 500;
+  ruvo::reg::day_file one("registro"), other("registro");  // as two processes would
+  ruvo::logger first(L"", 7), second(L"", 7);
+  first.set_callback(&one).set_path("registro");
+  second.set_callback(&other);
+  std::vector<std::thread> all;
+  for (int t = 0; t < threads; ++t) {
+    all.emplace_back([&, t] {
+      const ruvo::thread_scope inner(fake);
+      for (int i = 0; i < each; ++i) {
+        const std::wstring number = std::to_wstring(t * each + i);
+        const std::wstring filling(static_cast<std::size_t>(i % 50), L'ñ');
+        if (t % 2)
+          first.info(number, filling);
+        else if (i % 2)
+          second.info(number, filling);
+        else
+          first.log(number + filling);
+        if (i % 100 == 99) first.flush(), one.flush();
+      }
+    });
+  }
+  for (std::thread& thread : all) thread.join();
+
+  const std::string text = bytes("registro/kesta_20240229.log");
+  const std::vector<std::string> got = lines(text);
+  EXPECT_EQ(text.size(), text.rfind("\r\n") + 2);
+  ASSERT_EQ(got.size(), static_cast<std::size_t>(threads * each));
+  std::set<int> numbers;
+  for (const std::string& line : got) {
+    const std::string stamp = "[2024-02-29 13:05:09.042] ";
+    ASSERT_TRUE(line.starts_with(stamp)) << line;
+    const bool entry = line.compare(stamp.size(), 6, "INFO: ") == 0;
+    const int number = std::stoi(line.substr(stamp.size() + (entry ? 6 : 0)));
+    numbers.insert(number);
+    const std::size_t filling = static_cast<std::size_t>(number % each % 50);
+    std::string tail;
+    for (std::size_t n = 0; n < filling; ++n) tail += "\xC3\xB1";
+    std::string expected = stamp + (entry ? "INFO: " : "") + std::to_string(number);
+    if (entry && filling) expected += ": ";
+    ASSERT_EQ(line, expected + tail);
+  }
+  EXPECT_EQ(numbers.size(), got.size());
+}
+
+TEST_F(logs, ring_keeps_the_last) {
+  ruvo::reg::ring_buffer ring(3);
+  EXPECT_TRUE(ring.snapshot().empty());
+  ring.on_log(4, L"b", L"a");
+  EXPECT_EQ(ring.snapshot(), std::vector<std::wstring>{L"[2024-02-29 13:05:09.042] INFO: a: b"});
+  for (int n = 0; n < 5; ++n) ring.on_log(2, L"", std::to_wstring(n));
+  const std::wstring line = L"[2024-02-29 13:05:09.042] FAILURE: ";
+  EXPECT_EQ(ring.snapshot(), (std::vector<std::wstring>{line + L"2", line + L"3", line + L"4"}));
+
+  // A cut never leaves half a character.
+  const std::wstring long_text = std::wstring(ruvo::reg::ring_buffer::longest_text - 1, L'x');
+  ring.on_log(2, L"", long_text + L"\xD83D\xDE00");
+  EXPECT_EQ(ring.snapshot().back(), line + long_text);
+  EXPECT_EQ(ruvo::reg::ring_buffer(0).capacity(), 1u);
+}
+
+TEST_F(logs, ring_serves_threads_while_it_is_read) {
+  ruvo::reg::ring_buffer ring(16);
+  ruvo::logger log(L"", 7);
+  log.set_callback(&ring);
+  std::atomic<bool> done{false};
+  std::vector<std::thread> all;
+  for (int t = 0; t < 4; ++t) {
+    all.emplace_back([&, t] {
+      const std::wstring text(static_cast<std::size_t>(20 * (t + 1)), static_cast<wchar_t>(L'a' + t));
+      while (!done) log.debug(text, text);
+    });
+  }
+  std::size_t seen = 0;
+  for (int round = 0; round < 200 || seen == 0; ++round) {
+    for (const std::wstring& line : ring.snapshot()) {
+      ++seen;
+      const std::wstring text = line.substr(line.rfind(L' ') + 1);
+      const auto size = static_cast<std::size_t>(20 * (text[0] - L'a' + 1));
+      ASSERT_EQ(text, std::wstring(size, text[0]));
+      ASSERT_TRUE(line.ends_with(L"DEBUG: " + text + L": " + text));
+    }
+  }
+  done = true;
+  for (std::thread& thread : all) thread.join();
+  EXPECT_EQ(ring.snapshot().size(), ring.capacity());
+}
+
+TEST_F(logs, facade_reaches_the_application) {
+  recorder seen;
+  ruvo::log::set_callback(&seen);
+  ruvo::log::set_level(ruvo::reg::WARNING);
+  EXPECT_EQ(ruvo::application::traza().get_level(), 3);
+  ruvo::log::info(L"a", L"b");
+  ruvo::log::warning(L"a", L"b");
+  ruvo::log::flush();
+  const std::vector<recorder::entry> expected = {{3, L"b", L"a"}};
+  EXPECT_EQ(seen.entries, expected);
+  EXPECT_EQ(seen.flushes, 1);
+  std::thread([] { ruvo::log::assertion(L"nadie", L"escucha"); }).join();  // no application there
+  EXPECT_EQ(seen.entries, expected);
+}
+
+}  // namespace

@@ -1,0 +1,66 @@
+// The library loaded, used by threads, freed and loaded again.
+
+#include "support/module.hpp"
+
+#include <ruvo/bundle.hpp>
+#include <ruvo/xvar.hpp>
+
+#include <atomic>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// The names that the linker of the mingw-w64 compilers gives to what the test calls.
+constexpr const char* short_id = "_ZN4ruvo11application17create_uuid_shortB5cxx11Ei";
+constexpr const char* the_app = "_ZN4ruvo11application6theAppEv";
+constexpr const char* make_bundle = "_ZN4ruvo6bundleC1Ev";
+constexpr const char* end_bundle = "_ZN4ruvo6bundleD1Ev";
+constexpr const char* entry_of_bundle =
+    "_ZN4ruvo6bundleixERKNSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEE";
+
+void use(const module_copy& library, std::atomic<int>& good) {
+  const auto id = library.function<std::wstring(int)>(short_id);
+  const auto app = library.function<void*()>(the_app);
+  const auto make = library.function<void(void*)>(make_bundle);
+  const auto entry = library.function<ruvo::xvar&(void*, const std::wstring&)>(entry_of_bundle);
+  const auto end = library.function<void(void*)>(end_bundle);
+  if (!id || !app || !make || !entry || !end) return;
+  alignas(ruvo::bundle) unsigned char place[sizeof(ruvo::bundle)];
+  make(place);
+  for (int n = 0; n < 200; ++n) entry(place, L"clave" + std::to_wstring(n));  // leaves blocks with the thread
+  end(place);
+  if (id(32).size() == 32 && !app()) ++good;
+}
+
+TEST(module, may_be_loaded_again) {
+  module_copy library("kesta.dll");
+  if (!library.exists()) GTEST_SKIP() << "the library is no file of its own here";
+  constexpr int threads = 4, times = 3;
+  for (int time = 0; time < times; ++time) {
+    ASSERT_TRUE(library.load());
+    std::atomic<int> good{0}, ready{0};
+    std::atomic<bool> freed{false};
+    std::vector<std::thread> all;
+    // Half of the threads end before the library goes, the others outlive it.
+    for (int t = 0; t < threads; ++t) {
+      all.emplace_back([&, t] {
+        use(library, good);
+        ++ready;
+        while (t % 2 && !freed) std::this_thread::yield();
+      });
+    }
+    while (ready < threads) std::this_thread::yield();
+    for (int t = 0; t < threads; t += 2) all[static_cast<std::size_t>(t)].join();
+    use(library, good);
+    EXPECT_TRUE(library.free());
+    freed = true;
+    for (int t = 1; t < threads; t += 2) all[static_cast<std::size_t>(t)].join();
+    EXPECT_EQ(good, threads + 1);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,86 @@
+// Names for new files, and MIME types.
+
+#include <ruvo/files/whole.hpp>
+
+#include "files/scratch.hpp"
+
+namespace files = ruvo::files;
+using ruvo::file;
+
+namespace {
+
+using new_names = scratch;
+
+TEST_F(new_names, are_derived_from_taken_ones) {
+  EXPECT_EQ(files::append(path(L"a.txt"), L".bak"), path(L"a.txt.bak"));
+  EXPECT_EQ(files::append(file(L"C:\\"), L"x"), file(L"C:\\x"));
+
+  struct row {
+    const wchar_t* taken;
+    const wchar_t* prefix;
+    const wchar_t* suffix;
+    const wchar_t* expected;
+  };
+  const row rows[] = {
+      {L"a.txt", L"", L"", L"a_01.txt"},
+      {L"b.tar.gz", L"", L"", L"b.tar_01.gz"},
+      {L"sin", L"", L"", L"sin_01"},
+      {L".oculto", L"", L"", L"_01.oculto"},
+      {L"a.txt", L"x-", L"-y", L"x-a-y.txt"},
+      {L"libre.txt", L"", L"", L"libre.txt"},
+      {L"c.d\\leeme", L"", L"", L"c.d\\leeme_01"},
+      {L"c.d", L"", L"", L"c_01.d"},
+  };
+  ASSERT_TRUE(path(L"c.d").mkdir());
+  for (const row& r : rows) {
+    const file given = path(r.taken);
+    if (given.get_name() != L"libre.txt" && !given.exists()) put(given, "");
+    EXPECT_EQ(files::autorename(given, r.prefix, r.suffix), path(r.expected)) << r.taken;
+  }
+}
+
+TEST_F(new_names, count_on) {
+  for (int i = 0; i < 100; ++i) {
+    put(files::autorename(path(L"a.txt")), "");
+    put(files::get_temporal_file(file(where), L"tmp", L"-b", L"dat"), "");
+  }
+  EXPECT_TRUE(path(L"a_09.txt").exists() && path(L"a_99.txt").exists());
+  EXPECT_FALSE(path(L"a_00.txt").exists() || path(L"a_100.txt").exists());
+  EXPECT_EQ(files::get_temporal_file(file(where), L"tmp", L"-b", L"dat"), path(L"tmp-b_101.dat"));
+  EXPECT_EQ(files::get_temporal_file(file(where), L"", L"", L""), path(L"_01"));
+  const file temporary = files::get_temporal_file(L"kesta", L"", L"tmp");
+  EXPECT_TRUE(temporary.get_parent().is_directory()) << temporary.c_str();
+  EXPECT_FALSE(temporary.exists());
+}
+
+TEST(mime, types_follow_the_extension) {
+  struct row {
+    const wchar_t* name;
+    const wchar_t* type;
+  };
+  const row rows[] = {
+      {L"INFORME.PPTX", L"application/vnd.openxmlformats-officedocument.presentationml.presentation"},
+      {L"sin_extension", L"application/octet-stream"},
+      {L"", L"application/octet-stream"},
+      {L".", L"application/octet-stream"},
+      {L"a.no-such-thing", L"application/octet-stream"},
+      {L"C:\\web.html\\leeme", L"application/octet-stream"},
+      {L"a.manifest", L"application/x-ms-manifest"},
+      {L"a.mhtml", L"message/rfc822"},
+      {L"a.svgz", L"image/svg+xml"},
+      {L"a.m2ts", L"video/vnd.dlna.mpeg-tts"},
+      {L"a.movie", L"video/x-sgi-movie"},
+      {L"a.osdx", L"application/opensearchdescription+xml"},
+      {L"a.123", L"application/vnd.lotus-1-2-3"},
+      {L"a.zz", L"application/zlib"},
+      {L"a.tar.gz", L"application/gzip"},
+      {L".html", L"text/html"},
+      {L"a.Dvr-Ms", L"video/x-ms-wtv"},
+  };
+  for (const row& r : rows) {
+    EXPECT_EQ(files::get_mimetype(r.name), r.type) << r.name;
+    EXPECT_EQ(file(r.name).get_mimetype(), r.type) << r.name;
+  }
+}
+
+}  // namespace

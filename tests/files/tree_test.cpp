@@ -1,0 +1,543 @@
+// Listing, copying, comparing and erasing folders, against a model of what is in them.
+
+#include <ruvo/exc.hpp>
+#include <ruvo/fake_context.hpp>
+#include <ruvo/files.hpp>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <random>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/rounds.hpp"
+
+namespace {
+
+namespace fs = std::filesystem;
+namespace files = ruvo::files;
+using ruvo::exception;
+using ruvo::file;
+
+constexpr long long a_folder = -1;
+
+/// Paths below a folder, with the size of what is a file.
+using tree = std::map<std::wstring, long long>;
+
+file below(const file& folder, const std::wstring& place) { return file(folder, place); }
+
+long long nature(const file& entry) {
+  return entry.is_directory() ? a_folder : static_cast<long long>(entry.size());
+}
+
+/// Whether a path is the place, or lies below it.
+bool is_at(const std::wstring& path, const std::wstring& place) {
+  return path.starts_with(place) && (path.size() == place.size() || path[place.size()] == L'\\');
+}
+
+/// Keeps what it is told, in order.
+struct recorder : ruvo::fileCallback {
+  explicit recorder(file folder = {}) : base(std::move(folder)) {}
+  void onRead(const file& entry) override {
+    ASSERT_EQ(finished, 0);
+    ASSERT_FALSE(can_stop());
+    order.push_back(entry.crop(base));
+    if (does) does(entry);
+    if (order.size() == stops_at) terminate();
+  }
+  void onFinish() override { ++finished; }
+  void onFailure(const exception& error) override {
+    ASSERT_EQ(finished, 0);
+    failures.push_back(error.get_mensaje());
+  }
+  std::set<std::wstring> seen() const { return {order.begin(), order.end()}; }
+
+  file base;
+  std::vector<std::wstring> order, failures;
+  std::function<void(const file&)> does;
+  std::size_t stops_at = 0;
+  int finished = 0;
+};
+
+struct refusing : ruvo::fileFilter {
+  explicit refusing(std::set<std::wstring> which) : names(std::move(which)) {}
+  bool accept(const file& entry) override { return !names.contains(entry.get_name()); }
+  std::set<std::wstring> names;
+};
+
+/// What the filter leaves of a tree.
+tree without(const tree& all, const std::set<std::wstring>& names) {
+  tree out;
+  for (const auto& [place, kind] : all) {
+    bool refused = false;
+    for (file at(place); !at.empty(); --at) refused = refused || names.contains(at.get_name());
+    if (!refused) out.emplace(place, kind);
+  }
+  return out;
+}
+
+std::set<std::wstring> places(const tree& all) {
+  std::set<std::wstring> out;
+  for (const auto& [place, kind] : all) out.insert(place);
+  return out;
+}
+
+/// What is really below a folder.
+tree read_tree(const file& folder) {
+  tree out;
+  recorder told(folder);
+  told.does = [&](const file& entry) { out[entry.crop(folder)] = nature(entry); };
+  files::RecursiveCallBack recursive(told);
+  exception err;
+  EXPECT_TRUE(files::directory_list(folder, err, recursive)) << err.what();
+  EXPECT_TRUE(told.failures.empty());
+  EXPECT_EQ(told.finished, 1);
+  EXPECT_EQ(out.size(), told.order.size());
+  return out;
+}
+
+/// A tree in a folder of its own, and a second folder for copies.
+class trees : public generated_inputs {
+ protected:
+  trees() {
+    fs::remove_all("arbol");
+    fs::create_directory("arbol");
+    write(L"testigo.txt", 3);
+    root = file(base, L"origen");
+    other = file(base, L"destino");
+    EXPECT_TRUE(root.mkdirs(nullptr));
+  }
+  ~trees() override {
+    EXPECT_TRUE(file(base, L"testigo.txt").is_file());
+    exception err;
+    EXPECT_TRUE(files::erase(base, err)) << err.what();
+    EXPECT_FALSE(base.exists());
+  }
+
+  void write(const std::wstring& place, std::size_t size) {
+    exception err;
+    EXPECT_TRUE(files::write(std::wstring(size, L'x'), file(base, place), err)) << err.what();
+  }
+
+  /// Makes up to `count` entries below `root`; what the system does not take is left out.
+  tree grow(unsigned seed, std::size_t count) {
+    static const std::wstring names[] = {
+        // clang-format off
+        L"a", L"b.txt", L"punto.", L"blanco ", L"...", L"nul", L"año", L"%41[1]", L"\xD83D\xDE00.tar", L"~",
+        L"-rf x", L"..oculto", L"\xFFFF", std::wstring(150, L'l'), L"x.y.z",
+#ifdef _WIN32
+        L"\xD800x", L"y\xDC00",
+#endif
+        // clang-format on
+    };
+    std::mt19937 random(seed);
+    tree out;
+    std::vector<std::wstring> folders{L""};
+    for (std::size_t tries = 0; tries < 2 * count && out.size() < count; ++tries) {
+      std::wstring place = folders[random() % folders.size()];
+      if (!place.empty()) place += L'\\';
+      place += names[random() % std::size(names)];
+      if (out.contains(place) || place.size() > 600) continue;
+      const bool made = add(out, place, random() % 3 ? static_cast<long long>(random() % 40) : a_folder);
+      if (made && out[place] == a_folder) folders.push_back(place);
+    }
+    ++inputs;
+    return out;
+  }
+  bool add(tree& out, const std::wstring& place, long long kind) {
+    exception err;
+    const file path = below(root, place);
+    const bool made = kind == a_folder
+                          ? path.mkdir(&err)
+                          : files::write(std::wstring(static_cast<std::size_t>(kind), L'x'), path, err);
+    if (made) out[place] = kind;
+    const bool has_lone_surrogate = place.find_first_of(L"\xD800\xDC00") != place.npos;  // Wine takes none
+    EXPECT_TRUE(made || has_lone_surrogate) << err.what();
+    return made;
+  }
+  void clear() {
+    for (const file& one : {root, other}) {
+      exception err;
+      if (one.exists()) {
+        EXPECT_TRUE(files::erase(one, err)) << err.what();
+      }
+    }
+    root.mkdir(nullptr);
+  }
+
+  const file base{L"arbol"};
+  file root, other;
+};
+
+TEST_F(trees, are_listed_copied_compared_and_erased) {
+  for (unsigned seed = 1; seed <= 6 * rounds(); ++seed) {
+    const tree model = grow(seed, seed * 4);
+    EXPECT_EQ(read_tree(root), model) << seed;
+
+    exception err;
+    std::vector<file> copied;
+    EXPECT_TRUE(files::copy_folder(root, other, err, copied)) << err.what();
+    EXPECT_EQ(copied.size(), model.size());
+    EXPECT_EQ(read_tree(other), model) << seed;
+    recorder compared(root);
+    EXPECT_TRUE(files::verify(root, other, err, compared)) << err.what();
+    EXPECT_EQ(compared.seen(), places(model));
+
+    recorder erased(other);
+    EXPECT_TRUE(files::erase(other, err, erased)) << err.what();
+    std::set<std::wstring> expected = places(model);
+    expected.insert(L"");
+    EXPECT_EQ(erased.seen(), expected);
+    EXPECT_EQ(erased.order.back(), L"");
+    EXPECT_TRUE(!other.exists() && root.exists());
+    clear();
+  }
+}
+
+TEST_F(trees, come_folder_by_folder_from_the_top) {
+  const tree model = grow(7, 60);
+  std::vector<file> all, top;
+  exception err;
+  files::RecursiveCallBack recursive(all);
+  EXPECT_TRUE(files::directory_list(root, err, recursive));
+  EXPECT_TRUE(files::directory_list(root, err, top));
+  ASSERT_LT(top.size(), all.size());
+  EXPECT_TRUE(std::equal(top.begin(), top.end(), all.begin()));
+  std::set<std::wstring> left, now;  // folders whose entries are past, and come
+  for (const file& entry : all) {
+    const std::wstring folder = entry.get_parent();
+    EXPECT_FALSE(left.contains(folder)) << folder;
+    if (now.insert(folder).second) {
+      left.insert(now.begin(), now.end());
+      left.erase(folder);
+    }
+    EXPECT_EQ(left.contains(entry), false);
+  }
+}
+
+TEST_F(trees, are_taken_without_what_a_filter_refuses) {
+  const std::set<std::wstring> sets[] = {{}, {L"a"}, {L"b.txt", L"..."}, {L"año", L"nul", L"punto.", L"~"}};
+  for (unsigned seed = 100; seed < 100 + 2 * rounds(); ++seed) {
+    for (const std::set<std::wstring>& names : sets) {
+      const tree model = grow(seed, 40), taken = without(model, names);
+      refusing filter(names);
+      exception err;
+      std::vector<file> listed;
+      files::RecursiveCallBack recursive(listed, filter);
+      EXPECT_TRUE(files::directory_list(root, err, recursive));
+      EXPECT_EQ(listed.size(), taken.size());
+      recorder copied(root);
+      EXPECT_TRUE(files::copy_folder(root, other, err, filter, copied)) << err.what();
+      EXPECT_EQ(read_tree(other), taken);
+      EXPECT_EQ(copied.seen(), places(taken));
+      recorder compared(root);
+      EXPECT_TRUE(files::verify(root, other, err, compared, &filter)) << err.what();
+
+      // What was refused stays, and so do the folders around it.
+      EXPECT_TRUE(files::erase(root, err, filter)) << err.what();
+      tree kept;
+      for (const auto& [place, kind] : model)
+        for (const auto& [refused, unused] : model)
+          if (!taken.contains(refused) && (is_at(place, refused) || is_at(refused, place)))
+            kept.emplace(place, kind);
+      EXPECT_EQ(root.exists(), !kept.empty());
+      if (root.exists()) {
+        EXPECT_EQ(read_tree(root), kept);
+      }
+      clear();
+    }
+  }
+}
+
+TEST_F(trees, differences_are_told) {
+  for (const auto& [place, kind] :
+       tree{{L"a", a_folder}, {L"a\\1", 5}, {L"a\\2", 5}, {L"b", a_folder}, {L"c", 0}, {L"d", 9}, {L"e", 1}})
+    kind == a_folder ? void(below(root, place).mkdir(nullptr))
+                     : write(L"origen\\" + place, static_cast<std::size_t>(kind));
+  exception err;
+  EXPECT_TRUE(files::copy_folder(root, other, err));
+  write(L"destino\\a\\2", 6);
+  below(other, L"b").erase();
+  write(L"destino\\b", 0);
+  below(other, L"c").erase();
+  below(other, L"c").mkdir(nullptr);
+  below(other, L"d").erase();
+  write(L"destino\\a\\de más", 1);
+  recorder told(root);
+  EXPECT_FALSE(files::verify(root, other, err, told));
+  const std::set<std::wstring> expected{
+      ruvo::exc::fileStrageFileSize(below(other, L"a\\2")).get_mensaje(),
+      ruvo::exc::fileExpectedFolder(below(other, L"b")).get_mensaje(),
+      ruvo::exc::fileExpectedFile(below(other, L"c")).get_mensaje(),
+      ruvo::exc::fileNotFound(below(other, L"d")).get_mensaje(),
+  };
+  EXPECT_EQ(std::set(told.failures.begin(), told.failures.end()), expected);
+  EXPECT_EQ(told.failures.front(), err.get_mensaje());
+  EXPECT_EQ(told.seen(), (std::set<std::wstring>{L"a", L"a\\1", L"e"}));
+
+  // A copy goes on where it can.
+  recorder copied(root);
+  EXPECT_FALSE(files::copy_folder(root, other, err, copied));
+  std::ranges::sort(copied.failures);
+  EXPECT_EQ(copied.failures, (std::vector{ruvo::exc::fileExpectedFolder(below(other, L"b")).get_mensaje(),
+                                          ruvo::exc::fileExpectedFile(below(other, L"c")).get_mensaje()}));
+  EXPECT_EQ(read_tree(other), (tree{{L"a", a_folder},
+                                    {L"a\\1", 5},
+                                    {L"a\\2", 5},
+                                    {L"a\\de más", 1},
+                                    {L"b", 0},
+                                    {L"c", a_folder},
+                                    {L"d", 9},
+                                    {L"e", 1}}));
+}
+
+/// Each operation, on `root` and from there to `other`.
+struct operation {
+  const char* name;
+  bool (*run)(const file& root, const file& other, exception& err, recorder& told);
+};
+const operation operations[] = {
+    {"list",
+     [](const file& root, const file&, exception& err, recorder& told) {
+       files::RecursiveCallBack recursive(told);
+       return files::directory_list(root, err, recursive);
+     }},
+    {"copy", [](const file& root, const file& other, exception& err,
+                recorder& told) { return files::copy_folder(root, other, err, told); }},
+    {"verify", [](const file& root, const file& other, exception& err,
+                  recorder& told) { return files::verify(root, other, err, told); }},
+    {"erase", [](const file& root, const file&, exception& err,
+                 recorder& told) { return files::erase(root, err, told); }},
+};
+
+TEST_F(trees, operations_stop_when_they_are_asked_to) {
+  for (const operation& one : operations) {
+    const std::string name(one.name);
+    std::size_t n = 1;
+    for (std::size_t entries = 1; n <= entries; ++n) {
+      const tree model = grow(5, 9);
+      entries = model.size();
+      exception err;
+      if (name == "verify") {
+        EXPECT_TRUE(files::copy_folder(root, other, err));
+      }
+      recorder told(root);
+      told.stops_at = n;
+      EXPECT_TRUE(one.run(root, other, err, told)) << name << n;
+      EXPECT_EQ(told.order.size(), n) << name;
+      EXPECT_EQ(told.finished, 1) << name << n;
+      EXPECT_TRUE(told.failures.empty()) << name << n;
+      // What was told was done, and nothing else.
+      const std::set<std::wstring> done = told.seen();
+      if (name == "copy") {
+        EXPECT_EQ(places(read_tree(other)), done);
+      }
+      if (name == "erase") {
+        std::set<std::wstring> left = places(model);
+        for (const std::wstring& place : done) EXPECT_EQ(left.erase(place), 1u);
+        EXPECT_EQ(places(read_tree(root)), left);
+      }
+      recorder again(root);
+      again.stops_at = 1;
+      again.onRead(root);
+      EXPECT_TRUE(one.run(root, other, err, again)) << name;
+      EXPECT_EQ(again.order.size(), 1u) << name << " goes on after it was stopped";
+      clear();
+    }
+  }
+}
+
+TEST_F(trees, what_a_callback_throws_comes_through) {
+  for (const operation& one : operations) {
+    for (std::size_t n = 1; n <= 4; ++n) {
+      grow(6, 8);
+      exception err;
+      if (one.name == std::string("verify")) {
+        EXPECT_TRUE(files::copy_folder(root, other, err));
+      }
+      recorder told(root);
+      told.does = [&](const file&) {
+        if (told.order.size() == n) throw ruvo::exc::BadArgument(L"n");
+      };
+      EXPECT_THROW(one.run(root, other, err, told), ruvo::exc::BadArgument) << one.name << n;
+      EXPECT_TRUE(told.order.size() == n && !told.finished && told.failures.empty()) << one.name << n;
+      clear();  // would fail if a folder were still being read
+    }
+  }
+}
+
+TEST_F(trees, a_folder_may_vanish_while_they_are_walked) {
+  tree model = grow(8, 30);
+  for (const wchar_t* const place : {L"se va", L"se va\\dentro", L"se queda", L"se queda\\se va"})
+    add(model, place, a_folder);
+  recorder told(root);
+  std::set<std::wstring> gone;
+  told.does = [&](const file& entry) {
+    if (entry.get_name() != L"se va") return;
+    exception err;
+    EXPECT_TRUE(files::erase(entry, err)) << err.what();
+    gone.insert(ruvo::exc::fileNotFound(entry).get_mensaje());
+  };
+  files::RecursiveCallBack recursive(told);
+  exception err;
+  EXPECT_TRUE(files::directory_list(root, err, recursive));
+  EXPECT_EQ(gone.size(), 2u);
+  EXPECT_EQ(std::set(told.failures.begin(), told.failures.end()), gone);
+  EXPECT_EQ(recursive.get_failure().get_mensaje(), told.failures.front());
+  model.erase(L"se va\\dentro");
+  EXPECT_EQ(told.seen(), places(model));
+}
+
+TEST_F(trees, failures) {
+  write(L"origen\\f", 1);
+  const file missing = below(base, L"no está"), a_file = below(root, L"f");
+  using ruvo::exc::fileInvalidFolder, ruvo::exc::fileNotFound, ruvo::exc::fileUnCreateFolder;
+  struct row {
+    const char* operation;
+    file from, to;
+    exception expected;
+  };
+  const file nul(static_cast<std::wstring>(root) + std::wstring(L"\0x", 2));
+  const row rows[] = {
+      {"list", missing, {}, fileNotFound(missing)},
+      {"list", a_file, {}, fileInvalidFolder(a_file)},
+      {"list", file(), {}, fileNotFound(file())},
+      {"list", nul, {}, fileNotFound(nul)},
+      {"list", below(a_file, L"x"), {}, fileNotFound(below(a_file, L"x"))},
+      {"copy", missing, other, fileNotFound(missing)},
+      {"copy", a_file, other, fileInvalidFolder(a_file)},
+      {"copy", root, file(), fileUnCreateFolder(file())},
+      {"copy", root, a_file, fileUnCreateFolder(a_file)},
+      {"copy", root, root, fileUnCreateFolder(root)},
+      {"copy", root, below(root, L"x\\y"), fileUnCreateFolder(below(root, L"x\\y"))},
+      {"copy", root, L"arbol/otro/../origen/x", fileUnCreateFolder(L"arbol/otro/../origen/x")},
+      {"verify", missing, root, fileNotFound(missing)},
+      {"verify", root, missing, fileNotFound(missing)},
+      {"verify", root, a_file, ruvo::exc::fileExpectedFolder(a_file)},
+      {"erase", missing, {}, fileNotFound(missing)},
+      {"erase", file(), {}, fileNotFound(file())},
+      {"erase", nul, {}, fileNotFound(nul)},
+  };
+  for (const row& r : rows) {
+    const auto found = std::ranges::find(operations, std::string(r.operation), &operation::name);
+    recorder told;
+    exception err;
+    EXPECT_FALSE(found->run(r.from, r.to, err, told)) << r.operation << r.from.c_str();
+    EXPECT_EQ(err.get_mensaje(), r.expected.get_mensaje());
+    EXPECT_EQ(err, r.expected);
+    EXPECT_EQ(told.failures, std::vector{r.expected.get_mensaje()});
+    EXPECT_TRUE(told.order.empty() && told.finished == 1);
+  }
+  EXPECT_FALSE(other.exists() || missing.exists());
+  EXPECT_EQ(read_tree(root), (tree{{L"f", 1}}));
+}
+
+TEST_F(trees, other_names_of_a_folder) {
+  grow(9, 20);
+  const tree model = read_tree(root);
+  exception err;
+  fs::current_path("arbol/origen");
+  for (const wchar_t* const here : {L".", L"..\\origen", L"..\\..\\arbol\\.\\origen"}) {
+    EXPECT_TRUE(files::copy_folder(here, L"..\\destino", err)) << err.what();
+    recorder told;
+    EXPECT_TRUE(files::verify(here, L"..\\destino", err, told)) << err.what();
+    EXPECT_EQ(told.order.size(), model.size()) << here;
+    EXPECT_FALSE(files::copy_folder(here, L"nuevo", err));
+  }
+  fs::current_path("../..");
+  EXPECT_EQ(read_tree(other), model);
+  EXPECT_EQ(read_tree(root), model);
+}
+
+TEST_F(trees, are_as_deep_as_you_like) {
+  const int levels = rounds() > 1 ? 1000 : 150;  // Wine takes minutes for the former
+  file deepest = root;
+  tree model;
+  for (int level = 0; level < levels; ++level) {
+    deepest += L"d";
+    model.emplace(deepest.crop(root), a_folder);
+  }
+  EXPECT_TRUE(deepest.mkdirs(nullptr));
+  EXPECT_EQ(read_tree(root), model);
+  exception err;
+  recorder compared(root);
+  EXPECT_TRUE(files::copy_folder(root, other, err)) << err.what();
+  EXPECT_TRUE(files::verify(root, other, err, compared)) << err.what();
+  EXPECT_EQ(compared.seen(), places(model));
+}
+
+TEST_F(trees, what_is_read_only_is_erased_and_what_is_held_stays) {
+  grow(10, 30);
+  write(L"origen\\protegido", 1);
+  write(L"origen\\zona", 1);
+  fs::permissions("arbol/origen/protegido",
+                  fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
+                  fs::perm_options::remove);
+  EXPECT_FALSE(below(root, L"protegido").can_be_write());
+#ifdef _WIN32
+  {
+    const std::ifstream held("arbol/origen/zona");
+    recorder told(root);
+    exception err;
+    EXPECT_FALSE(files::erase(root, err, told));
+    EXPECT_EQ(err.get_mensaje(), ruvo::exc::fileUnDeleted(below(root, L"zona")).get_mensaje());
+    EXPECT_EQ(told.failures, std::vector{err.get_mensaje()});
+    EXPECT_EQ(read_tree(root), (tree{{L"zona", 1}}));
+  }
+#endif
+  exception err;
+  EXPECT_TRUE(files::erase(root, err)) << err.what();
+  EXPECT_FALSE(root.exists());
+}
+
+TEST_F(trees, links_are_not_followed) {
+  std::error_code refused;
+  fs::create_directories("arbol/fuera/dentro");
+  write(L"fuera\\f", 4);
+  fs::create_directory_symlink(fs::absolute("arbol/fuera"), "arbol/origen/enlace", refused);
+  if (refused) GTEST_SKIP() << "no links here: " << refused.message();
+  EXPECT_EQ(read_tree(root), (tree{{L"enlace", a_folder}}));
+  exception err;
+  recorder told(root);
+  EXPECT_FALSE(files::copy_folder(root, other, err, told));
+  EXPECT_EQ(told.failures, std::vector{ruvo::exc::fileOsStream(below(other, L"enlace")).get_mensaje()});
+  EXPECT_TRUE(files::erase(root, err)) << err.what();
+  EXPECT_FALSE(root.exists());
+
+  // A link that takes the place of a folder while the tree is walked.
+  root.mkdir(nullptr);
+  below(root, L"carpeta").mkdir(nullptr);
+  recorder swapping(root);
+  swapping.does = [](const file& entry) {
+    entry.erase();
+    fs::create_directory_symlink(fs::absolute("arbol/fuera"), "arbol/origen/carpeta");
+  };
+  files::RecursiveCallBack recursive(swapping);
+  EXPECT_TRUE(files::directory_list(root, err, recursive));
+  EXPECT_EQ(swapping.order, std::vector<std::wstring>{L"carpeta"});
+  EXPECT_EQ(read_tree(file(base, L"fuera")), (tree{{L"dentro", a_folder}, {L"f", 4}}));
+}
+
+TEST(directory_list, is_a_service_of_the_context) {
+  ruvo::fake_context fake;
+  const ruvo::thread_scope scope(fake);
+  fake.folders[L"Q:\\datos"] = {L"uno", L"dos", L"tres"};
+  exception err;
+  refusing filter({L"dos"});
+  recorder told(L"Q:\\datos");
+  std::vector<file> out;
+  EXPECT_TRUE(files::directory_list(L"Q:\\datos", err, filter, told));
+  EXPECT_EQ(told.order, (std::vector<std::wstring>{L"uno", L"tres"}));
+  EXPECT_TRUE(files::directory_list(L"Q:\\datos", err, filter, out));
+  EXPECT_EQ(out, (std::vector<file>{L"Q:\\datos\\uno", L"Q:\\datos\\tres"}));
+  EXPECT_FALSE(files::directory_list(fs::current_path().wstring(), err, out));
+}
+
+}  // namespace

@@ -1,0 +1,165 @@
+// The host's files, for the build that runs under its checkers. The environment's KESTA_FAIL_FILE_STEP = n
+// makes the n-th step of writing or copying fail, and those after it.
+
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "files/platform.hpp"
+#include "texto/utf.hpp"
+
+namespace ruvo::platform {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Empty for a path that names nothing.
+std::string host_name(const std::wstring& path) {
+  if (path.find(L'\0') != path.npos || path.find(L':', 2) != path.npos) return {};
+  std::string name = texto::to_utf_8(path);
+  for (char& c : name)
+    if (c == '\\') c = '/';
+  return name;
+}
+
+bool step_fails() {
+  const char* const text = std::getenv("KESTA_FAIL_FILE_STEP");
+  if (!text) return false;
+  const int left = std::atoi(text);
+  if (left > 1) setenv("KESTA_FAIL_FILE_STEP", std::to_string(left - 1).c_str(), 1);
+  return left <= 1;
+}
+
+// Handles are never null, descriptors may be 0.
+void* handle_of(int descriptor) {
+  return descriptor < 0 ? nullptr : reinterpret_cast<void*>(static_cast<std::intptr_t>(descriptor) + 1);
+}
+int descriptor_of(void* handle) { return static_cast<int>(reinterpret_cast<std::intptr_t>(handle) - 1); }
+
+constexpr mode_t writers = S_IWUSR | S_IWGRP | S_IWOTH;
+
+}  // namespace
+
+entry_kind kind_of(const std::wstring& path) {
+  entry_facts facts;
+  return read_facts(path, facts) ? facts.kind : entry_kind::none;
+}
+
+bool read_facts(const std::wstring& path, entry_facts& out) {
+  struct stat found;
+  if (stat(host_name(path).c_str(), &found) != 0) return false;
+  out.kind = S_ISDIR(found.st_mode) ? entry_kind::folder : entry_kind::file;
+  out.read_only = !(found.st_mode & writers);
+  out.hidden = false;
+  out.size = out.kind == entry_kind::file ? static_cast<unsigned long long>(found.st_size) : 0;
+  out.modified = found.st_mtime;
+  out.accessed = found.st_atime;
+  out.changed = found.st_ctime;
+  return true;
+}
+
+bool read_owner(const std::wstring& path, owner_numbers& out) {
+  struct stat found;
+  if (stat(host_name(path).c_str(), &found) != 0) return false;
+  out = {found.st_uid, found.st_gid};
+  return true;
+}
+
+bool may_read(const std::wstring& path) { return access(host_name(path).c_str(), R_OK) == 0; }
+bool may_write(const std::wstring& path) { return access(host_name(path).c_str(), W_OK) == 0; }
+bool is_held(const std::wstring&) { return false; }
+
+bool make_folder(const std::wstring& path) {
+  const std::string name = host_name(path);
+  return mkdir(name.c_str(), 0777) == 0 || kind_of(path) == entry_kind::folder;
+}
+
+bool erase_entry(const std::wstring& path) {
+  const std::string name = host_name(path);
+  entry_facts facts;
+  if (!read_facts(path, facts)) return unlink(name.c_str()) == 0;
+  if (facts.kind == entry_kind::folder) return rmdir(name.c_str()) == 0 || unlink(name.c_str()) == 0;
+  return !facts.read_only && unlink(name.c_str()) == 0;
+}
+
+std::wstring temporary_folder() {
+  std::error_code error;
+  return texto::to_utf_16(fs::temp_directory_path(error).string());
+}
+
+open_file::open_file(const std::wstring& path, mode how) : handle_(nullptr) {
+  const int flags = how == to_create ? O_WRONLY | O_CREAT | O_EXCL : O_RDONLY;
+  if (how == to_create ? step_fails() : kind_of(path) == entry_kind::folder) return;
+  handle_ = handle_of(open(host_name(path).c_str(), flags | O_CLOEXEC, 0666));
+}
+
+open_file::~open_file() {
+  if (handle_) ::close(descriptor_of(handle_));
+}
+
+bool open_file::size(unsigned long long& out) const noexcept {
+  struct stat found;
+  if (fstat(descriptor_of(handle_), &found) != 0) return false;
+  out = static_cast<unsigned long long>(found.st_size);
+  return true;
+}
+
+bool open_file::read(void* to, std::size_t room, std::size_t& got) noexcept {
+  const ssize_t count = ::read(descriptor_of(handle_), to, room);
+  got = count > 0 ? static_cast<std::size_t>(count) : 0;
+  return count >= 0;
+}
+
+// A write that fails has written half.
+bool open_file::write(std::string_view bytes) noexcept {
+  const bool fails = step_fails();
+  if (fails) bytes = bytes.substr(0, bytes.size() / 2);
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(descriptor_of(handle_), bytes.data(), bytes.size());
+    if (count <= 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return !fails;
+}
+
+bool open_file::flush() noexcept { return !step_fails() && fsync(descriptor_of(handle_)) == 0; }
+
+bool open_file::close() noexcept {
+  const bool done = !step_fails() && (!handle_ || ::close(descriptor_of(handle_)) == 0);
+  if (done) handle_ = nullptr;
+  return done;
+}
+
+bool copy_to_new(const std::wstring& from, const std::wstring& to) {
+  std::error_code error;
+  const std::string source = host_name(from), target = host_name(to);
+  if (source.empty() || !fs::copy_file(source, target, error)) return false;
+  const bool failed = step_fails();
+  fs::last_write_time(target, fs::last_write_time(source, error), error);
+  fs::permissions(target, fs::status(source, error).permissions(), error);
+  return !failed && !error;
+}
+
+void copy_attributes(const std::wstring&, const std::wstring&) {}
+
+creation rename_file(const std::wstring& from, const std::wstring& to, bool replace) {
+  const std::string source = host_name(from), target = host_name(to);
+  if (target.empty() || step_fails()) return creation::refused;
+  if (replace) return rename(source.c_str(), target.c_str()) == 0 ? creation::done : creation::refused;
+  if (link(source.c_str(), target.c_str()) != 0) return errno == EEXIST ? creation::taken : creation::refused;
+  unlink(source.c_str());
+  return creation::done;
+}
+
+void discard_file(const std::wstring& path) { unlink(host_name(path).c_str()); }
+
+}  // namespace ruvo::platform

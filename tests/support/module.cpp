@@ -1,0 +1,47 @@
+#include "support/module.hpp"
+
+#ifdef _WIN32
+
+#  ifndef NOMINMAX
+#    define NOMINMAX
+#  endif
+#  include <windows.h>
+
+module_copy::module_copy(const std::string& library) {
+  const HMODULE original = GetModuleHandleA(library.c_str());
+  char path[4096];
+  const DWORD length = original ? GetModuleFileNameA(original, path, sizeof path) : 0;
+  if (!length || length >= sizeof path) return;
+  const std::string copy = "copy_of_" + library;
+  if (CopyFileA(path, copy.c_str(), FALSE)) path_ = copy;
+}
+
+module_copy::~module_copy() {
+  if (handle_) FreeLibrary(static_cast<HMODULE>(handle_));
+  if (exists()) DeleteFileA(path_.c_str());
+}
+
+bool module_copy::load() {
+  handle_ = LoadLibraryA((".\\" + path_).c_str());
+  return handle_ != nullptr;
+}
+
+bool module_copy::free() {
+  const bool freed = FreeLibrary(static_cast<HMODULE>(handle_)) != 0;
+  handle_ = nullptr;
+  return freed && !GetModuleHandleA(path_.c_str());
+}
+
+void* module_copy::find(const char* name) const {
+  return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle_), name));
+}
+
+#else
+
+module_copy::module_copy(const std::string&) {}
+module_copy::~module_copy() = default;
+bool module_copy::load() { return false; }
+bool module_copy::free() { return false; }
+void* module_copy::find(const char*) const { return nullptr; }
+
+#endif

@@ -1,0 +1,33 @@
+#pragma once
+
+// A library that is loaded and freed while the program runs.
+
+#include <string>
+
+/// A second instance of the library that the program itself is linked with: a copy of its file under another
+/// name, in the current folder, with static objects of its own. Empty where the program holds the library in
+/// itself.
+class module_copy {
+ public:
+  /// `library` as "kesta.dll".
+  explicit module_copy(const std::string& library);
+  module_copy(const module_copy&) = delete;
+  module_copy& operator=(const module_copy&) = delete;
+  ~module_copy();  ///< Frees it and removes the copy.
+
+  bool exists() const { return !path_.empty(); }
+  bool load();
+  /// Frees it; true when it is gone from the process.
+  bool free();
+  /// An exported function by its linker name; null when there is none.
+  template <class Function>
+  Function* function(const char* name) const {
+    return reinterpret_cast<Function*>(find(name));
+  }
+
+ private:
+  void* find(const char* name) const;
+
+  std::string path_;
+  [[maybe_unused]] void* handle_ = nullptr;
+};
