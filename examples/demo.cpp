@@ -1,5 +1,5 @@
 // The whole way of a document: an application boots, a worker thread checks in, reads JSON files into
-// bundles, takes typed values out of them by path, builds an answer and writes it in three ways.
+// bundles, takes typed values out of them by path, builds an answer and writes it in three ways, and as XML.
 //
 //   demo FILE.json...
 //
@@ -185,6 +185,22 @@ void write(const ruvo::bundle& document, const std::wstring& name, bool ordered,
   }
 }
 
+/// As XML, in an element of its own whose attributes are the qualities of the value, and read again.
+void write_xml(const ruvo::bundle& document) {
+  ruvo::bundle whole = {{L"documento", document}};
+  whole[L"documento"][L"lengua"] = L"es";
+  whole[L"documento"][L"miembros"] = document.size();
+
+  ruvo::serializer::xml xml(true, false);
+  ruvo::bundle again;
+  ruvo::exception failure;
+  std::wstring out;
+  if (xml.serialize(out, whole, &failure) || xml.deserialize(again, out, &failure)) show(L"XML", failure);
+  show(L"XML", shortened(out, 300));
+  show(L"de vuelta", shortened(again.to_string(), 200));
+  for (const auto& [name, value] : again[L"documento"]) show(L"atributo", name + L" = " + value.to_string());
+}
+
 // --- the work
 
 void process(const std::wstring& name) {
@@ -207,6 +223,7 @@ void process(const std::wstring& name) {
   write(document, L"por claves", true, false);
   write(document, L"por llegada", false, false);
   write(document, L"tabulado", true, true);
+  write_xml(document);
 }
 
 void work(ruvo::application& app, const std::vector<std::wstring>& files) {

@@ -4,8 +4,10 @@
 
 #include <ruvo/api.hpp>
 #include <ruvo/application.hpp>
+#include <ruvo/armonia.hpp>
 #include <ruvo/binary.hpp>
 #include <ruvo/bundle.hpp>
+#include <ruvo/color.hpp>
 #include <ruvo/console.hpp>
 #include <ruvo/context.hpp>
 #include <ruvo/date.hpp>
@@ -29,4 +31,5 @@
 #include <ruvo/times.hpp>
 #include <ruvo/var.hpp>
 #include <ruvo/velda.hpp>
+#include <ruvo/xml.hpp>
 #include <ruvo/xvar.hpp>

@@ -44,6 +44,7 @@ enum class kind : unsigned char {
   string_text,  // a std::wstring, made when somebody asks for a reference to it
   binary,
   memo,
+  object,  // of a class that the cell does not know
   list,
   bundle,
 };

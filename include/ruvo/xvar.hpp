@@ -10,6 +10,16 @@
 
 namespace ruvo {
 
+namespace detail {
+
+/// A class with a conversion to xvar of its own.
+template <class T>
+concept converts_to_xvar = requires(T&& value) {
+  static_cast<T&&>(value).operator xvar();
+};
+
+}  // namespace detail
+
 /// Orders keys without regard to the case of A-Z, by code unit.
 struct KESTA_API keylowercase {
   bool operator()(const std::wstring& a, const std::wstring& b) const noexcept;
@@ -58,6 +68,9 @@ class KESTA_API xvar : public var {
   xvar(const wchar_t* value) : var(value) {}
   xvar(const std::string& value) : var(value) {}
   xvar(const char* value) : var(value) {}
+  /// From a class that converts to xvar, whatever else it converts to.
+  template <detail::converts_to_xvar T>
+  explicit xvar(T&& value) : xvar(static_cast<T&&>(value).operator xvar()) {}
 
   /// Replaces the value and merges the qualities: those of `other` are assigned to this object's, those that
   /// `other` lacks stay.
@@ -89,6 +102,10 @@ class KESTA_API xvar : public var {
   const xvar& operator=(const wchar_t* value) { return assign(value); }
   const xvar& operator=(const std::string& value) { return assign(value); }
   const xvar& operator=(const char* value) { return assign(value); }
+  template <detail::converts_to_xvar T>
+  xvar& operator=(T&& value) {
+    return *this = static_cast<T&&>(value).operator xvar();
+  }
 
   /// The quality, inserted with a null value when missing.
   var& operator[](const std::wstring& key);

@@ -30,7 +30,8 @@ std::string report_of(const exception& error, std::string_view mensaje) {
   add_line(report, "FACILITY", error.get_facility());
   add_line(report, "CUSTOMER", error.get_customer());
   add_line(report, "SEVERITY", error.get_severity());
-  return report.append("MESSAGE: ").append(mensaje).append("\r\n");
+  report.append("MESSAGE: ").append(mensaje).append("\r\n");
+  return report;
 }
 
 }  // namespace

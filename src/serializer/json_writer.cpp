@@ -8,8 +8,8 @@
 #include <typeinfo>
 
 #include "serializer/json_emitter.hpp"
+#include "serializer/number_text.hpp"
 #include "serializer/scan.hpp"
-#include "texto/numbers.hpp"
 
 namespace ruvo::serializer {
 
@@ -63,20 +63,6 @@ void put_quoted(text_sink& out, std::wstring_view text, bool escaped) {
   }
   *to++ = L'"';
   out.advance(to);
-}
-
-void put_number(text_sink& out, const xvar& value) {
-  wchar_t* const to = out.room(texto::most_number_units);
-  wchar_t* end = nullptr;
-  if (cell::kind_of(value) == kind::uxlong) {
-    end = texto::print_unsigned(to, static_cast<unsigned long long>(cell::integer(value)));
-  } else if (value.is_decimal()) {
-    end = texto::print_fixed(to, cell::real(value));
-  } else {
-    end = texto::print_integer(to, cell::integer(value));
-  }
-  if (!end) return out.put(value.to_string());
-  out.advance(end);
 }
 
 /// Lends the store of a bundle to an xvar, for calls that take one.

@@ -49,4 +49,31 @@ inline const wchar_t* find_escaped(const wchar_t* at, const wchar_t* end) noexce
   return at;
 }
 
+/// What XML calls white space.
+constexpr bool is_xml_blank(wchar_t c) noexcept {
+  return c == L' ' || c == L'\t' || c == L'\n' || c == L'\r';
+}
+
+/// Whether XML writes the unit in another way: & ' < > and the quotation mark.
+constexpr bool is_markup(wchar_t c) noexcept { return (c & ~1) == L'&' || (c & ~2) == L'<' || c == L'"'; }
+
+/// The first unit of [at, end) that is_markup(), or end.
+inline const wchar_t* find_markup(const wchar_t* at, const wchar_t* end) noexcept {
+#ifdef KESTA_SCAN_SSE2
+  static_assert((L'&' | 1) == L'\'' && (L'<' | 2) == L'>');
+  const __m128i amp = _mm_set1_epi16('&'), less = _mm_set1_epi16('<'), quote = _mm_set1_epi16('"');
+  const __m128i but_one = _mm_set1_epi16(~1), but_two = _mm_set1_epi16(~2);
+  for (; end - at >= 8; at += 8) {
+    const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+    __m128i hits = _mm_cmpeq_epi16(_mm_and_si128(units, but_one), amp);
+    hits = _mm_or_si128(hits, _mm_cmpeq_epi16(_mm_and_si128(units, but_two), less));
+    hits = _mm_or_si128(hits, _mm_cmpeq_epi16(units, quote));
+    const auto mask = static_cast<std::uint32_t>(_mm_movemask_epi8(hits));
+    if (mask) return at + std::countr_zero(mask) / 2;
+  }
+#endif
+  while (at != end && !is_markup(*at)) ++at;
+  return at;
+}
+
 }  // namespace ruvo::serializer

@@ -21,8 +21,15 @@ constexpr unsigned int system_page = 0;
 
 template <class Char>
 std::wstring to_hex(const Char* text, std::size_t count) {
-  std::wstring hex(count * 2, L'\0');
-  hex_encode_to(hex.data(), text, count);
+  constexpr std::size_t piece = 512;  // made on the stack: zeros in a long result cost more than a copy
+  wchar_t made[2 * piece];
+  std::wstring hex;
+  hex.reserve(2 * count);
+  for (std::size_t done = 0; done < count; done += piece) {
+    const std::size_t size = std::min(piece, count - done);
+    hex_encode_to(made, text + done, size);
+    hex.append(made, 2 * size);
+  }
   return hex;
 }
 

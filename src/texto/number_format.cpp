@@ -27,16 +27,18 @@ std::wstring punctuated(std::wstring_view plain) {
   const separators marks = of_this_thread();
   const auto first = std::find_if(plain.begin(), plain.end(), is_digit);  // none in "nan" and "inf"
   const auto point = std::find(first, plain.end(), L'.');
+  auto at = first + (point - first) % 3;
   std::wstring out;
   out.reserve(plain.size() + static_cast<std::size_t>(point - first) / 3);
-  out.assign(plain.begin(), first);
-  for (auto at = first; at != point; ++at) {
-    if (at != first && (point - at) % 3 == 0) out.push_back(marks.thousands);
-    out.push_back(*at);
+  out.assign(plain.begin(), at);
+  for (; at != point; at += 3) {
+    if (at != first) out.push_back(marks.thousands);
+    out.append(at, at + 3);
   }
   if (point == plain.end()) return out;
   out.push_back(marks.decimal);
-  return out.append(point + 1, plain.end());
+  out.append(point + 1, plain.end());
+  return out;
 }
 
 constexpr struct {
@@ -74,7 +76,8 @@ std::wstring fill_number(int width, int number, wchar_t fill) {
   const std::wstring_view digits(text, print_integer(text, number));
   const auto field = static_cast<std::size_t>(std::max(width, calculate_length_number(number)));
   std::wstring out(field - std::min(field, digits.size()), fill);
-  return out.append(digits);
+  out.append(digits);
+  return out;
 }
 
 std::wstring format_file_size(unsigned long long bytes) {

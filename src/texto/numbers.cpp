@@ -1,5 +1,6 @@
 #include "texto/numbers.hpp"
 
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -9,7 +10,6 @@
 #include <stdexcept>
 
 #include "texto/ascii.hpp"
-#include "texto/utf.hpp"
 
 namespace ruvo::texto {
 
@@ -45,7 +45,10 @@ void append_fixed_slow(std::wstring& out, double value, int decimals) {
     first = large.data();
   }
   const auto [end, error] = std::to_chars(first, first + room, value, std::chars_format::fixed, decimals);
-  append_utf_16(out, std::string_view(first, error == std::errc() ? end : first));
+  if (error != std::errc()) return;
+  const std::size_t before = out.size();
+  out.resize(before + static_cast<std::size_t>(end - first));
+  std::copy(first, end, out.data() + before);
 }
 
 constexpr std::uint32_t powers_of_ten[most_short_decimals + 1] = {

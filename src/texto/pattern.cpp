@@ -93,7 +93,8 @@ std::wstring replaced(regex::Matcher& match, std::wstring_view text, const Forma
     last = match.end();
     format.append(out, match, before, text.substr(last));
   } while (match.next());
-  return out += text.substr(last);
+  out += text.substr(last);
+  return out;
 }
 
 }  // namespace

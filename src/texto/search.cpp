@@ -16,6 +16,7 @@ bool is_quote(wchar_t c) { return c == L'"' || c == L'\''; }
 bool ends_line(wchar_t c) { return c == L'\n' || c == L'\r' || c == L'\x2028' || c == L'\x2029'; }
 
 std::size_t count(std::wstring_view text, std::wstring_view part) {
+  if (part.size() == 1) return static_cast<std::size_t>(std::count(text.begin(), text.end(), part[0]));
   finder search(part);
   std::size_t count = 0;
   for (std::size_t at = 0; (at = search.find(text, at)) != finder::npos; at += part.size()) ++count;
@@ -29,14 +30,64 @@ wchar_t* copy_down(const wchar_t* first, const wchar_t* last, wchar_t* to) {
   return to;
 }
 
-/// Replaces in one pass, in which the written end never overtakes the read one: a longer `to` first gets the
-/// room that it needs before the text.
-void replace_all(std::wstring& text, std::wstring_view from, std::wstring_view to) {
-  std::size_t read = to.size() > from.size() ? count(text, from) * (to.size() - from.size()) : 0;
-  text.insert(0, read, L'\0');
+/// Collects pieces on the stack and appends them together: most are too short for a call each.
+class collector {
+ public:
+  static constexpr std::size_t at_once = 16;
+
+  explicit collector(std::wstring& out) : out_(out) {}
+
+  /// Puts `size` units; `readable` can be read.
+  void put(const wchar_t* from, std::size_t size, std::size_t readable) {
+    if (size > room - used_) flush();
+    if (size > room) {
+      out_.append(from, size);
+      return;
+    }
+    if (size <= at_once && readable >= at_once) {
+      std::copy_n(from, at_once, made_ + used_);  // a number that the compiler knows
+    } else {
+      std::copy_n(from, size, made_ + used_);
+    }
+    used_ += size;
+  }
+
+  void flush() {
+    out_.append(made_, used_);
+    used_ = 0;
+  }
+
+ private:
+  static constexpr std::size_t room = 1024;
+
+  std::wstring& out_;
+  std::size_t used_ = 0;
+  wchar_t made_[room + at_once];
+};
+
+/// For a `to` that is longer than `from`.
+std::wstring replaced_by_longer(std::wstring_view text, std::wstring_view from, std::wstring_view to) {
+  std::wstring out;
+  out.reserve(text.size() + count(text, from) * (to.size() - from.size()));
+  const std::wstring padded = std::wstring(to).append(collector::at_once, L'\0');
+  collector pieces(out);
+  finder search(from);
+  std::size_t read = 0;
+  for (std::size_t at; (at = search.find(text, read)) != finder::npos; read = at + from.size()) {
+    pieces.put(text.data() + read, at - read, text.size() - read);
+    pieces.put(padded.data(), to.size(), padded.size());
+  }
+  pieces.put(text.data() + read, text.size() - read, text.size() - read);
+  pieces.flush();
+  return out;
+}
+
+/// For a `to` that is not longer: in one pass, in which the written end never overtakes the read one.
+void replace_by_shorter(std::wstring& text, std::wstring_view from, std::wstring_view to) {
   finder search(from);
   wchar_t* const units = text.data();
   wchar_t* written = units;
+  std::size_t read = 0;
   for (std::size_t at; (at = search.find(text, read)) != finder::npos; read = at + from.size()) {
     written = written == units + read ? units + at : copy_down(units + read, units + at, written);
     written = copy_down(to.data(), to.data() + to.size(), written);
@@ -84,12 +135,14 @@ std::wstring& safe_replace(std::wstring& text, wchar_t from, wchar_t to) { retur
 
 std::wstring& std_replace(std::wstring& text, std::wstring from, std::wstring to, bool all) {
   if (from.empty()) return text;
-  finder search(from);
-  if (!all) {
-    const std::size_t found = search.find(text, 0);
-    return found == finder::npos ? text : text.replace(found, from.size(), to);
+  const std::size_t found = finder(from).find(text, 0);
+  if (found == finder::npos) return text;
+  if (!all) return text.replace(found, from.size(), to);
+  if (to.size() > from.size()) {
+    text = replaced_by_longer(text, from, to);
+  } else {
+    replace_by_shorter(text, from, to);
   }
-  replace_all(text, from, to);
   return text;
 }
 

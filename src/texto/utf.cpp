@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 
 #include "texto/cpu.hpp"
 
@@ -145,26 +146,6 @@ char32_t read_utf_16(const wchar_t*& at, const wchar_t* end) noexcept {
   return 0x10000u + ((unit & 0x3FFu) << 10) + (low & 0x3FFu);
 }
 
-char* write_utf_8(char* to, char32_t point) noexcept {
-  const auto tail = [point](int shift) { return static_cast<char>(0x80 | (point >> shift & 0x3F)); };
-  if (point < 0x80) {
-    *to++ = static_cast<char>(point);
-  } else if (point < 0x800) {
-    *to++ = static_cast<char>(0xC0 | point >> 6);
-    *to++ = tail(0);
-  } else if (point < 0x10000) {
-    *to++ = static_cast<char>(0xE0 | point >> 12);
-    *to++ = tail(6);
-    *to++ = tail(0);
-  } else {
-    *to++ = static_cast<char>(0xF0 | point >> 18);
-    *to++ = tail(12);
-    *to++ = tail(6);
-    *to++ = tail(0);
-  }
-  return to;
-}
-
 /// The `count` low bytes of `bits`, first the lowest. Needs room for four.
 char* put_bytes(char* to, std::uint32_t bits, int count) noexcept {
   static_assert(std::endian::native == std::endian::little);
@@ -197,19 +178,110 @@ bool decode_long(const char*& at, wchar_t*& to) noexcept {
   return true;
 }
 
-/// Decodes characters until `from` reaches `stop`, which the last one may pass, though not `end`. Needs room
-/// for a block of units more than there are bytes before `stop`.
-wchar_t* decode(const char*& from, const char* stop, const char* end, wchar_t* to) noexcept {
-  while (from < stop && static_cast<std::size_t>(end - from) >= block) {
+#ifdef KESTA_X64
+__m128i all(int value) noexcept { return _mm_set1_epi32(value); }
+
+// The next two decode up to four characters in one go, as many as come before one of another length or a
+// malformed one, and give how many. 16 bytes are readable, and there is room for 16.
+
+/// The number of lanes of 32 bits before the first that is not -1.
+int lanes_before(__m128i good) noexcept {
+  return std::countr_one(static_cast<unsigned>(_mm_movemask_epi8(good))) / 4;
+}
+
+/// Characters of three bytes.
+KESTA_SSSE3 int decode_threes(const char* from, wchar_t* to) noexcept {
+  const __m128i order = _mm_setr_epi8(2, 1, 0, -1, 5, 4, 3, -1, 8, 7, 6, -1, 11, 10, 9, -1);
+  const __m128i threes = _mm_shuffle_epi8(load_16(from), order);
+  const __m128i formed = _mm_cmpeq_epi32(_mm_and_si128(threes, all(0xF0C0C0)), all(0xE08080));
+  const __m128i parts = _mm_maddubs_epi16(_mm_and_si128(threes, all(0x0F3F3F)), all(0x00014001));
+  const __m128i points = _mm_madd_epi16(parts, all(0x10000001));
+  const __m128i top = _mm_and_si128(points, all(0xF800));
+  const __m128i bad = _mm_or_si128(_mm_cmpeq_epi32(top, all(0)), _mm_cmpeq_epi32(top, all(0xD800)));
+  if constexpr (sizeof(wchar_t) == 2) {
+    const __m128i low = _mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, -1, -1, -1, -1, -1, -1, -1, -1);
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_shuffle_epi8(points, low));
+  } else {
+    store_16(to, points);
+  }
+  return lanes_before(_mm_andnot_si128(bad, formed));
+}
+
+/// Characters of four bytes, to two units each.
+KESTA_SSSE3 int decode_fours(const char* from, wchar_t* to) noexcept {
+  if constexpr (sizeof(wchar_t) != 2) return 0;
+  const __m128i fours = load_16(from);
+  const __m128i kinds = _mm_and_si128(fours, all(static_cast<int>(0xC0C0C0F8)));
+  const __m128i formed = _mm_cmpeq_epi32(kinds, all(static_cast<int>(0x808080F0)));
+  const __m128i parts = _mm_maddubs_epi16(_mm_and_si128(fours, all(0x3F3F3F07)), all(0x01400140));
+  const __m128i beyond = _mm_sub_epi32(_mm_madd_epi16(parts, all(0x00011000)), all(0x10000));
+  const __m128i in_range = _mm_cmpeq_epi32(_mm_and_si128(beyond, all(static_cast<int>(0xFFF00000))), all(0));
+  const __m128i bits =
+      _mm_or_si128(_mm_srli_epi32(beyond, 10), _mm_slli_epi32(_mm_and_si128(beyond, all(0x3FF)), 16));
+  store_16(to, _mm_or_si128(bits, all(static_cast<int>(0xDC00D800))));
+  return lanes_before(_mm_and_si128(formed, in_range));
+}
+
+/// Characters of three or of four bytes; false if the first is neither. As above.
+bool decode_run(const char*& from, wchar_t*& to) noexcept {
+  const bool four = static_cast<unsigned char>(*from) >= 0xF0;
+  const int count = four ? decode_fours(from, to) : decode_threes(from, to);
+  if (count == 4) {  // the branch prediction knows, and need not wait
+    from += four ? 16 : 12;
+    to += four ? 8 : 4;
+    return true;
+  }
+  from += (four ? 4 : 3) * count;
+  to += (four ? 2 : 1) * count;
+  return count > 0;
+}
+#else
+constexpr bool has_ssse3 = false;
+bool decode_run(const char*&, wchar_t*&) noexcept { return false; }
+#endif
+
+/// Decodes characters, the first of which is not ASCII, up to an ASCII one or `stop`, or where less than four
+/// bytes are readable. `end` is the text's.
+wchar_t* decode_beyond(const char*& from, const char* stop, const char* end, const char* readable,
+                       wchar_t* to) noexcept {
+  const bool runs = has_ssse3;
+  while (from < stop && readable - from >= 4 && static_cast<unsigned char>(*from) > 0x7F) {
+    if (runs && static_cast<unsigned char>(*from) >= 0xE0 && readable - from >= 16 && decode_run(from, to))
+      continue;
+    if (!decode_long(from, to)) to = write_utf_16(to, read_utf_8(from, end));
+  }
+  return to;
+}
+
+/// Decodes until `from` reaches `stop`, which the last characters may pass, or where less than a block is
+/// readable. What is readable behind `end` is zeros. Needs room for a block of units more than there are
+/// bytes before `stop`.
+wchar_t* decode_blocks(const char*& begin, const char* stop, const char* end, const char* readable,
+                       wchar_t* to) noexcept {
+  const char* from = begin;  // a local: the units written could alias the other
+  while (from < stop && static_cast<std::size_t>(readable - from) >= block) {
     const unsigned beyond = widen_block(from, to);
     const int ascii = beyond ? std::countr_zero(beyond) : static_cast<int>(block);
     from += ascii;
     to += ascii;
-    while (from < stop && end - from >= 4 && static_cast<unsigned char>(*from) > 127)
-      if (!decode_long(from, to)) to = write_utf_16(to, read_utf_8(from, end));
+    if (beyond) to = decode_beyond(from, stop, end, readable, to);
   }
-  while (from < stop) to = write_utf_16(to, read_utf_8(from, end));
+  begin = from;
   return to;
+}
+
+/// Decodes until `from` reaches `stop`, which it may pass. Needs room for two blocks of units more than there
+/// are bytes before `stop`.
+wchar_t* decode(const char*& from, const char* stop, const char* end, wchar_t* to) noexcept {
+  to = decode_blocks(from, stop, end, end, to);
+  if (from >= stop) return to;
+  // Less than a block is left: it goes on in a copy that can be read beyond its end.
+  char rest[2 * block] = {};
+  const char* const rest_end = std::copy(from, end, rest);
+  from = end;
+  const char* at = rest;
+  to = decode_blocks(at, rest_end, rest_end, std::end(rest), to);
+  return to - (at - rest_end);  // without the zeros behind
 }
 
 /// One character that is not ASCII. Needs room for four bytes.
@@ -228,8 +300,6 @@ char* encode_long(const wchar_t*& from, const wchar_t* end, char* to) noexcept {
 }
 
 #ifdef KESTA_X64
-__m128i all(int value) noexcept { return _mm_set1_epi32(value); }
-
 /// Four units of three bytes each in one go, for 12 bytes; 0 if they are not such units. Needs room for 16.
 int encode_threes(const wchar_t* from, char* to) noexcept {
   const auto* const in = reinterpret_cast<const __m128i*>(from);
@@ -282,9 +352,10 @@ char* encode_run(const wchar_t*&, char* to) noexcept { return to; }
 #endif
 
 /// Encodes characters, the first of which is not ASCII, up to an ASCII one or `stop`.
-char* encode_beyond(const wchar_t*& from, const wchar_t* stop, const wchar_t* end, char* to) noexcept {
+char* encode_beyond(const wchar_t*& from, const wchar_t* stop, const wchar_t* end, const wchar_t* readable,
+                    char* to) noexcept {
   while (from<stop&& static_cast<char16_t>(*from)> 0x7F) {
-    if (static_cast<char16_t>(*from) > 0x7FF && end - from >= 8) {
+    if (static_cast<char16_t>(*from) > 0x7FF && readable - from >= 8) {
       char* const before = to;
       to = encode_run(from, to);
       if (to != before) continue;
@@ -294,19 +365,31 @@ char* encode_beyond(const wchar_t*& from, const wchar_t* stop, const wchar_t* en
   return to;
 }
 
-/// The same for UTF-16; needs room for three bytes per unit before `stop` and a block.
-char* encode(const wchar_t*& begin, const wchar_t* stop, const wchar_t* end, char* to) noexcept {
+// The same for UTF-16; these need room for three bytes per unit before `stop`, and for a block or four.
+
+char* encode_blocks(const wchar_t*& begin, const wchar_t* stop, const wchar_t* end, const wchar_t* readable,
+                    char* to) noexcept {
   const wchar_t* from = begin;  // a local: the characters written could alias the other
-  while (from < stop && static_cast<std::size_t>(end - from) >= block) {
+  while (from < stop && static_cast<std::size_t>(readable - from) >= block) {
     const unsigned beyond = narrow_block(from, to);
     const int ascii = beyond ? std::countr_zero(beyond) : static_cast<int>(block);
     from += ascii;
     to += ascii;
-    if (beyond) to = encode_beyond(from, stop, end, to);
+    if (beyond) to = encode_beyond(from, stop, end, readable, to);
   }
-  while (from < stop) to = write_utf_8(to, read_utf_16(from, end));
   begin = from;
   return to;
+}
+
+char* encode(const wchar_t*& from, const wchar_t* stop, const wchar_t* end, char* to) noexcept {
+  to = encode_blocks(from, stop, end, end, to);
+  if (from >= stop) return to;
+  wchar_t rest[2 * block] = {};
+  const wchar_t* const rest_end = std::copy(from, end, rest);
+  from = end;
+  const wchar_t* at = rest;
+  to = encode_blocks(at, rest_end, rest_end, std::end(rest), to);
+  return to - (at - rest_end);
 }
 
 // The sizes that well-formed texts come to; malformed ones may come to more.
@@ -353,7 +436,7 @@ constexpr std::size_t piece = 1024;
 }  // namespace
 
 void append_utf_16(std::wstring& out, std::string_view text) {
-  wchar_t made[piece + block];
+  wchar_t made[piece + 2 * block];
   const char* from = text.data();
   const char* const end = from + text.size();
   if (text.size() > piece) out.reserve(out.size() + utf_16_size(text));
@@ -364,7 +447,7 @@ void append_utf_16(std::wstring& out, std::string_view text) {
 }
 
 void append_utf_8(std::string& out, std::wstring_view text) {
-  char made[3 * piece + block];
+  char made[3 * piece + 4 * block];
   const wchar_t* from = text.data();
   const wchar_t* const end = from + text.size();
   if (text.size() > piece) out.reserve(out.size() + utf_8_size(text));
@@ -375,12 +458,24 @@ void append_utf_8(std::string& out, std::wstring_view text) {
 }
 
 std::wstring to_utf_16(std::string_view text) {
+  if (text.size() <= piece) {
+    wchar_t made[piece + 2 * block];
+    const char* from = text.data();
+    const char* const end = from + text.size();
+    return {made, decode(from, end, end, made)};
+  }
   std::wstring out;
   append_utf_16(out, text);
   return out;
 }
 
 std::string to_utf_8(std::wstring_view text) {
+  if (text.size() <= piece) {
+    char made[3 * piece + 4 * block];
+    const wchar_t* from = text.data();
+    const wchar_t* const end = from + text.size();
+    return {made, encode(from, end, end, made)};
+  }
   std::string out;
   append_utf_8(out, text);
   return out;

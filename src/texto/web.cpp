@@ -82,7 +82,8 @@ std::string q_encoded(const std::string& text) {
     word += character.size();
     rest.remove_prefix(size);
   }
-  return out.append(end);
+  out.append(end);
+  return out;
 }
 
 }  // namespace ruvo::texto

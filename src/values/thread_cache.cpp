@@ -79,6 +79,7 @@ void* thread_cache::take(std::size_t size) {
   free_block* const block = first;
   if (!block) return ::operator new(bytes);
   first = block->next;
+  expect_use(first);  // the next block of this size, which lies anywhere
   free_bytes_ -= bytes;
   return block;
 }

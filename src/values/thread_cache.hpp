@@ -11,7 +11,18 @@
 #include <string>
 #include <string_view>
 
+#if defined(__SSE2__) || defined(_M_X64)
+#  include <xmmintrin.h>
+#endif
+
 namespace ruvo::detail {
+
+/// Begins to fetch the memory at an address, valid or not, that will be used soon.
+inline void expect_use([[maybe_unused]] const void* address) noexcept {
+#if defined(__SSE2__) || defined(_M_X64)
+  _mm_prefetch(static_cast<const char*>(address), _MM_HINT_T0);
+#endif
+}
 
 /// A key, shared by all entries that carry it.
 struct shared_key : std::wstring {

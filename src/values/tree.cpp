@@ -7,6 +7,7 @@
 
 #include "values/bundle_store.hpp"
 #include "values/cell.hpp"
+#include "values/object.hpp"
 
 namespace ruvo::detail {
 
@@ -54,8 +55,16 @@ class reaper {
   template <class T>
   static boxed<T>* pop(boxed<T>*& chain) noexcept {
     boxed<T>* const item = chain;
-    if (item) chain = item->next;
+    if (!item) return nullptr;
+    chain = item->next;
+    if (chain) expect_use_of(chain->value);
     return item;
+  }
+  static void expect_use_of(const list& next) noexcept { expect_use(next.data()); }
+  static void expect_use_of(const bundle& next) noexcept {
+    const auto* const store = reinterpret_cast<const char*>(bundle_access::store(next));
+    constexpr std::size_t line = 64;
+    for (std::size_t at = 0; store && at < 2 * line; at += line) expect_use(store + at);
   }
   void take_all(xvar& v) noexcept {
     take(v);
@@ -80,6 +89,8 @@ class copier {
         return cell::set_pointer(to, kind::binary, make<binary>(*cell::pointer<binary>(from)));
       case kind::memo:
         return cell::set_pointer(to, kind::memo, make<memo>(*cell::pointer<memo>(from)));
+      case kind::object:
+        return cell::set_pointer(to, kind::object, cell::pointer<object>(from)->clone());
       case kind::list:
         cell::set_box(to, kind::list, list());
         return later(to, from);
@@ -95,7 +106,7 @@ class copier {
     copy(to, from);
     const auto* const qualities = cell::qualities(from);
     if (!qualities || qualities->empty()) return;
-    auto& made = cell::qualities(to) = new xvar::qualities_map;
+    auto& made = cell::qualities(to) = make<xvar::qualities_map>();
     for (const auto& [key, value] : *qualities) copy(made->try_emplace(made->end(), key)->second, value);
   }
 

@@ -16,6 +16,7 @@
 #include "texto/numbers.hpp"
 #include "texto/utf.hpp"
 #include "values/cell.hpp"
+#include "values/object.hpp"
 
 namespace ruvo {
 
@@ -49,6 +50,7 @@ const kind_traits& traits_of(kind k) noexcept {
       {&typeid(std::wstring), true, false, false},
       {&typeid(binary), false, false, false},
       {&typeid(memo), false, false, false},
+      {nullptr, false, false, false},  // an object names its own
       {&typeid(list), false, false, false},
       {&typeid(bundle), false, false, false},
   };
@@ -173,6 +175,8 @@ void var::destroy() noexcept {
       return detail::unmake(cell::pointer<binary>(*this));
     case kind::memo:
       return detail::unmake(cell::pointer<memo>(*this));
+    case kind::object:
+      return cell::pointer<detail::object>(*this)->destroy();
     default:
       return detail::drop_tree(*this);
   }
@@ -212,7 +216,10 @@ auto with_text(const var& v, Use use) {
 
 }  // namespace
 
-const std::type_info* var::get_type() const noexcept { return detail::traits_of(data_.kind).type; }
+const std::type_info* var::get_type() const noexcept {
+  if (data_.kind == kind::object) return &cell::pointer<detail::object>(*this)->type();
+  return detail::traits_of(data_.kind).type;
+}
 
 var::operator const std::type_info*() const noexcept { return is_null() ? &typeid(var) : get_type(); }
 
@@ -236,6 +243,7 @@ bool var::empty() const {
       return true;
     case kind::binary:
     case kind::memo:
+    case kind::object:
       return to_string().empty();
     default:
       return cell::is_text(*this) && cell::text(*this).empty();
@@ -291,6 +299,9 @@ void append_text(std::wstring& out, const var& v) {
       return;
     case kind::memo:
       out += cell::pointer<memo>(v)->to_string();
+      return;
+    case kind::object:
+      out += cell::pointer<object>(v)->to_string();
       return;
     case kind::list:
       return append_text(out, cell::as_list(v));

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 #include "texto/ascii.hpp"
 #include "texto/utf.hpp"
@@ -29,12 +30,11 @@ bool keylowercase::operator()(const std::wstring& a, const std::wstring& b) cons
 }
 
 xvar::xvar(const xvar& other) : var(other) {
-  if (other.is_qualified()) qualities_ = new qualities_map(*other.qualities_);
+  if (other.is_qualified()) qualities_ = detail::make<qualities_map>(*other.qualities_);
 }
 
 void xvar::drop_qualities() noexcept {
-  delete qualities_;
-  qualities_ = nullptr;
+  if (qualities_) detail::unmake(std::exchange(qualities_, nullptr));
 }
 
 xvar& xvar::operator=(const xvar& other) {
@@ -105,7 +105,7 @@ const xvar::qualities_map& xvar::get_qualities() const noexcept {
 }
 
 xvar::qualities_map& xvar::hack_qualities() {
-  if (!qualities_) qualities_ = new qualities_map;
+  if (!qualities_) qualities_ = detail::make<qualities_map>();
   return *qualities_;
 }
 

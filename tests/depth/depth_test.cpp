@@ -3,6 +3,7 @@
 #include <ruvo/bundle.hpp>
 #include <ruvo/list.hpp>
 #include <ruvo/serializer.hpp>
+#include <ruvo/xml.hpp>
 
 #include <string>
 #include <utility>
@@ -13,6 +14,7 @@ using ruvo::bundle;
 using ruvo::list;
 using ruvo::xvar;
 using ruvo::serializer::json;
+using ruvo::serializer::xml;
 
 namespace {
 
@@ -66,6 +68,35 @@ TEST_P(nesting, costs_no_stack) {
 }
 
 INSTANTIATE_TEST_SUITE_P(shapes, nesting, testing::Range(0, 3));
+
+TEST(nesting_of_elements, costs_no_stack) {
+  for (const int attributed : {0, 1}) {
+    const std::wstring text =
+        repeated(attributed ? L"<k a=\"1\">" : L"<k>", levels) + L"t" + repeated(L"</k>", levels);
+    const std::wstring declaration = L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
+    bundle at_once, by_character;
+    ASSERT_FALSE(xml(true, false).deserialize(at_once, text));
+    ruvo::serializer::xml_reader reader;
+    ruvo::exception error;
+    reader.set_store(by_character);
+    for (const wchar_t c : text) reader.next_character(c, error);
+    EXPECT_TRUE(at_once == by_character);
+    for (const bool ordered : {true, false}) {
+      std::wstring out;
+      ASSERT_FALSE(xml(ordered, false).serialize(out, by_character));
+      EXPECT_TRUE(out == declaration + text);
+    }
+    list nested;
+    for (int i = 0; i < levels; ++i) {
+      list outer;
+      outer.push_back(std::move(nested));
+      nested = std::move(outer);
+    }
+    std::wstring out;
+    ASSERT_FALSE(xml(true, false).serialize(out, {{L"k", std::move(nested)}}));
+    EXPECT_EQ(out.size(), declaration.size() + 7 + std::size_t{levels} * 13);
+  }
+}
 
 TEST(nesting_by_hand, through_qualities) {
   list outer;

@@ -6,6 +6,7 @@
 #include <ruvo/list.hpp>
 #include <ruvo/memo.hpp>
 #include <ruvo/serializer.hpp>
+#include <ruvo/xml.hpp>
 
 #include <cstdlib>
 #include <functional>
@@ -51,6 +52,7 @@ using ruvo::bundle;
 using ruvo::list;
 using ruvo::xvar;
 using ruvo::serializer::json;
+using ruvo::serializer::xml;
 
 /// Runs `work` with a failure at each allocation in turn until it passes; returns how many allocations it
 /// has. `check` runs after each failure.
@@ -156,6 +158,69 @@ TEST_F(allocation, printing_writing_and_paths) {
   });
 }
 
+const std::wstring elements =
+    L"<?xml version=\"1.0\"?><pedido numero=\"2026-000123\" fecha=\"21-11-2026\"><cliente nif=\"00000000T\">"
+    L"Talleres Ejemplo &lt;del Norte&gt;</cliente><lineas><linea unidades=\"un atributo "
+    L"largo\"><articulo>Tornillo"
+    L" de cabeza hexagonal</articulo><precio>1.5</precio></linea><linea/><linea>otra linea "
+    L"larga</linea></lineas>"
+    L"<un_elemento_de_nombre_largo\n>x</un_elemento_de_nombre_largo\n></pedido>";
+
+TEST_F(allocation, reading_and_writing_xml) {
+  const long long allocations = fail_everywhere([&] {
+    xml x(true, false);
+    bundle b;
+    x.deserialize(b, elements);
+  });
+  EXPECT_GT(allocations, 20);
+  bundle order;
+  ASSERT_FALSE(xml(true, false).deserialize(order, elements));
+  std::wstring out, expected;
+  xml(true, true).serialize(expected, order);
+  fail_everywhere([&] {
+    xml fresh(true, true);
+    fresh.serialize(out, order);
+  });
+  EXPECT_EQ(out, expected);
+  // A writer or reader that failed works on as if it had not.
+  xml used(true, true);
+  fail_everywhere([&] { used.serialize(out, order); });
+  used.serialize(out, order);
+  xml second(true, true);
+  for (int i = 0; i < 2; ++i) second.serialize(expected, order);
+  EXPECT_EQ(out, expected);
+  fail_everywhere([&] {
+    bundle b;
+    used.deserialize(b, elements);
+  });
+}
+
+/// Elements that repeat are put into a list: what is there already must come through.
+TEST_F(allocation, becoming_a_list_loses_nothing) {
+  const std::wstring first =
+      L"<r><a q=\"a quality of some length\">a text of some length</a><b>another one, no shorter</b>";
+  for (long long n = 0;; ++n) {
+    ruvo::serializer::xml_reader reader;
+    bundle b;
+    ruvo::exception error;
+    reader.set_store(b);
+    for (const wchar_t c : first) reader.next_character(c, error);
+    countdown = n;
+    bool failed = false;
+    try {
+      for (const wchar_t c : {L'<', L'a', L'>'}) reader.next_character(c, error);
+    } catch (const std::bad_alloc&) {
+      failed = true;
+    }
+    countdown = -1;
+    const std::wstring text = b.to_string();
+    EXPECT_NE(text.find(L"\"a\":\"a text of some length\""), text.npos) << n;
+    EXPECT_NE(text.find(L"\"b\":\"another one, no shorter\""), text.npos) << n;
+    if (!failed) break;
+    ASSERT_LT(n, 1000);
+  }
+}
+
 TEST_F(allocation, nothing_is_left_behind) {
   const auto work = [&] {
     bundle b;
@@ -163,6 +228,10 @@ TEST_F(allocation, nothing_is_left_behind) {
     const bundle copy(b);
     std::wstring out;
     json(false, true, true).serialize(out, copy);
+    bundle e;
+    xml x(false, true);
+    x.deserialize(e, elements);
+    x.serialize(out, e);
   };
   fail_everywhere(work);
   work();

@@ -1,0 +1,15 @@
+// Reading XML: at once and character by character agree in the store and in the error.
+
+#include "fuzz.hpp"
+#include "support/xml_outcome.hpp"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  if (size > 4096) return 0;  // the comparison copies level by level
+  const std::wstring text = fuzz::wide(data, size);
+  ruvo::serializer::xml reader(true, false);
+  const xml_outcome::outcome at_once = xml_outcome::read_at_once(reader, text);
+  FUZZ_CHECK(at_once == xml_outcome::read_by_character(text));
+  // A reader that failed reads the next text like a fresh one.
+  FUZZ_CHECK(at_once == xml_outcome::read_at_once(reader, text));
+  return 0;
+}

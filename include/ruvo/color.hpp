@@ -1,0 +1,203 @@
+#pragma once
+
+// ruvo::color, one colour in three forms: components, HSL and HTML text.
+
+#include <ruvo/api.hpp>
+#include <ruvo/fwd.hpp>
+
+#include <concepts>
+#include <iosfwd>
+#include <string>
+#include <type_traits>
+
+namespace ruvo {
+
+/// Components of 0-255, alpha of 0.0 (transparent) to 1.0 (opaque).
+struct KESTA_API RGBAColor {
+  RGBAColor(unsigned r, unsigned g, unsigned b, float a) noexcept : red(r), green(g), blue(b), alpha(a) {}
+
+  unsigned red, green, blue;
+  float alpha;
+};
+
+/// Hue in degrees, saturation and luminosity of 0.0 to 1.0.
+struct KESTA_API HSLColor {
+  HSLColor(float h, float s, float l) noexcept : hue(h), saturation(s), luminosity(l) {}
+
+  float hue, saturation, luminosity;
+};
+
+/// A colour. Whatever sets one of its forms computes the other two, in 32-bit floating point and truncating,
+/// so a way there and back may end a step lower. Nothing here fails.
+///
+/// Components and alpha are stored as given; beyond 255 only their low eight bits show in the text and in
+/// HSL. Whatever goes through HSL makes the colour opaque, keeps the hue in [0, 360), and stores saturation
+/// and luminosity as given.
+class KESTA_API color {
+ public:
+  static const unsigned MIN_SCALE = 0, MAX_SCALE = 255;        ///< Range of a component.
+  static const unsigned INT_TRASPARENT = 0, INT_OPAQUE = 255;  ///< Range of an integer alpha.
+  static const float TRASPARENTE, OPACO;                       ///< Range of alpha: 0.0 and 1.0.
+
+  // HTML texts. Strings of the DLL, made when it is loaded.
+  static const std::wstring RED, BLUE, GREEN, WHITE, BLACK, YELLOW, MAGENTA, CYAN, SILVER, GRAY, TRANS, GOLD,
+      ORANGE, MAROON, FUCHSIA, PURPLE, OLIVE, LIME, AQUA, TEAL, TURQUOISE, NAVY, INDIGO, PURPLEREBECCA, PINK,
+      MOCHA, SALMON, LAVENDER, BRICK;
+  /// @quirk TURQUESA is TEAL, not TURQUOISE: stored documents count on it.
+  static const std::wstring ROJO, AZUL, VERDE, BLANCO, NEGRO, AMARILLO, CIAN, ORO, NARANJA, BURDEOS, FUCSIA,
+      PURPURA, OLIVA, LIMA, TURQUESA, AZULMARINO, PURPURAREBECA, ROSA, MOCA, LAVANDA, LADRILLO;
+  static const std::wstring MALDREK_PRIMARY, MALDREK_SECONDARY, MALDREK_ACCENT, MALDREK_DARK,
+      MALDREK_FONT_PRIMARY, MALDREK_FONT_SECONDARY, MALDREK_FONT_ACCENT, MALDREK_FONT_DARK;
+
+  color();  ///< Opaque white.
+  color(const color& other);
+  color(color&& other) noexcept;
+  virtual ~color();
+  color(const RGBAColor& components);
+  color(const HSLColor& hsl);
+  /// As set_color() of the text, over white. Narrow text is UTF-8; null gives the empty text.
+  color(const std::wstring& html);
+  color(const std::string& html);
+  color(const wchar_t* html);
+  color(const char* html);
+  color(int red, int green, int blue);
+  color(unsigned red, unsigned green, unsigned blue, unsigned alpha);  ///< Alpha of 0-255.
+  color(unsigned red, unsigned green, unsigned blue, float alpha);
+  color(float hue, float saturation, float luminosity);
+  /// Components for other integers, HSL for double.
+  template <class T>
+  requires std::is_arithmetic_v<T> color(T first, T second, T third) : color() {
+    if constexpr (std::floating_point<T>)
+      set_color(settled(first), settled(second), settled(third));
+    else
+      set_color(settled(first), settled(second), settled(third), OPACO);
+  }
+  /// An integer alpha is one of 0-255, a floating one of 0.0-1.0.
+  template <class T>
+  requires std::is_arithmetic_v<T> color(unsigned red, unsigned green, unsigned blue, T alpha)
+      : color(red, green, blue, settled(alpha)) {}
+  /// As the assignment.
+  template <std::derived_from<var> V>
+  explicit color(const V& value) : color() {
+    *this = value;
+  }
+
+  color& operator=(const color& other);
+  color& operator=(color&& other) noexcept;
+  color& operator=(const RGBAColor& components);
+  color& operator=(const HSLColor& hsl);
+  color& operator=(const std::wstring& html);
+  color& operator=(const std::string& html);
+  color& operator=(const wchar_t* html);
+  color& operator=(const char* html);
+  /// From 0xRRGGBBAA.
+  color& operator=(unsigned packed);
+  template <std::integral T>
+  color& operator=(T packed) {
+    return *this = static_cast<unsigned>(packed);
+  }
+  /// Takes the colour that a var or xvar holds; null changes nothing, any other kind throws std::bad_cast.
+  color& operator=(const var& value);
+
+  color& set_red(unsigned value);
+  color& set_green(unsigned value);
+  color& set_blue(unsigned value);
+  color& set_alpha(float value);
+  color& set_integer_alpha(unsigned value);  ///< 255 is opaque.
+  color& set_hue(float degrees);             ///< Of any turn; what is not finite is 0.
+  color& set_saturation(float value);
+  color& set_luminosity(float value);
+  color& set_amount(unsigned hundredths);  ///< Step of ++ and --, in hundredths of luminosity.
+  color& set_color(unsigned red, unsigned green, unsigned blue, unsigned alpha);
+  color& set_color(unsigned red, unsigned green, unsigned blue, float alpha);
+  template <class T>
+  requires std::is_arithmetic_v<T> color& set_color(unsigned red, unsigned green, unsigned blue, T alpha) {
+    return set_color(red, green, blue, settled(alpha));
+  }
+  color& set_color(float hue, float saturation, float luminosity);
+  /// Stores the text. "#RRGGBB" makes the colour opaque; any text but that and "#AARRGGBB" leaves the
+  /// components as they are, names of colours too.
+  /// @quirk Eight digits are read alpha first, while the text made from components has alpha last: the own
+  /// text of a translucent colour does not read back.
+  color& set_color(const std::wstring& html);
+  color& set_color(const std::string& html);
+  color& set_color(const wchar_t* html);
+  color& set_color(const char* html);
+
+  unsigned get_red() const noexcept { return red_; }
+  unsigned get_green() const noexcept { return green_; }
+  unsigned get_blue() const noexcept { return blue_; }
+  float get_alpha() const noexcept { return alpha_; }
+  unsigned get_integer_alpha() const noexcept;  ///< Alpha x 255, truncated.
+  float get_hue() const noexcept { return hue_; }
+  float get_saturation() const noexcept { return saturation_; }
+  float get_luminosity() const noexcept { return luminosity_; }
+  unsigned get_amount() const noexcept { return amount_; }
+
+  /// The HTML text in upper case: "#RRGGBB", "#RRGGBBAA" for a translucent colour, or the text that was set.
+  std::wstring to_string() const;
+  operator std::wstring() const { return to_string(); }
+  operator RGBAColor() const noexcept { return {red_, green_, blue_, alpha_}; }
+  operator HSLColor() const noexcept { return {hue_, saturation_, luminosity_}; }
+  operator xvar() const;
+  /// 0xRRGGBBAA.
+  /// @quirk AA is alpha cut to an integer, 1 or 0, while the assignment reads it as of 255.
+  operator unsigned() const noexcept;
+
+  // New colours, by way of HSL.
+  color get_complementary() const;  ///< Opposite hue.
+  color get_dull() const;           ///< Saturation 0.
+  color get_intense() const;        ///< Saturation 1.
+  /// A very dark colour for a light one and the reverse, of the same hue.
+  color get_suggested_forecolor() const;
+  color get_suggested_backgroundcolor() const;
+  /// @quirk White, whatever the arguments.
+  color calculate_gradient(const color& other, float position) const;
+
+  bool is_dark() const noexcept { return luminosity_ < 0.4f; }
+  bool is_light() const noexcept { return luminosity_ > 0.6f; }
+  bool is_medium() const noexcept { return luminosity_ >= 0.4f && luminosity_ <= 0.6f; }
+
+  color& operator++();  ///< Darker by get_amount(), down to 0.
+  color& operator--();  ///< Lighter, up to 1.
+  color operator++(int);
+  color operator--(int);
+  color& operator+=(unsigned hundredths);  ///< Darker.
+  color& operator-=(unsigned hundredths);  ///< Lighter.
+  color& operator+=(float degrees);        ///< Turns the hue.
+  color& operator-=(float degrees);
+  color& operator+=(const color& other);  ///< Adds the components, up to 255; opaque.
+  /// @quirk Components wrap below 0.
+  color& operator-=(const color& other);
+  template <class T>
+  requires std::is_arithmetic_v<T> color& operator+=(T step) { return *this += settled(step); }
+  template <class T>
+  requires std::is_arithmetic_v<T> color& operator-=(T step) { return *this -= settled(step); }
+
+  // The stored texts are compared, case and all.
+  bool operator==(const color& other) const noexcept { return html_ == other.html_; }
+  bool operator<(const color& other) const noexcept { return html_ < other.html_; }
+
+ private:
+  // For numbers of other types than the operations name: what an integer and a floating number stand for.
+  template <class T>
+  static auto settled(T value) noexcept {
+    if constexpr (std::floating_point<T>)
+      return static_cast<float>(value);
+    else
+      return static_cast<unsigned>(value);
+  }
+
+  void commit(std::wstring&& html, unsigned red, unsigned green, unsigned blue, float alpha) noexcept;
+
+  unsigned red_ = MAX_SCALE, blue_ = MAX_SCALE, green_ = MAX_SCALE;
+  float alpha_ = 1;
+  std::wstring html_;
+  float hue_ = 0, saturation_ = 0, luminosity_ = 1;
+  unsigned amount_ = 10;
+};
+
+/// Writes to_string().
+KESTA_API std::wostream& operator<<(std::wostream& out, const color& value);
+
+}  // namespace ruvo

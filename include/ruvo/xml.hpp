@@ -1,0 +1,192 @@
+#pragma once
+
+// XML.
+//
+//   ruvo::serializer::xml xml(true, false);
+//   ruvo::bundle document;
+//   xml.deserialize(document, L"<pedido numero=\"7\"><cliente>Ana</cliente></pedido>");
+//   document.get_string(L"pedido.cliente");         // L"Ana"
+//   document[L"pedido"].get_quality(L"numero");     // L"7"
+//
+// An element becomes an entry with its name, its text a text, its attributes the qualities of the value.
+// Elements that repeat inside another make that one a list of bundles with one entry each. docs/XML.md tells
+// what is read, what is lost and what is refused.
+
+#include <ruvo/serializer.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ruvo::serializer {
+
+/// What the XML writers share: tags, lists and the text of values. Derived writers that override raw_value,
+/// raw_key or raw_bundle are asked for every value; nesting is then limited by the stack where raw_bundle is
+/// overridden.
+///
+/// The text is a declaration and one element for each member. @quirk No element encloses them.
+/// @quirk Keys become names as they stand: one with a blank makes text that is not XML.
+class KESTA_API xml_writer : public iwriter {
+ public:
+  xml_writer();
+  ~xml_writer() override;
+
+  /// Texts, memos and binaries without the blanks at their ends, escaped; all else as it prints.
+  /// @quirk & becomes "&&amp;" and the quotation mark "&qout;", which only this library's reader understands.
+  std::wstring raw_value(const xvar& value) override;
+  std::wstring& raw_key(std::wstring& key) override;
+  /// @quirk When tabulated, the second text of the same writer is indented by one tab.
+  bool write(std::wstring& out, const bundle& in, exception* err, int options) override;
+  /// Writes an element for each member. True when `result` now carries a failure.
+  virtual bool raw_bundle(std::wostringstream& out, const bundle& in, exception& result) = 0;
+
+ protected:
+  /// The qualities become attributes, but for those whose key begins with "__".
+  /// @quirk The quality "__schema__" is written before the name, with a colon, and only in the opening tag,
+  /// so that what is written that way is not read back.
+  void create_open_tag(std::wostringstream& out, const std::wstring& name,
+                       const xvar::qualities_map& qualities);
+  void create_close_tag(std::wostringstream& out, const std::wstring& name);
+  /// The text as an attribute holds it.
+  std::wstring raw_attribute(std::wstring text);
+  /// @quirk A bundle in the list is written without an element of its own, its qualities are lost; any other
+  /// value becomes an element "item".
+  bool raw_list(std::wostringstream& out, const list& in, exception& result);
+
+ private:
+  friend class xml_emitter;
+};
+
+/// Members in key order.
+class KESTA_API xml_ordered_writer : public xml_writer {
+ public:
+  xml_ordered_writer();
+  ~xml_ordered_writer() override;
+  bool raw_bundle(std::wostringstream& out, const bundle& in, exception& result) override;
+};
+
+/// Members in the order in which the bundle got them.
+class KESTA_API xml_unordered_writer : public xml_writer {
+ public:
+  xml_unordered_writer();
+  ~xml_unordered_writer() override;
+  bool raw_bundle(std::wostringstream& out, const bundle& in, exception& result) override;
+};
+
+/// Reads XML text; lenient, and in many places not as an XML processor would. Every value is a text. The open
+/// elements are the caller's; nothing is owned.
+///
+/// Failures: exc::xmlCachePointer (7002) for an end tag that is not that of the element whose text is being
+/// read, exc::xmlEmptyKey (7003) for an element whose name raw_key() makes empty, exc::xmlFalseKnot (7004)
+/// for an element inside a start tag that was not ended. Whatever else is malformed is passed over.
+///
+/// @quirk Inside a tag a blank must be followed by a whole attribute: <a />, <a > and </a > swallow what
+/// comes after them. Comments, CDATA sections and declarations end at the first "-->", "]]>" or ">", and a
+/// "[" makes a comment a CDATA section. The content of CDATA sections is dropped. Attributes are taken as
+/// they stand, without their backslashes. Of the entities only &lt; &gt; &apos; and the writer's own &qout;
+/// and &&amp; are understood.
+class KESTA_API xml_reader : public ireader {
+ public:
+  xml_reader();
+  ~xml_reader() override;
+  bool on_char(wchar_t c, exception& result) override;
+  /// For a text, the text without the blanks at its ends and with its entities resolved.
+  std::wstring raw_value(const xvar& value) override;
+  std::wstring& raw_key(std::wstring& key) override;
+  void reset() override;
+
+ private:
+  friend class xml;
+  friend struct xml_reading;
+
+  enum class state : std::int32_t {
+    start,
+    metadata,
+    tag,
+    key,
+    quality_key,
+    quality_value,
+    value,
+    comment,
+    cdata
+  };
+  enum class tag : std::int32_t { start, qualified_start, end, empty, qualified_empty };
+
+  struct open_node {
+    std::size_t name;  // where it begins in open_names_
+    xvar* value;
+  };
+
+  /// Resolves the entities.
+  static void unescape(std::wstring& out, std::wstring_view text);
+
+  void on_start(wchar_t c);
+  void on_metadata(wchar_t c);
+  void on_tag(wchar_t c, exception& result);
+  void on_key(wchar_t c, exception& result);
+  void on_tag_end(exception& result);
+  void on_quality_key(wchar_t c);
+  void on_quality_value(wchar_t c);
+  void on_value(wchar_t c);
+  void on_comment(wchar_t c);
+  void on_cdata(wchar_t c);
+  /// Comments and CDATA sections end at '>' behind two of `mark`, which are collected in name_text_.
+  void on_section(wchar_t c, wchar_t mark);
+
+  /// Makes the element that name_text_ names, if any, and forgets the name.
+  void create_element(exception& result);
+  /// The element that was opened last gets children.
+  void push_current();
+  /// Where an element with this name belongs; a value that was there before is gone.
+  xvar& place(std::wstring_view name);
+  /// How many children the innermost element may get: as many as the last one at its depth.
+  std::size_t expected_size() const noexcept;
+  static void become_list(xvar& repeated);
+  void store_quality();
+  void fix_value();
+  void close(std::wstring_view name, exception& result);
+  void clear_element() noexcept;
+  std::wstring_view innermost_name() const noexcept;
+  void pop_node() noexcept;
+
+  /// Takes as much as it can at once, with the outcome of on_char for each character, and returns the first
+  /// character that it leaves to on_char.
+  const wchar_t* take_tokens(const wchar_t* at, const wchar_t* end);
+
+  std::vector<open_node> open_nodes_;  // the outermost first
+  std::wstring open_names_;            // of all of them, one after the other
+  bool backslash_seen_ = false;
+  xvar* current_ = nullptr;  // the element whose start tag was read last, while it has no children
+  std::wstring current_key_;
+  tag tag_kind_ = tag::start;
+  std::wstring value_text_, name_text_, attribute_name_, attribute_value_;
+  wchar_t quote_ = L'\0';  // inside an attribute's value
+  state state_ = state::start;
+  std::wstring scratch_;
+  std::vector<std::uint32_t> sizes_;  // by depth, of the element completed last
+};
+
+/// Reads and writes XML. An object is used by one thread at a time and may be used again and again.
+class KESTA_API xml : public iserializer {
+ public:
+  xml(bool ordered, bool tabulated);
+  ~xml() override;
+  xml(const xml&) = delete;
+  xml& operator=(const xml&) = delete;
+
+  /// `options` is ignored.
+  bool serialize(std::wstring& out, const bundle& in, exception* err = nullptr, int options = 0) override;
+  /// Reads to the end whatever the text holds; of several failures the last one is reported and everything
+  /// else is kept. @quirk Of several outermost elements with one name only the last one stays.
+  bool deserialize(bundle& out, const std::wstring& in, exception* err = nullptr, int options = 0) override;
+
+ private:
+  std::unique_ptr<xml_reader> reader_;
+  std::unique_ptr<xml_writer> writer_;
+};
+
+}  // namespace ruvo::serializer

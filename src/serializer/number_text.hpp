@@ -1,0 +1,29 @@
+#pragma once
+
+// Numbers as every format writes them.
+
+#include <ruvo/var.hpp>
+
+#include "serializer/sink.hpp"
+#include "texto/numbers.hpp"
+#include "values/cell.hpp"
+
+namespace ruvo::serializer {
+
+/// What var::to_string gives for a number, without the string.
+inline void put_number(text_sink& out, const var& value) {
+  using detail::cell;
+  wchar_t* const to = out.room(texto::most_number_units);
+  wchar_t* end = nullptr;
+  if (cell::kind_of(value) == detail::kind::uxlong) {
+    end = texto::print_unsigned(to, static_cast<unsigned long long>(cell::integer(value)));
+  } else if (value.is_decimal()) {
+    end = texto::print_fixed(to, cell::real(value));
+  } else {
+    end = texto::print_integer(to, cell::integer(value));
+  }
+  if (!end) return out.put(value.to_string());
+  out.advance(end);
+}
+
+}  // namespace ruvo::serializer

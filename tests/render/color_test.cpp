@@ -1,0 +1,372 @@
+#include <ruvo/armonia.hpp>
+#include <ruvo/color.hpp>
+
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using ruvo::color;
+namespace armonia = ruvo::armonia;
+
+// --- the conversions once more, around a table of the six sectors of the hue
+
+struct rgb {
+  unsigned channel[3];
+  bool operator==(const rgb&) const = default;
+};
+struct hsl {
+  float hue, saturation, luminosity;
+};
+
+constexpr struct {
+  int full, part, none;  // channels: 0 red, 1 green, 2 blue
+} sectors[] = {{0, 1, 2}, {1, 0, 2}, {1, 2, 0}, {2, 1, 0}, {2, 0, 1}, {0, 2, 1}};
+
+rgb to_rgb(hsl in) {
+  const float chroma = in.saturation * (1.0f - std::abs(in.luminosity * 2.0f - 1.0f));
+  float within = in.hue / 60.0f;  // 0 to 2: up in even sectors, down in odd ones
+  const auto sector = static_cast<std::size_t>(within);
+  while (within >= 2.0f) within -= 2.0f;
+  const float part = chroma * (1.0f - std::abs(within - 1.0f)), base = in.luminosity - 0.5f * chroma;
+  const auto finish = [base](float value) {
+    const float scaled = (value + base) * 255.0f;
+    return scaled <= 0 ? 0u : scaled >= 255 ? 255u : static_cast<unsigned>(std::trunc(scaled));
+  };
+  rgb out{};
+  out.channel[sectors[sector].full] = finish(chroma);
+  out.channel[sectors[sector].part] = finish(part);
+  out.channel[sectors[sector].none] = finish(0.0f);
+  return out;
+}
+
+hsl to_hsl(rgb in) {
+  float part[3];
+  for (int n = 0; n < 3; ++n) part[n] = static_cast<float>(in.channel[n]) / 255.0f;
+  int top = 0;
+  float low = part[0];
+  for (int n = 1; n < 3; ++n) {
+    if (part[n] > part[top]) top = n;
+    if (part[n] < low) low = part[n];
+  }
+  const float spread = part[top] - low, sum = part[top] + low, half = sum * 0.5f;
+  if (in.channel[0] == in.channel[1] && in.channel[1] == in.channel[2]) return {0, 0, half};
+  float hue = ((part[(top + 1) % 3] - part[(top + 2) % 3]) / spread + static_cast<float>(2 * top)) * 60.0f;
+  if (hue < 0) hue = hue + 360.0f;
+  return {hue, spread / (half > 0.5f ? 2.0f - part[top] - low : sum), half};
+}
+
+rgb channels(const color& c) { return {{c.get_red(), c.get_green(), c.get_blue()}}; }
+hsl hsl_of(const color& c) { return {c.get_hue(), c.get_saturation(), c.get_luminosity()}; }
+
+std::wstring text_of(rgb in, const char* tail = "") {
+  char text[16];
+  std::snprintf(text, sizeof text, "#%02X%02X%02X%s", in.channel[0], in.channel[1], in.channel[2], tail);
+  return std::wstring(text, text + std::char_traits<char>::length(text));
+}
+
+/// Whether all forms of an opaque colour agree with its components.
+void expect_opaque(const color& c, rgb components, hsl forms) {
+  const std::wstring name = text_of(components);
+  const std::string shown(name.begin(), name.end());
+  EXPECT_EQ(c.to_string(), name);
+  EXPECT_EQ(channels(c), components) << shown;
+  EXPECT_EQ(c.get_alpha(), 1.0f) << shown;
+  EXPECT_EQ(c.get_hue(), forms.hue) << shown;
+  EXPECT_EQ(c.get_saturation(), forms.saturation) << shown;
+  EXPECT_EQ(c.get_luminosity(), forms.luminosity) << shown;
+}
+
+void expect_from_hsl(const color& c, hsl forms) {
+  if (forms.hue >= 360) forms.hue -= 360;
+  if (forms.hue < 0) forms.hue += 360;
+  if (forms.hue == 360) forms.hue = 0;  // the sum was rounded up
+  expect_opaque(c, to_rgb(forms), forms);
+}
+
+template <class Use>
+void for_each_rgb(unsigned step, Use use) {
+  for (unsigned r = 0; r <= 255; r += step)
+    for (unsigned g = 0; g <= 255; g += step)
+      for (unsigned b = 0; b <= 255; b += step) use(rgb{{r, g, b}});
+}
+
+// --- sweeps
+
+TEST(Color, EveryWayInGivesTheSameForms) {
+  for_each_rgb(15, [](rgb in) {
+    const auto [r, g, b] = in.channel;
+    const hsl forms = to_hsl(in);
+    const std::wstring text = text_of(in);
+    expect_opaque(color(static_cast<int>(r), static_cast<int>(g), static_cast<int>(b)), in, forms);
+    expect_opaque(color(text), in, forms);
+    expect_opaque(color(std::string(text.begin(), text.end())), in, forms);
+    expect_opaque(color(ruvo::RGBAColor(r, g, b, 1.0f)), in, forms);
+    color packed;
+    packed = r << 24 | g << 16 | b << 8 | 255u;
+    expect_opaque(packed, in, forms);
+    EXPECT_EQ(static_cast<unsigned>(packed), r << 24 | g << 16 | b << 8 | 1u);
+    expect_opaque(color(color::ORO).set_blue(b).set_red(r).set_green(g), in, forms);
+  });
+}
+
+TEST(Color, DerivedColoursAndHarmonies) {
+  for_each_rgb(17, [](rgb in) {
+    const color c(in.channel[0], in.channel[1], in.channel[2], 0.5f);
+    const auto [h, s, l] = to_hsl(in);
+    const auto turned = [h = h, s = s, l = l](float degrees) { return hsl{h + degrees, s, l}; };
+    expect_from_hsl(c.get_complementary(), turned(180));
+    expect_from_hsl(c.get_dull(), {h, 0, l});
+    expect_from_hsl(c.get_intense(), {h, 1, l});
+    const hsl contrast{h, s, l > 0.5f ? 0.05f : 0.95f};
+    expect_from_hsl(c.get_suggested_forecolor(), contrast);
+    expect_from_hsl(c.get_suggested_backgroundcolor(), contrast);
+
+    const auto expect_trio = [&turned](const auto& three, float degrees) {
+      expect_from_hsl(three.get_left(), turned(-degrees));
+      expect_from_hsl(three.get_center(), turned(0));
+      expect_from_hsl(three.get_right(), turned(degrees));
+    };
+    expect_trio(armonia::analogues(c), 30);
+    expect_trio(armonia::neutral(c), 15);
+    expect_trio(armonia::triadic(c), 120);
+    const armonia::tetradic four(c);
+    expect_from_hsl(four.get_primary(), turned(0));
+    expect_from_hsl(four.get_primary_complementary(), turned(180));
+    expect_from_hsl(four.get_secondary(), turned(60));
+    expect_from_hsl(four.get_secondary_complementary(), turned(240));
+  });
+}
+
+TEST(Color, EveryHue) {
+  for (int tenth = -7200; tenth <= 7200; ++tenth) {
+    const float degrees = static_cast<float>(tenth) / 10.0f;
+    hsl in{static_cast<float>(std::fmod(degrees, 360.0f)), 0.75f, 0.4f};
+    if (in.hue < 0) in.hue += 360.0f;
+    expect_from_hsl(color(degrees, 0.75f, 0.4f), in);
+    color turned = color(0.0f, 0.75f, 0.4f) += degrees;
+    expect_from_hsl(turned, in);
+  }
+}
+
+TEST(Color, SaturationAndLuminosity) {
+  for (float s = 0; s <= 1; s += 0.0625f)
+    for (float l = 0; l <= 1; l += 0.03125f)
+      for (float h = 0; h < 360; h += 7.5f) {
+        expect_from_hsl(color(ruvo::HSLColor(h, s, l)), {h, s, l});
+        expect_from_hsl(color().set_hue(h).set_saturation(s).set_luminosity(l), {h, s, l});
+      }
+}
+
+// Complementary colours that come out otherwise when a step is computed in 64 bits; from another program.
+TEST(Color, ArithmeticOf32Bits) {
+  const struct {
+    const std::wstring& html;
+    rgb complementary;
+  } rows[] = {{color::GOLD, {{0, 40, 255}}},
+              {color::ORANGE, {{0, 89, 255}}},
+              {color::TURQUOISE, {{223, 64, 80}}},
+              {color::INDIGO, {{54, 130, 0}}},
+              {color::PURPLEREBECCA, {{102, 153, 50}}},
+              {color::PINK, {{191, 255, 243}}},
+              {color::SALMON, {{114, 236, 250}}},
+              {color::MALDREK_PRIMARY, {{194, 97, 28}}},
+              {color::MALDREK_ACCENT, {{203, 50, 28}}},
+              {color::MALDREK_FONT_ACCENT, {{133, 31, 18}}}};
+  for (const auto& row : rows) EXPECT_EQ(channels(color(row.html).get_complementary()), row.complementary);
+}
+
+// --- texts, packed numbers, alpha
+
+TEST(Color, Texts) {
+  const color red(L"#80FF0000");
+  EXPECT_EQ(channels(red), (rgb{{255, 0, 0}}));
+  EXPECT_EQ(red.get_alpha(), 128 / 255.0f);
+  EXPECT_EQ(red.get_integer_alpha(), 128u);
+  EXPECT_EQ(red.to_string(), L"#80FF0000");
+
+  const color lower(L"#a0b0c0");
+  EXPECT_EQ(lower.to_string(), L"#A0B0C0");
+  EXPECT_FALSE(lower == color(0xA0, 0xB0, 0xC0));  // the stored texts differ
+  EXPECT_TRUE(color(0xA0, 0xB0, 0xC0) < lower);
+  EXPECT_TRUE(color(color::TURQUESA) == color(color::TEAL));
+  EXPECT_EQ(color(L"#10203040").set_color(L"#102030").get_alpha(), 1.0f);
+  std::wostringstream out;
+  out << lower << std::wstring(color(1, 2, 3));
+  EXPECT_EQ(out.str(), L"#A0B0C0#010203");
+}
+
+TEST(Color, BadTextsAreStoredAndChangeNothingElse) {
+  const std::wstring bad[] = {L"",
+                              L"#",
+                              L"#FFF",
+                              L"FF0000",
+                              L"FF00000",
+                              L"#GG0000",
+                              L"#12345",
+                              L"#1234567",
+                              L"#12 456",
+                              L"#-12345",
+                              L"#0x1234",
+                              L"ROJO",
+                              L"#12345678 ",
+                              L"#１２３４５６",
+                              L"#12345\xD83D",
+                              L"\uFEFF#12345",
+                              std::wstring(7, L'\0'),
+                              std::wstring(1000000, L'#')};
+  for (const std::wstring& text : bad) {
+    color c = color(10u, 20u, 30u, 0.5f).set_amount(7);
+    const hsl before = hsl_of(c);
+    c = text;
+    EXPECT_EQ(channels(c), (rgb{{10, 20, 30}}));
+    EXPECT_EQ(c.get_alpha(), 0.5f);
+    EXPECT_EQ(c.get_hue(), before.hue);
+    EXPECT_EQ(c.get_amount(), 7u);
+    EXPECT_EQ(c.to_string().size(), text.size());
+    EXPECT_TRUE(c == color(text));
+  }
+  EXPECT_EQ(color(static_cast<const char*>(nullptr)).to_string(), L"");
+  EXPECT_EQ(color("#12345\xC3").to_string(), L"#12345\uFFFD");  // seven characters
+  EXPECT_EQ(color(L"rojo").to_string(), L"ROJO");
+}
+
+TEST(Color, AlphaAndPackedNumbers) {
+  EXPECT_EQ(static_cast<unsigned>(color(255, 0, 0, 0.5f)), 0xFF000000u);
+  EXPECT_EQ(static_cast<unsigned>(color(color::RED)), 0xFF000001u);
+  color packed;
+  packed = 0x11223380;
+  EXPECT_EQ(packed.to_string(), L"#11223380");
+  EXPECT_EQ(packed.get_alpha(), 128 / 255.0f);
+  for (unsigned alpha = 0; alpha <= 255; ++alpha) {
+    char digits[4];
+    const float exact = static_cast<float>(alpha) / 255.0f;
+    const color c = color(1u, 2u, 3u, 1.0f).set_integer_alpha(alpha);
+    EXPECT_EQ(c.get_alpha(), exact);
+    EXPECT_EQ(c.get_integer_alpha(), static_cast<unsigned>(exact * 255.0f));
+    EXPECT_TRUE(c == color(1, 2, 3, alpha) && c == color(1, 2, 3, exact));
+    std::snprintf(digits, sizeof digits, "%02X", c.get_integer_alpha());
+    EXPECT_EQ(c.to_string(), text_of({{1, 2, 3}}, alpha < 255 ? digits : ""));
+    EXPECT_EQ(color(c).set_luminosity(0.5f).get_alpha(), 1.0f);
+  }
+}
+
+// --- the questions and steps
+
+TEST(Color, Default) {
+  const color c;
+  expect_opaque(c, {{255, 255, 255}}, {0, 0, 1});
+  EXPECT_EQ(c.get_amount(), 10u);
+  EXPECT_TRUE(color(color::ROJO).calculate_gradient(color(color::AZUL), 0.5f) == c);
+}
+
+TEST(Color, DarkMediumLight) {
+  const struct {
+    float luminosity;
+    bool dark, medium, light;
+  } rows[] = {{0.0f, true, false, false}, {std::nextafter(0.4f, 0.0f), true, false, false},
+              {0.4f, false, true, false}, {0.6f, false, true, false},
+              {1.0f, false, false, true}, {std::nextafter(0.6f, 1.0f), false, false, true}};
+  for (const auto& row : rows) {
+    const color c(0.0f, 0.0f, row.luminosity);
+    EXPECT_EQ(c.is_dark(), row.dark) << row.luminosity;
+    EXPECT_EQ(c.is_medium(), row.medium) << row.luminosity;
+    EXPECT_EQ(c.is_light(), row.light) << row.luminosity;
+  }
+}
+
+TEST(Color, Steps) {
+  for (const float luminosity : {-2.0f, 0.0f, 0.05f, 0.1f, 0.5f, 0.95f, 1.0f}) {
+    for (const unsigned amount : {0u, 1u, 10u, 99u, 100u, 101u, 4294967295u}) {
+      const color start = color(200.0f, 0.5f, luminosity).set_amount(amount);
+      const float step = static_cast<float>(amount) / 100.0f;
+      const float darker = luminosity > step ? luminosity - step : 0.0f;
+      const float limited = luminosity + (amount < 100 ? step : 1.0f),
+                  lighter = limited < 1.0f ? limited : 1.0f;
+      color c = start;
+      EXPECT_TRUE(c++ == start);
+      expect_from_hsl(c, {200, 0.5f, darker});
+      expect_from_hsl(++color(start), {200, 0.5f, darker});
+      expect_from_hsl(color(start) += amount, {200, 0.5f, darker});
+      c = start;
+      EXPECT_TRUE(c-- == start);
+      expect_from_hsl(c, {200, 0.5f, lighter});
+      expect_from_hsl(--color(start), {200, 0.5f, lighter});
+      expect_from_hsl(color(start) -= amount, {200, 0.5f, lighter});
+      EXPECT_EQ(c.get_amount(), amount);
+    }
+  }
+  expect_from_hsl(color(200.0f, 0.5f, 0.5f) += 10, {200, 0.5f, 0.5f - 0.1f});  // an int is an amount
+  expect_from_hsl(color(200.0f, 0.5f, 0.5f) -= 210.0, {350, 0.5f, 0.5f});      // a double is an angle
+}
+
+TEST(Color, SumsAndDifferences) {
+  color c(200u, 100u, 0u, 0.25f);
+  c += color(100, 100, 0);
+  expect_opaque(c, {{255, 200, 0}}, to_hsl({{255, 200, 0}}));
+  c -= color(255u, 250u, 1u, 0.25f);
+  EXPECT_EQ(channels(c), (rgb{{0, 0u - 50, 0u - 1}}));
+  EXPECT_EQ(c.to_string(), L"#00CEFF");  // the low eight bits
+  EXPECT_EQ(c.get_hue(), to_hsl({{0, 0xCE, 0xFF}}).hue);
+  c += color(1, 1, 1);  // what wrapped is beyond the limit
+  EXPECT_EQ(channels(c), (rgb{{1, 255, 255}}));
+}
+
+TEST(Color, AnyNumberIsTaken) {
+  constexpr float inf = std::numeric_limits<float>::infinity(), nan = std::numeric_limits<float>::quiet_NaN();
+  std::mt19937 random(20);
+  std::vector<float> odd = {inf,    -inf,    nan,      -0.0f, 1e-30f, -1e-30f,   1e30f,
+                            -1e30f, 3.4e38f, -3.4e38f, 2.0f,  -1.0f,  359.99999f};
+  for (int n = 0; n < 20; ++n) odd.push_back(std::uniform_real_distribution<float>(-1000, 1000)(random));
+  for (const float a : odd) {
+    for (const float b : odd) {
+      for (const float c : odd) {
+        const color made(a, b, c);
+        EXPECT_TRUE(made.get_hue() >= 0 && made.get_hue() < 360) << a;
+        EXPECT_LE(made.get_red() | made.get_green() | made.get_blue(), 255u);
+        EXPECT_TRUE(std::isnan(b) || made.get_saturation() == b);
+        EXPECT_EQ(made.to_string(), text_of(channels(made)));
+      }
+    }
+    const color translucent(300u, 0u, 0u, a);
+    EXPECT_EQ(translucent.get_red(), 300u);
+    EXPECT_EQ(translucent.get_luminosity(), color(44, 0, 0).get_luminosity());
+    EXPECT_EQ(translucent.to_string().size(), a < 1.0f ? 9u : 7u) << a;
+    EXPECT_TRUE(a > 0 || translucent.get_integer_alpha() == 0) << a;
+  }
+  EXPECT_EQ(color(0u, 0u, 0u, 2.0f).get_integer_alpha(), 510u);
+  EXPECT_EQ(color(0u, 0u, 0u, -1.0f).to_string(), L"#00000000");
+}
+
+// --- names
+
+TEST(Color, Names) {
+  const struct {
+    const std::wstring &english, &spanish;
+  } twins[] = {{color::RED, color::ROJO},       {color::BLUE, color::AZUL},
+               {color::GREEN, color::VERDE},    {color::WHITE, color::BLANCO},
+               {color::BLACK, color::NEGRO},    {color::YELLOW, color::AMARILLO},
+               {color::CYAN, color::CIAN},      {color::GOLD, color::ORO},
+               {color::ORANGE, color::NARANJA}, {color::MAROON, color::BURDEOS},
+               {color::FUCHSIA, color::FUCSIA}, {color::PURPLE, color::PURPURA},
+               {color::OLIVE, color::OLIVA},    {color::LIME, color::LIMA},
+               {color::TEAL, color::TURQUESA},  {color::NAVY, color::AZULMARINO},
+               {color::PINK, color::ROSA},      {color::PURPLEREBECCA, color::PURPURAREBECA},
+               {color::MOCHA, color::MOCA},     {color::LAVENDER, color::LAVANDA},
+               {color::BRICK, color::LADRILLO}};
+  for (const auto& twin : twins) EXPECT_EQ(twin.english, twin.spanish);
+  EXPECT_EQ(color::TURQUESA, L"#008080");
+  EXPECT_EQ(color::TURQUOISE, L"#40E0D0");
+  EXPECT_EQ(color::FUCHSIA, color::MAGENTA);
+  EXPECT_EQ(color::AQUA, color::CYAN);
+  EXPECT_EQ(color(color::TRANS).get_alpha(), color::TRASPARENTE);
+}
+
+}  // namespace

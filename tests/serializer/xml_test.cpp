@@ -1,0 +1,399 @@
+#include <ruvo/binary.hpp>
+#include <ruvo/bundle.hpp>
+#include <ruvo/exc.hpp>
+#include <ruvo/list.hpp>
+#include <ruvo/memo.hpp>
+#include <ruvo/serializer.hpp>
+#include <ruvo/texto.hpp>
+#include <ruvo/xml.hpp>
+
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/xml_outcome.hpp"
+
+using ruvo::bundle;
+using ruvo::list;
+using ruvo::xvar;
+using ruvo::serializer::xml;
+
+namespace {
+
+const std::wstring declaration = L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
+
+struct outcome {
+  bundle store;
+  ruvo::exception error;
+  bool failed;
+};
+
+outcome read(const std::wstring& text) {
+  outcome o;
+  o.failed = xml(true, false).deserialize(o.store, text, &o.error);
+  return o;
+}
+
+/// Without the declaration.
+std::wstring written(const bundle& b, bool ordered = true, bool tabulated = false) {
+  std::wstring text;
+  xml(ordered, tabulated).serialize(text, b);
+  EXPECT_TRUE(text.starts_with(declaration));
+  return text.substr(declaration.size());
+}
+
+TEST(xml_reader, reads) {
+  struct {
+    const char* name;
+    const wchar_t *text, *store;
+  } const rows[] = {
+      {"text", L"<a>1</a>", L"{\"a\":\"1\"}"},
+      {"siblings", L"<r><a>1</a><a>2</a></r>", L"{\"r\":[{\"a\":\"1\"},{\"a\":\"2\"}]}"},
+      {"after a repetition all is listed", L"<r><b>1</b><a>2</a><B>3</B><c>4</c></r>",
+       L"{\"r\":[{\"a\":\"2\"},{\"b\":\"1\"},{\"b\":\"3\"},{\"c\":\"4\"}]}"},
+      {"repetition of containers", L"<r><a><x>1</x></a><a><x>2</x><x>3</x></a></r>",
+       L"{\"r\":[{\"a\":{\"x\":\"1\"}},{\"a\":[{\"x\":\"2\"},{\"x\":\"3\"}]}]}"},
+      {"on top the last one stays", L"<a><x>1</x></a><a>2</a>", L"{\"a\":\"2\"}"},
+      {"declaration, comment", L"<?xml version=\"1.0\"?><!-- <b>x</b> --><a>1</a>", L"{\"a\":\"1\"}"},
+      {"comment beside text", L"<a>1<!-- x --></a>", L"{\"a\":\"1\"}"},
+      {"text behind a comment is lost", L"<a>1<!-- x -->2</a>", L"{\"a\":\"1\"}"},
+      {"CDATA is dropped", L"<a>1<![CDATA[ <b>x</b> ]]></a><c>2</c>", L"{\"a\":\"1\", \"c\":\"2\"}"},
+      {"more marks than two", L"<!-- x ---><a>1<![CDATA[ ]]]></a>", L"{\"a\":\"1\"}"},
+      {"a single > in a comment", L"<!-- a -> b > <x>1</x> --><a>1</a>", L"{\"a\":\"1\"}"},
+      {"bracket in a comment", L"<!-- [ --><a>1</a>]]><b>2</b>", L"{\"b\":\"2\"}"},
+      {"doctype", L"<!DOCTYPE a><a>1</a><!-- --><b>2</b>", L"{\"b\":\"2\"}"},
+      {"mixed text is lost", L"<r>x<a>1</a>y</r>", L"{\"r\":{\"a\":\"1\"}}"},
+      {"blanks around text", L"<a> \t\r\n 1 2\n</a>", L"{\"a\":\"1 2\"}"},
+      {"line breaks in tags", L"<\n a\n>1</a\n>", L"{\"a\":\"1\"}"},
+      {"entities", L"<a>&lt;b&gt; &apos;&qout;&&amp;lt;</a>", L"{\"a\":\"<b> '\\\"&lt;\"}"},
+      {"entities of XML", L"<a>&amp;&quot;&#65;</a>", L"{\"a\":\"&amp;&quot;&#65;\"}"},
+      {"empty elements", L"<r><a/><b></b><c x=\"1\"/></r>", L"{\"r\":{\"a\":\"\", \"b\":\"\", \"c\":\"\"}}"},
+      {"empty outermost element", L"<a/><b>1</b>", L"{\"a\":\"\", \"b\":\"1\"}"},
+      {"a blank before the end swallows", L"<a /><b>1</b><c x=\"2\">3</c>", L"{\"a\":\"3\"}"},
+      {"end tag with a blank", L"<r><a>1</a ><b x=\"1\"></b></r>", L"{\"r\":{\"a\":{\"a\":\"\"}}}"},
+      {"processing instruction inside", L"<r><?x?><b>1</b></r>", L"{\"r\":{\"?x?\":{\"b\":\"1\"}}}"},
+      {"line break before an attribute", L"<a\nx=\"1\">2</a>", L"{\"ax=\"1\"\":\"2\"}"},
+      {"nameless", L"<r><>1</r><a>2</a>", L"{\"a\":\"2\", \"r\":\"1\"}"},
+      {"nothing open", L"<>1</a></b><c>2</c>", L"{\"c\":\"2\"}"},
+      {"end tag too many", L"<r><a>1</a></x></r><b>2</b>", L"{\"b\":\"2\", \"r\":{\"a\":\"1\"}}"},
+      {"wrong order of ends", L"<r><a><b>1</b></r><c>2</c>", L"{\"r\":{\"a\":{\"b\":\"1\", \"c\":\"2\"}}}"},
+      {"cut inside text", L"<a>1</a><b>2", L"{\"a\":\"1\", \"b\":\"\"}"},
+      {"cut inside an end tag", L"<a>1</a", L"{\"a\":\"1\"}"},
+      {"cut inside a start tag", L"<r><a>1</a><b", L"{\"r\":{\"a\":\"1\"}}"},
+      {"cut inside an attribute", L"<a x=\"1", L"{\"a\":\"\"}"},
+      {"nothing", L"", L"{}"},
+      {"no tags", L"hello > you", L"{}"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    const outcome o = read(row.text);
+    EXPECT_EQ(o.store.to_string(), row.store);
+  }
+}
+
+TEST(xml_reader, attributes_become_qualities) {
+  struct {
+    const char* name;
+    const wchar_t *text, *qualities;
+  } const rows[] = {
+      {"as they stand", L"<a x=\" &lt;2&&amp; \">t</a>", L"x= &lt;2&&amp; ;"},
+      {"blanks around", L"<a  x = \"1\"\n y= \"2\"\t>t</a>", L"x=1;y=2;"},
+      {"no blank between", L"<a x=\"1\"y=\"2\">t</a>", L"x=1;"},
+      {"without quotes", L"<a x=1 y=2>t</a><a x=\"3\">t</a>", L"x=1y=2>t</a><ax=3;"},
+      {"quotes in the middle", L"<a x=1\"2\">t</a>", L"x=12;"},
+      {"single quotes", L"<a x='1'>t</a><b y=\"2\">", L"x='1'>t</a><by=2;"},
+      {"backslashes", L"<a x=\"1\\\\2\\n\">t</a>", L"x=12n;"},
+      {"blanks in names", L"<a x y=\"1\">t</a>", L"xy=1;"},
+      {"no name", L"<a =\"1\">t</a>", L"=1;"},
+      {"twice", L"<a Xy=\"1\" xY=\"2\">t</a>", L"Xy=2;"},
+      {"sorted", L"<a y=\"1\" x=\"2\">t</a>", L"x=2;y=1;"},
+      {"empty element", L"<a x=\"1\"/>", L"x=1;"},
+      {"of an element with children", L"<a x=\"1\"><b>2</b></a>", L"x=1;"},
+      {"on top a fresh start", L"<a x=\"1\">t</a><a y=\"2\">t</a>", L"y=2;"},
+      {"namespaces", L"<a xmlns:n=\"u\">t</a>", L"xmlns:n=u;"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    const outcome o = read(row.text);
+    EXPECT_FALSE(o.failed);
+    std::wstring qualities;
+    for (const auto& [key, value] : o.store.at(L"a").get_qualities())
+      qualities += key + L'=' + value.to_string() + L';';
+    EXPECT_EQ(qualities, row.qualities);
+  }
+  const bundle repeated = read(L"<r><a x=\"1\">t</a><a x=\"2\"><b/></a></r>").store;
+  const list items = [&] {
+    list l;
+    l = repeated.at(L"r");
+    return l;
+  }();
+  for (unsigned long n = 0; n < 2; ++n) {
+    bundle one;
+    one = items.at(n);
+    EXPECT_EQ(one.at(L"a").get_quality(L"x").to_string(), std::to_wstring(n + 1));
+  }
+}
+
+TEST(xml_reader, failures) {
+  struct {
+    const char* name;
+    const wchar_t* text;
+    unsigned code;
+    const wchar_t *message, *store;
+  } const rows[] = {
+      {"end tag of another element", L"<r><a>1</b></r>", 7002,
+       L"Lectura incorrecta cerca del caracter:11 en el nudo:1", L"{\"r\":{\"a\":\"1\"}}"},
+      {"end tag in another case", L"<A>1</a>", 7002, L"Lectura incorrecta cerca del caracter:8 en el nudo:0",
+       L"{\"a\":\"1\"}"},
+      {"end tag without a name", L"<a>1</>", 7002, L"Lectura incorrecta cerca del caracter:7 en el nudo:0",
+       L"{\"a\":\"1\"}"},
+      {"namespace in the opening tag only", L"<n:a>1</a>", 7002,
+       L"Lectura incorrecta cerca del caracter:10 en el nudo:0", L"{\"n:a\":\"1\"}"},
+      {"element inside a tag", L"<r><a x=\"1\"<b>2</a></r>", 7004,
+       L"Creación de un nodo con un elemento que tiene un valor asignado, para una clave vacía cerca del "
+       L"caracter:14 en el nudo:1",
+       L"{\"r\":{\"a\":\"2\"}}"},
+      {"empty element inside a tag", L"<r><a x=\"1\"<b/>2</a></r>", 7004,
+       L"Creación de un nodo con un elemento que tiene un valor asignado, para una clave vacía cerca del "
+       L"caracter:15 en el nudo:1",
+       L"{\"r\":{\"a\":\"\"}}"},
+      {"the last of two", L"<a>1</b><c>2</d>", 7002, L"Lectura incorrecta cerca del caracter:16 en el nudo:0",
+       L"{\"a\":\"1\", \"c\":\"2\"}"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    const outcome o = read(row.text);
+    EXPECT_TRUE(o.failed);
+    EXPECT_EQ(o.error.get_rango() * 1000 + o.error.get_code(), row.code);
+    EXPECT_EQ(o.error.get_mensaje(), row.message);
+    EXPECT_EQ(o.store.to_string(), row.store);
+  }
+  EXPECT_TRUE(xml(true, false).deserialize(*std::make_unique<bundle>(), L"<a>1</b>"));
+}
+
+/// Makes some names empty.
+struct refusing_reader : ruvo::serializer::xml_reader {
+  std::wstring& raw_key(std::wstring& key) override {
+    if (key == L"no") key.clear();
+    return key;
+  }
+};
+
+TEST(xml_reader, fed_by_hand) {
+  refusing_reader reader;
+  bundle b;
+  ruvo::exception error;
+  reader.reset();
+  reader.set_store(b);
+  for (const wchar_t c : std::wstring(L"<r><no>1</no><no/><a>2</a></r>")) reader.next_character(c, error);
+  EXPECT_EQ(error.get_rango() * 1000 + error.get_code(), 7003U);
+  EXPECT_EQ(error.get_mensaje(),
+            L"Solicitud de un nuevo elemento, para una clave vacía cerca del caracter:18 en el nudo:0");
+  EXPECT_EQ(reader.raw_value(L" &lt;1&&amp; "), L"<1&");
+  EXPECT_EQ(reader.raw_value(5), L"5");
+
+  ruvo::serializer::xml_reader storeless;
+  ruvo::exception none;
+  for (const wchar_t c : std::wstring(L"<a x=\"1\">t</a><b/>")) storeless.next_character(c, none);
+  EXPECT_TRUE(none.WRONG());
+}
+
+TEST(xml_reader, adds_to_what_is_there) {
+  bundle b = {{L"a", 1}, {L"b", 2}};
+  b[L"a"][L"q"] = 3;
+  xml x(true, false);
+  ruvo::exception error;
+  EXPECT_FALSE(x.deserialize(b, L"<a>x</a><c>y</c>", &error));
+  EXPECT_TRUE(error.OK());
+  EXPECT_EQ(b.to_string(), L"{\"a\":\"x\", \"b\":2, \"c\":\"y\"}");
+  EXPECT_FALSE(b[L"a"].is_qualified());
+  EXPECT_TRUE(x.deserialize(b, L"<r><a x=\"", &error) == false && x.deserialize(b, L"<d>z</d>") == false);
+  EXPECT_EQ(b.get_string(L"d"), L"z");
+}
+
+TEST(xml_writer, writes) {
+  xvar qualified = L"t";
+  qualified[L"y"] = 2;
+  qualified[L"X"] = L" <\"1\"> ";
+  qualified[L"__hidden"] = 3;
+  xvar prefixed = 1;
+  prefixed[L"__schema__"] = L"ns";
+  prefixed[L"z"] = L"";
+  xvar bundle_item = bundle{{L"k", 1}};
+  bundle_item[L"lost"] = 1;
+  struct {
+    const char* name;
+    bundle in;
+    const wchar_t* text;
+  } const rows[] = {
+      {"nothing", {}, L""},
+      {"scalars", {{L"b", L"x"}, {L"a", 1}}, L"<a>1</a><b>x</b>"},
+      {"kinds",
+       {{L"a", xvar()},
+        {L"b", true},
+        {L"c", 1.5},
+        {L"d", -7LL},
+        {L"e", 18446744073709551615ULL},
+        {L"f", L'<'}},
+       L"<a></a><b>1</b><c>1.500000</c><d>-7</d><e>18446744073709551615</e><f><</f>"},
+      {"escapes", {{L"a", L" \t&<>\"'x&amp; \n"}}, L"<a>&&amp;&lt;&gt;&qout;&apos;x&&amp;amp;</a>"},
+      {"memo and binary",
+       {{L"a", ruvo::memo(L" <m> ")}, {L"b", ruvo::binary(L" <b> ")}},
+       L"<a>&lt;m&gt;</a><b>&lt;b&gt;</b>"},
+      {"bundles", {{L"r", bundle{{L"b", 1}, {L"a", bundle()}}}}, L"<r><a></a><b>1</b></r>"},
+      {"list", {{L"k", list{1, 2}}}, L"<k><item>1</item><item>2</item></k>"},
+      {"lists in lists",
+       {{L"k", list{list{1, list{}}, xvar()}}},
+       L"<k><item><item>1</item><item></item></item><item></item></k>"},
+      {"list of bundles",
+       {{L"k", list{bundle{{L"a", 1}}, bundle_item, bundle()}}},
+       L"<k><a>1</a><k>1</k></k>"},
+      {"qualities", {{L"a", qualified}}, L"<a X=\"&lt;&qout;1&qout;&gt;\" y=\"2\">t</a>"},
+      {"of an item", {{L"k", list{qualified}}}, L"<k><item X=\"&lt;&qout;1&qout;&gt;\" y=\"2\">t</item></k>"},
+      {"schema", {{L"a", prefixed}}, L"<ns:a z=\"\">1</a>"},
+      {"keys as they stand", {{L"a b<", 1}, {L"", 2}}, L"<>2</><a b<>1</a b<>"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    EXPECT_EQ(written(row.in), row.text);
+  }
+  EXPECT_EQ(written({{L"b", 1}, {L"a", bundle{{L"d", 2}, {L"c", 3}}}}, false),
+            L"<b>1</b><a><d>2</d><c>3</c></a>");
+}
+
+TEST(xml_writer, tabulated) {
+  const bundle in = {{L"a", 1},
+                     {L"b", bundle{{L"c", 2}, {L"d", list{3, list{4}}}}},
+                     {L"e", list{bundle{{L"f", 5}}, bundle{{L"g", 6}}}}};
+  std::wstring text;
+  xml x(true, true);
+  x.serialize(text, in);
+  EXPECT_EQ(text, declaration +
+                      L"\n"
+                      L"<a>1</a>\n"
+                      L"<b>\n"
+                      L"\t<c>2</c>\n"
+                      L"\t<d>\n"
+                      L"\t\t<item>3</item>\n"
+                      L"\t\t<item>\t\t\t<item>4</item>\n"
+                      L"</item>\n"
+                      L"\t</d>\n"
+                      L"</b>\n"
+                      L"<e>\n"
+                      L"\t\t<f>5</f>\n"
+                      L"\t\t\t<g>6</g>\n"
+                      L"\t</e>\n");
+  x.serialize(text, {{L"a", 1}});
+  EXPECT_EQ(text, declaration + L"\n\t<a>1</a>\n");  // the first push of a writer's life only
+}
+
+/// Writes in its own way what the base classes leave to it.
+struct shouting_writer : ruvo::serializer::xml_ordered_writer {
+  std::wstring raw_value(const xvar& value) override { return xml_ordered_writer::raw_value(value) + L"!"; }
+  std::wstring& raw_key(std::wstring& key) override { return key += L'_'; }
+  bool raw_bundle(std::wostringstream& out, const bundle& in, ruvo::exception& result) override {
+    out << L"(" << in.size() << L")";
+    return xml_ordered_writer::raw_bundle(out, in, result);
+  }
+  std::wstring pieces() {
+    std::wostringstream out;
+    ruvo::exception result;
+    xvar value;
+    value[L"q"] = L"<";
+    create_open_tag(out, L"n", value.get_qualities());
+    EXPECT_FALSE(raw_list(out, list{1}, result));
+    create_close_tag(out, L"n");
+    return out.str() + raw_attribute(L" \" ");
+  }
+};
+
+TEST(xml_writer, derived_writers_are_asked) {
+  shouting_writer writer;
+  std::wstring text;
+  EXPECT_FALSE(writer.write(text, {{L"a", bundle{{L"b", 1}}}, {L"c", list{2, bundle{{L"d", 3}}, list{}}}},
+                            nullptr, 0));
+  EXPECT_EQ(text, declaration +
+                      L"(2)<a_>(1)<b_>1!</b_></a_>"
+                      L"<c_><item>2!</item>(1)<d_>3!</d_><item></item></c_>");
+  EXPECT_EQ(writer.pieces(), L"<n q=\"&lt;\"><item>1!</item></n>&qout;");
+}
+
+TEST(xml, there_and_back) {
+  const std::wstring text =
+      L"<pedido fecha=\"21-11-2026\" numero=\"7\"><cliente nif=\"00000000T\">Pe&apos;a &&amp; Hijos</cliente>"
+      L"<lineas><linea n=\"1\"><precio>1.5</precio></linea><linea n=\"2\"><precio>2</precio></linea></lineas>"
+      L"</pedido>";
+  const outcome o = read(text);
+  EXPECT_FALSE(o.failed);
+  EXPECT_EQ(o.store.get_string(L"pedido.cliente"), L"Pe'a & Hijos");
+  EXPECT_EQ(written(o.store), text);
+  EXPECT_EQ(written(o.store, false), text);
+  EXPECT_EQ(written(read(declaration + text).store), text);
+  EXPECT_EQ(xml_outcome::text_of(read(written(o.store, true, true)).store), xml_outcome::text_of(o.store));
+}
+
+// --- the page
+
+/// The rows of the tables of docs/XML.md by section: what stands in the first two columns.
+class xml_page : public testing::Test {
+ protected:
+  struct row {
+    std::wstring given, result;
+  };
+  static std::vector<row> rows(const std::wstring& section) {
+    std::ifstream in(KESTA_SOURCE_DIR "/docs/XML.md", std::ios::binary);
+    std::istringstream page(std::string{std::istreambuf_iterator<char>(in), {}});
+    std::vector<row> found;
+    bool inside = false;
+    for (std::string line; std::getline(page, line);) {
+      const std::wstring wide = ruvo::texto::to_utf_16(line);
+      if (wide.starts_with(L"## ")) inside = wide.substr(3, section.size()) == section;
+      if (!inside || !wide.starts_with(L"| `")) continue;
+      const std::size_t first_end = wide.find(L"` | `"), second_end = wide.find(L"` | ", first_end + 5);
+      EXPECT_NE(second_end, wide.npos) << testing::PrintToString(wide);
+      found.push_back(
+          {wide.substr(3, first_end - 3), wide.substr(first_end + 5, second_end - first_end - 5)});
+    }
+    EXPECT_GE(found.size(), 3U) << testing::PrintToString(section);
+    return found;
+  }
+};
+
+TEST_F(xml_page, reading) {
+  for (const wchar_t* const section : {L"What is read", L"What is lost", L"Where XML is read otherwise"})
+    for (const row& r : rows(section)) EXPECT_EQ(read(r.given).store.to_string(), r.result);
+}
+
+TEST_F(xml_page, attributes) {
+  for (const row& r : rows(L"Attributes")) {
+    std::wstring shown;
+    const outcome o = read(r.given);
+    for (const auto& [key, value] : o.store.at(L"a").get_qualities())
+      shown += (shown.empty() ? L"" : L"; ") + key + L'=' + value.to_string();
+    EXPECT_EQ(shown, r.result);
+  }
+}
+
+TEST_F(xml_page, failures) {
+  for (const row& r : rows(L"What is refused")) {
+    const ruvo::exception error = read(r.given).error;
+    EXPECT_EQ(std::to_wstring(error.get_rango() * 1000 + error.get_code()) + L' ' + error.get_mensaje(),
+              r.result);
+  }
+}
+
+TEST_F(xml_page, writing) {
+  for (const row& r : rows(L"What is written")) {
+    bundle b;
+    EXPECT_FALSE(ruvo::serializer::json().deserialize(b, r.given));
+    EXPECT_EQ(written(b), r.result);
+  }
+  for (const row& r : rows(L"There and back")) EXPECT_EQ(written(read(r.given).store), r.result);
+}
+
+}  // namespace
