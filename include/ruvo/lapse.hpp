@@ -56,8 +56,8 @@ class KESTA_API lapse {
   /// Formats hold the conversions a A b B c d e F H I j m M p R S T u w x X y Y z Z %. Fields must be in
   /// their range and days exist in their month. Fields that the format lacks are those of 1970-01-01
   /// 00:00:00. Names are read in `locale` ("es_ES", "es-ES"; English for "C" and names the system does not
-  /// know); an empty one means the locale of the thread's context. `y` means 1969 to 2068; `z` sets the
-  /// instant whatever the mode.
+  /// know); an empty one means the locale of the thread's context. `y` means 1969 to 2068; `H` goes before
+  /// `I`; `z` sets the instant whatever the mode.
   bool parse(const std::wstring& text, const std::wstring& format, exception& err,
              const std::string& locale = {});
   bool parse(const std::wstring& text, const std::string& format, exception& err,
