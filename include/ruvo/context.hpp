@@ -55,8 +55,8 @@ class KESTA_API context {
   virtual std::wstring uuid_short(int n) const;
 
   /// Seconds since 1970 to a calendar record and back, in the proleptic Gregorian calendar, before 1970 too.
-  /// False on failure, when the year does not fit the record. Fields out of their range are normalised; the
-  /// record's tm_isdst is not read, and its other fields are left as they are.
+  /// False on failure, when the year does not fit the record; `err` may be null. Fields out of their range
+  /// are normalised; the record's tm_isdst is not read, and its other fields are left as they are.
   virtual bool sistem_gmt_time(std::tm* record, long long seconds, exception* err) const;
   /// Local time follows the system's rules for the year. Of the two instants that a repeated hour names the
   /// first is taken; an hour that a clock change skips is moved on by the length of the change.

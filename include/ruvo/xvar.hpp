@@ -70,7 +70,8 @@ class KESTA_API xvar : public var {
   xvar(const char* value) : var(value) {}
   /// From a class that converts to xvar, whatever else it converts to.
   template <detail::converts_to_xvar T>
-  explicit xvar(T&& value) : xvar(static_cast<T&&>(value).operator xvar()) {}
+  explicit xvar(T&& value)  // NOLINT(bugprone-forwarding-reference-overload): an xvar does not convert so
+      : xvar(static_cast<T&&>(value).operator xvar()) {}
 
   /// Replaces the value and merges the qualities: those of `other` are assigned to this object's, those that
   /// `other` lacks stay.
