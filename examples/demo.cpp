@@ -1,5 +1,6 @@
 // The whole way of a document: an application boots, a worker thread checks in, reads JSON files into
 // bundles, takes typed values out of them by path, builds an answer and writes it in three ways, and as XML.
+// Log entries tell what happens when.
 //
 //   demo FILE.json...
 //
@@ -12,10 +13,7 @@
 #include <cmath>
 #include <cstdio>
 #include <exception>
-#include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <optional>
 #include <string>
 #include <thread>
@@ -54,14 +52,21 @@ void show(const std::wstring& name, const ruvo::exception& failure) {
                  std::to_wstring(failure.get_rango()) + L": " + failure.get_mensaje());
 }
 
+/// Entries of the log between the other lines.
+class log_on_screen : public ruvo::IOnLog {
+ public:
+  void on_log(long level, const std::wstring& second, const std::wstring& first) override {
+    say(ruvo::reg::time_stamp() + L" " + ruvo::reg::level_name(level) + L" " + first + L": " + second);
+  }
+};
+
 // --- reading
 
-std::wstring read_file(const std::wstring& name) {
-  std::ifstream in(std::filesystem::path(name), std::ios::binary);
-  if (!in) throw ruvo::exc::fileNotFound(name);
-  std::string bytes{std::istreambuf_iterator<char>(in), {}};
-  ruvo::texto::remove_win_bom(bytes);
-  return ruvo::texto::to_utf_16(bytes);
+std::wstring read_file(const ruvo::file& path) {
+  std::wstring text;
+  ruvo::exception failure;
+  if (!ruvo::files::read(text, path, failure)) throw ruvo::exception(failure);
+  return text;
 }
 
 /// json::deserialize reads on after a failure and reports the last one. A reader that is fed by hand can stop
@@ -204,7 +209,12 @@ void write_xml(const ruvo::bundle& document) {
 // --- the work
 
 void process(const std::wstring& name) {
-  const std::wstring text = read_file(name);
+  const ruvo::file path(name);
+  const std::wstring text = read_file(path);
+  ruvo::datetime modified = path.last_modified();
+  modified.set_huso_horario(ruvo::times::LOCAL);
+  ruvo::log::info(path.get_name(), ruvo::texto::format_file_size(path.size()) + L" (" + path.get_mimetype() +
+                                       L"), guardado el " + modified.to_string("%A %d de %B de %Y, %H:%M"));
   show(L"leídos", std::to_wstring(text.size()) + L" caracteres");
 
   ruvo::bundle document;
@@ -228,15 +238,15 @@ void process(const std::wstring& name) {
 
 void work(ruvo::application& app, const std::vector<std::wstring>& files) {
   const ruvo::thread_scope scope(app);  // checks the thread in, and out at the end
-  say(L"hilo de trabajo dado de alta");
+  ruvo::log::info(L"hilo de trabajo", L"dado de alta");
   for (const std::wstring& name : files) {
     say(L"\n" + ruvo::file(name).get_name());
     try {
       process(name);
     } catch (const ruvo::exception& error) {
-      show(L"fallo", error);
+      ruvo::log::failure(name, error);
     } catch (...) {  // such as std::out_of_range, for a number that does not fit
-      show(L"fallo", ruvo::exc::RunTime(std::current_exception()));
+      ruvo::log::failure(name, ruvo::exc::RunTime(std::current_exception()));
     }
   }
 }
@@ -255,11 +265,14 @@ int wmain(int argc, wchar_t** argv) {
     return 1;
   }
   app.init("es-ES");
-  say(L"aplicación en marcha");
+  log_on_screen screen;
+  ruvo::log::set_callback(&screen);
+  ruvo::log::info(L"aplicación", L"en marcha");
 
   std::thread worker(work, std::ref(app), std::vector<std::wstring>(argv + 1, argv + argc));
   worker.join();
-  say(L"\nhilo de trabajo dado de baja");
+  say(L"");
+  ruvo::log::time(L"hilo de trabajo terminado en");
 
   app.shutdown();
   say(L"aplicación detenida");
