@@ -20,10 +20,10 @@ TEST(ColorValue, IsHeldAsAColour) {
   EXPECT_EQ(static_cast<std::wstring>(value), L"#0A142C3F");
   EXPECT_FALSE(value.is_primitive() || value.is_number() || value.is_charsquence() || value.is_lapse());
   EXPECT_FALSE(value.var::empty() || value.can_be_number() || value.can_be_boolean());
-  EXPECT_THROW(static_cast<long>(value), std::bad_cast);
-  EXPECT_THROW(static_cast<double>(value), std::bad_cast);
-  EXPECT_THROW(static_cast<bool>(value), std::bad_cast);
-  EXPECT_THROW(static_cast<ruvo::date>(value), std::bad_cast);
+  EXPECT_THROW(static_cast<void>(static_cast<long>(value)), std::bad_cast);
+  EXPECT_THROW(static_cast<void>(static_cast<double>(value)), std::bad_cast);
+  EXPECT_THROW(static_cast<void>(static_cast<bool>(value)), std::bad_cast);
+  EXPECT_THROW(static_cast<void>(static_cast<ruvo::date>(value)), std::bad_cast);
   EXPECT_EQ(static_cast<ruvo::memo>(value).to_string(), L"#0A142C3F");
 
   color back;
