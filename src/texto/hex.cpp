@@ -20,7 +20,9 @@ constexpr std::array<unsigned char, 128> values = [] {
     table[i] = value < 0 ? no_digit : static_cast<unsigned char>(value);
   }
   return table;
-}();
+}
+
+constexpr auto values = digit_values();
 
 template <class Char>
 unsigned value_of(Char c) noexcept {

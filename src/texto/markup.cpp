@@ -25,7 +25,9 @@ constexpr auto numbers_of_accented = [] {
   for (std::size_t n = 0; n < accented.size(); ++n)
     numbers[static_cast<std::size_t>(accented[n] - first_accented)] = static_cast<unsigned char>(n + 1);
   return numbers;
-}();
+}
+
+constexpr auto numbers_of_accented = number_accented();
 
 std::size_t number_of(wchar_t c) {
   const auto code = static_cast<char16_t>(c);
