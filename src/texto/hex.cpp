@@ -13,7 +13,7 @@ namespace {
 
 constexpr unsigned char no_digit = 0xFF;
 
-constexpr std::array<unsigned char, 128> values = [] {
+constexpr std::array<unsigned char, 128> digit_values() {
   std::array<unsigned char, 128> table{};
   for (std::size_t i = 0; i < table.size(); ++i) {
     const int value = hex_value(static_cast<wchar_t>(i));

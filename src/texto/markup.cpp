@@ -20,7 +20,7 @@ constexpr std::wstring_view entities[] = {
 constexpr char16_t first_accented = 0xC1, last_accented = 0xFC;
 
 /// By code, one more than the index in `accented`; 0 for what is not in it.
-constexpr auto numbers_of_accented = [] {
+constexpr auto number_accented() {
   std::array<unsigned char, last_accented - first_accented + 1> numbers{};
   for (std::size_t n = 0; n < accented.size(); ++n)
     numbers[static_cast<std::size_t>(accented[n] - first_accented)] = static_cast<unsigned char>(n + 1);
