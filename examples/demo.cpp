@@ -1,6 +1,7 @@
 // The whole way of a document: an application boots, a worker thread checks in, reads JSON files into
 // bundles, takes typed values out of them by path, builds an answer and writes it in three ways, and as XML.
-// Log entries tell what happens when.
+// The answer to an order travels in an HTTP response, and an e-mail confirms it; sending both is a
+// transport's work. Log entries tell what happens when.
 //
 //   demo FILE.json...
 //
@@ -206,6 +207,49 @@ void write_xml(const ruvo::bundle& document) {
   for (const auto& [name, value] : again[L"documento"]) show(L"atributo", name + L" = " + value.to_string());
 }
 
+// --- messages
+
+/// The answer as the body of a response, whose status is what was wrong with the order.
+ruvo::http::response response_with(const ruvo::bundle& answer, const ruvo::exception& failure) {
+  std::wstring text;
+  ruvo::serializer::json(false, false, true).serialize(text, answer);
+  ruvo::http::response response;
+  response[L"Content-Type"] = L"application/json;charset=UTF-8";
+  response.set_body(text);
+  if (failure.WRONG()) response.set_exception(failure);
+  return response;
+}
+
+/// To the customer; nothing when the order names no address that mail can go to.
+std::optional<ruvo::smtp::email> confirmation_of(const ruvo::bundle& document, const ruvo::bundle& answer) {
+  const ruvo::bundle& customer = document.get_bundle(L"pedido.cliente");
+  const ruvo::smtp::address to(customer.get_string(L"nombre"), customer.get_string(L"correo"));
+  if (!to.check()) return std::nullopt;
+
+  const std::wstring number = answer.get_string(L"pedido");
+  std::wstring body = L"Su pedido " + number;
+  if (answer.get_boolean(L"aceptado")) {
+    body += L" queda aceptado. Importe: " + ruvo::texto::format(answer.get_double(L"totales.a_pagar"), 2) +
+            L" €.";
+  } else {
+    body += L" no se puede servir: " + answer.get_string(L"motivo");
+  }
+  ruvo::smtp::email mail(ruvo::smtp::address(L"Almacén Central", L"almacen@example.org"), L"Pedido " + number,
+                         body, L"<b>Almacén Central</b>");
+  mail[to] = ruvo::smtp::email::TO_;
+  return mail;
+}
+
+void show_messages(const ruvo::bundle& document, const ruvo::bundle& answer, const ruvo::exception& failure) {
+  const ruvo::http::response response = response_with(answer, failure);
+  show(L"respuesta", response.OK() ? L"correcta" : L"con error");
+  say(shortened(response.to_string(), 160));
+  const std::optional<ruvo::smtp::email> mail = confirmation_of(document, answer);
+  if (!mail) return show(L"correo", L"(sin dirección)");
+  show(L"correo", L"");
+  say(mail->to_string() + L"\n\n" + mail->get_plain_post());
+}
+
 // --- the work
 
 void process(const std::wstring& name) {
@@ -226,7 +270,9 @@ void process(const std::wstring& name) {
   }
   if (is_order(document)) {
     show_order(document);
-    document = answer_to(document, failure);
+    const ruvo::bundle answer = answer_to(document, failure);
+    show_messages(document, answer, failure);
+    document = answer;
   } else {
     show_summary(document);
   }

@@ -31,8 +31,8 @@ need() {
   as_root "${install[@]}" -qq >/dev/null
 }
 
-need_host_tools() { need cmake ninja-build clang libclang-rt-dev llvm libstdc++-12-dev googletest; }
-need_build_tools() { need cmake ninja-build g++-mingw-w64-x86-64-posix wine64 googletest; }
+need_host_tools() { need cmake ninja-build clang libclang-rt-dev llvm libstdc++-12-dev googletest python3 gdb; }
+need_build_tools() { need cmake ninja-build g++-mingw-w64-x86-64-posix wine64 googletest python3 pkgconf gdb; }
 
 # build_targets TARGET...: configures with the preset and the options in configure_options, and builds.
 configure_options=()

@@ -1,14 +1,30 @@
 #pragma once
 
+#include <ruvo/abi.hpp>
+
 // The export macro of kesta.dll.
 //
 // KESTA_BUILDING is defined only while the DLL itself is compiled; KESTA_STATIC
 // by programs that link the objects directly (the project's own checkers).
+//
+// Templates that the DLL instantiates carry KESTA_TEMPLATE_DECL where the header declares the instantiation
+// and KESTA_TEMPLATE_DEF where a source makes it: GCC exports by the first, Visual Studio by the second.
 
 #if defined(KESTA_STATIC)
 #  define KESTA_API
+#  define KESTA_TEMPLATE_DECL
+#  define KESTA_TEMPLATE_DEF
 #elif defined(KESTA_BUILDING)
 #  define KESTA_API __declspec(dllexport)
+#  if defined(_MSC_VER)
+#    define KESTA_TEMPLATE_DECL
+#    define KESTA_TEMPLATE_DEF __declspec(dllexport)
+#  else
+#    define KESTA_TEMPLATE_DECL __declspec(dllexport)
+#    define KESTA_TEMPLATE_DEF
+#  endif
 #else
 #  define KESTA_API __declspec(dllimport)
+#  define KESTA_TEMPLATE_DECL __declspec(dllimport)
+#  define KESTA_TEMPLATE_DEF
 #endif

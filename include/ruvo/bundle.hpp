@@ -110,6 +110,10 @@ class KESTA_API bundle {
   bundle& operator=(bundle&& other) noexcept;
   /// Takes the bundle that `value` holds; any other kind leaves this bundle empty.
   bundle& operator=(const xvar& value);
+  /// Takes the bundle form of an object that has one.
+  template <class T>
+  requires requires(const T& value) { value.operator bundle(); }
+  bundle& operator=(const T& value) { return *this = value.operator bundle(); }
 
   /// An xvar that holds a copy of this bundle (or takes it over).
   operator xvar() const&;
@@ -171,6 +175,11 @@ class KESTA_API bundle {
   const xvar& get(const std::string& path, char separator = '.') const;
   bool has(const std::wstring& path, char separator = '.') const;
   bool has(const std::string& path, char separator = '.') const;
+  /// In Spanish, what the getters find at the path: which part of it is missing, null or no bundle; or what
+  /// kind of value is there, and as what it reads, so that one sees why a fallback was given. Says so when
+  /// operator[] would reach a key that the path misses. For people to read; empty when memory fails.
+  std::wstring explain(const std::wstring& path, char separator = '.') const noexcept;
+  std::wstring explain(const std::string& path, char separator = '.') const noexcept;
 
   /// The entry at the path, for writing. Missing entries and bundles on the way are made; an entry on the way
   /// that holds anything but a bundle is replaced by a new one.

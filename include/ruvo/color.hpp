@@ -177,6 +177,9 @@ class KESTA_API color {
   // The stored texts are compared, case and all.
   bool operator==(const color& other) const noexcept { return html_ == other.html_; }
   bool operator<(const color& other) const noexcept { return html_ < other.html_; }
+  bool operator>(const color& other) const noexcept { return other < *this; }
+  bool operator<=(const color& other) const noexcept { return !(other < *this); }
+  bool operator>=(const color& other) const noexcept { return !(*this < other); }
 
  private:
   // For numbers of other types than the operations name: what an integer and a floating number stand for.

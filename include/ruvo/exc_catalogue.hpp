@@ -1,7 +1,9 @@
 #pragma once
 
 // The catalogue of errors: every class with its code and message, once. <ruvo/exc.hpp> makes the classes from
-// these lists. The raw code of a row is 0xE0000000 | facility << 16 | (range * 1000 + code).
+// these lists, cmake/errors.cmake the message table of kesta.dll and docs/ERRORS.md: one row a line, texts
+// without quotation marks, backslashes, semicolons, bars and square brackets. The raw code of a row is
+// 0xE0000000 | facility << 16 | (range * 1000 + code).
 //
 // @quirk Some numbers stand for two classes (jsonEmptyKey and jsonFalseKnot, BadCastInterface and
 // UnLoadModule, getObjectException and getObjectTypeException, actionNotFound and xmlLoadException): callers
@@ -130,6 +132,11 @@
   X(loadDLLException, dotnetException, 13) \
   X(getObjectException, dotnetException, 14) \
   X(getObjectTypeException, dotnetException, 14)
+
+// The same, for a class that is thrown at several places, a code for each. X(class, family, code)
+#define KESTA_EXC_PLACES(X) \
+  X(invocaError, dotnetException, 2) \
+  X(invocaError, dotnetException, 3)
 
 // The same, with a Windows error number. X(class, family, code)
 #define KESTA_EXC_WINDOWS(X) \

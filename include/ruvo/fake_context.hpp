@@ -18,8 +18,8 @@ namespace ruvo {
 ///     const ruvo::thread_scope scope(fake);  // the values of this thread ask `fake` now
 ///     fake.clock = 1709211909;
 ///
-/// Set it up before other threads use it. Folders are faked for listings only: what asks about a path or
-/// opens it still sees the disk. Conversions between code pages are the real ones.
+/// Set it up before other threads use it. Folders are faked for listings only, also those of trees: what
+/// else asks about a path or opens it still sees the disk. Conversions between code pages are the real ones.
 class KESTA_API fake_context : public application {
  public:
   fake_context();
@@ -36,8 +36,9 @@ class KESTA_API fake_context : public application {
   std::map<std::wstring, std::wstring> environment;
   std::wstring user = L"usuario", domain = L"EQUIPO", sid = L"S-1-5-21-1-2-3-1000";  ///< no user: failure
   bundle os_info;                                                                    ///< of a Windows 11
-  /// The entries of each folder by their names, in the order in which they are listed. Any other folder is
-  /// not found.
+  /// The entries of each folder by their names, in the order in which they are listed; one that is a key
+  /// itself is a folder, others are what stands on the disk, or else empty files. Any other folder is not
+  /// found.
   std::map<ruvo::file, std::vector<std::wstring>> folders;
 
   unsigned long getThreadID() const override;

@@ -22,10 +22,37 @@ class time;
 class var;
 class xvar;
 
+namespace http {
+class request;
+class response;
+}  // namespace http
+
+namespace jobs {
+class job;
+class pool;
+}  // namespace jobs
+
+namespace net {
+class iresponse;
+}  // namespace net
+
 namespace serializer {
 class ireader;
 class iwriter;
 class json;
 }  // namespace serializer
+
+namespace smtp {
+class address;
+class email;
+class mailbox;
+class response;
+}  // namespace smtp
+
+namespace task {
+class async;
+class bundle;
+class call;
+}  // namespace task
 
 }  // namespace ruvo

@@ -21,7 +21,7 @@ namespace ruvo {
 class KESTA_API lapse {
  public:
   /// The default mode.
-  static constexpr times::HUSO huso_horario = times::GMT;
+  static const times::HUSO huso_horario = times::GMT;
 
   /// The current instant, in whole seconds.
   lapse(times::HUSO huso = huso_horario);
@@ -35,7 +35,9 @@ class KESTA_API lapse {
   virtual int get(times::UNITS unit) const;
   int operator[](times::UNITS unit) const { return get(unit); }
   /// Moves SECONDS to YEARS by n and normalises (31 January plus a month is 2 or 3 March); other units change
-  /// nothing. True on failure (exc::CalendarException), also when `err` is null; the value is then unchanged.
+  /// nothing. Of local times that the clock skips, a move ahead leads behind them, by their length, and a
+  /// move back before them. True on failure (exc::CalendarException), also when `err` is null; the value is
+  /// then unchanged.
   virtual bool add(int n, times::UNITS unit, exception* err = nullptr);
   /// Replaces SECONDS to YEARS by n, in the sense of get(), and normalises; other units change nothing. True
   /// on failure, as add().

@@ -40,7 +40,7 @@ class KESTA_API debugger_output : public IOnLog {
 /// call, so it may go on while the process dies; texts beyond `longest_text` units are cut.
 class KESTA_API ring_buffer : public IOnLog {
  public:
-  static constexpr std::size_t longest_text = 240;  // both texts and what stands between them
+  static const std::size_t longest_text = 240;  // both texts and what stands between them
 
   /// Keeps the last `entries` entries, at least one.
   explicit ring_buffer(std::size_t entries);

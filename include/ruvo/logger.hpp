@@ -53,7 +53,7 @@ class KESTA_API IOnLog {
 /// room on the disk or memory it is lost, and the next one tries anew.
 class KESTA_API logger {
  public:
-  static constexpr long default_level = reg::INFO;
+  static const long default_level = reg::INFO;
 
   explicit logger(const std::wstring& name = std::wstring(), long level = default_level);
   logger(const logger&) = delete;
@@ -96,8 +96,8 @@ class KESTA_API logger {
   // date(times::LOCAL).
 
   /// Appends a line, time stamp and text, to today's file when the folder exists, whatever the level. Each
-  /// line is written whole, whichever threads and processes write to the file. Control characters in the text
-  /// become spaces.
+  /// line is written whole, whichever threads and processes write to the file. Control characters and
+  /// separators of lines in the text become spaces.
   void log(const std::wstring& text) noexcept;
   /// Brings everything to the disk and to the callback's target, and lets go of the file.
   void flush() noexcept;

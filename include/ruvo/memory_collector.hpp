@@ -21,8 +21,8 @@ class KESTA_API memory_collector {
   memory_collector& operator=(const memory_collector&) = delete;
   ~memory_collector();
 
-  /// Takes over an object made by `new`; null is ignored. Where there is no memory to keep it, the object is
-  /// deleted and std::bad_alloc thrown.
+  /// Takes over an object made by `new`; null is ignored, and so is an object that is kept already, whatever
+  /// the thread. Where there is no memory to keep it, the object is deleted and std::bad_alloc thrown.
   template <class T>
   void add(unsigned long thread_id, T* object) {
     static_assert(sizeof(T) > 0, "the type must be complete, so that it can be deleted");

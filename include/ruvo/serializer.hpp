@@ -48,6 +48,9 @@ class KESTA_API ireader {
   void set_store(bundle& store) noexcept { store_ = &store; }
   /// Counts the character and takes it.
   bool next_character(wchar_t c, exception& result);
+  /// Characters taken since the last reset: when next_character() has just failed, the position of the
+  /// failure, as its message tells it.
+  std::uint64_t position() const noexcept { return position_; }
 
  protected:
   ireader() noexcept;
@@ -88,8 +91,8 @@ class KESTA_API iwriter {
 // --- JSON writers
 
 /// What the JSON writers share: the text of scalars, lists and members. Derived writers that override
-/// raw_value, raw_key or raw_bundle are asked for every value; nesting is then limited by the stack where
-/// raw_bundle is overridden.
+/// raw_value, raw_key or raw_bundle are asked for every value; each level then takes its part of the stack,
+/// and some hundreds of levels exhaust it. The library's own take any number.
 ///
 /// Keys are written as they stand. @quirk A key that holds a quote makes text that is not JSON.
 class KESTA_API json_writer : public iwriter {

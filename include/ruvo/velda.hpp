@@ -37,6 +37,24 @@ class KESTA_API date : public ruvo::date {
   date(const date& other);
   ~date() override;
   date& operator=(const date& other);
+  /// The day and the mode.
+  date& operator=(const ruvo::date& day);
+  date& operator=(const datetime& instant);
+  /// The conversion of a var.
+  template <std::derived_from<var> V>
+  date& operator=(const V& value) {
+    return *this = value.operator ruvo::date();
+  }
+  /// The day; the mode stays. Text is in the canonical format.
+  date& operator=(long yyyymmdd);
+  template <std::integral T>
+  date& operator=(T yyyymmdd) {
+    return *this = static_cast<long>(yyyymmdd);
+  }
+  date& operator=(const char* text);
+  date& operator=(const wchar_t* text);
+  date& operator=(const std::string& text);
+  date& operator=(const std::wstring& text);
 
   int get_day_number() const noexcept { return number_; }
   /// The instant becomes that of the day that the number reads as.

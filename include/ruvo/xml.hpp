@@ -25,8 +25,8 @@
 namespace ruvo::serializer {
 
 /// What the XML writers share: tags, lists and the text of values. Derived writers that override raw_value,
-/// raw_key or raw_bundle are asked for every value; nesting is then limited by the stack where raw_bundle is
-/// overridden.
+/// raw_key or raw_bundle are asked for every value; each level then takes its part of the stack, and some
+/// hundreds of levels exhaust it. The library's own take any number.
 ///
 /// The text is a declaration and one element for each member. @quirk No element encloses them.
 /// @quirk Keys become names as they stand: one with a blank makes text that is not XML.
@@ -145,6 +145,8 @@ class KESTA_API xml_reader : public ireader {
   xvar& place(std::wstring_view name);
   /// How many children the innermost element may get: as many as the last one at its depth.
   std::size_t expected_size() const noexcept;
+  /// Remembers the size of an element that is complete, and gives back the room that it doesn't need.
+  void note_size();
   static void become_list(xvar& repeated);
   void store_quality();
   void fix_value();

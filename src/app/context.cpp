@@ -112,7 +112,8 @@ bool context::sistem_local_lapse(long long& seconds, std::tm& record, exception*
 
 std::wstring context::get_enviroment_var(const std::wstring& name) const {
   std::wstring value;
-  if (!platform::environment_variable(name, value)) throw exc::systemEnviromentVarNotFound(name);
+  const bool is_name = name.find(L'\0') == name.npos;
+  if (!is_name || !platform::environment_variable(name, value)) throw exc::systemEnviromentVarNotFound(name);
   return value;
 }
 

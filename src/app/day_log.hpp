@@ -13,8 +13,9 @@ namespace ruvo::reg {
 
 /// The log files of a folder, one for each day. Safe to use from any thread.
 ///
-/// Today's file stays open for at most a second: lines come many at once, and opening takes longer than
-/// writing. Who erases the file meanwhile loses no more than the lines of that second.
+/// Lines come many at once, and opening takes longer than writing; so a file that was opened takes the lines
+/// of one second. It is let go of by the first line after that, or by flush() and let_go(), and so stays open
+/// when no more lines come. Who erases it meanwhile loses no more than the lines of that second.
 class day_log {
  public:
   void set_folder(const file& folder);

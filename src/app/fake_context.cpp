@@ -3,6 +3,8 @@
 #include <ruvo/files.hpp>
 
 #include "app/pattern.hpp"
+#include "files/listing.hpp"
+#include "time/civil.hpp"
 
 namespace ruvo {
 
@@ -30,7 +32,7 @@ std::wstring fake_context::uuid_gen(const std::wstring& pattern, const std::wstr
 }
 
 bool fake_context::sistem_local_time(std::tm* record, long long seconds, exception* err) const {
-  return sistem_gmt_time(record, seconds + zone_offset, err);
+  return sistem_gmt_time(record, civil::has_record(seconds) ? seconds + zone_offset : seconds, err);
 }
 
 bool fake_context::sistem_local_lapse(long long& seconds, std::tm& record, exception* err) const {
@@ -64,8 +66,15 @@ bool fake_context::directory_list(const ruvo::file& folder, exception& err, file
   const auto found = folders.find(folder);
   const bool exists = found != folders.end();
   if (exists) {
+    files::listed_file entry;
     for (const std::wstring& name : found->second) {
-      const ruvo::file entry(folder, name);
+      const ruvo::file path(folder, name);
+      platform::found_facts facts;
+      if (folders.contains(path))
+        facts.is_folder = true;
+      else if (!platform::look_at(path, facts))
+        facts = {};
+      entry.set(path, facts);
       if (callback && callback->can_stop()) break;
       if (filter && !filter->accept(entry)) continue;
       if (callback) callback->onRead(entry);

@@ -24,7 +24,18 @@ constexpr long long ticks_per_millisecond = 10000;
 constexpr const wchar_t* level_names[] = {L"",     L"ASSERTION", L"FAILURE", L"WARNING",
                                           L"INFO", L"DEBUG",     L"SQL",     L"VERBOSE"};
 
-bool is_control(wchar_t unit) noexcept { return static_cast<char16_t>(unit) < 0x20; }
+bool is_control(wchar_t unit) noexcept {
+  const auto c = static_cast<char16_t>(unit);
+  const bool ends_line = c == 0x2028 || c == 0x2029;
+  return c < 0x20 || (c >= 0x7F && c < 0xA0) || ends_line;
+}
+
+/// Whether a number is a day that the system's clock, which begins in 1601, can show.
+bool is_day(long number) noexcept {
+  const long year = number / 10000, day = number % 100;
+  const int month = static_cast<int>(number / 100 % 100);
+  return year >= 1601 && month >= 1 && month <= 12 && day >= 1 && day <= civil::month_days(year, month);
+}
 
 }  // namespace
 
@@ -84,7 +95,7 @@ long day_of_name(std::wstring_view name) noexcept {
     if (c < L'0' || c > L'9') return 0;
     day = day * 10 + (c - L'0');
   }
-  return day;
+  return is_day(day) ? day : 0;
 }
 
 long days_before(const moment& when, int days) {

@@ -24,7 +24,8 @@ void append_stamp(std::wstring& out, const moment& when);
 void append_entry(std::wstring& out, long level, std::wstring_view first, std::wstring_view second);
 void append_clean(std::wstring& out, std::wstring_view text);
 
-/// The name of the log of a day given as yyyymmdd, and the way back: 0 for a name that is not one.
+/// The name of the log of a day given as yyyymmdd, and the way back: 0 for a name that is not one, or whose
+/// day is none.
 std::wstring name_of_day(long day);
 long day_of_name(std::wstring_view name) noexcept;
 /// The day that lies `days` days before, both as yyyymmdd.

@@ -92,6 +92,8 @@ struct ring_buffer::state {
   mutable std::atomic_flag busy;
 };
 
+const std::size_t ring_buffer::longest_text;
+
 ring_buffer::ring_buffer(std::size_t entries) : state_(std::make_unique<state>()) {
   state_->entries.resize(std::max<std::size_t>(entries, 1));
 }

@@ -71,6 +71,8 @@ struct logger::state {
   }
 };
 
+const long logger::default_level;
+
 logger::logger(const std::wstring& name, long level) : state_(std::make_unique<state>()) {
   state_->name = name;
   state_->level = level;
@@ -173,7 +175,7 @@ std::wstring logger::read(const date& day) const noexcept {
   std::wstring out;
   quietly([&] {
     std::string bytes;
-    if (platform::read_shared(file(day), bytes)) out = texto::to_utf_16(bytes);
+    if (!get_path().empty() && platform::read_shared(file(day), bytes)) out = texto::to_utf_16(bytes);
   });
   return out;
 }
@@ -182,7 +184,7 @@ bool logger::erase(const date& day) noexcept {
   bool erased = false;
   quietly([&] {
     state_->days.let_go();
-    erased = platform::erase_file(file(day));
+    erased = !get_path().empty() && platform::erase_file(file(day));
   });
   return erased;
 }

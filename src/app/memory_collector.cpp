@@ -2,6 +2,7 @@
 
 #include <map>
 #include <mutex>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -23,6 +24,7 @@ void release(std::vector<kept>& objects) noexcept {
 struct memory_collector::state {
   mutable std::mutex guard;
   std::map<unsigned long, std::vector<kept>> threads;
+  std::unordered_set<void*> held;  // all of them
 };
 
 memory_collector::memory_collector() : state_(std::make_unique<state>()) {}
@@ -36,7 +38,17 @@ void memory_collector::add(unsigned long thread_id, void* object, deleter releas
   kept owned(object, release_object);
   if (!owned) return;
   const std::lock_guard lock(state_->guard);
-  state_->threads[thread_id].push_back(std::move(owned));
+  const auto [noted, fresh] = state_->held.insert(object);
+  if (!fresh) {
+    static_cast<void>(owned.release());
+    return;
+  }
+  try {
+    state_->threads[thread_id].push_back(std::move(owned));
+  } catch (...) {
+    state_->held.erase(noted);
+    throw;
+  }
 }
 
 std::size_t memory_collector::collect(unsigned long thread_id) noexcept {
@@ -46,6 +58,7 @@ std::size_t memory_collector::collect(unsigned long thread_id) noexcept {
     if (const auto found = state_->threads.find(thread_id); found != state_->threads.end()) {
       objects = std::move(found->second);
       state_->threads.erase(found);
+      for (const kept& object : objects) state_->held.erase(object.get());
     }
   }
   release(objects);

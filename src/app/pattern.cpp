@@ -1,6 +1,8 @@
 #include "app/pattern.hpp"
 
 #include <algorithm>
+#include <cstdint>
+#include <optional>
 
 #include "texto/ascii.hpp"
 
@@ -12,9 +14,18 @@ constexpr std::size_t widest = 256;
 
 struct conversion {
   bool left = false, zeros = false, prefixed = false;
+  wchar_t plus = 0;  // what stands for the sign of what is not negative
   std::size_t width = 0;
+  std::optional<std::size_t> digits;  // at least so many
   wchar_t kind = 0;
 };
+
+std::size_t read_size(std::wstring_view pattern, std::size_t& at) {
+  std::size_t out = 0;
+  for (; at < pattern.size() && texto::is_digit(pattern[at]); ++at)
+    out = std::min(out * 10 + static_cast<std::size_t>(pattern[at] - L'0'), widest);
+  return out;
+}
 
 /// Reads what follows a "%" and moves `at` behind it; a kind of 0 means that it is none.
 conversion read_conversion(std::wstring_view pattern, std::size_t& at) {
@@ -25,36 +36,49 @@ conversion read_conversion(std::wstring_view pattern, std::size_t& at) {
     out.left |= pattern[at] == L'-';
     out.zeros |= pattern[at] == L'0';
     out.prefixed |= pattern[at] == L'#';
+    if (pattern[at] == L'+' || (pattern[at] == L' ' && !out.plus)) out.plus = pattern[at];
   }
-  for (; at < pattern.size() && texto::is_digit(pattern[at]); ++at)
-    out.width = std::min(out.width * 10 + static_cast<std::size_t>(pattern[at] - L'0'), widest);
+  out.width = read_size(pattern, at);
+  if (at < pattern.size() && pattern[at] == L'.') out.digits = read_size(pattern, ++at);
   while (at < pattern.size() && lengths.find(pattern[at]) != lengths.npos) ++at;
   if (at < pattern.size() && std::wstring_view(L"diuoxXc").find(pattern[at]) != std::wstring_view::npos)
     out.kind = pattern[at++];
   return out;
 }
 
-std::wstring digits(unsigned long number, wchar_t kind) {
-  const unsigned long base = kind == L'o' ? 8 : kind == L'x' || kind == L'X' ? 16 : 10;
-  const wchar_t* const letters = kind == L'x' ? L"0123456789abcdef" : L"0123456789ABCDEF";
+std::wstring digits(unsigned long number, const conversion& how) {
+  const unsigned long base = how.kind == L'o' ? 8 : how.kind == L'x' || how.kind == L'X' ? 16 : 10;
+  const wchar_t* const letters = how.kind == L'x' ? L"0123456789abcdef" : L"0123456789ABCDEF";
   std::wstring out;
-  do {
-    out.insert(out.begin(), letters[number % base]);
-    number /= base;
-  } while (number);
+  for (; number; number /= base) out.insert(out.begin(), letters[number % base]);
+  const std::size_t least = how.digits.value_or(1);
+  if (out.size() < least) out.insert(0, least - out.size(), L'0');
+  if (how.prefixed && how.kind == L'o' && !out.starts_with(L'0')) out.insert(out.begin(), L'0');
   return out;
 }
 
+/// What stands before the digits. A number with a sign loses it.
+std::wstring head_of(const conversion& how, unsigned long& number) {
+  if (how.kind == L'd' || how.kind == L'i') {
+    const long long value = static_cast<std::int32_t>(static_cast<std::uint32_t>(number));
+    number = static_cast<unsigned long>(value < 0 ? -value : value);
+    if (value < 0) return L"-";
+    return how.plus ? std::wstring(1, how.plus) : std::wstring();
+  }
+  const bool is_hexadecimal = how.kind == L'x' || how.kind == L'X';
+  return how.prefixed && number && is_hexadecimal ? std::wstring(L"0") + how.kind : std::wstring();
+}
+
 void append_number(std::wstring& out, const conversion& how, unsigned long number) {
-  std::wstring head;
-  std::wstring body =
-      how.kind == L'c' ? std::wstring(1, static_cast<wchar_t>(number)) : digits(number, how.kind);
-  if (how.prefixed && number && (how.kind == L'x' || how.kind == L'X')) (head = L"0") += how.kind;
+  const std::wstring head = head_of(how, number);
+  const std::wstring body =
+      how.kind == L'c' ? std::wstring(1, static_cast<wchar_t>(number)) : digits(number, how);
   const std::size_t size = head.size() + body.size();
   const std::size_t fill = how.width > size ? how.width - size : 0;
-  if (!how.left && !how.zeros) out.append(fill, L' ');
+  const bool zeros = how.zeros && !how.digits;
+  if (!how.left && !zeros) out.append(fill, L' ');
   out += head;
-  if (!how.left && how.zeros) out.append(fill, L'0');
+  if (!how.left && zeros) out.append(fill, L'0');
   out += body;
   if (how.left) out.append(fill, L' ');
 }

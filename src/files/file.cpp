@@ -87,7 +87,13 @@ file::file(const char* path) { set_path(path); }
 file::file(const wchar_t* path) { set_path(path); }
 file::file(const std::string& path) { set_path(path); }
 file::file(const std::wstring& path) { set_path(path); }
-file::file(const file& folder, const std::wstring& name) : path_(folder.path_) { *this += name; }
+// In "C:", the folder that is the current one of the drive, a name follows without a separator.
+file::file(const file& folder, const std::wstring& name) : path_(folder.path_) {
+  if (is_root() && path_.ends_with(L':'))
+    set_path(path_.append(name, std::min(name.find_first_not_of(L"\\/"), name.size())));
+  else
+    *this += name;
+}
 file::file(const file& other) = default;
 file::file(file&& other) noexcept = default;
 file::~file() = default;
@@ -118,6 +124,7 @@ file file::get_parent() const {
     out.path_ = path_.substr(0, root);
   else
     out.path_ = path_.substr(0, cut);
+  limpia_ruta_final(out.path_);
   return out;
 }
 
@@ -158,7 +165,8 @@ file file::crop(const file& base) const {
   const bool ends_at_separator = base.path_.back() == L'\\';
   if (!ends_at_separator && path_[size] != L'\\') return *this;
   file out;
-  out.path_ = path_.substr(ends_at_separator ? size : size + 1);
+  out.path_ = path_.substr(std::min(path_.find_first_not_of(L'\\', size), path_.size()));
+  limpia_ruta_inicio(out.path_);
   return out;
 }
 

@@ -53,7 +53,7 @@ file autorename(const file& path, const std::wstring& prefix, const std::wstring
 
 file get_temporal_file(file folder, std::wstring prefix, std::wstring name, std::wstring extension) {
   const std::wstring start = prefix + name;
-  const std::wstring end = extension.empty() ? extension : L'.' + extension;
+  const std::wstring end = extension.empty() || extension.starts_with(L'.') ? extension : L'.' + extension;
   return first_free([&](const std::wstring& count) { return file(folder, start + count + end); });
 }
 

@@ -71,7 +71,8 @@ enum class creation { done, taken, refused };
 
 /// Copies a file, with its attributes and its time of modification, to a name that is free.
 bool copy_to_new(const std::wstring& from, const std::wstring& to);
-/// Hides `to` if `from` is hidden, and the like; where nothing stands at `from`, nothing happens.
+/// Hides `to` if `from` is hidden, and the like, beside what `to` is already; where nothing stands at `from`,
+/// nothing happens.
 void copy_attributes(const std::wstring& from, const std::wstring& to);
 /// Renames a file within its folder in one step that others see whole, and that is on the disk afterwards.
 /// `taken` only when `replace` is false.

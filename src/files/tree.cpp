@@ -47,11 +47,14 @@ bool conclude(const RelayCallBack& work, exception& err) {
   return work.get_failure().OK();
 }
 
+struct walker final : RecursiveCallBack {
+  using RecursiveCallBack::RecursiveCallBack;
+  using RecursiveCallBack::walk;
+};
+
 /// Lists the tree below a folder to `work`.
 void walk(const file& folder, fileFilter* filter, RelayCallBack& work) {
-  RecursiveCallBack recursive(nullptr, filter, &work);
-  exception told;
-  directory_list(folder, told, recursive);
+  walker(nullptr, filter, &work).walk(folder);
 }
 
 void refuse(RelayCallBack& work, const exception& failure) {
@@ -124,11 +127,16 @@ void RecursiveCallBack::onRead(const file& entry) {
 // The listings below end here too, with nothing to be done.
 void RecursiveCallBack::onFinish() {
   if (descends_) return;
-  descend();
+  descend(nullptr);
   RelayCallBack::onFinish();
 }
 
-void RecursiveCallBack::descend() {
+void RecursiveCallBack::walk(const file& top) {
+  descend(&top);
+  RelayCallBack::onFinish();
+}
+
+void RecursiveCallBack::descend(const file* top) {
   struct descent {
     RecursiveCallBack& owner;
     ~descent() {
@@ -137,6 +145,7 @@ void RecursiveCallBack::descend() {
     }
   } const scope{*this};
   descends_ = true;
+  if (top) list(*top);
   std::size_t in_order = 0;  // folders of the listing before were turned round already
   while (!stops() && !pending_.empty()) {
     std::reverse(pending_.begin() + static_cast<std::ptrdiff_t>(in_order), pending_.end());
@@ -145,12 +154,22 @@ void RecursiveCallBack::descend() {
     in_order = pending_.size();
     platform::found_facts now;
     if (platform::look_at(folder, now) && now.is_link) continue;  // has taken the folder's place
-    exception told;
-    directory_list(folder, told, *this);
+    list(folder);
   }
 }
 
-void RecursiveCallBack::onFailure(const exception& error) { RelayCallBack::onFailure(error); }
+// A service of the application's own may tell its failure to its caller alone, or give none.
+void RecursiveCallBack::list(const file& folder) {
+  failed_ = false;
+  exception told;
+  if (directory_list(folder, told, *this) || failed_) return;
+  onFailure(told.OK() ? exception::incorrect() : told);
+}
+
+void RecursiveCallBack::onFailure(const exception& error) {
+  failed_ = true;
+  RelayCallBack::onFailure(error);
+}
 
 // Copying
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <atomic>
 #include <new>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -34,6 +35,17 @@ bool told(exception& err, Body body) {
     failure.copy_on(err);
     return false;
   }
+}
+
+/// Content that is too much for memory is a failure of the library's own too.
+template <class Failure, class Body>
+auto within_memory(const file& path, Body body) {
+  try {
+    return body();
+  } catch (const std::bad_alloc&) {
+  } catch (const std::length_error&) {
+  }
+  throw Failure(path);
 }
 
 void expect_file(const file& path) {
@@ -244,61 +256,77 @@ file write_content(const std::wstring& text, const file& path, bool overwrite) {
   return write_bytes(texto::to_utf_8(text), path, overwrite);
 }
 
+file write_content(const memo& text, const file& path, bool overwrite) {
+  return write_content(text.to_string(), path, overwrite);
+}
+
 file write_content(const binary& bytes, const file& path, bool overwrite) {
   return write_bytes({reinterpret_cast<const char*>(bytes.get_store().data()), bytes.size()}, path,
                      overwrite);
 }
 
 template <class Content>
+file write_whole(const Content& content, const file& path, bool overwrite) {
+  return within_memory<exc::fileOsStream>(path, [&] { return write_content(content, path, overwrite); });
+}
+
+template <class Content>
 bool write_told(const Content& content, const file& path, exception& err, file* written, bool overwrite) {
   return told(err, [&] {
-    file made = write_content(content, path, overwrite);
+    file made = write_whole(content, path, overwrite);
     if (written) *written = std::move(made);
   });
+}
+
+template <class Read>
+auto read_whole(const file& path, Read read) {
+  return within_memory<exc::fileStrageFileSize>(path, read);
 }
 
 }  // namespace
 
 bool read(std::wstring& out, const file& path, exception& err) {
-  return told(err, [&] { out = read_text(path); });
+  return told(err, [&] { read_whole(path, [&] { out = read_text(path); }); });
 }
 bool read(memo& out, const file& path, exception& err) {
-  return told(err, [&] { out = read_text(path); });
+  return told(err, [&] { read_whole(path, [&] { out = read_text(path); }); });
 }
 bool read(std::string& out, const file& path, exception& err) {
-  return told(err, [&] { out = read_bytes<std::string>(path); });
+  return told(err, [&] { read_whole(path, [&] { out = read_bytes<std::string>(path); }); });
 }
 bool read(binary& out, const file& path, exception& err) {
   return told(err, [&] { out = read(path); });
 }
 binary read(const file& path) {
-  binary out;
-  static_cast<std::vector<unsigned char>&>(out) = read_bytes<std::vector<unsigned char>>(path);
-  return out;
+  return read_whole(path, [&] {
+    binary out;
+    static_cast<std::vector<unsigned char>&>(out) = read_bytes<std::vector<unsigned char>>(path);
+    return out;
+  });
 }
 
 bool write(const std::wstring& content, const file& path, exception& err, file* written, bool overwrite) {
   return write_told(content, path, err, written, overwrite);
 }
 bool write(const memo& content, const file& path, exception& err, file* written, bool overwrite) {
-  return write_told(content.to_string(), path, err, written, overwrite);
+  return write_told(content, path, err, written, overwrite);
 }
 bool write(const binary& content, const file& path, exception& err, file* written, bool overwrite) {
   return write_told(content, path, err, written, overwrite);
 }
 file write(const std::wstring& content, const file& path, bool overwrite) {
-  return write_content(content, path, overwrite);
+  return write_whole(content, path, overwrite);
 }
 file write(const memo& content, const file& path, bool overwrite) {
-  return write_content(content.to_string(), path, overwrite);
+  return write_whole(content, path, overwrite);
 }
 file write(const binary& content, const file& path, bool overwrite) {
-  return write_content(content, path, overwrite);
+  return write_whole(content, path, overwrite);
 }
 
 file copy_file(const file& from, file to) {
   expect_file(from);
-  if (to.is_directory()) to += from.get_name();
+  if (to.is_directory()) to = file(to, from.get_name());
   expect_writable(to, true);
   stand_in made(to);
   made.copy(from);

@@ -201,7 +201,9 @@ void copy_attributes(const std::wstring& from, const std::wstring& to) {
   constexpr DWORD copied = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
   const DWORD attributes = GetFileAttributesW(system_path(from).c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & copied)) return;
-  SetFileAttributesW(system_path(to).c_str(), (attributes & copied) | FILE_ATTRIBUTE_ARCHIVE);
+  const std::wstring name = system_path(to);
+  const DWORD own = GetFileAttributesW(name.c_str());
+  if (own != INVALID_FILE_ATTRIBUTES) SetFileAttributesW(name.c_str(), own | (attributes & copied));
 }
 
 // A target that somebody reads, or that a scanner looks at, may be free a moment later.

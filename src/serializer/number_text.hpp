@@ -22,7 +22,7 @@ inline void put_number(text_sink& out, const var& value) {
   } else {
     end = texto::print_integer(to, cell::integer(value));
   }
-  if (!end) return out.put(value.to_string());
+  if (!end) end = texto::print_any_fixed(out.room(texto::most_fixed_units), cell::real(value));
   out.advance(end);
 }
 

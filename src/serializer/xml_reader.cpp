@@ -21,6 +21,8 @@ using detail::kind;
 
 namespace {
 
+constexpr std::size_t most_expected = 64;  // children for which an element makes room at once
+
 struct entity {
   std::wstring_view text;
   wchar_t meant;
@@ -306,6 +308,18 @@ std::size_t xml_reader::expected_size() const noexcept {
   return depth <= sizes_.size() ? std::max<std::size_t>(sizes_[depth - 1], 1) : 4;
 }
 
+void xml_reader::note_size() {
+  const std::size_t depth = open_nodes_.size();
+  if (sizes_.size() < depth) sizes_.resize(depth);
+  xvar& complete = *open_nodes_.back().value;
+  if (cell::kind_of(complete) != kind::bundle) return;
+  bundle& children = cell::as_bundle(complete);
+  if (bundle_store* const store = bundle_access::store(children)) {
+    bundle_access::set(children, bundle_store::fitted(store));
+    sizes_[depth - 1] = static_cast<std::uint32_t>(std::min(children.size(), most_expected));
+  }
+}
+
 void xml_reader::become_list(xvar& repeated) {
   bundle& children = cell::as_bundle(repeated);
   list made;
@@ -340,6 +354,7 @@ void xml_reader::close(std::wstring_view name, exception& result) {
     if (current_) {
       exc::xmlCachePointer(position_, open_nodes_.size()).copy_on(result);
     } else if (!open_nodes_.empty() && name == innermost_name()) {
+      note_size();
       pop_node();
     }
   }

@@ -25,8 +25,6 @@ using detail::kind;
 
 namespace {
 
-constexpr std::size_t most_expected = 64;  // children for which an element makes room at once
-
 /// Whether the unit means something inside the name of a tag.
 constexpr bool ends_name(wchar_t c) noexcept {
   return is_xml_blank(c) || c == L'<' || c == L'>' || c == L'/' || c == L'!';
@@ -148,7 +146,7 @@ struct xml_reading {
     if (rest.front() == L'?' || rest.front() == L'\0') return false;
     at += name.size() + 3;
     if (!reader.current_) {
-      note_size();
+      reader.note_size();
       reader.pop_node();
     }
     reader.clear_element();
@@ -192,19 +190,6 @@ struct xml_reading {
     }
     ++at;
     return true;
-  }
-
-  /// Remembers the size of an element that is complete, and gives back the room that it doesn't need.
-  void note_size() {
-    const std::size_t depth = reader.open_nodes_.size();
-    if (reader.sizes_.size() < depth) reader.sizes_.resize(depth);
-    xvar& complete = *reader.open_nodes_.back().value;
-    if (cell::kind_of(complete) != kind::bundle) return;
-    bundle& children = cell::as_bundle(complete);
-    if (bundle_store* const store = bundle_access::store(children)) {
-      bundle_access::set(children, bundle_store::fitted(store));
-      reader.sizes_[depth - 1] = static_cast<std::uint32_t>(std::min(children.size(), most_expected));
-    }
   }
 };
 

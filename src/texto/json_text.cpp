@@ -180,6 +180,10 @@ bool begins_document(std::wstring_view text) {
   return first != text.end() && (*first == L'{' || *first == L'[');
 }
 
+void remove_byte_order_mark(std::wstring& text) {
+  if (!text.empty() && static_cast<char16_t>(text[0]) == 0xFEFF) text.erase(0, 1);
+}
+
 }  // namespace
 
 std::wstring& escaped_to_json(std::wstring& text) {
@@ -194,12 +198,12 @@ std::wstring print_json(std::wstring text) { return json_printer(text).print(); 
 void decodifica_memo(binary& out, std::wstring memo) { out.setAsB64(memo); }
 
 void decodifica_memo(bundle& out, std::wstring memo) {
+  remove_byte_order_mark(memo);
   if (!begins_document(memo)) {
     binary bytes;
     const std::vector<unsigned char>& store = bytes.setAsB64(memo).get_store();
-    std::string document(store.begin(), store.end());
-    remove_win_bom(document);
-    memo = to_utf_16(document);
+    memo = to_utf_16(std::string(store.begin(), store.end()));
+    remove_byte_order_mark(memo);
   }
   bundle read;
   exception failure;

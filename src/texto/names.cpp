@@ -5,8 +5,8 @@
 #include <iterator>
 #include <string_view>
 
-#include "texto/ascii.hpp"
 #include "texto/numbers.hpp"
+#include "texto/unicode.hpp"
 #include "texto/word_reader.hpp"
 
 namespace ruvo::texto {
@@ -18,7 +18,7 @@ constexpr std::wstring_view name_particles[] = {
     L"dos", L"y",   L"e",    L"i",  L"di", L"du",  L"van", L"von", L"der", L"den", L"zu",
 };
 constexpr std::wstring_view place_particles[] = {
-    L"el", L"la", L"los", L"las", L"de", L"del", L"y", L"na", L"i", L"els", L"les", L"ses", L"sa",
+    L"el", L"la", L"los", L"las", L"de", L"del", L"dels", L"y", L"na", L"i", L"els", L"les", L"ses", L"sa",
 };
 /// Articles that lists of municipalities put behind the name.
 constexpr std::wstring_view place_articles[] = {
@@ -128,19 +128,34 @@ struct Place {
   std::wstring_view name;
 };
 
+std::wstring_view without_blanks(std::wstring_view text) {
+  while (!text.empty() && is_word_blank(text.back())) text.remove_suffix(1);
+  while (!text.empty() && is_word_blank(text.front())) text.remove_prefix(1);
+  return text;
+}
+
+/// Whether the article stands in front of the name, too.
+bool begins_with_article(std::wstring_view name, std::wstring_view article) {
+  const auto is_alike = [](wchar_t a, wchar_t b) { return to_lower(a) == to_lower(b); };
+  const std::wstring_view first = name.substr(0, article.size()), rest = name.substr(first.size());
+  return std::equal(first.begin(), first.end(), article.begin(), article.end(), is_alike) &&
+         (rest.empty() || is_apostrophe(first.back()) || is_word_blank(rest.front()));
+}
+
 Place cut_article(std::wstring_view text) {
   const bool in_brackets = text.ends_with(L')');
   const std::size_t mark = text.rfind(in_brackets ? L'(' : L',');
   if (mark == text.npos) return {{}, text};
-  const std::wstring_view name = trimmed(text.substr(0, mark));
+  const std::wstring_view name = without_blanks(text.substr(0, mark));
   const std::wstring_view article =
-      trimmed(text.substr(mark + 1, text.size() - mark - 1 - (in_brackets ? 1 : 0)));
+      without_blanks(text.substr(mark + 1, text.size() - mark - 1 - (in_brackets ? 1 : 0)));
   if (name.empty() || !is_one_of(place_articles, article)) return {{}, text};
+  if (begins_with_article(name, article)) return {{}, name};
   return {article, name};
 }
 
 void append_place(std::wstring& out, std::wstring_view text) {
-  const Place place = cut_article(trimmed(text));
+  const Place place = cut_article(without_blanks(text));
   std::wstring whole(place.article);
   if (!whole.empty() && !is_apostrophe(whole.back())) whole.push_back(L' ');
   whole += place.name;

@@ -179,6 +179,11 @@ wchar_t* print_fixed(wchar_t* to, double value, int decimals) noexcept {
   return to + decimals;
 }
 
+wchar_t* print_any_fixed(wchar_t* to, double value) noexcept {
+  char text[most_fixed_units];
+  return std::copy(text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 6).ptr, to);
+}
+
 void append_unsigned(std::wstring& out, unsigned long long value) {
   wchar_t text[most_number_units];
   out.append(text, print_unsigned(text, value));

@@ -21,6 +21,11 @@ wchar_t* print_unsigned(wchar_t* to, unsigned long long value) noexcept;
 /// As append_fixed(); null for NaN, from 2^63 on, and for more than most_short_decimals.
 wchar_t* print_fixed(wchar_t* to, double value, int decimals = 6) noexcept;
 
+/// Room for any number that print_any_fixed() takes: sign, 309 digits, point and decimals.
+constexpr std::size_t most_fixed_units = 320;
+/// As append_fixed() with six decimals, for any number, but slower than print_fixed().
+wchar_t* print_any_fixed(wchar_t* to, double value) noexcept;
+
 void append_integer(std::wstring& out, long long value);
 void append_unsigned(std::wstring& out, unsigned long long value);
 

@@ -4,9 +4,9 @@
 // instructions, and the matcher runs it with a stack in the heap.
 //
 // What keeps the work in bounds: a loop over a set of characters is one instruction with at most one entry on
-// the stack; a branch is only taken if the next character can begin it; and what failed once at a place is
-// not tried there again (see Matcher). What is left over ends at a limit of steps or of memory, with
-// std::regex_error.
+// the stack; a branch is only taken if the next character can begin it; alternatives share what they begin
+// with; and what failed once at a place is not tried there again (see Matcher). What is left over ends at a
+// limit of steps or of memory, with std::regex_error.
 
 #include <cstdint>
 #include <string>
@@ -21,13 +21,14 @@ namespace ruvo::texto::regex {
 /// The units that can come first, or more than those: never fewer.
 struct FirstSet {
   std::array<std::uint64_t, 4> low{};
-  bool high = false;  // any unit from 256
-  bool end = false;   // the end of the text
+  std::uint64_t blocks = 0;  // with units from 256 on, as in CharSet
+  bool end = false;          // the end of the text
 
   void add_all();
   bool has(wchar_t c) const noexcept {
     const auto unit = static_cast<char16_t>(c);
-    return unit < 256 ? (low[unit >> 6] >> (unit & 63) & 1) != 0 : high;
+    return unit < 256 ? (low[unit >> 6] >> (unit & 63) & 1) != 0
+                      : (blocks >> (unit >> CharSet::block_bits) & 1) != 0;
   }
 };
 
@@ -69,9 +70,10 @@ struct Loop {
 /// Two ways to go on: the next instruction, or `other`.
 struct Split {
   std::uint32_t other = 0;
-  bool lazy = false;          // `other` is tried first
-  std::uint32_t turn = none;  // as in Loop
-  std::uint32_t memo = none;  // number of its first bit among those of a position
+  bool lazy = false;                      // `other` is tried first
+  std::uint32_t turn = none;              // as in Loop
+  std::uint32_t memo = none;              // number of its first bit among those of a position
+  std::uint32_t next_alternative = none;  // the split at `other`, if it lies further on
   FirstSet first_next{}, first_other{};
 };
 
@@ -152,7 +154,8 @@ class Matcher {
   void set_slot(std::uint32_t slot);
 
   bool can_begin(const FirstSet& first, std::uint32_t at) const;
-  bool split(const Split& split);
+  bool split(const Split& first);
+  const Split& passed_over(const Split& first);
   bool visit(const Split& split);
   bool make_memo();
 

@@ -30,7 +30,9 @@ class CharSet {
   }
   /// One bit for each unit below 256.
   const std::array<std::uint64_t, 4>& low() const noexcept { return low_; }
-  bool any_high() const noexcept { return !ranges_.empty() && ranges_.back().second >= 256; }
+  /// One bit for each block of 1024 units that holds one of the set from 256 on.
+  std::uint64_t blocks() const noexcept;
+  static constexpr unsigned block_bits = 10;
 
  private:
   using Range = std::pair<char16_t, char16_t>;
@@ -75,6 +77,10 @@ struct Ast {
 
 /// Parses without recursion. Throws std::regex_error.
 Ast parse(std::wstring_view pattern);
+/// Makes alternatives quicker to match: single units become a set, and those that begin with the same
+/// character share it. They match the same, with the same groups; unless `groups` are asked for, there are
+/// none in the tree any more.
+void factor(Ast& ast, bool groups);
 
 /// Parses a set after its '['; `at` moves behind the ']'.
 CharSet parse_set(std::wstring_view pattern, std::size_t& at);

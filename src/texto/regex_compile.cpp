@@ -8,7 +8,8 @@ namespace codes = std::regex_constants;
 
 void FirstSet::add_all() {
   low.fill(~0ULL);
-  high = end = true;
+  blocks = ~0ULL;
+  end = true;
 }
 
 namespace {
@@ -128,10 +129,8 @@ class Emitter {
   }
 
   void write_group(std::int32_t index) {
-    if (groups_) {
-      add({.op = Op::save, .x = 2 * node(index).a});
-      tasks_.push_back({Task::Kind::group_end, index});
-    }
+    add({.op = Op::save, .x = 2 * node(index).a});
+    tasks_.push_back({Task::Kind::group_end, index});
     tasks_.push_back({Task::Kind::node, node(index).child});
   }
 
@@ -180,14 +179,9 @@ class Emitter {
     return program_.first_turn + static_cast<std::uint32_t>(program_.outer_turn.size());
   }
 
-  std::int32_t without_groups(std::int32_t index) const {
-    while (!groups_ && node(index).kind == Kind::group) index = node(index).child;
-    return index;
-  }
-
   void write_repeat(std::int32_t index) {
     const Node& each = node(index);
-    const Node& body = node(without_groups(each.child));
+    const Node& body = node(each.child);
     if (body.kind == Kind::character || body.kind == Kind::set) return write_loop(each, body);
     if (body.kind != Kind::empty) repeat({Task::Kind::repeat, index});
   }
@@ -275,15 +269,19 @@ class Analyser {
  public:
   Analyser(Program& program, bool whole) : program_(program), whole_(whole) {}
 
+  /// From the end, so that most splits are known where others ask for them.
   void run() {
-    for (std::uint32_t pc = 0; pc < program_.code.size(); ++pc) {
+    for (auto pc = static_cast<std::uint32_t>(program_.code.size()); pc-- > 0;) {
       const Instruction& each = program_.code[pc];
       if (each.op == Op::loop) analyse(program_.loops[each.x], pc);
       if (each.op == Op::split) {
         Split& split = program_.splits[each.x];
         split.first_next = first(pc + 1);
         split.first_other = first(split.other);
+        const Instruction& other = program_.code[split.other];
+        if (split.other > pc && other.op == Op::split) split.next_alternative = other.x;
       }
+      known_ = pc;
     }
     program_.first = first(0);
     find_prefix();
@@ -293,7 +291,7 @@ class Analyser {
   void analyse(Loop& loop, std::uint32_t pc) {
     const CharSet& set = program_.sets[loop.set];
     loop.follow = first(pc + 1);
-    bool apart = !(loop.follow.high && set.any_high());
+    bool apart = (loop.follow.blocks & set.blocks()) == 0;
     for (std::size_t i = 0; i < set.low().size(); ++i) apart &= (loop.follow.low[i] & set.low()[i]) == 0;
     loop.whole_run = apart && loop.greatest == unbounded;
   }
@@ -327,6 +325,7 @@ class Analyser {
         if (program_.loops[each.x].least == 0) go_on(pc + 1);
         return;
       case Op::split:
+        if (pc >= known_) return add_split(all, program_.splits[each.x]);
         go_on(program_.splits[each.x].other);
         return go_on(pc + 1);
       case Op::leave_if_empty:
@@ -359,14 +358,22 @@ class Analyser {
     if (unit < 256) {
       all.low[unit >> 6] |= 1ULL << (unit & 63);
     } else {
-      all.high = true;
+      all.blocks |= 1ULL << (unit >> CharSet::block_bits);
     }
   }
 
   void add_set(FirstSet& all, std::uint32_t index) {
     const CharSet& set = program_.sets[index];
     for (std::size_t i = 0; i < all.low.size(); ++i) all.low[i] |= set.low()[i];
-    all.high |= set.any_high();
+    all.blocks |= set.blocks();
+  }
+
+  static void add_split(FirstSet& all, const Split& split) {
+    for (const FirstSet* each : {&split.first_next, &split.first_other}) {
+      for (std::size_t i = 0; i < all.low.size(); ++i) all.low[i] |= each->low[i];
+      all.blocks |= each->blocks;
+      all.end |= each->end;
+    }
   }
 
   void find_prefix() {
@@ -384,6 +391,7 @@ class Analyser {
   Program& program_;
   bool whole_;
   std::vector<std::uint32_t> ways_;
+  std::uint32_t known_ = none;  // the splits from here on are filled in
 };
 
 }  // namespace
@@ -395,7 +403,9 @@ Program compile(std::wstring_view pattern, Options options) {
     literal.literal = true;
     return literal;
   }
-  Program program = Emitter(parse(pattern), options).emit();
+  Ast ast = parse(pattern);
+  factor(ast, options.groups || ast.back_references);
+  Program program = Emitter(std::move(ast), options).emit();
   Analyser(program, options.whole).run();
   return program;
 }

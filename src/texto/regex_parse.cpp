@@ -187,23 +187,9 @@ class Parser {
     const std::int32_t last = close_sequence();
     if (all.first < 0) return last;
     append(all, last);
-    bool can_be_empty = false, single_units = true;
-    for (std::int32_t i = all.first; i >= 0; i = node(i).next) {
-      can_be_empty |= node(i).can_be_empty;
-      single_units &= node(i).kind == Kind::character || node(i).kind == Kind::set;
-    }
-    if (single_units) return add_set(union_of(all.first));
+    bool can_be_empty = false;
+    for (std::int32_t i = all.first; i >= 0; i = node(i).next) can_be_empty |= node(i).can_be_empty;
     return add({.kind = Kind::alternatives, .can_be_empty = can_be_empty, .child = all.first});
-  }
-
-  /// a|[bc]|\d is one set.
-  CharSet union_of(std::int32_t first) {
-    CharSet all;
-    for (std::int32_t i = first; i >= 0; i = node(i).next) {
-      const auto value = static_cast<char16_t>(node(i).a);
-      node(i).kind == Kind::set ? all.add(ast_.sets[node(i).a]) : all.add(value, value);
-    }
-    return all;
   }
 
   /// `body` with the quantifiers that follow it; more than one may.

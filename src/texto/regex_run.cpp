@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <new>
 
-#include "texto/ascii.hpp"
 #include "texto/regex.hpp"
+#include "texto/unicode.hpp"
 
 namespace ruvo::texto::regex {
 
@@ -14,13 +14,15 @@ constexpr std::size_t most_entries = 40'000'000;            // of the stack, 8 b
 constexpr std::uint64_t most_memo_bits = 64ULL << 20 << 3;  // 64 MiB
 constexpr std::uint64_t free_steps = 100'000'000;           // for a text of any length
 constexpr std::uint64_t steps_for_unit = 100;               // and these for each unit of it
-constexpr std::uint64_t memo_after_steps = 10'000;          // what runs through needs no memory
+constexpr std::uint64_t steps_for_split = 4;                // and at each unit for each split
+constexpr std::uint64_t most_splits_counted = 100;
+constexpr std::uint64_t memo_after_steps = 10'000;  // what runs through needs no memory
 constexpr std::uint64_t memo_after_steps_for_unit = 16;
 constexpr std::uint64_t never = ~0ULL;
 constexpr std::uint32_t scanned_in_step = 8;  // a unit that is only looked at costs less than a step
 constexpr unsigned tag_bits = 3;
 
-bool is_word(wchar_t c) { return is_alnum(c) || c == L'_'; }
+bool is_word(wchar_t c) { return is_word_letter(c) || c == L'_'; }
 
 }  // namespace
 
@@ -30,7 +32,8 @@ Matcher::Matcher(const Program& program, std::wstring_view text)
       size_(static_cast<std::uint32_t>(text.size())),
       finder_(program.prefix) {
   if (text.size() >= none) fail(codes::error_space);
-  step_limit_ = free_steps + steps_for_unit * size_;
+  const std::uint64_t splits = std::min<std::uint64_t>(program.splits.size(), most_splits_counted);
+  step_limit_ = free_steps + (steps_for_unit + steps_for_split * splits) * size_;
   memo_from_ = memo_after_steps + memo_after_steps_for_unit * size_;
   const std::uint64_t memo_bits = program.memo_bits * (std::uint64_t{size_} + 1);
   if (memo_bits == 0 || memo_bits > most_memo_bits) memo_from_ = never;
@@ -238,12 +241,27 @@ bool Matcher::can_begin(const FirstSet& first, std::uint32_t at) const {
   return at < size_ ? first.has(text_[at]) : first.end;
 }
 
-bool Matcher::split(const Split& split) {
+bool Matcher::split(const Split& first) {
+  const Split& split = passed_over(first);
   const bool next = can_begin(split.first_next, at_), other = can_begin(split.first_other, at_);
   if ((!next && !other) || !visit(split)) return false;
   if (next && other) push(Tag::branch, split.lazy ? pc_ + 1 : split.other, at_);
   pc_ = other && (split.lazy || !next) ? split.other : pc_ + 1;
   return true;
+}
+
+/// Goes on from split to split past the alternatives that cannot begin here.
+const Split& Matcher::passed_over(const Split& first) {
+  const Split* split = &first;
+  std::uint64_t passed = 0;
+  while (split->next_alternative != none && !can_begin(split->first_next, at_) &&
+         can_begin(split->first_other, at_)) {
+    pc_ = split->other;
+    split = &program_.splits[split->next_alternative];
+    ++passed;
+  }
+  count(passed / scanned_in_step);
+  return *split;
 }
 
 /// Whether the split is met at this position for the first time. What happens from here on depends on nothing

@@ -4,6 +4,7 @@
 
 #include "texto/ascii.hpp"
 #include "texto/regex_ast.hpp"
+#include "texto/unicode.hpp"
 
 namespace ruvo::texto::regex {
 
@@ -44,6 +45,14 @@ void CharSet::invert() {
   if (from <= 0xFFFF) add(static_cast<char16_t>(from), 0xFFFF);
 }
 
+std::uint64_t CharSet::blocks() const noexcept {
+  std::uint64_t blocks = 0;
+  for (const auto& [first, last] : ranges_)
+    for (unsigned block = first >> block_bits; last >= 256 && block <= last >> block_bits; ++block)
+      blocks |= 1ULL << block;
+  return blocks;
+}
+
 bool CharSet::has_high(char16_t unit) const noexcept {
   auto at = std::upper_bound(ranges_.begin(), ranges_.end(), unit,
                              [](char16_t value, const Range& range) { return value < range.first; });
@@ -52,27 +61,74 @@ bool CharSet::has_high(char16_t unit) const noexcept {
 
 namespace {
 
+/// What a class holds beyond ASCII.
+enum class Wide { none, letters, capitals, small_letters, blanks, punctuation, signs, signs_and_blanks };
+
 struct NamedClass {
-  std::wstring_view name, ranges;  // each pair of units is a range
+  std::wstring_view name, ranges;  // in ASCII: each pair of units is a range
+  Wide wide = Wide::none;
 };
 
 constexpr NamedClass classes[] = {
     {L"d", L"09"},
-    {L"w", L"09AZaz__"},
-    {L"s", L"\t\r  "},
-    {L"alnum", L"09AZaz"},
-    {L"alpha", L"AZaz"},
+    {L"w", L"09AZaz__", Wide::letters},
+    {L"s", L"\t\r  ", Wide::blanks},
+    {L"alnum", L"09AZaz", Wide::letters},
+    {L"alpha", L"AZaz", Wide::letters},
     {L"blank", L"\t\t  "},
     {L"cntrl", L"\0\x1F\x7F\x7F"sv},
     {L"digit", L"09"},
-    {L"graph", L"!~"},
-    {L"lower", L"az"},
-    {L"print", L" ~"},
-    {L"punct", L"!/:@[`{~"},
-    {L"space", L"\t\r  "},
-    {L"upper", L"AZ"},
+    {L"graph", L"!~", Wide::signs},
+    {L"lower", L"az", Wide::small_letters},
+    {L"print", L" ~", Wide::signs_and_blanks},
+    {L"punct", L"!/:@[`{~", Wide::punctuation},
+    {L"space", L"\t\r  ", Wide::blanks},
+    {L"upper", L"AZ", Wide::capitals},
     {L"xdigit", L"09AFaf"},
 };
+
+template <std::size_t Size>
+void add_all(CharSet& set, const unit_range (&ranges)[Size]) {
+  for (const auto& [first, last] : ranges) set.add(first, last);
+}
+
+/// Of each pair its first unit, or its second.
+void add_halves(CharSet& set, char16_t offset) {
+  for (const auto& [first, last] : wide_pairs)
+    for (unsigned unit = first + offset; unit <= last; unit += 2)
+      set.add(static_cast<char16_t>(unit), static_cast<char16_t>(unit));
+}
+
+/// All from U+00A0 on, with or without the blanks.
+CharSet signs(bool blanks) {
+  CharSet others;
+  others.add(0, 0x9F);
+  if (!blanks) add_all(others, wide_blanks);
+  others.invert();
+  return others;
+}
+
+void add_wide(CharSet& set, Wide wide) {
+  switch (wide) {
+    case Wide::none:
+      return;
+    case Wide::letters:
+      return add_all(set, wide_letters);
+    case Wide::capitals:
+      add_all(set, wide_capitals);
+      return add_halves(set, 0);
+    case Wide::small_letters:
+      add_all(set, wide_small_letters);
+      return add_halves(set, 1);
+    case Wide::blanks:
+      return add_all(set, wide_blanks);
+    case Wide::punctuation:
+      return add_all(set, wide_punctuation);
+    case Wide::signs:
+    case Wide::signs_and_blanks:
+      return set.add(signs(wide == Wide::signs_and_blanks));
+  }
+}
 
 // POSIX names of the characters that are no letters, in the order of their codes; letters are their own
 // names.
@@ -176,6 +232,7 @@ void add_class(CharSet& set, std::wstring_view name) {
   if (found == std::end(classes)) fail(codes::error_ctype);
   for (std::size_t i = 0; i < found->ranges.size(); i += 2)
     set.add(static_cast<char16_t>(found->ranges[i]), static_cast<char16_t>(found->ranges[i + 1]));
+  add_wide(set, found->wide);
 }
 
 /// Reads the inside of [...]: what was read last decides what a '-' means.

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <utility>
 
-#include "texto/ascii.hpp"
 #include "texto/find.hpp"
+#include "texto/unicode.hpp"
 
 namespace ruvo::texto {
 
@@ -96,7 +96,7 @@ void replace_by_shorter(std::wstring& text, std::wstring_view from, std::wstring
 }
 
 bool is_special(wchar_t c) {
-  return std::wstring_view(L"-[]{}()*+?.,^$|#").find(c) != std::wstring_view::npos || is_space(c);
+  return std::wstring_view(L"-[]{}()*+?.,^$|#").find(c) != std::wstring_view::npos || is_word_blank(c);
 }
 
 }  // namespace

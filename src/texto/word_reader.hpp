@@ -1,11 +1,11 @@
 #pragma once
 
-// The words of a text, as an input stream reads them: blanks (ASCII) separate them.
+// The words of a text, as an input stream reads them: blanks of any kind separate them.
 
 #include <algorithm>
 #include <string_view>
 
-#include "texto/ascii.hpp"
+#include "texto/unicode.hpp"
 
 namespace ruvo::texto {
 
@@ -15,8 +15,8 @@ class WordReader {
 
   /// The next word; empty after the last.
   std::wstring_view next() {
-    const auto first = std::find_if_not(rest_.begin(), rest_.end(), is_space);
-    const auto last = std::find_if(first, rest_.end(), is_space);
+    const auto first = std::find_if_not(rest_.begin(), rest_.end(), is_word_blank);
+    const auto last = std::find_if(first, rest_.end(), is_word_blank);
     const std::wstring_view word(first, last);
     rest_ = std::wstring_view(last, rest_.end());
     return word;

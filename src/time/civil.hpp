@@ -64,8 +64,16 @@ constexpr int week_day(long long days) {
   return static_cast<int>((static_cast<unsigned long long>(days) + distant_days + before_first) % 7);
 }
 
+/// False for instants whose year, in whatever zone, no record holds: half the range reaches farther than
+/// that.
+constexpr bool has_record(long long seconds) {
+  constexpr long long farthest = std::numeric_limits<long long>::max() / 2;
+  return seconds >= -farthest && seconds <= farthest;
+}
+
 /// Fills every field, with tm_isdst 0; false when the year does not fit.
 inline bool break_down(long long seconds, std::tm& out) {
+  if (!has_record(seconds)) return false;
   const long long days = floor_div(seconds, seconds_per_day);
   const int rest = static_cast<int>(seconds - days * seconds_per_day);
   const date_fields date = date_from_days(days);

@@ -104,8 +104,8 @@ std::wstring date::get_week_day_name_abbreviated(const std::string& locale) cons
 }
 
 date date::get_last_day(long year, long month) {
-  date first(month == 12 ? year + 1 : year, month == 12 ? 1 : month + 1, 1L);
-  return --first;
+  date out(year, month, 1L);
+  return out.set_day(out.get_month_days());
 }
 
 int date::compare(const date& other) const {

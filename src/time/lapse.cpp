@@ -2,11 +2,13 @@
 #include <ruvo/exc.hpp>
 #include <ruvo/lapse.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
 #include "app/current.hpp"
 #include "texto/utf.hpp"
+#include "time/civil.hpp"
 #include "time/format.hpp"
 
 namespace ruvo {
@@ -63,10 +65,13 @@ long long built(const context& services, std::tm& record, bool local) {
   return out;
 }
 
-int narrow(long long field) {
-  if (field < std::numeric_limits<int>::min() || field > std::numeric_limits<int>::max())
+/// What a record has for a field that it counts from `first`.
+int narrow(long long field, int first = 0) {
+  using limits = std::numeric_limits<int>;
+  if (field < limits::min() + static_cast<long long>(first) ||
+      field > limits::max() + static_cast<long long>(first))
     throw exc::CalendarException();
-  return static_cast<int>(field);
+  return static_cast<int>(field - first);
 }
 
 const std::string& named(const context& services, const std::string& locale) {
@@ -111,6 +116,8 @@ class widened {
 
 }  // namespace
 
+const times::HUSO lapse::huso_horario;
+
 lapse::lapse(times::HUSO huso) : lapso_(current_context().get_system_ticks() / 10000000), huso_(huso) {}
 lapse::lapse(const lapse& other) = default;
 lapse::~lapse() = default;
@@ -142,8 +149,8 @@ std::tm lapse::record() const {
 void lapse::build(long long year, long long month, long long day, long long hour, long long minute,
                   long long second) {
   std::tm fields{};
-  fields.tm_year = narrow(year - 1900);
-  fields.tm_mon = narrow(month - 1);
+  fields.tm_year = narrow(year, 1900);
+  fields.tm_mon = narrow(month, 1);
   fields.tm_mday = narrow(day);
   fields.tm_hour = narrow(hour);
   fields.tm_min = narrow(minute);
@@ -179,47 +186,66 @@ int lapse::get(times::UNITS unit) const {
 
 namespace {
 
-/// The field of a record that a unit moves and sets; null for the others.
-int* field_of(std::tm& record, times::UNITS unit) {
-  switch (unit) {
-    case times::SECONDS:
-      return &record.tm_sec;
-    case times::MINUTES:
-      return &record.tm_min;
-    case times::HOURS:
-      return &record.tm_hour;
-    case times::DAYS:
-      return &record.tm_mday;
-    case times::MONTHS:
-      return &record.tm_mon;
-    case times::YEARS:
-      return &record.tm_year;
-    default:
-      return nullptr;
+/// A field of a record that a unit moves and sets. So many of it make so many of the field above it.
+struct movable {
+  int std::tm::*field;
+  int first;  // what the record counts from
+  int size = 0;
+  int std::tm::*above = nullptr;
+  int above_size = 0;
+};
+
+constexpr movable movables[] = {
+    {&std::tm::tm_sec, 0, 60, &std::tm::tm_min, 1},   {&std::tm::tm_min, 0, 60, &std::tm::tm_hour, 1},
+    {&std::tm::tm_hour, 0, 24, &std::tm::tm_mday, 1}, {&std::tm::tm_mday, 0, 146097, &std::tm::tm_year, 400},
+    {&std::tm::tm_mon, 1, 12, &std::tm::tm_year, 1},  {&std::tm::tm_year, 1900},
+};
+
+/// Null for a unit that moves nothing.
+const movable* movable_of(times::UNITS unit) {
+  return unit < times::SECONDS || unit > times::YEARS ? nullptr : &movables[unit - times::SECONDS];
+}
+
+/// Gives the field a value; of one that it cannot hold, a part goes to the field above.
+void put(std::tm& record, const movable& at, long long value) {
+  const bool fits = value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max();
+  if (!fits && at.above) {
+    record.*at.above = narrow(record.*at.above + value / at.size * at.above_size);
+    value %= at.size;
   }
+  record.*at.field = narrow(value);
+  record.tm_isdst = -1;
+}
+
+/// How far behind the local time that it was built from an instant lies: the clock skips that time.
+long long skipped(const context& services, const std::tm& wanted, long long seconds) {
+  std::tm found{};
+  break_down(services, seconds, true, found);
+  return std::max(civil::build(found) - civil::build(wanted), 0LL);
 }
 
 }  // namespace
 
 bool lapse::add(int n, times::UNITS unit, exception* err) {
   return told(err, [&] {
+    const movable* const moved = movable_of(unit);
     std::tm fields = record();
-    int* const field = field_of(fields, unit);
-    if (!field) return;
-    *field = narrow(static_cast<long long>(*field) + n);
-    fields.tm_isdst = -1;
-    lapso_ = built(current_context(), fields, huso_ == times::LOCAL);
+    if (!moved) return;
+    put(fields, *moved, static_cast<long long>(fields.*moved->field) + n);
+    const context& services = current_context();
+    const bool local = huso_ == times::LOCAL;
+    const std::tm wanted = fields;  // the service may change them
+    const long long seconds = built(services, fields, local);
+    lapso_ = seconds - (local && n < 0 ? skipped(services, wanted, seconds) : 0);
   });
 }
 
 bool lapse::set(int n, times::UNITS unit, exception* err) {
   return told(err, [&] {
+    const movable* const replaced = movable_of(unit);
     std::tm fields = record();
-    int* const field = field_of(fields, unit);
-    if (!field) return;
-    const long long first = unit == times::MONTHS ? 1 : unit == times::YEARS ? 1900 : 0;
-    *field = narrow(n - first);
-    fields.tm_isdst = -1;
+    if (!replaced) return;
+    put(fields, *replaced, static_cast<long long>(n) - replaced->first);
     lapso_ = built(current_context(), fields, huso_ == times::LOCAL);
   });
 }

@@ -262,14 +262,23 @@ struct reader {
     return true;
   }
 
-  /// A name of UTC, or one of the zone's own names, which tell nothing that the record does not.
+  /// A name of UTC, or one of the zone's own names, which tell nothing that the record does not; the longest,
+  /// as the zone's may begin with "GMT".
   bool zone_name() {
-    for (const std::wstring_view utc : {L"UTC", L"GMT", L"Z"}) {
-      if (!prefix(utc)) continue;
-      out.offset = 0;
-      return true;
-    }
-    return prefix(platform::zone_name(false)) || prefix(platform::zone_name(true));
+    const wchar_t* const first = at;
+    const wchar_t* longest = at;
+    bool is_utc = false;
+    const auto attempt = [&](std::wstring_view name, bool of_utc) {
+      at = first;
+      if (!prefix(name) || at <= longest) return;
+      longest = at;
+      is_utc = of_utc;
+    };
+    for (const std::wstring_view utc : {L"UTC", L"GMT", L"Z"}) attempt(utc, true);
+    for (const bool daylight : {false, true}) attempt(platform::zone_name(daylight), false);
+    at = longest;
+    if (is_utc) out.offset = 0;
+    return longest != first;
   }
 
   /// Puts together what was read; false when the parts contradict each other or name no day.
@@ -278,7 +287,7 @@ struct reader {
     if (hour_of_half && !(parts & hour_part)) record.tm_hour = *hour_of_half % 12 + (afternoon ? 12 : 0);
     const bool has_year = parts & year_part;
     const bool has_day = parts & day_part;
-    if (has_year && !has_day && !day_of_year()) return false;
+    if (!has_day && !day_of_year()) return false;
     const long long year = record.tm_year + 1900LL;
     if (record.tm_mday > civil::month_days(year, record.tm_mon + 1)) return false;
     const bool whole = has_year && (has_day || year_day);

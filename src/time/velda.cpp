@@ -1,3 +1,4 @@
+#include <ruvo/datetime.hpp>
 #include <ruvo/velda.hpp>
 
 #include <algorithm>
@@ -104,6 +105,26 @@ date::date(const date& other, times::HUSO huso) : ruvo::date(other), number_(oth
 date::date(const date& other) = default;
 date::~date() = default;
 date& date::operator=(const date& other) = default;
+date& date::operator=(const ruvo::date& day) {
+  ruvo::date::operator=(day);
+  count();
+  return *this;
+}
+date& date::operator=(const datetime& instant) { return *this = ruvo::date(instant); }
+date& date::operator=(long yyyymmdd) {
+  set(saturated(yyyymmdd / 10000), static_cast<int>(yyyymmdd / 100 % 100), static_cast<int>(yyyymmdd % 100));
+  return *this;
+}
+date& date::operator=(const char* text) { return *this = std::string(text ? text : ""); }
+date& date::operator=(const wchar_t* text) { return *this = std::wstring(text ? text : L""); }
+date& date::operator=(const std::string& text) {
+  ruvo::date::operator=(text);
+  return *this;
+}
+date& date::operator=(const std::wstring& text) {
+  ruvo::date::operator=(text);
+  return *this;
+}
 
 /// Puts the instant on a day. One that the context cannot build is left out: the number is what counts.
 void date::follow(int year, int month, int day) noexcept {
@@ -182,9 +203,10 @@ int date::get_month_days() const {
 }
 
 date date::get_last_day(long year, long month) {
-  const long long years = civil::floor_div(month - 1LL, 12);
-  const int in_year = static_cast<int>(month - years * 12);
-  const int full_year = saturated(year + years);
+  const long long months = saturated(month);
+  const long long years = civil::floor_div(months - 1, 12);
+  const int in_year = static_cast<int>(months - years * 12);
+  const int full_year = saturated(saturated(year) + years);
   return date(static_cast<long>(full_year), static_cast<long>(in_year),
               static_cast<long>(civil::month_days(full_year, in_year)));
 }

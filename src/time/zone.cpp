@@ -30,6 +30,7 @@ long long moment(long long year, const change& what) {
 }
 
 bool break_down(long long seconds, std::tm& out) {
+  if (!civil::has_record(seconds)) return false;
   const rules today =
       platform::zone_rules(year_of(seconds - platform::zone_rules(year_of(seconds)).standard));
   const bool daylight = today.is_daylight(seconds);

@@ -416,6 +416,13 @@ TEST(fake_context, lists_folders_that_do_not_exist) {
   EXPECT_EQ(err.get_mensaje(), L"Archivo o directorio no encontrado: C:\\b");
   EXPECT_TRUE(ruvo::files::directory_list("C:/a", err, &only_text, &listener, nullptr));
   EXPECT_EQ(listener.told, L"Archivo o directorio no encontrado: C:\\b .a.txt b.txt .");
+
+  fake.folders["C:/a"] = {L"sub", L"z"};
+  fake.folders["C:/a/sub"] = {L"x"};
+  found.clear();
+  ruvo::files::RecursiveCallBack recursive(found);
+  EXPECT_TRUE(ruvo::files::directory_list("C:/a", err, recursive));
+  EXPECT_EQ(found, (std::vector<ruvo::file>{"C:/a/sub", "C:/a/z", "C:/a/sub/x"}));
 }
 
 TEST(context, identifiers) {
@@ -437,6 +444,37 @@ TEST(context, identifiers) {
   EXPECT_EQ(ruvo::application::create_uuid(L"%s|", L"."), L"%s|........");
 }
 
+TEST(context, patterns_of_identifiers) {
+  struct row {
+    const wchar_t* pattern;
+    unsigned long first;
+    const wchar_t* expected;
+  };
+  const row rows[] = {
+      {L"%.8X-%.4X-%.4X", 0xABC, L"00000ABC-0000-0000"},
+      {L"%8.4X|", 0xABC, L"    0ABC|"},
+      {L"%-8.4x|", 0xABC, L"0abc    |"},
+      {L"%08.4X|", 0xABC, L"    0ABC|"},
+      {L"%#.4x", 0xABC, L"0x0abc"},
+      {L"%.X|%.0d|%.1u", 0, L"||0"},
+      {L"%#o", 8, L"010"},
+      {L"%d %u", 0xFFFFFFFF, L"-1 0"},
+      {L"%i", 0x80000000, L"-2147483648"},
+      {L"%06d", 0xFFFFFFFF, L"-00001"},
+      {L"%+d%+d", 7, L"+7+0"},
+      {L"% d|%+ d", 7, L" 7|+0"},
+      {L"%+u% x", 7, L"70"},
+      {L"%.3s", 7, L"%.3s"},
+  };
+  ruvo::fake_context fake;
+  for (const row& r : rows) {
+    fake.next_id = r.first;
+    EXPECT_EQ(fake.uuid_gen(r.pattern, L""), r.expected) << r.pattern;
+  }
+  fake.next_id = 1;
+  EXPECT_EQ(fake.uuid_gen(L"", L"%.2X"), L"0000000000000000");
+}
+
 TEST(context, environment) {
   ruvo::context services;
   ruvo::exception err;
@@ -449,6 +487,8 @@ TEST(context, environment) {
   EXPECT_EQ(err.get_code(), 1u);
   EXPECT_EQ(err.get_mensaje(), L"Variable de entorno no encontrada: KESTA NO HAY");
   EXPECT_THROW(services.get_enviroment_var(L"KESTA NO HAY"), ruvo::exc::systemEnviromentVarNotFound);
+  EXPECT_THROW(services.get_enviroment_var(std::wstring(L"PATH\0X", 6)),
+               ruvo::exc::systemEnviromentVarNotFound);
 }
 
 TEST(context, code_pages) {

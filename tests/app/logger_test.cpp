@@ -157,11 +157,11 @@ TEST_F(logs, file_of_the_day) {
   log.set_path("registro");
   EXPECT_EQ(log.file(20240229), ruvo::file("registro/kesta_20240229.log"));
   EXPECT_EQ(log.read(20240229), L"");
-  log.log(L"uno\r\ndos\ttres\x01 ñ\xD83D\xDE00");
+  log.log(L"uno\r\ndos\ttres\x01 ñ\xD83D\xDE00\x7F\x85\x9F\x2028\x2029.");
   fake.zone_offset = 11 * 3600;  // past midnight there
   log.log(L"");
   log.flush();
-  EXPECT_EQ(log.read(20240229), L"[2024-02-29 13:05:09.042] uno dos tres  ñ\xD83D\xDE00\r\n");
+  EXPECT_EQ(log.read(20240229), L"[2024-02-29 13:05:09.042] uno dos tres  ñ\xD83D\xDE00     .\r\n");
   EXPECT_EQ(bytes("registro/kesta_20240301.log"), "[2024-03-01 00:05:09.042] \r\n");
   log.log(L"otra");
   EXPECT_TRUE(log.erase(20240301));
@@ -189,6 +189,15 @@ TEST_F(logs, folder_may_be_missing_and_come_later) {
   EXPECT_EQ(bytes("registro/kesta_20240229.log"), "x");
 }
 
+TEST_F(logs, without_a_folder_no_file_is_touched) {
+  std::ofstream("kesta_20200101.log") << "x";
+  ruvo::logger log;
+  EXPECT_EQ(log.read(20200101), L"");
+  EXPECT_FALSE(log.erase(20200101));
+  EXPECT_EQ(bytes("kesta_20200101.log"), "x");
+  fs::remove("kesta_20200101.log");
+}
+
 TEST_F(logs, full_disk_is_survived) {
   std::error_code error;
   fs::create_symlink("/dev/full", "registro/kesta_20240229.log", error);
@@ -204,7 +213,9 @@ TEST_F(logs, full_disk_is_survived) {
 TEST_F(logs, week_is_kept) {
   const char* const kept[] = {"kesta_20240223.log", "kesta_20240229.log",  "kesta_20240301.log",
                               "kesta_2024022.log",  "kesta_202402221.log", "otro_20240101.log",
-                              "kesta_20240101.txt", "kesta_2024o101.log",  "xkesta_20240101.log"};
+                              "kesta_20240101.txt", "kesta_2024o101.log",  "xkesta_20240101.log",
+                              "kesta_00010101.log", "kesta_20240100.log",  "kesta_20231301.log",
+                              "kesta_20230229.log", "kesta_20230001.log",  "kesta_00000000.log"};
   const char* const old[] = {"kesta_20240222.log", "kesta_20240131.log", "kesta_19991231.log"};
   std::vector<std::wstring> listing;
   for (const char* name : kept) listing.emplace_back(name, name + std::char_traits<char>::length(name));

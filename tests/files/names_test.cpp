@@ -48,6 +48,7 @@ TEST_F(new_names, count_on) {
   EXPECT_FALSE(path(L"a_00.txt").exists() || path(L"a_100.txt").exists());
   EXPECT_EQ(files::get_temporal_file(file(where), L"tmp", L"-b", L"dat"), path(L"tmp-b_101.dat"));
   EXPECT_EQ(files::get_temporal_file(file(where), L"", L"", L""), path(L"_01"));
+  EXPECT_EQ(files::get_temporal_file(file(where), L"", L"n", L".tmp"), path(L"n_01.tmp"));
   const file temporary = files::get_temporal_file(L"kesta", L"", L"tmp");
   EXPECT_TRUE(temporary.get_parent().is_directory()) << temporary.c_str();
   EXPECT_FALSE(temporary.exists());

@@ -88,9 +88,15 @@ TEST(path, is_taken_apart) {
     EXPECT_EQ(path.get_simple_name(), r.simple_name) << r.path;
     EXPECT_EQ(path.get_extension(), r.extension) << r.path;
     EXPECT_FALSE(path.is_root()) << r.path;
-    if (path.get_root().c_str() == std::wstring(L"Q:")) continue;  // joining adds a separator
     EXPECT_EQ(file(path.get_parent(), path.get_name()), path) << r.path;
   }
+}
+
+TEST(path, parents_keep_the_form) {
+  for (const wchar_t* const path : {L"Q:/a//b", L"Q:/a/.\\b", L"Q:/a/././/b"})
+    EXPECT_EQ(text(file(path).get_parent()), L"Q:\\a") << path;
+  EXPECT_EQ(text(file(L"a//b").get_parent()), L"a");
+  EXPECT_EQ(text(file(L"..//b").get_parent()), L"..");
 }
 
 TEST(path, roots) {
@@ -111,8 +117,11 @@ TEST(path, is_put_together) {
   EXPECT_EQ(path.unix_path(), L"C:/datos/a/b.txt");
   EXPECT_EQ(text(path.change_extension(L"md")), L"C:\\datos\\a\\b.md");
   EXPECT_EQ(text(file(L"Q:\\sin").change_extension(L"md")), L"Q:\\sin.md");
+  EXPECT_EQ(text(file(L"Q:carta.doc").change_extension(L"pdf")), L"Q:carta.pdf");
   EXPECT_EQ(text(--path), L"C:\\datos\\a");
   EXPECT_EQ(text(file(file(), L"a")), L"a");
+  EXPECT_EQ(text(file(L"Q:", L"\\a")), L"Q:a");
+  EXPECT_EQ(text(file(L"Q:") += L"a"), L"Q:\\a");  // always with a separator
 }
 
 TEST(path, is_cut_below_a_folder) {
@@ -122,9 +131,11 @@ TEST(path, is_cut_below_a_folder) {
     const wchar_t* expected;
   };
   const row rows[] = {
-      {L"C:\\a\\b\\c", L"C:\\a", L"b\\c"}, {L"C:\\A\\b", L"c:\\a", L"b"},    {L"C:\\a", L"C:\\", L"a"},
-      {L"C:\\a", L"C:\\a", L""},           {L"C:\\ab", L"C:\\a", L"C:\\ab"}, {L"C:\\a", L"", L"C:\\a"},
-      {L"C:\\a", L"C:\\a\\b", L"C:\\a"},
+      {L"C:\\a\\b\\c", L"C:\\a", L"b\\c"}, {L"C:\\A\\b", L"c:\\a", L"b"},
+      {L"C:\\a", L"C:\\", L"a"},           {L"C:\\a", L"C:\\a", L""},
+      {L"C:\\ab", L"C:\\a", L"C:\\ab"},    {L"C:\\a", L"", L"C:\\a"},
+      {L"C:\\a", L"C:\\a\\b", L"C:\\a"},   {L"a//b", L"a", L"b"},
+      {L"C:/a/.//b", L"C:/a", L"b"},
   };
   for (const row& r : rows) EXPECT_EQ(text(file(r.path).crop(r.base)), r.expected) << r.path;
 }

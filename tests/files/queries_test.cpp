@@ -52,6 +52,12 @@ TEST_F(queries, hidden_files_stay_hidden) {
   EXPECT_TRUE(path(L"a.txt").is_hidden());
   files::write(L"nuevo", path(L"a.txt"));
   EXPECT_TRUE(path(L"a.txt").is_hidden());
+  put(path(L"b.txt"), "copia");
+  ASSERT_EQ(std::system("attrib +r scratch\\b.txt"), 0);
+  files::copy_file(path(L"b.txt"), path(L"a.txt"));
+  EXPECT_TRUE(path(L"a.txt").is_hidden() && !path(L"a.txt").can_be_write());
+  ASSERT_EQ(std::system("attrib -r scratch\\a.txt"), 0);
+  ASSERT_EQ(std::system("attrib -r scratch\\b.txt"), 0);
 }
 #endif
 

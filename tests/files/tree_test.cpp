@@ -525,6 +525,61 @@ TEST_F(trees, links_are_not_followed) {
   EXPECT_EQ(read_tree(file(base, L"fuera")), (tree{{L"dentro", a_folder}, {L"f", 4}}));
 }
 
+/// Lists no folder of one name, and says so to its caller alone.
+struct secretive : ruvo::fake_context {
+  bool directory_list(const ruvo::file& folder, exception& err, ruvo::fileFilter* filter,
+                      ruvo::fileCallback* callback, std::vector<ruvo::file>* out) const override {
+    if (folder.get_name() != refused) return context::directory_list(folder, err, filter, callback, out);
+    if (explains) ruvo::exc::fileInvalidFolder(folder).copy_on(err);
+    return false;
+  }
+  std::wstring refused = L"origen";
+  bool explains = true;
+};
+
+TEST_F(trees, a_listing_that_tells_nothing_is_a_failure) {
+  tree model;
+  for (const wchar_t* const place : {L"a", L"a\\b", L"c"}) add(model, place, a_folder);
+  add(model, L"a\\b\\f", 1);
+  secretive service;
+  const ruvo::thread_scope scope(service);
+  struct row {
+    const wchar_t* refused;
+    bool explains;
+    file folder;
+  };
+  const row rows[] = {{L"origen", true, root}, {L"origen", false, root}, {L"b", true, below(root, L"a\\b")}};
+  for (const row& r : rows) {
+    service.refused = r.refused;
+    service.explains = r.explains;
+    const exception expected =
+        r.explains ? exception(ruvo::exc::fileInvalidFolder(r.folder)) : exception::incorrect();
+    for (const operation& one : operations) {
+      const std::string name(one.name);
+      if (name == "list" && r.folder == root) continue;  // the caller is told
+      if (name == "verify") other.mkdirs(nullptr);
+      recorder told(root);
+      exception err;
+      const bool done = one.run(root, other, err, told);
+      EXPECT_EQ(done, name == "list") << name;
+      if (!done) {
+        EXPECT_EQ(err, expected) << name;
+      }
+      ASSERT_FALSE(told.failures.empty()) << name;
+      EXPECT_EQ(told.failures.front(), expected.get_mensaje()) << name;
+      EXPECT_EQ(told.finished, 1) << name;
+      EXPECT_TRUE(below(root, L"a\\b\\f").is_file()) << name;
+    }
+    // A failure that was told is not told again.
+    recorder told(root);
+    exception err;
+    EXPECT_FALSE(files::copy_folder(below(base, L"nada"), other, err, told));
+    EXPECT_EQ(told.failures.size(), 1u);
+    service.refused.clear();
+    EXPECT_TRUE(files::erase(other, err) && below(root, L"c").mkdir());
+  }
+}
+
 TEST(directory_list, is_a_service_of_the_context) {
   ruvo::fake_context fake;
   const ruvo::thread_scope scope(fake);

@@ -209,6 +209,24 @@ TEST_F(whole, read_only_files_stay) {
 }
 
 #ifdef _WIN32
+TEST_F(whole, what_no_memory_holds_is_refused) {
+  constexpr unsigned long long huge = 3ull << 40;
+  std::error_code error;
+  if (std::filesystem::space(where, error).available > huge) GTEST_SKIP() << "it might really be written";
+  std::ofstream(native(path(L"a.txt")), std::ios::binary).seekp(static_cast<std::streamoff>(huge)).put('x');
+  if (path(L"a.txt").size() < huge) GTEST_SKIP() << "no sparse files here";
+  std::wstring text = L"antes";
+  std::string bytes = "antes";
+  ruvo::exception err;
+  EXPECT_FALSE(files::read(bytes, path(L"a.txt"), err));
+  EXPECT_EQ(err, code<ruvo::exc::fileStrageFileSize>());
+  err.clear();
+  EXPECT_FALSE(files::read(text, path(L"a.txt"), err));
+  EXPECT_EQ(err, code<ruvo::exc::fileStrageFileSize>());
+  EXPECT_EQ(thrown([] { files::read(path(L"a.txt")); }), code<ruvo::exc::fileStrageFileSize>());
+  EXPECT_TRUE(text == L"antes" && bytes == "antes");
+}
+
 TEST_F(whole, files_in_use_stay) {
   const file target = path(L"a.txt");
   put(target, "viejo");

@@ -140,7 +140,8 @@ zone::rules zone_rules(int year) noexcept {
   return out;
 }
 
-std::wstring zone_name(bool daylight) { return daylight ? L"CEST" : L"CET"; }
+// Some zones have names that begin with one of UTC.
+std::wstring zone_name(bool daylight) { return daylight ? L"GMT+2" : L"GMT+1"; }
 
 bool environment_variable(const std::wstring& name, std::wstring& value) {
   const char* const found = std::getenv(texto::to_utf_8(name).c_str());

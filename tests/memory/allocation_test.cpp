@@ -3,6 +3,7 @@
 
 #include <ruvo/binary.hpp>
 #include <ruvo/bundle.hpp>
+#include <ruvo/http.hpp>
 #include <ruvo/list.hpp>
 #include <ruvo/memo.hpp>
 #include <ruvo/serializer.hpp>
@@ -239,6 +240,49 @@ TEST_F(allocation, nothing_is_left_behind) {
   fail_everywhere(work);
   for (int i = 0; i < 100; ++i) work();
   EXPECT_EQ(live, before);
+}
+
+TEST(http_allocation, looking_up_headers_has_none) {
+  ruvo::http::response answer;
+  for (int i = 0; i < 1000; ++i) answer["X-Cabecera-" + std::to_string(i)] = std::to_wstring(i);
+  const std::wstring wide = L"x-cabecera-777";
+  const std::string narrow = "X-CABECERA-777", long_name(64, 'n');
+  const ruvo::http::response& reader = answer;
+  std::size_t found = 0;
+  EXPECT_EQ(
+      fail_everywhere([&] {
+        found += answer.count(wide) + answer.count(narrow) + answer.count(long_name);
+        found += reader.find(L"Content-Type") != reader.end() && answer.find("accept") != answer.end();
+        found += answer[wide].size() + answer[L"X-Cabecera-778"].size() + answer["x-cabecera-779"].size();
+        found += reader.at("X-Cabecera-780").size() + answer.erase(L"X-Falta") + answer.erase("X-Falta");
+      }),
+      0);
+  EXPECT_EQ(found, 2u + 1u + 4 * 3u);
+}
+
+TEST(http_allocation, messages_change_whole_or_not_at_all) {
+  ruvo::http::request before(L"http://servidor.ejemplo/una/ruta", L"un cuerpo de cierta longitud"), target;
+  before[L"X-Cabecera-De-Nombre-Largo"] = L"un valor de cierta longitud";
+  const ruvo::http::request source(L"http://servidor.ejemplo/otra/ruta", L"otro cuerpo de cierta longitud");
+  target = before;
+  const long long allocations =
+      fail_everywhere([&] { target = source; }, [&] { EXPECT_TRUE(target == before || target == source); });
+  EXPECT_GT(allocations, 5);
+  const xvar value = before;
+  fail_everywhere([&] { target = value; }, [&] { EXPECT_TRUE(target == before || target == source); });
+  EXPECT_TRUE(target == before);
+  const std::size_t size = before.size();
+  fail_everywhere([&] { before["X-Otra-Cabecera-De-Nombre-Largo"] = L"un valor de cierta longitud"; },
+                  [&] {
+                    static_cast<void>(before.erase(L"x-otra-cabecera-de-nombre-largo"));
+                    EXPECT_EQ(before.size(), size);
+                  });
+  ruvo::http::response answer;
+  std::wstring text = answer.to_string();
+  fail_everywhere([&] { answer += "un trozo de cuerpo de cierta longitud, \xC3\xB1"; },
+                  [&] { EXPECT_TRUE(answer.length() == 0 || answer.length() == 40); });
+  EXPECT_EQ(answer.length(), 40u);
+  fail_everywhere([&] { text = answer.to_string(); });
 }
 
 }  // namespace

@@ -54,6 +54,12 @@ TEST(ColorValue, ComparesByTypeAndText) {
   EXPECT_TRUE(static_cast<const var&>(blue) < red);
 }
 
+TEST(ColorValue, OrderIsThatOfTheTexts) {
+  const color lower(L"#ff0000"), upper(L"#FF0000");  // the same number
+  EXPECT_TRUE(upper < lower && lower > upper && upper <= lower && lower >= upper);
+  EXPECT_FALSE(upper > lower || lower <= upper || upper >= lower);
+}
+
 TEST(ColorValue, InContainers) {
   const color gold(color::ORO);
   ruvo::bundle values;

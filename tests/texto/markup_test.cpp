@@ -197,6 +197,8 @@ TEST(Memo, DecodesDocuments) {
       {stored("{\"a\":\"\xC3\xB1\"}"), L"{\"a\":\"ñ\"}"},
       {stored("\xEF\xBB\xBF {\"a\":1}"), L"{\"a\":1}"},
       {L" {\"a\":\"ñ\"}", L"{\"a\":\"ñ\"}"},
+      {L"\xFEFF{\"a\":1}", L"{\"a\":1}"},
+      {L"\xFEFF" + stored("{\"a\":1}"), L"{\"a\":1}"},
       {L"[1,2]", L"{\"__json_array__\":[1,2]}"},
       {stored("a text {\"a\":1}"), L"{}"},
       {L"{\"a\":1,\"b\":nope}", L"{}"},

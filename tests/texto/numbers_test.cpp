@@ -1,4 +1,7 @@
 #include <ruvo/application.hpp>
+#include <ruvo/bundle.hpp>
+#include <ruvo/list.hpp>
+#include <ruvo/serializer.hpp>
 #include <ruvo/texto.hpp>
 
 #include <algorithm>
@@ -420,6 +423,22 @@ TEST(Amounts, ReadBackAsTheyWere) {
   for (long long power = 1; power <= 100000000000000; power *= 10) {
     for (const long long whole : {power, power + 1, power - 1, 2 * power, 101 * (power / 1000) * 10})
       check(static_cast<double>(whole), whole * 100);
+  }
+}
+
+TEST(Numbers, OfAnySizeStandInDocumentsAsTheirText) {
+  using limits = std::numeric_limits<double>;
+  for (const double value : {9.2e18, 9.3e18, -1e19, 1.8446744073709552e19, 1e40, limits::max(),
+                             -limits::max(), limits::infinity(), -limits::infinity(), limits::quiet_NaN()}) {
+    ruvo::list list;
+    for (int i = 0; i < 40; ++i) list.push_back(value);
+    const std::wstring each = ruvo::var(value).to_string();
+    std::wstring expected = L"{\"n\":[" + each, made;
+    for (int i = 1; i < 40; ++i) expected += L"," + each;
+    ruvo::bundle document;
+    document[L"n"] = list;
+    ruvo::serializer::json().serialize(made, document);
+    EXPECT_EQ(made, expected + L"]}");
   }
 }
 

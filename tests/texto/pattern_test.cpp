@@ -1,5 +1,6 @@
 #include <ruvo/texto.hpp>
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <random>
@@ -174,6 +175,41 @@ TEST(Pattern, AgreesWithTheStandardEngineOnShortTexts) {
   EXPECT_GT(compared, 15'000);
 }
 
+TEST(Pattern, AlternativesThatBeginAlikeAreTriedInTheirOrder) {
+  Generator make(41);
+  for (int i = 0; i < 4000; ++i) {
+    std::wstring pattern = L"(?:";
+    for (std::uint32_t j = 2 + make.below(6); j > 0; --j) {
+      for (std::uint32_t k = make.below(4); k > 0; --k)
+        pattern += make.one_of({L"a", L"a", L"a", L"b", L"b", L"b?", L"[ab]", L"(b)", L"(?:a|ab)"});
+      pattern += j > 1 ? L"|" : L")";
+    }
+    pattern += make.one_of({L"", L"b", L"c", L"(a*)"});
+    const std::wregex standard(pattern);
+    const std::wstring text = make.text(12);
+    ASSERT_EQ(texto::replace_(text, pattern, L"<$&$1$2>"), std::regex_replace(text, standard, L"<$&$1$2>"))
+        << testing::PrintToString(pattern) << testing::PrintToString(text);
+  }
+}
+
+TEST(Pattern, ManyAlternativesOnLongTexts) {
+  std::mt19937 random(7);
+  const auto letter = [&random] { return static_cast<wchar_t>(L'a' + random() % 26); };
+  std::wstring words = L"\\d", pairs = L"ax", groups = L"(ax)", letters(1'000'000, L' ');
+  for (int i = 0; i < 200; ++i) words += {L'|', letter(), letter(), letter(), letter(), letter()};
+  for (int i = 0; i < 100; ++i) {
+    const std::wstring end = {static_cast<wchar_t>(L'b' + i % 25), static_cast<wchar_t>(L'b' + i / 25)};
+    pairs += L"|a" + end;
+    groups += L"|(a" + end + L")";
+  }
+  std::generate(letters.begin(), letters.end(), letter);
+  const std::wstring as(3'000'000, L'a'), fewer(400'000, L'a');
+  EXPECT_EQ(error_of(words, letters), std::nullopt);
+  EXPECT_TRUE(texto::replace_(as + L"aze", pairs, L"") == as);
+  EXPECT_TRUE(texto::replace_(as + L"aze", groups, L"") == as);
+  EXPECT_TRUE(texto::replace_(fewer + L"ax", groups, L"[$1]") == fewer + L"[ax]");
+}
+
 // Around what can be empty engines differ in the groups they report; whether the text matches is certain.
 TEST(Pattern, LoopsWithEmptyTurnsEndAndMatchTheSameTexts) {
   Generator make(77, true);
@@ -217,8 +253,9 @@ TEST(Pattern, EscapesAndSets) {
       {L".", L"\r", false},
       {L".", L"\x2028", false},
       {L".", L"\x2029", false},
-      {L"[à-ü]+\\W", L"éñé", true},
-      {L"\\w", L"é", false},
+      {L"[à-ü]+\\W", L"éñ€", true},
+      {L"\\w+\\s\\w+", L"Años\x00A0ŻŁÓ", true},
+      {L"[[:upper:]][[:lower:]]+", L"Álvarez", true},
       {L"(a{0}b){2}", L"bb", true},
       {L"a**?{2}", L"aaa", true},
   };
@@ -226,7 +263,7 @@ TEST(Pattern, EscapesAndSets) {
     EXPECT_EQ(texto::match(row.text, row.pattern), row.matches) << testing::PrintToString(row.pattern);
 }
 
-TEST(Pattern, ClassesHoldTheUnitsOfAscii) {
+TEST(Pattern, ClassesOfAsciiAreTheStandardOnes) {
   for (const wchar_t* name : {L"alnum", L"alpha", L"cntrl", L"digit", L"graph", L"lower", L"punct", L"space",
                               L"upper", L"xdigit"}) {
     const std::wstring pattern = std::wstring(L"[[:") + name + L":]]";
@@ -235,9 +272,37 @@ TEST(Pattern, ClassesHoldTheUnitsOfAscii) {
       const std::wstring text(1, static_cast<wchar_t>(unit));
       ASSERT_EQ(texto::match(text, pattern), std::regex_match(text, standard)) << name << unit;
     }
-    for (unsigned unit = 128; unit < 0x10000; unit += 61)
-      ASSERT_FALSE(texto::match(std::wstring(1, static_cast<wchar_t>(unit)), pattern)) << name << unit;
   }
+}
+
+TEST(Pattern, ClassesBeyondAscii) {
+  const std::wstring capitals = L"ÀÑÞĀŸŽΑΏЀЯЁ", small = L"ßàñÿāžſαώяё", blanks = L"\x00A0\x1680\x2007\x3000",
+                     marks = L"¡¿«»·×–…", caseless = L"ªºµƀ", others = L"\x0080€中\xD83D\xDE00",
+                     digits = L"٣３";
+  const std::wstring letters = capitals + small + caseless;
+  const struct {
+    const wchar_t* pattern;
+    std::wstring in;
+  } rows[] = {{L"\\w", letters},
+              {L"[[:alpha:]]", letters},
+              {L"[[:alnum:]]", letters},
+              {L"[[:upper:]]", capitals},
+              {L"[[:lower:]]", small},
+              {L"\\s", blanks},
+              {L"[[:space:]]", blanks},
+              {L"[[:punct:]]", marks},
+              {L"[[:graph:]]", letters + marks + others.substr(1) + digits},
+              {L"[[:print:]]", letters + marks + others.substr(1) + digits + blanks},
+              {L"\\d", L""},
+              {L"[[:cntrl:]]", L""}};
+  for (const auto& row : rows) {
+    for (const wchar_t c : letters + blanks + marks + others + digits) {
+      const std::wstring text(1, c);
+      EXPECT_EQ(texto::match(text, row.pattern), row.in.find(c) != row.in.npos)
+          << testing::PrintToString(row.pattern) << testing::PrintToString(text);
+    }
+  }
+  EXPECT_EQ(texto::replace_(L"año nuevo, ÁGIL", L"\\b\\w", L"<$&>"), L"<a>ño <n>uevo, <Á>GIL");
 }
 
 TEST(Pattern, GroupsAndReferences) {

@@ -160,5 +160,6 @@ TEST(Patterns, FixedOnesGiveTheSameAnswers) {
   std::wstring ascii;
   for (wchar_t c = 1; c < 128; ++c) ascii += c;
   EXPECT_EQ(texto::escape_regex_pattern(ascii), std::regex_replace(ascii, special, L"\\$&"));
+  EXPECT_EQ(texto::escape_regex_pattern(L"a\x00A0ñ\x3000"), L"a\\\x00A0ñ\\\x3000");
   EXPECT_EQ(texto::content(L"name=x"), L"name=x");
 }

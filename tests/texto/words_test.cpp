@@ -72,10 +72,7 @@ TEST(Words, Capitalised) {
                                  {L"JUAN  PEREZ\r\nlopez ", L"Juan Perez Lopez"},
                                  {L"árbol Árbol ÁRBOL", L"árbol Árbol Árbol"},
                                  {L"3abc -x ÑANDÚ", L"3abc -x Ñandú"},
-                                 {L"a\x00A0"
-                                  L"b",
-                                  L"A\x00A0"
-                                  L"b"}};
+                                 {L"JUAN\x00A0PEREZ\x2003\x3000LOPEZ\x1680", L"Juan Perez Lopez"}};
   check(rows, texto::to_capitalize_case_);
   check(rows, in_place([](std::wstring& text) -> std::wstring& { return texto::to_capitalize_case(text); }));
 }
@@ -102,6 +99,7 @@ TEST(Names, OfPersons) {
   check({{L"", L""},
          {L"MARÍA DE LA O GARCÍA-LÓPEZ", L"María de la O García-López"},
          {L"  ángel   DEL RÍO y pérez ", L"Ángel del Río y Pérez"},
+         {L"JUAN\x00A0PEREZ\x202F", L"Juan Perez"},
          {L"de la fuente", L"De la Fuente"},
          {L"EUGENI D'ORS", L"Eugeni d'Ors"},
          {L"D'ORS", L"D'Ors"},
@@ -150,6 +148,14 @@ TEST(Names, OfMunicipalities) {
                                  {L"ses salines", L"Ses Salines"},
                                  {L"sant joan ses figueres", L"Sant Joan ses Figueres"},
                                  {L"ÁVILA", L"Ávila"},
+                                 {L"\x00A0MOLAR\x00A0,\x2009"
+                                  L"EL\x3000",
+                                  L"El Molar"},
+                                 {L"EL MOLAR, EL", L"El Molar"},
+                                 {L"L'ESCALA (L')", L"L'Escala"},
+                                 {L"ELCHE, EL", L"El Elche"},
+                                 {L"LA, LA", L"La"},
+                                 {L"SANT VICENÇ DELS HORTS", L"Sant Vicenç dels Horts"},
                                  {L"Mieres (Asturias)", L"Mieres (Asturias)"},
                                  {L", LAS", L", Las"},
                                  {L"(A)", L"(A)"},
@@ -159,12 +165,13 @@ TEST(Names, OfMunicipalities) {
   for (const Row& row : rows) EXPECT_EQ(texto::corregir_nombre_municipio(row.second), row.second);
 }
 
+// And "dels": the pattern finds the beginning of it.
 TEST(Names, SmallInMunicipalitiesAreTheWordsOfThePattern) {
   const std::wregex pattern(
       L"(\\bel\\b|\\bla\\b|\\blos\\b|\\blas\\b|\\bde\\b|\\bdel|y\\b|na\\b|i\\b|els\\b|les\\b|ses\\b|sa\\b)");
   const auto verify = [&pattern](const std::wstring& word) {
     const bool is_small = texto::corregir_nombre_municipio(L"x " + word + L" x") == L"X " + word + L" X";
-    ASSERT_EQ(is_small, std::regex_match(word, pattern)) << texto::to_utf_8(word);
+    ASSERT_EQ(is_small, std::regex_match(word, pattern) || word == L"dels") << texto::to_utf_8(word);
   };
   const std::wstring letters = L"abdeilnosxy";
   for (const wchar_t a : letters) {

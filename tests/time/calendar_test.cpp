@@ -2,6 +2,7 @@
 
 #include <ruvo/datetime.hpp>
 #include <ruvo/exc.hpp>
+#include <ruvo/velda.hpp>
 
 #include <ctime>
 #include <limits>
@@ -64,6 +65,26 @@ TEST(calendar, years_beyond_the_record_fail) {
   EXPECT_EQ(far.get_lapso(), 9000000000000000000LL);
   EXPECT_TRUE(far.add(1, times::DAYS));
   EXPECT_THROW(far += 1, ruvo::exc::CalendarException);
+}
+
+TEST(calendar, the_ends_of_the_numbers) {
+  for (const long long seconds :
+       {std::numeric_limits<long long>::min(), std::numeric_limits<long long>::max()}) {
+    for (const times::HUSO huso : {times::GMT, times::LOCAL}) {
+      datetime far(0LL, huso);
+      far.set_lapso(seconds);
+      EXPECT_THROW(far.get_year(), ruvo::exc::CalendarException);
+    }
+  }
+  constexpr int greatest = std::numeric_limits<int>::max();
+  EXPECT_EQ(datetime(date::get_last_day(greatest, 12)).to_string("%F"), L"2147483647-12-31");
+  EXPECT_EQ(datetime(date::get_last_day(2024, greatest)).to_string("%F"), L"178958994-07-31");
+  for (const long far : {std::numeric_limits<long>::min(), std::numeric_limits<long>::max()}) {
+    if (far == greatest) continue;
+    EXPECT_THROW(date::get_last_day(far, 12), ruvo::exc::CalendarException);
+    EXPECT_THROW(date::get_last_day(2024, far), ruvo::exc::CalendarException);
+    EXPECT_NO_THROW(ruvo::velda::date::get_last_day(far, far));
+  }
 }
 
 TEST(calendar, numbers) {
@@ -131,6 +152,7 @@ TEST(calendar, fields_are_moved_and_set_with_carry) {
     times::UNITS unit;
     const wchar_t* expected;
   };
+  constexpr int greatest = std::numeric_limits<int>::max(), least = std::numeric_limits<int>::min();
   const row rows[] = {
       {"31 January and a month", false, 1, times::MONTHS, L"02-03-2024 10:20:30"},
       {"a year back in months", false, -13, times::MONTHS, L"31-12-2022 10:20:30"},
@@ -138,6 +160,13 @@ TEST(calendar, fields_are_moved_and_set_with_carry) {
       {"a second too many", false, 86400, times::SECONDS, L"01-02-2024 10:20:30"},
       {"minutes back", false, -21, times::MINUTES, L"31-01-2024 09:59:30"},
       {"week day moves nothing", false, 3, times::WEEK_DAY, L"31-01-2024 10:20:30"},
+      {"as many seconds as there are", false, greatest, times::SECONDS, L"18-02-2092 13:34:37"},
+      {"as many seconds back", false, least, times::SECONDS, L"13-01-1956 07:06:22"},
+      {"as many minutes", false, greatest, times::MINUTES, L"23-02-6107 12:27:30"},
+      {"as many hours", false, greatest, times::HOURS, L"09-11-247007 17:20:30"},
+      {"as many days", false, greatest, times::DAYS, L"10-08-5881634 10:20:30"},
+      {"as many months", false, greatest, times::MONTHS, L"31-08-178958994 10:20:30"},
+      {"as low a month", true, least, times::MONTHS, L"01-05--178954947 10:20:30"},
       {"set month counts from one", true, 12, times::MONTHS, L"31-12-2024 10:20:30"},
       {"set month with a short one", true, 2, times::MONTHS, L"02-03-2024 10:20:30"},
       {"set year is full", true, 1999, times::YEARS, L"31-01-1999 10:20:30"},
@@ -219,6 +248,13 @@ TEST(local_time, skipped_and_repeated_hours) {
   EXPECT_EQ(before.format(L"%T %z"), L"01:59:59 +0100");
   EXPECT_EQ(skipped.format(L"%T %z"), L"03:30:00 +0200");
   EXPECT_EQ(skipped, after);
+  datetime back(2024, 3, 31, 3, 0, 0, times::LOCAL);
+  EXPECT_EQ((--back).format(L"%T %z"), L"01:00:00 +0100");
+  EXPECT_EQ((--back).format(L"%T %z"), L"00:00:00 +0100");
+  back = after;
+  back.add(-31, times::MINUTES);
+  EXPECT_EQ(back.format(L"%T %z"), L"01:59:00 +0100");
+  EXPECT_EQ((++back).format(L"%T %z"), L"03:59:00 +0200");
 
   datetime repeated(2024, 10, 27, 2, 30, 0, times::LOCAL);
   EXPECT_EQ(repeated.format(L"%T %z"), L"02:30:00 +0200");

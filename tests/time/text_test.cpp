@@ -117,6 +117,10 @@ TEST(reading, texts_that_fit) {
       {L"2024 366", "%Y %j", L"31-12-2024 00:00:00"},
       {L"2023 52 7", "%Y %W %u", L"31-12-2023 00:00:00"},
       {L"2024 05 5", "%Y %U %w", L"09-02-2024 00:00:00"},
+      {L"060", "%j", L"01-03-1970 00:00:00"},
+      {L"05 5", "%U %w", L"06-02-1970 00:00:00"},
+      {L"Sun 10", "%a %H", L"01-01-1970 10:00:00"},
+      {L"Sun 01-02", "%a %d-%m", L"01-02-1970 00:00:00"},
       {L"01-01-1970 01:00 +0130", "%d-%m-%Y %H:%M %z", L"31-12-1969 23:30:00"},
       {L"01-01-1970 01:00 -01:30", "%d-%m-%Y %H:%M %z", L"01-01-1970 02:30:00"},
       {L"10:00Z", "%R%z", L"01-01-1970 10:00:00"},
@@ -160,6 +164,7 @@ TEST(reading, texts_that_do_not_fit) {
       {L"0 AM", "%I %p"},
       {L"10 XM", "%I %p"},
       {L"2023 366", "%Y %j"},
+      {L"366", "%j"},
       {L"2023 000", "%Y %j"},
       {L"2023 54 1", "%Y %W %u"},
       {L"2023 8", "%Y %u"},
@@ -200,8 +205,8 @@ TEST(reading, constructors_and_assignments) {
 // What every full format prints is read back as the same instant, in both modes.
 TEST(reading, takes_back_what_was_printed) {
   const char* const formats[] = {
-      "%d-%m-%Y %H:%M:%S", "%Y-%m-%d %H:%M:%S", "%d-%B-%Y %H:%M:%S %z", "%c",          "%F %T",
-      "%j/%Y %I:%M:%S %p", "%Y %U %a %T",       "%A %e %b %Y %T",       "%y%m%d%H%M%S"};
+      "%d-%m-%Y %H:%M:%S", "%Y-%m-%d %H:%M:%S", "%d-%B-%Y %H:%M:%S %z", "%c",           "%F %T",
+      "%j/%Y %I:%M:%S %p", "%Y %U %a %T",       "%A %e %b %Y %T",       "%y%m%d%H%M%S", "%F %T %Z"};
   for (const times::HUSO huso : {times::GMT, times::LOCAL}) {
     for (long long seconds = 0; seconds < 2000000000; seconds += 7654321) {
       const datetime value(seconds, huso);

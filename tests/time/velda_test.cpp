@@ -1,8 +1,11 @@
 // The day count: its two formulas against other statements of them, and the days that they disagree on.
 
+#include <ruvo/datetime.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/velda.hpp>
+#include <ruvo/xvar.hpp>
 
+#include <functional>
 #include <limits>
 #include <random>
 #include <type_traits>
@@ -115,6 +118,30 @@ TEST(velda, setting_a_field) {
   EXPECT_FALSE(value.set(5, times::HOURS));
   EXPECT_EQ(fields_of(value), 20310801);
   EXPECT_EQ(value.get(times::HOURS), 4);
+}
+
+TEST(velda, assigning_keeps_the_mode) {
+  velda::date value(times::LOCAL);
+  const std::function<void()> assignments[] = {
+      [&] { value = 20240229; },
+      [&] { value = 20240229L; },
+      [&] { value = "29-02-2024"; },
+      [&] { value = L"29-02-2024"; },
+      [&] { value = std::string("29-02-2024"); },
+      [&] { value = std::wstring(L"29-02-2024"); },
+      [&] { value = ruvo::date(20240229, times::LOCAL); },
+      [&] { value = ruvo::datetime(2024, 2, 29, 23, 0, 0, times::LOCAL); },
+      [&] { value = ruvo::xvar(ruvo::date(20240229, times::LOCAL)); },
+  };
+  for (const auto& assign : assignments) {
+    value.set(1, 1, 1);
+    assign();
+    EXPECT_EQ(value.get_day_number(), 2460370);
+    EXPECT_EQ(static_cast<long>(value), 20240229);
+    EXPECT_EQ(value.get_huso_horario(), times::LOCAL);
+  }
+  EXPECT_THROW(value = "31-02-2024", ruvo::exc::CalendarException);
+  EXPECT_EQ(value.get_day_number(), 2460370);
 }
 
 // Through the types above it the number moves as well.

@@ -149,13 +149,19 @@ class KESTA_API RecursiveCallBack : public RelayCallBack {
   void onFinish() override;
   void onFailure(const exception& error) override;
 
+ protected:
+  /// Lists a folder, which is followed if it is a link, and all below it to this callback.
+  void walk(const file& top);
+
  private:
-  void descend();
+  void descend(const file* top);
+  void list(const file& folder);
 
   std::vector<file>* out_;
   fileFilter* filter_;
   std::vector<file> pending_;  // folders to go down into, the next one last
   bool descends_ = false;
+  bool failed_ = false;  // the listing under way has told a failure
 };
 
 /// Copies each entry below `source` to the same place below `target`; of a folder, the folder alone. What was

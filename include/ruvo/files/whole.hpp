@@ -12,7 +12,8 @@ namespace ruvo::files {
 
 // Failures: exc::fileNotFound for a missing path, exc::fileExpectedFile where a folder stands,
 // exc::fileOsStream when the system refuses to read or write the file, exc::fileStrageFileSize when another
-// size was read or copied than the file has. The forms with an exception copy the failure to it and give
+// size was read or copied than the file has; where the content is too much for memory, the former in writing
+// and the latter in reading. The forms with an exception copy the failure to it and give
 // false, the others throw; a success leaves it as it was.
 
 // Reading. What `out` held is replaced, and kept on failure.
@@ -74,8 +75,8 @@ KESTA_API file append(const file& path, const std::wstring& text);
 /// taken,
 /// "_01", "_02", ... behind them ("informe.txt", "informe_01.txt").
 KESTA_API file autorename(const file& path, const std::wstring& prefix = {}, const std::wstring& suffix = {});
-/// A free name in a folder: `prefix`, `name`, and a counter from "_01" on; then "." and `extension`, unless
-/// it is empty.
+/// A free name in a folder: `prefix`, `name`, and a counter from "_01" on; then `extension`, with a "."
+/// before it unless it is empty or brings its own.
 KESTA_API file get_temporal_file(file folder, std::wstring prefix, std::wstring name, std::wstring extension);
 /// The same in the user's folder for temporary files.
 KESTA_API file get_temporal_file(std::wstring prefix, std::wstring name, std::wstring extension);

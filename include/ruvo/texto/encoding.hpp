@@ -75,9 +75,12 @@ KESTA_API std::string hex_to_dec(const std::string& hex);
 /// "%" and two upper-case digits. For a part of an address, not for a whole one: its "/" and "?" do not stay.
 KESTA_API std::wstring web_encode(std::wstring text);
 /// The UTF-8 text as "Q" encoded words of a mail header, RFC 2047: "=?UTF-8?Q?...?=", each of at most 75
-/// characters, ending between characters and joined by CRLF and a blank. Literal are only the characters that
-/// are safe in a phrase: letters, digits and "!*+-/", with "_" for a blank. A text of printable ASCII without
-/// "=?" needs no encoding and comes back as it is, in one line; malformed parts become U+FFFD.
+/// characters, ending between characters and joined by CRLF and a blank. What stands before the first word is
+/// not counted: behind a field's name its line may pass the 76 characters of section 2 by that name. Literal
+/// are only the characters that are safe in a phrase: letters, digits and "!*+-/", with "_" for a blank.
+/// A text of printable ASCII without "=?" needs no encoding and comes back as it is, in one line; that fits
+/// unstructured fields like Subject, while a name with , < or @ before an address wants quotes. Malformed
+/// parts become U+FFFD.
 KESTA_API std::string q_encoded(const std::string& text);
 
 }  // namespace ruvo::texto

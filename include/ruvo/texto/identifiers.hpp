@@ -34,11 +34,13 @@ KESTA_API bool valida_nie(const std::wstring& text);
 
 /// A letter, seven digits and a control letter from A to J.
 /// @quirk The control letter comes from a sum of its own, modulo 11, in which the first letter counts with
-/// its character code. Other schemes for these numbers, with a control digit, do not hold here.
+/// its character code. Other schemes for these numbers do not hold here: with a control digit, or with
+/// the usual control letter, a number is refused.
 KESTA_API bool valida_cif(const std::string& text);
 KESTA_API bool valida_cif(const std::wstring& text);
 
-/// Nine characters: a NIE when X, Y or Z comes first, a CIF with any other letter, else a DNI.
+/// Nine characters: a NIE when X, Y or Z comes first, a CIF (by the rule of valida_cif) with any other
+/// letter, else a DNI.
 KESTA_API bool valida_nif(const std::string& text);
 KESTA_API bool valida_nif(const std::wstring& text);
 

@@ -63,8 +63,9 @@ KESTA_API std::wstring print_json(std::wstring text);
 
 /// Replaces `out` by the bytes of the memo; none if it is not Base64.
 KESTA_API void decodifica_memo(binary& out, std::wstring memo);
-/// Replaces `out` by the JSON document that the memo holds, as UTF-8 under the Base64 or as it stands. Empty
-/// if it holds none, or one that serializer::json reports as wrong.
+/// Replaces `out` by the JSON document that the memo holds, as UTF-8 under the Base64 or as it stands; a mark
+/// of byte order before it does not count. Empty if it holds none, or one that serializer::json reports as
+/// wrong.
 KESTA_API void decodifica_memo(bundle& out, std::wstring memo);
 
 }  // namespace ruvo::texto

@@ -12,7 +12,8 @@ namespace ruvo::texto {
 /// three digits. The separators are those of the calling thread's application, ',' and '.' on a thread
 /// without one. A negative number that rounds to zero keeps its sign ("-0"). "nan", "inf", "-inf".
 KESTA_API std::wstring format(double value, short decimals);
-/// The same without decimals.
+/// The same without decimals. A double takes this form too when no decimals are given, and loses its own:
+/// format(1234.56) gives "1.234".
 KESTA_API std::wstring format(long value);
 
 /// Decimal digits of the absolute value; 1 for 0.
@@ -32,10 +33,10 @@ KESTA_API std::wstring to_roman(unsigned int number);
 /// The amount in Spanish words, each with an upper-case initial but "y" and "con": "Veintiún Mil Treinta y
 /// Uno con Cincuenta Céntimos", "Menos Cien", "Un Millón", "Dos Mil Millones".
 ///
-/// The amount is rounded as format() does with two decimals, so that figures and words agree; "Cero" when
-/// nothing remains. Twenty-one to twenty-nine are one word. The last number keeps its long form ("Uno"), for
-/// no noun is known; the others are shortened ("Un", "Veintiún"). "Número no soportado" from 10^15 on and
-/// for NaN.
+/// The amount is rounded as format() does with two decimals, so that figures and words agree; "Cero", without
+/// the sign that format() keeps, when nothing remains. Twenty-one to twenty-nine are one word. The last
+/// number keeps its long form ("Uno"), for no noun is known; the others are shortened ("Un", "Veintiún").
+/// "Número no soportado" from 10^15 on and for NaN.
 KESTA_API std::wstring cifras_letras(double amount);
 
 /// Whole text: digits in groups of three separated by points and decimals after a comma, or with both

@@ -4,10 +4,17 @@
 //
 // A pattern is a regular expression in the ECMAScript grammar as std::regex takes it; a malformed one throws
 // std::regex_error, and so does one that takes too many steps (error_complexity: more than 100 for each
-// character beyond the first million), too much room or too many instructions (error_stack, error_space).
-// Time is linear in the text for patterns without back-references and look-aheads. Everything that does not
-// name its argument `pattern` is literal: no character has a meaning of its own. All comparisons are
-// case-sensitive.
+// character beyond the first million, and 4 more for each of its first 100 branches), too much room or too
+// many instructions (error_stack, error_space). Time is linear in the text for patterns without
+// back-references and look-aheads.
+//
+// In patterns, \w, \b, [[:alpha:]] and [[:alnum:]] hold the letters of Latin, Greek and Cyrillic (Unicode up
+// to U+052F, and U+1E00 to U+1EFF), [[:upper:]] and [[:lower:]] those of them that are one of such a pair (in
+// Latin up to U+017F and from U+1E00 on); \s and [[:space:]] also the blanks beyond ASCII, no-break spaces
+// among them; \d and [[:digit:]] are 0 to 9. Ranges like [a-z] hold what lies between their ends.
+//
+// Everything that does not name its argument `pattern` is literal: no character has a meaning of its own. All
+// comparisons are case-sensitive.
 
 #include <ruvo/api.hpp>
 
@@ -72,7 +79,7 @@ KESTA_API std::wstring& safe_replace(std::wstring& text, wchar_t from, wchar_t t
 /// As safe_replace; only the first occurrence unless `all`.
 KESTA_API std::wstring& std_replace(std::wstring& text, std::wstring from, std::wstring to, bool all);
 
-/// Puts a backslash before - [ ] { } ( ) * + ? . , ^ $ | # and blanks.
+/// Puts a backslash before - [ ] { } ( ) * + ? . , ^ $ | # and the blanks of \s.
 /// @quirk A backslash is not escaped, so a text that holds one does not become a pattern that matches it.
 KESTA_API std::wstring escape_regex_pattern(const std::wstring& text);
 

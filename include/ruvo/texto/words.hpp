@@ -33,7 +33,8 @@ KESTA_API wchar_t to_uppercase(wchar_t c);
 KESTA_API std::wstring& to_uppercase(std::wstring& text);
 KESTA_API std::wstring to_uppercase_(const std::wstring& text);
 
-// Word forms
+// Word forms. Words are separated by blanks of any kind, no-break spaces and others beyond ASCII too, unlike
+// the ends that trim() cuts.
 
 /// "hola mundo" gives "HolaMundo": letters lose their accents, all but letters and digits is dropped and
 /// starts a new word, which begins with a capital and goes on in small letters.
@@ -70,11 +71,12 @@ KESTA_API bool is_article_or_preposition(const std::wstring& word);
 /// The name of a municipality as it is written in running text, in capitals and small letters like a
 /// person's name. An article at the end, after a comma or in brackets, goes to the front: "PALMAS DE GRAN
 /// CANARIA, LAS" gives "Las Palmas de Gran Canaria", "CORUÑA (A)" gives "A Coruña", "Hospitalet (L')" gives
-/// "L'Hospitalet". The names on both sides of a '/' are treated one by one, and the '/' loses the blanks
-/// around it. Small are, but not at the start, the words el la los las de del y na i els les ses sa, and d'
-/// l' s' n' before a word.
+/// "L'Hospitalet"; it is dropped when it stands in front, too ("EL MOLAR, EL"). The names on both sides of a
+/// '/' are treated one by one, and the '/' loses the blanks around it. Small are, but not at the start, the
+/// words el la los las de del dels y na i els les ses sa, and d' l' s' n' before a word.
 /// @quirk Other particles ("do", "dos", "es") get a capital inside a name: the pattern that lists the small
-/// ones does not have them. It is compared with whole words, although some of its parts name no word limit.
+/// ones does not have them. It is compared with whole words, although some of its parts name no word limit;
+/// only "dels" is what its "del" begins.
 KESTA_API std::wstring corregir_nombre_municipio(const std::wstring& name);
 
 /// "García López, Juan" gives "Juan García López": what stands before the first comma goes to the end.

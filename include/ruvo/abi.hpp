@@ -1,0 +1,52 @@
+#pragma once
+
+// A program and kesta.dll share classes, so both come from one family of compilers with one C++ runtime.
+//
+// The DLL exports a function whose name tells its family, and this header makes each module that uses the DLL
+// refer to the function of its own. Where they differ the linker misses that name; with another DLL in place,
+// Windows does when the program starts. It costs a pointer a module.
+
+#if !defined(KESTA_STATIC)
+
+#  include <memory>  // brings what the standard library tells of itself and of its threads
+
+#  if !defined(_WIN64)
+#    error "kesta.dll serves 64-bit Windows programs only"
+#  endif
+
+#  if defined(_MSC_VER) && defined(_DEBUG)
+#    define KESTA_DLL_FAMILY kesta_dll_serves_msvc_debug_v1
+#    define KESTA_DLL_FAMILY_TEXT "kesta_dll_serves_msvc_debug_v1"
+#  elif defined(_MSC_VER)
+#    define KESTA_DLL_FAMILY kesta_dll_serves_msvc_release_v1
+#    define KESTA_DLL_FAMILY_TEXT "kesta_dll_serves_msvc_release_v1"
+#  elif defined(_LIBCPP_VERSION)
+#    define KESTA_DLL_FAMILY kesta_dll_serves_mingw_with_libcxx_v1
+#  elif !defined(__GLIBCXX__)
+#    error "kesta.dll: this C++ standard library is not known"
+#  elif defined(_GLIBCXX_DEBUG)
+#    define KESTA_DLL_FAMILY kesta_dll_serves_mingw_gcc_with_glibcxx_debug_v1
+#  elif !_GLIBCXX_USE_CXX11_ABI
+#    define KESTA_DLL_FAMILY kesta_dll_serves_mingw_gcc_with_old_strings_v1
+#  elif defined(_GLIBCXX_GCC_GTHR_POSIX_H)
+#    define KESTA_DLL_FAMILY kesta_dll_serves_mingw_gcc_posix_v1
+#  else
+#    define KESTA_DLL_FAMILY kesta_dll_serves_mingw_gcc_win32_v1
+#  endif
+
+namespace ruvo::abi {
+
+#  if defined(KESTA_BUILDING)
+__declspec(dllexport) void KESTA_DLL_FAMILY();
+#  elif defined(_MSC_VER)
+void KESTA_DLL_FAMILY();
+#    pragma comment(linker, "/include:?" KESTA_DLL_FAMILY_TEXT "@abi@ruvo@@YAXXZ")
+#  else
+// Without dllimport: the address of the import library's stub is a constant, so nothing runs at start.
+void KESTA_DLL_FAMILY();
+[[gnu::used]] inline void (*const family_of_this_module)() = &KESTA_DLL_FAMILY;
+#  endif
+
+}  // namespace ruvo::abi
+
+#endif

@@ -1,0 +1,130 @@
+#pragma once
+
+// ruvo::jobs, the pool that runs a fixed number of tasks at once and queues the rest.
+
+#include <ruvo/api.hpp>
+#include <ruvo/sync.hpp>
+#include <ruvo/task.hpp>
+
+#include <atomic>
+#include <iosfwd>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+
+namespace ruvo::jobs {
+
+/// A task with its argument, as a pool keeps it. The task is not owned and must live until the job is over.
+class KESTA_API job : public sync::on_round_off, public sync::cautionary {
+ public:
+  job(task::async& task, const xvar& parameter);
+  job(const job&) = delete;
+  job& operator=(const job&) = delete;
+
+  /// From the task: the job is over, and says so to its own listener.
+  void on_run_off(std::wstring uuid) override;
+  /// Makes this the task's listener and starts the task with a copy of the parameter. Throws what
+  /// issueable::start throws.
+  virtual void run();
+  /// Cancels the task and joins it; throws what issueable::join throws.
+  virtual void cancel();
+
+  ~job() override;
+
+  task::async& get_taks() const noexcept { return task_; }
+  std::thread::id get_id() const { return task_.get_id(); }
+  std::wstring get_uuid() const { return task_.get_uuid(); }
+  /// 2 waiting, 1 running, 0 over.
+  int get_state() const noexcept { return state_.load(); }
+  /// How many jobs there are in the process, for those who watch pools that live long.
+  static unsigned long long alive() noexcept;
+
+  bool operator==(const job& other) const noexcept { return task_ == other.task_; }
+  /// @quirk Inverted, as that of the tasks.
+  bool operator<(const job& other) const noexcept { return task_ < other.task_; }
+
+ private:
+  friend class pool;
+  /// Waits for a run() that is under way; from then on run() does nothing.
+  void discard();
+
+  task::async& task_;
+  const xvar parameter_;
+  std::atomic<int> state_;
+  std::recursive_mutex running_;  // the callbacks of a starting task may cancel the pool
+  bool discarded_ = false;
+};
+
+/// Runs at most size() tasks at once, each on a thread of its own, and the rest in the order in which they
+/// came. A dispatcher thread starts them; it spins while there is work, for the shortest way from a free slot
+/// to the next task, and ends when all is done.
+///
+/// A task must live until it is over and joined, and must be joined before it is put in again. Its slot is
+/// freed by set_mensaje(), by cancel() and by the destructor of the task, by a task::call however it ends,
+/// and by the pool's cancel() and destructor; a `work` that ends in no such way keeps its slot.
+///
+/// All operations but the destructor may be called from any thread, also from callbacks. What the pool keeps
+/// of a task that is over (not the task) is freed with the pool.
+class KESTA_API pool : public sync::on_round_off {
+ public:
+  pool();  ///< With a slot for each hardware thread.
+  /// @quirk With no slot at all, everything waits: exec() then returns only after cancel().
+  explicit pool(unsigned long long max_concurrency);
+  pool(const pool&) = delete;
+  pool& operator=(const pool&) = delete;
+
+  /// Runs the task, or queues it when no slot is free. Throws what issueable::start throws; the task is then
+  /// not in the pool.
+  void execute_job(task::async& task, const xvar& parameter);
+  /// Queues the task, for start(), exec() or a dispatcher that is running.
+  void store_job(task::async& task, const xvar& parameter);
+
+  /// Starts the dispatcher, unless it is running. Throws std::system_error (resource_unavailable_try_again)
+  /// when the system has no thread.
+  void start();
+  /// Runs what is queued, and returns when nothing is queued or running; while a dispatcher is running it
+  /// returns at once.
+  void exec();
+  /// Drops what is queued, cancels and joins what is running, and joins the dispatcher. Throws
+  /// std::system_error: invalid_argument when there is no dispatcher to join, resource_deadlock_would_occur
+  /// on the dispatcher. A task on whose thread this is called is not joined.
+  void cancel();
+
+  // The dispatcher's thread, as of a task. join() returns when nothing is queued or running.
+  void join();
+  /// The dispatcher still ends before the pool does.
+  void detach();
+  bool joinable() const;
+  std::thread::id get_id() const;
+
+  /// What is running goes on.
+  void set_max_concurrency(unsigned long long n) noexcept;
+  // Hints for the next step, without a lock.
+  unsigned long long size() const noexcept;
+  unsigned long long running() const noexcept;
+  unsigned long long pendings() const noexcept;
+  /// @quirk size() - running() without a sign: huge while more are running than a lowered size allows.
+  unsigned long long free_size() const noexcept;
+  bool is_free() const noexcept;
+  bool empty() const noexcept;  ///< Nothing queued and nothing running.
+  unsigned long long hardware_concurrency() const noexcept;
+
+  /// The counters in five lines.
+  std::wstring to_string() const;
+
+  /// Frees the slot of the task, from its job; an unknown one changes nothing.
+  void on_run_off(std::wstring uuid) override;
+
+  /// Drops what is queued, cancels and joins what is running, waits for the dispatcher.
+  ~pool() override;
+
+ private:
+  struct state;
+  std::unique_ptr<state> state_;
+};
+
+/// Writes the counters.
+KESTA_API std::wostream& operator<<(std::wostream& out, const pool& of);
+
+}  // namespace ruvo::jobs

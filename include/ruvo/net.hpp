@@ -1,0 +1,39 @@
+#pragma once
+
+// ruvo::net, what the answers of all transports have in common.
+
+#include <ruvo/api.hpp>
+#include <ruvo/exception.hpp>
+
+namespace ruvo::net {
+
+/// An answer with a status. The library opens no connection: the application's transport fills the answer and
+/// records a failure with set_exception().
+///
+/// @quirk A pointer to the status is what an answer turns into where a bool is wanted, so `if (answer)` is
+/// always true: ask OK().
+class KESTA_API iresponse {
+ public:
+  /// Raw code 0xEBB80000, message "OK".
+  iresponse();
+  iresponse(const iresponse& other) noexcept;
+  iresponse& operator=(const iresponse& other) noexcept;
+  virtual ~iresponse();
+
+  /// Whether the number of the status within its range is 0, whatever the range.
+  bool OK() const noexcept { return status_.OK(); }
+  bool WRONG() const noexcept { return !OK(); }
+
+  /// Copies code and texts; of the class of `error` nothing is kept.
+  void set_exception(const exception& error) noexcept;
+  const exception& get_exception() const noexcept { return status_; }
+  operator const exception&() const noexcept { return status_; }
+  operator const exception*() const noexcept { return &status_; }
+  /// The status, for writing; never null, valid as long as the answer.
+  exception* status_ptr() noexcept { return &status_; }
+
+ private:
+  exception status_;
+};
+
+}  // namespace ruvo::net

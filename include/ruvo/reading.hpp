@@ -1,0 +1,53 @@
+#pragma once
+
+// Where in a text something stands, and all the failures of a reading.
+//
+//   ruvo::serializer::json_reader reader;
+//   ruvo::bundle document;
+//   for (const auto& failure : ruvo::serializer::read_all(reader, document, text))
+//     std::wcerr << failure.line << L':' << failure.column << L' ' << failure.error.get_mensaje() << L'\n';
+
+#include <ruvo/api.hpp>
+#include <ruvo/exception.hpp>
+#include <ruvo/fwd.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace ruvo::serializer {
+
+/// Both counted from 1.
+struct text_place {
+  std::size_t line = 1, column = 1;
+  bool operator==(const text_place&) const = default;
+};
+
+/// The place of the character that has `position`, counted from 1 in UTF-16 units as the readers and their
+/// messages count; 0 is taken as 1, and a position behind the text gives the place where it ends.
+///
+/// CR, LF and CRLF each end a line and belong to it. A surrogate pair is one column, and so is CRLF; tabs,
+/// combining marks and a byte order mark are one column each. Takes time linear in `position`.
+KESTA_API text_place position_of(std::wstring_view text, std::uint64_t position) noexcept;
+
+/// The position that the message of a failure of json or xml carries; 0 when it carries none.
+KESTA_API std::uint64_t failure_position(const exception& failure);
+
+/// A failure and the character at which it was found.
+struct reading_failure {
+  exception error;
+  std::uint64_t position;
+  std::size_t line, column;
+};
+
+/// Reads the text into `out` as deserialize() does, and gives the failures in the order of their positions:
+/// the first `most` of them. Failures of the same code at characters that follow each other count once.
+///
+/// An exception of the reader (JSON: a number that can't be converted) ends the reading there; it is the last
+/// failure, an exc::RunTime with its text, and counts even beyond `most`. std::bad_alloc leaves this
+/// function. The reader is reset before and after.
+KESTA_API std::vector<reading_failure> read_all(ireader& reader, bundle& out, std::wstring_view text,
+                                                std::size_t most = 100);
+
+}  // namespace ruvo::serializer

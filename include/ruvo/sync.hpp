@@ -1,0 +1,200 @@
+#pragma once
+
+// ruvo::sync, work on a thread of its own that tells of its course: callbacks, the runnable base, and who is
+// told when a piece of work is over.
+
+#include <ruvo/api.hpp>
+#include <ruvo/exception.hpp>
+#include <ruvo/fwd.hpp>
+
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+
+namespace ruvo {
+
+namespace detail {
+
+/// A thread that several threads may join. Never reused by itself: each start makes a new thread.
+class KESTA_API worker {
+ public:
+  worker();
+  worker(const worker&) = delete;
+  worker& operator=(const worker&) = delete;
+  /// Ends the process when the thread was neither joined nor detached.
+  ~worker();
+
+  /// Throws std::system_error (resource_unavailable_try_again) when the system has no thread. Ends the
+  /// process when the last thread was neither joined nor detached.
+  void start(std::function<void()> body);
+  /// Waits for the end of the thread, also while another thread joins it; nothing when there is none. False
+  /// when there was none. Throws std::system_error, resource_deadlock_would_occur on the thread itself.
+  bool join();
+  /// False when there was none. Throws std::system_error (invalid_argument) when the system refuses or the
+  /// thread is being joined.
+  bool detach();
+  bool joinable() const;
+  std::thread::id get_id() const;
+
+ private:
+  mutable std::mutex guard_;
+  std::condition_variable ended_;
+  std::thread thread_;  // empty while a thread joins it
+  std::thread::id id_;  // until it is joined
+  unsigned joins_ = 0;  // finished ones
+};
+
+}  // namespace detail
+
+namespace sync {
+
+/// What the owner of a piece of work is told. `on_start` comes on the thread that starts the work,
+/// `on_cancel` on the one that cancels it, the rest on the thread of the work.
+template <class In, class Out>
+class async_callback {
+ public:
+  async_callback();
+  async_callback(const async_callback&);
+  async_callback(async_callback&&) noexcept;
+  async_callback& operator=(const async_callback&);
+  async_callback& operator=(async_callback&&) noexcept;
+
+  virtual void on_start() = 0;
+  /// The values belong to the work and are valid during the call.
+  virtual void on_progress(Out* progress) = 0;
+  virtual void on_finish(Out* result) = 0;
+  virtual void on_cancel() = 0;
+  virtual void on_failure(const exception& error) = 0;
+
+  virtual ~async_callback();
+};
+
+/// Is told when a piece of work is over.
+class KESTA_API on_round_off {
+ public:
+  on_round_off();
+  on_round_off(const on_round_off&);
+  on_round_off(on_round_off&&) noexcept;
+  on_round_off& operator=(const on_round_off&);
+  on_round_off& operator=(on_round_off&&) noexcept;
+
+  /// On the thread of the work.
+  virtual void on_run_off(std::wstring uuid) = 0;
+
+  virtual ~on_round_off();
+};
+
+/// The side that tells it. Copies share the listener, which is not owned.
+class KESTA_API cautionary {
+ public:
+  cautionary();
+  cautionary(const cautionary& other);
+  cautionary& operator=(const cautionary& other);
+
+ protected:
+  /// Tells the listener, if there is one.
+  virtual void fire_on_stop(std::wstring uuid);
+
+ public:
+  /// Null for none. A notification that is under way on another thread may still reach the old one.
+  virtual void set_listener(on_round_off* listener);
+
+  virtual ~cautionary();
+
+  /// Back to none, if this is the listener.
+  void forget_listener(on_round_off* listener) noexcept;
+
+ private:
+  std::atomic<on_round_off*> listener_{nullptr};
+};
+
+/// A piece of work that runs on a thread of its own, one new thread for each start.
+///
+/// All operations may be called from any thread. The object must outlive its thread: join before destroying
+/// it. The destructors of the library's classes cancel and join, but when they run, what a derived class adds
+/// is gone, and a `work` that is still busy would use it: a derived class joins in its own destructor.
+/// An exception that escapes `work` ends the process (task::call catches them).
+template <class In, class Progress, class Out>
+class issueable : public async_callback<In, Out>, public cautionary {
+ public:
+  using callback_type = async_callback<In, Out>;
+
+  /// The callback is not owned; null tells nobody. The identifier comes from the application of the calling
+  /// thread.
+  explicit issueable(callback_type* callback = nullptr);
+  issueable(const issueable&) = delete;
+  issueable& operator=(const issueable&) = delete;
+
+  // To the callback, unchanged.
+  void on_start() override;
+  void on_progress(Progress* progress) override;
+  /// Tells the callback, and then in every case (also when the callback throws) the listener.
+  void on_finish(Out* result) override;
+  void on_cancel() override;
+  void on_failure(const exception& error) override;
+
+  /// The body, on the new thread. The input lives as long as the call.
+  virtual void work(const In& input) = 0;
+
+  ~issueable() override;
+
+  /// on_start(), then work() with a copy of the input on a new thread. Throws what on_start() throws, and
+  /// std::system_error (resource_unavailable_try_again) when the system has no thread.
+  /// @quirk Ends the process when the thread of an earlier start was neither joined nor detached, as the
+  /// assignment of a std::thread does.
+  void start(const In& input);
+  /// Asks the work to end, waits for its thread and calls on_cancel(); a run that told nobody of its end then
+  /// tells the listener. Never throws: any failure, of on_cancel() too, becomes an exc::ThreadException (code
+  /// 1) that goes to on_failure().
+  /// @quirk From within `work` it only sets the flag, and on_failure() comes instead of on_cancel().
+  void cancel() noexcept;
+  /// Once true it stays true, over later starts too.
+  bool is_canceled() const noexcept { return canceled_.load(); }
+  /// No callback is told anything from now on, but for a call that is under way.
+  void silence() noexcept { callback_.store(nullptr); }
+  void set_callback(callback_type& callback) noexcept { callback_.store(&callback); }
+
+  /// Waits for the thread, if there is one. Throws std::system_error: resource_deadlock_would_occur on the
+  /// thread itself, no_such_process when the system refuses.
+  void join();
+  /// Lets the thread go, which must end before the object does. Throws std::system_error (invalid_argument)
+  /// when it cannot.
+  void detach();
+  bool joinable() const { return worker_.joinable(); }
+  std::thread::id get_id() const { return worker_.get_id(); }
+  std::wstring get_uuid() const { return uuid_; }
+
+  bool operator==(const issueable& other) const noexcept { return uuid_ == other.uuid_; }
+  /// @quirk Inverted on purpose: ordered containers hold tasks in descending order of their identifiers.
+  bool operator<(const issueable& other) const noexcept { return other.uuid_ < uuid_; }
+
+ protected:
+  /// Tells the listener of the end of this run, once, for a `work` that ends without on_finish().
+  void end_run();
+  /// Cancels and joins, for destructors: of the callbacks on_cancel() is told, if the thread was not joined.
+  void settle() noexcept;
+
+ private:
+  void end_quietly() noexcept;
+  static void report(callback_type& to) noexcept;
+
+  detail::worker worker_;
+  std::atomic<callback_type*> callback_;
+  std::atomic<bool> canceled_{false};
+  std::atomic<bool> open_{false};  // started, and nobody was told of the end
+  std::atomic<bool> detached_{false};
+  std::atomic<bool> dying_{false};  // what derived classes add may be gone
+  const std::wstring uuid_;
+};
+
+extern template class KESTA_TEMPLATE_DECL async_callback<xvar, xvar>;
+extern template class KESTA_TEMPLATE_DECL async_callback<bundle, bundle>;
+extern template class KESTA_TEMPLATE_DECL issueable<xvar, xvar, xvar>;
+extern template class KESTA_TEMPLATE_DECL issueable<bundle, bundle, bundle>;
+
+}  // namespace sync
+
+}  // namespace ruvo

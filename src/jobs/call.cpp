@@ -1,0 +1,66 @@
+#include <ruvo/exc.hpp>
+#include <ruvo/task.hpp>
+
+#include <utility>
+
+namespace ruvo::task {
+
+bool steps::operator()(const xvar& progress) const { return of_->advance(progress); }
+void steps::advance(const xvar& progress) const { of_->advance_or_throw(progress); }
+bool steps::canceled() const noexcept { return of_->is_canceled(); }
+
+call::told::told(handlers whom) : whom_(std::move(whom)) {}
+call::told::~told() = default;
+
+void call::told::on_start() {}
+void call::told::on_progress(xvar* progress) {
+  if (whom_.progress) whom_.progress(*progress);
+}
+void call::told::on_finish(xvar* result) {
+  if (whom_.finish) whom_.finish(*result);
+}
+void call::told::on_cancel() {
+  if (whom_.cancel) whom_.cancel();
+}
+void call::told::on_failure(const exception& error) {
+  if (whom_.failure) whom_.failure(error);
+}
+
+call::call(body work, handlers whom) : told_(std::move(whom)), body_(std::move(work)) { set_callback(told_); }
+
+call::~call() { settle(); }
+
+void call::work(const xvar& input) {
+  try {
+    run(input);
+  } catch (...) {
+    fail();
+  }
+  try {
+    end_run();
+  } catch (...) {  // the listener's own affair
+  }
+}
+
+void call::run(const xvar& input) {
+  if (is_canceled()) throw exc::ProcessCanceled();
+  xvar result = body_(input, steps(*this));
+  set_mensaje(result);
+}
+
+void call::fail() noexcept {
+  try {
+    try {
+      throw;
+    } catch (const exception& error) {
+      on_failure(error);
+    } catch (const std::exception& error) {
+      on_failure(exc::UnCatch(&error));
+    } catch (...) {
+      on_failure(exc::ThreadException());
+    }
+  } catch (...) {  // nobody is left to be told
+  }
+}
+
+}  // namespace ruvo::task

@@ -1,0 +1,31 @@
+#include "jobs/identifier.hpp"
+
+#include <atomic>
+
+#include "app/current.hpp"
+
+namespace ruvo::jobs {
+
+namespace {
+
+constinit std::atomic<unsigned long long> numbered{0};
+
+/// The layout of the others.
+std::wstring next_number() {
+  constexpr int digits = 16;
+  std::wstring text = L"00000000-0000-0000";
+  unsigned long long rest = ++numbered;
+  text.resize(text.size() + digits);
+  for (auto at = text.rbegin(); at != text.rbegin() + digits; ++at, rest /= digits)
+    *at = L"0123456789ABCDEF"[rest % digits];
+  return text;
+}
+
+}  // namespace
+
+std::wstring new_identifier() {
+  std::wstring made = current_context().uuid_gen(L"%08X-%04X-%04X", L"%02X");
+  return made.empty() ? next_number() : made;
+}
+
+}  // namespace ruvo::jobs

@@ -1,0 +1,52 @@
+#include <ruvo/jobs.hpp>
+
+#include <utility>
+
+namespace ruvo::jobs {
+
+namespace {
+
+enum state { over, running, waiting };
+
+constinit std::atomic<unsigned long long> living{0};
+
+}  // namespace
+
+job::job(task::async& task, const xvar& parameter) : task_(task), parameter_(parameter), state_(waiting) {
+  ++living;
+}
+job::~job() { --living; }
+
+unsigned long long job::alive() noexcept { return living; }
+
+void job::on_run_off(std::wstring uuid) {
+  state_.store(over);
+  // The task may outlive the pool, and this with it.
+  task_.forget_listener(this);
+  fire_on_stop(std::move(uuid));
+}
+
+void job::run() {
+  const std::lock_guard lock(running_);
+  if (discarded_) return;
+  state_.store(running);
+  task_.set_listener(this);
+  try {
+    task_.start(xvar(parameter_));
+  } catch (...) {
+    task_.forget_listener(this);
+    throw;
+  }
+}
+
+void job::cancel() {
+  task_.cancel();
+  task_.join();
+}
+
+void job::discard() {
+  const std::lock_guard lock(running_);
+  discarded_ = true;
+}
+
+}  // namespace ruvo::jobs

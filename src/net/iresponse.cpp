@@ -1,0 +1,12 @@
+#include <ruvo/net.hpp>
+
+namespace ruvo::net {
+
+iresponse::iresponse() = default;
+iresponse::iresponse(const iresponse& other) noexcept = default;
+iresponse& iresponse::operator=(const iresponse& other) noexcept = default;
+iresponse::~iresponse() = default;
+
+void iresponse::set_exception(const exception& error) noexcept { status_ = error; }
+
+}  // namespace ruvo::net

@@ -1,0 +1,69 @@
+// One value of each shape that a debugger shows, for run.py to look at.
+
+#include <ruvo/binary.hpp>
+#include <ruvo/bundle.hpp>
+#include <ruvo/color.hpp>
+#include <ruvo/datetime.hpp>
+#include <ruvo/exc.hpp>
+#include <ruvo/file.hpp>
+#include <ruvo/list.hpp>
+#include <ruvo/memo.hpp>
+#include <ruvo/velda.hpp>
+
+#include <string>
+
+namespace {
+
+int looks = 0;
+
+/// Where the debugger stops; `first` keeps the compiler from leaving out the values.
+void look(const void* first) {
+  if (first) ++looks;
+}
+
+ruvo::bundle large_bundle() {
+  ruvo::bundle made;
+  for (int n = 0; n < 200; ++n) made[std::wstring(L"k") + std::to_wstring((n * 7) % 200)] = n;
+  return made;
+}
+
+}  // namespace
+
+int main() {
+  const ruvo::var null;
+  const ruvo::var yes = true, letter = L'ñ';
+  const ruvo::var negative = -7, small = static_cast<unsigned short>(65535);
+  const ruvo::var biggest = ~0ULL, least = -9223372036854775807LL - 1;
+  const ruvo::var real = 2.5, single = 0.25f;
+  const ruvo::var day = ruvo::date(20240229), leap = ruvo::date(18991231), hour = ruvo::time(123456);
+  const ruvo::var moment = ruvo::datetime(-1000000000LL),
+                  local = ruvo::datetime(951782400LL, ruvo::times::LOCAL);
+  const ruvo::var nothing = ruvo::datetime(-1LL);
+  const ruvo::var empty_text = L"", short_text = L"añ\"o", long_text = L"una línea más larga que la celda";
+  const ruvo::var bytes = ruvo::binary(std::string("\x01\xFF z", 4)), note = ruvo::memo(L"nota");
+  const ruvo::xvar tint = ruvo::color(L"#102030");
+
+  const ruvo::list none, numbers = {3, L"x", ruvo::xvar()};
+  ruvo::bundle order;
+  order[L"Zeta"] = 1;
+  order[L"alfa"] = numbers;
+  order.hack_string_on(L"texto") = L"cadena";
+  order[L"alfa"];
+  const ruvo::bundle nobody, hundreds = large_bundle();
+  const ruvo::xvar boxed = order;
+  ruvo::xvar marked = 5;
+  for (const wchar_t* key : {L"m", L"c", L"x", L"a", L"p"}) marked[key] = key;
+
+  const ruvo::lapse instant = ruvo::datetime(0LL);
+  const ruvo::date date(2000, 3, 1);
+  const ruvo::time time(235959);
+  const ruvo::datetime datetime(4102444799LL), unread(951782400LL, ruvo::times::LOCAL), void_time(-1LL);
+  const ruvo::velda::date velda(20240229);
+  const ruvo::exception error(L"Algo falló con \"esto\"", 7, 12, 3001);
+  const ruvo::exc::BadFormat bad;
+  const ruvo::file path(L"C:\\datos\\año.txt");
+  const ruvo::color color(16, 32, 48);
+
+  look(&null);
+  return looks == 1 ? 0 : 1;
+}

@@ -1,0 +1,113 @@
+#pragma once
+
+// What the tests of tasks and pools share: a callback that writes down what it is told, and a limit of time.
+
+#include <ruvo/exc.hpp>
+#include <ruvo/jobs.hpp>
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+/// Writes down what it is told, in words.
+class recorder : public ruvo::task::ilistener {
+ public:
+  void on_start() override { add(L"start"); }
+  void on_progress(ruvo::xvar* value) override { add(L"progress " + value->to_string()); }
+  void on_finish(ruvo::xvar* value) override { add(L"finish " + value->to_string()); }
+  void on_cancel() override { add(L"cancel"); }
+  void on_failure(const ruvo::exception& error) override {
+    add(L"failure " + std::to_wstring(error.get_rango()) + L"/" + std::to_wstring(error.get_code()) + L" " +
+        error.get_mensaje());
+  }
+
+  std::wstring told() const {
+    const std::lock_guard lock(guard_);
+    return told_;
+  }
+
+  /// Called after each note, with the note.
+  std::function<void(const std::wstring&)> then;
+
+ private:
+  void add(const std::wstring& what) {
+    {
+      const std::lock_guard lock(guard_);
+      told_ += (told_.empty() ? L"" : L", ") + what;
+    }
+    if (then) then(what);
+  }
+
+  mutable std::mutex guard_;
+  std::wstring told_;
+};
+
+/// A task over a function that sees the protected operations.
+class scripted : public ruvo::task::async {
+ public:
+  using script = std::function<void(scripted&, const ruvo::xvar&)>;
+
+  explicit scripted(script of, ruvo::task::ilistener* listener = nullptr)
+      : async(listener), of_(std::move(of)) {}
+  ~scripted() override {
+    if (joinable()) cancel();
+  }
+  void work(const ruvo::xvar& input) override { of_(*this, input); }
+
+  using async::advance;
+  using async::advance_or_throw;
+  using async::set_mensaje;
+  using async::set_progress;
+
+ private:
+  script of_;
+};
+
+/// Ends the program when the test takes longer: a test that hangs fails.
+class watchdog {
+ public:
+  explicit watchdog(std::chrono::seconds limit) : thread_([this, limit] { wait(limit); }) {}
+  ~watchdog() {
+    {
+      const std::lock_guard lock(guard_);
+      done_ = true;
+    }
+    changed_.notify_all();
+    thread_.join();
+  }
+
+ private:
+  void wait(std::chrono::seconds limit) {
+    std::unique_lock lock(guard_);
+    if (changed_.wait_for(lock, limit, [this] { return done_; })) return;
+    std::fprintf(stderr, "watchdog: not done within %ld seconds\n", static_cast<long>(limit.count()));
+    std::_Exit(3);
+  }
+
+  std::mutex guard_;
+  std::condition_variable changed_;
+  bool done_ = false;
+  std::thread thread_;
+};
+
+/// Waits until it is so; false after ten seconds.
+inline bool comes_true(const std::function<bool()>& so) {
+  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (!so()) {
+    if (std::chrono::steady_clock::now() > limit) return false;
+    std::this_thread::yield();
+  }
+  return true;
+}
+
+/// A body that waits until its task is canceled, and ends without a result.
+inline void until_canceled(scripted& task, const ruvo::xvar&) {
+  while (!task.is_canceled()) std::this_thread::yield();
+}

@@ -1,0 +1,334 @@
+#include <ruvo/bundle.hpp>
+#include <ruvo/list.hpp>
+#include <ruvo/memo.hpp>
+#include <ruvo/smtp/address.hpp>
+#include <ruvo/texto.hpp>
+
+#include <random>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/rounds.hpp"
+
+namespace {
+
+using ruvo::bundle;
+using ruvo::xvar;
+using ruvo::smtp::address;
+namespace texto = ruvo::texto;
+
+constexpr const wchar_t* named_pattern =
+    LR"(^\"*.*\"*\s<[_A-Za-z0-9\-+]+(\.[_A-Za-z0-9\-]+)*@[A-Za-z0-9\-]+(\.[A-Za-z0-9]+)*(\.[A-Za-z]{2,})>$)";
+constexpr const wchar_t* bare_pattern =
+    LR"(^<[_A-Za-z0-9\-+]+(\.[_A-Za-z0-9\-]+)*@[A-Za-z0-9\-]+(\.[A-Za-z0-9]+)*(\.[A-Za-z]{2,})>$)";
+
+std::wstring fields(const address& of) { return of.get_name() + L"|" + of.get_mail(); }
+
+TEST(Address, Texts) {
+  const struct {
+    address of;
+    const wchar_t* text;
+    const wchar_t* domain;
+    const char* encoded;
+    bool valid;
+  } rows[] = {
+      {address(), L"", L"", "<>", false},
+      {address(L"Ana", L""), L"", L"", "=?iso-8859-1?Q?Ana?= <>", false},
+      {address(L"", L"ana@a.es"), L"<ana@a.es>", L"@a.es", "<ana@a.es>", true},
+      {address(L"Ana", L"ana@a.es"), L"Ana <ana@a.es>", L"@a.es", "=?iso-8859-1?Q?Ana?= <ana@a.es>", true},
+      {address(L"Íñigo Ruiz, hijo", L"i+r@a-b.es"), L"Íñigo Ruiz, hijo <i+r@a-b.es>", L"@a-b.es",
+       "=?iso-8859-1?Q?=CD=F1igo_Ruiz=2C_hijo?= <i+r@a-b.es>", true},
+      {address(L"=?_\"", L"a@b@c"), L"=?_\" <a@b@c>", L"@b@c", "=?iso-8859-1?Q?=3D=3F=5F=22?= <a@b@c>",
+       false},
+      {address(L"100 €", L"a@b.es"), L"100 € <a@b.es>", L"@b.es", "=?UTF-8?Q?100_=E2=82=AC?= <a@b.es>", true},
+      {address(L"ÿĀ", L"a@b.es"), L"ÿĀ <a@b.es>", L"@b.es", "=?UTF-8?Q?=C3=BF=C4=80?= <a@b.es>", true},
+      {address(L"\xD83D", L"ñ@ñ.es"), L"\xD83D <ñ@ñ.es>", L"@ñ.es",
+       "=?UTF-8?Q?=EF=BF=BD?= <\xC3\xB1@\xC3\xB1.es>", false},
+      {address(std::wstring(L"\r\n\0", 3), L"here"), nullptr, L"", "=?iso-8859-1?Q?=0D=0A=00?= <here>",
+       false}};
+  for (const auto& row : rows) {
+    const std::wstring text = row.text ? row.text : std::wstring(L"\r\n\0 <here>", 10);
+    EXPECT_EQ(row.of.to_string(), text);
+    EXPECT_STREQ(row.of.c_str(), text.c_str());
+    std::wostringstream out;
+    out << row.of;
+    EXPECT_EQ(out.str(), text);
+    EXPECT_EQ(row.of.get_domain(), row.domain) << text;
+    EXPECT_EQ(row.of.q_encoded(), row.encoded) << text;
+    EXPECT_EQ(row.of.check(), row.valid) << text;
+    EXPECT_EQ(row.of.empty(), text.empty()) << text;
+  }
+}
+
+TEST(Address, TextFollowsTheFields) {
+  address one(L"Ana", L"ana@a.es"), other;
+  EXPECT_STREQ(one.set_name(L"Eva").c_str(), L"Eva <ana@a.es>");
+  EXPECT_STREQ(one.set_mail(L"eva@a.es").c_str(), L"Eva <eva@a.es>");
+  EXPECT_STREQ(one.set_name(one.get_mail()).set_mail(one.get_name()).c_str(), L"eva@a.es <eva@a.es>");
+  other = one;
+  one.set_mail(L"");
+  EXPECT_STREQ(one.c_str(), L"");
+  EXPECT_STREQ(one.set_name(L"").set_mail(L"x").c_str(), L"<x>");
+  const address& same = other;
+  other = same;
+  EXPECT_STREQ(other.c_str(), L"eva@a.es <eva@a.es>");
+  const address kept(other);
+  EXPECT_STREQ(address(std::move(other)).c_str(), kept.c_str());
+}
+
+TEST(Address, ReadsTexts) {
+  const struct {
+    const wchar_t* text;
+    const wchar_t* fields;  // null when it is refused
+  } rows[] = {{L"<ana@a.es>", L"|ana@a.es"},
+              {L" <ana@a.es>", L"|ana@a.es"},
+              {L"Ana <ana@a.es>", L"Ana|ana@a.es"},
+              {L"  Ana Ruiz \t <Ana+1@a-b.c1.com>", L"Ana Ruiz|Ana+1@a-b.c1.com"},
+              {L"Ana\n<ana@a.es>", L"Ana|ana@a.es"},
+              {L"\"Ruiz, Ana\" <ana@a.es>", L"Ruiz, Ana|ana@a.es"},
+              {L"\"\"\" Ana \" <ana@a.es>", L"Ana|ana@a.es"},
+              {L"\"\" <ana@a.es>", L"|ana@a.es"},
+              {L"\" <ana@a.es>", L"|ana@a.es"},
+              {L"\" \" <ana@a.es>", L"|ana@a.es"},
+              {L"\"Ana <ana@a.es>", L"\"Ana|ana@a.es"},
+              {L"Ana \"la jefa\" <ana@a.es>", L"Ana \"la jefa\"|ana@a.es"},
+              {L"\"Ana\" y \"Eva\" <ana@a.es>", L"\"Ana\" y \"Eva\"|ana@a.es"},
+              {L"Ana <eva@a.es> <ana@a.es>", L"Ana <eva@a.es>|ana@a.es"},
+              {L"< <ana@a.es>", L"<|ana@a.es"},
+              {L"ñ€\xD83D\xA0 <ana@a.es>", L"ñ€\xD83D\xA0|ana@a.es"},
+              {L"", nullptr},
+              {L" ", nullptr},
+              {L"<>", nullptr},
+              {L">", nullptr},
+              {L"<", nullptr},
+              {L"Ana", nullptr},
+              {L"ana@a.es", nullptr},
+              {L"Ana<ana@a.es>", nullptr},
+              {L"Ana\xA0<ana@a.es>", nullptr},
+              {L"Ana <ana@a.es> ", nullptr},
+              {L"Ana <ana@a.es>\n", nullptr},
+              {L"Ana < ana@a.es>", nullptr},
+              {L"Ana <ana@a>", nullptr},
+              {L"Ana <ña@a.es>", nullptr},
+              {L"Ana <<ana@a.es>>", nullptr},
+              {L"A\rna <ana@a.es>", nullptr},
+              {L"Ana\r\n <ana@a.es>", nullptr},
+              {L"Ana\x2028 <ana@a.es>", nullptr}};
+  for (const auto& [text, expected] : rows) {
+    address read(L"Old", L"old@a.es"), assigned = read;
+    assigned = text;
+    EXPECT_EQ(read.deserialize(text), expected != nullptr) << text;
+    EXPECT_EQ(fields(read), expected ? expected : L"Old|old@a.es") << text;
+    EXPECT_EQ(fields(assigned), fields(read)) << text;
+  }
+  address read;
+  EXPECT_TRUE(read.deserialize(std::wstring(L"A\0 <ana@a.es>", 13)));
+  EXPECT_EQ(read.get_name(), std::wstring(L"A\0", 2));
+  EXPECT_FALSE(read.deserialize(std::wstring(L"A <ana@a.es\0>", 13)));
+}
+
+class AddressTexts : public generated_inputs {
+ protected:
+  std::wstring joined(const std::vector<std::wstring>& parts, unsigned most, unsigned least = 0) {
+    std::wstring text;
+    for (auto n = least + random_() % (most - least + 1); n > 0; --n) text += parts[random_() % parts.size()];
+    ++inputs;
+    return text;
+  }
+  std::wstring any_name() {
+    return joined({L"a", L"Eva", L" ", L"ñ", L"ÿ", L"\"", L"€", L"=?", L"_", L"\xD83D\xDE00", L"\xDE00",
+                   L"\r\n", L"<", std::wstring(1, L'\0'), L"María del Carmen de la Peña y Muñoz"},
+                  8);
+  }
+
+  std::mt19937 random_{822};
+};
+
+TEST_F(AddressTexts, ReadAsThePatterns) {
+  constexpr int texts = 30'000;
+  const std::wregex named(named_pattern), bare(bare_pattern);
+  unsigned read = 0;
+  for (int n = 0; n < texts; ++n) {
+    const std::wstring text = joined({L"\"", L"Ana", L" ", L"ñ", L"<a@b.es>", L"\n"}, 3) +
+                              joined({L" <", L" <", L"\t<", L"<", L" "}, 1, 1) +
+                              joined({L"a", L"Z9", L"-_", L"+", L".", L"a.b", L"a", L"ñ"}, 2) +
+                              joined({L"@b-c", L"@b", L"@d.e1", L"@"}, 1, 1) +
+                              joined({L".es", L".info", L".es", L".x", L".c0", L"-"}, 2) +
+                              joined({L">", L">", L">", L" ", L"\n", L"<"}, 1, 1);
+    const bool expected = std::regex_match(text, named) || std::regex_match(text, bare);
+    read += expected;
+    address found(L"?", L"?");
+    ASSERT_EQ(found.deserialize(text), expected) << text;
+    if (!expected) {
+      ASSERT_EQ(fields(found), L"?|?");
+      continue;
+    }
+    // The address is the last that stands in the text; what was read reads as itself.
+    ASSERT_TRUE(text.ends_with(L"<" + found.get_mail() + L">")) << text;
+    ASSERT_TRUE(found.check()) << text;
+    ASSERT_NE(text.find(found.get_name()), text.npos) << text;
+    address again;
+    ASSERT_TRUE(again.deserialize(found.to_string())) << text;
+    ASSERT_EQ(fields(again), fields(found)) << text;
+  }
+  EXPECT_GT(read, texts / 100u);
+
+  // Each unit in each place, where the standard matcher's classes depend on the system.
+  for (const auto& [from, to] : {std::pair(0, 0x180), {0x660, 0x66A}, {0x2000, 0x2030}, {0xD7FF, 0xD801}}) {
+    for (int c = from; c < to; ++c) {
+      const std::wstring unit(1, static_cast<wchar_t>(c));
+      for (const std::wstring& text :
+           {L"A" + unit + L"a <a@b.es>", L"A" + unit + L"<a@b.es>", L"<" + unit + L"@b.es>",
+            L"<a" + unit + L"b@b.es>", L"<a@b" + unit + L"es>", L"<a@b.es>" + unit}) {
+        ++inputs;
+        ASSERT_EQ(address().deserialize(text),
+                  texto::match(text, named_pattern) || texto::match(text, bare_pattern))
+            << c << ' ' << text;
+      }
+    }
+  }
+}
+
+TEST_F(AddressTexts, GoThereAndBack) {
+  unsigned through_text = 0;
+  for (int n = 0; n < 3'000; ++n) {
+    const address of(any_name(), n % 2 ? joined({L"a", L"B", L"_1"}, 3) + L"@x.es" : any_name());
+    address by_xvar, by_text;
+    by_xvar = xvar(of);
+    ASSERT_EQ(fields(address(bundle(of))), fields(of));
+    ASSERT_EQ(fields(by_xvar), fields(of));
+    ASSERT_EQ(by_xvar.to_string(), of.to_string());
+    const bool one_line = of.get_name().find_first_of(L"\r\n") == std::wstring::npos;
+    ASSERT_EQ(by_text.deserialize(of.to_string()), of.check() && one_line) << of.to_string();
+    const bool kept = by_text.get_name() == of.get_name();
+    const bool alters = of.get_name().find_first_of(L"\" ") != std::wstring::npos;
+    ASSERT_TRUE(by_text.empty() || (by_text == of && (kept || alters))) << of.to_string();
+    through_text += !by_text.empty() && kept;
+  }
+  EXPECT_GT(through_text, 100u);
+}
+
+/// Reads encoded words back: of Latin-1, or of UTF-8.
+std::wstring decoded(std::string_view words) {
+  std::wstring text;
+  while (!words.empty()) {
+    const std::string_view word = words.substr(0, words.find("\r\n "));
+    words.remove_prefix(std::min(words.size(), word.size() + 3));
+    EXPECT_LE(word.size(), 75u);
+    const bool latin = word.starts_with("=?iso-8859-1?Q?");
+    const std::size_t begin = latin ? 15 : 10;
+    EXPECT_TRUE((latin || word.starts_with("=?UTF-8?Q?")) && word.ends_with("?=")) << word;
+    std::string bytes;
+    for (std::size_t at = begin; at + 2 < word.size(); ++at) {
+      if (word[at] == '=') {
+        bytes.push_back(static_cast<char>(std::stoi(std::string(word.substr(at + 1, 2)), nullptr, 16)));
+        at += 2;
+      } else {
+        EXPECT_TRUE(word[at] > ' ' && word[at] < 127 && word[at] != '?') << word;
+        bytes.push_back(word[at] == '_' ? ' ' : word[at]);
+      }
+    }
+    if (!latin) text += texto::to_utf_16(bytes);
+    if (latin)
+      for (const char c : bytes) text.push_back(static_cast<unsigned char>(c));
+  }
+  return text;
+}
+
+TEST_F(AddressTexts, EncodedNamesReadBack) {
+  for (int n = 0; n < 3'000; ++n) {
+    const std::wstring name =
+        n < 300 ? std::wstring(static_cast<std::size_t>(n) + 1, n % 2 ? L'a' : L'ñ') : any_name();
+    if (name.empty()) continue;
+    const std::string encoded = address(name, L"a@b.es").q_encoded();
+    ASSERT_TRUE(encoded.ends_with(" <a@b.es>"));
+    const std::wstring good = texto::to_utf_16(texto::to_utf_8(name));  // without lone surrogates
+    ASSERT_EQ(decoded(std::string_view(encoded).substr(0, encoded.size() - 9)), good) << encoded;
+  }
+}
+
+TEST(AddressValue, OfBundlesAndValues) {
+  const address ana(L"Ana", L"ana@a.es");
+  EXPECT_EQ(bundle(ana).to_string(), LR"({"email":"ana@a.es", "name":"Ana"})");
+  const struct {
+    bundle given;
+    const wchar_t* fields;
+  } rows[] = {{{}, L"Ana|ana@a.es"},
+              {{{L"NAME", L"Eva"}, {L"email", xvar()}}, L"Eva|ana@a.es"},
+              {{{L"email", 5}, {L"mail", L"x"}}, L"Ana|5"},
+              {{{L"name", L""}, {L"email", L""}}, L"|"}};
+  for (const auto& row : rows) {
+    address of = ana;
+    of = row.given;
+    EXPECT_EQ(fields(of), row.fields);
+  }
+
+  xvar value = ana;
+  EXPECT_TRUE(value.instanceof (typeid(address)));
+  EXPECT_EQ(value.to_string(), L"Ana <ana@a.es>");
+  ruvo::list list;
+  list.push_back(ana);
+  EXPECT_EQ(fields(address(list[0])), fields(ana));
+  address kept = ana;
+  kept = xvar();
+  for (const xvar& other : {xvar(L"<a@b.es>"), xvar(5), xvar(ruvo::memo(L"x")), xvar(bundle(ana))}) {
+    EXPECT_THROW(kept = other, std::bad_cast);
+    EXPECT_THROW(address{other}, std::bad_cast);
+  }
+  EXPECT_EQ(fields(kept), fields(ana));
+}
+
+TEST(AddressValue, Order) {
+  // Each row is before the next; within a row all are equal.
+  const std::vector<std::vector<address>> rows = {
+      {address(), address(L"Ana", L"")},
+      {address(L"", L"a@b.es"), address(L"Ana", L"A@B.es"), address(L"Z", L"a@B.ES")},
+      {address(L"", L"a@b.es ")},
+      {address(L"", L"a_@b.es")},
+      {address(L"", L"aa@b.es"), address(L"", L"aA@b.es")},
+      {address(L"", L"Ñ@b.es")},
+      {address(L"", L"ñ@b.es")},
+      {address(L"", L"\xD83D@b.es")}};
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    for (std::size_t j = 0; j < rows.size(); ++j) {
+      for (const address& a : rows[i]) {
+        for (const address& b : rows[j]) {
+          EXPECT_EQ(a < b, i < j) << i << ' ' << j;
+          EXPECT_EQ(a == b, i == j) << i << ' ' << j;
+        }
+      }
+    }
+  }
+}
+
+/// Read in a pass or a few: with a step for each pair of characters these would not end.
+TEST(Address, LongTextsHaveAnAnswer) {
+  for (const std::size_t many : {100'000u, 1'000'000u}) {
+    const std::wstring letters(many, L'a');
+    address of;
+    for (const wchar_t c :
+         {L' ', L'"', L'<', L'@', L'.', L'a', L'ñ', L'€', L'\0', static_cast<wchar_t>(0xD83D)}) {
+      const std::wstring run(many, c);
+      EXPECT_TRUE(of.deserialize(run + L" <" + letters + L"@b." + letters + L">"));
+      EXPECT_EQ(of.get_name().size(), c == L' ' || c == L'"' ? 0 : many);
+      EXPECT_TRUE(of.deserialize(of.to_string()));
+      EXPECT_GT(of.q_encoded().size(), of.get_name().size() + 2 * many);
+      EXPECT_TRUE(of.deserialize(L"\"" + run + L"x\"" + run + L" <a@b.es>"));
+      EXPECT_FALSE(of.deserialize(run));
+      EXPECT_FALSE(of.deserialize(run + L"<a@b.es>") && c != L' ');
+      EXPECT_FALSE(of.deserialize(L"<a@" + run + L">"));
+      EXPECT_FALSE(of.deserialize(run + L"\r\n <a@b.es>"));
+      EXPECT_FALSE(address(run, run).check());
+      EXPECT_EQ(address(run, run).get_domain().size(), c == L'@' ? many : 0);
+      EXPECT_TRUE(address(run, run) == address(L"", run));
+    }
+  }
+}
+
+}  // namespace

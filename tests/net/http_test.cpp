@@ -1,0 +1,455 @@
+#include <ruvo/ruvo.hpp>
+
+#include <algorithm>
+#include <chrono>
+#include <map>
+#include <random>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+#include "support/rounds.hpp"
+
+namespace {
+
+using ruvo::xvar;
+using ruvo::http::request;
+using ruvo::http::response;
+
+const std::wstring default_request_headers = L"Accept: */*\r\nContent-Type: text/plain;charset=UTF-8\r\n";
+const std::wstring default_response_headers = L"Accept: */*\r\nContent-Type: text/plain\r\n";
+
+// --- the status
+
+TEST(Status, SuccessIsANumberOfZeroInAnyRange) {
+  struct row {
+    unsigned long raw;
+    bool ok;
+  };
+  for (const row& r :
+       {row{0xEBB80000, true}, row{0xEBB803E8, true}, row{0xEBB9FDE8, true}, row{0, true},
+        row{0xEBB80001, false}, row{0xEBB903E9, false}, row{0xEBB803E7, false}, row{0x8000FFFF, false}}) {
+    response answer;
+    answer.set_exception(ruvo::exception(r.raw, L"x"));
+    EXPECT_EQ(answer.OK(), r.ok) << std::hex << r.raw;
+    EXPECT_EQ(answer.WRONG(), !r.ok) << std::hex << r.raw;
+  }
+}
+
+TEST(Status, IsACopyThatCanBeReadAndWritten) {
+  response answer;
+  EXPECT_EQ(answer.get_exception().get_raw_code(), 0xEBB80000u);
+  EXPECT_EQ(answer.get_exception().get_mensaje(), L"OK");
+  answer.set_exception(ruvo::exc::RunTime(L"sin línea"));
+  response copy(answer);
+  *answer.status_ptr() = ruvo::exception::correct();
+  const ruvo::exception& reference = answer;
+  const ruvo::exception* const pointer = answer;
+  EXPECT_EQ(&reference, answer.status_ptr());
+  EXPECT_EQ(pointer, answer.status_ptr());
+  EXPECT_EQ(reference.get_mensaje(), L"CORRECTO");
+  copy.set_exception(*copy.status_ptr());
+  EXPECT_EQ(copy.get_exception().get_mensaje(), L"sin línea");
+  answer = copy;
+  EXPECT_TRUE(answer.WRONG());
+}
+
+// --- the header table, the same for both classes
+
+template <class Message>
+class Headers : public testing::Test {};
+using messages = testing::Types<request, response>;
+TYPED_TEST_SUITE(Headers, messages);
+
+TYPED_TEST(Headers, NamesIgnoreCaseWideAndNarrow) {
+  TypeParam m;
+  const TypeParam& c = m;
+  EXPECT_EQ(m.size(), 2u);
+  EXPECT_EQ(m.find(L"content-type")->first, L"Content-Type");
+  EXPECT_EQ(c.find("CONTENT-TYPE")->first, L"Content-Type");
+  EXPECT_EQ(m.at("accept"), L"*/*");
+  EXPECT_EQ(c.at(std::wstring(L"aCCept")), L"*/*");
+  m[L"ACCEPT"] = L"text/html";
+  EXPECT_EQ(m.begin()->first, L"Accept");  // the first spelling stays
+  EXPECT_EQ(m.cbegin()->second, L"text/html");
+  m.at(L"accept") += L", */*";
+  EXPECT_EQ(c.at("Accept"), L"text/html, */*");
+  EXPECT_EQ(m.erase("ACCEPT"), 1u);
+  EXPECT_EQ(m.erase(L"Accept"), 0u);
+  EXPECT_TRUE(m.find("accept") == m.end());
+  EXPECT_TRUE(c.find(L"accept") == c.cend());
+
+  const std::string narrow = "\xC3\x91-\xF0\x9F\x98\x80-name";  // "Ñ-😀-name"
+  EXPECT_EQ(m[narrow], L"");
+  EXPECT_EQ(m.count(L"Ñ-\xD83D\xDE00-NAME"), 1u);
+  EXPECT_EQ(m.count(L"ñ-\xD83D\xDE00-name"), 0u);  // A-Z only
+  EXPECT_EQ(m.count("\xFF"), 0u);
+  m[L"\xFFFD"] = L"x";
+  EXPECT_EQ(m.count("\xFF"), 1u);
+
+  const std::string length_64(64, 'n'), length_65(65, 'n');
+  m[length_64] = L"64";
+  m[length_65] = L"65";
+  EXPECT_EQ(m.at(std::wstring(64, L'N')) + m.at(std::wstring(65, L'N')), L"6465");
+
+  const wchar_t* const none = nullptr;
+  const char* const no_narrow = nullptr;
+  m[none] = L"nameless";
+  EXPECT_EQ(m.at(no_narrow), L"nameless");
+  EXPECT_EQ(m.begin()->first, L"");
+  m.clear();
+  EXPECT_TRUE(m.empty() && c.begin() == c.end() && m.begin() == m.end());
+  EXPECT_GT(m.max_size(), 1000u);
+}
+
+TYPED_TEST(Headers, AbsentNames) {
+  TypeParam m;
+  for (const auto& at :
+       {+[](TypeParam& t) { return t.at(L"nada"); }, +[](TypeParam& t) { return t.at("nada"); },
+        +[](TypeParam& t) { return std::as_const(t).at(L""); }}) {
+    try {
+      static_cast<void>(at(m));
+      FAIL() << "found";
+    } catch (const std::out_of_range& error) {
+      EXPECT_STREQ(error.what(), "invalid map<K, T> key");
+    }
+  }
+  EXPECT_EQ(m.size(), 2u);
+}
+
+TYPED_TEST(Headers, TableIsAMapByLoweredNames) {
+  std::mt19937 random(20);
+  const std::wstring letters = L"aAbBzZ@[`{_-0éÉ\xFFFF";
+  TypeParam m;
+  m.clear();
+  std::map<std::wstring, std::pair<std::wstring, std::wstring>> model;  // by lowered name: spelling, value
+  for (int i = 0; i < 20000; ++i) {
+    std::wstring name, lowered;
+    for (auto n = random() % 4; n > 0; --n) name += letters[random() % letters.size()];
+    for (const wchar_t c : name) lowered += c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c + 32) : c;
+    const std::string narrow = ruvo::texto::to_utf_8(name);
+    const auto known = model.find(lowered);
+    ASSERT_EQ(i % 2 ? m.count(name) : m.count(narrow), known == model.end() ? 0u : 1u);
+    if (random() % 3 == 0) {
+      ASSERT_EQ(i % 2 ? m.erase(name) : m.erase(narrow), model.erase(lowered));
+    } else {
+      const std::wstring value = std::to_wstring(i);
+      (i % 2 ? m[name] : m[narrow]) = value;
+      model.try_emplace(lowered, name, L"").first->second.second = value;
+    }
+  }
+  auto at = m.begin();
+  for (const auto& [lowered, entry] : model) {
+    ASSERT_TRUE(at != m.end());
+    EXPECT_EQ(at->first, entry.first);
+    EXPECT_EQ(at->second, entry.second);
+    ++at;
+  }
+  EXPECT_TRUE(at == m.end());
+}
+
+TYPED_TEST(Headers, OneHundredThousand) {
+  TypeParam m;
+  for (int i = 0; i < 100000; ++i) m[L"X-" + std::to_wstring(i * 7919 % 100000)] = L"v";
+  EXPECT_EQ(m.size(), 100002u);
+  TypeParam copy(m);
+  EXPECT_TRUE(copy == m);
+  constexpr std::size_t digits = 10 + 2 * 90 + 3 * 900 + 4 * 9000 + 5 * 90000;
+  EXPECT_EQ(m.to_string().size(),
+            default_response_headers.size() +
+                (std::is_same_v<TypeParam, request> ? std::size(L";charset=UTF-8") - 1 : 0) +
+                100000 * (std::size(L"X-: v\r\n") - 1) + digits + 4);
+  for (int i = 0; i < 100000; i += 2) EXPECT_EQ(copy.erase("x-" + std::to_string(i)), 1u);
+  EXPECT_EQ(copy.size(), 50002u);
+}
+
+// --- values
+
+TYPED_TEST(Headers, CopiesAreDeepAndMovesLeaveAnEmptyMessage) {
+  TypeParam m;
+  m[L"X"] = L"1";
+  m.set_body(L"body");
+  TypeParam copy(m), other;
+  other = m;
+  m[L"X"] = L"2";
+  m.set_body(L"");
+  EXPECT_TRUE(copy == other);
+  EXPECT_EQ(copy.at(L"x") + copy.get_body(), L"1body");
+  const TypeParam& same = copy;
+  copy = same;
+  EXPECT_TRUE(copy == other);
+
+  TypeParam moved(std::move(copy));
+  EXPECT_TRUE(moved == other);
+  EXPECT_EQ(copy.to_string(), L"\r\n\r\n\r\n");
+  EXPECT_TRUE(copy.find(L"x") == copy.end() && copy.begin() == copy.end() && copy.erase("x") == 0);
+  copy.clear();
+  copy[L"X"] = L"1";
+  copy = std::move(moved);
+  EXPECT_TRUE(copy == other);
+  static_assert(std::is_nothrow_move_constructible_v<TypeParam> &&
+                std::is_nothrow_move_assignable_v<TypeParam>);
+}
+
+TYPED_TEST(Headers, EqualityIsExact) {
+  TypeParam a, b;
+  a[L"X"] = b[L"X"] = L"1";
+  EXPECT_TRUE(a == b);
+  b[L"X"] = L"2";
+  EXPECT_FALSE(a == b);
+  b.erase(L"X");
+  EXPECT_FALSE(a == b);
+  b[L"x"] = L"1";  // another spelling
+  EXPECT_FALSE(a == b);
+  b.erase(L"X");
+  b[L"X"] = L"1";
+  EXPECT_TRUE(a == b);
+  b.set_body(L"1");
+  EXPECT_FALSE(a == b);
+}
+
+TYPED_TEST(Headers, TravelsInAnXvar) {
+  TypeParam m;
+  m[L"X"] = L"1";
+  m.set_body(L"body");
+  const xvar value = m;
+  EXPECT_TRUE(value.instanceof (typeid(TypeParam)));
+  EXPECT_EQ(value.to_string(), m.to_string());
+  ruvo::bundle document;
+  document[L"mensaje"] = m;
+  m.clear();
+  TypeParam back;
+  back = document[L"mensaje"];
+  EXPECT_EQ(back.at("x") + back.get_body(), L"1body");
+
+  using other_message = std::conditional_t<std::is_same_v<TypeParam, request>, response, request>;
+  back = xvar();
+  for (const xvar& wrong :
+       {xvar(L"X: 1"), xvar(5), xvar(other_message()), xvar(ruvo::color()), xvar(document)}) {
+    EXPECT_THROW(back = wrong, std::bad_cast);
+  }
+  EXPECT_EQ(back.at("x") + back.get_body(), L"1body");
+}
+
+/// With a NUL for each '#'.
+std::wstring with_nuls(std::wstring text) {
+  std::replace(text.begin(), text.end(), L'#', L'\0');
+  return text;
+}
+
+TYPED_TEST(Headers, TextForm) {
+  const std::wstring headers =
+      std::is_same_v<TypeParam, request> ? default_request_headers : default_response_headers;
+  struct row {
+    std::wstring name, value, body, text;
+  };
+  for (const row& r : {
+           row{L"a", L"", L"", L"a: \r\n" + headers + L"\r\n\r\n"},
+           row{L"Zeta", L"é€\xD83D\xDE00", L"una\r\n\r\ndos",
+               headers + L"Zeta: é€\xD83D\xDE00\r\n\r\nuna\r\n\r\ndos\r\n"},
+           row{with_nuls(L"b#c"), with_nuls(L"#"), with_nuls(L"#x"),
+               with_nuls(L"Accept: */*\r\nb#c: #" + headers.substr(11) + L"\r\n#x\r\n")},
+           row{L"X", L"1\r\nY: 2", L"", headers + L"X: 1\r\nY: 2\r\n\r\n\r\n"},  // as it is
+       }) {
+    TypeParam m;
+    m[r.name] = r.value;
+    m.set_body(r.body);
+    EXPECT_EQ(m.to_string(), r.text);
+    for (const std::ios_base::openmode mode : {std::ios_base::out, std::ios_base::out | std::ios_base::in}) {
+      std::wstringstream stream(mode);
+      stream << m;
+      EXPECT_EQ(stream.str(), r.text);
+    }
+  }
+  TypeParam bare;
+  bare.clear();
+  EXPECT_EQ(bare.set_body(L"body").to_string(), L"\r\n\r\nbody\r\n");
+}
+
+// --- requests
+
+TEST(Request, ConstructionAndFields) {
+  EXPECT_EQ(request().to_string(), default_request_headers + L"\r\n\r\n");
+  const request wide(L"http://h/ñ", L"€"), narrow("http://h/\xC3\xB1", "\xE2\x82\xAC");
+  EXPECT_TRUE(wide == narrow);
+  EXPECT_EQ(wide.get_sslCertPath(), L"");
+  request r;
+  const request& back = r.set_url(L"https://h").set_body(L"b").set_sslCertPath(L"C:\\c.pem");
+  EXPECT_EQ(&back, &r);
+  r.set_url(r.get_url()).set_body(back.get_body()).set_sslCertPath(r.get_sslCertPath());
+  EXPECT_EQ(back.get_url() + back.get_body() + back.get_sslCertPath(), L"https://hbC:\\c.pem");
+  r.get_url() += L"/p";
+  EXPECT_FALSE(request(L"https://h", L"b") == r);
+  EXPECT_TRUE(request(L"https://h/p", L"b") == r);  // whatever the certificate
+  request copy;
+  copy = xvar(r);
+  EXPECT_EQ(copy.get_sslCertPath(), L"C:\\c.pem");
+}
+
+TEST(Request, IsSecure) {
+  struct row {
+    const wchar_t* url;
+    bool secure;
+  };
+  for (const row& r :
+       {row{L"https://h", true}, row{L"HTTPS://h", true}, row{L"wss:", true}, row{L"as.s:x", true},
+        row{L"http://h", false}, row{L"ws://h", false}, row{L"http://s:80", false}, row{L"s:", false},
+        row{L":s", false}, row{L"", false}, row{L"https", false}, row{L"h/s:80", true}}) {
+    EXPECT_EQ(request(r.url, L"").is_secure(), r.secure) << ruvo::texto::to_utf_8(r.url);
+  }
+}
+
+// --- responses
+
+TEST(Response, BodyGrows) {
+  response r;
+  EXPECT_EQ(r.to_string(), default_response_headers + L"\r\n\r\n");
+  r += L"uno ";
+  r += std::wstring(L"d\0s", 3);
+  r += "\xE2\x82\xAC\xF0\x9F\x98\x80";
+  r += std::string("\xFF\0", 2);
+  r += static_cast<const char*>(nullptr);
+  r += static_cast<const wchar_t*>(nullptr);
+  const std::wstring expected = with_nuls(L"uno d#s\x20AC\xD83D\xDE00\xFFFD#");
+  EXPECT_EQ(r.get_body(), expected);
+  EXPECT_EQ(r.get_body(), expected);  // reading takes nothing away
+  EXPECT_EQ(r.length(), expected.size());
+  r += r.get_body();
+  EXPECT_EQ(r.length(), 2 * expected.size());
+  r.set_body(L"new");
+  r += L"er";
+  EXPECT_EQ(r.get_body(), L"newer");
+  response copy;
+  copy = r;
+  copy += L"!";
+  EXPECT_EQ(r.get_body() + copy.get_body(), L"newernewer!");
+}
+
+TEST(Response, TakesTheRestOfAStream) {
+  response r;
+  r.set_body(L"0");
+  std::wistringstream in(L"first \r\n last \n" + std::wstring(5000, L'x') + L" ");
+  std::wstring first;
+  in >> first >> r;
+  EXPECT_EQ(r.get_body(), L"0 \r\n last \n" + std::wstring(5000, L'x') + L" ");
+  EXPECT_TRUE(in.eof() && !in.fail());
+  EXPECT_FALSE(in >> r);
+  EXPECT_EQ(r.length(), 5012u);
+  std::wistringstream empty(L"");
+  EXPECT_TRUE(static_cast<bool>(empty >> r));
+}
+
+TEST(Response, ContentType) {
+  response r;
+  EXPECT_EQ(r.get_content_type(), L"text/plain");
+  r.clear();
+  EXPECT_TRUE(r.get_content_type().empty());
+  EXPECT_EQ(r.to_string(), L"Content-Type: \r\n\r\n\r\n");
+}
+
+TEST(Response, StatusTravelsButTakesNoPartInComparisons) {
+  response r;
+  r.set_exception(ruvo::exc::RunTime(L"fallo"));
+  const response fresh;
+  EXPECT_TRUE(r == fresh);
+  response back;
+  back = xvar(r);
+  EXPECT_EQ(back.get_exception().get_mensaje(), L"fallo");
+  back = xvar(fresh);
+  EXPECT_TRUE(back.OK());
+}
+
+TEST(Response, ManySmallPiecesTakeLinearTime) {
+  const auto seconds = [](std::size_t total) {
+    const auto start = std::chrono::steady_clock::now();
+    response r;
+    while (r.length() < total) {
+      r += L"ocho más";
+      r += "m\xC3\xA1s";
+      r += std::wstring(5, L'x');
+    }
+    EXPECT_LT(r.length(), total + 17);
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  };
+  const double tenth = seconds(1 << 20), all = seconds(10 << 20);
+  EXPECT_LT(all, 60 * tenth + 1.0);  // copying the body for each piece would take a hundredfold
+}
+
+// --- generated messages, read back by a reader of this test's own
+
+class HttpGenerated : public generated_inputs {
+ protected:
+  std::wstring text(std::wstring_view units, std::size_t most) {
+    std::wstring made;
+    for (auto n = random() % (most + 1); n > 0; --n) made += units[random() % units.size()];
+    return made;
+  }
+  template <class Message>
+  void fill(Message& m) {
+    if (random() % 4 == 0) m.clear();
+    for (auto n = random() % 8; n > 0; --n) {
+      const std::wstring name = L"x" + text(L"aAbBcC-_.é", 12);
+      m[name] = text(name_free, 30);
+    }
+    m.set_body(text(std::wstring_view(any, std::size(any)), 60));
+  }
+  template <class Message>
+  void check(const Message& m) {
+    ++inputs;
+    Message from_value;
+    from_value = xvar(m);
+    ASSERT_TRUE(from_value == m);
+    const Message back = read<Message>(m.to_string());
+    ASSERT_EQ(back.to_string(), m.to_string());
+    ASSERT_EQ(back.size(), m.size());
+    ASSERT_EQ(back.get_body(), m.get_body());
+  }
+
+  std::mt19937 random;
+
+ private:
+  /// Reads the text form line by line.
+  template <class Message>
+  static Message read(std::wstring_view rest) {
+    Message m;
+    m.clear();
+    const auto line = [&rest] {
+      const std::size_t end = rest.find(L"\r\n");
+      const std::wstring_view found = rest.substr(0, end);
+      rest.remove_prefix(end + 2);
+      return found;
+    };
+    for (std::wstring_view header; !(header = line()).empty();) {
+      const std::size_t colon = header.find(L": ");
+      m[std::wstring(header.substr(0, colon))] = header.substr(colon + 2);
+    }
+    if (m.empty()) static_cast<void>(line());
+    EXPECT_TRUE(rest.ends_with(L"\r\n"));
+    m.set_body(std::wstring(rest.substr(0, rest.size() - 2)));
+    return m;
+  }
+
+  static constexpr std::wstring_view name_free = L"aB 1:;,=\"/é€\xD83D\xDE00\t";
+  static constexpr wchar_t any[] = L"aB 1:\r\n\r\n\0é€\xD83D\xDE00<>";  // the end's NUL as well
+};
+
+TEST_F(HttpGenerated, ToXvarAndTextAndBack) {
+  for (unsigned round = 0; round < rounds(); ++round) {
+    random.seed(800 + round);
+    for (int i = 0; i < 2000; ++i) {
+      request asked(text(L"htps:/.x", 20), L"");
+      fill(asked);
+      check(asked);
+      response answer;
+      fill(answer);
+      check(answer);
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,457 @@
+// The check of JSON texts: tables of single departures, and generated documents whose outcome is known or
+// told by a second, recursive reading of the grammar.
+
+#include <ruvo/bundle.hpp>
+#include <ruvo/exception.hpp>
+#include <ruvo/json_check.hpp>
+#include <ruvo/reading.hpp>
+#include <ruvo/serializer.hpp>
+
+#include <algorithm>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/rounds.hpp"
+
+using ruvo::serializer::check_json;
+using ruvo::serializer::json_finding;
+using rule = ruvo::serializer::json_rule;
+
+namespace {
+
+struct found {
+  rule departure;
+  std::size_t line, column;
+  bool operator==(const found&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const found& f) {
+  return out << static_cast<int>(f.departure) << '@' << f.line << ':' << f.column;
+}
+
+std::vector<found> check(std::wstring_view text, bool duplicates = false) {
+  std::vector<found> out;
+  for (const json_finding& finding : check_json(text, 100, duplicates)) {
+    EXPECT_FALSE(finding.what.empty());
+    out.push_back({finding.rule, finding.line, finding.column});
+  }
+  return out;
+}
+
+}  // namespace
+
+namespace {
+
+struct row {
+  std::wstring text;
+  std::vector<found> expected;
+};
+
+void expect_rows(const std::vector<row>& rows, bool duplicates = false) {
+  for (const row& r : rows)
+    EXPECT_EQ(check(r.text, duplicates), r.expected) << testing::PrintToString(r.text);
+}
+
+TEST(json_check, a_text_is_one_value_between_blanks) {
+  expect_rows({
+      {L" \t\r\n1\r\n", {}},
+      {L"\"\"", {}},
+      {L"null", {}},
+      {L"", {{rule::no_value, 1, 1}}},
+      {L" \r\n ", {{rule::no_value, 2, 2}}},
+      {L"\xFEFF{}", {{rule::byte_order_mark, 1, 1}}},
+      {L"\xFEFF", {{rule::byte_order_mark, 1, 1}, {rule::no_value, 1, 2}}},
+      {L"1\xFEFF", {{rule::blank, 1, 2}}},
+      {L"{} {}", {{rule::trailing_text, 1, 4}}},
+      {L"1\n,,,true,tru", {{rule::trailing_text, 2, 1}}},
+      {L"[]]", {{rule::trailing_text, 1, 3}}},
+      {L"]1", {{rule::unexpected, 1, 1}}},
+      {L",1", {{rule::unexpected, 1, 1}}},
+      {L"[\xA0"
+       L"1\v,\f2\x2028]\x85",
+       {{rule::blank, 1, 2},
+        {rule::blank, 1, 4},
+        {rule::blank, 1, 6},
+        {rule::blank, 1, 8},
+        {rule::blank, 1, 10}}},
+      {L"// a\n[1, /* \xD83D\xDE00 * / */ 2] //",
+       {{rule::comment, 1, 1}, {rule::comment, 2, 5}, {rule::comment, 2, 20}}},
+      {L"[1 /*/ ]", {{rule::comment, 1, 4}}},
+      {L"/", {{rule::literal, 1, 1}}},
+  });
+}
+
+TEST(json_check, structure) {
+  expect_rows({
+      {L"{\"a\":{\"b\":[{},[],[[]]]}}", {}},
+      {L"[1,]", {{rule::trailing_comma, 1, 3}}},
+      {L"{\"a\":1 , }", {{rule::trailing_comma, 1, 8}}},
+      {L"[,1]", {{rule::missing_value, 1, 2}}},
+      {L"[1,,2]", {{rule::missing_value, 1, 4}}},
+      {L"[,]", {{rule::missing_value, 1, 2}, {rule::trailing_comma, 1, 2}}},
+      {L"{,}", {{rule::missing_value, 1, 2}, {rule::trailing_comma, 1, 2}}},
+      {L"{\"a\":}", {{rule::missing_value, 1, 6}}},
+      {L"{\"a\":,\"b\":2}", {{rule::missing_value, 1, 6}}},
+      {L"{\"a\":1,,\"b\":2}", {{rule::missing_value, 1, 8}}},
+      {L"{\"a\"}", {{rule::missing_colon, 1, 5}}},
+      {L"{\"a\",\"b\":1}", {{rule::missing_colon, 1, 5}}},
+      {L"{\"a\" 1}", {{rule::missing_colon, 1, 6}}},
+      {L"{\"a\" [1]}", {{rule::missing_colon, 1, 6}}},
+      {L"{\"a\"::1}", {{rule::unexpected, 1, 6}}},
+      {L"{\"a\":1:2}", {{rule::unexpected, 1, 7}}},
+      {L"[1:2]", {{rule::unexpected, 1, 3}}},
+      {L"{:1}", {{rule::bad_name, 1, 2}}},
+      {L"{1:1,null:2}", {{rule::bad_name, 1, 2}, {rule::bad_name, 1, 6}}},
+      {L"{a:1}", {{rule::literal, 1, 2}, {rule::bad_name, 1, 2}}},
+      {L"{'a':1}", {{rule::quotes, 1, 2}}},
+      {L"{[1],\"a\":1}", {{rule::bad_name, 1, 2}}},
+      {L"[1 2]", {{rule::missing_comma, 1, 4}}},
+      {L"[1[2]\"a\"{}]",
+       {{rule::missing_comma, 1, 3}, {rule::missing_comma, 1, 6}, {rule::missing_comma, 1, 9}}},
+      {L"{\"a\":1 \"b\":2}", {{rule::missing_comma, 1, 8}}},
+      {L"{\"a\":1 2}", {{rule::missing_comma, 1, 8}}},
+      {L"[1}", {{rule::wrong_bracket, 1, 3}}},
+      {L"{\"a\":1]", {{rule::wrong_bracket, 1, 7}}},
+      {L"{\"a\":[1}", {{rule::wrong_bracket, 1, 8}}},
+      {L"[{]", {{rule::wrong_bracket, 1, 3}}},
+      {L"[", {{rule::unclosed, 1, 2}}},
+      {L"[1,\n", {{rule::unclosed, 2, 1}}},
+      {L"{\"a\":[[[", {{rule::unclosed, 1, 9}}},
+  });
+}
+
+TEST(json_check, words_and_numbers) {
+  for (const wchar_t* const good :
+       {L"0", L"-0", L"10", L"0.0", L"-1.5e+10", L"1E5", L"0e-0", L"123456789012345678901", L"1e99999"})
+    EXPECT_TRUE(check(good).empty()) << testing::PrintToString(good);
+  for (const wchar_t* const bad :
+       {L"00", L"01", L"-01.5", L"+1", L".5", L"-.5", L"-", L"1.", L"1.e5", L"1e", L"1e+", L"1.2.3", L"0x1F",
+        L"1-2", L"1a", L"-Infinity", L"--1", L"1\xFF11", L"1'000"})
+    EXPECT_EQ(check(bad), (std::vector<found>{{rule::number, 1, 1}})) << testing::PrintToString(bad);
+  for (const wchar_t* const bad : {L"True", L"FALSE", L"nul", L"nulls", L"NaN", L"Infinity", L"undefined",
+                                   L"t", L"\x01", L"\xD83D", L"ñ", L"\\n", L"\x200B"})
+    EXPECT_EQ(check(bad), (std::vector<found>{{rule::literal, 1, 1}})) << testing::PrintToString(bad);
+}
+
+TEST(json_check, strings) {
+  expect_rows({
+      {LR"("\"\\\/\b\f\n\r\t\u00e1\uD83d\uDE00")", {}},
+      {L"\"\x7F\x85\x2028\xFEFF\xFFFF\xD83D\xDE00\"", {}},
+      {L"\"a\tb\n\"", {{rule::control_character, 1, 3}, {rule::control_character, 1, 5}}},
+      {std::wstring(L"\"\0\"", 3), {{rule::control_character, 1, 2}}},
+      {LR"("\a\'\U0041\ ")",
+       {{rule::escape, 1, 2}, {rule::escape, 1, 4}, {rule::escape, 1, 6}, {rule::escape, 1, 12}}},
+      {L"\"\\\xD83D\xDE00\\\n\"",
+       {{rule::escape, 1, 2}, {rule::escape, 1, 4}, {rule::control_character, 1, 5}}},
+      {LR"(["\u","\u12","\u00G0","\u+123"])",
+       {{rule::escape, 1, 3}, {rule::escape, 1, 8}, {rule::escape, 1, 15}, {rule::escape, 1, 24}}},
+      {LR"("\ud83d \udc00\ud83d\ud83d\ude00")",
+       {{rule::lone_surrogate, 1, 2}, {rule::lone_surrogate, 1, 9}, {rule::lone_surrogate, 1, 15}}},
+      {L"\"\xD83D\xD83D\xDE00\xDE00\\ude00\"",
+       {{rule::lone_surrogate, 1, 2}, {rule::lone_surrogate, 1, 4}, {rule::lone_surrogate, 1, 5}}},
+      {L"\"\xD83D\\ude00\"", {{rule::lone_surrogate, 1, 2}, {rule::lone_surrogate, 1, 3}}},
+      {L"[\"abc", {{rule::unclosed_string, 1, 2}}},
+      {L"\"\\", {{rule::unclosed_string, 1, 1}}},
+      {L"\"\\\"", {{rule::unclosed_string, 1, 1}}},
+      {L"\"\\u00", {{rule::unclosed_string, 1, 1}, {rule::escape, 1, 2}}},
+      {L"['a\\'b', 'c\n]", {{rule::quotes, 1, 2}, {rule::quotes, 1, 10}}},
+  });
+}
+
+TEST(json_check, duplicate_names_are_compared_as_they_read) {
+  expect_rows(
+      {{L"{\"a\":{\"a\":1},\"A\":2}", {}},
+       {LR"({"a":1,"\u0061":2,"b":{"c":1,"c":2},"a":3})",
+        {{rule::duplicate_name, 1, 8}, {rule::duplicate_name, 1, 30}, {rule::duplicate_name, 1, 37}}},
+       {LR"({"":1,"":2,"\n":3,"\u000A":4})", {{rule::duplicate_name, 1, 7}, {rule::duplicate_name, 1, 19}}}},
+      true);
+  EXPECT_TRUE(check(L"{\"a\":1,\"a\":2}").empty());
+}
+
+TEST(json_check, the_sentence_names_what_is_wrong) {
+  const auto first = [](std::wstring_view text) { return check_json(text, 1, true).at(0).what; };
+  EXPECT_EQ(first(L"[01]"), L"El número «01» no es correcto: sobran ceros a la izquierda.");
+  EXPECT_EQ(first(L"[True]"), L"«True» no es un valor: sólo hay true, false y null.");
+  EXPECT_EQ(first(L"[1,\xA0 2]"), L"U+00A0 no es un blanco de JSON.");
+  EXPECT_EQ(first(L"{\"a\":\n [[1]"), L"El texto acaba sin cerrar la lista de la línea 2, columna 2.");
+  EXPECT_EQ(first(std::wstring(1000, L'x')).size(),
+            std::wstring(L"«» no es un valor: sólo hay true, false y null.").size() + 25);
+}
+
+TEST(json_check, any_depth_and_bounded_findings_in_linear_time) {
+  constexpr std::size_t depth = 100000;
+  std::wstring deep;
+  for (std::size_t n = 0; n < depth; ++n) deep += n % 2 ? L"{\"a\":" : L"[";
+  EXPECT_EQ(check_json(deep).size(), 1U);
+  std::wstring closed = deep + L"1";
+  for (std::size_t n = depth; n-- > 0;) closed += n % 2 ? L'}' : L']';
+  EXPECT_TRUE(check_json(closed, 100, true).empty());
+  for (const wchar_t* const part :
+       {L",", L":", L"]", L"\"\\", L"'", L"/*", L"\xFEFF", L"[}", L"{\"a\"", L"\\u", L"1 "}) {
+    std::wstring text = L"[";
+    while (text.size() < 100000) text += part;
+    EXPECT_LE(check_json(text).size(), 100U);
+    const auto all = check_json(text, text.size());
+    EXPECT_TRUE(std::is_sorted(all.begin(), all.end(),
+                               [](const auto& a, const auto& b) { return a.position < b.position; }));
+  }
+  EXPECT_TRUE(check_json(L"[", 0).empty());
+}
+
+// --- generated documents
+
+/// The grammar, told by recursion.
+class grammar {
+ public:
+  static bool accepts(std::wstring_view text) {
+    grammar g(text);
+    return g.value() && g.at_ == text.size();
+  }
+
+ private:
+  explicit grammar(std::wstring_view text) : text_(text) {}
+
+  wchar_t peek() const { return at_ < text_.size() ? text_[at_] : L'\xFFFF'; }
+  bool is(std::wstring_view set) const { return at_ < text_.size() && set.find(peek()) != set.npos; }
+  bool eat(std::wstring_view part) {
+    if (!text_.substr(at_).starts_with(part)) return false;
+    at_ += part.size();
+    return true;
+  }
+  bool some(std::wstring_view set) {
+    const std::size_t from = at_;
+    while (is(set)) ++at_;
+    return at_ > from;
+  }
+  void blanks() { some(L" \t\r\n"); }
+
+  bool value() {
+    blanks();
+    const bool good = bare();
+    blanks();
+    return good;
+  }
+  bool bare() {
+    if (is(L"\"")) return string();
+    if (is(L"-0123456789")) return number();
+    if (is(L"[")) return sequence(L"]", false);
+    if (is(L"{")) return sequence(L"}", true);
+    return eat(L"true") || eat(L"false") || eat(L"null");
+  }
+  bool sequence(std::wstring_view end, bool named) {
+    ++at_;
+    blanks();
+    if (eat(end)) return true;
+    do {
+      blanks();
+      if (named && !string()) return false;
+      blanks();
+      if (named && !eat(L":")) return false;
+      if (!value()) return false;
+    } while (eat(L","));
+    return eat(end);
+  }
+  bool number() {
+    constexpr std::wstring_view digits = L"0123456789";
+    eat(L"-");
+    if (!eat(L"0") && !some(digits)) return false;
+    if (eat(L".") && !some(digits)) return false;
+    if (!eat(L"e") && !eat(L"E")) return true;
+    if (!eat(L"+")) eat(L"-");
+    return some(digits);
+  }
+  bool string() {
+    if (!eat(L"\"")) return false;
+    while (at_ < text_.size() && !is(L"\"")) {
+      if (static_cast<char16_t>(text_[at_]) < 32) return false;
+      if (!eat(L"\\")) {
+        ++at_;
+      } else if (eat(L"u")) {
+        for (int n = 0; n < 4; ++n, ++at_)
+          if (!is(L"0123456789abcdefABCDEF")) return false;
+      } else if (is(L"\"\\/bfnrt")) {
+        ++at_;
+      } else {
+        return false;
+      }
+    }
+    return eat(L"\"");
+  }
+
+  std::wstring_view text_;
+  std::size_t at_ = 0;
+};
+
+/// A part of a document; what it is stands in `kind`: a bracket, a comma, a colon, or s, n, l or a blank.
+struct part {
+  wchar_t kind;
+  std::wstring text;
+};
+
+class generator {
+ public:
+  explicit generator(unsigned seed) : random_(seed) {}
+
+  unsigned below(std::size_t limit) { return static_cast<unsigned>(random_() % limit); }
+  wchar_t any(std::wstring_view set) { return set[below(set.size())]; }
+
+  std::vector<part> document() {
+    parts_.clear();
+    value(0);
+    return parts_;
+  }
+
+ private:
+  void add(wchar_t kind, std::wstring text) {
+    parts_.push_back({kind, std::move(text)});
+    if (below(5) == 0) parts_.push_back({L' ', std::wstring(below(3) + 1, any(L" \t\r\n"))});
+  }
+  void add(wchar_t sign) { add(sign, std::wstring(1, sign)); }
+
+  void value(int depth) {
+    switch (below(depth < 6 ? 7 : 4)) {
+      case 0:
+        return add(L'l', std::vector<std::wstring>{L"true", L"false", L"null"}[below(3)]);
+      case 1:
+        return number();
+      case 2:
+      case 3:
+        return string();
+      default:
+        return container(depth + 1, below(2) == 0);
+    }
+  }
+  void container(int depth, bool named) {
+    add(named ? L'{' : L'[');
+    for (unsigned n = below(5); n > 0; --n) {
+      if (named) {
+        string();
+        add(L':');
+      }
+      value(depth);
+      if (n > 1) add(L',');
+    }
+    add(named ? L'}' : L']');
+  }
+  std::wstring digits() {
+    std::wstring out;
+    for (unsigned n = below(6) + 1; n > 0; --n) out += any(L"0123456789");
+    return out;
+  }
+  void number() {
+    std::wstring out = below(2) ? L"-" : L"";
+    out += below(4) ? any(L"123456789") + digits() : L"0";
+    if (below(2)) out += L"." + digits();
+    if (below(3) == 0) out += any(L"eE") + std::vector<std::wstring>{L"", L"+", L"-"}[below(3)] + digits();
+    add(L'n', out);
+  }
+  void string() {
+    static const wchar_t* const pieces[] = {L"a",    L":",       L"[,",           L"ñ",
+                                            L"\\\"", L"\\\\",    L"\\n",          L"\\/",
+                                            L"\x7F", L"\\u00E1", L"\xD83D\xDE00", L"\\ud83d\\uDE00",
+                                            L"'",    L"//"};
+    std::wstring out = L"\"";
+    for (unsigned n = below(8); n > 0; --n) out += pieces[below(std::size(pieces))];
+    add(L's', out + L"\"");
+  }
+
+  std::mt19937_64 random_;
+  std::vector<part> parts_;
+};
+
+std::wstring text_of(const std::vector<part>& parts) {
+  std::wstring out;
+  for (const part& p : parts) out += p.text;
+  return out;
+}
+
+/// One change at a part, the offset in it at which the first finding is, and what that finding is.
+struct change {
+  const wchar_t* kinds;  // of the parts that it may be made at
+  const wchar_t* put;    // instead of the first `drop` units from `from` on
+  std::size_t from, drop, at;
+  rule expected;
+};
+
+constexpr change changes[] = {
+    {L",", L" ", 0, 1, 1, rule::missing_comma},
+    {L",", L",,", 0, 1, 1, rule::missing_value},
+    {L",", L"\xA0,", 0, 1, 0, rule::blank},
+    {L":", L" ", 0, 1, 1, rule::missing_colon},
+    {L":", L",", 0, 1, 0, rule::missing_colon},
+    {L":", L"::", 0, 1, 1, rule::unexpected},
+    {L":", L":/**/", 0, 1, 1, rule::comment},
+    {L"}", L"]", 0, 1, 0, rule::wrong_bracket},
+    {L"]", L"}", 0, 1, 0, rule::wrong_bracket},
+    {L"n", L"+", 0, 0, 0, rule::number},
+    {L"n", L"-0", 0, 0, 0, rule::number},
+    {L"l", L"N", 0, 1, 0, rule::literal},
+    {L"s", L"\\q", 1, 0, 1, rule::escape},
+    {L"s", L"a\x1F", 1, 0, 2, rule::control_character},
+    {L"s", L"\\uD83D", 1, 0, 1, rule::lone_surrogate},
+    {L"s", L"\\u12g", 1, 0, 1, rule::escape},
+};
+
+class json_check_generated : public generated_inputs {
+ protected:
+  /// Makes the change at the part; a missing sign is told of at what follows.
+  void try_change(std::vector<part> parts, std::size_t n, const change& c) {
+    ++inputs;
+    std::size_t offset = c.at;
+    for (std::size_t p = 0; p < n; ++p) offset += parts[p].text.size();
+    parts[n].text.replace(c.from, c.drop, c.put);
+    if (parts[n].text == L" ")
+      for (std::size_t p = n + 1; parts[p].kind == L' '; ++p) offset += parts[p].text.size();
+    const std::wstring text = text_of(parts);
+    const auto all = check_json(text);
+    ASSERT_FALSE(all.empty()) << testing::PrintToString(text);
+    EXPECT_EQ(static_cast<int>(all[0].rule), static_cast<int>(c.expected)) << testing::PrintToString(text);
+    EXPECT_EQ(all[0].position, offset + 1) << testing::PrintToString(text);
+    const auto place = ruvo::serializer::position_of(text, offset + 1);
+    EXPECT_EQ(all[0].line, place.line);
+    EXPECT_EQ(all[0].column, place.column);
+  }
+
+  /// The check and the grammar agree.
+  void agree(const std::wstring& text) {
+    ++inputs;
+    const auto all = check_json(text);
+    const bool clean = std::all_of(all.begin(), all.end(), [](const auto& f) { return is_note(f.rule); });
+    EXPECT_EQ(clean, grammar::accepts(text)) << testing::PrintToString(text);
+  }
+};
+
+TEST_F(json_check_generated, documents_are_clean_and_single_changes_are_found) {
+  generator g(20261122);
+  for (unsigned round = 0; round < 600 * rounds() && !HasFailure(); ++round) {
+    const std::vector<part> parts = g.document();
+    ASSERT_TRUE(check_json(text_of(parts)).empty()) << testing::PrintToString(text_of(parts));
+    for (std::size_t n = 0; n < parts.size(); ++n)
+      for (const change& c : changes)
+        if (parts[n].kind == c.kinds[0]) try_change(parts, n, c);
+  }
+}
+
+TEST_F(json_check_generated, the_grammar_accepts_exactly_what_has_no_departure) {
+  generator g(20261123);
+  for (unsigned round = 0; round < 1500 * rounds() && !HasFailure(); ++round) {
+    const std::wstring text = text_of(g.document());
+    for (int m = 0; m < 10; ++m) {
+      std::wstring other = text;
+      for (unsigned n = g.below(3) + 1; n > 0 && !other.empty(); --n) {
+        const std::size_t at = g.below(other.size());
+        const std::size_t drop = g.below(3);
+        other.erase(at, drop);
+        if (g.below(2))
+          other.insert(at, 1, g.any(L"{}[]\",:\\-+.0123eEtrufalsn /*'\t\n\x01\xD83D\xDE00\xA0\xFEFF"));
+      }
+      agree(other);
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,190 @@
+// Lines and columns, and all the failures of a reading.
+
+#include <ruvo/bundle.hpp>
+#include <ruvo/exc.hpp>
+#include <ruvo/reading.hpp>
+#include <ruvo/serializer.hpp>
+#include <ruvo/xml.hpp>
+
+#include <algorithm>
+#include <iterator>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/rounds.hpp"
+
+using ruvo::bundle;
+using ruvo::exception;
+using ruvo::serializer::failure_position;
+using ruvo::serializer::json_reader;
+using ruvo::serializer::position_of;
+using ruvo::serializer::read_all;
+using ruvo::serializer::reading_failure;
+using ruvo::serializer::text_place;
+using ruvo::serializer::xml_reader;
+
+namespace {
+
+class reading : public generated_inputs {};
+
+/// The places of all positions of a text, the end included.
+std::vector<text_place> places_of(std::wstring_view text) {
+  std::vector<text_place> out;
+  for (std::size_t n = 1; n <= text.size() + 1; ++n) out.push_back(position_of(text, n));
+  return out;
+}
+
+TEST(position_of, breaks_pairs_and_ends) {
+  using places = std::vector<text_place>;
+  EXPECT_EQ(places_of(L""), (places{{1, 1}}));
+  EXPECT_EQ(places_of(L"a\tb"), (places{{1, 1}, {1, 2}, {1, 3}, {1, 4}}));
+  EXPECT_EQ(places_of(L"a\nb"), (places{{1, 1}, {1, 2}, {2, 1}, {2, 2}}));
+  EXPECT_EQ(places_of(L"\r\r\n\n\r"), (places{{1, 1}, {2, 1}, {2, 1}, {3, 1}, {4, 1}, {5, 1}}));
+  EXPECT_EQ(places_of(L"\xD83D\xDE00x"), (places{{1, 1}, {1, 1}, {1, 2}, {1, 3}}));
+  EXPECT_EQ(places_of(L"\xDE00\xD83D"), (places{{1, 1}, {1, 2}, {1, 3}}));
+  EXPECT_EQ(position_of(L"a\nb", 0), (text_place{1, 1}));
+  EXPECT_EQ(position_of(L"a\nb", ~0ULL), (text_place{2, 2}));
+}
+
+/// Against lines that are cut out of the text.
+TEST_F(reading, positions_agree_with_lines_cut_out) {
+  std::mt19937 random(7);
+  for (unsigned round = 0; round < 2000 * rounds(); ++round) {
+    std::wstring text;
+    while (random() % 12) text += L"ab\r\n\xD83D\xDE00"[random() % 6];
+    std::wstring plain;  // one unit for each character, one for each end of a line
+    std::vector<std::size_t> unit_to_plain;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+      const bool second =
+          at > 0 && unit_to_plain.size() == at &&
+          ((text[at - 1] == L'\r' && text[at] == L'\n') ||
+           (static_cast<char16_t>(text[at - 1]) == 0xD83D && static_cast<char16_t>(text[at]) == 0xDE00));
+      if (!second) plain += text[at] == L'\r' ? L'\n' : text[at];
+      unit_to_plain.push_back(plain.size() - 1);
+    }
+    unit_to_plain.push_back(plain.size());
+    for (std::size_t at = 0; at <= text.size(); ++at) {
+      const std::wstring before = plain.substr(0, unit_to_plain[at]);
+      const std::size_t last = before.rfind(L'\n');
+      const auto line = static_cast<std::size_t>(std::count(before.begin(), before.end(), L'\n')) + 1;
+      const std::size_t column = last == std::wstring::npos ? before.size() + 1 : before.size() - last;
+      ++inputs;
+      ASSERT_EQ(position_of(text, at + 1), (text_place{line, column})) << testing::PrintToString(text);
+    }
+  }
+}
+
+struct told {
+  unsigned long code;
+  std::uint64_t position;
+  std::size_t line, column;
+  bool operator==(const told&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const told& t) {
+  return out << t.code << '@' << t.position << '=' << t.line << ':' << t.column;
+}
+
+std::vector<told> short_form(const std::vector<reading_failure>& failures) {
+  std::vector<told> out;
+  for (const reading_failure& f : failures) {
+    const unsigned long code = f.error.get_rango() * 1000 + f.error.get_code();
+    out.push_back({code, f.position, f.line, f.column});
+  }
+  return out;
+}
+
+template <class Reader>
+std::vector<told> failures_of(std::wstring_view text, std::size_t most = 100) {
+  Reader reader;
+  bundle out;
+  return short_form(read_all(reader, out, text, most));
+}
+
+TEST_F(reading, json_tells_every_failure_once) {
+  using list = std::vector<told>;
+  EXPECT_EQ(failures_of<json_reader>(L"{\"a\":1}"), list{});
+  EXPECT_EQ(failures_of<json_reader>(L"{\"o\":{\"\":\"x\",\n\"b\":{\"\":true}}}"),
+            (list{{6002, 12, 1, 12}, {6002, 26, 2, 12}}));
+  EXPECT_EQ(failures_of<json_reader>(L"{\"o\":{\"\":\"x\",\n\"b\":{\"\":true}}}", 1),
+            (list{{6002, 12, 1, 12}}));
+  EXPECT_EQ(failures_of<json_reader>(L"{\"o\":{\"\":\"x\"}}", 0), list{});
+  // A word that went wrong stays wrong to the end of the text.
+  EXPECT_EQ(failures_of<json_reader>(L"{\"a\":trie,\r\n \"\":1}"), (list{{6003, 8, 1, 8}}));
+}
+
+TEST_F(reading, an_exception_of_the_reader_is_the_last_failure) {
+  json_reader reader;
+  bundle out;
+  const auto failures = read_all(reader, out, L"{\"o\":{\"\":2,\"n\":\n99999999999999999999,\"b\":1}", 1);
+  EXPECT_EQ(short_form(failures), (std::vector<told>{{6002, 11, 1, 11}, {12, 37, 2, 21}}));
+  EXPECT_EQ(reader.position(), 0U);
+  EXPECT_FALSE(out.has(L"b"));
+}
+
+TEST_F(reading, xml_tells_every_failure) {
+  const std::wstring text = L"<a>\r\n<b>1</c><d>2</e></a>";
+  EXPECT_EQ(failures_of<xml_reader>(text), (std::vector<told>{{7002, 13, 2, 8}, {7002, 21, 2, 16}}));
+}
+
+/// What is read and the last failure are those of deserialize().
+template <class Reader, class Format>
+void expect_same(Format& format, const std::wstring& text) {
+  bundle at_once, all;
+  exception error;
+  bool failed = false, thrown = false;
+  try {
+    failed = format.deserialize(at_once, text, &error);
+  } catch (const std::logic_error&) {
+    thrown = true;
+  }
+  Reader reader;
+  const std::vector<reading_failure> failures = read_all(reader, all, text, text.size());
+  ASSERT_EQ(all.to_string(), at_once.to_string()) << testing::PrintToString(text);
+  ASSERT_EQ(failures.empty(), !failed && !thrown) << testing::PrintToString(text);
+  for (const reading_failure& f : failures) {
+    const bool by_exception = thrown && &f == &failures.back();
+    EXPECT_EQ(failure_position(f.error), by_exception ? 0 : f.position) << testing::PrintToString(text);
+    EXPECT_EQ(position_of(text, f.position), (text_place{f.line, f.column}));
+  }
+  if (failed) {
+    EXPECT_EQ(failures.back().error.get_raw_code(), error.get_raw_code());
+  }
+}
+
+TEST_F(reading, agrees_with_deserialize) {
+  ruvo::serializer::json json;
+  ruvo::serializer::xml xml(true, false);
+  std::mt19937 random(20261124);
+  static const wchar_t* const json_parts[] = {
+      L"{",     L"}",     L"[",    L"]",      L"\"a\":",
+      L"\"\":", L"\"x\"", L",",    L"12",     L"true",
+      L"trx",   L"\n",    L"null", L"1.5.5-", L"99999999999999999999"};
+  static const wchar_t* const xml_parts[] = {L"<a>",  L"</a>", L"<b x=\"1\">", L"</b>", L"<c",  L">",   L"t",
+                                             L"\r\n", L"</>",  L"<>",          L"<d/>", L"<e<", L"&lt;"};
+  for (unsigned round = 0; round < 4000 * rounds() && !HasFailure(); ++round) {
+    std::wstring text = L"{", markup;
+    for (int n = 0; n < 14; ++n) {
+      text += json_parts[random() % std::size(json_parts)];
+      markup += xml_parts[random() % std::size(xml_parts)];
+    }
+    expect_same<json_reader>(json, text);
+    expect_same<xml_reader>(xml, markup);
+    inputs += 2;
+  }
+}
+
+TEST(failure_position, stands_in_the_messages_of_the_readers_only) {
+  EXPECT_EQ(failure_position(ruvo::exc::jsonEmptyKey(12345678901ULL, 2)), 12345678901ULL);
+  EXPECT_EQ(failure_position(ruvo::exc::xmlFalseKnot(7, 0)), 7U);
+  EXPECT_EQ(failure_position(exception()), 0U);
+  EXPECT_EQ(failure_position(exception(0xE0000001, L" en el nudo:1")), 0U);
+  EXPECT_EQ(failure_position(exception(0xE0000001, L"12 en el nudo:1")), 0U);
+}
+
+}  // namespace

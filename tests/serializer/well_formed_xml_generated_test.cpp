@@ -1,0 +1,354 @@
+// Generated trees, written in every way that XML has, cut and damaged.
+
+#include <ruvo/bundle.hpp>
+#include <ruvo/exception.hpp>
+#include <ruvo/list.hpp>
+#include <ruvo/texto.hpp>
+#include <ruvo/well_formed_xml.hpp>
+#include <ruvo/xml.hpp>
+
+#include <algorithm>
+#include <random>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/rounds.hpp"
+#include "support/well_formed_promises.hpp"
+#include "support/xml_outcome.hpp"
+
+using ruvo::bundle;
+using ruvo::list;
+using ruvo::xvar;
+using ruvo::serializer::read_well_formed_xml;
+
+namespace {
+
+struct node {
+  std::wstring name, text;
+  std::vector<std::pair<std::wstring, std::wstring>> attributes;
+  std::vector<node> children;
+};
+
+xvar value_of(const node& n);
+
+/// A bundle, or from the first repetition on a list of what was there, by key, and all that follows.
+xvar children_of(const std::vector<node>& children) {
+  bundle members;
+  std::size_t n = 0;
+  for (; n < children.size() && members.count(children[n].name) == 0; ++n)
+    members[children[n].name] = value_of(children[n]);
+  if (n == children.size()) return members;
+  list items;
+  for (const auto& [key, value] : members) {
+    bundle item;
+    item[key] = value;
+    items.push_back(item);
+  }
+  for (; n < children.size(); ++n) {
+    bundle item;
+    item[children[n].name] = value_of(children[n]);
+    items.push_back(item);
+  }
+  return items;
+}
+
+xvar value_of(const node& n) {
+  xvar value = n.children.empty() ? xvar(n.text) : children_of(n.children);
+  for (const auto& [name, text] : n.attributes) value[name] = text;
+  return value;
+}
+
+std::wstring expected(const node& root) {
+  bundle document;
+  document[root.name] = value_of(root);
+  return xml_outcome::text_of(document);
+}
+
+class random_source {
+ public:
+  explicit random_source(unsigned seed) : random_(seed) {}
+
+  unsigned below(std::size_t limit) { return static_cast<unsigned>(random_() % limit); }
+  bool one_in(unsigned n) { return below(n) == 0; }
+  template <std::size_t count>
+  std::wstring any(const wchar_t* const (&of)[count]) {
+    return of[below(count)];
+  }
+
+ private:
+  std::mt19937_64 random_;
+};
+
+/// Makes trees. A text is a row of characters, each of them one or two units.
+class tree_source : public random_source {
+ public:
+  using random_source::random_source;
+
+  node element(int depth = 0) {
+    node n;
+    n.name = name();
+    for (unsigned count = one_in(2) ? below(4) : 0; count > 0; --count) {
+      const std::wstring its_name = name();
+      if (std::none_of(n.attributes.begin(), n.attributes.end(),
+                       [&](const auto& other) { return other.first == its_name; }))
+        n.attributes.emplace_back(its_name, text());
+    }
+    if (depth < 5 && !one_in(3))
+      for (unsigned count = below(5); count > 0; --count) n.children.push_back(element(depth + 1));
+    if (n.children.empty()) n.text = text();
+    return n;
+  }
+
+ private:
+  std::wstring name() {
+    static const wchar_t* const names[] = {L"a", L"A",  L"b",           L"ab", L"n:x", L"un-nombre.largo",
+                                           L"ñ", L"_1", L"\xD83D\xDE00"};
+    return any(names);
+  }
+  std::wstring text() {
+    static const wchar_t* const pieces[] = {L"a",           L" ",
+                                            L"<",           L">",
+                                            L"&",           L"'",
+                                            L"\"",          L"]",
+                                            L"]]>",         L"\n",
+                                            L"\r",          L"\t",
+                                            L"&lt;",        L"texto algo más largo",
+                                            L"--",          L"?>",
+                                            L"\xFFFD",      L"\xD83D\xDE00",
+                                            L"\xDBFF\xDFFD"};
+    std::wstring out;
+    for (unsigned count = below(7); count > 0; --count) out += any(pieces);
+    return out;
+  }
+};
+
+/// Writes a tree in one of the ways in which XML can say it.
+class xml_source : public random_source {
+ public:
+  using random_source::random_source;
+
+  std::wstring document(const node& root) {
+    static const wchar_t* const declarations[] = {L"", L"\xFEFF", L"<?xml version='1.0'?>",
+                                                  L"<?xml\tversion = \"1.0\" encoding='UTF-16'\n?>"};
+    static const wchar_t* const types[] = {L"", L"<!DOCTYPE r>",
+                                           L"<!DOCTYPE r SYSTEM \"'\" [ <!ENTITY a '>\"]'><!-- ]>' --> ] >"};
+    static const wchar_t* const line_ends[] = {L"\n", L"\r", L"\r\n"};
+    line_end_ = any(line_ends);
+    out_ = any(declarations);
+    around();
+    out_ += any(types);
+    around();
+    element(root);
+    root_end_ = out_.size();
+    around();
+    return out_;
+  }
+  /// Where the root element of the last document ends.
+  std::size_t root_end() const { return root_end_; }
+
+ private:
+  static bool is_blank(wchar_t c) { return c == L' ' || c == L'\t' || c == L'\n' || c == L'\r'; }
+
+  void blanks(unsigned least) {
+    static const wchar_t* const kinds[] = {L" ", L"\t", L"\n", L"\r", L"\r\n"};
+    for (unsigned count = one_in(4) ? least + below(3) : least; count > 0; --count) out_ += any(kinds);
+  }
+  /// What may stand anywhere between tags and means nothing.
+  void section() {
+    static const wchar_t* const sections[] = {L"<!-- </a> - ]]> & ' -->", L"<!---->", L"<?p <a> & ?>",
+                                              L"<?p?>"};
+    if (one_in(6)) out_ += any(sections);
+  }
+  void around() {
+    blanks(0);
+    section();
+    blanks(0);
+  }
+
+  void element(const node& n) {
+    out_ += L'<' + n.name;
+    for (const auto& [name, value] : n.attributes) attribute(name, value);
+    blanks(0);
+    if (n.children.empty() && n.text.empty() && one_in(2)) {
+      out_ += L"/>";
+      return;
+    }
+    out_ += L'>';
+    around();
+    if (n.children.empty()) text(n.text);
+    for (const node& child : n.children) {
+      if (one_in(8)) text(L"lost");
+      element(child);
+      around();
+    }
+    out_ += L"</" + n.name;
+    blanks(0);
+    out_ += L'>';
+  }
+
+  void attribute(const std::wstring& name, const std::wstring& value) {
+    blanks(1);
+    out_ += name;
+    blanks(0);
+    out_ += L'=';
+    blanks(0);
+    const wchar_t quote = one_in(2) ? L'"' : L'\'';
+    out_ += quote;
+    for (std::size_t n = 0; n < value.size();) {
+      const std::wstring one = character_at(value, n);
+      const bool literal =
+          one[0] != quote && one[0] != L'<' && one[0] != L'&' && (one == L" " || !is_blank(one[0]));
+      if (literal && !one_in(8)) {
+        out_ += one;
+      } else {
+        out_ += reference(one);
+      }
+      n += one.size();
+    }
+    out_ += quote;
+  }
+
+  void text(const std::wstring& value) {
+    std::size_t first = 0, last = value.size();
+    while (first < last && is_blank(value[first])) ++first;
+    while (last > first && is_blank(value[last - 1])) --last;
+    for (std::size_t n = 0; n < value.size();) {
+      const std::wstring one = character_at(value, n);
+      text_character(one, n >= first && n < last);
+      if (n >= first && n + one.size() < last) section();
+      n += one.size();
+    }
+  }
+  void text_character(const std::wstring& one, bool literal) {
+    const wchar_t c = one[0];
+    literal = literal && c != L'<' && c != L'&' && c != L'\r' && !(c == L'>' && out_.ends_with(L"]]"));
+    if (literal && !one_in(8)) {
+      out_ += c == L'\n' ? line_end_ : one;
+    } else if (c != L'\r' && one_in(2)) {
+      out_ += L"<![CDATA[" + (c == L'\n' ? line_end_ : one) + L"]]>";
+    } else {
+      out_ += reference(one);
+    }
+  }
+
+  static std::wstring character_at(const std::wstring& text, std::size_t n) {
+    const auto unit = static_cast<char16_t>(text[n]);
+    return text.substr(n, unit >= 0xD800 && unit < 0xDC00 ? 2 : 1);
+  }
+  std::wstring reference(const std::wstring& one) {
+    static const std::wstring signs = L"<>&'\"";
+    static const wchar_t* const names[] = {L"&lt;", L"&gt;", L"&amp;", L"&apos;", L"&quot;"};
+    const std::size_t sign = signs.find(one[0]);
+    if (sign != signs.npos && one_in(2)) return names[sign];
+    unsigned long code = static_cast<char16_t>(one[0]);
+    if (one.size() == 2) code = 0x10000 + (code - 0xD800) * 0x400 + static_cast<char16_t>(one[1]) - 0xDC00;
+    std::wostringstream out;
+    if (one_in(2)) {
+      out << L"&#" << std::wstring(below(3), L'0') << code << L';';
+    } else {
+      out << L"&#x" << std::hex << (one_in(2) ? std::uppercase : std::nouppercase) << code << L';';
+    }
+    return out.str();
+  }
+
+  std::wstring out_, line_end_;
+  std::size_t root_end_ = 0;
+};
+
+/// The tree without what the library's own reader takes in another way.
+node tamed(node n) {
+  std::erase_if(n.text, [](wchar_t c) { return c == L'&' || c == L'\r'; });
+  n.text = ruvo::texto::trim(n.text);
+  for (auto& [name, value] : n.attributes) value = L"[" + name + L"]";
+  for (node& child : n.children) child = tamed(std::move(child));
+  return n;
+}
+
+/// The way to say it that both readers understand.
+void write_tamed(std::wstring& out, const node& n) {
+  out += L'<' + n.name;
+  for (const auto& [name, value] : n.attributes) out += L' ' + name + L"=\"" + value + L'"';
+  out += L'>';
+  for (const wchar_t c : n.text)
+    out += c == L'<' ? L"&lt;" : c == L'>' ? L"&gt;" : c == L'\'' ? L"&apos;" : std::wstring(1, c);
+  for (const node& child : n.children) write_tamed(out, child);
+  out += L"</" + n.name + L'>';
+}
+
+class well_formed_xml_generated : public generated_inputs {};
+
+TEST_F(well_formed_xml_generated, however_it_is_written_the_tree_is_read) {
+  tree_source trees(20261124);
+  xml_source writer(20261125);
+  for (unsigned round = 0; round < 400 * rounds() && !HasFailure(); ++round) {
+    const node root = trees.element();
+    const std::wstring wanted = expected(root);
+    for (int way = 0; way < 4; ++way) {
+      ++inputs;
+      const std::wstring text = writer.document(root);
+      bundle out;
+      ruvo::exception error;
+      ASSERT_FALSE(read_well_formed_xml(out, text, &error))
+          << testing::PrintToString(error.get_mensaje()) << testing::PrintToString(text);
+      ASSERT_EQ(xml_outcome::text_of(out), wanted) << testing::PrintToString(text);
+    }
+  }
+}
+
+TEST_F(well_formed_xml_generated, the_own_reader_gives_the_same) {
+  tree_source trees(20261126);
+  for (unsigned round = 0; round < 400 * rounds() && !HasFailure(); ++round) {
+    ++inputs;
+    std::wstring text;
+    write_tamed(text, tamed(trees.element()));
+    bundle own, strict;
+    ASSERT_FALSE(read_well_formed_xml(strict, text));
+    ASSERT_FALSE(ruvo::serializer::xml(true, false).deserialize(own, text));
+    EXPECT_EQ(xml_outcome::text_of(strict), xml_outcome::text_of(own)) << testing::PrintToString(text);
+  }
+}
+
+TEST_F(well_formed_xml_generated, no_part_of_a_document_is_one) {
+  tree_source trees(20261127);
+  xml_source writer(20261128);
+  for (unsigned round = 0; round < 15 * rounds() && !HasFailure(); ++round) {
+    const std::wstring text = writer.document(trees.element());
+    for (std::size_t size = 0; size < writer.root_end(); ++size) {
+      ++inputs;
+      const bool in_pair = size > 0 && static_cast<char16_t>(text[size - 1]) - 0xD800U < 0x400;
+      ASSERT_EQ(well_formed_promises::refused_at(text.substr(0, size)), in_pair ? size : size + 1)
+          << testing::PrintToString(text.substr(0, size));
+    }
+  }
+}
+
+TEST_F(well_formed_xml_generated, damaged_documents) {
+  static const std::wstring alphabet =
+      L"<>/!?=\"'-[]&#;x0 \t\n\r:aAñ%\xD83D\xDE00\xFFFF\x01" + std::wstring(1, L'\0');
+  static const wchar_t* const pieces[] = {L"]]>",   L"--",          L"-->",    L"<![CDATA[", L"<!--",
+                                          L"<?",    L"?>",          L"</a>",   L"<a>",       L"&#x1F600;",
+                                          L"&amp;", L"<!DOCTYPE r", L" a='1'", L"/>",        L"<?xml "};
+  tree_source trees(20261129);
+  xml_source writer(20261130);
+  for (unsigned round = 0; round < 1200 * rounds() && !HasFailure(); ++round) {
+    const std::wstring text = writer.document(trees.element());
+    for (int m = 0; m < 12; ++m) {
+      ++inputs;
+      std::wstring damaged = text;
+      for (unsigned n = trees.below(3) + 1; n > 0 && !damaged.empty(); --n) {
+        const std::size_t at = trees.below(damaged.size());
+        if (trees.one_in(2)) damaged.erase(at, trees.below(4));
+        if (trees.one_in(2)) damaged.insert(at, 1, alphabet[trees.below(alphabet.size())]);
+        if (trees.one_in(3)) damaged.insert(at, trees.any(pieces));
+      }
+      const char* const broken = well_formed_promises::broken(damaged);
+      ASSERT_EQ(broken, nullptr) << broken << testing::PrintToString(damaged);
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,145 @@
+// What a bundle tells of a path, and that it agrees with the getters.
+
+#include <ruvo/binary.hpp>
+#include <ruvo/bundle.hpp>
+#include <ruvo/color.hpp>
+#include <ruvo/date.hpp>
+#include <ruvo/datetime.hpp>
+#include <ruvo/list.hpp>
+#include <ruvo/memo.hpp>
+#include <ruvo/time.hpp>
+
+#include <algorithm>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/rounds.hpp"
+
+using ruvo::bundle;
+using ruvo::list;
+using ruvo::xvar;
+
+namespace {
+
+struct row {
+  const wchar_t* path;
+  const wchar_t* expected;
+};
+
+TEST(explain, where_the_path_ends) {
+  bundle b;
+  b.putOn(L"a.b.text", L"x");
+  b.putOn(L"a.none", xvar());
+  b.putOn(L"a.list", list{1, 2});
+  b[L"a.b.flat"] = 1;
+  b[L"Ñu"] = 1;
+  b[L""] = 7;
+  const row rows[] = {
+      {L"z", L"«z» (parte 1 de la ruta) no existe."},
+      {L"A.Z.text", L"«Z» (parte 2 de la ruta) no existe."},
+      {L"a.b.", L"«» (parte 3 de la ruta) no existe."},
+      {L"a.none.x", L"«none» (parte 2 de la ruta) es nulo: la ruta sólo sigue por un bundle."},
+      {L"a.list.0", L"«list» (parte 2 de la ruta) es una lista: la ruta sólo sigue por un bundle."},
+      {L"a.b.text.len", L"«text» (parte 3 de la ruta) es un texto: la ruta sólo sigue por un bundle."},
+      {L"a.none", L"«none» (parte 2 de la ruta) es nulo."},
+      {L"a.list", L"«list» (parte 2 de la ruta) es una lista."},
+      {L"ñU", L"«ñU» (parte 1 de la ruta) no existe."},
+      {L"Ñu",
+       L"«Ñu» (parte 1 de la ruta) no existe. Sí hay una clave «Ñu», a la que sólo llega el operador []."},
+      {L"",
+       L"«» (parte 1 de la ruta) es un número entero. Se lee como entero, decimal. No se lee como valor "
+       L"lógico."},
+  };
+  for (const row& r : rows) {
+    EXPECT_EQ(b.explain(r.path), r.expected);
+    EXPECT_EQ(b.explain(std::wstring(r.path), '.'), b.explain(r.path));
+  }
+  EXPECT_EQ(b.explain(L"a/list/0", '/'), b.explain(L"a.list.0"));
+  bundle flat;
+  flat[L"x.Y"] = 1;
+  EXPECT_EQ(
+      flat.explain(L"X.y"),
+      L"«X» (parte 1 de la ruta) no existe. Sí hay una clave «X.y», a la que sólo llega el operador [].");
+  EXPECT_EQ(flat.explain(std::string("\xC3\xB1")), L"«ñ» (parte 1 de la ruta) no existe.");
+  EXPECT_EQ(flat.explain(std::wstring(100, L'k')),
+            L"«" + std::wstring(60, L'k') + L"…» (parte 1 de la ruta) no existe.");
+}
+
+TEST(explain, what_is_there) {
+  const std::vector<std::pair<xvar, std::wstring>> rows = {
+      {true, L"un valor lógico. Se lee como entero, decimal, valor lógico."},
+      {L'x', L"un carácter. No se lee como entero, decimal, valor lógico."},
+      {5, L"un número entero. Se lee como entero, decimal. No se lee como valor lógico."},
+      {0.25,
+       L"un número decimal. Se lee como entero, decimal. No se lee como valor lógico. Como entero vale 0."},
+      {0, L"un número entero. Se lee como entero, decimal, valor lógico. Vale 0."},
+      {L"", L"un texto. Está vacío. No se lee como entero, decimal, valor lógico."},
+      {L"12a", L"un texto. No se lee como entero, decimal, valor lógico."},
+      {L" -3 ", L"un texto. Se lee como entero, decimal. No se lee como valor lógico."},
+      {L"no", L"un texto. Se lee como valor lógico. No se lee como entero, decimal."},
+      {L"99999999999999999999", L"un texto. Se lee como decimal. No se lee como entero, valor lógico."},
+      {list(), L"una lista. Está vacío."},
+      {bundle{{L"k", 1}}, L"un bundle."},
+      {ruvo::memo(), L"un memo. Está vacío. No se lee como entero, decimal, valor lógico."},
+  };
+  for (const auto& [value, expected] : rows) {
+    bundle b;
+    b[L"v"] = value;
+    EXPECT_EQ(b.explain(L"v"), L"«v» (parte 1 de la ruta) es " + expected);
+  }
+  for (const xvar& value : {xvar(ruvo::binary()), xvar(ruvo::date()), xvar(ruvo::time()),
+                            xvar(ruvo::datetime()), xvar(ruvo::color())}) {
+    bundle b;
+    b[L"v"] = value;
+    EXPECT_TRUE(b.explain(L"v").find(L" es un") != std::wstring::npos)
+        << testing::PrintToString(b.explain(L"v"));
+  }
+}
+
+class explain_generated : public generated_inputs {};
+
+/// "no existe" and "sólo sigue" exactly where has() is false; the readings are those of the getters.
+TEST_F(explain_generated, agrees_with_the_getters) {
+  std::mt19937 random(20261125);
+  const std::vector<xvar> values = {xvar(), 0, 1, 2.5, L"", L"7", L"sí", L"si", L"x", list{1}, true, L'1'};
+  const wchar_t keys[] = {L'a', L'B', L'Ñ', L'x'};
+  for (unsigned round = 0; round < 2000 * rounds() && !HasFailure(); ++round) {
+    bundle b;
+    const auto any_path = [&] {
+      std::wstring path;
+      for (unsigned n = random() % 3; n > 0; --n) path += {keys[random() % 4], L'X'};
+      return path + keys[random() % 4];
+    };
+    for (int n = 0; n < 6; ++n) b.putOn(any_path(), values[random() % values.size()], 'x');
+    const char separator = random() % 4 ? 'x' : 'X';  // paths are folded, separators are not
+    const std::wstring path = any_path(), text = b.explain(path, separator);
+    const auto tells = [&text](const wchar_t* part) { return text.find(part) != std::wstring::npos; };
+    ++inputs;
+    EXPECT_EQ(tells(L"no existe") || tells(L"sólo sigue"), !b.has(path, separator))
+        << testing::PrintToString(text);
+    EXPECT_EQ(tells(L" es nulo."), b.has(path, separator) && b.get(path, separator).is_null());
+    const std::size_t denied = std::min(text.find(L"No se lee"), text.size());
+    const auto reads = [&](const wchar_t* as) { return text.find(as) < denied; };
+    EXPECT_EQ(reads(L"entero,") || reads(L"entero."),
+              b.get_long(path, separator, 8) != 8 || b.get_long(path, separator, 9) != 9)
+        << testing::PrintToString(text);
+    EXPECT_EQ(reads(L", valor lógico") || reads(L"como valor lógico"),
+              b.get_boolean(path, true, separator) == b.get_boolean(path, false, separator));
+  }
+}
+
+TEST(explain, any_depth) {
+  bundle b;
+  std::wstring path = L"a";
+  for (int n = 0; n < 20000; ++n) path += L".a";
+  b.putOn(path, 0);
+  EXPECT_TRUE(b.explain(path).starts_with(L"«a» (parte 20001 de la ruta) es un número entero."));
+  EXPECT_EQ(b.explain(path + L".b"),
+            L"«a» (parte 20001 de la ruta) es un número entero: la ruta sólo sigue por un bundle.");
+}
+
+}  // namespace
