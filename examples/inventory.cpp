@@ -14,7 +14,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstdint>
-#include <cstdio>
 #include <deque>
 #include <filesystem>
 #include <optional>
@@ -22,8 +21,6 @@
 #include <system_error>
 #include <thread>
 #include <vector>
-
-#include <io.h>
 
 namespace {
 
@@ -76,7 +73,7 @@ class inventory {
     ruvo::jobs::pool pool;
     for (item& one : items_) pool.store_job(one.task, ruvo::xvar());
     pool.start();
-    const bool on_terminal = _isatty(_fileno(stdout)) != 0;
+    const bool on_terminal = app_.get_console().is_terminal();
     while (!pool.empty() && !interrupted) {
       if (on_terminal) show_progress();
       std::this_thread::sleep_for(std::chrono::milliseconds(20));

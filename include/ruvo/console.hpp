@@ -26,6 +26,8 @@ class KESTA_API console {
   /// Both throw what open() tells, and exc::systemErrorCode when not all could be written.
   void write(const std::wstring& text);
   void write_line(const std::wstring& text);
+  /// Whether the output is a console now, rather than a file, a pipe or nothing.
+  bool is_terminal() const noexcept;
   void close() noexcept;
 
  private:

@@ -35,6 +35,7 @@ void console::write(const std::wstring& text) {
 }
 
 void console::write_line(const std::wstring& text) { write(text + L"\r\n"); }
+bool console::is_terminal() const noexcept { return platform::is_terminal(); }
 void console::close() noexcept { platform::close_console(); }
 
 }  // namespace ruvo

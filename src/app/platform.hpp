@@ -69,6 +69,8 @@ void debug_line(const std::wstring& text) noexcept;
 bool open_console() noexcept;
 /// Gives back a console that open_console() made.
 void close_console() noexcept;
+/// Whether the standard output is a console.
+bool is_terminal() noexcept;
 /// The text as it is to a console, in UTF-8 to a file or a pipe; false when not all was written.
 bool write_console(std::wstring_view text);
 

@@ -93,12 +93,15 @@ void close_console() noexcept {
   if (made_console.exchange(false)) FreeConsole();
 }
 
+bool is_terminal() noexcept {
+  DWORD mode;
+  return GetConsoleMode(output(), &mode) != 0;
+}
+
 bool write_console(std::wstring_view text) {
   const HANDLE out = output();
   if (!out) return false;
-  DWORD mode;
-  if (GetConsoleMode(out, &mode)) return write_units(out, text);
-  return write_all(out, texto::to_utf_8(text));
+  return is_terminal() ? write_units(out, text) : write_all(out, texto::to_utf_8(text));
 }
 
 // Without the right to write elsewhere the system itself puts each write at the end; the right to read is for

@@ -54,6 +54,8 @@ void debug_line(const std::wstring&) noexcept {}
 bool open_console() noexcept { return true; }
 void close_console() noexcept {}
 
+bool is_terminal() noexcept { return isatty(STDOUT_FILENO) != 0; }
+
 bool write_console(std::wstring_view text) {
   const std::string bytes = texto::to_utf_8(text);
   return std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size();
