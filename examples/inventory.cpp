@@ -70,6 +70,7 @@ class inventory {
   }
 
   void read_all() {
+    if (cancel_after_ == 0U) std::raise(SIGINT);
     ruvo::jobs::pool pool;
     for (item& one : items_) pool.store_job(one.task, ruvo::xvar());
     pool.start();
@@ -196,7 +197,12 @@ std::optional<options> options_of(std::vector<std::wstring> given) {
 int run(ruvo::application& app, const options& wanted) {
   inventory made(app, wanted.folder, wanted.cancel_after);
   made.list();
-  made.read_all();
+  try {
+    made.read_all();
+  } catch (const std::system_error& error) {  // there is no thread to be had
+    app.get_console().write_line(ruvo::exc::UnCatch(&error).get_mensaje());
+    return 1;
+  }
   const ruvo::bundle document = made.document();
   ruvo::serializer::json json(false, true, true);
   ruvo::serializer::xml xml(false, true);

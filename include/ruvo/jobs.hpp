@@ -48,19 +48,25 @@ class KESTA_API job : public sync::on_round_off, public sync::cautionary {
   friend class pool;
   /// Waits for a run() that is under way; from then on run() does nothing.
   void discard();
+  /// Whether the calling thread is the task's, or is in run().
+  bool is_of_this_thread() const;
 
   task::async& task_;
   const xvar parameter_;
   std::atomic<int> state_;
   std::recursive_mutex running_;  // the callbacks of a starting task may cancel the pool
   bool discarded_ = false;
+  std::atomic<std::thread::id> starter_{};  // the thread in run()
+  job* next_ = nullptr;                     // of those that a pool keeps by itself
+  bool offered_ = false;                    // to a collector that has not taken it yet
 };
 
 /// Runs at most size() tasks at once, each on a thread of its own, and the rest in the order in which they
 /// came. A dispatcher thread starts them; it spins while there is work, for the shortest way from a free slot
 /// to the next task, and ends when all is done.
 ///
-/// A task must live until it is over and joined, and must be joined before it is put in again. Its slot is
+/// A task must live until it is over and joined, also until a cancel() of the pool that is under way returns,
+/// and must be joined before it is put in again. Its slot is
 /// freed by set_mensaje(), by cancel() and by the destructor of the task, by a task::call however it ends,
 /// and by the pool's cancel() and destructor; a `work` that ends in no such way keeps its slot.
 ///
@@ -74,8 +80,8 @@ class KESTA_API pool : public sync::on_round_off {
   pool(const pool&) = delete;
   pool& operator=(const pool&) = delete;
 
-  /// Runs the task, or queues it when no slot is free. Throws what issueable::start throws; the task is then
-  /// not in the pool.
+  /// Runs the task, or queues it when no slot is free. It takes a free slot also before tasks that are
+  /// queued. Throws what issueable::start throws; the task is then not in the pool.
   void execute_job(task::async& task, const xvar& parameter);
   /// Queues the task, for start(), exec() or a dispatcher that is running.
   void store_job(task::async& task, const xvar& parameter);
@@ -84,14 +90,19 @@ class KESTA_API pool : public sync::on_round_off {
   /// when the system has no thread.
   void start();
   /// Runs what is queued, and returns when nothing is queued or running; while a dispatcher is running it
-  /// returns at once.
+  /// returns at once. Throws as join() does on the thread of a task that is running, which would wait for
+  /// itself.
   void exec();
   /// Drops what is queued, cancels and joins what is running, and joins the dispatcher. Throws
   /// std::system_error: invalid_argument when there is no dispatcher to join, resource_deadlock_would_occur
-  /// on the dispatcher. A task on whose thread this is called is not joined.
+  /// on the dispatcher. A task on whose thread this is called, or which is just being started there, is not
+  /// joined; where another cancel() is about to join it already, this one leaves the rest to the other and
+  /// throws resource_deadlock_would_occur at once, and so it does in the on_cancel() that a cancel() calls.
   void cancel();
 
-  // The dispatcher's thread, as of a task. join() returns when nothing is queued or running.
+  // The dispatcher's thread, as of a task. join() returns when nothing is queued or running; it throws
+  // std::system_error (resource_deadlock_would_occur) on the thread of a task that is running or being
+  // started, and in the on_cancel() that a cancel() of the pool calls.
   void join();
   /// The dispatcher still ends before the pool does.
   void detach();

@@ -29,6 +29,10 @@ class KESTA_API iresponse {
   const exception& get_exception() const noexcept { return status_; }
   operator const exception&() const noexcept { return status_; }
   operator const exception*() const noexcept { return &status_; }
+  // Without these, pointers to the statuses would be compared.
+  bool operator==(const iresponse& other) const = delete;
+  void operator<=>(const iresponse& other) const = delete;
+
   /// The status, for writing; never null, valid as long as the answer.
   exception* status_ptr() noexcept { return &status_; }
 

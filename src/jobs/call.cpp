@@ -28,7 +28,11 @@ void call::told::on_failure(const exception& error) {
 
 call::call(body work, handlers whom) : told_(std::move(whom)), body_(std::move(work)) { set_callback(told_); }
 
-call::~call() { settle(); }
+// All of it is still there: a run that has not begun may fail, and tell so.
+call::~call() {
+  if (joinable()) cancel();
+  settle();
+}
 
 void call::work(const xvar& input) {
   try {

@@ -30,13 +30,21 @@ void job::run() {
   const std::lock_guard lock(running_);
   if (discarded_) return;
   state_.store(running);
+  starter_.store(std::this_thread::get_id());
   task_.set_listener(this);
   try {
     task_.start(xvar(parameter_));
   } catch (...) {
     task_.forget_listener(this);
+    starter_.store({});
     throw;
   }
+  starter_.store({});
+}
+
+bool job::is_of_this_thread() const {
+  const std::thread::id here = std::this_thread::get_id();
+  return starter_.load() == here || get_id() == here;
 }
 
 void job::cancel() {

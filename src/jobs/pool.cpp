@@ -9,6 +9,12 @@
 
 namespace ruvo::jobs {
 
+namespace {
+
+std::system_error refused(std::errc why) { return std::system_error(std::make_error_code(why)); }
+
+}  // namespace
+
 pool::pool() : pool(std::thread::hardware_concurrency()) {}
 pool::pool(unsigned long long max_concurrency) : state_(std::make_unique<state>(*this, max_concurrency)) {}
 
@@ -18,7 +24,12 @@ pool::~pool() { state_->close(); }
 void pool::execute_job(task::async& task, const xvar& parameter) {
   auto made = std::make_unique<job>(task, parameter);
   if (job* const entered = state_->enter(made)) {
-    state_->execute(entered);
+    try {
+      state_->execute(entered);
+    } catch (...) {
+      state_->withdraw(entered);
+      throw;
+    }
     return;
   }
   const job* const queued = made.get();
@@ -37,16 +48,21 @@ void pool::exec() {
     start();
     return;
   }
+  if (state_->holds_this_thread()) throw refused(std::errc::resource_deadlock_would_occur);
   ++state_->loops;
   state_->run(false);
 }
 
 void pool::cancel() {
-  state_->collect();
-  if (!state_->dispatcher.join()) throw std::system_error(std::make_error_code(std::errc::invalid_argument));
+  if (!state_->collect()) throw refused(std::errc::resource_deadlock_would_occur);
+  if (!state_->dispatcher.join()) throw refused(std::errc::invalid_argument);
 }
 
-void pool::join() { state_->dispatcher.join(); }
+void pool::join() {
+  if (state_->holds_this_thread()) throw refused(std::errc::resource_deadlock_would_occur);
+  state_->dispatcher.join();
+}
+
 void pool::detach() { state_->dispatcher.detach(); }
 bool pool::joinable() const { return state_->dispatcher.joinable(); }
 std::thread::id pool::get_id() const { return state_->dispatcher.get_id(); }

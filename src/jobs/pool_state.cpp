@@ -12,9 +12,12 @@ namespace ruvo::jobs {
 namespace {
 
 /// Under which the collector keeps what the calling thread hands over.
-unsigned long collector_key() {
-  const application* const app = application::theApp();
-  return app ? app->getThreadID() : application::threadID();
+unsigned long collector_key() noexcept {
+  try {
+    if (const application* const app = application::theApp()) return app->getThreadID();
+  } catch (...) {  // any key will do
+  }
+  return application::threadID();
 }
 
 void tell_failure(task::async& of) noexcept {
@@ -26,22 +29,37 @@ void tell_failure(task::async& of) noexcept {
 
 }  // namespace
 
-// Called with running_guard held.
-void pool::state::hand_over(job* of) noexcept {
-  try {
-    collector.add(collector_key(), of);
-  } catch (const std::bad_alloc&) {  // the collector has deleted it
-  }
+pool::state::~state() {
+  while (kept) delete std::exchange(kept, kept->next_);
 }
+
+void pool::state::dispose(void* kept) noexcept {
+  const job* const of = static_cast<job*>(kept);
+  if (!of->offered_) delete of;
+}
+
+// Called with running_guard held. Others may still be in the job, so it stays also where there is no memory.
+void pool::state::hand_over(unsigned long key, job* of) noexcept {
+  of->offered_ = true;
+  try {
+    collector.add(key, of, &dispose);
+  } catch (const std::bad_alloc&) {
+    keep(of);
+  }
+  of->offered_ = false;
+}
+
+// Called with running_guard held.
+void pool::state::keep(job* of) noexcept { of->next_ = std::exchange(kept, of); }
 
 // Called with running_guard held. A job over the same task is replaced.
 void pool::state::place(job* of) {
-  const auto [at, fresh] = running.try_emplace(of->get_uuid(), entry{of, claim::none});
+  const auto [at, fresh] = running.try_emplace(of->get_uuid(), entry{of});
   of->set_listener(&owner);
   if (!fresh) {
-    const entry before = std::exchange(at->second, entry{of, claim::none});
+    const entry before = std::exchange(at->second, entry{of});
     before.of->set_listener(nullptr);
-    if (before.by_collect != claim::taken) hand_over(before.of);
+    if (before.by_collect != claim::taken) keep(before.of);
   }
   running_size = running.size();
 }
@@ -54,20 +72,15 @@ job* pool::state::enter(std::unique_ptr<job>& made) {
 }
 
 void pool::state::execute(job* of) {
-  try {
-    if (idle) start();
-    of->run();
-  } catch (...) {
-    withdraw(of);
-    throw;
-  }
+  if (idle) start();
+  of->run();
 }
 
 void pool::state::add_to_queue(std::unique_ptr<job> made) {
   const std::lock_guard lock(queue_guard);
   if (closing) return;
   queue.push_back(made.get());
-  made.release();
+  static_cast<void>(made.release());
   pending_size = queue.size();
 }
 
@@ -81,21 +94,20 @@ void pool::state::wake(const job* queued) {
   }
 }
 
-// From wherever it is, unless it has been handed over or is about to be.
 void pool::state::withdraw(const job* of) noexcept {
   const std::lock_guard lock(running_guard);
   const std::lock_guard inner(queue_guard);
   const auto placed = std::find_if(running.begin(), running.end(), [of](const auto& each) {
-    return each.second.of == of && each.second.by_collect == claim::none;
+    return each.second.of == of && each.second.by_collect != claim::taken;
   });
   if (placed != running.end()) {
-    hand_over(placed->second.of);
+    keep(placed->second.of);
     running.erase(placed);
     running_size = running.size();
   }
   const auto queued = std::find(queue.begin(), queue.end(), of);
   if (queued != queue.end()) {
-    hand_over(*queued);
+    keep(*queued);
     queue.erase(queued);
     pending_size = queue.size();
   }
@@ -119,7 +131,9 @@ void pool::state::step() {
     of = next();
     if (of) execute(of);
   } catch (...) {
-    if (of) tell_failure(of->get_taks());  // else there was no memory for the slot, and it waits on
+    if (!of) return;
+    tell_failure(of->get_taks());
+    withdraw(of);
   }
 }
 
@@ -145,10 +159,11 @@ void pool::state::run(bool as_dispatcher) {
   }
 }
 
-// False when there is a dispatcher in its loop, which then goes on.
+// False when there is a dispatcher in its loop, which then goes on, and when none is wanted any more.
 bool pool::state::enlist_dispatcher() {
   const std::lock_guard lock(running_guard);
   const std::lock_guard inner(queue_guard);
+  if (closing) return false;
   idle = false;
   if (dispatching) return false;
   dispatching = true;
@@ -177,45 +192,74 @@ void pool::state::start() {
 }
 
 void pool::state::release(const std::wstring& uuid) {
+  const unsigned long key = collector_key();
   const std::lock_guard lock(running_guard);
   const auto found = running.find(uuid);
-  if (found == running.end() || found->second.by_collect != claim::none) return;
-  hand_over(found->second.of);
+  if (found == running.end() || found->second.by_collect == claim::taken) return;
+  hand_over(key, found->second.of);
   running.erase(found);
   running_size = running.size();
 }
 
-// Drops the queue too.
-void pool::state::mark_all() {
-  const std::lock_guard lock(running_guard);
-  const std::lock_guard inner(queue_guard);
-  for (auto& [uuid, each] : running)
-    if (each.by_collect == claim::none) each.by_collect = claim::marked;
-  for (job* const each : queue) hand_over(each);
-  queue.clear();
-  pending_size = 0;
+bool pool::state::is_own(const entry& of) {
+  return of.by == std::this_thread::get_id() || of.of->is_of_this_thread();
 }
 
-job* pool::state::take_marked() {
+bool pool::state::holds_this_thread() {
   const std::lock_guard lock(running_guard);
-  for (auto& [uuid, each] : running)
-    if (each.by_collect == claim::marked) {
-      each.by_collect = claim::taken;
-      return each.of;
+  return std::any_of(running.begin(), running.end(), [](const auto& each) { return is_own(each.second); });
+}
+
+// Drops the queue too. False when one of the calling thread's own is taken.
+bool pool::state::mark_all() {
+  const unsigned long key = collector_key();
+  const std::lock_guard lock(running_guard);
+  const std::lock_guard inner(queue_guard);
+  for (job* const each : queue) hand_over(key, each);
+  queue.clear();
+  pending_size = 0;
+  bool free = true;
+  for (auto& [uuid, each] : running) {
+    if (is_own(each)) {
+      if (each.by_collect == claim::taken)
+        free = false;
+      else
+        each = {each.of, claim::reserved, std::this_thread::get_id()};
+    } else if (each.by_collect == claim::none) {
+      each.by_collect = claim::marked;
     }
-  return nullptr;
+  }
+  return free;
+}
+
+// The calling thread's own first.
+job* pool::state::take_marked() {
+  const std::thread::id here = std::this_thread::get_id();
+  const std::lock_guard lock(running_guard);
+  entry* found = nullptr;
+  for (auto& [uuid, each] : running) {
+    if (each.by_collect == claim::reserved && each.by == here) {
+      found = &each;
+      break;
+    }
+    if (each.by_collect == claim::marked && !found) found = &each;
+  }
+  if (!found) return nullptr;
+  *found = {found->of, claim::taken, here};
+  return found->of;
 }
 
 void pool::state::finish_claim(job* of) {
+  const unsigned long key = collector_key();
   const std::lock_guard lock(running_guard);
   std::erase_if(running, [of](const auto& each) { return each.second.of == of; });
-  hand_over(of);
+  hand_over(key, of);
   running_size = running.size();
 }
 
 // Each job stays in the map until its task is joined, for those who wait until the map is empty.
-void pool::state::collect() {
-  mark_all();
+bool pool::state::collect() {
+  if (!mark_all()) return false;
   while (job* const of = take_marked()) {
     of->discard();
     try {
@@ -225,6 +269,7 @@ void pool::state::collect() {
     of->get_taks().forget_listener(of);
     finish_claim(of);
   }
+  return true;
 }
 
 // With the locks taken at last, no other thread is in a member of the pool.
@@ -234,7 +279,7 @@ void pool::state::close() {
     const std::lock_guard inner(queue_guard);
     closing = true;
   }
-  collect();
+  static_cast<void>(collect());
   dispatcher.join();
   while (loops != 0) std::this_thread::yield();
   const std::lock_guard lock(running_guard);

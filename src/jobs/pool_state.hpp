@@ -22,32 +22,45 @@ namespace ruvo::jobs {
 /// joined or told anything.
 struct pool::state {
   state(pool& of, unsigned long long most) : owner(of), max_concurrency(most) {}
+  state(const state&) = delete;
+  state& operator=(const state&) = delete;
+  ~state();
 
   /// Puts the job into a free slot, for execute(); null when there is none, and nothing is changed.
   job* enter(std::unique_ptr<job>& made);
-  /// Starts what enter() or a step put into its slot. Where that throws the job is withdrawn.
+  /// Starts what enter() or a step put into its slot. Where that throws the caller withdraws it.
   void execute(job* of);
   void add_to_queue(std::unique_ptr<job> made);
   /// For a job that was queued because no slot was free: the last of the others may have ended meanwhile, and
   /// the dispatcher with it. Where that throws the job is withdrawn.
   void wake(const job* queued);
 
+  /// From wherever it is, unless it has been handed over or is about to be.
+  void withdraw(const job* of) noexcept;
+
   void start();
   void run(bool as_dispatcher);
 
   void release(const std::wstring& uuid);
-  void collect();
+  /// False when another call, which goes on, is about to join the task on whose thread this is called.
+  [[nodiscard]] bool collect();
   void close();
 
   bool is_free() const noexcept { return running_size < max_concurrency; }
   /// Pending first: a job counts as running before it ceases to count as pending.
   bool is_empty() const noexcept { return pending_size == 0 && running_size == 0; }
 
-  /// What collect() has in mind: marked jobs it will cancel, taken ones it is about to hand over.
-  enum class claim { none, marked, taken };
+  /// Whether a wait for the end of all would be one for the calling thread.
+  bool holds_this_thread();
+
+  /// What collect() has in mind: marked jobs any call may cancel, reserved ones the call on their own thread,
+  /// taken ones are being canceled and handed over. Nobody joins a thread that waits in collect() or after
+  /// it, as it has reserved what is its own.
+  enum class claim { none, marked, reserved, taken };
   struct entry {
     job* of;
-    claim by_collect;
+    claim by_collect = claim::none;
+    std::thread::id by{};  // the thread that reserved or took it
   };
 
   pool& owner;
@@ -67,17 +80,20 @@ struct pool::state {
   // Written under both guards:
   bool dispatching = false;  // the dispatcher is in run() or about to be
   bool closing = false;      // nothing is taken any more
+  job* kept = nullptr;       // what the collector did not take
 
  private:
   void place(job* of);
-  void hand_over(job* of) noexcept;
-  void withdraw(const job* of) noexcept;
+  static bool is_own(const entry& of);
+  static void dispose(void* kept) noexcept;
+  void hand_over(unsigned long key, job* of) noexcept;
+  void keep(job* of) noexcept;
   job* next();
   void step();
   bool leave(bool as_dispatcher);
   bool enlist_dispatcher();
   void dismiss_dispatcher();
-  void mark_all();
+  bool mark_all();
   job* take_marked();
   void finish_claim(job* of);
 };

@@ -86,12 +86,12 @@ void issueable<In, Progress, Out>::on_finish(Out* result) {
   try {
     if (callback_type* const to = callback_.load()) to->on_finish(result);
   } catch (...) {
-    open_.store(false);
     this->fire_on_stop(uuid_);
+    open_.store(false);
     throw;
   }
-  open_.store(false);
   this->fire_on_stop(uuid_);
+  open_.store(false);
 }
 
 template <class In, class Progress, class Out>
@@ -108,30 +108,27 @@ template <class In, class Progress, class Out>
 void issueable<In, Progress, Out>::start(const In& input) {
   this->on_start();
   detached_.store(false);
-  open_.store(true);
-  try {
-    // The copy is made here: the caller's input may be gone before the thread begins.
-    worker_.start([this, kept = In(input)] {
-      if (!dying_.load()) this->work(kept);
-    });
-  } catch (...) {
-    open_.store(false);
-    throw;
-  }
+  // The copy is made here: the caller's input may be gone before the thread begins.
+  worker_.start([this, kept = In(input)] {
+    open_.store(true);
+    if (!dying_.load()) this->work(kept);
+    if (canceled_.load()) end_quietly();
+  });
 }
 
 template <class In, class Progress, class Out>
 void issueable<In, Progress, Out>::cancel() noexcept {
   canceled_.store(true);
-  bool ended = false;
+  bool ended = false, unfinished = false;
   try {
     worker_.join();
     ended = !detached_.load();
+    unfinished = ended && open_.load();
     this->on_cancel();
   } catch (...) {
     report(*this);
   }
-  if (ended) end_quietly();
+  if (unfinished && !worker_.joinable()) end_quietly();  // on_cancel() may have started it anew
 }
 
 template <class In, class Progress, class Out>
@@ -146,7 +143,9 @@ void issueable<In, Progress, Out>::detach() {
 
 template <class In, class Progress, class Out>
 void issueable<In, Progress, Out>::end_run() {
-  if (open_.exchange(false)) this->fire_on_stop(uuid_);
+  if (!open_.load()) return;
+  this->fire_on_stop(uuid_);
+  open_.store(false);
 }
 
 template <class In, class Progress, class Out>

@@ -71,6 +71,7 @@ address::address(const address& other) = default;
 address::address(address&& other) noexcept = default;
 address::~address() = default;
 address::address(const bundle& fields) : address() { *this = fields; }
+address::address(std::initializer_list<std::pair<std::wstring, xvar>> fields) : address(bundle(fields)) {}
 
 address& address::operator=(const address& other) { return *this = address(other); }
 address& address::operator=(address&& other) noexcept = default;

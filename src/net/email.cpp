@@ -2,9 +2,10 @@
 #include <ruvo/exception.hpp>
 #include <ruvo/list.hpp>
 #include <ruvo/smtp/email.hpp>
-#include <ruvo/texto/words.hpp>
+#include <ruvo/texto.hpp>
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <stdexcept>
 #include <typeinfo>
@@ -49,14 +50,44 @@ void read_date(datetime& date, const bundle& values) {
   const xvar* const value = values.get_ptr(L"date");
   if (!value || value->is_null()) return;
   try {
-    if (value->is_decimal())  // as JSON has it
-      date = static_cast<double>(*value);
-    else
-      date = *value;
+    datetime read = date;
+    if (value->is_decimal()) {  // as JSON has it
+      const double seconds = *value;
+      if (!std::isfinite(seconds)) return;
+      read = seconds;
+    } else {
+      read = *value;
+    }
+    static_cast<void>(read.format(email::date_pattern, "C"));  // throws when it has no calendar form
+    date = read;
   } catch (const std::bad_cast&) {
   } catch (const std::out_of_range&) {
   } catch (const exception&) {
   }
+}
+
+bool is_text(const xvar& value) { return value.instanceof (typeid(std::wstring)); }
+
+/// Takes what a value of the bundle form tells of an address: a bundle, an address or a text. Whether it
+/// told the mail, be it empty.
+bool read_who(address& who, const xvar* value) {
+  if (value && value->instanceof (typeid(bundle))) {
+    bundle fields;
+    fields = *value;
+    who = fields;
+    const xvar* const mail = fields.get_ptr(L"email");
+    return mail && mail->is_not_null();
+  }
+  if (value && value->instanceof (typeid(address))) {
+    who = *value;
+    return true;
+  }
+  if (!value || !is_text(*value)) return false;
+  const std::wstring text = texto::trim_(value->to_string());
+  if (who.deserialize(text)) return true;
+  if (!texto::is_email(text)) return false;
+  who = by_mail(text);
+  return true;
 }
 
 }  // namespace
@@ -103,14 +134,15 @@ email& email::operator=(const bundle& values) {
   made.subject_ = values.get_string(L"subject", '.', subject_);
   made.body_ = values.get_string(L"body", '.', body_);
   made.signature_ = values.get_string(L"signature", '.', signature_);
-  made.from_ = values.get_bundle(L"from");
-  made.sender_ = values.get_bundle(L"sender");
+  read_who(made.from_, values.get_ptr(L"from"));
+  read_who(made.sender_, values.get_ptr(L"sender"));
   const auto told = [&values](const auto& row) { return list_in(values, row.list) != nullptr; };
   if (std::any_of(std::begin(roles), std::end(roles), told)) made.recipients_.clear();
   for (const auto& row : roles) made.put_bundles(list_in(values, row.list), row.role);
   if (const list* const files = list_in(values, L"attach")) {
     made.attach_.clear();
-    for (const xvar& path : *files) made.attach_.emplace_back(path.to_string());
+    for (const xvar& path : *files)
+      if (is_text(path)) made.attach_.emplace_back(path.to_string());
   }
   return *this = std::move(made);
 }
@@ -118,10 +150,8 @@ email& email::operator=(const bundle& values) {
 void email::put_bundles(const list* recipients, RCTP role) {
   if (!recipients) return;
   for (const xvar& recipient : *recipients) {
-    if (!recipient.instanceof (typeid(bundle))) continue;
-    bundle fields;
-    fields = recipient;
-    put(address(fields), role);
+    address who;
+    if (read_who(who, &recipient)) put(who, role);
   }
 }
 
@@ -220,6 +250,14 @@ email::RCTP& email::operator[](const address& recipient) {
 email::RCTP& email::operator[](const std::wstring& mail) { return (*this)[by_mail(mail)]; }
 email::RCTP& email::operator[](const bundle& recipient) { return (*this)[address(recipient)]; }
 
+address email::told(const var& value) {
+  if (value.instanceof (typeid(address))) return address(value);
+  if (!value.instanceof (typeid(bundle))) return by_mail(static_cast<std::wstring>(value));
+  bundle fields;
+  fields = xvar(value);
+  return address(fields);
+}
+
 email::RCTP& email::at(const address& recipient) { return role_in(recipients_, recipient); }
 email::RCTP& email::at(const std::wstring& mail) { return at(by_mail(mail)); }
 const email::RCTP& email::at(const address& recipient) const { return role_in(recipients_, recipient); }
@@ -234,8 +272,9 @@ email::size_type email::erase(const std::wstring& mail) { return erase(by_mail(m
 void email::put(const address& recipient, RCTP role) {
   const auto [where, fresh] = recipients_.try_emplace(recipient, role);
   if (fresh) return;
+  address key(recipient);  // what may fail comes first
   auto node = recipients_.extract(where);
-  node.key() = recipient;
+  node.key() = std::move(key);
   node.mapped() = role;
   recipients_.insert(std::move(node));
 }

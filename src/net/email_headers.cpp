@@ -10,6 +10,7 @@
 #include <string_view>
 #include <utility>
 
+#include "net/mail_patterns.hpp"
 #include "texto/ascii.hpp"
 
 namespace ruvo::smtp {
@@ -97,6 +98,24 @@ bool read_address(address& out, const std::wstring& text) {
   if (!text.empty() && !is_mail(text)) return out.deserialize(text);
   out = address({}, text);
   return true;
+}
+
+/// The same for the sender, who keeps a mail in "<>" that is not valid.
+bool read_sender(address& out, const std::wstring& text) {
+  if (read_address(out, text)) return true;
+  const auto read = detail::split_address(text);
+  if (read) out = address(std::wstring(read->name), std::wstring(read->mail));
+  return read.has_value();
+}
+
+/// Reads the date of RFC 5322, perhaps without its weekday or with an old name of the zone +0000.
+bool read_date(datetime& out, std::wstring text) {
+  constexpr std::size_t weekday = 4;  // length of its pattern
+  for (const std::wstring_view zone : {L" GMT", L" UT"})
+    if (text.ends_with(zone)) text.replace(text.size() - zone.size(), zone.size(), L" +0000");
+  const bool whole = text.find(L',') != text.npos;
+  exception error;
+  return out.parse(text, whole ? email::date_pattern : email::date_pattern.substr(weekday), error, english);
 }
 
 /// The identifier in "<uuid@domain>"; whole when the domain is another one.
@@ -198,10 +217,9 @@ bool email::take_field(std::wstring_view name, const std::wstring& value, header
       put_list(value, row.role);
       return true;
     }
-  exception error;
-  if (same_name(name, L"Date")) return value.empty() || date_.parse(value, date_pattern, error, english);
-  if (same_name(name, L"From")) return read_address(from_, value);
-  if (same_name(name, L"Sender")) return read_address(sender_, value);
+  if (same_name(name, L"Date")) return value.empty() || read_date(date_, value);
+  if (same_name(name, L"From")) return read_sender(from_, value);
+  if (same_name(name, L"Sender")) return read_sender(sender_, value);
   if (same_name(name, L"Subject")) subject_ = value;
   if (same_name(name, L"Message-ID")) read.message_id = value;
   return true;

@@ -100,15 +100,19 @@ std::optional<mailbox_text> read_mailbox(std::wstring_view text) noexcept {
   return read;
 }
 
-std::optional<address_text> read_address(std::wstring_view text) {
+std::optional<address_text> split_address(std::wstring_view text) noexcept {
   const std::size_t open = text.rfind(L'<');  // no mail address holds one
   if (open == npos || text.back() != L'>') return {};
   const std::wstring_view mail = text.substr(open + 1, text.size() - open - 2);
-  if (!texto::is_email(std::wstring(mail))) return {};
   if (open == 0) return address_text{{}, mail};
   const std::wstring_view name = text.substr(0, open - 1);
   if (!texto::is_word_blank(text[open - 1]) || name.find_first_of(line_ends) != npos) return {};
   return address_text{without_blanks(without_quotes(without_blanks(name))), mail};
+}
+
+std::optional<address_text> read_address(std::wstring_view text) {
+  const auto read = split_address(text);
+  return read && texto::is_email(std::wstring(read->mail)) ? read : std::nullopt;
 }
 
 }  // namespace ruvo::smtp::detail

@@ -26,6 +26,9 @@ struct address_text {
   std::wstring_view name, mail;
 };
 
+/// The name and what stands in "<>" behind it at the end of the text, be it a mail address or not.
+std::optional<address_text> split_address(std::wstring_view text) noexcept;
+
 /// ^<MAIL>$ or ^\"*.*\"*\s<MAIL>$, where MAIL is the pattern of texto::is_email
 std::optional<address_text> read_address(std::wstring_view text);
 

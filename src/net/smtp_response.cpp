@@ -21,7 +21,13 @@ response::response() {
 }
 response::response(const response& other) = default;
 response::~response() = default;
-response& response::operator=(const response& other) = default;
+
+response& response::operator=(const response& other) {
+  bundle report(other.report_);  // what may fail comes first
+  net::iresponse::operator=(other);
+  report_ = std::move(report);
+  return *this;
+}
 
 response& response::take(const var& value) {
   if (const response* const held = ruvo::detail::object_in<response>(value)) *this = *held;
@@ -40,6 +46,10 @@ response& response::push(const address& refused, const exception& error) {
   entry[L"message"] = error.get_mensaje();
   report_.hack_list_on(refused_list).push_back(std::move(entry));
   return *this;
+}
+
+bool response::operator==(const response& other) const {
+  return get_exception() == other.get_exception() && report_ == other.report_;
 }
 
 std::wstring response::to_string() const { return report_.to_string(); }

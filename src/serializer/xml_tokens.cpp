@@ -8,20 +8,13 @@
 #include <ruvo/list.hpp>
 #include <ruvo/xml.hpp>
 
-#include <algorithm>
-#include <cstdint>
-
 #include "serializer/scan.hpp"
 #include "texto/numbers.hpp"
-#include "values/bundle_store.hpp"
 #include "values/cell.hpp"
 
 namespace ruvo::serializer {
 
-using detail::bundle_access;
-using detail::bundle_store;
 using detail::cell;
-using detail::kind;
 
 namespace {
 

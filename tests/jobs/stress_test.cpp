@@ -50,7 +50,7 @@ struct plan {
 };
 
 plan draw(std::mt19937& random) {
-  const unsigned bits = random();
+  const auto bits = static_cast<unsigned>(random());
   return {bits % 20, bits >> 8 & 1 && bits >> 9 & 1 && bits >> 10 & 1, (bits >> 11) % 16 == 0,
           (bits >> 15) % 16 == 0};
 }

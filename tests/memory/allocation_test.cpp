@@ -7,6 +7,8 @@
 #include <ruvo/list.hpp>
 #include <ruvo/memo.hpp>
 #include <ruvo/serializer.hpp>
+#include <ruvo/smtp/email.hpp>
+#include <ruvo/smtp/response.hpp>
 #include <ruvo/xml.hpp>
 
 #include <cstdlib>
@@ -240,6 +242,28 @@ TEST_F(allocation, nothing_is_left_behind) {
   fail_everywhere(work);
   for (int i = 0; i < 100; ++i) work();
   EXPECT_EQ(live, before);
+}
+
+TEST(mail_allocation, no_recipient_is_lost) {
+  using ruvo::smtp::email;
+  email message;
+  message[L"ana.de.nombre.largo@example.es"] = email::CC_;
+  const std::wstring list = L"Un nombre que no cabe dentro <ana.de.nombre.largo@example.es>";
+  EXPECT_GT(fail_everywhere([&] { message.deserialize_recipients(list); },
+                            [&] { ASSERT_EQ(message.count(L"ana.de.nombre.largo@example.es"), 1u); }),
+            3);
+  EXPECT_EQ(message.begin()->first.to_string(), list);
+}
+
+TEST(mail_allocation, responses_are_assigned_whole) {
+  ruvo::smtp::response sent;
+  sent.push(ruvo::smtp::address(L"Un nombre que no cabe dentro", L"ana@x.es"));
+  sent.set_exception(ruvo::exception(0xE0AB0226, L"no hay buzón"));
+  const ruvo::smtp::response before;
+  ruvo::smtp::response target = before;
+  EXPECT_GT(fail_everywhere([&] { target = sent; }, [&] { EXPECT_TRUE(target == sent || target == before); }),
+            1);
+  EXPECT_TRUE(target == sent);
 }
 
 TEST(http_allocation, looking_up_headers_has_none) {

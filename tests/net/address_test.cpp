@@ -269,6 +269,10 @@ TEST(AddressValue, OfBundlesAndValues) {
     EXPECT_EQ(fields(of), row.fields);
   }
 
+  const address told{{L"name", L"Ana"}, {L"email", L"ana@a.es"}};
+  EXPECT_EQ(fields(told), fields(ana));
+  EXPECT_EQ(fields(address{L"Ana", L"ana@a.es"}), fields(ana));
+
   xvar value = ana;
   EXPECT_TRUE(value.instanceof (typeid(address)));
   EXPECT_EQ(value.to_string(), L"Ana <ana@a.es>");

@@ -107,6 +107,24 @@ TEST(Email, Recipients) {
   EXPECT_TRUE(message.empty());
 }
 
+TEST(Email, RecipientsInValues) {
+  const address ana(L"Ana", L"ana@x.es");
+  for (const xvar& value : {xvar(ana), xvar(bundle(ana)), xvar(L"ana@x.es")}) {
+    const std::wstring kind = value.to_string();
+    email message;
+    message[value] = email::CC_;
+    message[value];
+    EXPECT_EQ(message.count(ana) * 10 + message.size(), 11u) << kind;
+    EXPECT_EQ(message.set_from(value).get_from().get_mail(), L"ana@x.es") << kind;
+    EXPECT_EQ(message.set_sender(value).get_sender().get_mail(), L"ana@x.es") << kind;
+    const email& constant = message;
+    EXPECT_EQ(message.at(value) + constant.at(value), 2 * email::CC_) << kind;
+    EXPECT_TRUE(message.find(value) == message.begin() && constant.find(value) == constant.begin()) << kind;
+    EXPECT_EQ(message.count(value) * 10 + message.erase(value), 11u) << kind;
+    EXPECT_THROW(static_cast<void>(constant.at(value)), std::out_of_range) << kind;
+  }
+}
+
 TEST(Email, Roles) {
   const wchar_t* const names[] = {L"FROM", L"SENDER", L"TO", L"CC", L"BCC", L""};
   for (int role = 0; role <= 5; ++role)
@@ -207,12 +225,31 @@ TEST(Email, HeadersRead) {
   EXPECT_EQ(read.get_subject(), L"a:\tb");
 }
 
+TEST(Email, SendersNeedNoValidMail) {
+  for (const address& who :
+       {address(L"", L"root@localhost"), address(L"Raíz", L"root"), address(L"Ana", L"")}) {
+    email read;
+    read.deserialize_headers(email(who).set_sender(who).to_string());
+    EXPECT_EQ(read.get_from().to_string() + read.get_sender().to_string(), who.to_string() + who.to_string());
+  }
+}
+
+TEST(Email, DatesOfOtherWriters) {
+  for (const wchar_t* text :
+       {L"Mon, 1 Jan 2024 10:00:00 GMT", L"1 Jan 2024 10:00:00 +0000", L"01 Jan 2024 10:00:00 UT",
+        L"1 Jan 2024 10:00:00 GMT", L"Mon, 01 Jan 2024 12:00:00 +0200", L"1 Jan 2024 09:00:00 -0100"}) {
+    email read;
+    EXPECT_NO_THROW(read.deserialize_headers(std::wstring(L"Date: ") + text)) << text;
+    EXPECT_EQ(read.get_date().get_lapso(), 1704103200) << text;
+  }
+}
+
 TEST(Email, HeadersRefused) {
   email message = sample();
   const std::wstring before = all_of(message);
   for (const wchar_t* bad : {L"no colon", L": no name", L" folded: first", L"Date: yesterday",
-                             L"Date: Wed, 30 Feb 2024 23:05:09 +0000", L"From: Ana", L"Sender: Ana <ana@>",
-                             L"From: <ana@x.es> (Ana)"}) {
+                             L"Date: Wed, 30 Feb 2024 23:05:09 +0000", L"From: Ana", L"Sender: ana@",
+                             L"Date: 1 Jan 2024 10:00:00 XYZ", L"From: <ana@x.es> (Ana)"}) {
     const bool folded = *bad == L' ';
     try {
       message.deserialize_headers((folded ? L"" : L"Subject: new\r\nTo: new@x.es\r\n") + std::wstring(bad));
@@ -354,7 +391,10 @@ TEST(Email, BundlesOfAllKinds) {
   message = odd;
   message = bundle();
   EXPECT_EQ(all_of(message), before);
-  for (const xvar& date : {xvar(L"x"), xvar(), xvar(L"999999999999999999999999"), xvar(bundle())}) {
+  for (const xvar& date :
+       {xvar(L"x"), xvar(), xvar(L"999999999999999999999999"), xvar(bundle()), xvar(1e17), xvar(-1e300),
+        xvar(std::numeric_limits<double>::infinity()), xvar(std::numeric_limits<double>::quiet_NaN()),
+        xvar(std::numeric_limits<long long>::max())}) {
     odd[L"date"] = date;
     message = odd;
     EXPECT_EQ(all_of(message), before);
@@ -370,6 +410,24 @@ TEST(Email, BundlesOfAllKinds) {
   EXPECT_EQ(message.get_subject(), L"12");
   EXPECT_EQ(message.get_from().to_string(), L"Eva <jose@ruvo.es>");
   EXPECT_TRUE(message.empty());
+
+  ruvo::list odd_to, odd_files;
+  for (const xvar& entry :
+       {xvar(), xvar(5), xvar(bundle()), xvar(bundle({{L"name", L"Eva"}})), xvar(L"nobody"), xvar(L"q@b.es"),
+        xvar(L"Luis <luis@x.es>"), xvar(bundle(address(L"Ana", L"ana@x.es"))), xvar(address(L"", L"z@x.es"))})
+    odd_to.push_back(entry);
+  for (const xvar& entry : {xvar(), xvar(5), xvar(bundle()), xvar(L"a.txt")}) odd_files.push_back(entry);
+  message = bundle({{L"from", L"ana@x.es"},
+                    {L"sender", L"Eva <eva@x.es>"},
+                    {L"to", xvar(odd_to)},
+                    {L"attach", xvar(odd_files)}});
+  EXPECT_EQ(message.get_from().to_string() + message.get_sender().to_string(), L"<ana@x.es>Eva <eva@x.es>");
+  std::wstring to;
+  message.serialize_recipients(to);
+  EXPECT_EQ(to, L"Ana <ana@x.es>;Luis <luis@x.es>;<q@b.es>;<z@x.es>");
+  EXPECT_EQ(message.size(), 4u);
+  ASSERT_EQ(message.get_attach().size(), 1u);
+  EXPECT_EQ(std::wstring(message.attached(0)), L"a.txt");
 
   message = xvar();
   EXPECT_EQ(message.get_subject(), L"12");
@@ -428,6 +486,11 @@ TEST(EmailHostile, LineEndsAreTheCallersDuty) {
   EXPECT_EQ(read.get_sender().get_mail(), L"thief@x.es");
 }
 
+template <class T>
+constexpr bool is_ordered = requires(const T& a) {
+  a < a;
+};
+
 TEST(SmtpResponse, Report) {
   ruvo::smtp::response sent;
   EXPECT_TRUE(sent.OK());
@@ -459,6 +522,12 @@ TEST(SmtpResponse, Report) {
   copy.push(ana);
   EXPECT_EQ(back.get_report(), sent.get_report());
   EXPECT_FALSE(copy.get_report() == sent.get_report());
+
+  EXPECT_TRUE(back == sent);
+  EXPECT_FALSE(copy == sent);
+  back.set_exception(ruvo::exception());
+  EXPECT_FALSE(back == sent);
+  EXPECT_FALSE(is_ordered<ruvo::smtp::response>);
 }
 
 }  // namespace

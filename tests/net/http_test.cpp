@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <type_traits>
 #include <utility>
 
@@ -362,6 +363,17 @@ TEST(Response, StatusTravelsButTakesNoPartInComparisons) {
   EXPECT_EQ(back.get_exception().get_mensaje(), L"fallo");
   back = xvar(fresh);
   EXPECT_TRUE(back.OK());
+}
+
+TEST(Response, EmptiedOnesAreClearedAtOnce) {
+  const auto clear_many = [] {
+    response r, moved(std::move(r));
+    for (int n = 0; n < 1000; ++n) r.clear();
+    EXPECT_TRUE(r.empty() && !moved.empty());
+  };
+  std::thread other(clear_many);
+  clear_many();
+  other.join();
 }
 
 TEST(Response, ManySmallPiecesTakeLinearTime) {

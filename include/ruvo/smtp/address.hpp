@@ -3,11 +3,14 @@
 // ruvo::smtp::address, who sends or receives a message.
 
 #include <ruvo/api.hpp>
+#include <ruvo/bundle.hpp>
 #include <ruvo/fwd.hpp>
 
 #include <concepts>
+#include <initializer_list>
 #include <iosfwd>
 #include <string>
+#include <utility>
 
 namespace ruvo::smtp {
 
@@ -23,6 +26,7 @@ class KESTA_API address {
   virtual ~address();
   /// As the assignments, over an empty address.
   address(const bundle& fields);
+  address(std::initializer_list<std::pair<std::wstring, xvar>> fields);
   template <std::derived_from<var> V>
   explicit address(const V& value) : address() {
     take(value);

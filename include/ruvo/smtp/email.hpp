@@ -59,7 +59,9 @@ class KESTA_API email {
   email& operator=(const email& other);
   email& operator=(email&& other);
   /// Takes what the bundle form tells: missing and null entries, and those that cannot be read, leave their
-  /// field as it is. The lists, one or several, replace all recipients, and "attach" the files.
+  /// field as it is. The lists, one or several, replace all recipients, and "attach" the files. Addresses may
+  /// also be texts ("Ana <ana@example.es>" or a bare mail); in the lists, what tells no mail is skipped, and
+  /// so are attached files that are no texts. A date without a calendar form cannot be read.
   email& operator=(const bundle& values);
   /// Takes the message that a var or xvar holds; null changes nothing, any other kind throws std::bad_cast.
   template <std::derived_from<var> V>
@@ -88,8 +90,16 @@ class KESTA_API email {
   email& set_date(const datetime& date);
   email& set_from(const address& from);
   email& set_from(const std::wstring& mail);
+  template <std::derived_from<var> V>
+  email& set_from(const V& value) {
+    return set_from(told(value));
+  }
   email& set_sender(const address& sender);
   email& set_sender(const std::wstring& mail);
+  template <std::derived_from<var> V>
+  email& set_sender(const V& value) {
+    return set_sender(told(value));
+  }
 
   // Attached files. An index beyond the last throws std::out_of_range ("invalid vector subscript").
 
@@ -98,25 +108,54 @@ class KESTA_API email {
   void discharge(std::size_t index);
   void discharge() noexcept;
 
-  // Recipients, by address, by mail text or by the bundle form of an address.
+  // Recipients, by address, by mail text or by the bundle form of an address; a var or xvar counts as the one
+  // of those that it holds.
 
   /// The role of the recipient, inserted as TO_ when absent.
   RCTP& operator[](const address& recipient);
   RCTP& operator[](const std::wstring& mail);
   RCTP& operator[](const bundle& recipient);
+  template <std::derived_from<var> V>
+  RCTP& operator[](const V& recipient) {
+    return (*this)[told(recipient)];
+  }
   /// An absent recipient throws std::out_of_range ("invalid map<K, T> key").
   RCTP& at(const address& recipient);
   RCTP& at(const std::wstring& mail);
   const RCTP& at(const address& recipient) const;
   const RCTP& at(const std::wstring& mail) const;
+  template <std::derived_from<var> V>
+  RCTP& at(const V& recipient) {
+    return at(told(recipient));
+  }
+  template <std::derived_from<var> V>
+  const RCTP& at(const V& recipient) const {
+    return at(told(recipient));
+  }
   iterator find(const address& recipient) { return recipients_.find(recipient); }
   iterator find(const std::wstring& mail);
   const_iterator find(const address& recipient) const { return recipients_.find(recipient); }
   const_iterator find(const std::wstring& mail) const;
+  template <std::derived_from<var> V>
+  iterator find(const V& recipient) {
+    return find(told(recipient));
+  }
+  template <std::derived_from<var> V>
+  const_iterator find(const V& recipient) const {
+    return find(told(recipient));
+  }
   size_type count(const address& recipient) const { return recipients_.count(recipient); }
   size_type count(const std::wstring& mail) const;
+  template <std::derived_from<var> V>
+  size_type count(const V& recipient) const {
+    return count(told(recipient));
+  }
   size_type erase(const address& recipient);
   size_type erase(const std::wstring& mail);
+  template <std::derived_from<var> V>
+  size_type erase(const V& recipient) {
+    return erase(told(recipient));
+  }
   iterator erase(const_iterator recipient) { return recipients_.erase(recipient); }
   iterator begin() noexcept { return recipients_.begin(); }
   iterator end() noexcept { return recipients_.end(); }
@@ -156,10 +195,12 @@ class KESTA_API email {
   /// @quirk "Cco: " tells the blind recipients: a transport that sends the block takes that line out.
   void serialize_headers(std::wostringstream& out) const;
   /// Reads such a block, "Subject: " and the message's own fields in any order and case of their names; other
-  /// fields are skipped, and folded lines (RFC 5322) unfolded. It ends behind the first empty line. A list
-  /// replaces the recipients of its role; fields that are missing or empty stay as they are, but for empty
-  /// lists, "From:", "Sender:" and "Subject:". Throws exc::BadArgument (raw 0xEBB8000F) with the line that is
-  /// no field, or whose date or address cannot be read; the message is unchanged then.
+  /// fields are skipped, and folded lines (RFC 5322) unfolded. A date may lack its weekday, and its zone may
+  /// be "GMT" or "UT". What stands in "<>" in "From:" and "Sender:" need be no valid mail. It ends behind the
+  /// first empty line. A list replaces the recipients of its role; fields that are missing or empty stay as
+  /// they are, but for empty lists, "From:", "Sender:" and "Subject:". Throws exc::BadArgument (raw
+  /// 0xEBB8000F) with the line that is no field, or whose date or address cannot be read; the message is
+  /// unchanged then.
   void deserialize_headers(const std::wstring& block);
   /// The same; the stream is left behind the empty line, where the body begins.
   void deserialize_headers(std::wistream& in);
@@ -187,6 +228,8 @@ class KESTA_API email {
   struct headers_read;
 
   email& take(const var& value);
+  /// The address that a var holds, as itself, in its bundle form or as a mail text.
+  static address told(const var& value);
   std::wstring header_block() const;
   bool take_field(std::wstring_view name, const std::wstring& value, headers_read& read);
   void put(const address& recipient, RCTP role);

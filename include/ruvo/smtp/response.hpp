@@ -33,6 +33,8 @@ class KESTA_API response : public net::iresponse {
 
   /// The lists "accepted" and "refused", both always there.
   const bundle& get_report() const noexcept { return report_; }
+  /// Raw codes and reports.
+  bool operator==(const response& other) const;
   /// The report as text.
   std::wstring to_string() const;
   /// An xvar that holds a copy of this response, status and report, and prints the report.
