@@ -55,7 +55,7 @@ void call::run(const xvar& input) {
 void call::fail() noexcept {
   try {
     try {
-      throw;
+      throw;  // cppcheck-suppress rethrowNoCurrentException ; called by handlers only
     } catch (const exception& error) {
       on_failure(error);
     } catch (const std::exception& error) {

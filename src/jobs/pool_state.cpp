@@ -79,8 +79,8 @@ void pool::state::execute(job* of) {
 void pool::state::add_to_queue(std::unique_ptr<job> made) {
   const std::lock_guard lock(queue_guard);
   if (closing) return;
-  queue.push_back(made.get());
-  static_cast<void>(made.release());
+  queue.push_back(nullptr);
+  queue.back() = made.release();
   pending_size = queue.size();
 }
 
