@@ -10,6 +10,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -33,8 +34,8 @@ class KESTA_API worker {
   /// Waits for the end of the thread, also while another thread joins it; nothing when there is none. False
   /// when there was none. Throws std::system_error, resource_deadlock_would_occur on the thread itself.
   bool join();
-  /// False when there was none. Throws std::system_error (invalid_argument) when the system refuses or the
-  /// thread is being joined.
+  /// Lets the thread go on by itself. False when there was none. Throws std::system_error (invalid_argument)
+  /// when the thread is being joined.
   bool detach();
   bool joinable() const;
   std::thread::id get_id() const;
@@ -42,7 +43,10 @@ class KESTA_API worker {
  private:
   mutable std::mutex guard_;
   std::condition_variable ended_;
+  struct run;
+
   std::thread thread_;  // empty while a thread joins it
+  std::shared_ptr<run> run_;
   std::thread::id id_;  // until it is joined
   unsigned joins_ = 0;  // finished ones
 };

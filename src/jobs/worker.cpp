@@ -1,5 +1,6 @@
 #include <ruvo/sync.hpp>
 
+#include <atomic>
 #include <exception>
 #include <system_error>
 #include <utility>
@@ -12,13 +13,50 @@ std::system_error refused(std::errc why) { return std::system_error(std::make_er
 
 }  // namespace
 
+/// What a thread shares with its worker and, once it was let go, with nobody.
+///
+/// A thread is never detached from the system: where one ends at that very moment, winpthreads frees its
+/// record twice, and two later threads share it. It is joined when another is let go after its end.
+struct worker::run {
+  std::atomic<bool> ended{false};
+  std::thread thread;         // here once it was let go
+  std::shared_ptr<run> self;  // likewise
+  run* next = nullptr;
+
+  static void let_go(std::shared_ptr<run> of) noexcept;
+};
+
+void worker::run::let_go(std::shared_ptr<run> of) noexcept {
+  static constinit std::atomic<run*> all{nullptr};
+  const auto put = [](run* one) {
+    one->next = all.load();
+    while (!all.compare_exchange_weak(one->next, one)) continue;
+  };
+  run* next = all.exchange(nullptr);
+  of->self = of;
+  put(of.get());
+  while (run* const each = next) {
+    next = each->next;
+    if (!each->ended || each->thread.get_id() == std::this_thread::get_id()) {
+      put(each);
+    } else {
+      each->thread.join();
+      each->self.reset();
+    }
+  }
+}
+
 worker::worker() = default;
 worker::~worker() = default;
 
 void worker::start(std::function<void()> body) {
   const std::lock_guard lock(guard_);
   if (id_ != std::thread::id()) std::terminate();
-  thread_ = std::thread(std::move(body));
+  run_ = std::make_shared<run>();
+  thread_ = std::thread([body = std::move(body), own = run_] {
+    body();
+    own->ended = true;
+  });
   id_ = thread_.get_id();
 }
 
@@ -52,7 +90,8 @@ bool worker::detach() {
   const std::lock_guard lock(guard_);
   if (id_ == std::thread::id()) return false;
   if (!thread_.joinable()) throw refused(std::errc::invalid_argument);
-  thread_.detach();
+  run_->thread = std::move(thread_);
+  run::let_go(std::move(run_));
   id_ = {};
   return true;
 }

@@ -291,6 +291,20 @@ TEST(task, a_detached_thread_is_not_waited_for) {
   EXPECT_TRUE(comes_true([] { return over.count == 1; }));
 }
 
+// Threads that are detached as they end have ended the process here, in the runtime's own code.
+TEST(task, a_thread_may_be_let_go_as_it_ends) {
+  const watchdog limit(std::chrono::seconds(120));
+  static std::atomic<int> ended{0};
+  ruvo::detail::worker worker;
+  for (int round = 0; round < 500; ++round) {
+    worker.start([] { ++ended; });
+    while (ended <= round) std::this_thread::yield();
+    for (std::atomic<int> looks{0}; looks < round % 50 * 200;) ++looks;
+    EXPECT_TRUE(worker.detach());
+    EXPECT_FALSE(worker.detach());
+  }
+}
+
 TEST(task, orders_downwards_by_its_identifier) {
   std::vector<std::unique_ptr<scripted>> tasks;
   for (int i = 0; i < 30; ++i) tasks.push_back(std::make_unique<scripted>(finish));
