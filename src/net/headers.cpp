@@ -30,9 +30,7 @@ void header_name::widen(std::string_view name) {
 }
 
 bool header_order::operator()(std::wstring_view a, std::wstring_view b) const noexcept {
-  return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](wchar_t x, wchar_t y) {
-    return static_cast<char16_t>(texto::to_lower(x)) < static_cast<char16_t>(texto::to_lower(y));
-  });
+  return texto::before_in_lower_case(a, b);
 }
 
 // --- the table

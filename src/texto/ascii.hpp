@@ -3,6 +3,9 @@
 // Character classes of the "C" locale. Every unit above 127 is in none of them and has no other case; the C
 // library's own functions are undefined there.
 
+#include <algorithm>
+#include <string_view>
+
 namespace ruvo::texto {
 
 constexpr bool is_space(wchar_t c) noexcept { return c == L' ' || (c >= L'\t' && c <= L'\r'); }
@@ -15,6 +18,13 @@ constexpr bool is_control(wchar_t c) noexcept { return static_cast<char16_t>(c) 
 
 constexpr wchar_t to_lower(wchar_t c) noexcept { return is_upper(c) ? static_cast<wchar_t>(c + 32) : c; }
 constexpr wchar_t to_upper(wchar_t c) noexcept { return is_lower(c) ? static_cast<wchar_t>(c - 32) : c; }
+
+/// The order of the units, with A-Z as a-z.
+inline bool before_in_lower_case(std::wstring_view a, std::wstring_view b) noexcept {
+  return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](wchar_t x, wchar_t y) {
+    return static_cast<char16_t>(to_lower(x)) < static_cast<char16_t>(to_lower(y));
+  });
+}
 
 /// The value of a hexadecimal digit of either case, or -1.
 constexpr int hex_value(wchar_t c) noexcept {

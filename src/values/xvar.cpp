@@ -24,9 +24,7 @@ xvar::qualities_map& no_qualities() noexcept {
 }  // namespace
 
 bool keylowercase::operator()(const std::wstring& a, const std::wstring& b) const noexcept {
-  return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](wchar_t x, wchar_t y) {
-    return static_cast<char16_t>(texto::to_lower(x)) < static_cast<char16_t>(texto::to_lower(y));
-  });
+  return texto::before_in_lower_case(a, b);
 }
 
 xvar::xvar(const xvar& other) : var(other) {
