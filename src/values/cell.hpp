@@ -78,7 +78,7 @@ struct cell {
   static void set_small_text(var& v, std::wstring_view text) noexcept {
     v.data_.kind = kind::small_text;
     v.data_.length = static_cast<unsigned char>(text.size());
-    std::memcpy(v.data_.bytes + small_offset, text.data(), text.size() * sizeof(wchar_t));
+    if (!text.empty()) std::memcpy(v.data_.bytes + small_offset, text.data(), text.size() * sizeof(wchar_t));
   }
   static void set_long_text(var& v, std::wstring_view text);
   static void set_lapse(var& v, kind kind, long long seconds, int mode) noexcept {
