@@ -138,7 +138,7 @@ endif()
 
 if(markdown)
   string(CONCAT page
-    "# Errors\n\n"
+    "# Error codes\n\n"
     "<!-- Made by cmake/errors.cmake from include/ruvo/exc_catalogue.hpp: the target errors_doc writes it anew. -->\n\n"
     "Every error is a `ruvo::exception`: a code, a message, a report. The code is laid out as an HRESULT: severity 3\n"
     "(bits 31 and 30), the customer bit 29, the facility (28 to 16: 3000 for the general errors, 3001 for those of the\n"

@@ -6,7 +6,7 @@ set(kesta_docs share/doc/kesta)
 
 # --- documents
 install(FILES README.md DESTINATION ${kesta_docs})
-install(DIRECTORY docs DESTINATION ${kesta_docs} FILES_MATCHING PATTERN *.md PATTERN *.png)
+install(DIRECTORY docs DESTINATION ${kesta_docs} FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN site EXCLUDE)
 
 # --- the runtime DLLs' licences: Debian's, or those that came with the compiler
 # license(NAME FILE...): installs the first of the files that is there.

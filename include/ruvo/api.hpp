@@ -1,5 +1,9 @@
 #pragma once
 
+#if defined(_MSVC_LANG) ? _MSVC_LANG < 202002L : __cplusplus < 202002L
+#  error "kesta needs C++20: -std=c++20, or /std:c++20 for Visual Studio"
+#endif
+
 #include <ruvo/abi.hpp>
 
 // The export macro of kesta.dll.

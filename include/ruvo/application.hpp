@@ -21,63 +21,74 @@ namespace ruvo {
 /// are false on failure.
 class KESTA_API application : public context {
  public:
+  /// Checks out its threads, deletes what it keeps.
   ~application() override;
 
   /// The application of the calling thread; null when the thread is not checked in.
   static application* theApp() noexcept;
   static application* get_context() noexcept { return theApp(); }
+
+  /// The system's ids of the calling thread and of the process, whatever an application says.
   static unsigned long threadID() noexcept;
   static unsigned long processID() noexcept;
 
-  /// Makes this the application of a thread, after making the calling thread a single-threaded apartment.
-  /// False when the thread has an application already, which it keeps.
+  /// Makes this the application of a thread (that of threadID() for the calling one), after making the
+  /// calling thread a single-threaded apartment of COM. False when the thread has an application already,
+  /// which it keeps.
   bool check_in(unsigned long thread_id);
-  /// Removes the thread; false when it was not registered.
+  /// Removes the thread, whatever application it has; false when it was not registered.
   bool check_out(unsigned long thread_id);
 
   /// Registers the calling thread, takes `folder` as the application path, makes the folders in it and calls
   /// on_boot(). An empty path makes none. Fails with exc::applicationAlreadyRegistered (SystemException, code
   /// 10) when the thread has an application; after another failure the thread is not registered.
   bool boot(const ruvo::file& folder, exception& err);
-  /// Takes the locale name and the arguments (null for none) and collects the settings.
+  /// Takes the locale name and the arguments (null for none) and calls append_config(). True.
   bool init(const std::string& locale, const bundle* arguments = nullptr);
-  /// Runs a command. Without an override it fails with exc::NotImplemented.
+  /// Runs a command, whatever that is for the program. Without an override it fails with exc::NotImplemented.
   virtual bool exec(const std::wstring& command, exception& err);
   /// Undoes init() and boot(): flushes the logger, drops arguments and settings, collects what was handed in
   /// on the calling thread, and at last checks out every thread of this application.
   virtual void shutdown();
 
-  /// Empty before boot().
+  /// One of the application's folders: in the application path, but for that of the binaries, which is the
+  /// folder of the module that the constructor was told. Empty before boot().
   ruvo::file get_folder(folder_type type) const;
+  /// The path of a file in one of them, whether it exists or not.
   ruvo::file get_file(folder_type type, const std::wstring& name) const;
   /// The same of the calling thread's application; throw exc::NullPointer when it has none.
   static ruvo::file folder(folder_type type);
   static ruvo::file file(folder_type type, const std::wstring& name);
 
+  /// This application's console.
   console& get_console() noexcept { return console_; }
   /// The console and the logger of the calling thread's application; threads without one share theirs. The
   /// logger's folder is that of the application's logs.
   static console& cmd();
   static logger& traza();
 
-  /// Hooks: an object by its name, and the bytes of a resource. Without an override they fail with the code
-  /// of exc::NotImplemented.
+  /// A hook: makes an object by its name. Without an override it fails with the code of exc::NotImplemented.
   virtual bool create_instance(const std::wstring& name, void** out, exception& err);
+  /// A hook: the bytes of a resource. Without an override it fails with the code of exc::NotImplemented.
   virtual bool load_resource(const std::wstring& name, const std::wstring& type, binary& out, exception& err);
-  /// The hooks of the calling thread's application; exc::NullPointer when it has none.
+  /// The hooks of the calling thread's application; they fail with exc::NullPointer when it has none.
   static bool get_instance(const std::wstring& name, void** out, exception& err);
   static bool get_resource(const std::wstring& name, const std::wstring& type, binary& out, exception& err);
 
-  /// Takes over an object made by `new` until collect().
+  /// Takes over an object made by `new`, from any thread, until collect() or the end of the application. Null
+  /// and an object that is kept already are ignored.
   template <class T>
   void add_pointer(T* object) {
     pointers_.add(0, object);
   }
   /// Deletes what add_pointer() was given, and what the collector keeps for the calling thread.
   void collect() noexcept;
+  /// What is kept for single threads, by their ids.
   memory_collector& get_memory_collector() noexcept { return collector_; }
 
+  /// The module that the constructor was told.
   HINSTANCE__* get_hinstance() const noexcept { return instance_; }
+  /// The arguments of init(); they carry no lock.
   bundle& arguments() noexcept { return arguments_; }
   const bundle& arguments() const noexcept { return arguments_; }
 
@@ -86,15 +97,17 @@ class KESTA_API application : public context {
   static std::wstring create_uuid_short(int n);
 
  protected:
+  /// The module of the program; null for the one that the process was started from.
   explicit application(HINSTANCE__* instance);
 
-  /// The concrete application's part of boot().
+  /// The concrete application's part of boot(), after the folders are made.
   virtual bool on_boot(exception& err);
   /// Lets the concrete application add its settings, in init().
   virtual void append_config(bundle& settings);
-  /// The first steps of boot(): make the folders ("config", "data", "resources", "logs" and "temporal"), and
-  /// look up the folder of the binaries.
+  /// The first step of boot(): makes the folders "config", "data", "resources", "logs" and "temporal" in the
+  /// application path, if there is one.
   virtual bool init_subdirectories(exception& err);
+  /// The second step of boot(): looks up the folder of the binaries. Fails with exc::systemErrorCode.
   virtual bool set_binaries_directories(exception& err);
 
  private:
@@ -109,9 +122,12 @@ class KESTA_API application : public context {
 /// Checks the calling thread in, and out again at the end of the scope if it was this object that did.
 class KESTA_API thread_scope {
  public:
+  /// Checks in; a thread that has an application already keeps it.
   explicit thread_scope(application& app);
+
   thread_scope(const thread_scope&) = delete;
   thread_scope& operator=(const thread_scope&) = delete;
+  /// Checks out what this object checked in; on the same thread, before the application ends.
   ~thread_scope();
 
   /// Whether the thread was free and is registered by this object.
@@ -125,17 +141,21 @@ class KESTA_API thread_scope {
 
 namespace kesta {
 
-/// The library's own application.
+/// The library's own application, for programs that need no class of their own.
 class KESTA_API app : public application {
  public:
+  /// The module of the program; null for the one that the process was started from.
   explicit app(HINSTANCE__* instance);
+
+  /// Checks out its threads.
   ~app() override;
 
   /// The application of the calling thread, whatever its type; null when it is not checked in.
   static application* kesta_app() noexcept { return theApp(); }
 
  protected:
-  bool on_boot(ruvo::exception& err) override;  // not kesta::exception
+  // not kesta::exception
+  bool on_boot(ruvo::exception& err) override;
   void append_config(bundle& settings) override;
 };
 

@@ -17,6 +17,7 @@ namespace ruvo {
 /// Owns its bytes; copies copy them.
 class KESTA_API binary {
  public:
+  /// The vector inside, and the names that the standard containers use.
   using store_type = std::vector<unsigned char>;
   using value_type = unsigned char;
   using size_type = store_type::size_type;
@@ -27,17 +28,20 @@ class KESTA_API binary {
   using const_iterator = store_type::const_iterator;
   using allocator_type = store_type::allocator_type;
 
+  /// No bytes.
   binary() noexcept;
   binary(const binary& other);
   binary(binary&& other) noexcept;
   ~binary();
-  explicit binary(unsigned long long count);  ///< That many zero bytes.
+  /// That many zero bytes.
+  explicit binary(unsigned long long count);
   template <std::integral T>
   explicit binary(T count) : binary(static_cast<unsigned long long>(count)) {}
+  /// A copy of the bytes.
   binary(const std::vector<unsigned char>& bytes);
-  binary(const std::wstring& text);  ///< The UTF-8 bytes of the text.
-  binary(const wchar_t* text);       ///< The same; null gives no bytes.
-  binary(const std::string& bytes);
+  binary(const std::wstring& text);           ///< The UTF-8 bytes of the text.
+  binary(const wchar_t* text);                ///< The same; null gives no bytes.
+  binary(const std::string& bytes);           ///< All of them, zero bytes too.
   binary(const char* bytes);                  ///< Up to the first zero byte; null gives no bytes.
   binary(const std::ostringstream& stream);   ///< What the stream has collected.
   binary(const std::wostringstream& stream);  ///< The same, as UTF-8.
@@ -45,6 +49,7 @@ class KESTA_API binary {
 
   binary& operator=(const binary& other);
   binary& operator=(binary&& other) noexcept;
+  /// As the constructors.
   const binary& operator=(unsigned long long count);
   template <std::integral T>
   const binary& operator=(T count) {
@@ -59,8 +64,10 @@ class KESTA_API binary {
   const binary& operator=(const std::wostringstream& stream);
   const binary& operator=(const memo& text);
 
+  /// Appends the byte.
   binary& operator+=(const unsigned char& byte);
-  /// @quirk These append the low byte of each unit and drop the high one: they serve single-byte text.
+  /// Appends the low byte of each unit.
+  /// @quirk The high byte is dropped: this serves single-byte text.
   binary& operator+=(const wchar_t& unit);
   binary& operator+=(const std::wstring& text);
   /// Any other integer or character: its low byte.
@@ -69,11 +76,12 @@ class KESTA_API binary {
     return *this += static_cast<unsigned char>(byte);
   }
 
+  /// The bytes; valid until this object goes.
   const std::vector<unsigned char>& get_store() const noexcept { return store_; }
   operator const std::vector<unsigned char>&() const noexcept { return store_; }
   operator std::vector<unsigned char>&() noexcept { return store_; }
 
-  // As the operations of std::vector.
+  /// As the operations of std::vector; length() is size().
   size_type size() const noexcept { return store_.size(); }
   size_type length() const noexcept { return store_.size(); }
   size_type capacity() const noexcept { return store_.capacity(); }
@@ -108,8 +116,10 @@ class KESTA_API binary {
     return store_.emplace(at, std::forward<Args>(args)...);
   }
 
+  /// Whether size and bytes are the same.
   bool operator==(const binary& other) const noexcept { return store_ == other.store_; }
   bool operator!=(const binary& other) const noexcept { return store_ != other.store_; }
+  /// Lexicographic on the unsigned bytes.
   bool operator<(const binary& other) const noexcept { return compare(other) < 0; }
   /// Negative, 0 or positive; lexicographic on the unsigned bytes.
   int compare(const binary& other) const noexcept;
@@ -129,9 +139,9 @@ class KESTA_API binary {
   std::wstring getAsHex() const;
   /// RFC 4648, padded, in the standard or the URL-safe alphabet.
   std::wstring getAsB64(bool url = false) const;
-  /// Replace the bytes by those that the text tells. Blanks are skipped; Base64 may be in either alphabet and
-  /// need not be padded. A malformed text leaves no bytes and copies exc::BadFormat (0xEBB8000A) to `*error`,
-  /// if there is one; on success `*error` is not touched.
+  /// Replaces the bytes by those that the text tells. Blanks are skipped; Base64 may be in either alphabet
+  /// and need not be padded. A malformed text leaves no bytes and copies exc::BadFormat (0xEBB8000A) to
+  /// `*error`, if there is one; on success `*error` is not touched.
   binary& setAsHex(const std::wstring& text, exception* error = nullptr);
   binary& setAsHex(const std::string& text, exception* error = nullptr);
   binary& setAsB64(const std::wstring& text, exception* error = nullptr);

@@ -31,14 +31,16 @@ struct bundle_access;
 /// keep them. Look-up and insertion take logarithmic time, erase linear time.
 class KESTA_API bundle {
  public:
-  /// A key, in lower case, and its value; to be used like a std::pair.
+  /// A folded key and its value; to be used like a std::pair.
   struct KESTA_API entry {
+    /// A copy that lives by itself: it shares the key and has a value of its own.
     entry(const entry& other);
+
     entry& operator=(const entry&) = delete;
     ~entry();
 
-    const std::wstring& first;
-    xvar second;
+    const std::wstring& first;  ///< The key; valid as long as the entry.
+    xvar second;                ///< The value.
 
    private:
     friend class detail::bundle_store;
@@ -50,20 +52,24 @@ class KESTA_API bundle {
   template <class E>
   class basic_iterator {
    public:
+    /// The names that the standard iterators use.
     using iterator_category = std::bidirectional_iterator_tag;
     using value_type = entry;
     using difference_type = std::ptrdiff_t;
     using pointer = E*;
     using reference = E&;
 
+    /// Equal to no entry's.
     basic_iterator() noexcept = default;
-    /// iterator to const_iterator.
+    /// From iterator to const_iterator.
     operator basic_iterator<const E>() const noexcept requires(!std::is_const_v<E>) {
       return {store_, at_, rank_};
     }
 
+    /// The entry; not for end().
     E& operator*() const noexcept { return *at_; }
     E* operator->() const noexcept { return at_; }
+    /// To the entry behind, or before: before end() is the last one.
     basic_iterator& operator++() noexcept {
       at_ = step(store_, at_, rank_, true);
       return *this;
@@ -82,6 +88,7 @@ class KESTA_API bundle {
       --*this;
       return before;
     }
+    /// Whether both stand on the same entry; the end() of one bundle equals that of another.
     bool operator==(const basic_iterator& other) const noexcept { return at_ == other.at_; }
 
    private:
@@ -95,15 +102,18 @@ class KESTA_API bundle {
     entry* at_ = nullptr;   // null at the end
     std::size_t rank_ = 0;  // where the entry was last seen in the order
   };
+  /// The names that the standard containers use.
   using iterator = basic_iterator<entry>;
   using const_iterator = basic_iterator<const entry>;
   using value_type = entry;
   using size_type = std::size_t;
   using allocator_type = std::allocator<entry>;
 
+  /// Without entries.
   bundle() noexcept;
   bundle(const bundle& other);
   bundle(bundle&& other) noexcept;
+  /// The entries in this order. A key that repeats keeps its first position and gets the last value.
   bundle(std::initializer_list<std::pair<std::wstring, xvar>> values);
   virtual ~bundle();
   bundle& operator=(const bundle& other);
@@ -115,7 +125,7 @@ class KESTA_API bundle {
   requires requires(const T& value) { value.operator bundle(); }
   bundle& operator=(const T& value) { return *this = value.operator bundle(); }
 
-  /// An xvar that holds a copy of this bundle (or takes it over).
+  /// An xvar that holds a copy of this bundle, or takes it over from an rvalue.
   operator xvar() const&;
   operator xvar() &&;
 
@@ -142,10 +152,12 @@ class KESTA_API bundle {
     return const_cast<bundle*>(this)->nth(static_cast<unsigned long long>(n));
   }
 
+  /// The entry with the key, or end().
   iterator find(const std::wstring& key);
   iterator find(const std::string& key);
   const_iterator find(const std::wstring& key) const;
   const_iterator find(const std::string& key) const;
+  /// The number of entries with the key, 0 or 1.
   size_type count(const std::wstring& key) const;
   size_type count(const std::string& key) const;
   /// The number of entries removed, 0 or 1; positions behind the entry move up by one.
@@ -153,26 +165,33 @@ class KESTA_API bundle {
   size_type erase(const std::string& key);
   /// The iterator behind the removed entry.
   iterator erase(const_iterator where);
+  /// Removes all entries.
   void clear() noexcept;
+  /// Whether there are no entries.
   bool empty() const noexcept { return size() == 0; }
+  /// The number of entries; those of nested bundles do not count.
   size_type size() const noexcept;
   /// Makes room for `count` entries in one block.
   void reserve(size_type count);
 
+  /// The entries in the order of the folded keys. For the order of insertion see operator[] with a number.
   iterator begin() noexcept;
   iterator end() noexcept { return {store_, nullptr, size()}; }
   const_iterator begin() const noexcept { return const_cast<bundle*>(this)->begin(); }
   const_iterator end() const noexcept { return const_cast<bundle*>(this)->end(); }
   const_iterator cbegin() const noexcept { return begin(); }
   const_iterator cend() const noexcept { return end(); }
+  /// A default one: the entries have memory of the library.
   allocator_type get_allocator() const noexcept { return {}; }
 
-  /// The entry at the path, or null.
+  /// The entry's value at the path, or null when it is missing. A path goes on behind a bundle only, never
+  /// into a list.
   const xvar* get_ptr(const std::wstring& path, char separator = '.') const;
   const xvar* get_ptr(const std::string& path, char separator = '.') const;
-  /// The entry at the path; a missing one throws an empty std::exception_ptr (by value).
+  /// The entry's value at the path; a missing one throws an empty std::exception_ptr (by value).
   const xvar& get(const std::wstring& path, char separator = '.') const;
   const xvar& get(const std::string& path, char separator = '.') const;
+  /// Whether there is an entry at the path; its value may be null.
   bool has(const std::wstring& path, char separator = '.') const;
   bool has(const std::string& path, char separator = '.') const;
   /// In Spanish, what the getters find at the path: which part of it is missing, null or no bundle; or what
@@ -187,12 +206,13 @@ class KESTA_API bundle {
   xvar& hack(const std::string& path, char separator = '.');
   xvar* hack_ptr(const std::wstring& path, char separator = '.');
   xvar* hack_ptr(const std::string& path, char separator = '.');
-  /// hack() and assign.
+  /// hack() and assign; as with every assignment to an xvar, qualities that the entry had already stay. Gives
+  /// the entry's value.
   xvar& putOn(const std::wstring& path, const xvar& value, char separator = '.');
   xvar& putOn(const std::string& path, const xvar& value, char separator = '.');
 
-  /// hack(), then make the entry hold an empty value of the kind unless it holds one already; the object
-  /// inside.
+  /// hack(), then the entry is made to hold an empty value of the kind unless it holds one of that kind
+  /// already; gives the object inside, for writing. hack_string_on() keeps the text that is there.
   bundle& hack_bundle_on(const std::wstring& path, char separator = '.');
   bundle& hack_bundle_on(const std::string& path, char separator = '.');
   list& hack_list_on(const std::wstring& path, char separator = '.');
@@ -254,8 +274,8 @@ class KESTA_API bundle {
   std::wstring get_nc_string(const std::string& path, const std::wstring& fallback = {},
                              char separator = '.') const;
 
-  /// The object that the entry at the path holds. Without one: `fallback`, or a shared empty object that
-  /// lives as long as the library.
+  /// The object that the entry at the path holds; it lives as long as the entry holds it. Without one:
+  /// `fallback`, or a shared empty object that lives as long as the library.
   const binary& get_binary(const std::wstring& path, const binary& fallback, char separator = '.') const;
   const binary& get_binary(const std::string& path, const binary& fallback, char separator = '.') const;
   const memo& get_memo(const std::wstring& path, const memo& fallback, char separator = '.') const;
@@ -264,7 +284,7 @@ class KESTA_API bundle {
   const bundle& get_bundle(const std::string& path, char separator = '.') const;
   const list& get_list(const std::wstring& path, char separator = '.') const;
   const list& get_list(const std::string& path, char separator = '.') const;
-  /// The fallback also when the object is empty.
+  /// As get_bundle() and get_list(); `fallback` when there is no such object or it is empty.
   const bundle& get_nc_bundle(const std::wstring& path, const bundle& fallback, char separator = '.') const;
   const bundle& get_nc_bundle(const std::string& path, const bundle& fallback, char separator = '.') const;
   const list& get_nc_list(const std::wstring& path, const list& fallback, char separator = '.') const;
@@ -273,7 +293,8 @@ class KESTA_API bundle {
   /// "{" "key":value pairs joined by ", " "}", in key order: texts quoted with quotes escaped, null as "".
   std::wstring to_string() const;
 
-  /// Comparisons are by the text form.
+  /// Compares by to_string(): neither the order of insertion nor qualities count, other than in lists, whose
+  /// text has the qualities of the elements.
   bool operator==(const bundle& other) const;
   bool operator<(const bundle& other) const;
 
@@ -288,6 +309,7 @@ class KESTA_API bundle {
   detail::bundle_store* store_ = nullptr;  // owned; null until the first entry
 };
 
+/// Writes to_string().
 KESTA_API std::wostream& operator<<(std::wostream& out, const bundle& value);
 
 /// The shared empty values to which the getters of a bundle refer when there is nothing to refer to.

@@ -15,7 +15,9 @@ namespace ruvo {
 /// written through one object do not mix.
 class KESTA_API console {
  public:
+  /// Does nothing yet.
   console();
+
   console(const console&) = delete;
   console& operator=(const console&) = delete;
   /// Lets go of a console that it made.
@@ -23,11 +25,13 @@ class KESTA_API console {
 
   /// Makes sure that there is an output. False on failure: SystemException, code 11.
   bool open(exception& err);
-  /// Both throw what open() tells, and exc::systemErrorCode when not all could be written.
+  /// Writes the text. Throws what open() tells, and exc::systemErrorCode when not all could be written.
   void write(const std::wstring& text);
+  /// The text and CRLF, in one piece.
   void write_line(const std::wstring& text);
   /// Whether the output is a console now, rather than a file, a pipe or nothing.
   bool is_terminal() const noexcept;
+  /// Lets go of a console that the library made; the next text makes one anew.
   void close() noexcept;
 
  private:

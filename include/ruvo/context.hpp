@@ -20,6 +20,7 @@ namespace ruvo {
 /// page says otherwise.
 class KESTA_API context {
  public:
+  /// The names that the standard containers use, of the map of named values.
   using map_type = std::map<std::wstring, xvar>;
   using key_type = map_type::key_type;
   using mapped_type = map_type::mapped_type;
@@ -29,19 +30,24 @@ class KESTA_API context {
   using size_type = map_type::size_type;
   using allocator_type = map_type::allocator_type;
 
+  /// No named values, no settings, no path, the locale "C".
   context();
+
   context(const context&) = delete;
   context& operator=(const context&) = delete;
   virtual ~context();
 
+  /// The system's id of the calling thread.
   virtual unsigned long getThreadID() const;
+  /// The system's id of the process.
   virtual unsigned long getProcessID() const;
 
-  /// The user's separators of numbers; ',' and '.' when the system has none.
+  /// The user's decimal separator; ',' when the system has none.
   virtual wchar_t get_decimal_separator() const;
+  /// The user's separator of thousands; '.' when the system has none.
   virtual wchar_t get_thousands_separator() const;
 
-  /// Conversions in a code page (0 is the system's, 65001 UTF-8); empty for an unknown page.
+  /// Conversions between a code page (0 is the system's, 65001 UTF-8) and UTF-16; empty for an unknown page.
   virtual std::wstring to_16_bits(const std::string& text, unsigned int code_page) const;
   virtual std::string to_8_bits(const std::wstring& text, unsigned int code_page) const;
   /// UTF-8 text in the system's code page.
@@ -54,26 +60,30 @@ class KESTA_API context {
   /// The first n of 32 hexadecimal digits; empty for n below 1.
   virtual std::wstring uuid_short(int n) const;
 
-  /// Seconds since 1970 to a calendar record and back, in the proleptic Gregorian calendar, before 1970 too.
-  /// False on failure, when the year does not fit the record; `err` may be null. Fields out of their range
-  /// are normalised; the record's tm_isdst is not read, and its other fields are left as they are.
+  /// Seconds since 1970 to a calendar record in UTC, in the proleptic Gregorian calendar, before 1970 too.
+  /// False, with an exc::CalendarException, for a null record and when the year does not fit it; `err` may be
+  /// null.
   virtual bool sistem_gmt_time(std::tm* record, long long seconds, exception* err) const;
-  /// Local time follows the system's rules for the year. Of the two instants that a repeated hour names the
-  /// first is taken; an hour that a clock change skips is moved on by the length of the change.
+  /// The same in local time, by the system's rules for the year.
   virtual bool sistem_local_time(std::tm* record, long long seconds, exception* err) const;
+  /// Back from a record in UTC to seconds. Fields out of their range are carried over; the record's tm_wday,
+  /// tm_yday and tm_isdst are not read, and the record stays as it is. True.
   virtual bool sistem_gmt_lapse(long long& seconds, std::tm& record, exception* err) const;
+  /// The same for a record in local time. Of the two instants that a repeated hour names the first is taken;
+  /// an hour that a clock change skips is moved on by the length of the change.
   virtual bool sistem_local_lapse(long long& seconds, std::tm& record, exception* err) const;
 
   /// The value of an environment variable; throws exc::systemEnviromentVarNotFound.
   virtual std::wstring get_enviroment_var(const std::wstring& name) const;
-  /// The same with a result object; false on failure.
+  /// The same with a result object; false on failure, when `value` stays as it was.
   virtual bool get_enviroment_var(std::wstring& value, exception& err, const std::wstring& name) const;
 
   /// The account that the process runs under; the third gives "DOMAIN\user". Throw exc::systemUserDomain.
   virtual std::wstring get_current_user() const;
   virtual std::wstring get_current_domain() const;
   virtual std::wstring get_current_user_and_domain() const;
-  /// The same with the account's identifier ("S-1-5-..."); false on failure.
+  /// The same with the account's identifier ("S-1-5-..."); false on failure, when the texts stay as they
+  /// were.
   virtual bool get_current_user_and_domain(std::wstring& user, std::wstring& domain, std::wstring& sid,
                                            exception& err) const;
 
@@ -102,6 +112,8 @@ class KESTA_API context {
   /// The value under the key; a missing one throws std::out_of_range.
   const xvar& at(const std::wstring& key) const;
   const xvar& at(const std::string& key) const;
+
+  /// The named values as those of std::map, in the order of their keys; narrow keys are UTF-8.
   iterator find(const std::wstring& key);
   const_iterator find(const std::wstring& key) const;
   iterator find(const std::string& key);
@@ -123,10 +135,11 @@ class KESTA_API context {
   void clear() noexcept;
   allocator_type get_allocator() const noexcept { return values_.get_allocator(); }
 
+  /// The folder that the application's folders lie in; empty for none.
   void set_app_path(const file& path);
   const file& get_app_path() const noexcept { return app_path_; }
 
-  /// The settings.
+  /// The settings, for the application's own use.
   bundle& settings() noexcept { return settings_; }
   const bundle& settings() const noexcept { return settings_; }
 

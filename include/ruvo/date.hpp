@@ -19,20 +19,22 @@ namespace ruvo {
 /// @quirk The instant kept is 04:04:04 of the day in the value's mode, so that small shifts stay in the day.
 class KESTA_API date : public lapse {
  public:
-  static const std::string canonical;           ///< "%d-%m-%Y"
-  static const std::string short_format;        ///< "%d-%m-%Y"
-  static const std::string sql_format;          ///< "%Y-%m-%d"
-  static const std::string short_month_format;  ///< "%d-%b-%Y"
-  static const std::string long_month_format;   ///< "%d-%B-%Y"
-  static const std::string velda;               ///< "%Y%m%d"
+  static const std::string canonical;           ///< `%d-%m-%Y`
+  static const std::string short_format;        ///< `%d-%m-%Y`
+  static const std::string sql_format;          ///< `%Y-%m-%d`
+  static const std::string short_month_format;  ///< `%d-%b-%Y`
+  static const std::string long_month_format;   ///< `%d-%B-%Y`
+  static const std::string velda;               ///< `%Y%m%d`
 
   /// Today.
   date(times::HUSO huso = huso_horario);
+  /// From a number yyyymmdd.
   date(long yyyymmdd, times::HUSO huso = huso_horario);
   template <std::integral T>
   date(T yyyymmdd, times::HUSO huso = huso_horario) : date(static_cast<long>(yyyymmdd), huso) {}
+  /// From fields: months count from 1.
   date(long year, long month, long day, times::HUSO huso = huso_horario);
-  /// From text, as parse(). Narrow text is UTF-8.
+  /// From text that fits the format, as parse(). Narrow text is UTF-8.
   date(const char* text, times::HUSO huso = huso_horario, const std::string& format = canonical);
   date(const wchar_t* text, times::HUSO huso = huso_horario, const std::string& format = canonical);
   date(const std::string& text, times::HUSO huso = huso_horario, const std::string& format = canonical);
@@ -46,7 +48,10 @@ class KESTA_API date : public lapse {
   ~date() override;
 
   date& operator=(const date& other);
+
+  /// The day and the mode of the instant.
   date& operator=(const datetime& instant);
+  /// From a number yyyymmdd; the mode stays.
   date& operator=(long yyyymmdd);
   template <std::integral T>
   date& operator=(T yyyymmdd) {
@@ -57,18 +62,21 @@ class KESTA_API date : public lapse {
   date& operator=(const V& value) {
     return *this = value.operator date();
   }
-  /// From text in the canonical format.
+  /// From text in the canonical format; the mode stays. Narrow text is UTF-8.
   date& operator=(const char* text);
   date& operator=(const wchar_t* text);
   date& operator=(const std::string& text);
   date& operator=(const std::wstring& text);
 
-  /// yyyymmdd.
+  /// The number yyyymmdd.
   operator long() const;
 
+  /// lapse::format() in the locale of the thread's context.
   std::wstring to_string(const std::string& format = canonical) const override;
+  /// The text in the canonical format.
   std::wstring print() const override { return to_string(); }
 
+  /// Fields in the value's mode: days and months count from 1, years are full.
   int get_day() const { return get(times::DAYS); }
   int get_month() const { return get(times::MONTHS); }
   int get_year() const { return get(times::YEARS); }
@@ -76,6 +84,7 @@ class KESTA_API date : public lapse {
   int get_week_day() const { return get(times::WEEK_DAY); }
   /// The number of days of the month.
   int get_month_days() const;
+  /// Replace a field and normalise: day 31 in a month of 30 days gives the first day of the next one.
   date& set_day(int day);
   date& set_month(int month);
   date& set_year(int year);
@@ -88,12 +97,14 @@ class KESTA_API date : public lapse {
   std::wstring get_week_day_name(const std::string& locale = {}) const;
   std::wstring get_week_day_name_abbreviated(const std::string& locale = {}) const;
 
-  /// The last day of the month.
+  /// The last day of the month, in the default mode.
   static date get_last_day(long year, long month);
 
   /// 0 equal, 1 this is later, 2 this is earlier; days are compared, not instants.
   /// @quirk Never negative.
   int compare(const date& other) const;
+
+  /// Compare days, each in its own mode, by their numbers yyyymmdd.
   bool operator==(const date& other) const { return compare(other) == 0; }
   std::strong_ordering operator<=>(const date& other) const;
   template <std::integral T>
@@ -107,7 +118,7 @@ class KESTA_API date : public lapse {
   bool operator==(long yyyymmdd) const;
   std::strong_ordering operator<=>(long yyyymmdd) const;
 
-  /// Days.
+  /// Move by days of the calendar.
   date& operator+=(int days);
   date& operator-=(int days);
   date& operator++() { return *this += 1; }
@@ -116,15 +127,19 @@ class KESTA_API date : public lapse {
   date operator--(int);
 
  protected:
-  /// Sets the instant that stands for a day.
+  /// Sets the instant that stands for a day; normalises.
   void fix(long long year, long long month, long long day);
+  /// As lapse::read(); of what was read the day is kept.
   void read(std::wstring_view text, std::wstring_view format, const std::string& locale) override;
 };
 
-/// Write the canonical format.
+/// Write the canonical format, as UTF-8 to a narrow stream.
 KESTA_API std::wostream& operator<<(std::wostream& out, const date& value);
 KESTA_API std::ostream& operator<<(std::ostream& out, const date& value);
 
+/// What lies between two days, and the ends of the year, month and week around one.
+///
+/// Throws exc::CalendarException for what cannot be broken down into fields.
 namespace dates {
 
 /// `to` - `from`, in days of the calendar and in whole months: a month has passed when its day comes round

@@ -4,10 +4,6 @@
 // these lists, cmake/errors.cmake the message table of kesta.dll and docs/ERRORS.md: one row a line, texts
 // without quotation marks, backslashes, semicolons, bars and square brackets. The raw code of a row is
 // 0xE0000000 | facility << 16 | (range * 1000 + code).
-//
-// @quirk Some numbers stand for two classes (jsonEmptyKey and jsonFalseKnot, BadCastInterface and
-// UnLoadModule, getObjectException and getObjectTypeException, actionNotFound and xmlLoadException): callers
-// tell them apart by type.
 
 // clang-format off
 

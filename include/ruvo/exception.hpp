@@ -22,7 +22,9 @@ class KESTA_API exception : public std::exception {
   exception();
   /// Raw code 0xE0000000 | facility << 16 | ((rango * 1000 + code) & 0xFFFF). The parts are not checked.
   exception(const std::wstring& mensaje, unsigned long code, unsigned long rango, unsigned long facility);
+  /// Any code, such as a system's HRESULT.
   exception(unsigned long raw, const std::wstring& mensaje);
+
   exception(const exception& other) noexcept;
   exception& operator=(const exception& other) noexcept;
   ~exception() override;
@@ -38,19 +40,26 @@ class KESTA_API exception : public std::exception {
   /// Raw code 0xEBB80001, message "Error indeterminado".
   static exception incorrect();
 
-  /// Whether get_code() is 0, whatever the range and the facility.
+  /// Success: whether get_code() is 0, whatever the range and the facility.
   bool OK() const noexcept { return get_code() == 0; }
+  /// Failure: the contrary of OK().
   bool WRONG() const noexcept { return !OK(); }
 
+  /// The whole 32-bit code.
   unsigned long get_raw_code() const noexcept { return code_; }
+  /// The code as an HRESULT, negative for the library's errors.
   operator long() const noexcept { return static_cast<std::int32_t>(code_); }
+
   unsigned long get_code() const noexcept { return (code_ & 0xFFFF) % 1000; }   ///< Number within the range.
   unsigned long get_rango() const noexcept { return (code_ & 0xFFFF) / 1000; }  ///< Family of the error.
+  /// 3000 of general errors, 3001 of those of the library's modules.
   unsigned long get_facility() const noexcept { return code_ >> 16 & 0x1FFF; }
+  /// The two highest bits; 3 of all the library's codes.
   unsigned long get_severity() const noexcept { return code_ >> 30; }
+  /// The bit of codes that are not the system's; 1 of all the library's.
   unsigned long get_customer() const noexcept { return code_ >> 29 & 1; }
 
-  // Comparisons look at the raw codes only.
+  /// Comparisons look at the raw codes only.
   bool operator==(unsigned long raw) const noexcept { return code_ == raw; }
   bool operator<(unsigned long raw) const noexcept { return code_ < raw; }
   bool operator==(const exception& other) const noexcept { return code_ == other.code_; }
@@ -65,8 +74,9 @@ class KESTA_API exception : public std::exception {
     return code_ < static_cast<std::uint32_t>(raw);
   }
 
+  /// The message, which is in Spanish.
   std::wstring get_mensaje() const;
-  /// The report text.
+  /// The report text, as in what().
   operator std::wstring() const;
 
   /// Assigns this object to `*target`, if there is one.
@@ -76,12 +86,13 @@ class KESTA_API exception : public std::exception {
   void clear();
 
  protected:
-  // These two leave the report text as it is.
+  /// Replaces the message or adds to it. The report text stays as it is.
   void set_mensaje(std::wstring mensaje);
   void append_to_mensaje(std::wstring tail);
-  /// Rebuilds the report text.
+  /// Rebuilds the report text with the present message.
   void copy_what();
   /// The system's text for an error number, without blanks at its ends.
+  /// Empty for a number that the system does not know.
   static std::wstring winerror_message(unsigned long number);
 
  private:
@@ -94,12 +105,15 @@ class KESTA_API exception : public std::exception {
 /// Writes the report text.
 KESTA_API std::wostream& operator<<(std::wostream& out, const exception& error);
 
+/// What is the library's own rather than of every program: its errors and its application.
 namespace kesta {
 
 /// The errors of the library's own modules: facility 3001.
 class KESTA_API exception : public ruvo::exception {
  public:
+  /// The number within the range, the message, the range.
   exception(unsigned long code, const std::wstring& mensaje, unsigned long rango);
+
   exception(const exception& other) noexcept;
   exception& operator=(const exception& other) noexcept;
   ~exception() override;

@@ -22,7 +22,10 @@ namespace ruvo {
 /// else asks about a path or opens it still sees the disk. Conversions between code pages are the real ones.
 class KESTA_API fake_context : public application {
  public:
+  /// With the values below, no environment and no folders.
   fake_context();
+
+  /// Checks out its threads.
   ~fake_context() override;
 
   long long clock = 0;   ///< the present, seconds since 1970 UTC
@@ -30,12 +33,15 @@ class KESTA_API fake_context : public application {
   long zone_offset = 0;  ///< local time minus UTC in seconds, all the year
   /// The first field of the next identifier; the others are zero.
   mutable std::atomic<unsigned long> next_id{1};
-  wchar_t decimal_separator = L',';
-  wchar_t thousands_separator = L'.';
-  unsigned long thread_id = 1, process_id = 1;
-  std::map<std::wstring, std::wstring> environment;
-  std::wstring user = L"usuario", domain = L"EQUIPO", sid = L"S-1-5-21-1-2-3-1000";  ///< no user: failure
-  bundle os_info;                                                                    ///< of a Windows 11
+  wchar_t decimal_separator = L',';                  ///< of numbers
+  wchar_t thousands_separator = L'.';                ///< of numbers
+  unsigned long thread_id = 1,                       ///< of every thread
+      process_id = 1;                                ///< of the process
+  std::map<std::wstring, std::wstring> environment;  ///< names, case and all, and values
+  std::wstring user = L"usuario",                    ///< the account; empty: asking for it fails
+      domain = L"EQUIPO",                            ///< of the account
+      sid = L"S-1-5-21-1-2-3-1000";                  ///< of the account
+  bundle os_info;                                    ///< of a Windows 11
   /// The entries of each folder by their names, in the order in which they are listed; one that is a key
   /// itself is a folder, others are what stands on the disk, or else empty files. Any other folder is not
   /// found.

@@ -55,6 +55,7 @@ namespace http {
 /// text that it is made from; of narrow text, one in ASCII of up to 64 characters costs no allocation.
 class KESTA_API header_name {
  public:
+  /// Implicit, so that every text is a name.
   header_name(const std::wstring& name) noexcept : view_(name) {}
   header_name(const wchar_t* name) noexcept : view_(name ? name : L"") {}
   header_name(const std::string& name);
@@ -63,6 +64,7 @@ class KESTA_API header_name {
   header_name& operator=(const header_name&) = delete;
   ~header_name();
 
+  /// As long as the text it was made from and this object live.
   std::wstring_view view() const noexcept { return view_; }
 
  private:
@@ -75,7 +77,10 @@ class KESTA_API header_name {
 
 /// Orders names without regard to the case of A-Z, by code unit.
 struct KESTA_API header_order {
+  /// Keys are looked up by views.
   using is_transparent = void;
+
+  /// Whether `a` comes before `b`.
   bool operator()(std::wstring_view a, std::wstring_view b) const noexcept;
 };
 
@@ -86,37 +91,42 @@ struct KESTA_API header_order {
 /// headers: whoever sets headers from foreign text has to remove them.
 class KESTA_API header_table {
  public:
+  /// The names that the standard containers use.
   using map_type = std::map<std::wstring, std::wstring, header_order>;
   using value_type = map_type::value_type;
   using size_type = map_type::size_type;
   using iterator = map_type::iterator;
   using const_iterator = map_type::const_iterator;
 
-  /// The value, inserted empty when absent.
+  /// The value, inserted empty when absent. References stay valid until the header is erased.
   std::wstring& operator[](const header_name& name);
   /// The value; an absent name throws std::out_of_range ("invalid map<K, T> key").
   std::wstring& at(const header_name& name);
   const std::wstring& at(const header_name& name) const;
+  /// The header, or end().
   iterator find(const header_name& name) noexcept;
   const_iterator find(const header_name& name) const noexcept;
+  /// 0 or 1.
   size_type count(const header_name& name) const noexcept;
   /// The number of headers removed, 0 or 1.
   size_type erase(const header_name& name) noexcept;
 
-  // These, too, speak of the headers only.
-
+  /// The headers, in the order of their folded names.
   iterator begin() noexcept;
   iterator end() noexcept;
   const_iterator begin() const noexcept;
   const_iterator end() const noexcept;
   const_iterator cbegin() const noexcept { return begin(); }
   const_iterator cend() const noexcept { return end(); }
+  /// Of the headers alone, whatever else the message holds.
   size_type size() const noexcept;
   size_type max_size() const noexcept;
   bool empty() const noexcept { return size() == 0; }
+  /// Removes the headers and leaves body, URL and status as they are.
   void clear() noexcept;
 
  protected:
+  /// Without headers.
   header_table() noexcept;
   /// With "Accept: */*" and this Content-Type.
   explicit header_table(const wchar_t* content_type);
@@ -126,7 +136,9 @@ class KESTA_API header_table {
   header_table& operator=(header_table&& other) noexcept;
   ~header_table();
 
+  /// Names, exactly as spelled, and values.
   bool same_headers(const header_table& other) const noexcept;
+  /// What to_string() of a message with this body gives.
   std::wstring text_form(std::wstring_view body) const;
 
  private:
@@ -137,9 +149,10 @@ class KESTA_API header_table {
 /// the headers "Content-Type: text/plain;charset=UTF-8" and "Accept: */*". One that was moved from is empty.
 class KESTA_API request : public header_table {
  public:
+  /// With the two headers; URL and body are stored as they are, narrow ones being UTF-8.
   request();
   request(const std::wstring& url, const std::wstring& body);
-  request(const std::string& url, const std::string& body);  ///< UTF-8.
+  request(const std::string& url, const std::string& body);
   request(const request& other);
   request(request&& other) noexcept;
   ~request();
@@ -150,9 +163,11 @@ class KESTA_API request : public header_table {
   /// An xvar that holds a copy of this request.
   operator xvar() const;
 
+  /// Plain copies: nothing is encoded or checked, and no header follows from them. All give this request.
   request& set_url(const std::wstring& url);
   request& set_body(const std::wstring& body);
   request& set_sslCertPath(const std::wstring& path);
+  /// What was set, otherwise empty; of a request that is not const also for writing.
   std::wstring& get_url();
   const std::wstring& get_url() const noexcept;
   std::wstring& get_body();
@@ -180,6 +195,7 @@ class KESTA_API request : public header_table {
 /// "Content-Type: text/plain" and "Accept: */*". One that was moved from has neither headers nor body.
 class KESTA_API response : public net::iresponse, public header_table {
  public:
+  /// With the status "OK", the two headers and no body.
   response();
   response(const response& other);
   response(response&& other) noexcept;
@@ -192,13 +208,14 @@ class KESTA_API response : public net::iresponse, public header_table {
   /// An xvar that holds a copy of this response.
   operator xvar() const;
 
+  /// Replaces the whole body.
   response& set_body(const std::wstring& body);
+  /// A copy of the whole body.
   std::wstring get_body() const;
   std::size_t length() const noexcept;  ///< In UTF-16 units.
 
-  // These append to the body, in amortised constant time for each unit; a null pointer appends nothing.
-  // Narrow text is UTF-8 and decoded piece by piece: a character must not be split between two pieces.
-
+  /// Appends to the body, in amortised constant time for each unit; a null pointer appends nothing. Narrow
+  /// text is UTF-8 and decoded piece by piece: a character must not be split between two pieces.
   response& operator+=(const wchar_t* text);
   response& operator+=(const std::wstring& text);
   response& operator+=(const char* text);

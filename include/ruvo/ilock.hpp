@@ -9,16 +9,21 @@ namespace ruvo {
 /// A lock as the application offers it to its parts. No class of the library implements it.
 class KESTA_API ilock {
  public:
+  /// Free.
   ilock();
+
   ilock(const ilock&);
   ilock(ilock&&) noexcept;
   ilock& operator=(const ilock&);
   ilock& operator=(ilock&&) noexcept;
 
+  /// Waits until it is free, and takes it.
   virtual void lock() = 0;
-  /// False when another holds it; never waits.
+  /// Takes it if it is free, and never waits; false when it is held.
   virtual bool try_lock() = 0;
+  /// Gives it back.
   virtual void unlock() = 0;
+  /// Whether it is held, by any thread.
   virtual bool is_locked() const = 0;
 
   virtual ~ilock();

@@ -14,6 +14,7 @@ namespace ruvo {
 /// format's matter.
 class KESTA_API iserializer {
  public:
+  /// Replaces `out` by the text of `in`.
   virtual bool serialize(std::wstring& out, const bundle& in, exception* err = nullptr, int options = 0) = 0;
   /// Adds what `in` says to `out`.
   virtual bool deserialize(bundle& out, const std::wstring& in, exception* err = nullptr,
@@ -21,7 +22,7 @@ class KESTA_API iserializer {
   virtual ~iserializer();
 
  protected:
-  // Copies and moves carry nothing over.
+  /// Copies and moves carry nothing over.
   iserializer() noexcept;
   iserializer(const iserializer&) noexcept;
   iserializer& operator=(const iserializer&) noexcept;

@@ -13,12 +13,15 @@
 #include <string>
 #include <thread>
 
+/// The pool that runs a fixed number of tasks at once and queues the rest.
 namespace ruvo::jobs {
 
 /// A task with its argument, as a pool keeps it. The task is not owned and must live until the job is over.
 class KESTA_API job : public sync::on_round_off, public sync::cautionary {
  public:
+  /// Waiting: neither makes itself the task's listener nor starts it.
   job(task::async& task, const xvar& parameter);
+
   job(const job&) = delete;
   job& operator=(const job&) = delete;
 
@@ -30,17 +33,23 @@ class KESTA_API job : public sync::on_round_off, public sync::cautionary {
   /// Cancels the task and joins it; throws what issueable::join throws.
   virtual void cancel();
 
+  /// The task is left as it is.
   ~job() override;
 
+  /// The task.
   task::async& get_taks() const noexcept { return task_; }
+  /// That of the task's thread, and the task's identifier.
   std::thread::id get_id() const { return task_.get_id(); }
   std::wstring get_uuid() const { return task_.get_uuid(); }
+
   /// 2 waiting, 1 running, 0 over.
   int get_state() const noexcept { return state_.load(); }
   /// How many jobs there are in the process, for those who watch pools that live long.
   static unsigned long long alive() noexcept;
 
+  /// Whether both are over the same task.
   bool operator==(const job& other) const noexcept { return task_ == other.task_; }
+  /// As the tasks: by identifiers, descending.
   /// @quirk Inverted, as that of the tasks.
   bool operator<(const job& other) const noexcept { return task_ < other.task_; }
 
@@ -75,8 +84,10 @@ class KESTA_API job : public sync::on_round_off, public sync::cautionary {
 class KESTA_API pool : public sync::on_round_off {
  public:
   pool();  ///< With a slot for each hardware thread.
+  /// With that many slots.
   /// @quirk With no slot at all, everything waits: exec() then returns only after cancel().
   explicit pool(unsigned long long max_concurrency);
+
   pool(const pool&) = delete;
   pool& operator=(const pool&) = delete;
 
@@ -100,26 +111,33 @@ class KESTA_API pool : public sync::on_round_off {
   /// throws resource_deadlock_would_occur at once, and so it does in the on_cancel() that a cancel() calls.
   void cancel();
 
-  // The dispatcher's thread, as of a task. join() returns when nothing is queued or running; it throws
-  // std::system_error (resource_deadlock_would_occur) on the thread of a task that is running or being
-  // started, and in the on_cancel() that a cancel() of the pool calls.
+  /// Waits until nothing is queued or running, if there is a dispatcher. Throws std::system_error
+  /// (resource_deadlock_would_occur) on the thread of a task that is running or being started, and in the
+  /// on_cancel() that a cancel() of the pool calls.
   void join();
-  /// The dispatcher still ends before the pool does.
+  /// Lets the dispatcher's thread go, which still ends before the pool does. Throws std::system_error
+  /// (invalid_argument) while another thread joins it.
   void detach();
+  /// Whether there is a dispatcher that was neither joined nor detached, running or not.
   bool joinable() const;
+  /// That of the dispatcher's thread; of none after joining or detaching it.
   std::thread::id get_id() const;
 
-  /// What is running goes on.
+  /// The number of slots from now on. What is running goes on, also when it is more.
   void set_max_concurrency(unsigned long long n) noexcept;
-  // Hints for the next step, without a lock.
+  /// The number of slots. This and the other counters are taken without a lock, and are hints: they may have
+  /// changed when they are looked at.
   unsigned long long size() const noexcept;
+  /// The number of tasks that have a slot.
   unsigned long long running() const noexcept;
+  /// The number of tasks in the queue.
   unsigned long long pendings() const noexcept;
+  /// The number of free slots, a hint.
   /// @quirk size() - running() without a sign: huge while more are running than a lowered size allows.
   unsigned long long free_size() const noexcept;
-  bool is_free() const noexcept;
-  bool empty() const noexcept;  ///< Nothing queued and nothing running.
-  unsigned long long hardware_concurrency() const noexcept;
+  bool is_free() const noexcept;                             ///< A slot is free.
+  bool empty() const noexcept;                               ///< Nothing queued and nothing running.
+  unsigned long long hardware_concurrency() const noexcept;  ///< Hardware threads; 0 when it is not known.
 
   /// The counters in five lines.
   std::wstring to_string() const;

@@ -42,13 +42,16 @@ enum class json_rule : std::int32_t {
   duplicate_name,     ///< 4: the names of an object should be unique; a note.
 };
 
+/// Whether a text with this finding is JSON all the same.
 constexpr bool is_note(json_rule rule) noexcept { return rule >= json_rule::lone_surrogate; }
 
+/// One departure of a text from JSON.
 struct json_finding {
-  json_rule rule;
-  std::uint64_t position;    // of the character, as position_of() takes it
-  std::size_t line, column;  // as position_of() gives them
-  std::wstring what;         // a sentence in Spanish
+  json_rule rule;          ///< What it departs from.
+  std::uint64_t position;  ///< Of the character, as position_of() takes it.
+  std::size_t line,        ///< As position_of() gives it.
+      column;              ///< As position_of() gives it.
+  std::wstring what;       ///< A sentence in Spanish.
 };
 
 /// The departures of the text in the order of their positions; none when it is JSON. Checking goes on behind

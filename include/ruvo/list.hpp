@@ -16,6 +16,7 @@ namespace ruvo {
 /// iterators; growth moves the elements. Deep copies; nesting is limited by memory only.
 class KESTA_API list {
  public:
+  /// The vector inside, and the names that the standard containers use.
   using vector = std::vector<xvar>;
   using value_type = xvar;
   using size_type = vector::size_type;
@@ -24,15 +25,19 @@ class KESTA_API list {
   using const_reverse_iterator = vector::const_reverse_iterator;
   using allocator_type = vector::allocator_type;
 
+  /// Empty.
   list() noexcept;
   list(const list& other);
   list(list&& other) noexcept;
-  /// Note that `list{other}` makes a list that holds `other`; write `list(other)` for a copy.
+  /// Holds the values in their order. Note that `list{other}` makes a list that holds `other`; write
+  /// `list(other)` for a copy.
   list(std::initializer_list<xvar> values);
   virtual ~list();
 
+  /// Replaces all elements. `other` may be inside one of them.
   const list& operator=(const list& other);
   const list& operator=(list&& other) noexcept;
+  /// Replaces all elements by copies of the values.
   const list& operator=(const vector& values);
   const list& operator=(std::initializer_list<xvar> values);
   /// Takes the list that `value` holds; any other kind leaves this list empty.
@@ -42,9 +47,11 @@ class KESTA_API list {
   operator xvar() const&;
   operator xvar() &&;
 
+  /// The vector inside, for reading: its elements live as long as this list's do.
   const vector& get_soul() const noexcept { return soul_; }
   operator const vector&() const noexcept { return soul_; }
 
+  /// As the operations of std::vector.
   size_type size() const noexcept { return soul_.size(); }
   size_type max_size() const noexcept { return soul_.max_size(); }
   size_type capacity() const noexcept { return soul_.capacity(); }
@@ -76,9 +83,12 @@ class KESTA_API list {
   iterator emplace(const_iterator where, Args&&... args) {
     return soul_.emplace(where, std::forward<Args>(args)...);
   }
-  /// The elements behind move down by assignment, which merges qualities (see xvar).
+  /// The element behind the removed ones, or end(). The elements behind move down by assignment, which merges
+  /// qualities (see xvar).
   iterator erase(const_iterator where) { return soul_.erase(where); }
   iterator erase(const_iterator first, const_iterator last) { return soul_.erase(first, last); }
+
+  /// As the operations of std::vector; front() and back() ask for a list that is not empty.
   xvar& front() { return soul_.front(); }
   const xvar& front() const { return soul_.front(); }
   xvar& back() { return soul_.back(); }
@@ -101,6 +111,7 @@ class KESTA_API list {
   /// Throws std::out_of_range ("invalid vector subscript") when `index` is not below size().
   const xvar& at(unsigned long index) const;
 
+  /// Appends a copy of the value.
   const list& operator+=(const xvar& value);
 
   /// Appends a null element.
@@ -108,7 +119,8 @@ class KESTA_API list {
   /// Removes the last element; nothing happens on an empty list.
   list& operator--();
 
-  /// Append an element and return the object inside it. The references are valid until the list reallocates.
+  /// Appends an element that holds an empty value of the kind (on_back(): a null one) and gives what is
+  /// inside it, for writing. The reference is valid until the list reallocates.
   xvar& on_back();
   list& on_back_list();
   bundle& on_back_bundle();
@@ -120,8 +132,8 @@ class KESTA_API list {
   xvar& hack_back() { return soul_.back(); }
   xvar* hack_back_ptr() { return &soul_.back(); }
 
-  /// Removes the element; the index is not checked. Elements move down by assignment, so an element keeps the
-  /// qualities of the one it replaces that it lacks itself.
+  /// Removes the element; the index is not checked. Gives the one behind it, or end(). Elements move down by
+  /// assignment, so an element keeps the qualities of the one it replaces that it lacks itself.
   iterator remove(unsigned long long index);
 
   /// "[" elements joined by "," "]": texts quoted with quotes escaped, null as nothing, qualities after their
@@ -133,7 +145,7 @@ class KESTA_API list {
   /// @quirk The comma is written before the question is asked: "1,,2" for 1, "x", 2.
   std::wstring to_numeric_sql() const;
 
-  /// Comparisons are by the bracketed text.
+  /// Compares by to_string(), so that 1 and 1u are equal, and 10 comes before 9.
   bool operator==(const list& other) const;
   bool operator!=(const list& other) const { return !(*this == other); }
   bool operator<(const list& other) const;
@@ -142,6 +154,7 @@ class KESTA_API list {
   vector soul_;
 };
 
+/// Writes to_string().
 KESTA_API std::wostream& operator<<(std::wostream& out, const list& value);
 
 }  // namespace ruvo

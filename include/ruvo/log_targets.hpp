@@ -15,6 +15,7 @@ class KESTA_API day_file : public IOnLog {
  public:
   /// The folder is not made; entries that come while it is missing are lost.
   explicit day_file(const file& folder);
+
   day_file(const day_file&) = delete;
   day_file& operator=(const day_file&) = delete;
   ~day_file() override;
@@ -30,7 +31,9 @@ class KESTA_API day_file : public IOnLog {
 /// The same lines, shown to a debugger.
 class KESTA_API debugger_output : public IOnLog {
  public:
+  /// Nothing to keep.
   debugger_output();
+
   ~debugger_output() override;
 
   void on_log(long level, const std::wstring& second, const std::wstring& first) override;
@@ -40,10 +43,12 @@ class KESTA_API debugger_output : public IOnLog {
 /// call, so it may go on while the process dies; texts beyond `longest_text` units are cut.
 class KESTA_API ring_buffer : public IOnLog {
  public:
-  static const std::size_t longest_text = 240;  // both texts and what stands between them
+  /// Units of both texts and of the ": " between them.
+  static const std::size_t longest_text = 240;
 
   /// Keeps the last `entries` entries, at least one.
   explicit ring_buffer(std::size_t entries);
+
   ring_buffer(const ring_buffer&) = delete;
   ring_buffer& operator=(const ring_buffer&) = delete;
   ~ring_buffer() override;
@@ -52,6 +57,7 @@ class KESTA_API ring_buffer : public IOnLog {
   /// The lines, oldest first. Where a thread died in the middle of an entry it gives none rather than wait
   /// for ever.
   std::vector<std::wstring> snapshot() const;
+  /// How many entries it keeps at most.
   std::size_t capacity() const noexcept;
 
  private:

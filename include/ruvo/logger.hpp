@@ -12,6 +12,7 @@
 
 namespace ruvo {
 
+/// What belongs to logs: levels, the form of their lines, targets of loggers.
 namespace reg {
 
 // Programs define DEBUG for themselves.
@@ -19,12 +20,21 @@ namespace reg {
 #undef DEBUG
 
 /// How much an entry matters: the lower, the more.
-enum LVL : long { ASSERTION = 1, FAILURE, WARNING, INFO, DEBUG, SQL, VERBOSE };
+enum LVL : long {
+  ASSERTION = 1,  ///< 1, what must not happen
+  FAILURE,        ///< 2, an operation failed
+  WARNING,        ///< 3, it worked, but
+  INFO,           ///< 4, the course of things; the default level
+  DEBUG,          ///< 5, for who develops the program
+  SQL,            ///< 6, the statements sent to a database
+  VERBOSE         ///< 7, everything else
+};
 
 #pragma pop_macro("DEBUG")
 
 /// "ASSERTION" to "VERBOSE"; empty for any other number.
 KESTA_API std::wstring level_name(long level);
+
 /// The name of a day's log file: "kesta_20240229.log".
 KESTA_API std::wstring format_name(const date& day);
 /// The present local time: "[2024-02-29 13:05:09.042]".
@@ -36,30 +46,39 @@ KESTA_API std::wstring time_stamp();
 /// swallowed.
 class KESTA_API IOnLog {
  public:
+  /// An entry: its level and its two texts.
   /// @quirk The second text comes first.
   virtual void on_log(long level, const std::wstring& second, const std::wstring& first) = 0;
+  /// Asks to bring what was taken to its target. Without an override it does nothing.
   virtual void flush();
   virtual ~IOnLog();
 
  protected:
+  /// Nothing to keep.
   IOnLog() = default;
+
   IOnLog(const IOnLog&) = default;
   IOnLog& operator=(const IOnLog&) = default;
 };
 
-/// Forwards entries to a callback, and keeps a file for each day in a folder.
+/// Forwards entries to a callback, and keeps a file for each day in a folder: two ways that do not meet.
+/// Entries with a level go to the callback only, lines without one to the file only; reg::day_file is a
+/// callback that writes to such files.
 ///
 /// May be used from any thread. Nothing that an entry meets on its way reaches the caller: without a folder,
 /// room on the disk or memory it is lost, and the next one tries anew.
 class KESTA_API logger {
  public:
-  static const long default_level = reg::INFO;
+  static const long default_level = reg::INFO;  ///< That of a new logger.
 
+  /// Without a folder and without a callback.
   explicit logger(const std::wstring& name = std::wstring(), long level = default_level);
+
   logger(const logger&) = delete;
   logger& operator=(const logger&) = delete;
   ~logger();
 
+  /// A name for the program's own use: it is written nowhere.
   logger& set_name(const std::wstring& name);
   /// The folder of the log files; it is not made. Empty for no files.
   logger& set_path(const ruvo::file& folder);
@@ -68,13 +87,14 @@ class KESTA_API logger {
   /// The callback, which is not owned: it must live until it is replaced and the entries on their way are
   /// through. Null for none.
   logger& set_callback(IOnLog* callback) noexcept;
+
+  /// What was set.
   std::wstring get_name() const;
   ruvo::file get_path() const;
   long get_level() const noexcept;
 
-  // These go to the callback, if there is one; none goes to the file of the day. An exception stands for its
-  // message.
-
+  /// An entry of the level that the name tells, for the callback. An exception stands for its message: that
+  /// of a ruvo::exception, the what() of another std::exception.
   void assertion(const std::wstring& first, const std::wstring& second) noexcept;
   void assertion(const std::wstring& first, const std::exception& error) noexcept;
   void assertion(const std::wstring& first, const std::exception_ptr& error) noexcept;
@@ -86,21 +106,21 @@ class KESTA_API logger {
   void debug(const std::wstring& first, const std::wstring& second) noexcept;
   void sql(const std::wstring& first, const std::wstring& second) noexcept;
   void verbose(const std::wstring& first, const std::wstring& second) noexcept;
+  /// An entry of any level, also one without a name.
   void log(long level, const std::wstring& first, const std::wstring& second) noexcept;
   /// An INFO entry with what the stopwatch shows, "12.345 ms", as its second text; gives the milliseconds.
   double time(const std::wstring& text) noexcept;
   /// Starts the stopwatch again.
   void reset_time() noexcept;
 
-  // The files of the days: UTF-8, each line ended by CRLF. Days are those of local time, as in
-  // date(times::LOCAL).
-
-  /// Appends a line, time stamp and text, to today's file when the folder exists, whatever the level. Each
+  /// Appends a line, time stamp and text, to today's file when the folder exists, whatever the level. Days
+  /// are those of local time, as in date(times::LOCAL). The files are UTF-8, each line ended by CRLF; each
   /// line is written whole, whichever threads and processes write to the file. Control characters and
   /// separators of lines in the text become spaces.
   void log(const std::wstring& text) noexcept;
   /// Brings everything to the disk and to the callback's target, and lets go of the file.
   void flush() noexcept;
+  /// The path of a day's file, whether there is one or not.
   ruvo::file file(const date& day) const;
   /// The log of a day; empty when there is none.
   std::wstring read(const date& day) const noexcept;
@@ -114,11 +134,13 @@ class KESTA_API logger {
   std::unique_ptr<state> state_;
 };
 
-/// The logger of the calling thread's application. A thread without one has a logger that drops everything.
+/// The logger of the calling thread's application. Threads without one share a logger, which drops every
+/// entry until it is given a callback.
 class KESTA_API log {
  public:
-  log() = delete;
+  log() = delete;  ///< Only static functions.
 
+  /// What logger has under the same name.
   static void assertion(const std::wstring& first, const std::wstring& second) noexcept;
   static void assertion(const std::wstring& first, const std::exception& error) noexcept;
   static void assertion(const std::wstring& first, const std::exception_ptr& error) noexcept;

@@ -11,18 +11,23 @@
 
 namespace ruvo {
 
+/// Owns a std::wstring and has its operations. A var holds it as a kind of its own; it is written to JSON and
+/// XML as a text.
 class KESTA_API memo {
  public:
+  /// The names that the standard containers use.
   using value_type = wchar_t;
   using size_type = std::wstring::size_type;
   using iterator = std::wstring::iterator;
   using const_iterator = std::wstring::const_iterator;
   using allocator_type = std::wstring::allocator_type;
 
+  /// The empty text.
   memo() noexcept;
   memo(const memo& other);
   memo(memo&& other) noexcept;
   ~memo();
+  /// Holds the text.
   memo(const std::wstring& text);
   memo(std::wstring&& text) noexcept;
   memo(const wchar_t* text);      ///< Null gives the empty text.
@@ -32,6 +37,7 @@ class KESTA_API memo {
 
   memo& operator=(const memo& other);
   memo& operator=(memo&& other) noexcept;
+  /// As the constructors.
   memo& operator=(const std::wstring& text);
   memo& operator=(std::wstring&& text) noexcept;
   memo& operator=(const wchar_t* text);
@@ -41,14 +47,16 @@ class KESTA_API memo {
 
   /// The UTF-8 bytes of the text.
   operator binary() const;
+  /// The text inside, valid until this object changes or goes.
   operator const std::wstring&() const noexcept { return text_; }
   const std::wstring& to_string() const noexcept { return text_; }
   const wchar_t* c_str() const noexcept { return text_.c_str(); }
 
+  /// By code unit, as std::wstring compares.
   bool operator==(const memo& other) const noexcept { return text_ == other.text_; }
   bool operator<(const memo& other) const noexcept { return text_ < other.text_; }
 
-  // As the operations of std::wstring.
+  /// As the operations of std::wstring.
   size_type size() const noexcept { return text_.size(); }
   size_type length() const noexcept { return text_.size(); }
   size_type capacity() const noexcept { return text_.capacity(); }
@@ -63,7 +71,7 @@ class KESTA_API memo {
   std::wstring::const_reverse_iterator crend() const noexcept { return text_.crend(); }
   allocator_type get_allocator() const noexcept { return text_.get_allocator(); }
 
-  // Every overload of the std::wstring operation, with its result.
+  /// Every overload of the std::wstring operation, with its result.
   template <class... Args>
   decltype(auto) insert(Args&&... args) {
     return text_.insert(std::forward<Args>(args)...);

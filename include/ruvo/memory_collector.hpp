@@ -14,11 +14,14 @@ namespace ruvo {
 /// May be used from any thread, also by the destructors of the objects.
 class KESTA_API memory_collector {
  public:
-  using deleter = void (*)(void*);
+  using deleter = void (*)(void*);  ///< Releases the object it is given; must not throw.
 
+  /// Keeps nothing.
   memory_collector();
+
   memory_collector(const memory_collector&) = delete;
   memory_collector& operator=(const memory_collector&) = delete;
+  /// Releases all that is kept, thread by thread in the order of their ids.
   ~memory_collector();
 
   /// Takes over an object made by `new`; null is ignored, and so is an object that is kept already, whatever
@@ -33,9 +36,10 @@ class KESTA_API memory_collector {
 
   /// Deletes the objects kept for the thread, in the order in which they came; how many there were.
   std::size_t collect(unsigned long thread_id) noexcept;
+  /// How many objects are kept for the thread.
   std::size_t size(unsigned long thread_id) const;
 
-  /// A line for each thread, "thread: objects".
+  /// A line for each thread with objects, "thread: number of objects", ended by CRLF.
   operator std::wstring() const;
 
  private:

@@ -20,16 +20,18 @@ class KESTA_API iresponse {
   iresponse& operator=(const iresponse& other) noexcept;
   virtual ~iresponse();
 
-  /// Whether the number of the status within its range is 0, whatever the range.
+  /// OK() is true when the number of the status within its range is 0, whatever the range; WRONG() when not.
   bool OK() const noexcept { return status_.OK(); }
   bool WRONG() const noexcept { return !OK(); }
 
   /// Copies code and texts; of the class of `error` nothing is kept.
   void set_exception(const exception& error) noexcept;
+  /// The status, for reading: valid as long as the answer.
   const exception& get_exception() const noexcept { return status_; }
   operator const exception&() const noexcept { return status_; }
   operator const exception*() const noexcept { return &status_; }
-  // Without these, pointers to the statuses would be compared.
+  /// Deleted, for otherwise the addresses of the statuses would be compared. The answers of the transports
+  /// have comparisons of their own.
   bool operator==(const iresponse& other) const = delete;
   void operator<=>(const iresponse& other) const = delete;
 

@@ -18,9 +18,11 @@
 
 namespace ruvo::serializer {
 
-/// Both counted from 1.
+/// A line and a column, both counted from 1.
 struct text_place {
-  std::size_t line = 1, column = 1;
+  std::size_t line = 1,  ///< Ends with CR, LF or CRLF.
+      column = 1;        ///< In characters: a surrogate pair is one.
+  /// Whether both are the same place.
   bool operator==(const text_place&) const = default;
 };
 
@@ -36,9 +38,10 @@ KESTA_API std::uint64_t failure_position(const exception& failure);
 
 /// A failure and the character at which it was found.
 struct reading_failure {
-  exception error;
-  std::uint64_t position;
-  std::size_t line, column;
+  exception error;         ///< Of the classes that the reader names, or exc::RunTime.
+  std::uint64_t position;  ///< Counted from 1, as position_of() takes it.
+  std::size_t line,        ///< As position_of() gives it.
+      column;              ///< As position_of() gives it.
 };
 
 /// Reads the text into `out` as deserialize() does, and gives the failures in the order of their positions:

@@ -55,8 +55,8 @@ class KESTA_API ireader {
  protected:
   ireader() noexcept;
 
-  bundle* store_ = nullptr;
-  std::uint64_t position_ = 0;  // characters taken so far; the first has position 1
+  bundle* store_ = nullptr;     ///< What set_store() named; null before.
+  std::uint64_t position_ = 0;  ///< Characters taken so far; the first has position 1.
 };
 
 /// Writes a bundle as text.
@@ -64,6 +64,7 @@ class KESTA_API iwriter {
  public:
   /// The text of one scalar value.
   virtual std::wstring raw_value(const xvar& value) = 0;
+  /// The text of a key; it may be changed in place, and the reference is to it.
   virtual std::wstring& raw_key(std::wstring& key) = 0;
   virtual ~iwriter();
   /// Replaces `out` by the text of `in`. True on FAILURE, which is copied into `*err` unless `err` is null.
@@ -80,12 +81,13 @@ class KESTA_API iwriter {
   /// One level deeper, when tabulated.
   /// @quirk The first push in the writer's life adds no tab.
   void push_tab();
+  /// One level back, when tabulated.
   void pop_tab() noexcept;
 
-  bool tabulated_ = false;
-  bool first_push_ = true;
-  std::wstring tab_unit_;
-  std::wstring indentation_;
+  bool tabulated_ = false;    ///< As set_tabulated() says.
+  bool first_push_ = true;    ///< Whether push_tab() has still to be called for the first time.
+  std::wstring tab_unit_;     ///< What a level adds: one tab.
+  std::wstring indentation_;  ///< What stands before a line at the current level.
 };
 
 // --- JSON writers
@@ -94,7 +96,8 @@ class KESTA_API iwriter {
 /// raw_value, raw_key or raw_bundle are asked for every value; each level then takes its part of the stack,
 /// and some hundreds of levels exhaust it. The library's own take any number.
 ///
-/// Keys are written as they stand. @quirk A key that holds a quote makes text that is not JSON.
+/// Keys are written as they stand, qualities are not written.
+/// @quirk A key that holds a quote makes text that is not JSON.
 class KESTA_API json_writer : public iwriter {
  public:
   /// A null value is written as "" when `null_as_empty` is set, else as null.
@@ -104,15 +107,22 @@ class KESTA_API json_writer : public iwriter {
   /// Numbers bare; texts, memos and all else quoted and escaped; bool as true or false; time quoted as
   /// hhmmss; date as the bare number yyyymmdd; datetime as its bare seconds with six digits; binary as quoted
   /// Base64.
+  ///
+  /// Escapes are `\"`, `\\`, `\b`, `\f`, `\n`, `\r` and `\t`; any other control character becomes a blank.
   std::wstring raw_value(const xvar& value) override;
+  /// The key as it stands.
   std::wstring& raw_key(std::wstring& key) override;
   /// A failure of the writer (a value that holds no container where one is needed) is exc::NullPointer.
+  /// @quirk When tabulated, the second text of the same writer is indented by one tab.
   bool write(std::wstring& out, const bundle& in, exception* err, int options) override;
   /// Writes the bundle that `value` holds. True when `result` now carries a failure.
   virtual bool raw_bundle(std::wostringstream& out, const xvar& value, exception& result) = 0;
 
  protected:
+  /// Writes the list that `value` holds. True when `result` now carries a failure: exc::NullPointer when it
+  /// holds none.
   bool raw_list(std::wostringstream& out, const xvar& value, exception& result);
+  /// Writes a member: key, colon and value. True when `result` now carries a failure.
   bool raw_xvar(std::wostringstream& out, std::wstring& key, const xvar& value, exception& result);
 
  private:
@@ -149,20 +159,22 @@ class KESTA_API oauth_writer : public json_ordered_writer {
 
 /// Reads JSON text; lenient in many places. The open containers are the caller's; nothing is owned.
 ///
-/// Failures: exc::jsonEmptyKey (6002) for a value under an empty key inside an object, exc::jsonUnKnowValue
-/// (6003) for a word that is not true, false or null. A number that the conversion refuses throws
-/// std::invalid_argument or std::out_of_range.
+/// Failures: exc::jsonEmptyKey (6002) for a value under an empty key in an object inside the outermost one,
+/// exc::jsonUnKnowValue (6003) for a word that begins like true, false or null and goes on otherwise. A
+/// number that the conversion refuses throws std::invalid_argument or std::out_of_range.
 ///
 /// @quirk Brackets are not matched, exponents are not read, a colon ends a key inside its quotes, of the
-/// escapes only \", \\ and \n are understood, an unknown word makes every further character an error.
+/// escapes only `\"`, `\\` and `\n` are understood, a word that fails makes every further character an error;
+/// one that begins with another letter is passed over.
 class KESTA_API json_reader : public ireader {
  public:
   json_reader();
   ~json_reader() override;
   bool on_char(wchar_t c, exception& result) override;
   /// For a text, the text with its escapes resolved.
-  /// @quirk The character behind a dropped backslash is looked at afresh, so \\n gives a line feed.
+  /// @quirk The character behind a dropped backslash is looked at afresh, so `\\n` gives a line feed.
   std::wstring raw_value(const xvar& value) override;
+  /// The key as it stands.
   std::wstring& raw_key(std::wstring& key) override;
   void reset() override;
 
@@ -214,9 +226,11 @@ class KESTA_API json_reader : public ireader {
 /// Reads and writes JSON. An object is used by one thread at a time and may be used again and again.
 class KESTA_API json : public iserializer {
  public:
-  /// In key order, one line, escaped.
+  /// Writes in key order, in one line, escaped.
   json();
-  /// Without `escaped`, texts are quoted as they stand, and the order is by key.
+  /// Writes members in key order or in the order in which the bundle got them, in one line or with a line and
+  /// tabs for each member, texts escaped or not. Without `escaped`, texts are quoted as they stand, and the
+  /// order is by key whatever `ordered` says.
   json(bool ordered, bool tabulated, bool escaped);
   ~json() override;
   json(const json&) = delete;

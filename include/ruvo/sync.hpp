@@ -53,24 +53,33 @@ class KESTA_API worker {
 
 }  // namespace detail
 
+/// Work on a thread of its own that tells of its course.
 namespace sync {
 
-/// What the owner of a piece of work is told. `on_start` comes on the thread that starts the work,
-/// `on_cancel` on the one that cancels it, the rest on the thread of the work.
+/// What the owner of a piece of work is told: derive to be told. Each call comes on the thread that does what
+/// it tells of, and the callback is not owned: it must live until the work is joined.
 template <class In, class Out>
 class async_callback {
  public:
+  /// Nothing to keep.
   async_callback();
+
   async_callback(const async_callback&);
   async_callback(async_callback&&) noexcept;
   async_callback& operator=(const async_callback&);
   async_callback& operator=(async_callback&&) noexcept;
 
+  /// Before the work begins, on the thread that starts it. What it throws leaves `start`, and nothing is run.
   virtual void on_start() = 0;
-  /// The values belong to the work and are valid during the call.
+  /// The progress, on the thread of the work. The value belongs to the work and is valid during the call.
   virtual void on_progress(Out* progress) = 0;
+  /// The result, on the thread of the work. The value belongs to the work and is valid during the call.
   virtual void on_finish(Out* result) = 0;
+  /// The work was canceled and joined, on the thread that canceled or destroyed it; cancel() tells it also
+  /// where there was nothing to join.
   virtual void on_cancel() = 0;
+  /// A failure, on the thread of the work, on that of a `cancel` that failed, or on that of a pool that could
+  /// not start the work.
   virtual void on_failure(const exception& error) = 0;
 
   virtual ~async_callback();
@@ -79,22 +88,28 @@ class async_callback {
 /// Is told when a piece of work is over.
 class KESTA_API on_round_off {
  public:
+  /// Nothing to keep.
   on_round_off();
+
   on_round_off(const on_round_off&);
   on_round_off(on_round_off&&) noexcept;
   on_round_off& operator=(const on_round_off&);
   on_round_off& operator=(on_round_off&&) noexcept;
 
-  /// On the thread of the work.
+  /// The work with this identifier is over. Comes on the thread of the work, or on the one that cancels or
+  /// destroys it.
   virtual void on_run_off(std::wstring uuid) = 0;
 
   virtual ~on_round_off();
 };
 
-/// The side that tells it. Copies share the listener, which is not owned.
+/// The side that tells it. The listener is not owned.
 class KESTA_API cautionary {
  public:
+  /// No listener.
   cautionary();
+
+  /// The other one's listener.
   cautionary(const cautionary& other);
   cautionary& operator=(const cautionary& other);
 
@@ -124,25 +139,28 @@ class KESTA_API cautionary {
 template <class In, class Progress, class Out>
 class issueable : public async_callback<In, Out>, public cautionary {
  public:
-  using callback_type = async_callback<In, Out>;
+  using callback_type = async_callback<In, Out>;  ///< Whom the work tells.
 
   /// The callback is not owned; null tells nobody. The identifier comes from the application of the calling
   /// thread.
   explicit issueable(callback_type* callback = nullptr);
+
   issueable(const issueable&) = delete;
   issueable& operator=(const issueable&) = delete;
 
-  // To the callback, unchanged.
+  /// Hands it on to the callback, if there is one.
   void on_start() override;
   void on_progress(Progress* progress) override;
   /// Tells the callback, and then in every case (also when the callback throws) the listener.
   void on_finish(Out* result) override;
+  /// Hands it on to the callback, if there is one.
   void on_cancel() override;
   void on_failure(const exception& error) override;
 
   /// The body, on the new thread. The input lives as long as the call.
   virtual void work(const In& input) = 0;
 
+  /// Cancels and joins.
   ~issueable() override;
 
   /// on_start(), then work() with a copy of the input on a new thread. Throws what on_start() throws, and
@@ -159,6 +177,7 @@ class issueable : public async_callback<In, Out>, public cautionary {
   bool is_canceled() const noexcept { return canceled_.load(); }
   /// No callback is told anything from now on, but for a call that is under way.
   void silence() noexcept { callback_.store(nullptr); }
+  /// Tells this one from now on; it is not owned.
   void set_callback(callback_type& callback) noexcept { callback_.store(&callback); }
 
   /// Waits for the thread, if there is one. Throws std::system_error: resource_deadlock_would_occur on the
@@ -167,11 +186,16 @@ class issueable : public async_callback<In, Out>, public cautionary {
   /// Lets the thread go, which must end before the object does. Throws std::system_error (invalid_argument)
   /// when it cannot.
   void detach();
+  /// Whether there is a thread that was neither joined nor detached, running or not.
   bool joinable() const { return worker_.joinable(); }
+  /// That of the thread; of none after joining or detaching it.
   std::thread::id get_id() const { return worker_.get_id(); }
+  /// The identifier, made once for the object: 32 digits as XXXXXXXX-XXXX-XXXX-XXXXXXXXXXXXXXXX.
   std::wstring get_uuid() const { return uuid_; }
 
+  /// By identifiers: an object is equal to itself only.
   bool operator==(const issueable& other) const noexcept { return uuid_ == other.uuid_; }
+  /// By identifiers, descending.
   /// @quirk Inverted on purpose: ordered containers hold tasks in descending order of their identifiers.
   bool operator<(const issueable& other) const noexcept { return other.uuid_ < uuid_; }
 

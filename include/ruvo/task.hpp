@@ -8,22 +8,29 @@
 
 #include <functional>
 
+/// The bases of tasks, and a task made of a lambda.
 namespace ruvo::task {
 
-/// The application's callbacks.
+/// Whom an `async` tells.
 using ilistener = sync::async_callback<xvar, xvar>;
+/// Whom a task::bundle tells.
 using ibunlistener = sync::async_callback<ruvo::bundle, ruvo::bundle>;
 
-/// A task over xvar: derive and supply `work`.
+/// A task over xvar: derive, supply `work`, and cancel and join in the destructor.
 class KESTA_API async : public sync::issueable<xvar, xvar, xvar> {
  public:
+  /// The listener is not owned; null tells nobody.
   explicit async(ilistener* listener = nullptr);
+
+  /// Cancels and joins.
   ~async() override;
 
  protected:
-  // For `work`. The callbacks get pointers to copies that the task keeps.
+  /// Tells the progress, also when the task is canceled. The callback gets a pointer to a copy that the task
+  /// keeps.
   void set_progress(xvar& value);
-  /// Ends the task: its result. In a pool this frees the slot; a canceled task may call it or not.
+  /// Ends the task: its result, as a copy that the task keeps. In a pool this frees the slot; a canceled task
+  /// may call it or not.
   void set_mensaje(xvar& value);
 
   /// Tells the progress unless the task is canceled; false then.
@@ -38,13 +45,16 @@ class KESTA_API async : public sync::issueable<xvar, xvar, xvar> {
 /// The same over ruvo::bundle. A pool takes only tasks over xvar.
 class KESTA_API bundle : public sync::issueable<ruvo::bundle, ruvo::bundle, ruvo::bundle> {
  public:
+  /// The listener is not owned; null tells nobody.
   explicit bundle(ibunlistener* listener = nullptr);
+
+  /// Cancels and joins.
   ~bundle() override;
 
  protected:
+  /// As those of task::async.
   void set_progress(ruvo::bundle& value);
   void set_mensaje(ruvo::bundle& value);
-
   bool advance(const ruvo::bundle& value);
   void advance_or_throw(const ruvo::bundle& value);
 
@@ -61,6 +71,7 @@ class KESTA_API steps {
   bool operator()(const xvar& progress) const;
   /// The same; throws exc::ProcessCanceled, which ends the body and reaches `failure`.
   void advance(const xvar& progress) const;
+  /// Whether the body should end, for bodies that tell no progress.
   bool canceled() const noexcept;
 
  private:
@@ -72,10 +83,10 @@ class KESTA_API steps {
 
 /// Whom a `call` tells; each may be empty. All but `cancel` are called on the thread of the task.
 struct handlers {
-  std::function<void(const xvar& result)> finish{};
-  std::function<void(const exception& error)> failure{};
-  std::function<void(const xvar& progress)> progress{};
-  std::function<void()> cancel{};
+  std::function<void(const xvar& result)> finish{};       ///< The body gave this.
+  std::function<void(const exception& error)> failure{};  ///< The body threw, or never began.
+  std::function<void(const xvar& progress)> progress{};   ///< The body told this.
+  std::function<void()> cancel{};                         ///< On the thread that cancels, after the end.
 };
 
 /// A task made of a lambda, which takes the input and gives the result:
@@ -91,14 +102,19 @@ struct handlers {
 /// it and fails with exc::ProcessCanceled. However it ends, its slot in a pool is free afterwards.
 ///
 /// silence() silences the handlers, set_callback() takes their place. The destructor cancels and joins: any
-/// part of the process that the handlers use must outlive the task.
+/// part of the process that the body and the handlers use must outlive the task.
 class KESTA_API call final : public async {
  public:
+  /// What runs on the new thread; the result is what it gives.
   using body = std::function<xvar(const xvar& input, steps tell)>;
 
+  /// Keeps both; start() runs the body, each time anew.
   explicit call(body work, handlers whom = {});
+
+  /// Cancels and joins.
   ~call() override;
 
+  /// Runs the body and tells of its end.
   void work(const xvar& input) override;
 
  private:

@@ -2,21 +2,25 @@
 
 // The two selectors of the calendar values.
 
+/// The selectors of the calendar values, and what lies between two times of day.
 namespace ruvo::times {
 
 /// How seconds are broken down into calendar fields: LOCAL by the machine's zone, anything else in UTC.
-enum HUSO : int { GMT = 0, LOCAL = 1 };
+enum HUSO : int {
+  GMT = 0,    ///< UTC
+  LOCAL = 1,  ///< the machine's zone, with its daylight saving time
+};
 
 /// A calendar field. Any other number names no field, and is taken as such.
 enum UNITS : int {
-  SECONDS = 1,
-  MINUTES = 2,
-  HOURS = 3,
-  DAYS = 4,      ///< day of the month
+  SECONDS = 1,   ///< 0-59
+  MINUTES = 2,   ///< 0-59
+  HOURS = 3,     ///< 0-23
+  DAYS = 4,      ///< day of the month, 1-31
   MONTHS = 5,    ///< 1-12
   YEARS = 6,     ///< the full year
   WEEK_DAY = 7,  ///< 0 = Sunday
-  YEAR_DAY = 8,  ///< from 0
+  YEAR_DAY = 8,  ///< day of the year, from 0
 };
 
 }  // namespace ruvo::times

@@ -55,6 +55,7 @@ enum class kind : unsigned char {
 /// null. Objects carry no lock; several threads may read one at the same time.
 class KESTA_API var {
  public:
+  /// Holds nothing.
   var() noexcept = default;
   var(const var& other) {
     if (other.data_.kind <= detail::kind::last_inside) {
@@ -66,6 +67,7 @@ class KESTA_API var {
   var(var&& other) noexcept : data_(other.data_) { other.data_.kind = detail::kind::null; }
   virtual ~var() { release(); }
 
+  /// Holds the value, in the kind that is its type. Texts are one kind, whichever constructor made them.
   var(bool value) noexcept { set(detail::kind::boolean, widen(value)); }
   var(wchar_t value) noexcept { set(detail::kind::wide_char, widen(value)); }
   var(short value) noexcept { set(detail::kind::short_, widen(value)); }
@@ -90,6 +92,7 @@ class KESTA_API var {
 
   var& operator=(const var& other);
   var& operator=(var&& other) noexcept;
+  /// As the constructor: the kind that was held before does not matter.
   const var& operator=(bool value) noexcept { return reset(detail::kind::boolean, value); }
   const var& operator=(wchar_t value) noexcept { return reset(detail::kind::wide_char, value); }
   const var& operator=(short value) noexcept { return reset(detail::kind::short_, value); }
@@ -118,8 +121,11 @@ class KESTA_API var {
     data_.kind = detail::kind::null;
   }
 
+  /// Whether the cell holds nothing. A text without characters is something.
   bool is_null() const noexcept { return data_.kind == detail::kind::null; }
+  /// Whether the cell holds a value of any kind.
   bool is_not_null() const noexcept { return !is_null(); }
+  /// As is_null(): `!v` does not ask for a value that is false or 0.
   bool operator!() const noexcept { return is_null(); }
 
   /// The type of the held value (`std::wstring` for every text); null for a null cell.
@@ -129,23 +135,30 @@ class KESTA_API var {
   /// Whether the held type has the name of `type`; false for a null cell.
   bool instanceof (const std::type_info& type) const noexcept;
 
-  /// Whether the cell is null or its text is empty.
+  /// Whether the cell is null or its text is empty. False for lists and bundles, also for those without
+  /// elements.
   bool empty() const;
 
+  /// Bool, the numbers and text.
   /// @quirk `short` and `wchar_t` are not primitive although `unsigned short` is; callers rely on the sets.
   bool is_primitive() const noexcept;
+  /// Integers, float and double; neither bool nor wchar_t.
   bool is_number() const noexcept;
+  /// The kinds from `short` to `unsigned long long`.
   bool is_integer() const noexcept;
+  /// Float and double.
   bool is_decimal() const noexcept;
   /// Text, binary and memo.
   bool is_charsquence() const noexcept;
   /// Date, time and datetime.
   bool is_lapse() const noexcept;
 
-  /// Whether the text, without blanks at its ends, is [+-]digits[.[digits]]. False for a null cell.
+  /// Whether the text, without blanks at its ends, is `[+-]digits[.[digits]]`. True for bool and integers,
+  /// for float and double unless they are infinite or no number; false for a null cell, dates, times, lists
+  /// and bundles.
   bool can_be_number() const;
-  /// Whether the text, without blanks and case, is one of true, 1, si, verdadero, correcto, false, 0, no,
-  /// falso, incorrecto.
+  /// Whether the text, without blanks at its ends and without regard to case, is one of true, 1, si,
+  /// verdadero, correcto, false, 0, no, falso, incorrecto. False for a null cell, lists and bundles.
   bool can_be_boolean() const;
 
   /// The value as text in the classic locale: integers in base ten, float and double with six digits after
@@ -153,12 +166,13 @@ class KESTA_API var {
   /// Empty for a null cell.
   std::wstring to_string() const;
 
-  /// Conversions. Each throws an empty std::exception_ptr (by value) when the cell is null, and std::bad_cast
-  /// when the kind does not convert.
+  // Conversions. A null cell throws in each of them, so that a missing value is never taken for 0.
+
+  /// From bool, wchar_t (its code, also for a digit), the numbers, date (20240229), time (123456) and text.
+  /// Fractions are cut off, then the bits above the width; doubles stop at the ends of 64 bits, and what is
+  /// no number gives 0. Text gives 0 unless can_be_number(), and throws std::out_of_range beyond 64 bits.
   ///
-  /// To an integer: numbers are truncated and cut to the width (doubles saturate at 64 bits); dates and times
-  /// give their number (20240229, 123456); text gives 0 unless can_be_number(), and throws std::out_of_range
-  /// beyond 64 bits.
+  /// A null cell throws an empty std::exception_ptr (by value), any other kind std::bad_cast.
   operator short() const;
   operator unsigned short() const;
   operator int() const;
@@ -167,26 +181,40 @@ class KESTA_API var {
   operator unsigned long() const;
   operator long long() const;
   operator unsigned long long() const;
+  /// From bool, the numbers, date and time (as to an integer), datetime (its seconds since 1970) and text: 0
+  /// unless can_be_number(). What is beyond a float becomes infinite.
+  ///
+  /// A null cell throws an empty std::exception_ptr (by value), any other kind std::bad_cast.
   operator float() const;
   operator double() const;
-  /// From bool, from the integers 0 and 1, and from the words of can_be_boolean().
+  /// From bool, from the integers 0 and 1, and from the words of can_be_boolean(). All else throws
+  /// std::bad_cast, a null cell an empty std::exception_ptr (by value).
   /// @quirk The empty text is false here although can_be_boolean() denies it.
   operator bool() const;
-  /// From wchar_t and from text (its first unit, 0 when empty).
+  /// From wchar_t and from text (its first unit, 0 when empty). All else throws std::bad_cast, a null cell an
+  /// empty std::exception_ptr (by value).
   operator wchar_t() const;
+  /// to_string(), from every kind. A null cell throws an empty std::exception_ptr (by value).
   operator std::wstring() const;
-  /// From text its UTF-8 bytes.
+  /// From binary, and from every other kind the UTF-8 bytes of its to_string(). A null cell throws an empty
+  /// std::exception_ptr (by value).
   operator binary() const;
+  /// From memo, and from every other kind its to_string(). A null cell throws an empty std::exception_ptr (by
+  /// value).
   operator memo() const;
   /// From dates, datetimes, integers (yyyymmdd) and text (a number, or "dd-mm-yyyy"). A text that is neither
-  /// throws what the date's own parser throws.
+  /// throws what the date's own parser throws; all else throws std::bad_cast, a null cell an empty
+  /// std::exception_ptr (by value).
   operator date() const;
-  /// From times, datetimes, integers (hhmmss) and text (a number, or "hh:mm:ss").
+  /// From times, datetimes, integers (hhmmss) and text (a number, or "hh:mm:ss"); throws as the conversion to
+  /// date does.
   operator time() const;
-  /// From datetimes, integers (seconds since 1970) and text (a number, or "dd-mm-yyyy hh:mm:ss").
+  /// From datetimes, integers (seconds since 1970) and text (a number, or "dd-mm-yyyy hh:mm:ss"); throws as
+  /// the conversion to date does.
   operator datetime() const;
 
-  /// Whether both hold the same type and their texts are equal; two null cells are equal.
+  /// Whether both hold the same type and their texts are equal; two null cells are equal. Decimals are
+  /// compared as they print, with six digits.
   bool operator==(const var& other) const {
     if (data_.kind >= detail::kind::boolean && data_.kind <= detail::kind::uxlong)
       return data_.kind == other.data_.kind && integer() == other.integer();

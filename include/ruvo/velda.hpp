@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+/// Days kept as a number of days.
 namespace ruvo::velda {
 
 /// A day as a continuous count of days: 2460370 is 29 February 2024. The fields are reckoned from the number
@@ -23,11 +24,13 @@ class KESTA_API date : public ruvo::date {
  public:
   /// Today.
   date(times::HUSO huso = huso_horario);
+  /// From a number yyyymmdd.
   date(long yyyymmdd, times::HUSO huso = huso_horario);
   template <std::integral T>
   date(T yyyymmdd, times::HUSO huso = huso_horario) : date(static_cast<long>(yyyymmdd), huso) {}
+  /// From fields, as set().
   date(long year, long month, long day, times::HUSO huso = huso_horario);
-  /// From text, as parse(). Narrow text is UTF-8.
+  /// From text that fits the format, as parse(). Narrow text is UTF-8. Throws exc::CalendarException.
   date(const char* text, times::HUSO huso = huso_horario, const std::string& format = canonical);
   date(const wchar_t* text, times::HUSO huso = huso_horario, const std::string& format = canonical);
   date(const std::string& text, times::HUSO huso = huso_horario, const std::string& format = canonical);
@@ -37,7 +40,8 @@ class KESTA_API date : public ruvo::date {
   date(const date& other);
   ~date() override;
   date& operator=(const date& other);
-  /// The day and the mode.
+
+  /// The day and the mode of the value.
   date& operator=(const ruvo::date& day);
   date& operator=(const datetime& instant);
   /// The conversion of a var.
@@ -45,24 +49,27 @@ class KESTA_API date : public ruvo::date {
   date& operator=(const V& value) {
     return *this = value.operator ruvo::date();
   }
-  /// The day; the mode stays. Text is in the canonical format.
+  /// From a number yyyymmdd; the mode stays.
   date& operator=(long yyyymmdd);
   template <std::integral T>
   date& operator=(T yyyymmdd) {
     return *this = static_cast<long>(yyyymmdd);
   }
+  /// From text in the canonical format; the mode stays. Narrow text is UTF-8. Throws exc::CalendarException.
   date& operator=(const char* text);
   date& operator=(const wchar_t* text);
   date& operator=(const std::string& text);
   date& operator=(const std::wstring& text);
 
+  /// The count of days: the Julian day number at noon of the day, from 2000-03-01 to 2100-02-28.
   int get_day_number() const noexcept { return number_; }
-  /// The instant becomes that of the day that the number reads as.
+  /// Sets the number; the instant becomes that of the day that it reads as.
   date& set_day_number(int number);
 
   /// Sets the number, and gives it. Days and months beyond their range are absorbed (32 January is 1
   /// February); the number saturates.
   int set(int year, int month, int day);
+  /// The fields that the number reads as.
   void get(int& year, int& month, int& day) const;
 
   /// DAYS, MONTHS, YEARS, WEEK_DAY and YEAR_DAY are those of the number; the others are of the instant.
@@ -73,15 +80,17 @@ class KESTA_API date : public ruvo::date {
   /// @quirk False always. Other units move nothing, but the day is read and set all the same.
   bool add(int n, times::UNITS unit, exception* err = nullptr) override;
 
+  /// Replace a field, as set().
   date& set_day(int day);
   date& set_month(int month);
   date& set_year(int year);
   /// The number of days of the month that the number reads as.
   int get_month_days() const;
-  /// The last day of the month, set as such.
+  /// The last day of the month, set as such, in the default mode.
   static date get_last_day(long year, long month);
 
  protected:
+  /// As ruvo::date::read(); the number becomes that of the day.
   void read(std::wstring_view text, std::wstring_view format, const std::string& locale) override;
 
  private:
@@ -91,6 +100,7 @@ class KESTA_API date : public ruvo::date {
   int number_ = 0;
 };
 
+/// What lies between two such days, and the ends of the year, month and week around one.
 namespace dates {
 
 /// The days from `from` to `to`.

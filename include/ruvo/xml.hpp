@@ -36,9 +36,12 @@ class KESTA_API xml_writer : public iwriter {
   ~xml_writer() override;
 
   /// Texts, memos and binaries without the blanks at their ends, escaped; all else as it prints.
-  /// @quirk & becomes "&&amp;" and the quotation mark "&qout;", which only this library's reader understands.
+  /// @quirk `&` becomes `&&amp;` and the quotation mark `&qout;`, which only this library's reader
+  /// understands.
   std::wstring raw_value(const xvar& value) override;
+  /// The key as it stands.
   std::wstring& raw_key(std::wstring& key) override;
+  /// Never fails.
   /// @quirk When tabulated, the second text of the same writer is indented by one tab.
   bool write(std::wstring& out, const bundle& in, exception* err, int options) override;
   /// Writes an element for each member. True when `result` now carries a failure.
@@ -50,9 +53,11 @@ class KESTA_API xml_writer : public iwriter {
   /// so that what is written that way is not read back.
   void create_open_tag(std::wostringstream& out, const std::wstring& name,
                        const xvar::qualities_map& qualities);
+  /// The closing tag; when tabulated, a line feed behind it.
   void create_close_tag(std::wostringstream& out, const std::wstring& name);
   /// The text as an attribute holds it.
   std::wstring raw_attribute(std::wstring text);
+  /// Writes the elements of the list. True when `result` now carries a failure.
   /// @quirk A bundle in the list is written without an element of its own, its qualities are lost; any other
   /// value becomes an element "item".
   bool raw_list(std::wostringstream& out, const list& in, exception& result);
@@ -84,11 +89,11 @@ class KESTA_API xml_unordered_writer : public xml_writer {
 /// read, exc::xmlEmptyKey (7003) for an element whose name raw_key() makes empty, exc::xmlFalseKnot (7004)
 /// for an element inside a start tag that was not ended. Whatever else is malformed is passed over.
 ///
-/// @quirk Inside a tag a blank must be followed by a whole attribute: <a />, <a > and </a > swallow what
-/// comes after them. Comments, CDATA sections and declarations end at the first "-->", "]]>" or ">", and a
-/// "[" makes a comment a CDATA section. The content of CDATA sections is dropped. Attributes are taken as
-/// they stand, without their backslashes. Of the entities only &lt; &gt; &apos; and the writer's own &qout;
-/// and &&amp; are understood.
+/// @quirk Inside a tag a blank must be followed by a whole attribute: `<a />`, `<a >` and `</a >` swallow
+/// what comes after them. Comments, CDATA sections and declarations end at the first `-->`, `]]>` or `>`, and
+/// a `[` makes a comment a CDATA section. The content of CDATA sections is dropped. Attributes are taken as
+/// they stand, without their backslashes. Of the entities only `&lt;`, `&gt;`, `&apos;` and the writer's own
+/// `&qout;` and `&&amp;` are understood.
 class KESTA_API xml_reader : public ireader {
  public:
   xml_reader();
@@ -96,6 +101,7 @@ class KESTA_API xml_reader : public ireader {
   bool on_char(wchar_t c, exception& result) override;
   /// For a text, the text without the blanks at its ends and with its entities resolved.
   std::wstring raw_value(const xvar& value) override;
+  /// The key as it stands.
   std::wstring& raw_key(std::wstring& key) override;
   void reset() override;
 
@@ -175,6 +181,8 @@ class KESTA_API xml_reader : public ireader {
 /// Reads and writes XML. An object is used by one thread at a time and may be used again and again.
 class KESTA_API xml : public iserializer {
  public:
+  /// Writes members in key order or in the order in which the bundle got them, in one line or with a line and
+  /// tabs for each element.
   xml(bool ordered, bool tabulated);
   ~xml() override;
   xml(const xml&) = delete;

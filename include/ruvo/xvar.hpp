@@ -22,6 +22,7 @@ concept converts_to_xvar = requires(T&& value) {
 
 /// Orders keys without regard to the case of A-Z, by code unit.
 struct KESTA_API keylowercase {
+  /// Whether `a` comes before `b`.
   bool operator()(const std::wstring& a, const std::wstring& b) const noexcept;
 };
 
@@ -31,22 +32,26 @@ struct KESTA_API keylowercase {
 /// Keys ignore the case of A-Z and keep the spelling first inserted. Narrow keys are UTF-8.
 class KESTA_API xvar : public var {
  public:
+  /// The qualities, in the order of their keys, and the names that the standard containers use.
   using qualities_map = std::map<std::wstring, var, keylowercase>;
   using iterator = qualities_map::iterator;
   using const_iterator = qualities_map::const_iterator;
   using size_type = qualities_map::size_type;
 
+  /// Holds nothing, without qualities.
   xvar() noexcept = default;
   xvar(const xvar& other);
   xvar(xvar&& other) noexcept : var(static_cast<var&&>(other)), qualities_(other.qualities_) {
     other.qualities_ = nullptr;
   }
+  /// The value, without qualities.
   xvar(const var& value) : var(value) {}
   xvar(var&& value) noexcept : var(std::move(value)) {}
   ~xvar() override {
     if (qualities_) drop_qualities();
   }
 
+  /// Holds the value as a var does, without qualities.
   xvar(bool value) noexcept : var(value) {}
   xvar(wchar_t value) noexcept : var(value) {}
   xvar(short value) noexcept : var(value) {}
@@ -103,6 +108,7 @@ class KESTA_API xvar : public var {
   const xvar& operator=(const wchar_t* value) { return assign(value); }
   const xvar& operator=(const std::string& value) { return assign(value); }
   const xvar& operator=(const char* value) { return assign(value); }
+  /// From a class that converts to xvar: replaces the value and merges the qualities.
   template <detail::converts_to_xvar T>
   xvar& operator=(T&& value) {
     return *this = static_cast<T&&>(value).operator xvar();
@@ -121,10 +127,13 @@ class KESTA_API xvar : public var {
   const var& get_quality(const std::wstring& key) const;
   const var& get_quality(const std::string& key) const;
 
+  /// Whether there is a quality with the key.
   bool has_quality(const std::wstring& key) const;
   bool has_quality(const std::string& key) const;
+  /// The number of qualities with the key, 0 or 1.
   size_type count(const std::wstring& key) const;
   size_type count(const std::string& key) const;
+  /// The quality with the key, or end().
   iterator find(const std::wstring& key);
   iterator find(const std::string& key);
   const_iterator find(const std::wstring& key) const;
@@ -132,14 +141,18 @@ class KESTA_API xvar : public var {
   /// The number of qualities removed, 0 or 1.
   size_type erase(const std::wstring& key);
   size_type erase(const std::string& key);
+  /// As erase(), without a result.
   void quality_remove(const std::wstring& key);
   void quality_remove(const std::string& key);
 
+  /// Assigns the qualities to this object's; those that `qualities` lacks stay.
   void add_qualities(const qualities_map& qualities);
+  /// All qualities; a shared empty map when there are none.
   const qualities_map& get_qualities() const noexcept;
   /// The map for writing; made on first use.
   qualities_map& hack_qualities();
 
+  /// The qualities in the order of their keys.
   iterator begin() noexcept;
   iterator end() noexcept;
   const_iterator begin() const noexcept { return get_qualities().begin(); }
@@ -147,12 +160,19 @@ class KESTA_API xvar : public var {
   const_iterator cbegin() const noexcept { return begin(); }
   const_iterator cend() const noexcept { return end(); }
 
-  /// @quirk size(), empty() and clear() speak of the qualities, not of the value (use var::clear for that).
+  /// The number of qualities.
+  /// @quirk size(), empty() and clear() speak of the qualities, not of the value (use var::empty and
+  /// var::clear for that).
   size_type size() const noexcept { return get_qualities().size(); }
+  /// The number of qualities.
   size_type qualities_size() const noexcept { return size(); }
+  /// How many qualities an implementation of std::map can hold.
   size_type max_size() const noexcept { return get_qualities().max_size(); }
+  /// Whether there are no qualities.
   bool empty() const noexcept { return size() == 0; }
+  /// Whether there are qualities.
   bool is_qualified() const noexcept { return !empty(); }
+  /// Removes all qualities; the value stays.
   void clear() noexcept;
   void clear_qualities() noexcept { clear(); }
 

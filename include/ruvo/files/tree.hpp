@@ -14,13 +14,14 @@
 
 namespace ruvo {
 
-// The entries that filters and callbacks are given answer is_directory(), is_file() and size() from what the
-// listing found, without asking the system again. "." and ".." are no entries. Symbolic links, junctions and
-// mounted volumes are entries that are never followed.
-
 /// Decides which entries are worked on. A folder that is refused is left out with all that it holds.
+///
+/// The entries that filters and callbacks are given answer is_directory(), is_file() and size() from what the
+/// listing found, without asking the system again. "." and ".." are no entries. Symbolic links, junctions and
+/// mounted volumes are entries that are never followed.
 class KESTA_API fileFilter {
  public:
+  /// A filter that takes all.
   fileFilter();
   fileFilter(const fileFilter& other);
   fileFilter(fileFilter&& other) noexcept;
@@ -35,6 +36,7 @@ class KESTA_API fileFilter {
 /// Is told of the entries. What it throws ends the operation and comes to the caller, without onFinish().
 class KESTA_API fileCallback {
  public:
+  /// A callback that was not asked to stop.
   fileCallback();
   virtual ~fileCallback();
 
@@ -58,13 +60,13 @@ class KESTA_API fileCallback {
 
 namespace files {
 
-// Operations. False on failure, with the first failure copied to `err`; a success leaves `err` as it was.
-// Filters, callbacks and lists given as pointers may be null. Where nothing else is said the order is the
-// system's.
+// Operations. Filters, callbacks and lists given as pointers may be null.
 
-/// Lists the entries of a folder, but not those of the folders in it: the `directory_list` service of the
-/// thread's context. Each is appended to `out`. Failures: exc::fileNotFound, and exc::fileInvalidFolder for
-/// what is no folder or cannot be listed.
+/// Lists the entries of a folder, but not those of the folders in it, in the order of the system: the
+/// `directory_list` service of the thread's context. Each is appended to `out`.
+///
+/// False on failure, with the first failure copied to `err`; a success leaves `err` as it was. Failures:
+/// exc::fileNotFound, and exc::fileInvalidFolder for what is no folder or cannot be listed.
 KESTA_API bool directory_list(const file& folder, exception& err, fileFilter* filter, fileCallback* callback,
                               std::vector<file>* out);
 KESTA_API bool directory_list(const file& folder, exception& err, fileCallback& callback);
@@ -76,7 +78,8 @@ KESTA_API bool directory_list(const file& folder, exception& err, std::vector<fi
 /// Files that stand there are replaced, and other entries stay. The callback and `out` get the entries of
 /// `from` that were copied.
 ///
-/// Failures: those of copy_file() and directory_list(), exc::fileUnCreateFolder for a folder, and when `to`
+/// False on failure, with the first failure copied to `err`. Failures: those of copy_file() and
+/// directory_list(), exc::fileUnCreateFolder for a folder, and when `to`
 /// is `from` or lies in it; exc::fileExpectedFolder and exc::fileExpectedFile where an entry of the other
 /// kind stands; exc::fileOsStream for a link, which is not copied.
 KESTA_API bool copy_folder(const file& from, file to, exception& err, fileFilter* filter = nullptr,
@@ -91,25 +94,25 @@ KESTA_API bool copy_folder(const file& from, file to, exception& err, std::vecto
 /// Whether each entry below `from` has one of the same kind, and for files of the same size, at the same
 /// place below `to`. Contents are not compared, and what else is below `to` does not matter. Each difference
 /// is a failure that names the path below `to`: exc::fileNotFound, exc::fileExpectedFolder,
-/// exc::fileExpectedFile, exc::fileStrageFileSize.
+/// exc::fileExpectedFile, exc::fileStrageFileSize. The callback is told of every one, and `err` gets the
+/// first.
 KESTA_API bool verify(const file& from, file to, exception& err, fileCallback& callback,
                       fileFilter* filter = nullptr);
 
 /// Erases a file, or a folder with all that is in it, also what is marked as read-only; of links, the link.
 /// Files come first, as they are read, then the folders from the innermost outwards, `path` last. The filter
 /// is not asked about `path`. A folder that holds something that was refused, or failed, stays and is no
-/// failure of its own. Failures: exc::fileNotFound, exc::fileUnDeleted and those of directory_list().
+/// failure of its own. False on failure, with the first failure copied to `err`: exc::fileNotFound,
+/// exc::fileUnDeleted and those of directory_list().
 KESTA_API bool erase(file path, exception& err, fileFilter* filter = nullptr,
                      fileCallback* callback = nullptr);
 KESTA_API bool erase(file path, exception& err, fileCallback& callback);
 KESTA_API bool erase(file path, exception& err, fileFilter& filter, fileCallback& callback);
 KESTA_API bool erase(file path, exception& err, fileFilter& filter);
 
-// The callbacks that do the work, to be given to directory_list() and to be put one behind the other. They
-// keep references to what they are made from.
-
-/// What they share: what they are told is passed on to another callback, which may be null, and when that one
-/// asks to stop, so do they.
+/// What the callbacks share that do the work, to be given to directory_list() and to be put one behind the
+/// other: what they are told is passed on to another callback, which may be null, and when that one asks to
+/// stop, so do they. They keep references to the callbacks, filters and lists that they are made from.
 class KESTA_API RelayCallBack : public fileCallback {
  public:
   ~RelayCallBack() override;
@@ -124,6 +127,7 @@ class KESTA_API RelayCallBack : public fileCallback {
   const exception& get_failure() const noexcept { return failure_; }
 
  protected:
+  /// Passes on to `to`.
   explicit RelayCallBack(fileCallback* to);
   /// Whether it has to stop.
   bool stops() noexcept;
@@ -138,6 +142,7 @@ class KESTA_API RelayCallBack : public fileCallback {
 /// Entries that its filter refuses are neither collected nor passed on.
 class KESTA_API RecursiveCallBack : public RelayCallBack {
  public:
+  /// Collects in `out`, asks `filter` and passes on to `to`, where they are given; pointers may be null.
   explicit RecursiveCallBack(std::vector<file>& out);
   RecursiveCallBack(std::vector<file>& out, fileFilter& filter);
   explicit RecursiveCallBack(fileCallback& to);
@@ -165,9 +170,10 @@ class KESTA_API RecursiveCallBack : public RelayCallBack {
 };
 
 /// Copies each entry below `source` to the same place below `target`; of a folder, the folder alone. What was
-/// copied is collected and passed on.
+/// copied is collected and passed on. An entry that is not below `source` is a failure (exc::BadArgument).
 class KESTA_API CopyFolderCallBack : public RelayCallBack {
  public:
+  /// Collects in `out`, asks `filter` and passes on to `to`, where they are given; pointers may be null.
   CopyFolderCallBack(const file& source, const file& target, std::vector<file>& out);
   CopyFolderCallBack(const file& source, const file& target, std::vector<file>& out, fileFilter& filter);
   CopyFolderCallBack(const file& source, const file& target, fileCallback& to);
@@ -179,6 +185,7 @@ class KESTA_API CopyFolderCallBack : public RelayCallBack {
   void onRead(const file& entry) override;
   /// Makes the target if nothing was copied, so that an empty folder is copied too.
   void onFinish() override;
+
   void onFailure(const exception& error) override;
 
  private:
@@ -192,9 +199,10 @@ class KESTA_API CopyFolderCallBack : public RelayCallBack {
 };
 
 /// Compares each entry below `source` with what is at the same place below `target`; those that agree are
-/// passed on, the others are failures.
+/// passed on, the others are failures, and so is an entry that is not below `source` (exc::BadArgument).
 class KESTA_API VerifyFolderCallBack : public RelayCallBack {
  public:
+  /// Passes on to `to`.
   VerifyFolderCallBack(const file& source, const file& target, fileCallback& to);
   ~VerifyFolderCallBack() override;
 
@@ -212,6 +220,7 @@ class KESTA_API VerifyFolderCallBack : public RelayCallBack {
 /// reverse order. What was erased is passed on.
 class KESTA_API DeleteCallBack : public RelayCallBack {
  public:
+  /// Passes on to `to`, which may be null.
   explicit DeleteCallBack(fileCallback& to);
   explicit DeleteCallBack(fileCallback* to);
   ~DeleteCallBack() override;

@@ -8,49 +8,53 @@
 
 #include <string>
 
+/// Operations on whole files and on folders with all that is in them.
+///
+/// Failures of whole files: exc::fileNotFound for a missing path, exc::fileExpectedFile where a folder
+/// stands, exc::fileOsStream when the system refuses to read or write the file, exc::fileStrageFileSize when
+/// another size was read or copied than the file has; where the content is too much for memory, the former in
+/// writing and the latter in reading. The forms with an exception copy the failure to it and give false, the
+/// others throw; a success leaves it as it was.
 namespace ruvo::files {
 
-// Failures: exc::fileNotFound for a missing path, exc::fileExpectedFile where a folder stands,
-// exc::fileOsStream when the system refuses to read or write the file, exc::fileStrageFileSize when another
-// size was read or copied than the file has; where the content is too much for memory, the former in writing
-// and the latter in reading. The forms with an exception copy the failure to it and give
-// false, the others throw; a success leaves it as it was.
+// Reading
 
-// Reading. What `out` held is replaced, and kept on failure.
-
-/// Text: UTF-8, or UTF-16 little-endian behind the bytes FF FE. Either's byte order mark is no part of the
-/// text. Malformed UTF-8 becomes U+FFFD; of UTF-16 all units are kept, but no odd last byte.
+/// Reads a text: UTF-8, or UTF-16 little-endian behind the bytes FF FE. Either's byte order mark is no part
+/// of the text. Malformed UTF-8 becomes U+FFFD; of UTF-16 all units are kept, but no odd last byte. What
+/// `out` held is replaced, and kept on failure.
 KESTA_API bool read(std::wstring& out, const file& path, exception& err);
 KESTA_API bool read(memo& out, const file& path, exception& err);
-/// The bytes as they are.
+/// Reads the bytes as they are. What `out` held is replaced, and kept on failure.
 KESTA_API bool read(std::string& out, const file& path, exception& err);
 KESTA_API bool read(binary& out, const file& path, exception& err);
+/// The bytes as they are. Throws the failures of whole files.
 KESTA_API binary read(const file& path);
 
-// Writing: wide text as UTF-8 without a byte order mark (lone surrogates become U+FFFD), bytes as they are.
-//
-// The content goes to a new file in the same folder, which takes the name when all of it is on the disk. So
-// whatever fails, at any time, the name stands for the old content or the new one, whole. A file that is
-// replaced passes on whether it is hidden, a system file or not indexed; rights are those of its folder, and
-// a link is replaced, not followed. Read-only files are not replaced, nor files that are open, even in this
-// process; for these to be closed some 30 milliseconds are waited.
-//
-// A file that exists is replaced if `overwrite` is true. Otherwise it stays, and the content goes to the name
-// that autorename() derives. What is handed back is the file really written; `written` may be null and is
-// left as it was on failure.
+// Writing
 
+/// Writes a text as UTF-8 without a byte order mark (lone surrogates become U+FFFD), and bytes as they are.
+///
+/// The content goes to a new file in the same folder, which takes the name when all of it is on the disk. So
+/// whatever fails, at any time, the name stands for the old content or the new one, whole. A file that is
+/// replaced passes on whether it is hidden, a system file or not indexed; rights are those of its folder, and
+/// a link is replaced, not followed. Read-only files are not replaced, nor files that are open, even in this
+/// process; for these to be closed some 30 milliseconds are waited.
+///
+/// A file that exists is replaced if `overwrite` is true. Otherwise it stays, and the content goes to the
+/// name that autorename() derives. `*written`, if given, becomes the file really written; on failure it stays
+/// as it was.
 KESTA_API bool write(const std::wstring& content, const file& path, exception& err, file* written = nullptr,
                      bool overwrite = true);
 KESTA_API bool write(const memo& content, const file& path, exception& err, file* written = nullptr,
                      bool overwrite = true);
 KESTA_API bool write(const binary& content, const file& path, exception& err, file* written = nullptr,
                      bool overwrite = true);
+/// Writes in the same way, gives the file really written and throws the failures of whole files.
 KESTA_API file write(const std::wstring& content, const file& path, bool overwrite = true);
 KESTA_API file write(const memo& content, const file& path, bool overwrite = true);
 KESTA_API file write(const binary& content, const file& path, bool overwrite = true);
 
-// Literals, for which all of the above would serve: as wide text.
-
+/// A literal, for which all of the forms would serve, is written as wide text.
 inline bool write(const wchar_t* content, const file& path, exception& err, file* written = nullptr,
                   bool overwrite = true) {
   return write(std::wstring(content), path, err, written, overwrite);
@@ -61,7 +65,7 @@ inline file write(const wchar_t* content, const file& path, bool overwrite = tru
 
 /// Copies a file with its attributes and its time of modification. A file at `to` is replaced in one step, as
 /// by write(), but without waiting until the content is on the disk. If `to` is a folder, the copy goes into
-/// it under the same name. Gives the file written.
+/// it under the same name. Gives the file written. Throws the failures of whole files.
 KESTA_API file copy_file(const file& from, file to);
 
 /// Whether somebody, this process counted, has the file open; false for folders and missing files.

@@ -19,12 +19,13 @@ namespace ruvo::smtp {
 /// throws changes nothing.
 class KESTA_API address {
  public:
-  address();
+  address();  ///< Empty.
+  /// The bare mail ("ana@example.es"), and a name that may be empty.
   address(const std::wstring& name, const std::wstring& mail);
   address(const address& other);
   address(address&& other) noexcept;
   virtual ~address();
-  /// As the assignments, over an empty address.
+  /// As the assignments, over an empty address. A list of pairs is such a bundle.
   address(const bundle& fields);
   address(std::initializer_list<std::pair<std::wstring, xvar>> fields);
   template <std::derived_from<var> V>
@@ -44,8 +45,10 @@ class KESTA_API address {
     return take(value);
   }
 
+  /// Plain copies; check() tells whether the mail is one.
   address& set_name(const std::wstring& name);
   address& set_mail(const std::wstring& mail);
+  /// What was set; valid until this address is changed, moved from or destroyed.
   const std::wstring& get_name() const noexcept { return name_; }
   const std::wstring& get_mail() const noexcept { return mail_; }
 
@@ -60,9 +63,9 @@ class KESTA_API address {
   const wchar_t* c_str() const noexcept { return text_.c_str(); }
   /// The mail address from its first '@' on, with it; empty without one.
   std::wstring get_domain() const;
-  /// The same for a mail header, RFC 2047: the name, ASCII too, as "=?iso-8859-1?Q?...?=", or in UTF-8 when
-  /// it holds characters beyond Latin-1; in several words when it is long, each of at most 75 characters,
-  /// joined by CRLF and a blank. The mail address is in UTF-8.
+  /// The name and the mail address for a mail header, RFC 2047: the name, ASCII too, as
+  /// "=?iso-8859-1?Q?...?=", or in UTF-8 when it holds characters beyond Latin-1; in several words when it is
+  /// long, each of at most 75 characters, joined by CRLF and a blank. The mail address is in UTF-8.
   /// @quirk An empty address gives "<>" here, while to_string() gives nothing.
   std::string q_encoded() const;
 
@@ -72,7 +75,7 @@ class KESTA_API address {
   /// Blanks around the name are dropped, and so are quotes around a name that has none inside.
   bool deserialize(const std::wstring& text);
 
-  /// Both fields under the keys that the assignment reads.
+  /// "name" and "email", as the assignment reads them.
   operator bundle() const;
   /// An xvar that holds a copy of this address and prints its text.
   operator xvar() const;

@@ -31,18 +31,22 @@ class KESTA_API email {
  public:
   /// The role of an address.
   enum RCTP { FROM = 0, SENDER = 1, TO = 2, CC = 3, BCC = 4 };
+  /// The roles of those that receive the message; recipients of the other two are in no list but the
+  /// bundle's.
   static const RCTP TO_ = TO, CC_ = CC, CCO_ = BCC;
   /// "%a, %d %b %Y %H:%M:%S %z", the date of RFC 5322 (always with English names).
   static const std::string date_pattern;
 
+  /// The names that the standard containers use.
   using map_type = std::map<address, RCTP>;
   using value_type = map_type::value_type;
   using size_type = map_type::size_type;
   using iterator = map_type::iterator;
   using const_iterator = map_type::const_iterator;
 
-  /// New messages have an identifier from the services of the calling thread's context (empty when the system
-  /// has none to give), in the form 01234567-89AB-CDEF0123456789ABCDEF, and the current moment as their date.
+  /// `from` and the texts as the setters take them. New messages have an identifier from the services of the
+  /// calling thread's context (empty when the system has none to give), in the form
+  /// 01234567-89AB-CDEF0123456789ABCDEF, and the current moment as their date.
   explicit email(const address& from, const std::wstring& subject = {}, const std::wstring& body = {},
                  const std::wstring& signature = {});
   explicit email(const std::wstring& from = {}, const std::wstring& subject = {},
@@ -73,8 +77,10 @@ class KESTA_API email {
   /// addresses), "to", "cc" and "cco" (lists of them), "subject", "body", "signature" (texts) and "attach" (a
   /// list of paths); recipients of the roles FROM and SENDER are in the lists "to_from" and "to_sender".
   operator bundle() const;
+  /// An xvar that holds a copy of this message and prints to_string(), which throws without a calendar date.
   operator xvar() const;
 
+  /// What was set or read; valid until the message is changed, moved from or destroyed.
   const std::wstring& get_uuid() const noexcept { return uuid_; }
   const std::wstring& get_subject() const noexcept { return subject_; }
   const std::wstring& get_body() const noexcept { return body_; }
@@ -83,6 +89,8 @@ class KESTA_API email {
   const address& get_from() const noexcept { return from_; }
   const address& get_sender() const noexcept { return sender_; }
   const std::vector<file>& get_attach() const noexcept { return attach_; }
+  /// Plain copies; a text is the bare mail of an address without a name. A var or xvar counts as the address,
+  /// the bundle form of one or the text that it holds.
   email& set_uuid(const std::wstring& uuid);
   email& set_subject(const std::wstring& subject);
   email& set_body(const std::wstring& body);  ///< Plain text, or HTML if texto::is_html() says so.
@@ -101,17 +109,18 @@ class KESTA_API email {
     return set_sender(told(value));
   }
 
-  // Attached files. An index beyond the last throws std::out_of_range ("invalid vector subscript").
-
+  /// Attaches a path behind the others; nothing is opened or read.
   email& push(const file& attachment);
+  /// An attached file, from 0 on. An index beyond the last throws std::out_of_range ("invalid vector
+  /// subscript").
   const file& attached(std::size_t index) const;
+  /// Removes one of the attached files, as attached() counts them, or all.
   void discharge(std::size_t index);
   void discharge() noexcept;
 
-  // Recipients, by address, by mail text or by the bundle form of an address; a var or xvar counts as the one
-  // of those that it holds.
-
-  /// The role of the recipient, inserted as TO_ when absent.
+  /// The role of the recipient, inserted as TO_ when absent. As everywhere below, a recipient is told by an
+  /// address, a mail text or the bundle form of an address, and a var or xvar counts as what it holds of
+  /// these. The name is stored at the insertion only.
   RCTP& operator[](const address& recipient);
   RCTP& operator[](const std::wstring& mail);
   RCTP& operator[](const bundle& recipient);
@@ -132,6 +141,7 @@ class KESTA_API email {
   const RCTP& at(const V& recipient) const {
     return at(told(recipient));
   }
+  /// The recipient of that mail, or end().
   iterator find(const address& recipient) { return recipients_.find(recipient); }
   iterator find(const std::wstring& mail);
   const_iterator find(const address& recipient) const { return recipients_.find(recipient); }
@@ -144,28 +154,34 @@ class KESTA_API email {
   const_iterator find(const V& recipient) const {
     return find(told(recipient));
   }
+  /// 0 or 1.
   size_type count(const address& recipient) const { return recipients_.count(recipient); }
   size_type count(const std::wstring& mail) const;
   template <std::derived_from<var> V>
   size_type count(const V& recipient) const {
     return count(told(recipient));
   }
+  /// The number of recipients removed, 0 or 1.
   size_type erase(const address& recipient);
   size_type erase(const std::wstring& mail);
   template <std::derived_from<var> V>
   size_type erase(const V& recipient) {
     return erase(told(recipient));
   }
+  /// Removes the recipient and gives the next one.
   iterator erase(const_iterator recipient) { return recipients_.erase(recipient); }
+  /// The recipients, in the order of their mails, folded.
   iterator begin() noexcept { return recipients_.begin(); }
   iterator end() noexcept { return recipients_.end(); }
   const_iterator begin() const noexcept { return recipients_.begin(); }
   const_iterator end() const noexcept { return recipients_.end(); }
   const_iterator cbegin() const noexcept { return recipients_.begin(); }
   const_iterator cend() const noexcept { return recipients_.end(); }
+  /// Of the recipients alone, whatever else the message holds.
   size_type size() const noexcept { return recipients_.size(); }
   size_type max_size() const noexcept { return recipients_.max_size(); }
   bool empty() const noexcept { return recipients_.empty(); }
+  /// Removes the recipients and leaves all else.
   void clear() noexcept { recipients_.clear(); }
 
   /// "FROM", "SENDER", "TO", "CC", "BCC"; empty for any other value.
@@ -217,10 +233,10 @@ class KESTA_API email {
   /// or tells another encoding in its Content-Type.
   std::wstring get_hmtl_post() const;
 
-  /// What operator<< writes. Both throw as serialize_headers() does.
+  /// The header block of serialize_headers(), "Subject: " and the subject. Throws as that does.
   std::wstring to_string() const;
 
-  // Compare the identifiers.
+  /// Compares the identifiers.
   bool operator==(const email& other) const noexcept { return uuid_ == other.uuid_; }
   bool operator<(const email& other) const noexcept { return uuid_ < other.uuid_; }
 
@@ -245,7 +261,7 @@ class KESTA_API email {
   std::vector<file> attach_;
 };
 
-/// Writes the header block, "Subject: " and the subject.
+/// Writes to_string().
 /// @quirk No line end follows the subject.
 KESTA_API std::wostream& operator<<(std::wostream& out, const email& value);
 

@@ -42,18 +42,21 @@ class KESTA_API mailbox {
     return take(value);
   }
 
+  /// Plain copies; check() tells whether the host is one.
   mailbox& set_host(const std::wstring& host);  ///< A name, with ":port" if need be.
   mailbox& set_user(const std::wstring& user);
   mailbox& set_password(const std::wstring& password);  ///< Kept, and given to bundles, in clear.
   mailbox& set_encryption(ENCRYPTION encryption) noexcept;
   mailbox& set_port(unsigned port) noexcept;  ///< 0 for the customary one.
 
+  /// What was set or read, credentials in clear.
   const std::wstring& get_host() const noexcept { return host_; }
   const std::wstring& get_user() const noexcept { return user_; }
   const std::wstring& get_password() const noexcept { return password_; }
   ENCRYPTION get_encryption() const noexcept { return encryption_; }
   /// The port that was set, otherwise the customary one.
   unsigned get_port() const noexcept { return port_ ? port_ : static_cast<unsigned>(encryption_); }
+  /// Whether the mode is another than NONE.
   bool is_secure() const noexcept { return encryption_ != NONE; }
 
   /// "smtp://" or, when secure, "smtps://", then the host and ":port". Holds no credentials.
@@ -78,7 +81,7 @@ class KESTA_API mailbox {
   /// port tells, and NONE is for the others.
   bool deserialize(const std::wstring& text);
 
-  /// The five fields under the keys that the assignment reads.
+  /// "host", "port" (0 when none was set), "encryption" (as to_string() spells it), "user" and "password".
   operator bundle() const;
   /// An xvar that holds a copy of this mailbox and prints its URL.
   operator xvar() const;

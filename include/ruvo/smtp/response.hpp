@@ -15,6 +15,7 @@ namespace ruvo::smtp {
 /// The transport records each recipient with push(), and a failure of the whole with set_exception().
 class KESTA_API response : public net::iresponse {
  public:
+  /// With the status "OK" and two empty lists.
   response();
   response(const response& other);
   ~response() override;
@@ -33,7 +34,7 @@ class KESTA_API response : public net::iresponse {
 
   /// The lists "accepted" and "refused", both always there.
   const bundle& get_report() const noexcept { return report_; }
-  /// Raw codes and reports.
+  /// Compares raw codes and reports.
   bool operator==(const response& other) const;
   /// The report as text.
   std::wstring to_string() const;

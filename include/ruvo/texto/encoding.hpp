@@ -9,12 +9,18 @@
 #include <string>
 #include <vector>
 
+/// Free functions over text.
+///
+/// A function whose name ends in `_` returns a new text; its twin without `_` changes its argument in place
+/// and returns it. Both give the same text. Character classes are those of the "C" locale: no unit above 127
+/// is a blank, a digit or a letter, unless a function says so. All functions are reentrant.
 namespace ruvo::texto {
 
-// UTF-8 and UTF-16. Never fail: each maximal malformed part of a UTF-8 text and each lone surrogate becomes
-// U+FFFD.
+// UTF-8 and UTF-16
 
+/// From UTF-8 to UTF-16. Never fails: each maximal malformed part becomes U+FFFD.
 KESTA_API std::wstring to_utf_16(const std::string& text);
+/// From UTF-16 to UTF-8. Never fails: each lone surrogate becomes U+FFFD.
 KESTA_API std::string to_utf_8(const std::wstring& text);
 /// Removes the bytes EF BB BF at the start of `text`, if they are there.
 KESTA_API void remove_win_bom(std::string& text);
@@ -48,21 +54,24 @@ KESTA_API void set_binary_data(std::string& out, const std::vector<unsigned char
 /// Replaces `bytes` by those that `text` holds, as base64_decode reads it.
 KESTA_API void get_binary_data(std::string text, std::vector<unsigned char>& bytes);
 
-// Hexadecimal, two lower-case digits for a character
+// Hexadecimal
 
+/// The code of a character, in two lower-case digits.
 /// @quirk Only the low 8 bits of a wide character are written: these forms serve bytes held in wide text.
 KESTA_API std::wstring char_to_hex(char c);
 KESTA_API std::wstring char_to_hex(unsigned char c);
 KESTA_API std::wstring char_to_hex(wchar_t c);
-/// The codes of all characters in a row.
+/// The codes of all characters or bytes in a row, two lower-case digits each.
+/// @quirk Only the low 8 bits of a wide character are written.
 KESTA_API std::wstring string_to_hex(const std::wstring& text);
 KESTA_API std::wstring string_to_hex(const std::string& text);
 KESTA_API std::wstring bytes_to_hexString(const unsigned char* bytes, unsigned long count);
-/// Reads pairs of digits of either case; an odd last digit is ignored. Throws std::invalid_argument ("invalid
+/// The characters, one a byte, that pairs of digits of either case stand for; an odd last digit is ignored.
+/// Throws std::invalid_argument ("invalid
 /// hex digit").
 KESTA_API std::wstring hex_to_string(const std::wstring& hex);
 KESTA_API std::string hex_to_string(const std::string& hex);
-/// 0 to 15. Throws std::invalid_argument ("invalid hex digit").
+/// The value of a digit, 0 to 15. Throws std::invalid_argument ("invalid hex digit").
 KESTA_API int hex_char_to_int(wchar_t digit);
 /// The decimal digits of a hexadecimal number of any length, without leading zeros; "0" for an empty text. No
 /// sign and no prefix: throws std::invalid_argument ("Carácter hexadecimal no válido", in UTF-8) for anything
@@ -71,16 +80,16 @@ KESTA_API std::string hex_to_dec(const std::string& hex);
 
 // The web and mail
 
-/// Percent-encoding of the text's UTF-8, RFC 3986: letters, digits and "-._~" stay, every other byte becomes
-/// "%" and two upper-case digits. For a part of an address, not for a whole one: its "/" and "?" do not stay.
+/// Percent-encoding of the text's UTF-8, RFC 3986: letters, digits and `-._~` stay, every other byte becomes
+/// `%` and two upper-case digits. For a part of an address, not for a whole one: its "/" and "?" do not stay.
 KESTA_API std::wstring web_encode(std::wstring text);
-/// The UTF-8 text as "Q" encoded words of a mail header, RFC 2047: "=?UTF-8?Q?...?=", each of at most 75
+/// The UTF-8 text as "Q" encoded words of a mail header, RFC 2047: `=?UTF-8?Q?...?=`, each of at most 75
 /// characters, ending between characters and joined by CRLF and a blank. What stands before the first word is
 /// not counted: behind a field's name its line may pass the 76 characters of section 2 by that name. Literal
-/// are only the characters that are safe in a phrase: letters, digits and "!*+-/", with "_" for a blank.
-/// A text of printable ASCII without "=?" needs no encoding and comes back as it is, in one line; that fits
-/// unstructured fields like Subject, while a name with , < or @ before an address wants quotes. Malformed
-/// parts become U+FFFD.
+/// are only the characters that are safe in a phrase: letters, digits and `!*+-/`, with `_` for a blank.
+/// A text of printable ASCII without `=?` needs no encoding and comes back as it is, in one line; that fits
+/// unstructured fields like Subject, while a name with `,`, `<` or `@` before an address wants quotes.
+/// Malformed parts become U+FFFD.
 KESTA_API std::string q_encoded(const std::string& text);
 
 }  // namespace ruvo::texto

@@ -24,37 +24,40 @@ KESTA_API std::wstring ocultar_numeros_cuenta(const std::wstring& text, int n, w
 // Checks. Letters may be small; blanks and separators make a number invalid (limpia_nif_() removes them), and
 // so does every character above 127. None throws.
 
-/// Eight digits and their control letter.
+/// Whether it is a DNI: eight digits and their control letter, which may be small. As in all of these checks,
+/// blanks and separators make a number invalid; limpia_nif_() removes them.
 KESTA_API bool valida_dni(const std::string& text);
 KESTA_API bool valida_dni(const std::wstring& text);
 
-/// X, Y or Z, seven digits and the control letter of the DNI that has 0, 1 or 2 first.
+/// Whether it is an NIE: X, Y or Z, seven digits and the control letter of the DNI that has 0, 1 or 2 first.
 KESTA_API bool valida_nie(const std::string& text);
 KESTA_API bool valida_nie(const std::wstring& text);
 
-/// A letter, seven digits and a control letter from A to J.
+/// Whether it is a CIF: a letter, seven digits and a control letter from A to J.
 /// @quirk The control letter comes from a sum of its own, modulo 11, in which the first letter counts with
 /// its character code. Other schemes for these numbers do not hold here: with a control digit, or with
 /// the usual control letter, a number is refused.
 KESTA_API bool valida_cif(const std::string& text);
 KESTA_API bool valida_cif(const std::wstring& text);
 
-/// Nine characters: a NIE when X, Y or Z comes first, a CIF (by the rule of valida_cif) with any other
-/// letter, else a DNI.
+/// Whether it is any of them, in nine characters: an NIE when X, Y or Z comes first, a CIF (by the rule of
+/// valida_cif) with any other letter, else a DNI.
 KESTA_API bool valida_nif(const std::string& text);
 KESTA_API bool valida_nif(const std::wstring& text);
 
-/// ISO 13616: two letters for the country, two check digits (02 to 98), letters and digits; modulo 97
-/// gives 1. The length is the country's; for a country that is not in the registry 15 to 34 characters.
+/// Whether it is an IBAN, ISO 13616: two letters for the country, two check digits (02 to 98), letters and
+/// digits; modulo 97 gives 1. The length is the country's; for a country that is not in the registry 15 to 34
+/// characters.
 KESTA_API bool valida_iban(const std::string& text);
 KESTA_API bool valida_iban(const std::wstring& text);
 
-/// The IBAN of a Spanish account: "ES" and 22 digits that pass valida_iban(). An account number of 20 digits
-/// without country and check digits has nothing that this check could verify: false.
+/// Whether it is the IBAN of a Spanish account: "ES" and 22 digits that pass valida_iban(). An account number
+/// of 20 digits without country and check digits has nothing that this check could verify: false.
 KESTA_API bool valida_iban_esp(const std::string& text);
 KESTA_API bool valida_iban_esp(const std::wstring& text);
 
-/// Digits only, of any number but none, with a sum by Luhn that is a multiple of 10 (ISO/IEC 7812-1).
+/// Whether it can be the number of a payment card: digits only, of any number but none, with a sum by Luhn
+/// that is a multiple of 10 (ISO/IEC 7812-1).
 KESTA_API bool valida_tarjeta_credito(const std::string& text);
 KESTA_API bool valida_tarjeta_credito(const std::wstring& text);
 

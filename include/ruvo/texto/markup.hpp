@@ -1,8 +1,6 @@
 #pragma once
 
 // Escaping for SQL, HTML and JSON, the tags of HTML, and stored memos.
-//
-// A tag is a '<', anything but '>', and a '>'.
 
 #include <ruvo/api.hpp>
 #include <ruvo/fwd.hpp>
@@ -11,33 +9,36 @@
 
 namespace ruvo::texto {
 
-// SQL: each ' of a text literal is doubled.
+// SQL
 
+/// Doubles each ', as a text literal needs it.
 KESTA_API std::wstring& escaped_to_sql(std::wstring& text);
 KESTA_API std::wstring escaped_to_sql_(const std::wstring& text);
+/// Halves each pair of '.
 KESTA_API std::wstring& escaped_from_sql(std::wstring& text);
 KESTA_API std::wstring escaped_from_sql_(const std::wstring& text);
 
 // HTML
 
-/// á é í ó ú, ñ, ü and ç of both cases to their entities (&aacute; ...) and back.
-/// @quirk Nothing else is escaped, and & < > least of all, so that a text with tags can be passed.
+/// Writes á é í ó ú, ñ, ü and ç of both cases as their entities (`&aacute;` ...).
+/// @quirk Nothing else is escaped, and `&`, `<` and `>` least of all, so that a text with tags can be passed.
 KESTA_API std::wstring& escaped_to_html(std::wstring& text);
+/// Puts the letters in the place of those entities.
 KESTA_API std::wstring& escaped_from_html(std::wstring& text);
 
-/// Line ends, CR LF or LF alone, to <br/>, then escaped_to_html. A CR alone stays.
+/// Line ends, CR LF or LF alone, to `<br/>`, then escaped_to_html. A CR alone stays.
 KESTA_API std::wstring& to_html(std::wstring& text);
 KESTA_API std::wstring to_html_(const std::wstring& text);
-/// escaped_from_html, then <br/> and </br> to CR LF, then every tag is removed. A '<' without a '>' behind it
-/// stays.
+/// escaped_from_html, then `<br/>` and `</br>` to CR LF, then every tag is removed. A `<` without a `>`
+/// behind it stays.
 KESTA_API std::wstring& to_plain(std::wstring& text);
 KESTA_API std::wstring to_plain_(const std::wstring& text);
 
-/// Whether there is a tag in the text.
+/// Whether there is a tag in the text: a `<`, anything but `>`, and a `>`.
 KESTA_API bool is_html(const std::wstring& text);
 
-/// Removes <html>, </html>, <html/> and </html/> in any case, then the same of body; a tag with attributes
-/// stays. Gives the position of the first "<body>", in lower case, in the text as it was, or
+/// Removes `<html>`, `</html>`, `<html/>` and `</html/>` in any case, then the same of body; a tag with
+/// attributes stays. Gives the position of the first `<body>`, in lower case, in the text as it was, or
 /// std::wstring::npos.
 KESTA_API unsigned long long remove_html_and_body_tags(std::wstring& text);
 /// The same; the position goes to `*body`, if given.
@@ -46,7 +47,7 @@ KESTA_API std::wstring remove_html_and_body_tags_(const std::wstring& text,
 
 // JSON
 
-/// TAB, CR and LF to \t, \r and \n.
+/// TAB, CR and LF to `\t`, `\r` and `\n`.
 /// @quirk Quotes and backslashes stay as they are.
 KESTA_API std::wstring& escaped_to_json(std::wstring& text);
 /// The same for every text and memo in the bundle; when `nested`, also in the bundles and lists inside it, to

@@ -1,20 +1,7 @@
 #pragma once
 
-// Tests for parts, masks and patterns, replacing and splitting.
-//
-// A pattern is a regular expression in the ECMAScript grammar as std::regex takes it; a malformed one throws
-// std::regex_error, and so does one that takes too many steps (error_complexity: more than 100 for each
-// character beyond the first million, and 4 more for each of its first 100 branches), too much room or too
-// many instructions (error_stack, error_space). Time is linear in the text for patterns without
-// back-references and look-aheads.
-//
-// In patterns, \w, \b, [[:alpha:]] and [[:alnum:]] hold the letters of Latin, Greek and Cyrillic (Unicode up
-// to U+052F, and U+1E00 to U+1EFF), [[:upper:]] and [[:lower:]] those of them that are one of such a pair (in
-// Latin up to U+017F and from U+1E00 on); \s and [[:space:]] also the blanks beyond ASCII, no-break spaces
-// among them; \d and [[:digit:]] are 0 to 9. Ranges like [a-z] hold what lies between their ends.
-//
-// Everything that does not name its argument `pattern` is literal: no character has a meaning of its own. All
-// comparisons are case-sensitive.
+// Tests for parts, masks and patterns, replacing and splitting. Everything that does not name its argument
+// `pattern` is literal: no character has a meaning of its own. All comparisons are case-sensitive.
 
 #include <ruvo/api.hpp>
 
@@ -25,17 +12,31 @@ namespace ruvo::texto {
 
 // Comparison
 
-/// Whether `text` begins with, ends with or holds `part`; an empty part always does.
+/// Whether `text` begins with `part`; true for an empty part. Case matters.
 KESTA_API bool starts_with(const std::wstring& text, const std::wstring& part);
+/// Whether `text` ends with `part`; true for an empty part. Case matters.
 KESTA_API bool ends_with(const std::wstring& text, const std::wstring& part);
+/// Whether `part` stands anywhere in `text`; true for an empty part. Case matters.
 KESTA_API bool contains(const std::wstring& text, const std::wstring& part);
 
-/// Whether the pattern matches the whole text. Throws std::regex_error.
+/// Whether the pattern matches the whole text.
+///
+/// A pattern is a regular expression in the ECMAScript grammar as std::regex takes it, case-sensitive; a
+/// malformed one throws std::regex_error, and so does one that takes too many steps (error_complexity: more
+/// than 100 for each character beyond the first million, and 4 more for each of its first 100 branches), too
+/// much room or too many instructions (error_stack, error_space). Time is linear in the text for patterns
+/// without back-references and look-aheads.
+///
+/// `\w`, `\b`, `[[:alpha:]]` and `[[:alnum:]]` hold the letters of Latin, Greek and Cyrillic (Unicode up to
+/// U+052F, and U+1E00 to U+1EFF), `[[:upper:]]` and `[[:lower:]]` those of them that are one of such a pair
+/// (in Latin up to U+017F and from U+1E00 on); `\s` and `[[:space:]]` also the blanks beyond ASCII, no-break
+/// spaces among them; `\d` and `[[:digit:]]` are 0 to 9. Ranges like `[a-z]` hold what lies between their
+/// ends.
 KESTA_API bool match(const std::wstring& text, std::wstring pattern);
 
 // Masks: '*' stands for any run of characters, the empty one too, and '?' for any one character.
 
-/// How a mask without '*' and '?' is compared. Values that are not listed mean `busqueda_contiene`.
+/// How a mask without `*` and `?` is compared. Values that are not listed mean `busqueda_contiene`.
 enum modo_busqueda : int {
   busqueda_completa = 0,  ///< The whole text.
   busqueda_comienza = 1,  ///< The text begins with the mask.
@@ -44,17 +45,18 @@ enum modo_busqueda : int {
   busqueda_exacta = 4,    ///< The same as busqueda_completa.
 };
 
-/// Whether `text` holds '*' or '?'.
+/// Whether `text` holds `*` or `?`.
 KESTA_API bool has_mask(const std::wstring& text);
-/// Whether the mask fits the text. A mask with '*' or '?' must fit the whole text, whatever the mode. Time is
-/// at most the product of both lengths, and no more than their sum for ordinary masks.
+/// Whether the mask fits the text: `*` stands for any run of characters, the empty one too, and `?` for any
+/// one character. A mask with '*' or '?' must fit the whole text, whatever the mode. Time is at most the
+/// product of both lengths, and no more than their sum for ordinary masks.
 KESTA_API bool match_mask(const std::wstring& text, const std::wstring& mask, modo_busqueda mode);
 /// For a mode that is kept as a number.
 inline bool match_mask(const std::wstring& text, const std::wstring& mask, int mode) {
   return match_mask(text, mask, static_cast<modo_busqueda>(mode));
 }
-/// The mask for the LIKE operator of SQL: '%' for '*' and '_' for '?'.
-/// @quirk A '%' or '_' of the mask is not escaped: it becomes a wildcard.
+/// The mask for the LIKE operator of SQL: `%` for `*` and `_` for `?`.
+/// @quirk A `%` or `_` of the mask is not escaped: it becomes a wildcard.
 KESTA_API std::wstring mask_to_sql(const std::wstring& mask);
 
 /// What stands between the first quotation mark (" or ') and the next one on the same line. Without such a
@@ -65,8 +67,9 @@ KESTA_API std::wstring content(std::wstring text, bool* found = nullptr);
 
 // Replacing
 
-/// Replaces every match of the pattern. In `with`, $& is the match, $1 to $99 its groups, $` what stands
-/// between the previous match and this one, $' what stands behind it, and $$ a dollar sign. Throws
+/// Replaces every match of the pattern, which match() describes. In `with`, `$&` is the match, `$1` to `$99`
+/// its groups, `` $` `` what stands between the previous match and this one, `$'` what stands behind it, and
+/// `$$` a dollar sign. Throws
 /// std::regex_error, and then leaves the text as it was.
 KESTA_API std::wstring& replace(std::wstring& text, std::wstring pattern, std::wstring with);
 KESTA_API std::wstring replace_(const std::wstring& text, std::wstring pattern, std::wstring with);
@@ -79,7 +82,7 @@ KESTA_API std::wstring& safe_replace(std::wstring& text, wchar_t from, wchar_t t
 /// As safe_replace; only the first occurrence unless `all`.
 KESTA_API std::wstring& std_replace(std::wstring& text, std::wstring from, std::wstring to, bool all);
 
-/// Puts a backslash before - [ ] { } ( ) * + ? . , ^ $ | # and the blanks of \s.
+/// Puts a backslash before `- [ ] { } ( ) * + ? . , ^ $ | #` and the blanks of `\s`.
 /// @quirk A backslash is not escaped, so a text that holds one does not become a pattern that matches it.
 KESTA_API std::wstring escape_regex_pattern(const std::wstring& text);
 

@@ -10,10 +10,13 @@ namespace ruvo::texto {
 
 // Trimming and blanks
 
+/// Removes the blanks at the start: blank, TAB, LF, VT, FF and CR.
 KESTA_API std::wstring& ltrim(std::wstring& text);
 KESTA_API std::wstring ltrim_(const std::wstring& text);
+/// Removes the blanks at the end.
 KESTA_API std::wstring& rtrim(std::wstring& text);
 KESTA_API std::wstring rtrim_(const std::wstring& text);
+/// Removes the blanks at both ends.
 KESTA_API std::wstring& trim(std::wstring& text);
 KESTA_API std::wstring trim_(const std::wstring& text);
 
@@ -24,11 +27,13 @@ KESTA_API std::wstring clear(std::wstring text);
 KESTA_API std::wstring safe_non_empty(const std::wstring& a, const std::wstring& b);
 KESTA_API std::wstring safe_non_empty(const std::string& a, const std::string& b);
 
-// Case: A-Z and the accented capitals U+00C0 to U+00DD (without U+00D7), with their small letters
+// Case
 
+/// Small letters for A-Z and for the accented capitals U+00C0 to U+00DD (without U+00D7); all else stays.
 KESTA_API wchar_t to_lowercase(wchar_t c);
 KESTA_API std::wstring& to_lowercase(std::wstring& text);
 KESTA_API std::wstring to_lowercase_(const std::wstring& text);
+/// Capitals for a-z and for the accented small letters U+00E0 to U+00FD (without U+00F7); all else stays.
 KESTA_API wchar_t to_uppercase(wchar_t c);
 KESTA_API std::wstring& to_uppercase(std::wstring& text);
 KESTA_API std::wstring to_uppercase_(const std::wstring& text);
