@@ -16,7 +16,7 @@ std::system_error refused(std::errc why) { return std::system_error(std::make_er
 /// What a thread shares with its worker and, once it was let go, with nobody.
 ///
 /// A thread is never detached from the system: where one ends at that very moment, winpthreads frees its
-/// record twice, and two later threads share it. It is joined when another is let go after its end.
+/// record twice, and two later threads share it. It is joined when another starts or is let go after its end.
 struct worker::run {
   std::atomic<bool> ended{false};
   std::thread thread;         // here once it was let go
@@ -24,17 +24,29 @@ struct worker::run {
   run* next = nullptr;
 
   static void let_go(std::shared_ptr<run> of) noexcept;
+  static void join_ended() noexcept;
+
+ private:
+  static void put(run* one) noexcept;
+  static constinit std::atomic<run*> all;
 };
 
+constinit std::atomic<worker::run*> worker::run::all{nullptr};
+
+void worker::run::put(run* one) noexcept {
+  one->next = all.load();
+  while (!all.compare_exchange_weak(one->next, one)) continue;
+}
+
 void worker::run::let_go(std::shared_ptr<run> of) noexcept {
-  static constinit std::atomic<run*> all{nullptr};
-  const auto put = [](run* one) {
-    one->next = all.load();
-    while (!all.compare_exchange_weak(one->next, one)) continue;
-  };
-  run* next = all.exchange(nullptr);
+  join_ended();
   of->self = of;
   put(of.get());
+}
+
+void worker::run::join_ended() noexcept {
+  if (!all.load()) return;
+  run* next = all.exchange(nullptr);
   while (run* const each = next) {
     next = each->next;
     if (!each->ended || each->thread.get_id() == std::this_thread::get_id()) {
@@ -52,6 +64,7 @@ worker::~worker() = default;
 void worker::start(std::function<void()> body) {
   const std::lock_guard lock(guard_);
   if (id_ != std::thread::id()) std::terminate();
+  run::join_ended();
   run_ = std::make_shared<run>();
   thread_ = std::thread([body = std::move(body), own = run_] {
     body();
