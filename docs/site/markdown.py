@@ -56,7 +56,7 @@ def page(text, stem):
     for line in text.split("\n"):
         if line.startswith("```"):
             fenced = not fenced
-            line = {"```text": "```{.txt}", "```sh": "```{.sh}", "```cmake": "```{.cmake}"}.get(line.strip(), line)
+            line = {"```text": "```{.unparsed}", "```sh": "```{.sh}", "```cmake": "```{.cmake}"}.get(line.strip(), line)
         elif not fenced and not line.startswith("    "):
             if line.startswith("# "):
                 line = line.replace("`", "")

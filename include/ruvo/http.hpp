@@ -128,7 +128,7 @@ class KESTA_API header_table {
  protected:
   /// Without headers.
   header_table() noexcept;
-  /// With "Accept: */*" and this Content-Type.
+  /// With an Accept for every type, and this Content-Type.
   explicit header_table(const wchar_t* content_type);
   header_table(const header_table& other);
   header_table(header_table&& other) noexcept;
@@ -146,7 +146,8 @@ class KESTA_API header_table {
 };
 
 /// A request: headers, body, URL, and the path of a client certificate for secure connections. A new one has
-/// the headers "Content-Type: text/plain;charset=UTF-8" and "Accept: */*". One that was moved from is empty.
+/// the headers "Content-Type: text/plain;charset=UTF-8" and "Accept", for every type. One that was moved from
+/// is empty.
 class KESTA_API request : public header_table {
  public:
   /// With the two headers; URL and body are stored as they are, narrow ones being UTF-8.
@@ -192,7 +193,8 @@ class KESTA_API request : public header_table {
 };
 
 /// An answer: a status, headers, and a body that grows. A new one has the status "OK" and the headers
-/// "Content-Type: text/plain" and "Accept: */*". One that was moved from has neither headers nor body.
+/// "Content-Type: text/plain" and "Accept", for every type. One that was moved from has neither headers nor
+/// body.
 class KESTA_API response : public net::iresponse, public header_table {
  public:
   /// With the status "OK", the two headers and no body.

@@ -81,7 +81,8 @@ class KESTA_API steps {
   call* of_;
 };
 
-/// Whom a `call` tells; each may be empty. All but `cancel` are called on the thread of the task.
+/// Whom a `call` tells; each may be empty. They are called on the thread of the task, but for `cancel`, and
+/// for a `failure` that tells of a cancel() that failed, or of a pool that could not start the task.
 struct handlers {
   std::function<void(const xvar& result)> finish{};       ///< The body gave this.
   std::function<void(const exception& error)> failure{};  ///< The body threw, or never began.

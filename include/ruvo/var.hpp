@@ -170,7 +170,8 @@ class KESTA_API var {
 
   /// From bool, wchar_t (its code, also for a digit), the numbers, date (20240229), time (123456) and text.
   /// Fractions are cut off, then the bits above the width; doubles stop at the ends of 64 bits, and what is
-  /// no number gives 0. Text gives 0 unless can_be_number(), and throws std::out_of_range beyond 64 bits.
+  /// no number gives 0. Text gives 0 unless can_be_number(), and throws std::out_of_range beyond `long
+  /// long`, to an unsigned type too.
   ///
   /// A null cell throws an empty std::exception_ptr (by value), any other kind std::bad_cast.
   operator short() const;

@@ -17,9 +17,9 @@ namespace ruvo::velda {
 /// What ruvo::date and ruvo::lapse offer beyond the members below (texts, comparisons, the conversion to a
 /// number) works on the instant, which is kept in step: 04:04:04 of the day that was last set. Changing the
 /// instant itself, by set_lapso() for instance, leaves the number.
-/// @quirk Number and fields are each other's inverse from 2000-03-01 to 2100-02-28 only. A day set before
-/// that reads as the next one, and add() and the set_ functions, which read and set, move it on at every
-/// call; a day from 2100-03-01 on reads likewise.
+/// @quirk Number and fields are each other's inverse from 2000-03-01 to 2100-02-28, and in these hundred
+/// years moved by multiples of 400. A day set between them reads as the next one, and add() and the set_
+/// functions, which read and set, move it on at every call.
 class KESTA_API date : public ruvo::date {
  public:
   /// Today.

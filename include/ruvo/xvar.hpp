@@ -26,8 +26,9 @@ struct KESTA_API keylowercase {
   bool operator()(const std::wstring& a, const std::wstring& b) const noexcept;
 };
 
-/// The value is used exactly as a var; the qualities travel with it, for example as the attributes of a
-/// markup element. An xvar without qualities pays one pointer for them.
+/// A var with qualities, which are named vars. The value is used exactly as a var; the qualities travel with
+/// it, for example as the attributes of a markup element. An xvar without qualities pays one pointer for
+/// them.
 ///
 /// Keys ignore the case of A-Z and keep the spelling first inserted. Narrow keys are UTF-8.
 class KESTA_API xvar : public var {
