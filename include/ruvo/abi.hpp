@@ -28,10 +28,10 @@
 #    define KESTA_DLL_FAMILY kesta_dll_serves_mingw_gcc_with_glibcxx_debug_v1
 #  elif !_GLIBCXX_USE_CXX11_ABI
 #    define KESTA_DLL_FAMILY kesta_dll_serves_mingw_gcc_with_old_strings_v1
-#  elif defined(_GLIBCXX_GCC_GTHR_POSIX_H)
-#    define KESTA_DLL_FAMILY kesta_dll_serves_mingw_gcc_posix_v1
+#  elif !defined(_GLIBCXX_GCC_GTHR_POSIX_H)
+#    error "kesta.dll needs mingw-w64 with posix threads: on Debian, x86_64-w64-mingw32-g++-posix"
 #  else
-#    define KESTA_DLL_FAMILY kesta_dll_serves_mingw_gcc_win32_v1
+#    define KESTA_DLL_FAMILY kesta_dll_serves_mingw_gcc_posix_v1
 #  endif
 
 namespace ruvo::abi {

@@ -1,8 +1,10 @@
-"""abi.py COMPILER INCLUDE DOC [write]: DOC lists the sizes and the slots of the public classes as they are.
+"""abi.py COMPILER INCLUDE DOC [write]: DOC lists the layouts and the slots of the public classes as they are.
 
-Sizes come from the compiler, the order of the virtual operations from the headers. With write, the list is written.
+Names come from the compiler, sizes and the places of members from gdb, which reads the compiler's debug information, the
+order of the virtual operations from the headers. With write, the list is written.
 """
 
+import difflib
 import os
 import re
 import subprocess
@@ -12,17 +14,36 @@ import tempfile
 BEGIN, END = "<!-- made by tests/support/abi.py: build the target abi_update -->", "<!-- end -->"
 
 
-def sizes(compiler, include):
-    """Class to (size, alignment), for all that ruvo.hpp brings."""
+# Run by gdb, which finds the names of the classes in the environment.
+IN_GDB = """
+import gdb, os
+for name in os.environ["KESTA_CLASSES"].split(","):
+    kind = gdb.lookup_type(name)
+    members = [f"{field.name} {field.bitpos // 8}" for field in kind.fields()
+               if hasattr(field, "bitpos") and field.name and not field.is_base_class and field.name[0] != "_"]
+    print("class", name, kind.sizeof, kind.alignof, *members, sep="|")
+"""
+
+
+def layouts(compiler, include):
+    """Class to (size, alignment, members with their places), for all that ruvo.hpp brings."""
     with tempfile.TemporaryDirectory() as folder:
-        dump = os.path.join(folder, "classes")
+        source, program, script, dump = (os.path.join(folder, name) for name in ("a.cpp", "a.exe", "in_gdb.py", "classes"))
+        for path, text in (source, "#include <ruvo/ruvo.hpp>\nint main() {}\n"), (script, IN_GDB):
+            with open(path, "w", encoding="utf-8") as file:
+                file.write(text)
         subprocess.run(
-            [compiler, "-std=c++20", "-DKESTA_STATIC", "-fsyntax-only", "-I" + include, "-fdump-lang-class=" + dump]
-            + ["-include", "ruvo/ruvo.hpp", "-x", "c++", os.devnull], check=True)
+            [compiler, "-std=c++20", "-DKESTA_STATIC", "-I" + include, "-fdump-lang-class=" + dump, source, "-o", program]
+            + ["-g", "-fno-eliminate-unused-debug-types", "-femit-class-debug-always"], check=True)
         with open(dump, encoding="utf-8") as file:
-            text = file.read()
-    found = re.findall(r"^Class (ruvo::[\w:]+)\n\s+size=(\d+) align=(\d+)", text, re.M)
-    return {name: (size, align) for name, size, align in found}
+            names = re.findall(r"^Class (ruvo::[\w:]+)\n\s+size=", file.read(), re.M)
+        public = [name for name in names if not re.match(r"ruvo::(exc|detail|abi)\b", name) and "::detail::" not in name]
+        told = subprocess.run(["gdb", "-nx", "-batch", "-x", script, program], check=True, text=True,
+                              stdout=subprocess.PIPE, env=os.environ | {"KESTA_CLASSES": ",".join(public)}).stdout
+    rows = [line.split("|")[1:] for line in told.splitlines() if line.startswith("class|")]
+    if len(rows) != len(public):
+        sys.exit(f"gdb told of {len(rows)} of {len(public)} classes")
+    return {name: (size, align, ", ".join(members)) for name, size, align, *members in rows}
 
 
 def statements(text):
@@ -68,25 +89,20 @@ def slots(include):
                     words = " ".join(statement.split())
                     virtual = re.search(r"\bvirtual\b.*?(~?\w+ ?\(.*)$", words)
                     if virtual:
-                        pure = " = 0" if words.endswith("= 0") else ""
-                        operation = re.match(r"~?\w+", virtual.group(1)).group()
-                        arguments = virtual.group(1)[len(operation):]
-                        constant = " const" if re.search(r"\) const\b", arguments) else ""
-                        found.setdefault("::".join(scope), []).append(operation + "()" + constant + pure)
+                        operation = re.sub(r" = (?!0$)[^,()]*(?:\(\))?(?=[,)])", "", virtual.group(1))
+                        found.setdefault("::".join(scope), []).append(operation)
     return found
 
 
 def page(compiler, include):
-    size_of = sizes(compiler, include)
     lines = ["", "### Slots", "",
-             "New virtual operations of each class; those of a base come before.", ""]
+             "New virtual operations of each class, in order; those of a base come before.", ""]
     for name, operations in sorted(slots(include).items()):
-        lines.append(f"- `{name}`: " + ", ".join(f"`{operation}`" for operation in operations))
-    lines += ["", "### Sizes", "", "Bytes and alignment, mingw-w64 x86-64.", "", "| class | size | alignment |",
-              "|---|---|---|"]
-    for name, (size, align) in sorted(size_of.items()):
-        if not re.match(r"ruvo::(exc|detail|abi)\b", name) and "::detail::" not in name and "<" not in name:
-            lines.append(f"| `{name}` | {size} | {align} |")
+        lines += [f"`{name}`:", ""] + [f"- `{operation}`" for operation in operations] + [""]
+    lines += ["### Layouts", "", "Bytes, alignment and the places of the members, mingw-w64 x86-64.", "",
+              "| class | size | alignment | members |", "|---|---|---|---|"]
+    for name, (size, align, members) in sorted(layouts(compiler, include).items()):
+        lines.append(f"| `{name}` | {size} | {align} | {members} |")
     return "\n".join(lines) + "\n\n"
 
 
@@ -103,11 +119,8 @@ def main():
         return 0
     if made == text.replace("\r\n", "\n"):
         return 0
-    is_now, listed = set(made.splitlines()), set(text.splitlines())
-    for line in sorted(listed - is_now):
-        print("listed:", line)
-    for line in sorted(is_now - listed):
-        print("is now:", line)
+    for line in difflib.unified_diff(text.splitlines(), made.splitlines(), "listed", "is now", lineterm="", n=1):
+        print(line)
     print("what changed breaks programs built before, unless slots were appended; the target abi_update writes", doc)
     return 1
 
