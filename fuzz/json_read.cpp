@@ -5,10 +5,10 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::wstring text = fuzz::wide(data, size);
-  ruvo::serializer::json reader;
-  const json_outcome::outcome at_once = json_outcome::read_at_once(reader, text);
-  FUZZ_CHECK(at_once == json_outcome::read_by_character(text));
+  json_ways ways;
+  const outcome at_once = ways.at_once(text);
+  FUZZ_CHECK(at_once == ways.by_character(text));
   // A reader that failed reads the next text like a fresh one.
-  FUZZ_CHECK(at_once == json_outcome::read_at_once(reader, text));
+  FUZZ_CHECK(at_once == ways.at_once(text));
   return 0;
 }

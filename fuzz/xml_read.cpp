@@ -6,10 +6,10 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size > 4096) return 0;  // the comparison copies level by level
   const std::wstring text = fuzz::wide(data, size);
-  ruvo::serializer::xml reader(true, false);
-  const xml_outcome::outcome at_once = xml_outcome::read_at_once(reader, text);
-  FUZZ_CHECK(at_once == xml_outcome::read_by_character(text));
+  xml_ways ways;
+  const outcome at_once = ways.at_once(text);
+  FUZZ_CHECK(at_once == ways.by_character(text));
   // A reader that failed reads the next text like a fresh one.
-  FUZZ_CHECK(at_once == xml_outcome::read_at_once(reader, text));
+  FUZZ_CHECK(at_once == ways.at_once(text));
   return 0;
 }

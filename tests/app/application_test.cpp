@@ -1,10 +1,7 @@
 // The registry, the life cycle and the default services.
 
-#include <ruvo/binary.hpp>
-#include <ruvo/datetime.hpp>
-#include <ruvo/exc.hpp>
 #include <ruvo/fake_context.hpp>
-#include <ruvo/files.hpp>
+#include <ruvo/ruvo.hpp>
 
 #include <atomic>
 #include <ctime>
@@ -155,6 +152,13 @@ TEST(memory_collector, keeps_objects_by_thread) {
     EXPECT_EQ(kept.size(7), 1u);  // what the first one brought
     EXPECT_EQ(kept.collect(8), 0u);
     EXPECT_EQ(counted::alive, 2);
+    auto* const once = new counted;  // an object that is handed in again stays with the first thread
+    for (const unsigned long thread : {1ul, 1ul, 2ul}) kept.add(thread, once);
+    EXPECT_EQ(kept.size(1) * 10 + kept.size(2), 10u);
+    EXPECT_EQ(kept.collect(2), 0u);
+    EXPECT_EQ(counted::alive, 3);
+    EXPECT_EQ(kept.collect(1), 1u);
+    EXPECT_EQ(counted::alive, 2);
     kept.add(9, new counted(&kept));  // brings another while the collector goes
   }
   EXPECT_EQ(counted::alive, 0);
@@ -216,20 +220,6 @@ TEST(application, destroyed_one_is_forgotten) {
   EXPECT_EQ(ruvo::application::theApp(), nullptr);
 }
 
-TEST(application, overridden_services_reach_the_values) {
-  EXPECT_EQ(ruvo::datetime(0LL).get_hour(), 0);
-  shifted_app app;
-  {
-    const ruvo::thread_scope scope(app);
-    ASSERT_TRUE(scope.checked_in());
-    EXPECT_EQ(ruvo::datetime(0LL).get_hour(), 1);
-    std::thread([] { EXPECT_EQ(ruvo::datetime(0LL).get_hour(), 0); }).join();
-    const ruvo::thread_scope inner(app);
-    EXPECT_FALSE(inner.checked_in());
-  }
-  EXPECT_EQ(ruvo::datetime(0LL).get_hour(), 0);
-}
-
 TEST(application, one_thread_may_register_another) {
   shifted_app app;
   std::atomic<unsigned long> id{0};
@@ -256,6 +246,7 @@ TEST(application, one_thread_may_register_another) {
   worker.join();
 }
 
+// Each meets the services of its own application, here a clock that is an hour on, and of none after it.
 TEST(application, threads_come_and_go_at_once) {
   shifted_app apps[2];
   std::vector<std::thread> threads;
@@ -267,7 +258,8 @@ TEST(application, threads_come_and_go_at_once) {
         if (ruvo::application::theApp()) ++wrong;
         {
           const ruvo::thread_scope scope(mine);
-          if (!scope.checked_in() || ruvo::application::theApp() != &mine) ++wrong;
+          if (ruvo::thread_scope inner(mine); !scope.checked_in() || inner.checked_in()) ++wrong;
+          if (ruvo::application::theApp() != &mine) ++wrong;
           if (ruvo::datetime(i * 3600LL).get_hour() != (i + 1) % 24) ++wrong;
         }
         if (ruvo::datetime(i * 3600LL).get_hour() != i % 24) ++wrong;
@@ -414,8 +406,12 @@ TEST(fake_context, lists_folders_that_do_not_exist) {
   EXPECT_EQ(found, (std::vector<ruvo::file>{"C:/a/a.txt", "C:/a/a.doc", "C:/a/b.txt", "C:/a/c.txt"}));
   EXPECT_FALSE(ruvo::files::directory_list("C:/b", err, nullptr, &listener, nullptr));
   EXPECT_EQ(err.get_mensaje(), L"Archivo o directorio no encontrado: C:\\b");
-  EXPECT_TRUE(ruvo::files::directory_list("C:/a", err, &only_text, &listener, nullptr));
+  EXPECT_TRUE(ruvo::files::directory_list("C:/a", err, only_text, listener));
   EXPECT_EQ(listener.told, L"Archivo o directorio no encontrado: C:\\b .a.txt b.txt .");
+  found.clear();
+  EXPECT_TRUE(ruvo::files::directory_list("C:/a", err, only_text, found));
+  EXPECT_EQ(found, (std::vector<ruvo::file>{"C:/a/a.txt", "C:/a/b.txt", "C:/a/c.txt"}));
+  EXPECT_FALSE(ruvo::files::directory_list(std::filesystem::current_path().wstring(), err, found));
 
   fake.folders["C:/a"] = {L"sub", L"z"};
   fake.folders["C:/a/sub"] = {L"x"};

@@ -9,7 +9,6 @@
 #include <exception>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -17,6 +16,8 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+
+#include "files/scratch.hpp"
 
 namespace {
 
@@ -39,26 +40,15 @@ struct recorder : ruvo::IOnLog {
   bool throws = false;
 };
 
-/// A folder of its own, and a clock that stands at 2024-02-29 13:05:09.042.
-class logs : public testing::Test {
+/// A folder, and a clock that stands at 2024-02-29 13:05:09.042.
+class logs : public scratch {
  protected:
   logs() : scope(fake) {
     fake.clock = 1709211909;
     fake.milliseconds = 42;
     fake.next_id = 1;
-    fs::create_directory("registro");
   }
-  ~logs() override { fs::remove_all("registro"); }
 
-  static std::string bytes(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-  }
-  static std::set<std::string> names() {
-    std::set<std::string> out;
-    for (const auto& entry : fs::directory_iterator("registro")) out.insert(entry.path().filename().string());
-    return out;
-  }
   static std::vector<std::string> lines(const std::string& text) {
     std::vector<std::string> out;
     for (std::size_t at = 0, end; (end = text.find("\r\n", at)) != text.npos; at = end + 2)
@@ -154,15 +144,15 @@ TEST_F(logs, file_of_the_day) {
   EXPECT_EQ(ruvo::reg::format_name(20240229), L"kesta_20240229.log");
   EXPECT_EQ(ruvo::reg::time_stamp(), L"[2024-02-29 13:05:09.042]");
   ruvo::logger log(L"", 0);  // no level counts here
-  log.set_path("registro");
-  EXPECT_EQ(log.file(20240229), ruvo::file("registro/kesta_20240229.log"));
+  log.set_path("scratch");
+  EXPECT_EQ(log.file(20240229), ruvo::file("scratch/kesta_20240229.log"));
   EXPECT_EQ(log.read(20240229), L"");
   log.log(L"uno\r\ndos\ttres\x01 ñ\xD83D\xDE00\x7F\x85\x9F\x2028\x2029.");
   fake.zone_offset = 11 * 3600;  // past midnight there
   log.log(L"");
   log.flush();
   EXPECT_EQ(log.read(20240229), L"[2024-02-29 13:05:09.042] uno dos tres  ñ\xD83D\xDE00     .\r\n");
-  EXPECT_EQ(bytes("registro/kesta_20240301.log"), "[2024-03-01 00:05:09.042] \r\n");
+  EXPECT_EQ(get("scratch/kesta_20240301.log"), "[2024-03-01 00:05:09.042] \r\n");
   log.log(L"otra");
   EXPECT_TRUE(log.erase(20240301));
   EXPECT_FALSE(log.erase(20240301));
@@ -173,20 +163,20 @@ TEST_F(logs, file_of_the_day) {
 TEST_F(logs, folder_may_be_missing_and_come_later) {
   ruvo::logger log;
   log.log(L"sin carpeta");
-  log.set_path("registro/no");
+  log.set_path("scratch/no");
   log.log(L"perdida");
   EXPECT_EQ(log.read(20240229), L"");
   EXPECT_FALSE(log.erase(20240229));
   EXPECT_EQ(log.clean_week(), 0u);
   log.flush();
-  EXPECT_FALSE(fs::exists("registro/no"));
-  fs::create_directory("registro/no");
+  EXPECT_FALSE(fs::exists("scratch/no"));
+  fs::create_directory("scratch/no");
   log.log(L"llega");
   EXPECT_EQ(log.read(20240229), L"[2024-02-29 13:05:09.042] llega\r\n");
-  log.set_path("registro/kesta_20240229.log");  // a file is no folder
-  std::ofstream("registro/kesta_20240229.log") << "x";
+  log.set_path("scratch/kesta_20240229.log");  // a file is no folder
+  std::ofstream("scratch/kesta_20240229.log") << "x";
   log.log(L"perdida");
-  EXPECT_EQ(bytes("registro/kesta_20240229.log"), "x");
+  EXPECT_EQ(get("scratch/kesta_20240229.log"), "x");
 }
 
 TEST_F(logs, without_a_folder_no_file_is_touched) {
@@ -194,17 +184,17 @@ TEST_F(logs, without_a_folder_no_file_is_touched) {
   ruvo::logger log;
   EXPECT_EQ(log.read(20200101), L"");
   EXPECT_FALSE(log.erase(20200101));
-  EXPECT_EQ(bytes("kesta_20200101.log"), "x");
+  EXPECT_EQ(get("kesta_20200101.log"), "x");
   fs::remove("kesta_20200101.log");
 }
 
 TEST_F(logs, full_disk_is_survived) {
   std::error_code error;
-  fs::create_symlink("/dev/full", "registro/kesta_20240229.log", error);
-  if (error || !fs::is_symlink("registro/kesta_20240229.log")) GTEST_SKIP() << "no links here";
+  fs::create_symlink("/dev/full", "scratch/kesta_20240229.log", error);
+  if (error || !fs::is_symlink("scratch/kesta_20240229.log")) GTEST_SKIP() << "no links here";
   ruvo::logger log;
-  log.set_path("registro").log(L"no cabe");
-  fs::remove("registro/kesta_20240229.log");
+  log.set_path("scratch").log(L"no cabe");
+  fs::remove("scratch/kesta_20240229.log");
   log.flush();
   log.log(L"cabe");
   EXPECT_EQ(log.read(20240229), L"[2024-02-29 13:05:09.042] cabe\r\n");
@@ -220,13 +210,13 @@ TEST_F(logs, week_is_kept) {
   std::vector<std::wstring> listing;
   for (const char* name : kept) listing.emplace_back(name, name + std::char_traits<char>::length(name));
   for (const char* name : old) listing.emplace_back(name, name + std::char_traits<char>::length(name));
-  for (const std::wstring& name : listing) std::ofstream(fs::path("registro") / fs::path(name)) << "x";
-  fs::create_directory("registro/kesta_20200101.log");
+  for (const std::wstring& name : listing) std::ofstream(fs::path("scratch") / fs::path(name)) << "x";
+  fs::create_directory("scratch/kesta_20200101.log");
   listing.push_back(L"kesta_20200101.log");
-  fake.folders["registro"] = listing;
+  fake.folders["scratch"] = listing;
 
   ruvo::logger log;
-  EXPECT_EQ(log.set_path("registro").clean_week(), std::size(old));
+  EXPECT_EQ(log.set_path("scratch").clean_week(), std::size(old));
   std::set<std::string> expected(std::begin(kept), std::end(kept));
   expected.insert("kesta_20200101.log");
   EXPECT_EQ(names(), expected);
@@ -234,9 +224,9 @@ TEST_F(logs, week_is_kept) {
 
 TEST_F(logs, lines_of_many_threads_arrive_whole) {
   constexpr int threads = 8, each = 500;
-  ruvo::reg::day_file one("registro"), other("registro");  // as two processes would
+  ruvo::reg::day_file one("scratch"), other("scratch");  // as two processes would
   ruvo::logger first(L"", 7), second(L"", 7);
-  first.set_callback(&one).set_path("registro");
+  first.set_callback(&one).set_path("scratch");
   second.set_callback(&other);
   std::vector<std::thread> all;
   for (int t = 0; t < threads; ++t) {
@@ -257,7 +247,7 @@ TEST_F(logs, lines_of_many_threads_arrive_whole) {
   }
   for (std::thread& thread : all) thread.join();
 
-  const std::string text = bytes("registro/kesta_20240229.log");
+  const std::string text = get("scratch/kesta_20240229.log");
   const std::vector<std::string> got = lines(text);
   EXPECT_EQ(text.size(), text.rfind("\r\n") + 2);
   ASSERT_EQ(got.size(), static_cast<std::size_t>(threads * each));

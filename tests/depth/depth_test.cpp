@@ -1,9 +1,6 @@
 // 100,000 levels on a stack of 1 MiB: whatever walks over nested values must not recurse.
 
-#include <ruvo/bundle.hpp>
-#include <ruvo/list.hpp>
-#include <ruvo/serializer.hpp>
-#include <ruvo/xml.hpp>
+#include <ruvo/ruvo.hpp>
 
 #include <string>
 #include <utility>

@@ -15,13 +15,9 @@ TEST_F(new_names, are_derived_from_taken_ones) {
   EXPECT_EQ(files::append(path(L"a.txt"), L".bak"), path(L"a.txt.bak"));
   EXPECT_EQ(files::append(file(L"C:\\"), L"x"), file(L"C:\\x"));
 
-  struct row {
-    const wchar_t* taken;
-    const wchar_t* prefix;
-    const wchar_t* suffix;
-    const wchar_t* expected;
-  };
-  const row rows[] = {
+  const struct {
+    const wchar_t *taken, *prefix, *suffix, *expected;
+  } rows[] = {
       {L"a.txt", L"", L"", L"a_01.txt"},
       {L"b.tar.gz", L"", L"", L"b.tar_01.gz"},
       {L"sin", L"", L"", L"sin_01"},
@@ -32,7 +28,7 @@ TEST_F(new_names, are_derived_from_taken_ones) {
       {L"c.d", L"", L"", L"c_01.d"},
   };
   ASSERT_TRUE(path(L"c.d").mkdir());
-  for (const row& r : rows) {
+  for (const auto& r : rows) {
     const file given = path(r.taken);
     if (given.get_name() != L"libre.txt" && !given.exists()) put(given, "");
     EXPECT_EQ(files::autorename(given, r.prefix, r.suffix), path(r.expected)) << r.taken;
@@ -55,11 +51,7 @@ TEST_F(new_names, count_on) {
 }
 
 TEST(mime, types_follow_the_extension) {
-  struct row {
-    const wchar_t* name;
-    const wchar_t* type;
-  };
-  const row rows[] = {
+  const wchar_t* const rows[][2] = {
       {L"INFORME.PPTX", L"application/vnd.openxmlformats-officedocument.presentationml.presentation"},
       {L"sin_extension", L"application/octet-stream"},
       {L"", L"application/octet-stream"},
@@ -78,9 +70,9 @@ TEST(mime, types_follow_the_extension) {
       {L".html", L"text/html"},
       {L"a.Dvr-Ms", L"video/x-ms-wtv"},
   };
-  for (const row& r : rows) {
-    EXPECT_EQ(files::get_mimetype(r.name), r.type) << r.name;
-    EXPECT_EQ(file(r.name).get_mimetype(), r.type) << r.name;
+  for (const auto& [name, type] : rows) {
+    EXPECT_EQ(files::get_mimetype(name), type) << name;
+    EXPECT_EQ(file(name).get_mimetype(), type) << name;
   }
 }
 

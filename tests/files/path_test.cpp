@@ -13,11 +13,7 @@ namespace {
 std::wstring text(const file& path) { return path; }
 
 TEST(path, is_kept_in_one_form) {
-  struct row {
-    const wchar_t* given;
-    const wchar_t* kept;
-  };
-  const row rows[] = {
+  const wchar_t* const rows[][2] = {
       {L"", L""},
       {L"a/b\\c", L"a\\b\\c"},
       {L"C:/datos/", L"C:\\datos"},
@@ -51,24 +47,18 @@ TEST(path, is_kept_in_one_form) {
       {L"\\\\?\\C:\\a\\", L"\\\\?\\C:\\a"},
       {L"\\\\?\\C:\\", L"\\\\?\\C:\\"},
   };
-  for (const row& r : rows) {
-    EXPECT_EQ(text(file(r.given)), r.kept) << r.given;
-    EXPECT_EQ(text(file(r.kept)), r.kept) << r.kept;
+  for (const auto& [given, kept] : rows) {
+    EXPECT_EQ(text(file(given)), kept) << given;
+    EXPECT_EQ(text(file(kept)), kept) << kept;
   }
   EXPECT_EQ(text(file("C:/a\xC3\xB1o")), L"C:\\año");
   for (const file& none : {file(nullptr), file(static_cast<const char*>(nullptr))}) EXPECT_TRUE(none.empty());
 }
 
 TEST(path, is_taken_apart) {
-  struct row {
-    const wchar_t* path;
-    const wchar_t* parent;
-    const wchar_t* root;
-    const wchar_t* name;
-    const wchar_t* simple_name;
-    const wchar_t* extension;
-  };
-  const row rows[] = {
+  const struct {
+    const wchar_t *path, *parent, *root, *name, *simple_name, *extension;
+  } rows[] = {
       {L"C:\\datos\\carta.txt", L"C:\\datos", L"C:\\", L"carta.txt", L"carta", L"txt"},
       {L"C:\\carta.tar.gz", L"C:\\", L"C:\\", L"carta.tar.gz", L"carta.tar", L"gz"},
       {L"Q:\\datos.v1\\leeme", L"Q:\\datos.v1", L"Q:\\", L"leeme", L"leeme", L"v1\\leeme"},
@@ -80,7 +70,7 @@ TEST(path, is_taken_apart) {
       {L"\\\\?\\Q:\\a.b", L"\\\\?\\Q:\\", L"\\\\?\\Q:\\", L"a.b", L"a", L"b"},
       {L"\\\\?\\UNC\\s\\t\\a.b", L"\\\\?\\UNC\\s\\t", L"\\\\?\\UNC\\s\\t", L"a.b", L"a", L"b"},
   };
-  for (const row& r : rows) {
+  for (const auto& r : rows) {
     const file path(r.path);
     EXPECT_EQ(text(path.get_parent()), r.parent) << r.path;
     EXPECT_EQ(text(path.get_root()), r.root) << r.path;
@@ -125,19 +115,14 @@ TEST(path, is_put_together) {
 }
 
 TEST(path, is_cut_below_a_folder) {
-  struct row {
-    const wchar_t* path;
-    const wchar_t* base;
-    const wchar_t* expected;
-  };
-  const row rows[] = {
+  const wchar_t* const rows[][3] = {
       {L"C:\\a\\b\\c", L"C:\\a", L"b\\c"}, {L"C:\\A\\b", L"c:\\a", L"b"},
       {L"C:\\a", L"C:\\", L"a"},           {L"C:\\a", L"C:\\a", L""},
       {L"C:\\ab", L"C:\\a", L"C:\\ab"},    {L"C:\\a", L"", L"C:\\a"},
       {L"C:\\a", L"C:\\a\\b", L"C:\\a"},   {L"a//b", L"a", L"b"},
       {L"C:/a/.//b", L"C:/a", L"b"},
   };
-  for (const row& r : rows) EXPECT_EQ(text(file(r.path).crop(r.base)), r.expected) << r.path;
+  for (const auto& [path, base, expected] : rows) EXPECT_EQ(text(file(path).crop(base)), expected) << path;
 }
 
 TEST(path, asks_the_file_system) {

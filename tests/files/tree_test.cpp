@@ -580,19 +580,4 @@ TEST_F(trees, a_listing_that_tells_nothing_is_a_failure) {
   }
 }
 
-TEST(directory_list, is_a_service_of_the_context) {
-  ruvo::fake_context fake;
-  const ruvo::thread_scope scope(fake);
-  fake.folders[L"Q:\\datos"] = {L"uno", L"dos", L"tres"};
-  exception err;
-  refusing filter({L"dos"});
-  recorder told(L"Q:\\datos");
-  std::vector<file> out;
-  EXPECT_TRUE(files::directory_list(L"Q:\\datos", err, filter, told));
-  EXPECT_EQ(told.order, (std::vector<std::wstring>{L"uno", L"tres"}));
-  EXPECT_TRUE(files::directory_list(L"Q:\\datos", err, filter, out));
-  EXPECT_EQ(out, (std::vector<file>{L"Q:\\datos\\uno", L"Q:\\datos\\tres"}));
-  EXPECT_FALSE(files::directory_list(fs::current_path().wstring(), err, out));
-}
-
 }  // namespace

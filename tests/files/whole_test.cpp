@@ -1,10 +1,6 @@
 // Reading, writing and copying whole files.
 
-#include <ruvo/binary.hpp>
-#include <ruvo/exc.hpp>
-#include <ruvo/files/whole.hpp>
-#include <ruvo/memo.hpp>
-#include <ruvo/texto.hpp>
+#include <ruvo/ruvo.hpp>
 
 #include <atomic>
 #include <chrono>

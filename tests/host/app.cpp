@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <chrono>
-#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <string>
@@ -11,26 +10,10 @@
 #include <unistd.h>
 
 #include "app/platform.hpp"
+#include "names.hpp"
 #include "texto/utf.hpp"
 
 namespace ruvo::platform {
-
-namespace {
-
-// Handles are never null, descriptors may be 0.
-void* handle_of(int descriptor) {
-  return reinterpret_cast<void*>(static_cast<std::intptr_t>(descriptor) + 1);
-}
-int descriptor_of(void* handle) { return static_cast<int>(reinterpret_cast<std::intptr_t>(handle) - 1); }
-
-std::string host_name(const std::wstring& path) {
-  std::string name = texto::to_utf_8(path);
-  for (char& c : name)
-    if (c == '\\') c = '/';
-  return name;
-}
-
-}  // namespace
 
 bool current_account(std::wstring& user, std::wstring& domain, std::wstring& sid) {
   user = L"usuario";
@@ -62,8 +45,7 @@ bool write_console(std::wstring_view text) {
 }
 
 void* open_to_append(const std::wstring& path) {
-  const int descriptor = open(host_name(path).c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
-  return descriptor < 0 ? nullptr : handle_of(descriptor);
+  return handle_of(open(host_name(path).c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644));
 }
 
 bool append(void* file, std::string_view bytes) noexcept {

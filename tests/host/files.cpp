@@ -3,7 +3,6 @@
 
 #include <cerrno>
 #include <chrono>
-#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -14,6 +13,7 @@
 #include <unistd.h>
 
 #include "files/platform.hpp"
+#include "names.hpp"
 #include "texto/utf.hpp"
 
 namespace ruvo::platform {
@@ -22,15 +22,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Empty for a path that names nothing.
-std::string host_name(const std::wstring& path) {
-  if (path.find(L'\0') != path.npos || path.find(L':', 2) != path.npos) return {};
-  std::string name = texto::to_utf_8(path);
-  for (char& c : name)
-    if (c == '\\') c = '/';
-  return name;
-}
-
 bool step_fails() {
   const char* const text = std::getenv("KESTA_FAIL_FILE_STEP");
   if (!text) return false;
@@ -38,12 +29,6 @@ bool step_fails() {
   if (left > 1) setenv("KESTA_FAIL_FILE_STEP", std::to_string(left - 1).c_str(), 1);
   return left <= 1;
 }
-
-// Handles are never null, descriptors may be 0.
-void* handle_of(int descriptor) {
-  return descriptor < 0 ? nullptr : reinterpret_cast<void*>(static_cast<std::intptr_t>(descriptor) + 1);
-}
-int descriptor_of(void* handle) { return static_cast<int>(reinterpret_cast<std::intptr_t>(handle) - 1); }
 
 constexpr mode_t writers = S_IWUSR | S_IWGRP | S_IWOTH;
 

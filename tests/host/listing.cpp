@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "files/listing_platform.hpp"
+#include "names.hpp"
 #include "texto/utf.hpp"
 
 namespace ruvo::platform {
@@ -12,15 +13,6 @@ namespace ruvo::platform {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// Empty for a path that names nothing.
-fs::path host_path(const std::wstring& path) {
-  if (path.find(L'\0') != path.npos || path.find(L':', 2) != path.npos) return {};
-  std::string name = texto::to_utf_8(path);
-  for (char& c : name)
-    if (c == '\\') c = '/';
-  return name;
-}
 
 void read_entry(const fs::path& path, const fs::file_status& kind, found_facts& out) {
   std::error_code error;
@@ -39,7 +31,7 @@ struct folder_reader::state {
 };
 
 folder_reader::folder_reader(const std::wstring& path) : state_(std::make_unique<state>()) {
-  state_->at = fs::directory_iterator(host_path(path), state_->error);
+  state_->at = fs::directory_iterator(host_name(path), state_->error);
 }
 
 folder_reader::~folder_reader() = default;
@@ -58,7 +50,7 @@ bool folder_reader::failed() const noexcept { return static_cast<bool>(state_->e
 
 bool look_at(const std::wstring& path, found_facts& out) {
   std::error_code error;
-  const fs::path name = host_path(path);
+  const fs::path name = host_name(path);
   const fs::file_status kind = fs::symlink_status(name, error);
   if (!fs::exists(kind)) return false;
   read_entry(name, kind, out);
@@ -67,9 +59,9 @@ bool look_at(const std::wstring& path, found_facts& out) {
 
 bool is_inside(const std::wstring& path, const std::wstring& folder) {
   std::error_code error;
-  const fs::path wanted = fs::canonical(host_path(folder), error);
+  const fs::path wanted = fs::canonical(host_name(folder), error);
   if (error || path.empty()) return false;
-  fs::path at = fs::weakly_canonical(fs::absolute(host_path(path), error), error);
+  fs::path at = fs::weakly_canonical(fs::absolute(host_name(path), error), error);
   for (; at != at.parent_path(); at = at.parent_path())
     if (at == wanted) return true;
   return at == wanted;
@@ -77,7 +69,7 @@ bool is_inside(const std::wstring& path, const std::wstring& folder) {
 
 bool remove_entry(const std::wstring& path, bool) {
   std::error_code error;
-  const fs::path name = host_path(path);
+  const fs::path name = host_name(path);
   return !name.empty() && (fs::remove(name, error) || !error);
 }
 

@@ -1,11 +1,11 @@
 // The pool: what it starts, what it queues, and that it always comes to an end.
 
 #include <ruvo/application.hpp>
-#include <ruvo/memory_collector.hpp>
 
 #include <algorithm>
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <set>
 #include <sstream>
 #include <stdexcept>
@@ -50,8 +50,7 @@ struct crowd {
       order += input.to_string() + L" ";
     }
     --inside;
-    xvar result(input);
-    task.set_mensaje(result);
+    finish(task, input);
     ++ended;
   }
 
@@ -61,12 +60,6 @@ struct crowd {
   std::wstring order;
   std::vector<std::unique_ptr<scripted>> tasks;
 };
-
-std::wstring shown(const pool& of) {
-  std::wostringstream out;
-  out << of;
-  return out.str();
-}
 
 std::errc code_of(const std::function<void()>& thrown_by) {
   try {
@@ -78,12 +71,13 @@ std::errc code_of(const std::function<void()>& thrown_by) {
 }
 
 TEST_F(jobs, counters_and_their_text) {
-  const std::wstring threads = std::to_wstring(std::thread::hardware_concurrency());
+  const std::wstring rest =
+      L"\n\tstorage: 4\n\thardware concurrency: " + std::to_wstring(std::thread::hardware_concurrency());
   pool four(4);
-  const std::wstring fresh =
-      L"\ton queue: 0\n\trunning: 0\n\tfree: 4\n\tstorage: 4\n\thardware concurrency: " + threads;
-  EXPECT_EQ(four.to_string(), fresh);
-  EXPECT_EQ(shown(four), fresh);
+  EXPECT_EQ(four.to_string(), L"\ton queue: 0\n\trunning: 0\n\tfree: 4" + rest);
+  std::wostringstream out;
+  out << four;
+  EXPECT_EQ(out.str(), four.to_string());
   EXPECT_TRUE(four.empty());
   EXPECT_TRUE(four.is_free());
   EXPECT_FALSE(four.joinable());
@@ -98,8 +92,7 @@ TEST_F(jobs, counters_and_their_text) {
   EXPECT_FALSE(four.empty());
   EXPECT_TRUE(four.joinable());
   EXPECT_NE(four.get_id(), std::thread::id());
-  EXPECT_EQ(four.to_string(),
-            L"\ton queue: 1\n\trunning: 4\n\tfree: 0\n\tstorage: 4\n\thardware concurrency: " + threads);
+  EXPECT_EQ(four.to_string(), L"\ton queue: 1\n\trunning: 4\n\tfree: 0" + rest);
   four.set_max_concurrency(3);
   EXPECT_EQ(four.free_size(), ~0ULL);
   five.open = true;
@@ -114,12 +107,9 @@ TEST_F(jobs, run_in_their_order_and_never_too_many_at_once) {
       SCOPED_TRACE(slots);
       crowd all(30);
       pool workers(static_cast<unsigned>(slots));
-      for (int i = 0; i < 30; ++i) {
-        if (stored)
-          workers.store_job(*all.tasks[static_cast<std::size_t>(i)], i);
-        else
-          workers.execute_job(*all.tasks[static_cast<std::size_t>(i)], i);
-      }
+      int next = 0;
+      for (const auto& task : all.tasks)
+        stored ? workers.store_job(*task, next++) : workers.execute_job(*task, next++);
       if (stored) {
         EXPECT_EQ(workers.pendings(), 30U);
         workers.exec();
@@ -182,22 +172,16 @@ TEST_F(jobs, queued_at_the_last_moment_are_not_forgotten) {
   }
 }
 
-struct ending_pool {
-  const char* name;
-  std::function<void(std::unique_ptr<pool>&)> drive;
-};
-
 TEST_F(jobs, end_with_a_pool_that_is_canceled_or_destroyed_while_busy) {
-  const ending_pool all[] = {
+  const struct {
+    const char* name;
+    std::function<void(std::unique_ptr<pool>&)> drive;
+  } all[] = {
       {"canceled", [](std::unique_ptr<pool>& of) { of->cancel(); }},
       {"canceled from two threads",
        [](std::unique_ptr<pool>& of) {
-         const auto cancel = [&of] {
-           try {
-             of->cancel();
-           } catch (const std::system_error&) {  // the other has joined the dispatcher
-           }
-         };
+         // The other may have joined the dispatcher.
+         const auto cancel = [&of] { static_cast<void>(code_of([&of] { of->cancel(); })); };
          std::thread other(cancel);
          cancel();
          other.join();
@@ -210,7 +194,7 @@ TEST_F(jobs, end_with_a_pool_that_is_canceled_or_destroyed_while_busy) {
          of.reset();
        }},
   };
-  for (const ending_pool& each : all)
+  for (const auto& each : all)
     for (const bool obedient : {true, false}) {
       SCOPED_TRACE(each.name);
       recorder callbacks[6];
@@ -251,8 +235,7 @@ TEST_F(jobs, free_their_slots_however_the_task_ends) {
       {"silenced", true,
        [](scripted& task, const xvar& input) {
          task.silence();
-         xvar result(input);
-         task.set_mensaje(result);
+         finish(task, input);
        },
        [](scripted&) {}},
       {"canceled by itself", true, until_canceled, [](scripted& task) { task.cancel(); }},
@@ -285,8 +268,7 @@ TEST_F(jobs, over_the_same_task_replace_each_other) {
   crowd other(1, false);
   bool speaks = false;
   scripted task([&speaks](scripted& of, const xvar& input) {
-    xvar result(input);
-    if (speaks) of.set_mensaje(result);
+    if (speaks) finish(of, input);
   });
   workers.execute_job(*other.tasks[0], 0);
   workers.execute_job(task, 1);
@@ -343,18 +325,17 @@ TEST_F(jobs, may_use_their_pool_in_callbacks) {
     SCOPED_TRACE(each.name);
     auto workers = std::make_unique<pool>(2);
     std::atomic<bool> started{false}, ended{false};
-    const auto finish = [&started, &ended](scripted& task, const xvar& input) {
+    const auto body = [&started, &ended](scripted& task, const xvar& input) {
       while (!started) std::this_thread::yield();
-      xvar result(input);
-      task.set_mensaje(result);
+      finish(task, input);
       ended = true;
     };
-    scripted next(finish);
+    scripted next(body);
     recorder callback;
     callback.then = [&](const std::wstring& what) {
       if (what == each.at) each.act(workers, next);
     };
-    scripted task(finish, &callback);
+    scripted task(body, &callback);
     workers->execute_job(task, 1);
     started = true;
     EXPECT_TRUE(comes_true([&] { return ended && (!workers || workers->empty()); }));
@@ -387,8 +368,7 @@ TEST_F(jobs, refuse_to_wait_for_themselves) {
     scripted task(
         [](scripted& of, const xvar& input) {
           until_canceled(of, input);
-          xvar result(input);
-          of.set_mensaje(result);
+          finish(of, input);
         },
         &callback);
     workers.execute_job(task, 1);
@@ -411,10 +391,6 @@ TEST_F(jobs, may_cancel_their_pool_two_at_once) {
       static_cast<void>(code_of([&workers] { workers.cancel(); }));  // one may find all in the other's hands
     };
     crowd third(1, false);
-    const auto finish = [](scripted& task, const xvar& input) {
-      xvar result(input);
-      task.set_mensaje(result);
-    };
     scripted first(finish, &callback), second(finish, &callback);
     for (scripted* each : {third.tasks[0].get(), &first, &second}) workers.execute_job(*each, 1);
     EXPECT_TRUE(comes_true([&] { return workers.empty(); }));
@@ -446,8 +422,7 @@ TEST_F(jobs, put_in_again_when_canceled_keep_their_slots) {
     scripted task(
         [&](scripted& of, const xvar& input) {
           while (!(again ? open.load() : mute || of.is_canceled())) std::this_thread::yield();
-          xvar result(input);
-          if (again) of.set_mensaje(result);
+          if (again) finish(of, input);
         },
         &callback);
     callback.then = [&](const std::wstring& what) {
@@ -471,8 +446,7 @@ TEST_F(jobs, over_and_gone_are_left_alone_by_a_cancel_under_way) {
   const scripted* slow = nullptr;
   const auto body = [&](scripted& task, const xvar& input) {
     while (!(&task == slow ? slow_may_end : quick_may_end)) std::this_thread::yield();
-    xvar result(input);
-    task.set_mensaje(result);
+    finish(task, input);
   };
   recorder callback;
   std::unique_ptr<scripted> tasks[] = {std::make_unique<scripted>(body, &callback),
@@ -510,13 +484,9 @@ TEST_F(jobs, are_kept_under_the_thread_of_the_application) {
     std::vector<std::unique_ptr<scripted>> tasks;
     for (const bool registered : {true, false}) {
       tasks.push_back(std::make_unique<scripted>([&app, registered](scripted& of, const xvar& input) {
-        xvar result(input);
-        if (registered) {
-          const ruvo::thread_scope scope(app);
-          of.set_mensaje(result);
-        } else {
-          of.set_mensaje(result);
-        }
+        const std::optional<ruvo::thread_scope> scope =
+            registered ? std::optional<ruvo::thread_scope>(std::in_place, app) : std::nullopt;
+        finish(of, input);
       }));
       one.execute_job(*tasks.back(), 1);
       tasks.back()->join();
@@ -527,22 +497,17 @@ TEST_F(jobs, are_kept_under_the_thread_of_the_application) {
 }
 
 TEST_F(jobs, by_themselves_tell_their_listener) {
-  struct noted : ruvo::sync::on_round_off {
-    void on_run_off(std::wstring uuid) override { over += uuid; }
-    std::wstring over;
-  } listener;
-  scripted task([](scripted& of, const xvar& input) {
-    xvar result(input);
-    of.set_mensaje(result);
-  });
+  listener over;
+  scripted task(finish);
   job mine(task, L"p");
   EXPECT_EQ(mine.get_state(), 2);
   EXPECT_EQ(&mine.get_taks(), &task);
-  mine.set_listener(&listener);
+  mine.set_listener(&over);
   mine.run();
   task.join();
   EXPECT_EQ(mine.get_state(), 0);
-  EXPECT_EQ(listener.over, task.get_uuid());
+  EXPECT_EQ(over.last, task.get_uuid());
+  EXPECT_EQ(over.count, 1);
   EXPECT_EQ(mine.get_uuid(), task.get_uuid());
   scripted stubborn(until_canceled);
   job other(stubborn, 1);
@@ -551,32 +516,6 @@ TEST_F(jobs, by_themselves_tell_their_listener) {
   EXPECT_EQ(other.get_id(), stubborn.get_id());
   other.cancel();
   EXPECT_FALSE(stubborn.joinable());
-}
-
-/// Counts its destructions.
-struct counted {
-  explicit counted(int& of) : count(of) {}
-  ~counted() { ++count; }
-  int& count;
-};
-
-TEST(memory_collector, keeps_an_object_once) {
-  int deleted = 0;
-  {
-    ruvo::memory_collector collector;
-    auto* const first = new counted(deleted);
-    collector.add(1, first);
-    collector.add(1, first);
-    collector.add(2, first);
-    collector.add(3, new counted(deleted));
-    EXPECT_EQ(collector.size(1), 1U);
-    EXPECT_EQ(collector.size(2), 0U);
-    EXPECT_EQ(collector.collect(2), 0U);
-    EXPECT_EQ(deleted, 0);
-    EXPECT_EQ(collector.collect(1), 1U);
-    EXPECT_EQ(deleted, 1);
-  }
-  EXPECT_EQ(deleted, 2);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <ruvo/exc.hpp>
 #include <ruvo/jobs.hpp>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
@@ -111,3 +112,19 @@ inline bool comes_true(const std::function<bool()>& so) {
 inline void until_canceled(scripted& task, const ruvo::xvar&) {
   while (!task.is_canceled()) std::this_thread::yield();
 }
+
+/// A body that ends with its input as the result.
+inline void finish(scripted& task, const ruvo::xvar& input) {
+  ruvo::xvar result(input);
+  task.set_mensaje(result);
+}
+
+/// Told how often, and by which identifier last, a task was over.
+struct listener : ruvo::sync::on_round_off {
+  void on_run_off(std::wstring uuid) override {
+    last = std::move(uuid);
+    ++count;
+  }
+  std::wstring last;
+  std::atomic<int> count{0};
+};

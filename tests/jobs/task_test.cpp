@@ -19,20 +19,11 @@ using namespace std::string_literals;
 
 constexpr wchar_t thread_failure[] = L"failure 8/1 Error indeterminado en la Ejecución de hilos";
 
-/// Counts who is over.
-struct listener : ruvo::sync::on_round_off {
-  void on_run_off(std::wstring uuid) override {
-    last = std::move(uuid);
-    ++count;
-  }
-  std::wstring last;
-  std::atomic<int> count{0};
+/// Each test ends within its time.
+class task_alone : public testing::Test {
+  const watchdog limit_{std::chrono::seconds(120)};
 };
-
-void finish(scripted& task, const xvar& input) {
-  xvar value(input);
-  task.set_mensaje(value);
-}
+using call_alone = task_alone;
 
 struct course {
   const char* name;
@@ -42,112 +33,108 @@ struct course {
   int over;  // how often the listener is told
 };
 
-const std::vector<course>& courses() {
-  static const std::vector<course> all = {
-      {"to the end",
-       [](scripted& task, const xvar& input) {
-         xvar half(1);
-         task.set_progress(half);
-         EXPECT_TRUE(task.advance(L"dos"));
-         task.advance_or_throw(3);
-         finish(task, input);
-       },
-       [](scripted& task) {
-         task.start(L"fin");
+const course courses[] = {
+    {"to the end",
+     [](scripted& task, const xvar& input) {
+       xvar half(1);
+       task.set_progress(half);
+       EXPECT_TRUE(task.advance(L"dos"));
+       task.advance_or_throw(3);
+       finish(task, input);
+     },
+     [](scripted& task) {
+       task.start(L"fin");
+       task.join();
+     },
+     L"start, progress 1, progress dos, progress 3, finish fin", 1},
+    {"canceled while it works", until_canceled,
+     [](scripted& task) {
+       task.start(0);
+       task.cancel();
+     },
+     L"start, cancel", 1},
+    {"canceled, and finishes all the same",
+     [](scripted& task, const xvar& input) {
+       until_canceled(task, input);
+       EXPECT_FALSE(task.advance(1));
+       EXPECT_THROW(task.advance_or_throw(1), ruvo::exc::ProcessCanceled);
+       finish(task, input);
+     },
+     [](scripted& task) {
+       task.start(7);
+       task.cancel();
+     },
+     L"start, finish 7, cancel", 1},
+    {"canceled before any start", finish, [](scripted& task) { task.cancel(); }, L"cancel", 0},
+    {"canceled after the end", finish,
+     [](scripted& task) {
+       task.start(1);
+       task.join();
+       task.cancel();
+       EXPECT_TRUE(task.is_canceled());
+     },
+     L"start, finish 1, cancel", 1},
+    {"cancels itself",
+     [](scripted& task, const xvar& input) {
+       task.cancel();
+       EXPECT_TRUE(task.is_canceled());
+       EXPECT_TRUE(task.joinable());
+       finish(task, input);
+     },
+     [](scripted& task) {
+       task.start(1);
+       task.join();
+     },
+     L"start, "s + thread_failure + L", finish 1", 1},
+    {"joins itself",
+     [](scripted& task, const xvar& input) {
+       try {
          task.join();
-       },
-       L"start, progress 1, progress dos, progress 3, finish fin", 1},
-      {"canceled while it works", until_canceled,
-       [](scripted& task) {
-         task.start(0);
-         task.cancel();
-       },
-       L"start, cancel", 1},
-      {"canceled, and finishes all the same",
-       [](scripted& task, const xvar& input) {
-         until_canceled(task, input);
-         EXPECT_FALSE(task.advance(1));
-         EXPECT_THROW(task.advance_or_throw(1), ruvo::exc::ProcessCanceled);
-         finish(task, input);
-       },
-       [](scripted& task) {
-         task.start(7);
-         task.cancel();
-       },
-       L"start, finish 7, cancel", 1},
-      {"canceled before any start", finish, [](scripted& task) { task.cancel(); }, L"cancel", 0},
-      {"canceled after the end", finish,
-       [](scripted& task) {
-         task.start(1);
+         ADD_FAILURE();
+       } catch (const std::system_error& error) {
+         EXPECT_EQ(error.code(), std::errc::resource_deadlock_would_occur);
+       }
+       finish(task, input);
+     },
+     [](scripted& task) {
+       task.start(1);
+       task.join();
+       task.join();  // nothing to wait for
+     },
+     L"start, finish 1", 1},
+    {"silenced before the end",
+     [](scripted& task, const xvar& input) {
+       task.silence();
+       xvar value(1);
+       task.set_progress(value);
+       finish(task, input);
+     },
+     [](scripted& task) {
+       task.start(1);
+       task.join();
+       task.cancel();
+     },
+     L"start", 1},
+    {"ends without a word", [](scripted&, const xvar&) {},
+     [](scripted& task) {
+       task.start(1);
+       task.join();
+       EXPECT_FALSE(task.joinable());
+       EXPECT_EQ(task.get_id(), std::thread::id());
+     },
+     L"start", 0},
+    {"runs again", finish,
+     [](scripted& task) {
+       for (int i = 1; i <= 3; ++i) {
+         task.start(i);
          task.join();
-         task.cancel();
-         EXPECT_TRUE(task.is_canceled());
-       },
-       L"start, finish 1, cancel", 1},
-      {"cancels itself",
-       [](scripted& task, const xvar& input) {
-         task.cancel();
-         EXPECT_TRUE(task.is_canceled());
-         EXPECT_TRUE(task.joinable());
-         finish(task, input);
-       },
-       [](scripted& task) {
-         task.start(1);
-         task.join();
-       },
-       L"start, "s + thread_failure + L", finish 1", 1},
-      {"joins itself",
-       [](scripted& task, const xvar& input) {
-         try {
-           task.join();
-           ADD_FAILURE();
-         } catch (const std::system_error& error) {
-           EXPECT_EQ(error.code(), std::errc::resource_deadlock_would_occur);
-         }
-         finish(task, input);
-       },
-       [](scripted& task) {
-         task.start(1);
-         task.join();
-         task.join();  // nothing to wait for
-       },
-       L"start, finish 1", 1},
-      {"silenced before the end",
-       [](scripted& task, const xvar& input) {
-         task.silence();
-         xvar value(1);
-         task.set_progress(value);
-         finish(task, input);
-       },
-       [](scripted& task) {
-         task.start(1);
-         task.join();
-         task.cancel();
-       },
-       L"start", 1},
-      {"ends without a word", [](scripted&, const xvar&) {},
-       [](scripted& task) {
-         task.start(1);
-         task.join();
-         EXPECT_FALSE(task.joinable());
-         EXPECT_EQ(task.get_id(), std::thread::id());
-       },
-       L"start", 0},
-      {"runs again", finish,
-       [](scripted& task) {
-         for (int i = 1; i <= 3; ++i) {
-           task.start(i);
-           task.join();
-         }
-       },
-       L"start, finish 1, start, finish 2, start, finish 3", 3},
-  };
-  return all;
-}
+       }
+     },
+     L"start, finish 1, start, finish 2, start, finish 3", 3},
+};
 
-TEST(task, tells_its_callback_and_its_listener) {
-  const watchdog limit(std::chrono::seconds(60));
-  for (const course& each : courses()) {
+TEST_F(task_alone, tells_its_callback_and_its_listener) {
+  for (const course& each : courses) {
     SCOPED_TRACE(each.name);
     recorder callback;
     listener over;
@@ -163,8 +150,7 @@ TEST(task, tells_its_callback_and_its_listener) {
   }
 }
 
-TEST(task, a_callback_that_throws_becomes_a_failure) {
-  const watchdog limit(std::chrono::seconds(60));
+TEST_F(task_alone, a_callback_that_throws_becomes_a_failure) {
   recorder callback;
   callback.then = [](const std::wstring& what) {
     if (what != L"start") throw 1;
@@ -182,8 +168,7 @@ TEST(task, a_callback_that_throws_becomes_a_failure) {
   EXPECT_EQ(callback.told(), L"cancel, "s + thread_failure + L", cancel, " + thread_failure);
 }
 
-TEST(task, the_listener_is_told_even_when_the_callback_throws) {
-  const watchdog limit(std::chrono::seconds(60));
+TEST_F(task_alone, the_listener_is_told_even_when_the_callback_throws) {
   recorder callback;
   listener over;
   callback.then = [](const std::wstring& what) {
@@ -206,7 +191,7 @@ TEST(task, the_listener_is_told_even_when_the_callback_throws) {
   EXPECT_EQ(over.count, 1);
 }
 
-TEST(task, a_start_that_throws_leaves_nothing_running) {
+TEST_F(task_alone, a_start_that_throws_leaves_nothing_running) {
   recorder callback;
   listener over;
   callback.then = [](const std::wstring&) { throw std::runtime_error("no"); };
@@ -217,8 +202,7 @@ TEST(task, a_start_that_throws_leaves_nothing_running) {
   EXPECT_EQ(over.count, 0);
 }
 
-TEST(task, works_on_a_copy_of_its_input_and_keeps_copies_of_its_values) {
-  const watchdog limit(std::chrono::seconds(60));
+TEST_F(task_alone, works_on_a_copy_of_its_input_and_keeps_copies_of_its_values) {
   std::atomic<bool> gone{false};
   recorder callback;
   const xvar* result = nullptr;
@@ -248,8 +232,7 @@ TEST(task, works_on_a_copy_of_its_input_and_keeps_copies_of_its_values) {
   EXPECT_NE(result, nullptr);
 }
 
-TEST(task, many_threads_may_join_and_cancel) {
-  const watchdog limit(std::chrono::seconds(120));
+TEST_F(task_alone, many_threads_may_join_and_cancel) {
   for (int round = 0; round < 20; ++round) {
     std::atomic<bool> ended{false};
     std::atomic<int> early{0};
@@ -272,8 +255,7 @@ TEST(task, many_threads_may_join_and_cancel) {
   }
 }
 
-TEST(task, a_detached_thread_is_not_waited_for) {
-  const watchdog limit(std::chrono::seconds(60));
+TEST_F(task_alone, a_detached_thread_is_not_waited_for) {
   // Nothing tells when such a thread has left the task for good, so these outlive the test.
   static std::atomic<bool> go{false};
   static listener over;
@@ -292,8 +274,7 @@ TEST(task, a_detached_thread_is_not_waited_for) {
 }
 
 // Threads that are detached as they end have ended the process here, in the runtime's own code.
-TEST(task, a_thread_may_be_let_go_as_it_ends) {
-  const watchdog limit(std::chrono::seconds(120));
+TEST_F(task_alone, a_thread_may_be_let_go_as_it_ends) {
   static std::atomic<int> ended{0};
   ruvo::detail::worker worker;
   for (int round = 0; round < 500; ++round) {
@@ -309,7 +290,7 @@ TEST(task, a_thread_may_be_let_go_as_it_ends) {
   EXPECT_TRUE(worker.join());
 }
 
-TEST(task, orders_downwards_by_its_identifier) {
+TEST_F(task_alone, orders_downwards_by_its_identifier) {
   std::vector<std::unique_ptr<scripted>> tasks;
   for (int i = 0; i < 30; ++i) tasks.push_back(std::make_unique<scripted>(finish));
   for (const auto& a : tasks) {
@@ -335,7 +316,7 @@ class poor_app : public ruvo::kesta::app {
   mutable std::wstring asked;
 };
 
-TEST(task, is_told_apart_even_where_the_application_has_no_identifiers) {
+TEST_F(task_alone, is_told_apart_even_where_the_application_has_no_identifiers) {
   poor_app app;
   const ruvo::thread_scope scope(app);
   const scripted a(finish), b(finish);
@@ -367,7 +348,7 @@ struct bundle_sizes : ruvo::task::ibunlistener {
   std::vector<std::size_t> sizes;
 };
 
-TEST(task, takes_bundles) {
+TEST_F(task_alone, takes_bundles) {
   bundle_sizes told;
   {
     bundled task(&told);
@@ -386,8 +367,7 @@ struct ending {
   std::wstring told;
 };
 
-TEST(call, ends_in_a_result_or_in_a_failure) {
-  const watchdog limit(std::chrono::seconds(60));
+TEST_F(call_alone, ends_in_a_result_or_in_a_failure) {
   const std::vector<ending> all = {
       {"result", [](const xvar& input) { return input; }, L"finish entrada"},
       {"own exception", [](const xvar&) -> xvar { throw ruvo::exc::OutOfRange(); },
@@ -417,8 +397,7 @@ TEST(call, ends_in_a_result_or_in_a_failure) {
   }
 }
 
-TEST(call, that_is_canceled_says_so) {
-  const watchdog limit(std::chrono::seconds(60));
+TEST_F(call_alone, that_is_canceled_says_so) {
   for (const bool throwing : {true, false}) {
     std::wstring told;
     std::atomic<int> steps{0};
@@ -448,7 +427,7 @@ TEST(call, that_is_canceled_says_so) {
   }
 }
 
-TEST(call, canceled_before_its_start_skips_the_body) {
+TEST_F(call_alone, canceled_before_its_start_skips_the_body) {
   bool ran = false;
   int failures = 0;
   ruvo::task::call task(
@@ -466,7 +445,7 @@ TEST(call, canceled_before_its_start_skips_the_body) {
   EXPECT_EQ(failures, 1);
 }
 
-TEST(call, destroyed_at_once_still_tells_its_end) {
+TEST_F(call_alone, destroyed_at_once_still_tells_its_end) {
   for (int round = 0; round < 100; ++round) {
     std::atomic<int> finished{0}, failed{0};
     {
@@ -479,7 +458,7 @@ TEST(call, destroyed_at_once_still_tells_its_end) {
   }
 }
 
-TEST(call, survives_handlers_that_throw_and_none_at_all) {
+TEST_F(call_alone, survives_handlers_that_throw_and_none_at_all) {
   listener over;
   int failures = 0;
   const auto one = [](const xvar&, ruvo::task::steps) -> xvar { return 1; };
@@ -501,7 +480,7 @@ TEST(call, survives_handlers_that_throw_and_none_at_all) {
   EXPECT_EQ(failures, 3);  // the end of the first, its cancellation, the empty body
 }
 
-TEST(call, silence_silences_its_handlers) {
+TEST_F(call_alone, silence_silences_its_handlers) {
   int told = 0;
   ruvo::task::call task([](const xvar&, ruvo::task::steps) -> xvar { return 1; },
                         {.finish = [&told](const xvar&) { ++told; }});

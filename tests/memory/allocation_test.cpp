@@ -1,15 +1,7 @@
 // The n-th allocation fails, for every n: nothing leaks, nothing breaks, and what was there before is there
 // still. This program is linked statically, so that the library's allocations come here too.
 
-#include <ruvo/binary.hpp>
-#include <ruvo/bundle.hpp>
-#include <ruvo/http.hpp>
-#include <ruvo/list.hpp>
-#include <ruvo/memo.hpp>
-#include <ruvo/serializer.hpp>
-#include <ruvo/smtp/email.hpp>
-#include <ruvo/smtp/response.hpp>
-#include <ruvo/xml.hpp>
+#include <ruvo/ruvo.hpp>
 
 #include <cstdlib>
 #include <functional>

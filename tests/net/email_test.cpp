@@ -1,7 +1,6 @@
 #include <ruvo/ruvo.hpp>
 
 #include <limits>
-#include <random>
 #include <regex>
 #include <sstream>
 #include <stdexcept>
@@ -11,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/dice.hpp"
 #include "support/rounds.hpp"
 
 namespace {
@@ -295,53 +295,38 @@ TEST(Email, Bodies) {
 
 class EmailRounds : public generated_inputs {
  protected:
-  unsigned below(unsigned count) { return static_cast<unsigned>(random() % count); }
-
-  /// Up to `most` parts of those.
-  std::wstring joined(const std::vector<std::wstring>& parts, unsigned most) {
-    std::wstring text;
-    for (unsigned n = below(most + 1); n > 0; --n) text += parts[below(static_cast<unsigned>(parts.size()))];
-    return text;
-  }
-
   /// Texts of any kind, or such as a header line keeps: `tame` ones hold no line ends, no blanks at their
   /// ends and nothing that ends an address.
   std::wstring text(bool tame) {
     static const std::vector<std::wstring> mild = {L"a",  L"Ñ",  L"€", L"\xD83D\xDE00",
                                                    L" ",  L"; ", L",", L":",
                                                    L"=?", L".",  L"-", L"8"},
-                                           wild = {L"\r\n",
-                                                   L"\n",
-                                                   L"\t",
-                                                   L"<",
-                                                   L">",
-                                                   L"\"",
-                                                   L"@",
-                                                   std::wstring(1, L'\0'),
-                                                   std::wstring(1, L'\xD83D')};
-    if (tame || below(2) == 0) return texto::trim_(joined(mild, 9));
-    return joined(mild, 3) + joined(wild, 5) + joined(mild, 3);
+                                           wild = {L"\r\n",  L"\n", L"\t", L"<",
+                                                   L">",     L"\"", L"@",  std::wstring(1, L'\0'),
+                                                   L"\xD83D"};
+    if (tame || random.one_in(2)) return texto::trim_(random.joined(mild, 9));
+    return random.joined(mild, 3) + random.joined(wild, 5) + random.joined(mild, 3);
   }
 
   address who(bool tame) {
-    static const std::vector<std::wstring> letters = {L"a", L"B", L"_", L"-", L"7", L"+"};
-    const std::wstring mail = L"x" + joined(letters, 2) + L"@y" + std::to_wstring(below(20)) + L".es";
+    const std::wstring mail =
+        L"x" + random.joined(pieces(L"a B _ - 7 +"), 2) + L"@y" + std::to_wstring(random.below(20)) + L".es";
     std::wstring name = text(tame);
     if (tame) name.erase(0, name.find_first_not_of(L";, "));
-    return address(name, tame || below(4) != 0 ? mail : text(false));
+    return address(name, tame || !random.one_in(4) ? mail : text(false));
   }
 
   email message(bool tame) {
     email made(who(tame), text(tame), text(tame), text(tame));
-    if (below(2) == 0) made.set_sender(who(tame));
-    for (unsigned n = below(6); n > 0; --n)
-      made[who(tame)] = static_cast<email::RCTP>(tame ? 2 + below(3) : below(5));
-    for (unsigned n = below(3); n > 0; --n) made.push(ruvo::file(text(false)));
-    const auto mode = below(2) == 0 ? ruvo::times::LOCAL : ruvo::times::GMT;
-    return made.set_date(datetime(static_cast<long long>(random()) - (1ll << 31), mode));
+    if (random.one_in(2)) made.set_sender(who(tame));
+    for (unsigned n = random.below(6); n > 0; --n)
+      made[who(tame)] = static_cast<email::RCTP>(tame ? 2 + random.below(3) : random.below(5));
+    for (unsigned n = random.below(3); n > 0; --n) made.push(ruvo::file(text(false)));
+    const auto mode = random.one_in(2) ? ruvo::times::LOCAL : ruvo::times::GMT;
+    return made.set_date(datetime(static_cast<long long>(random.number() >> 32) - (1ll << 31), mode));
   }
 
-  std::mt19937 random{20260};
+  dice random{20260};
 };
 
 TEST_F(EmailRounds, ThereAndBack) {
@@ -376,7 +361,7 @@ TEST_F(EmailRounds, HeadsGoAsByThePattern) {
   const std::wstring empty = email().get_hmtl_post();
   const std::size_t before = empty.find(L"</body>");
   for (unsigned n = 3000 * rounds(); n > 0; --n, ++inputs) {
-    const std::wstring body = joined(parts, 8) + L"<p>";
+    const std::wstring body = random.joined(parts, 8) + L"<p>";
     const std::wstring post = email(L"", L"", body).get_hmtl_post();
     ASSERT_EQ(post.substr(before, post.size() - empty.size()), std::regex_replace(body, head, L""))
         << texto::to_utf_8(body);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <chrono>
 #include <map>
-#include <random>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -14,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/dice.hpp"
 #include "support/rounds.hpp"
 
 namespace {
@@ -28,18 +28,15 @@ const std::wstring default_response_headers = L"Accept: */*\r\nContent-Type: tex
 // --- the status
 
 TEST(Status, SuccessIsANumberOfZeroInAnyRange) {
-  struct row {
-    unsigned long raw;
-    bool ok;
-  };
-  for (const row& r :
-       {row{0xEBB80000, true}, row{0xEBB803E8, true}, row{0xEBB9FDE8, true}, row{0, true},
-        row{0xEBB80001, false}, row{0xEBB903E9, false}, row{0xEBB803E7, false}, row{0x8000FFFF, false}}) {
+  const auto with_status = [](unsigned long raw) {
     response answer;
-    answer.set_exception(ruvo::exception(r.raw, L"x"));
-    EXPECT_EQ(answer.OK(), r.ok) << std::hex << r.raw;
-    EXPECT_EQ(answer.WRONG(), !r.ok) << std::hex << r.raw;
-  }
+    answer.set_exception(ruvo::exception(raw, L"x"));
+    return answer;
+  };
+  for (const unsigned long raw : {0xEBB80000ul, 0xEBB803E8ul, 0xEBB9FDE8ul, 0ul})
+    EXPECT_TRUE(with_status(raw).OK() && !with_status(raw).WRONG()) << std::hex << raw;
+  for (const unsigned long raw : {0xEBB80001ul, 0xEBB903E9ul, 0xEBB803E7ul, 0x8000FFFFul})
+    EXPECT_TRUE(!with_status(raw).OK() && with_status(raw).WRONG()) << std::hex << raw;
 }
 
 TEST(Status, IsACopyThatCanBeReadAndWritten) {
@@ -124,19 +121,19 @@ TYPED_TEST(Headers, AbsentNames) {
 }
 
 TYPED_TEST(Headers, TableIsAMapByLoweredNames) {
-  std::mt19937 random(20);
+  dice random(20);
   const std::wstring letters = L"aAbBzZ@[`{_-0éÉ\xFFFF";
   TypeParam m;
   m.clear();
   std::map<std::wstring, std::pair<std::wstring, std::wstring>> model;  // by lowered name: spelling, value
   for (int i = 0; i < 20000; ++i) {
     std::wstring name, lowered;
-    for (auto n = random() % 4; n > 0; --n) name += letters[random() % letters.size()];
+    for (auto n = random.below(4); n > 0; --n) name += random.unit(letters);
     for (const wchar_t c : name) lowered += c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c + 32) : c;
     const std::string narrow = ruvo::texto::to_utf_8(name);
     const auto known = model.find(lowered);
     ASSERT_EQ(i % 2 ? m.count(name) : m.count(narrow), known == model.end() ? 0u : 1u);
-    if (random() % 3 == 0) {
+    if (random.one_in(3)) {
       ASSERT_EQ(i % 2 ? m.erase(name) : m.erase(narrow), model.erase(lowered));
     } else {
       const std::wstring value = std::to_wstring(i);
@@ -293,16 +290,10 @@ TEST(Request, ConstructionAndFields) {
 }
 
 TEST(Request, IsSecure) {
-  struct row {
-    const wchar_t* url;
-    bool secure;
-  };
-  for (const row& r :
-       {row{L"https://h", true}, row{L"HTTPS://h", true}, row{L"wss:", true}, row{L"as.s:x", true},
-        row{L"http://h", false}, row{L"ws://h", false}, row{L"http://s:80", false}, row{L"s:", false},
-        row{L":s", false}, row{L"", false}, row{L"https", false}, row{L"h/s:80", true}}) {
-    EXPECT_EQ(request(r.url, L"").is_secure(), r.secure) << ruvo::texto::to_utf_8(r.url);
-  }
+  for (const wchar_t* const url : {L"https://h", L"HTTPS://h", L"wss:", L"as.s:x", L"h/s:80"})
+    EXPECT_TRUE(request(url, L"").is_secure()) << url;
+  for (const wchar_t* const url : {L"http://h", L"ws://h", L"http://s:80", L"s:", L":s", L"", L"https"})
+    EXPECT_FALSE(request(url, L"").is_secure()) << url;
 }
 
 // --- responses
@@ -396,15 +387,15 @@ TEST(Response, ManySmallPiecesTakeLinearTime) {
 
 class HttpGenerated : public generated_inputs {
  protected:
-  std::wstring text(std::wstring_view units, std::size_t most) {
-    std::wstring made;
-    for (auto n = random() % (most + 1); n > 0; --n) made += units[random() % units.size()];
+  std::wstring text(std::wstring_view units, unsigned most) {
+    std::wstring made(random.below(most + 1), L' ');
+    for (wchar_t& c : made) c = random.unit(units);
     return made;
   }
   template <class Message>
   void fill(Message& m) {
-    if (random() % 4 == 0) m.clear();
-    for (auto n = random() % 8; n > 0; --n) {
+    if (random.one_in(4)) m.clear();
+    for (auto n = random.below(8); n > 0; --n) {
       const std::wstring name = L"x" + text(L"aAbBcC-_.é", 12);
       m[name] = text(name_free, 30);
     }
@@ -422,7 +413,7 @@ class HttpGenerated : public generated_inputs {
     ASSERT_EQ(back.get_body(), m.get_body());
   }
 
-  std::mt19937 random;
+  dice random{0};
 
  private:
   /// Reads the text form line by line.
@@ -452,7 +443,7 @@ class HttpGenerated : public generated_inputs {
 
 TEST_F(HttpGenerated, ToXvarAndTextAndBack) {
   for (unsigned round = 0; round < rounds(); ++round) {
-    random.seed(800 + round);
+    random = dice(800 + round);
     for (int i = 0; i < 2000; ++i) {
       request asked(text(L"htps:/.x", 20), L"");
       fill(asked);

@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/dice.hpp"
+
 namespace {
 
 using ruvo::color;
@@ -204,24 +206,12 @@ TEST(Color, Texts) {
 }
 
 TEST(Color, BadTextsAreStoredAndChangeNothingElse) {
-  const std::wstring bad[] = {L"",
-                              L"#",
-                              L"#FFF",
-                              L"FF0000",
-                              L"FF00000",
-                              L"#GG0000",
-                              L"#12345",
-                              L"#1234567",
-                              L"#12 456",
-                              L"#-12345",
-                              L"#0x1234",
-                              L"ROJO",
-                              L"#12345678 ",
-                              L"#１２３４５６",
-                              L"#12345\xD83D",
-                              L"\uFEFF#12345",
-                              std::wstring(7, L'\0'),
-                              std::wstring(1000000, L'#')};
+  std::vector<std::wstring> bad = pieces(
+      L"# #FFF FF0000 FF00000 #GG0000 #12345 #1234567 #-12345 #0x1234 ROJO #１２３４５６ #12345\xD83D "
+      L"\uFEFF#12345");
+  for (const std::wstring& other : {std::wstring(), std::wstring(L"#12 456"), std::wstring(L"#12345678 "),
+                                    std::wstring(7, L'\0'), std::wstring(1000000, L'#')})
+    bad.push_back(other);
   for (const std::wstring& text : bad) {
     color c = color(10u, 20u, 30u, 0.5f).set_amount(7);
     const hsl before = hsl_of(c);

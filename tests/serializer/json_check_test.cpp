@@ -1,20 +1,16 @@
 // The check of JSON texts: tables of single departures, and generated documents whose outcome is known or
 // told by a second, recursive reading of the grammar.
 
-#include <ruvo/bundle.hpp>
-#include <ruvo/exception.hpp>
-#include <ruvo/json_check.hpp>
-#include <ruvo/reading.hpp>
-#include <ruvo/serializer.hpp>
+#include <ruvo/ruvo.hpp>
 
 #include <algorithm>
-#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "serializer/json_source.hpp"
 #include "support/rounds.hpp"
 
 using ruvo::serializer::check_json;
@@ -42,10 +38,6 @@ std::vector<found> check(std::wstring_view text, bool duplicates = false) {
   return out;
 }
 
-}  // namespace
-
-namespace {
-
 struct row {
   std::wstring text;
   std::vector<found> expected;
@@ -56,71 +48,67 @@ void expect_rows(const std::vector<row>& rows, bool duplicates = false) {
     EXPECT_EQ(check(r.text, duplicates), r.expected) << testing::PrintToString(r.text);
 }
 
-TEST(json_check, a_text_is_one_value_between_blanks) {
+/// Each departure is at the character behind a ¦.
+TEST(json_check, departures_of_one_kind) {
+  const struct {
+    rule departure;
+    std::vector<std::wstring> texts;
+  } rows[] = {
+      {rule::no_value, {L"¦", L" \r\n ¦"}},
+      {rule::byte_order_mark, {L"¦\xFEFF{}"}},
+      {rule::blank,
+       {L"1¦\xFEFF",
+        L"[¦\xA0"
+        L"1¦\v,¦\f2¦\x2028]¦\x85"}},
+      {rule::trailing_text, {L"{} ¦{}", L"1\n¦,,,true,tru", L"[]¦]"}},
+      {rule::unexpected, {L"¦]1", L"¦,1", L"{\"a\":¦:1}", L"{\"a\":1¦:2}", L"[1¦:2]"}},
+      {rule::comment, {L"[1 ¦/*/ ]", L"¦// a\n[1, ¦/* \xD83D\xDE00 * / */ 2] ¦//"}},
+      {rule::literal, {L"¦/"}},
+      {rule::trailing_comma, {L"[1¦,]", L"{\"a\":1 ¦, }"}},
+      {rule::missing_value,
+       {L"[¦,1]", L"[1,¦,2]", L"{\"a\":¦}", L"{\"a\":¦,\"b\":2}", L"{\"a\":1,¦,\"b\":2}"}},
+      {rule::missing_colon, {L"{\"a\"¦}", L"{\"a\"¦,\"b\":1}", L"{\"a\" ¦1}", L"{\"a\" ¦[1]}"}},
+      {rule::bad_name, {L"{¦:1}", L"{¦[1],\"a\":1}", L"{¦1:1,¦null:2}"}},
+      {rule::quotes, {L"{¦'a':1}", L"[¦'a\\'b', ¦'c\n]"}},
+      {rule::missing_comma, {L"[1 ¦2]", L"{\"a\":1 ¦\"b\":2}", L"{\"a\":1 ¦2}", L"[1¦[2]¦\"a\"¦{}]"}},
+      {rule::wrong_bracket, {L"[1¦}", L"{\"a\":1¦]", L"{\"a\":[1¦}", L"[{¦]"}},
+      {rule::unclosed, {L"[¦", L"[1,\n¦", L"{\"a\":[[[¦"}},
+      {rule::unclosed_string, {L"[¦\"abc", L"¦\"\\", L"¦\"\\\""}},
+      {rule::control_character, {L"\"a¦\tb¦\n\""}},
+      {rule::escape, {LR"("¦\a¦\'¦\U0041¦\ ")", LR"(["¦\u","¦\u12","¦\u00G0","¦\u+123"])"}},
+      {rule::lone_surrogate,
+       {LR"("¦\ud83d ¦\udc00¦\ud83d\ud83d\ude00")", L"\"¦\xD83D\xD83D\xDE00¦\xDE00¦\\ude00\"",
+        L"\"¦\xD83D¦\\ude00\""}},
+  };
+  for (const auto& row : rows)
+    for (std::wstring text : row.texts) {
+      std::vector<std::size_t> marks;
+      for (std::size_t at; (at = text.find(L'¦')) != text.npos; text.erase(at, 1)) marks.push_back(at + 1);
+      std::vector<found> expected;
+      for (const std::size_t position : marks) {
+        const auto place = ruvo::serializer::position_of(text, position);
+        expected.push_back({row.departure, place.line, place.column});
+      }
+      EXPECT_EQ(check(text), expected) << testing::PrintToString(text);
+    }
+}
+
+TEST(json_check, clean_texts_and_departures_of_several_kinds) {
   expect_rows({
       {L" \t\r\n1\r\n", {}},
       {L"\"\"", {}},
       {L"null", {}},
-      {L"", {{rule::no_value, 1, 1}}},
-      {L" \r\n ", {{rule::no_value, 2, 2}}},
-      {L"\xFEFF{}", {{rule::byte_order_mark, 1, 1}}},
       {L"\xFEFF", {{rule::byte_order_mark, 1, 1}, {rule::no_value, 1, 2}}},
-      {L"1\xFEFF", {{rule::blank, 1, 2}}},
-      {L"{} {}", {{rule::trailing_text, 1, 4}}},
-      {L"1\n,,,true,tru", {{rule::trailing_text, 2, 1}}},
-      {L"[]]", {{rule::trailing_text, 1, 3}}},
-      {L"]1", {{rule::unexpected, 1, 1}}},
-      {L",1", {{rule::unexpected, 1, 1}}},
-      {L"[\xA0"
-       L"1\v,\f2\x2028]\x85",
-       {{rule::blank, 1, 2},
-        {rule::blank, 1, 4},
-        {rule::blank, 1, 6},
-        {rule::blank, 1, 8},
-        {rule::blank, 1, 10}}},
-      {L"// a\n[1, /* \xD83D\xDE00 * / */ 2] //",
-       {{rule::comment, 1, 1}, {rule::comment, 2, 5}, {rule::comment, 2, 20}}},
-      {L"[1 /*/ ]", {{rule::comment, 1, 4}}},
-      {L"/", {{rule::literal, 1, 1}}},
-  });
-}
-
-TEST(json_check, structure) {
-  expect_rows({
       {L"{\"a\":{\"b\":[{},[],[[]]]}}", {}},
-      {L"[1,]", {{rule::trailing_comma, 1, 3}}},
-      {L"{\"a\":1 , }", {{rule::trailing_comma, 1, 8}}},
-      {L"[,1]", {{rule::missing_value, 1, 2}}},
-      {L"[1,,2]", {{rule::missing_value, 1, 4}}},
       {L"[,]", {{rule::missing_value, 1, 2}, {rule::trailing_comma, 1, 2}}},
       {L"{,}", {{rule::missing_value, 1, 2}, {rule::trailing_comma, 1, 2}}},
-      {L"{\"a\":}", {{rule::missing_value, 1, 6}}},
-      {L"{\"a\":,\"b\":2}", {{rule::missing_value, 1, 6}}},
-      {L"{\"a\":1,,\"b\":2}", {{rule::missing_value, 1, 8}}},
-      {L"{\"a\"}", {{rule::missing_colon, 1, 5}}},
-      {L"{\"a\",\"b\":1}", {{rule::missing_colon, 1, 5}}},
-      {L"{\"a\" 1}", {{rule::missing_colon, 1, 6}}},
-      {L"{\"a\" [1]}", {{rule::missing_colon, 1, 6}}},
-      {L"{\"a\"::1}", {{rule::unexpected, 1, 6}}},
-      {L"{\"a\":1:2}", {{rule::unexpected, 1, 7}}},
-      {L"[1:2]", {{rule::unexpected, 1, 3}}},
-      {L"{:1}", {{rule::bad_name, 1, 2}}},
-      {L"{1:1,null:2}", {{rule::bad_name, 1, 2}, {rule::bad_name, 1, 6}}},
       {L"{a:1}", {{rule::literal, 1, 2}, {rule::bad_name, 1, 2}}},
-      {L"{'a':1}", {{rule::quotes, 1, 2}}},
-      {L"{[1],\"a\":1}", {{rule::bad_name, 1, 2}}},
-      {L"[1 2]", {{rule::missing_comma, 1, 4}}},
-      {L"[1[2]\"a\"{}]",
-       {{rule::missing_comma, 1, 3}, {rule::missing_comma, 1, 6}, {rule::missing_comma, 1, 9}}},
-      {L"{\"a\":1 \"b\":2}", {{rule::missing_comma, 1, 8}}},
-      {L"{\"a\":1 2}", {{rule::missing_comma, 1, 8}}},
-      {L"[1}", {{rule::wrong_bracket, 1, 3}}},
-      {L"{\"a\":1]", {{rule::wrong_bracket, 1, 7}}},
-      {L"{\"a\":[1}", {{rule::wrong_bracket, 1, 8}}},
-      {L"[{]", {{rule::wrong_bracket, 1, 3}}},
-      {L"[", {{rule::unclosed, 1, 2}}},
-      {L"[1,\n", {{rule::unclosed, 2, 1}}},
-      {L"{\"a\":[[[", {{rule::unclosed, 1, 9}}},
+      {LR"("\"\\\/\b\f\n\r\t\u00e1\uD83d\uDE00")", {}},
+      {L"\"\x7F\x85\x2028\xFEFF\xFFFF\xD83D\xDE00\"", {}},
+      {std::wstring(L"\"\0\"", 3), {{rule::control_character, 1, 2}}},
+      {L"\"\\\xD83D\xDE00\\\n\"",
+       {{rule::escape, 1, 2}, {rule::escape, 1, 4}, {rule::control_character, 1, 5}}},
+      {L"\"\\u00", {{rule::unclosed_string, 1, 1}, {rule::escape, 1, 2}}},
   });
 }
 
@@ -135,31 +123,6 @@ TEST(json_check, words_and_numbers) {
   for (const wchar_t* const bad : {L"True", L"FALSE", L"nul", L"nulls", L"NaN", L"Infinity", L"undefined",
                                    L"t", L"\x01", L"\xD83D", L"ñ", L"\\n", L"\x200B"})
     EXPECT_EQ(check(bad), (std::vector<found>{{rule::literal, 1, 1}})) << testing::PrintToString(bad);
-}
-
-TEST(json_check, strings) {
-  expect_rows({
-      {LR"("\"\\\/\b\f\n\r\t\u00e1\uD83d\uDE00")", {}},
-      {L"\"\x7F\x85\x2028\xFEFF\xFFFF\xD83D\xDE00\"", {}},
-      {L"\"a\tb\n\"", {{rule::control_character, 1, 3}, {rule::control_character, 1, 5}}},
-      {std::wstring(L"\"\0\"", 3), {{rule::control_character, 1, 2}}},
-      {LR"("\a\'\U0041\ ")",
-       {{rule::escape, 1, 2}, {rule::escape, 1, 4}, {rule::escape, 1, 6}, {rule::escape, 1, 12}}},
-      {L"\"\\\xD83D\xDE00\\\n\"",
-       {{rule::escape, 1, 2}, {rule::escape, 1, 4}, {rule::control_character, 1, 5}}},
-      {LR"(["\u","\u12","\u00G0","\u+123"])",
-       {{rule::escape, 1, 3}, {rule::escape, 1, 8}, {rule::escape, 1, 15}, {rule::escape, 1, 24}}},
-      {LR"("\ud83d \udc00\ud83d\ud83d\ude00")",
-       {{rule::lone_surrogate, 1, 2}, {rule::lone_surrogate, 1, 9}, {rule::lone_surrogate, 1, 15}}},
-      {L"\"\xD83D\xD83D\xDE00\xDE00\\ude00\"",
-       {{rule::lone_surrogate, 1, 2}, {rule::lone_surrogate, 1, 4}, {rule::lone_surrogate, 1, 5}}},
-      {L"\"\xD83D\\ude00\"", {{rule::lone_surrogate, 1, 2}, {rule::lone_surrogate, 1, 3}}},
-      {L"[\"abc", {{rule::unclosed_string, 1, 2}}},
-      {L"\"\\", {{rule::unclosed_string, 1, 1}}},
-      {L"\"\\\"", {{rule::unclosed_string, 1, 1}}},
-      {L"\"\\u00", {{rule::unclosed_string, 1, 1}, {rule::escape, 1, 2}}},
-      {L"['a\\'b', 'c\n]", {{rule::quotes, 1, 2}, {rule::quotes, 1, 10}}},
-  });
 }
 
 TEST(json_check, duplicate_names_are_compared_as_they_read) {
@@ -286,89 +249,6 @@ class grammar {
   std::size_t at_ = 0;
 };
 
-/// A part of a document; what it is stands in `kind`: a bracket, a comma, a colon, or s, n, l or a blank.
-struct part {
-  wchar_t kind;
-  std::wstring text;
-};
-
-class generator {
- public:
-  explicit generator(unsigned seed) : random_(seed) {}
-
-  unsigned below(std::size_t limit) { return static_cast<unsigned>(random_() % limit); }
-  wchar_t any(std::wstring_view set) { return set[below(set.size())]; }
-
-  std::vector<part> document() {
-    parts_.clear();
-    value(0);
-    return parts_;
-  }
-
- private:
-  void add(wchar_t kind, std::wstring text) {
-    parts_.push_back({kind, std::move(text)});
-    if (below(5) == 0) parts_.push_back({L' ', std::wstring(below(3) + 1, any(L" \t\r\n"))});
-  }
-  void add(wchar_t sign) { add(sign, std::wstring(1, sign)); }
-
-  void value(int depth) {
-    switch (below(depth < 6 ? 7 : 4)) {
-      case 0:
-        return add(L'l', std::vector<std::wstring>{L"true", L"false", L"null"}[below(3)]);
-      case 1:
-        return number();
-      case 2:
-      case 3:
-        return string();
-      default:
-        return container(depth + 1, below(2) == 0);
-    }
-  }
-  void container(int depth, bool named) {
-    add(named ? L'{' : L'[');
-    for (unsigned n = below(5); n > 0; --n) {
-      if (named) {
-        string();
-        add(L':');
-      }
-      value(depth);
-      if (n > 1) add(L',');
-    }
-    add(named ? L'}' : L']');
-  }
-  std::wstring digits() {
-    std::wstring out;
-    for (unsigned n = below(6) + 1; n > 0; --n) out += any(L"0123456789");
-    return out;
-  }
-  void number() {
-    std::wstring out = below(2) ? L"-" : L"";
-    out += below(4) ? any(L"123456789") + digits() : L"0";
-    if (below(2)) out += L"." + digits();
-    if (below(3) == 0) out += any(L"eE") + std::vector<std::wstring>{L"", L"+", L"-"}[below(3)] + digits();
-    add(L'n', out);
-  }
-  void string() {
-    static const wchar_t* const pieces[] = {L"a",    L":",       L"[,",           L"ñ",
-                                            L"\\\"", L"\\\\",    L"\\n",          L"\\/",
-                                            L"\x7F", L"\\u00E1", L"\xD83D\xDE00", L"\\ud83d\\uDE00",
-                                            L"'",    L"//"};
-    std::wstring out = L"\"";
-    for (unsigned n = below(8); n > 0; --n) out += pieces[below(std::size(pieces))];
-    add(L's', out + L"\"");
-  }
-
-  std::mt19937_64 random_;
-  std::vector<part> parts_;
-};
-
-std::wstring text_of(const std::vector<part>& parts) {
-  std::wstring out;
-  for (const part& p : parts) out += p.text;
-  return out;
-}
-
 /// One change at a part, the offset in it at which the first finding is, and what that finding is.
 struct change {
   const wchar_t* kinds;  // of the parts that it may be made at
@@ -399,7 +279,7 @@ constexpr change changes[] = {
 class json_check_generated : public generated_inputs {
  protected:
   /// Makes the change at the part; a missing sign is told of at what follows.
-  void try_change(std::vector<part> parts, std::size_t n, const change& c) {
+  void try_change(std::vector<json_part> parts, std::size_t n, const change& c) {
     ++inputs;
     std::size_t offset = c.at;
     for (std::size_t p = 0; p < n; ++p) offset += parts[p].text.size();
@@ -426,9 +306,9 @@ class json_check_generated : public generated_inputs {
 };
 
 TEST_F(json_check_generated, documents_are_clean_and_single_changes_are_found) {
-  generator g(20261122);
+  json_source g(20261122);
   for (unsigned round = 0; round < 600 * rounds() && !HasFailure(); ++round) {
-    const std::vector<part> parts = g.document();
+    const std::vector<json_part> parts = g.parts();
     ASSERT_TRUE(check_json(text_of(parts)).empty()) << testing::PrintToString(text_of(parts));
     for (std::size_t n = 0; n < parts.size(); ++n)
       for (const change& c : changes)
@@ -437,9 +317,9 @@ TEST_F(json_check_generated, documents_are_clean_and_single_changes_are_found) {
 }
 
 TEST_F(json_check_generated, the_grammar_accepts_exactly_what_has_no_departure) {
-  generator g(20261123);
+  json_source g(20261123);
   for (unsigned round = 0; round < 1500 * rounds() && !HasFailure(); ++round) {
-    const std::wstring text = text_of(g.document());
+    const std::wstring text = text_of(g.parts());
     for (int m = 0; m < 10; ++m) {
       std::wstring other = text;
       for (unsigned n = g.below(3) + 1; n > 0 && !other.empty(); --n) {
@@ -447,7 +327,7 @@ TEST_F(json_check_generated, the_grammar_accepts_exactly_what_has_no_departure) 
         const std::size_t drop = g.below(3);
         other.erase(at, drop);
         if (g.below(2))
-          other.insert(at, 1, g.any(L"{}[]\",:\\-+.0123eEtrufalsn /*'\t\n\x01\xD83D\xDE00\xA0\xFEFF"));
+          other.insert(at, 1, g.unit(L"{}[]\",:\\-+.0123eEtrufalsn /*'\t\n\x01\xD83D\xDE00\xA0\xFEFF"));
       }
       agree(other);
     }

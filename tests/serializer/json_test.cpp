@@ -1,18 +1,12 @@
-#include <ruvo/binary.hpp>
-#include <ruvo/bundle.hpp>
-#include <ruvo/date.hpp>
-#include <ruvo/datetime.hpp>
-#include <ruvo/exc.hpp>
-#include <ruvo/list.hpp>
-#include <ruvo/memo.hpp>
-#include <ruvo/serializer.hpp>
-#include <ruvo/time.hpp>
+#include <ruvo/ruvo.hpp>
 
 #include <sstream>
 #include <stdexcept>
 #include <string>
 
 #include <gtest/gtest.h>
+
+#include "serializer/reads.hpp"
 
 using ruvo::bundle;
 using ruvo::list;
@@ -21,14 +15,8 @@ using ruvo::serializer::json;
 
 namespace {
 
-struct outcome {
-  bundle store;
-  ruvo::exception error;
-  bool failed;
-};
-
-outcome read(const std::wstring& text) {
-  outcome o;
+reading_outcome read(const std::wstring& text) {
+  reading_outcome o;
   o.failed = json().deserialize(o.store, text, &o.error);
   return o;
 }
@@ -75,7 +63,7 @@ TEST(json_reader, reads) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
-    const outcome o = read(row.text);
+    const reading_outcome o = read(row.text);
     EXPECT_FALSE(o.failed);
     EXPECT_EQ(o.store.to_string(), row.store);
     EXPECT_EQ(o.error.get_mensaje(), L"OK");
@@ -111,7 +99,7 @@ TEST(json_reader, reports_and_goes_on) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
-    const outcome o = read(row.text);
+    const reading_outcome o = read(row.text);
     EXPECT_TRUE(o.failed);
     EXPECT_EQ(o.error.get_raw_code(), row.raw);
     EXPECT_EQ(o.error.get_rango(), 6U);

@@ -1,10 +1,6 @@
 // Lines and columns, and all the failures of a reading.
 
-#include <ruvo/bundle.hpp>
-#include <ruvo/exc.hpp>
-#include <ruvo/reading.hpp>
-#include <ruvo/serializer.hpp>
-#include <ruvo/xml.hpp>
+#include <ruvo/ruvo.hpp>
 
 #include <algorithm>
 #include <iterator>
@@ -16,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/dice.hpp"
 #include "support/rounds.hpp"
 
 using ruvo::bundle;
@@ -160,21 +157,15 @@ void expect_same(Format& format, const std::wstring& text) {
 TEST_F(reading, agrees_with_deserialize) {
   ruvo::serializer::json json;
   ruvo::serializer::xml xml(true, false);
-  std::mt19937 random(20261124);
-  static const wchar_t* const json_parts[] = {
-      L"{",     L"}",     L"[",    L"]",      L"\"a\":",
-      L"\"\":", L"\"x\"", L",",    L"12",     L"true",
-      L"trx",   L"\n",    L"null", L"1.5.5-", L"99999999999999999999"};
-  static const wchar_t* const xml_parts[] = {L"<a>",  L"</a>", L"<b x=\"1\">", L"</b>", L"<c",  L">",   L"t",
-                                             L"\r\n", L"</>",  L"<>",          L"<d/>", L"<e<", L"&lt;"};
+  dice random(20261124);
+  std::vector<std::wstring> json_parts = pieces(
+                                LR"({ } [ ] "a": "": "x" , 12 true trx null 1.5.5- 99999999999999999999)"),
+                            xml_parts = pieces(LR"(<a> </a> </b> <c > t </> <> <d/> <e< &lt;)");
+  json_parts.push_back(L"\n");
+  for (const wchar_t* const part : {L"<b x=\"1\">", L"\r\n"}) xml_parts.push_back(part);
   for (unsigned round = 0; round < 4000 * rounds() && !HasFailure(); ++round) {
-    std::wstring text = L"{", markup;
-    for (int n = 0; n < 14; ++n) {
-      text += json_parts[random() % std::size(json_parts)];
-      markup += xml_parts[random() % std::size(xml_parts)];
-    }
-    expect_same<json_reader>(json, text);
-    expect_same<xml_reader>(xml, markup);
+    expect_same<json_reader>(json, L"{" + random.joined(json_parts, 14, 14));
+    expect_same<xml_reader>(xml, random.joined(xml_parts, 14, 14));
     inputs += 2;
   }
 }

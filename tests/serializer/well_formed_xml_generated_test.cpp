@@ -1,14 +1,8 @@
 // Generated trees, written in every way that XML has, cut and damaged.
 
-#include <ruvo/bundle.hpp>
-#include <ruvo/exception.hpp>
-#include <ruvo/list.hpp>
-#include <ruvo/texto.hpp>
-#include <ruvo/well_formed_xml.hpp>
-#include <ruvo/xml.hpp>
+#include <ruvo/ruvo.hpp>
 
 #include <algorithm>
-#include <random>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -16,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/dice.hpp"
 #include "support/rounds.hpp"
 #include "support/well_formed_promises.hpp"
 #include "support/xml_outcome.hpp"
@@ -68,25 +63,10 @@ std::wstring expected(const node& root) {
   return xml_outcome::text_of(document);
 }
 
-class random_source {
- public:
-  explicit random_source(unsigned seed) : random_(seed) {}
-
-  unsigned below(std::size_t limit) { return static_cast<unsigned>(random_() % limit); }
-  bool one_in(unsigned n) { return below(n) == 0; }
-  template <std::size_t count>
-  std::wstring any(const wchar_t* const (&of)[count]) {
-    return of[below(count)];
-  }
-
- private:
-  std::mt19937_64 random_;
-};
-
 /// Makes trees. A text is a row of characters, each of them one or two units.
-class tree_source : public random_source {
+class tree_source : public dice {
  public:
-  using random_source::random_source;
+  using dice::dice;
 
   node element(int depth = 0) {
     node n;
@@ -110,26 +90,19 @@ class tree_source : public random_source {
     return any(names);
   }
   std::wstring text() {
-    static const wchar_t* const pieces[] = {L"a",           L" ",
-                                            L"<",           L">",
-                                            L"&",           L"'",
-                                            L"\"",          L"]",
-                                            L"]]>",         L"\n",
-                                            L"\r",          L"\t",
-                                            L"&lt;",        L"texto algo más largo",
-                                            L"--",          L"?>",
-                                            L"\xFFFD",      L"\xD83D\xDE00",
-                                            L"\xDBFF\xDFFD"};
+    static const std::vector<std::wstring>
+        blanks = {L" ", L"\n", L"\r", L"\t", L"texto algo más largo"},
+        parts = pieces(L"a < > & ' \" ] ]]> &lt; -- ?> \xFFFD \xD83D\xDE00 \xDBFF\xDFFD");
     std::wstring out;
-    for (unsigned count = below(7); count > 0; --count) out += any(pieces);
+    for (unsigned count = below(7); count > 0; --count) out += any(one_in(4) ? blanks : parts);
     return out;
   }
 };
 
 /// Writes a tree in one of the ways in which XML can say it.
-class xml_source : public random_source {
+class xml_source : public dice {
  public:
-  using random_source::random_source;
+  using dice::dice;
 
   std::wstring document(const node& root) {
     static const wchar_t* const declarations[] = {L"", L"\xFEFF", L"<?xml version='1.0'?>",
@@ -329,9 +302,9 @@ TEST_F(well_formed_xml_generated, no_part_of_a_document_is_one) {
 TEST_F(well_formed_xml_generated, damaged_documents) {
   static const std::wstring alphabet =
       L"<>/!?=\"'-[]&#;x0 \t\n\r:aAñ%\xD83D\xDE00\xFFFF\x01" + std::wstring(1, L'\0');
-  static const wchar_t* const pieces[] = {L"]]>",   L"--",          L"-->",    L"<![CDATA[", L"<!--",
-                                          L"<?",    L"?>",          L"</a>",   L"<a>",       L"&#x1F600;",
-                                          L"&amp;", L"<!DOCTYPE r", L" a='1'", L"/>",        L"<?xml "};
+  static const wchar_t* const parts[] = {L"]]>",   L"--",          L"-->",    L"<![CDATA[", L"<!--",
+                                         L"<?",    L"?>",          L"</a>",   L"<a>",       L"&#x1F600;",
+                                         L"&amp;", L"<!DOCTYPE r", L" a='1'", L"/>",        L"<?xml "};
   tree_source trees(20261129);
   xml_source writer(20261130);
   for (unsigned round = 0; round < 1200 * rounds() && !HasFailure(); ++round) {
@@ -343,7 +316,7 @@ TEST_F(well_formed_xml_generated, damaged_documents) {
         const std::size_t at = trees.below(damaged.size());
         if (trees.one_in(2)) damaged.erase(at, trees.below(4));
         if (trees.one_in(2)) damaged.insert(at, 1, alphabet[trees.below(alphabet.size())]);
-        if (trees.one_in(3)) damaged.insert(at, trees.any(pieces));
+        if (trees.one_in(3)) damaged.insert(at, trees.any(parts));
       }
       const char* const broken = well_formed_promises::broken(damaged);
       ASSERT_EQ(broken, nullptr) << broken << testing::PrintToString(damaged);

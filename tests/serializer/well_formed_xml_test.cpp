@@ -1,46 +1,22 @@
-#include <ruvo/bundle.hpp>
-#include <ruvo/exception.hpp>
-#include <ruvo/list.hpp>
-#include <ruvo/reading.hpp>
-#include <ruvo/texto.hpp>
-#include <ruvo/well_formed_xml.hpp>
-#include <ruvo/xml.hpp>
+#include <ruvo/ruvo.hpp>
 
-#include <fstream>
-#include <iterator>
-#include <sstream>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "serializer/reads.hpp"
 #include "support/xml_outcome.hpp"
 
 using ruvo::bundle;
-using ruvo::xvar;
 using ruvo::serializer::failure_position;
 using ruvo::serializer::read_well_formed_xml;
 
 namespace {
 
-struct outcome {
-  bundle store;
-  ruvo::exception error;
-  bool failed;
-};
-
-outcome read(const std::wstring& text) {
-  outcome o;
+reading_outcome read(const std::wstring& text) {
+  reading_outcome o;
   o.failed = read_well_formed_xml(o.store, text, &o.error);
   return o;
-}
-
-std::wstring qualities_of(const xvar& value) {
-  std::wstring shown;
-  for (const auto& [key, quality] : value.get_qualities())
-    shown += (shown.empty() ? L"" : L"; ") + key + L'=' + quality.to_string();
-  return shown;
 }
 
 TEST(well_formed_xml, accepted) {
@@ -83,7 +59,7 @@ TEST(well_formed_xml, accepted) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
-    const outcome o = read(row.text);
+    const reading_outcome o = read(row.text);
     EXPECT_FALSE(o.failed) << testing::PrintToString(o.error.get_mensaje());
     EXPECT_TRUE(o.error.OK());
     EXPECT_EQ(o.store.to_string(), row.store);
@@ -106,11 +82,11 @@ TEST(well_formed_xml, attributes) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
-    const outcome o = read(row.tag);
+    const reading_outcome o = read(row.tag);
     EXPECT_FALSE(o.failed);
     EXPECT_EQ(qualities_of(o.store.at(L"r")), row.qualities);
   }
-  const outcome o = read(L"<r x='1'><a y='2'>t</a><a z='3'><b/></a></r>");
+  const reading_outcome o = read(L"<r x='1'><a y='2'>t</a><a z='3'><b/></a></r>");
   EXPECT_EQ(qualities_of(o.store.at(L"r")), L"x=1");
   EXPECT_EQ(xml_outcome::text_of(o.store), xml_outcome::text_of([] {
               bundle b;
@@ -179,7 +155,7 @@ TEST(well_formed_xml, refused) {
     ASSERT_NE(where, text.npos);
     text.erase(where, 1);
     SCOPED_TRACE(testing::PrintToString(text));
-    const outcome o = read(text);
+    const reading_outcome o = read(text);
     EXPECT_TRUE(o.failed);
     EXPECT_EQ(failure_position(o.error), where + 1);
     EXPECT_EQ(o.error.get_rango(), 7U);
@@ -216,7 +192,7 @@ TEST(well_formed_xml, any_depth_and_any_width) {
     back += L"</a>";
   }
   EXPECT_FALSE(read(deep + L"t" + back).failed);
-  const outcome cut = read(deep + L"t" + back.substr(0, back.size() - 2));
+  const reading_outcome cut = read(deep + L"t" + back.substr(0, back.size() - 2));
   EXPECT_EQ(failure_position(cut.error), deep.size() + back.size());
 
   std::wstring wide = L"<r";
@@ -225,7 +201,7 @@ TEST(well_formed_xml, any_depth_and_any_width) {
   wide += L'>';
   for (int n = 0; n < many; ++n) wide += L"<k" + std::to_wstring(n * 7919LL % 100003) + L"/>";
   for (int n = 0; n < many; ++n) wide += L"<k0/>";
-  const outcome o = read(wide + L"</r>");
+  const reading_outcome o = read(wide + L"</r>");
   ASSERT_FALSE(o.failed);
   EXPECT_EQ(o.store.get_list(L"r").size(), 200000U);
   EXPECT_EQ(o.store.at(L"r").size(), 100000U);
@@ -246,24 +222,6 @@ TEST(well_formed_xml, any_depth_and_any_width) {
 }
 
 // --- the page
-
-/// The rows of a section of docs/XML.md: what stands in the first two columns.
-std::vector<std::pair<std::wstring, std::wstring>> page_rows(const std::wstring& section) {
-  std::ifstream in(KESTA_SOURCE_DIR "/docs/XML.md", std::ios::binary);
-  std::istringstream page(std::string{std::istreambuf_iterator<char>(in), {}});
-  std::vector<std::pair<std::wstring, std::wstring>> found;
-  bool inside = false;
-  for (std::string line; std::getline(page, line);) {
-    const std::wstring wide = ruvo::texto::to_utf_16(line);
-    if (wide.starts_with(L"## ")) inside = wide == L"## " + section;
-    if (!inside || !wide.starts_with(L"| `")) continue;
-    const std::size_t first_end = wide.find(L"` | `"), second_end = wide.find(L"` | ", first_end + 5);
-    EXPECT_NE(second_end, wide.npos) << testing::PrintToString(wide);
-    found.emplace_back(wide.substr(3, first_end - 3), wide.substr(first_end + 5, second_end - first_end - 5));
-  }
-  EXPECT_GE(found.size(), 5U) << testing::PrintToString(section);
-  return found;
-}
 
 TEST(well_formed_xml, the_page) {
   for (const auto& [given, result] : page_rows(L"Well-formed documents"))

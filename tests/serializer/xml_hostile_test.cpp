@@ -1,16 +1,12 @@
 // Generated documents, cut and mutated: reading at once and character by character must agree in everything.
 
-#include <ruvo/bundle.hpp>
-#include <ruvo/exception.hpp>
-#include <ruvo/list.hpp>
-#include <ruvo/xml.hpp>
+#include <ruvo/ruvo.hpp>
 
-#include <random>
 #include <string>
 
 #include <gtest/gtest.h>
 
-#include "support/rounds.hpp"
+#include "serializer/hostile.hpp"
 #include "support/xml_outcome.hpp"
 
 using ruvo::bundle;
@@ -18,14 +14,12 @@ using ruvo::list;
 using ruvo::xvar;
 using ruvo::serializer::xml;
 
-using xml_outcome::outcome;
-
 namespace {
 
-class generator {
+class generator : public dice {
  public:
   /// Attributes with characters that are escaped change whenever they are written.
-  explicit generator(unsigned seed, bool stable = false) : random_(seed), stable_(stable) {}
+  explicit generator(unsigned seed, bool stable = false) : dice(seed), stable_(stable) {}
 
   std::wstring document() {
     std::wstring out;
@@ -34,31 +28,9 @@ class generator {
     return out;
   }
 
-  std::wstring mutated(std::wstring text) {
+  std::wstring mutated(const std::wstring& text) {
     static const std::wstring alphabet = L"<>/!?=\"'\\-[]& \t\n\r;abnAñ\xD83D" + std::wstring(1, L'\0');
-    for (unsigned n = below(4) + 1; n > 0 && !text.empty(); --n) {
-      const std::size_t at = below(static_cast<unsigned>(text.size()));
-      switch (below(6)) {
-        case 0:
-          text[at] = alphabet[below(static_cast<unsigned>(alphabet.size()))];
-          break;
-        case 1:
-          text.erase(at, below(3) + 1);
-          break;
-        case 2:
-          text.insert(at, 1, alphabet[below(static_cast<unsigned>(alphabet.size()))]);
-          break;
-        case 3:
-          text.insert(at, text.substr(below(static_cast<unsigned>(text.size())), below(30)));
-          break;
-        case 4:
-          text.erase(at, text.find(L'>', at) - at);
-          break;
-        default:
-          text.resize(at);
-      }
-    }
-    return text;
+    return damaged(*this, text, alphabet, L'>');
   }
 
   bundle values(int depth = 0) {
@@ -72,18 +44,16 @@ class generator {
   }
 
  private:
-  unsigned below(unsigned limit) { return static_cast<unsigned>(random_() % limit); }
-
   std::wstring name() {
     static const wchar_t* const names[] = {L"a", L"b", L"Ab", L"item", L"n:x", L"un_nombre_largo", L"ñ"};
-    return names[below(7)];
+    return any(names);
   }
   std::wstring text() {
     static const wchar_t* const pieces[] = {
         L"a", L" ", L"texto algo más largo", L"&lt;", L"&&amp;", L"&apos;", L"&amp;", L"\n", L"&qout;",
         L"&", L"=", L"\xD83D\xDE00"};
     std::wstring out;
-    for (unsigned n = below(6); n > 0; --n) out += pieces[below(12)];
+    for (unsigned n = below(6); n > 0; --n) out += any(pieces);
     return out;
   }
   std::wstring attribute() { return stable_ ? name() : text(); }
@@ -132,97 +102,24 @@ class generator {
     out += L"</" + tag + L'>';
   }
 
-  std::mt19937_64 random_;
   bool stable_;
 };
 
-class xml_hostile : public generated_inputs {
- protected:
-  /// Reads the text in both ways.
-  void both_ways_agree(const std::wstring& text) {
-    ++inputs;
-    const outcome fast = xml_outcome::read_at_once(xml_, text), slow = xml_outcome::read_by_character(text);
-    ASSERT_EQ(fast.store, slow.store) << testing::PrintToString(text);
-    ASSERT_EQ(fast.report, slow.report) << testing::PrintToString(text);
-  }
+using xml_hostile = hostile<xml_ways, generator>;
 
- private:
-  xml xml_{true, false};
-};
+TEST_F(xml_hostile, both_ways_of_reading_agree) { documents_and_mutations(800); }
 
-TEST_F(xml_hostile, both_ways_of_reading_agree) {
-  for (unsigned round = 0; round < rounds(); ++round) {
-    generator g(20261121 + round);
-    for (int i = 0; i < 800 && !HasFatalFailure(); ++i) {
-      const std::wstring text = g.document();
-      both_ways_agree(text);
-      for (int m = 0; m < 8; ++m) both_ways_agree(g.mutated(text));
-    }
-  }
-}
+TEST_F(xml_hostile, every_prefix) { every_prefix(10); }
 
 TEST_F(xml_hostile, soups_of_tokens) {
-  static const wchar_t* const tokens[] = {L"<",
-                                          L">",
-                                          L"/",
-                                          L"</",
-                                          L"<a",
-                                          L"<a>",
-                                          L"</a>",
-                                          L"<b>",
-                                          L"</b>",
-                                          L"/>",
-                                          L" ",
-                                          L"\n",
-                                          L"\t",
-                                          L"=",
-                                          L"\"",
-                                          L" x=\"1\"",
-                                          L"x=\"\"",
-                                          L"<r>",
-                                          L"</r>",
-                                          L"!",
-                                          L"<!--",
-                                          L"-->",
-                                          L"-",
-                                          L"<![CDATA[",
-                                          L"]]>",
-                                          L"[",
-                                          L"]",
-                                          L"<?",
-                                          L"?>",
-                                          L"?",
-                                          L"t",
-                                          L"text",
-                                          L"&lt;",
-                                          L"&&amp;",
-                                          L"\\",
-                                          L"'",
-                                          L"<a y=\"2\">",
-                                          L"<>",
-                                          L"</>",
-                                          L"<c/>",
-                                          L"<c z=\"3\"/>",
-                                          L"<A>",
-                                          L"a",
-                                          L"\x1F",
-                                          L"\v"};
-  std::mt19937 random(5);
-  for (unsigned i = 0; i < 20000 * rounds() && !HasFatalFailure(); ++i) {
-    std::wstring text = random() % 3 == 0 ? L"<a" : L"<r><a>";
-    for (unsigned n = random() % 25; n > 0; --n) text += tokens[random() % (sizeof tokens / sizeof *tokens)];
-    if (random() % 16 == 0) text += L'\0';
-    text += L"</a>";
-    both_ways_agree(text);
-  }
-}
-
-TEST_F(xml_hostile, every_prefix) {
-  generator g(3);
-  for (int i = 0; i < 10 && !HasFatalFailure(); ++i) {
-    const std::wstring text = g.document();
-    for (std::size_t n = 0; n <= text.size(); ++n) both_ways_agree(text.substr(0, n));
-  }
+  std::vector<std::wstring> tokens = pieces(
+      LR"(< > / </ <a <a> </a> <b> </b> /> = " x="" <r> </r> ! <!-- --> - <![CDATA[ ]]> [ ] <? ?> ? t text)"
+      LR"( &lt; &&amp; \ ' <> </> <c/> <A> a)");
+  for (const wchar_t* const other :
+       {L" ", L"\n", L"\t", L"\v", L"\x1F", L" x=\"1\"", L"<a y=\"2\">", L"<c z=\"3\"/>"})
+    tokens.push_back(other);
+  tokens.push_back(std::wstring(1, L'\0'));
+  soups(20000, {L"<a", L"<r><a>", L"<r><a>"}, tokens);
 }
 
 std::wstring rewritten(const bundle& in, bool ordered) {

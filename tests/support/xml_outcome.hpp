@@ -1,10 +1,8 @@
 #pragma once
 
-// What reading an XML text gives: the store with its qualities, and the error. The reader has a fast way for
-// whole texts and the state machine for single characters; both must give the same.
+// A store with all that XML puts into it, as text, and both ways of reading XML.
 
 #include <ruvo/bundle.hpp>
-#include <ruvo/exception.hpp>
 #include <ruvo/list.hpp>
 #include <ruvo/xml.hpp>
 
@@ -12,12 +10,9 @@
 #include <utility>
 #include <vector>
 
-namespace xml_outcome {
+#include "support/both_ways.hpp"
 
-struct outcome {
-  std::wstring store, report;
-  bool operator==(const outcome&) const = default;
-};
+namespace xml_outcome {
 
 /// The store as text, level by level, with all qualities and with the kinds of the values.
 inline std::wstring text_of(const ruvo::bundle& store) {
@@ -47,21 +42,8 @@ inline std::wstring text_of(const ruvo::bundle& store) {
   return text;
 }
 
-inline outcome read_at_once(ruvo::serializer::xml& x, const std::wstring& text) {
-  ruvo::bundle b;
-  ruvo::exception error;
-  x.deserialize(b, text, &error);
-  return {text_of(b), static_cast<std::wstring>(error)};
-}
-
-inline outcome read_by_character(const std::wstring& text) {
-  ruvo::serializer::xml_reader reader;
-  ruvo::bundle b;
-  ruvo::exception error;
-  reader.reset();
-  reader.set_store(b);
-  for (const wchar_t c : text) reader.next_character(c, error);
-  return {text_of(b), static_cast<std::wstring>(error)};
-}
-
 }  // namespace xml_outcome
+
+struct xml_ways : both_ways<ruvo::serializer::xml, ruvo::serializer::xml_reader> {
+  xml_ways() : both_ways(xml_outcome::text_of, true, false) {}
+};

@@ -1,27 +1,17 @@
-#include <ruvo/binary.hpp>
-#include <ruvo/bundle.hpp>
-#include <ruvo/list.hpp>
-#include <ruvo/memo.hpp>
-#include <ruvo/texto.hpp>
+#include <ruvo/ruvo.hpp>
 
 #include <numeric>
-#include <random>
 #include <regex>
 
 #include <gtest/gtest.h>
+
+#include "support/dice.hpp"
 
 namespace texto = ruvo::texto;
 
 namespace {
 
-std::mt19937 dice(4);
-
-/// A few of the parts in a row.
-std::wstring any_text(const std::vector<std::wstring>& parts, std::size_t most) {
-  std::wstring text;
-  for (std::size_t n = dice() % (most + 1); n > 0; --n) text += parts[dice() % parts.size()];
-  return text;
-}
+dice chance(4);
 
 std::wstring without(const std::wstring& text, const wchar_t* pattern) {
   return std::regex_replace(text, std::wregex(pattern), L"");
@@ -37,14 +27,11 @@ std::wstring solid(std::wstring text) {
   return text;
 }
 
-const std::vector<std::wstring> tags{L"<",     L">",     L"/",        L"a",      L"\n",
-                                     L"<br/>", L"</br>", L"&eacute;", L"&eacute"};
-
 }  // namespace
 
 TEST(Sql, DoublesAndHalvesQuotes) {
   for (int round = 0; round < 1000; ++round) {
-    const std::wstring text = any_text({L"'", L"a", L"\""}, 12), escaped = texto::escaped_to_sql_(text);
+    const std::wstring text = chance.joined({L"'", L"a", L"\""}, 12), escaped = texto::escaped_to_sql_(text);
     ASSERT_EQ(escaped, std::regex_replace(text, std::wregex(L"'"), L"''"));
     ASSERT_EQ(texto::escaped_from_sql_(escaped), text);
     ASSERT_EQ(texto::escaped_from_sql_(text), std::regex_replace(text, std::wregex(L"''"), L"'"));
@@ -77,8 +64,10 @@ TEST(Html, LineEnds) {
 
 TEST(Html, TagsAgreeWithThePattern) {
   const std::wregex tag(L"<[^>]*>");
+  std::vector<std::wstring> tags = pieces(L"< > / a <br/> </br> &eacute; &eacute");
+  tags.push_back(L"\n");
   for (int round = 0; round < 10000; ++round) {
-    const std::wstring text = any_text(tags, 9);
+    const std::wstring text = chance.joined(tags, 9);
     ASSERT_EQ(texto::is_html(text), std::regex_search(text, tag)) << text;
     std::wstring expected = std::regex_replace(text, std::wregex(L"&eacute;"), L"é");
     expected = std::regex_replace(expected, std::wregex(L"<br/>"), L"\r\n");
@@ -94,10 +83,9 @@ TEST(Html, TagsAgreeWithThePattern) {
 }
 
 TEST(Html, DocumentTagsAgreeWithThePatterns) {
-  const std::vector<std::wstring> parts{L"<",    L"</",   L"/",    L">",      L"html",
-                                        L"HtMl", L"body", L"Body", L"<body>", L"a"};
+  const std::vector<std::wstring> parts = pieces(L"< </ / > html HtMl body Body <body> a");
   for (int round = 0; round < 10000; ++round) {
-    const std::wstring text = any_text(parts, 10);
+    const std::wstring text = chance.joined(parts, 10);
     const std::wstring html = without(text, L"</?(H|h)(T|t)(M|m)(L|l)/?>");
     const std::wstring expected = without(html, L"</?(B|b)(O|o)(D|d)(Y|y)/?>");
     unsigned long long body = 0;
@@ -167,7 +155,7 @@ TEST(Json, PrintChangesNothingButBlanks) {
   const std::vector<std::wstring> parts{L"{", L"}", L"[",  L"]",  L",",    L":",       L"\"k\"", L"\"",
                                         L"1", L" ", L"\n", L"\\", L"true", L"\" { \"", L"[]"};
   for (int round = 0; round < 20000; ++round) {
-    const std::wstring text = any_text(parts, 25), printed = texto::print_json(text);
+    const std::wstring text = chance.joined(parts, 25), printed = texto::print_json(text);
     ASSERT_EQ(texto::print_json(printed), printed) << text;
     ASSERT_EQ(solid(printed), solid(text)) << text;
   }

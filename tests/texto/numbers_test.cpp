@@ -1,8 +1,4 @@
-#include <ruvo/application.hpp>
-#include <ruvo/bundle.hpp>
-#include <ruvo/list.hpp>
-#include <ruvo/serializer.hpp>
-#include <ruvo/texto.hpp>
+#include <ruvo/ruvo.hpp>
 
 #include <algorithm>
 #include <bit>
@@ -20,6 +16,8 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+
+#include "support/dice.hpp"
 
 namespace texto = ruvo::texto;
 
@@ -88,33 +86,20 @@ TEST(Format, AsAWideStreamPrints) {
     wchar_t decimal, thousands;
   } rows[] = {{L',', L'.'}, {L'.', L','}, {L'\x066B', L'\x202F'}, {L'\0', L'7'}, {L'\xD83D', L'\xFFFF'}};
   constexpr double infinity = std::numeric_limits<double>::infinity();
-  const double specials[] = {0.0,
-                             -0.0,
-                             -0.001,
-                             0.5,
-                             1.5,
-                             2.5,
-                             0.125,
-                             0.375,
-                             999.5,
-                             999999.995,
-                             -1e3,
-                             1e15,
-                             9007199254740991.5,
-                             9007199254740993.0,
-                             1e22,
-                             -1.7976931348623157e308,
-                             5e-324,
-                             infinity,
-                             -infinity};
+  // Zeros, halves that go either way, carries, the limits of whole numbers and of doubles.
+  std::vector<double> specials = {0.0,   0.001,      0.5, 1.5,  2.5,  0.125,  0.375,
+                                  999.5, 999999.995, 1e3, 1e15, 1e22, 5e-324, infinity};
+  for (const double large : {9007199254740991.5, 9007199254740993.0, 1.7976931348623157e308})
+    specials.push_back(large);
   std::mt19937_64 random(20240229);
   for (const auto& row : rows) {
     marked_app app(row.decimal, row.thousands);
     const ruvo::thread_scope scope(app);
     marked_stream expected(row.decimal, row.thousands);
     for (short decimals = 0; decimals <= 20; ++decimals) {
-      for (const double value : specials)
-        ASSERT_EQ(texto::format(value, decimals), expected(value, decimals)) << value << ' ' << decimals;
+      for (const double special : specials)
+        for (const double value : {special, -special})
+          ASSERT_EQ(texto::format(value, decimals), expected(value, decimals)) << value << ' ' << decimals;
       for (int i = 0; i < 400; ++i) {
         const double value = any_double(random);
         if (std::isnan(value)) continue;  // streams differ in its sign
@@ -184,21 +169,12 @@ TEST(NumberText, FieldsSizesAndNumerals) {
 }
 
 TEST(NumberText, RomanNumeralsAddUp) {
-  const std::map<unsigned int, std::wstring> known = {{0, L""},
-                                                      {4, L"IIII"},
-                                                      {9, L"VIIII"},
-                                                      {40, L"XXXX"},
-                                                      {1999, L"MDCCCCLXXXXVIIII"},
-                                                      {2000, L"MM"},
-                                                      {5000, L"V"},
-                                                      {10000, L"X"},
-                                                      {4999, L"MMMMDCCCCLXXXXVIIII"},
-                                                      {1000000, L"Número no soportado"},
-                                                      {UINT_MAX, L"Número no soportado"}};
-  for (const auto& [number, text] : known) EXPECT_EQ(texto::to_roman(number), text);
+  for (const unsigned int beyond : {1000000u, UINT_MAX})
+    EXPECT_EQ(texto::to_roman(beyond), L"Número no soportado");
+  EXPECT_EQ(texto::to_roman(4999), L"MMMMDCCCCLXXXXVIIII");
   // Digit by digit: a five from 5 on, and ones.
   const std::wstring ones = L"CXMCXI", fives = L"DLVDLV";
-  for (unsigned int number = 1; number < 1000000; number += 7) {
+  for (unsigned int number = 0; number < 1000000; number += 7) {
     std::wstring expected;
     for (unsigned int power = 100000, at = 0; power > 0; power /= 10, ++at) {
       const unsigned int digit = number / power % 10;
@@ -210,81 +186,45 @@ TEST(NumberText, RomanNumeralsAddUp) {
 
 namespace {
 
-/// Random texts made of the pieces.
-class soup {
- public:
-  explicit soup(std::vector<std::wstring> pieces) : pieces_(std::move(pieces)) {}
-  std::wstring next() {
-    std::wstring text;
-    for (auto count = random_() % 9; count > 0; --count) text += pieces_[random_() % pieces_.size()];
-    return text;
+/// On random rows of the parts both answer alike, and at least `share` in a thousand of them are of the kind.
+void expect_same(bool (*is)(const std::wstring&), const std::wstring& pattern,
+                 const std::vector<std::wstring>& parts, int share) {
+  const std::wregex standard(pattern);
+  dice random(7);
+  int found = 0;
+  for (int i = 0; i < 20000; ++i) {
+    const std::wstring text = random.joined(parts, 8);
+    ASSERT_EQ(is(text), std::regex_match(text, standard)) << text;
+    found += is(text);
   }
-
- private:
-  std::vector<std::wstring> pieces_;
-  std::mt19937 random_{7};
-};
-
-constexpr int soups = 20000;
+  EXPECT_GT(found, 20 * share);
+}
 
 }  // namespace
 
 TEST(NumberTests, NumbersAsTheirPatterns) {
-  const std::wregex patterns[] = {
-      std::wregex(LR"(^(\d{1,3}(?:\.\d{3})*(?:,\d+)?|\d{1,3}(?:,\d{3})*(?:\.\d+)?)$)"),
-      std::wregex(LR"(^-?\d+$)"), std::wregex(LR"(^-?\d+[.\d]*$)"), std::wregex(LR"(^-?\d+[,\d]*$)")};
-  soup texts({L"1", L"23", L"456", L"7890", L".", L",", L".123", L",123", L"-", L" "});
-  int numbers = 0;
-  for (int i = 0; i < soups; ++i) {
-    const std::wstring text = texts.next();
-    bool expected = false;
-    for (const std::wregex& pattern : patterns) expected |= std::regex_match(text, pattern);
-    numbers += expected;
-    ASSERT_EQ(texto::is_number(text), expected) << text;
-  }
-  EXPECT_GT(numbers, soups / 20);
-
-  const std::map<std::wstring, bool> known = {{L"", false},
-                                              {L"-", false},
-                                              {L"1.234,5", true},
-                                              {L"-1.234,5", false},
-                                              {L"-1.2.3", true},
-                                              {L"1..2", true},
-                                              {L"1,234,567.89", true},
-                                              {L"1234,567.8", false},
-                                              {L"1.234.", true},
-                                              {L"1,234.", false},
-                                              {L"1\n", false},
-                                              {L"+1", false},
-                                              {L"1.234.56,7", false},
-                                              {L"1.2345", true},
-                                              {L"1.234,", false},
-                                              {L"٣", false},
-                                              {std::wstring(L"1\0", 2), false}};
-  for (const auto& [text, number] : known) EXPECT_EQ(texto::is_number(text), number) << text;
+  const std::wstring grouped = LR"(\d{1,3}(?:\.\d{3})*(?:,\d+)?|\d{1,3}(?:,\d{3})*(?:\.\d+)?)",
+                     plain = LR"(-?\d+|-?\d+[.\d]*|-?\d+[,\d]*)";
+  expect_same(texto::is_number, grouped + L"|" + plain,
+              {L"1", L"23", L"456", L"7890", L".", L",", L".123", L",123", L"-", L" "}, 50);
+  for (const wchar_t* const number : {L"1.234,5", L"-1.2.3", L"1..2", L"1,234,567.89", L"1.234.", L"1.2345"})
+    EXPECT_TRUE(texto::is_number(number)) << number;
+  for (const wchar_t* const other :
+       {L"", L"-", L"-1.234,5", L"1234,567.8", L"1,234.", L"1\n", L"+1", L"1.234.56,7", L"1.234,", L"٣"})
+    EXPECT_FALSE(texto::is_number(other)) << other;
+  EXPECT_FALSE(texto::is_number(std::wstring(L"1\0", 2)));
 }
 
 TEST(NumberTests, MailAddressesAsTheirPattern) {
-  const std::wregex pattern(
-      LR"(^[_A-Za-z0-9\-+]+(\.[_A-Za-z0-9\-]+)*@[A-Za-z0-9\-]+(\.[A-Za-z0-9]+)*(\.[A-Za-z]{2,})$)");
-  soup texts({L"a", L"Z9", L"-", L"_", L"+", L".", L"@b", L"@", L"@b.es", L"a+b@c", L".com", L".com", L".x",
-              L".c0", L"ñ"});
-  int addresses = 0;
-  for (int i = 0; i < soups; ++i) {
-    const std::wstring text = texts.next();
-    const bool expected = std::regex_match(text, pattern);
-    addresses += expected;
-    ASSERT_EQ(texto::is_email(text), expected) << text;
-  }
-  EXPECT_GT(addresses, soups / 100);
-
-  const std::map<std::wstring, bool> known = {
-      {L"", false},           {L"a@b.es", true},      {L"a@b", false},      {L"a+b@c-d.e1.com", true},
-      {L"a.b+c@d.es", false}, {L"a@b.c-d.es", false}, {L".a@b.es", false},  {L"a.@b.es", false},
-      {L"a..b@c.es", false},  {L"a@b..es", false},    {L"a@b@c.es", false}, {L"a@b.c", false},
-      {L"a@b.e5", false},     {L"a@-.es", true},      {L"a@b.es\n", false}, {L"a@.es", false},
-      {L"@b.es", false},      {L"a@b.es.", false},    {L"a@", false}};
-  for (const auto& [text, address] : known) EXPECT_EQ(texto::is_email(text), address) << text;
+  expect_same(texto::is_email,
+              LR"(^[_A-Za-z0-9\-+]+(\.[_A-Za-z0-9\-]+)*@[A-Za-z0-9\-]+(\.[A-Za-z0-9]+)*(\.[A-Za-z]{2,})$)",
+              pieces(L"a Z9 - _ + . @b @ @b.es a+b@c .com .com .x .c0 ñ"), 10);
+  for (const wchar_t* const address : {L"a@b.es", L"a+b@c-d.e1.com", L"a@-.es"})
+    EXPECT_TRUE(texto::is_email(address)) << address;
+  for (const wchar_t* const other :
+       {L"", L"a@b", L"a.b+c@d.es", L"a@b.c-d.es", L".a@b.es", L"a.@b.es", L"a..b@c.es", L"a@b..es",
+        L"a@b@c.es", L"a@b.c", L"a@b.e5", L"a@b.es\n", L"a@.es", L"@b.es", L"a@b.es.", L"a@"})
+    EXPECT_FALSE(texto::is_email(other)) << other;
 }
 
 TEST(NumberTests, LongTextsHaveAnAnswer) {
@@ -455,30 +395,12 @@ TEST(Amounts, WellKnownPhrases) {
       {0.01, L"Cero con Un Céntimo"},
       {0.999, L"Uno"},
       {-0.5, L"Menos Cero con Cincuenta Céntimos"},
-      {12.5, L"Doce con Cincuenta Céntimos"},
-      {21.21, L"Veintiuno con Veintiún Céntimos"},
       {31.31, L"Treinta y Uno con Treinta y Un Céntimos"},
-      {22, L"Veintidós"},
       {1.005, L"Uno"},  // the double lies below
       {99.996, L"Cien"},
-      {100, L"Cien"},
-      {101, L"Ciento Uno"},
-      {116, L"Ciento Dieciséis"},
-      {1000, L"Mil"},
-      {1001, L"Mil Uno"},
-      {21000, L"Veintiún Mil"},
-      {31000, L"Treinta y Un Mil"},
-      {100000, L"Cien Mil"},
       {101101, L"Ciento Un Mil Ciento Uno"},
       {999999.999, L"Un Millón"},
-      {1000000, L"Un Millón"},
-      {2000001, L"Dos Millones Uno"},
-      {21000000, L"Veintiún Millones"},
-      {1000000000, L"Mil Millones"},
-      {1001000000, L"Mil Un Millones"},
       {1234000000, L"Mil Doscientos Treinta y Cuatro Millones"},
-      {2000000000, L"Dos Mil Millones"},
-      {1e12, L"Un Billón"},
       {1001001001001, L"Un Billón Mil Un Millones Mil Uno"},
       {-999999999999999,
        L"Menos Novecientos Noventa y Nueve Billones Novecientos Noventa y Nueve Mil Novecientos Noventa "

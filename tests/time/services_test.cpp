@@ -1,10 +1,7 @@
 // Calendar values on a thread whose services are not the default ones.
 
-#include <ruvo/application.hpp>
-#include <ruvo/datetime.hpp>
-#include <ruvo/exc.hpp>
 #include <ruvo/fake_context.hpp>
-#include <ruvo/velda.hpp>
+#include <ruvo/ruvo.hpp>
 
 #include <gtest/gtest.h>
 

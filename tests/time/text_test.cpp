@@ -5,6 +5,7 @@
 
 #include <cwchar>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -17,12 +18,7 @@ namespace {
 TEST(printing, every_conversion) {
   const datetime morning(2024, 2, 9, 0, 5, 7);      // a Friday
   const datetime evening(2023, 12, 31, 23, 59, 0);  // a Sunday
-  struct row {
-    const wchar_t* format;
-    const wchar_t* morning;
-    const wchar_t* evening;
-  };
-  const row rows[] = {
+  const wchar_t* const rows[][3] = {
       {L"%a %A", L"Fri Friday", L"Sun Sunday"},
       {L"%b %B", L"Feb February", L"Dec December"},
       {L"%c", L"Fri Feb  9 00:05:07 2024", L"Sun Dec 31 23:59:00 2023"},
@@ -39,9 +35,9 @@ TEST(printing, every_conversion) {
       {L"100%% %Q %", L"100% %Q %", L"100% %Q %"},
       {L"", L"", L""},
   };
-  for (const row& r : rows) {
-    EXPECT_EQ(morning.format(r.format), r.morning) << r.format;
-    EXPECT_EQ(evening.format(r.format), r.evening) << r.format;
+  for (const auto& [format, in_the_morning, in_the_evening] : rows) {
+    EXPECT_EQ(morning.format(format), in_the_morning) << format;
+    EXPECT_EQ(evening.format(format), in_the_evening) << format;
   }
   EXPECT_EQ(date(5, 3, 1).to_string(date::velda), L"00050301");
 }
@@ -90,12 +86,11 @@ TEST(printing, formats_of_any_length_and_type) {
 }
 
 TEST(reading, texts_that_fit) {
-  struct row {
+  const struct {
     const wchar_t* text;
     const char* format;
     const wchar_t* expected;
-  };
-  const row rows[] = {
+  } rows[] = {
       {L"29-02-2024 23:59:58", "%d-%m-%Y %H:%M:%S", L"29-02-2024 23:59:58"},
       {L"  29-02-2024\t", "%d-%m-%Y", L"29-02-2024 00:00:00"},
       {L"20240229101112", "%Y%m%d%H%M%S", L"29-02-2024 10:11:12"},
@@ -128,7 +123,7 @@ TEST(reading, texts_that_fit) {
       {L"100%", "%H0%%", L"01-01-1970 10:00:00"},
       {L"01-01-0001", "%d-%m-%Y", L"01-01-0001 00:00:00"},
   };
-  for (const row& r : rows) {
+  for (const auto& r : rows) {
     datetime value(1);
     ruvo::exception err;
     EXPECT_TRUE(value.parse(r.text, r.format, err)) << r.text << L" as " << r.format;
@@ -138,52 +133,36 @@ TEST(reading, texts_that_fit) {
 }
 
 TEST(reading, texts_that_do_not_fit) {
-  struct row {
-    const wchar_t* text;
+  const struct {
     const char* format;
+    std::vector<const wchar_t*> texts;
+  } rows[] = {
+      {"%d", {L""}},
+      {"%d-%m-%Y",
+       {L"31-02-2024", L"29-02-2023", L"29-02-1900", L"00-01-2024", L"01-13-2024", L"01-01-2024x",
+        L"01-01-20245", L"01-01-2024 10:00", L"01-01", L"01/01/2024", L"-1-01-2024", L"٠١-01-2024"}},
+      {"%R", {L"25:00", L"24:00", L"10:60"}},
+      {"%T", {L"10:00:60"}},
+      {"%I %p", {L"13 PM", L"0 AM", L"10 XM"}},
+      {"%Y %j", {L"2023 366", L"2023 000"}},
+      {"%j", {L"366"}},
+      {"%Y %W %u", {L"2023 54 1"}},
+      {"%Y %u", {L"2023 8"}},
+      {"%A %d-%m-%Y", {L"Friday 29-02-2024"}},
+      {"%d %b %Y", {L"29 Foo 2024"}},
+      {"%R %z", {L"10:00 +2500", L"10:00 +0160", L"10:00 0100"}},
+      {"%R %Z", {L"10:00 Nowhere"}},
+      {"%Q", {L"10"}},
+      {"%d %m", {L"10"}},
   };
-  const row rows[] = {
-      {L"", "%d"},
-      {L"31-02-2024", "%d-%m-%Y"},
-      {L"29-02-2023", "%d-%m-%Y"},
-      {L"29-02-1900", "%d-%m-%Y"},
-      {L"00-01-2024", "%d-%m-%Y"},
-      {L"01-13-2024", "%d-%m-%Y"},
-      {L"01-01-2024x", "%d-%m-%Y"},
-      {L"01-01-20245", "%d-%m-%Y"},
-      {L"01-01-2024 10:00", "%d-%m-%Y"},
-      {L"01-01", "%d-%m-%Y"},
-      {L"01/01/2024", "%d-%m-%Y"},
-      {L"-1-01-2024", "%d-%m-%Y"},
-      {L"٠١-01-2024", "%d-%m-%Y"},
-      {L"25:00", "%R"},
-      {L"24:00", "%R"},
-      {L"10:60", "%R"},
-      {L"10:00:60", "%T"},
-      {L"13 PM", "%I %p"},
-      {L"0 AM", "%I %p"},
-      {L"10 XM", "%I %p"},
-      {L"2023 366", "%Y %j"},
-      {L"366", "%j"},
-      {L"2023 000", "%Y %j"},
-      {L"2023 54 1", "%Y %W %u"},
-      {L"2023 8", "%Y %u"},
-      {L"Friday 29-02-2024", "%A %d-%m-%Y"},
-      {L"29 Foo 2024", "%d %b %Y"},
-      {L"10:00 +2500", "%R %z"},
-      {L"10:00 +0160", "%R %z"},
-      {L"10:00 0100", "%R %z"},
-      {L"10:00 Nowhere", "%R %Z"},
-      {L"10", "%Q"},
-      {L"10", "%d %m"},
-  };
-  for (const row& r : rows) {
-    datetime value(7LL);
-    ruvo::exception err;
-    EXPECT_FALSE(value.parse(r.text, r.format, err)) << r.text << L" as " << r.format;
-    EXPECT_EQ(err.get_raw_code(), 0xEBB90BB9ul) << r.text;
-    EXPECT_EQ(value.get_lapso(), 7) << r.text;
-  }
+  for (const auto& row : rows)
+    for (const wchar_t* const text : row.texts) {
+      datetime value(7LL);
+      ruvo::exception err;
+      EXPECT_FALSE(value.parse(text, row.format, err)) << text << L" as " << row.format;
+      EXPECT_EQ(err.get_raw_code(), 0xEBB90BB9ul) << text;
+      EXPECT_EQ(value.get_lapso(), 7) << text;
+    }
 }
 
 TEST(reading, constructors_and_assignments) {

@@ -1,9 +1,6 @@
 // The day count: its two formulas against other statements of them, and the days that they disagree on.
 
-#include <ruvo/datetime.hpp>
-#include <ruvo/exc.hpp>
-#include <ruvo/velda.hpp>
-#include <ruvo/xvar.hpp>
+#include <ruvo/ruvo.hpp>
 
 #include <functional>
 #include <limits>

@@ -152,44 +152,38 @@ TEST(Binary, WritesHexAndBase64) {
 TEST(Binary, ReadsHexAndBase64OrNothing) {
   const struct {
     const char* text;
-    bool base64, good;
+    bool base64;
     bytes store;
-  } rows[] = {
-      {"", false, true, {}},
-      {"0a1F", false, true, {0x0A, 0x1F}},
-      {" 0a\r\n1 F\t", false, true, {0x0A, 0x1F}},
-      {"0a1", false, false, {}},
-      {"0a1g", false, false, {}},
-      {"0x41", false, false, {}},
-      {"", true, true, {}},
-      {"-_8=", true, true, {0xFB, 0xFF}},
-      {"+_8", true, true, {0xFB, 0xFF}},
-      {"YW\r\nJj ZA = =", true, true, {'a', 'b', 'c', 'd'}},
-      {"YWJj", true, true, {'a', 'b', 'c'}},
-      {"YWJj=", true, false, {}},     // nothing to complete
-      {"YWI==", true, false, {}},     // too much
-      {"YW=", true, false, {}},       // too little
-      {"YWI=YWI=", true, false, {}},  // more after the end
-      {"Y", true, false, {}},
-      {"YW!I", true, false, {}},
-      {"YW\xC3\xB1I", true, false, {}},
-      {"====", true, false, {}},
-      {"YWJj====", true, false, {}},
+  } good[] = {
+      {"", false, {}},
+      {"0a1F", false, {0x0A, 0x1F}},
+      {" 0a\r\n1 F\t", false, {0x0A, 0x1F}},
+      {"", true, {}},
+      {"-_8=", true, {0xFB, 0xFF}},
+      {"+_8", true, {0xFB, 0xFF}},
+      {"YW\r\nJj ZA = =", true, {'a', 'b', 'c', 'd'}},
+      {"YWJj", true, {'a', 'b', 'c'}},
   };
-  for (const auto& row : rows) {
-    const std::wstring wide = memo(row.text).to_string();
+  const auto check = [](const char* text, bool base64, const bytes& store, unsigned long code) {
+    const std::wstring wide = memo(text).to_string();
     for (const bool narrow : {true, false}) {
       binary b("old");
       ruvo::exception error = ruvo::exception::incorrect();
-      if (row.base64) {
-        EXPECT_EQ(&(narrow ? b.setAsB64(std::string(row.text), &error) : b.setAsB64(wide, &error)), &b);
+      if (base64) {
+        EXPECT_EQ(&(narrow ? b.setAsB64(std::string(text), &error) : b.setAsB64(wide, &error)), &b);
       } else {
-        EXPECT_EQ(&(narrow ? b.setAsHex(std::string(row.text), &error) : b.setAsHex(wide, &error)), &b);
+        EXPECT_EQ(&(narrow ? b.setAsHex(std::string(text), &error) : b.setAsHex(wide, &error)), &b);
       }
-      EXPECT_EQ(b.get_store(), row.store) << row.text;
-      EXPECT_EQ(error.get_raw_code(), row.good ? 0xEBB80001 : 0xEBB8000A) << row.text;
+      EXPECT_EQ(b.get_store(), store) << text;
+      EXPECT_EQ(error.get_raw_code(), code) << text;
     }
-  }
+  };
+  for (const auto& row : good) check(row.text, row.base64, row.store, 0xEBB80001);
+  for (const char* const bad : {"0a1", "0a1g", "0x41"}) check(bad, false, {}, 0xEBB8000A);
+  // With nothing to complete, too much and too little of it, more after the end, and what is no digit.
+  for (const char* const bad :
+       {"YWJj=", "YWI==", "YW=", "YWI=YWI=", "Y", "YW!I", "YW\xC3\xB1I", "====", "YWJj===="})
+    check(bad, true, {}, 0xEBB8000A);
   binary b("old");
   EXPECT_TRUE(b.setAsHex(L"x", nullptr).empty());
   EXPECT_TRUE((b = "old", b.setAsB64(L"\x0159YWI", nullptr)).empty());  // low byte alone would be a digit

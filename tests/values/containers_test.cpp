@@ -1,9 +1,4 @@
-#include <ruvo/binary.hpp>
-#include <ruvo/bundle.hpp>
-#include <ruvo/exc.hpp>
-#include <ruvo/list.hpp>
-#include <ruvo/memo.hpp>
-#include <ruvo/xvar.hpp>
+#include <ruvo/ruvo.hpp>
 
 #include <algorithm>
 #include <cwctype>

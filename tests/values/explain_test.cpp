@@ -1,13 +1,6 @@
 // What a bundle tells of a path, and that it agrees with the getters.
 
-#include <ruvo/binary.hpp>
-#include <ruvo/bundle.hpp>
-#include <ruvo/color.hpp>
-#include <ruvo/date.hpp>
-#include <ruvo/datetime.hpp>
-#include <ruvo/list.hpp>
-#include <ruvo/memo.hpp>
-#include <ruvo/time.hpp>
+#include <ruvo/ruvo.hpp>
 
 #include <algorithm>
 #include <random>
@@ -25,11 +18,6 @@ using ruvo::xvar;
 
 namespace {
 
-struct row {
-  const wchar_t* path;
-  const wchar_t* expected;
-};
-
 TEST(explain, where_the_path_ends) {
   bundle b;
   b.putOn(L"a.b.text", L"x");
@@ -38,7 +26,7 @@ TEST(explain, where_the_path_ends) {
   b[L"a.b.flat"] = 1;
   b[L"Ñu"] = 1;
   b[L""] = 7;
-  const row rows[] = {
+  const wchar_t* const rows[][2] = {
       {L"z", L"«z» (parte 1 de la ruta) no existe."},
       {L"A.Z.text", L"«Z» (parte 2 de la ruta) no existe."},
       {L"a.b.", L"«» (parte 3 de la ruta) no existe."},
@@ -54,9 +42,9 @@ TEST(explain, where_the_path_ends) {
        L"«» (parte 1 de la ruta) es un número entero. Se lee como entero, decimal. No se lee como valor "
        L"lógico."},
   };
-  for (const row& r : rows) {
-    EXPECT_EQ(b.explain(r.path), r.expected);
-    EXPECT_EQ(b.explain(std::wstring(r.path), '.'), b.explain(r.path));
+  for (const auto& [path, expected] : rows) {
+    EXPECT_EQ(b.explain(path), expected);
+    EXPECT_EQ(b.explain(std::wstring(path), '.'), expected);
   }
   EXPECT_EQ(b.explain(L"a/list/0", '/'), b.explain(L"a.list.0"));
   bundle flat;
