@@ -3,22 +3,24 @@
 //   kesta-error CODE
 //
 // CODE is the raw code, in decimal (with a sign too, as an HRESULT is often shown) or as 0x and hexadecimal
-// digits, or RANGE.NUMBER of an error of the library. Prints the parts of the code, the classes that have it
-// and their messages; of other codes, what the system says. Ends with 0, with 1 if nothing is known of the
-// code, with 2 after bad arguments.
+// digits (without 0x, too, if they are eight and one is a letter), or RANGE.NUMBER of an error of the
+// library. Prints the parts of the code, the classes that have it and their messages; of other codes, what
+// the system says. Ends with 0, with 1 if nothing is known of the code, with 2 after bad arguments.
 
 #include <ruvo/ruvo.hpp>
 
 #include <charconv>
+#include <cstdio>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace {
 
-const wchar_t usage[] =
-    L"uso: kesta-error CÓDIGO\r\n"
-    L"  CÓDIGO: decimal (3954770921, -340196375), hexadecimal (0xEBB903E9) o RANGO.NÚMERO (1.1)";
+// Without accents: a console's code page does not matter then.
+const char usage[] =
+    "uso: kesta-error VALOR\n"
+    "  VALOR: decimal (3954770921, -340196375), hexadecimal (0xEBB903E9, EBB903E9) o RANGO.ORDEN (1.1)\n";
 
 namespace ranges {
 #define KESTA_EXC_RANGE(name, range) constexpr unsigned long name = range;
@@ -56,11 +58,11 @@ const row rows[] = {
 #define ROW(name, range, number, text) {L"" #name, L"kesta::exception", range, number, text, L""},
   KESTA_EXC_ACTION(ROW)
 #undef ROW
-#define ROW(name, family, number) {L"" #name, L"" #family, ranges::family, number, L"%1", L""},
+#define ROW(name, family, number) {L"" #name, L"" #family, ranges::family, number, L"" #name L": %1", L""},
   KESTA_EXC_MESSAGE(ROW)
   KESTA_EXC_PLACES(ROW)
 #undef ROW
-#define ROW(name, family, number) {L"" #name, L"" #family, ranges::family, number, L"%1 (%2: %3)", L""},
+#define ROW(name, family, number) {L"" #name, L"" #family, ranges::family, number, L"" #name L": %1 (%2: %3)", L""},
   KESTA_EXC_WINDOWS(ROW)
 #undef ROW
 };
@@ -114,6 +116,7 @@ std::optional<unsigned long> code_of(std::string_view text) {
     code = (most + 1 - *code) & most;
   } else {
     code = number(text);
+    if (!code && text.size() == 8) code = number(text, 16);
   }
   if (!code || *code > most) return {};
   return static_cast<unsigned long>(*code);
@@ -196,15 +199,14 @@ bool tell(std::wstring& out, unsigned long raw) {
 }
 
 int run(int argc, wchar_t** argv) {
-  ruvo::console console;
   const auto code = argc == 2 ? code_of(ruvo::texto::to_utf_8(argv[1])) : std::nullopt;
   if (!code) {
-    console.write_line(usage);
+    std::fputs(usage, stderr);
     return 2;
   }
   std::wstring out;
   const bool known = tell(out, *code);
-  console.write(out);
+  ruvo::console().write(out);
   return known ? 0 : 1;
 }
 

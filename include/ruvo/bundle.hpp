@@ -195,8 +195,10 @@ class KESTA_API bundle {
   bool has(const std::wstring& path, char separator = '.') const;
   bool has(const std::string& path, char separator = '.') const;
   /// In Spanish, what the getters find at the path: which part of it is missing, null or no bundle; or what
-  /// kind of value is there, and as what it reads, so that one sees why a fallback was given. Says so when
-  /// operator[] would reach a key that the path misses. For people to read; empty when memory fails.
+  /// kind of value is there, as what it reads, and which type (long long, long, short, float) it does not
+  /// fit, so that one sees why a fallback was given. Where the path leads nowhere, tells of the key on its
+  /// way that only operator[] reaches: one with the separator inside, or with a capital that paths fold and
+  /// keys do not. For people to read; empty when memory fails.
   std::wstring explain(const std::wstring& path, char separator = '.') const noexcept;
   std::wstring explain(const std::string& path, char separator = '.') const noexcept;
 

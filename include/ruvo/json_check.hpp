@@ -55,7 +55,8 @@ struct json_finding {
 };
 
 /// The departures of the text in the order of their positions; none when it is JSON. Checking goes on behind
-/// a departure as if the text were what it was most likely meant to be, and ends when `most` are found.
+/// a departure as if the text were what it was most likely meant to be, and ends when `most` are found that
+/// are no notes; of the notes before that, too, the first `most` are told, so that they hide no error.
 /// Duplicate names, compared as section 8.3 says, are looked for when `duplicates` is set.
 ///
 /// Nesting is limited by memory only. Takes linear time; with `duplicates`, the names are sorted.

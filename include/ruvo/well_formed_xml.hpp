@@ -23,8 +23,10 @@ namespace ruvo::serializer {
 /// CDATA sections and comments divide no text. Blanks at the ends of a text are lost, but for those that
 /// stand in a CDATA section or are written as character references. Names are kept with their prefixes; no
 /// namespace is resolved. A byte order mark, the declaration (whatever encoding it names), processing
-/// instructions, comments and the document type declaration are passed over; what the latter declares has no
-/// effect: there are the five entities of XML and no others, no default attributes, and nothing is fetched.
+/// instructions, comments and the document type declaration are passed over. What the latter declares must be
+/// well-formed and has no effect: there are the five entities of XML and no others, in default values
+/// neither; no default attributes; and nothing is fetched. References to parameter entities may stand between
+/// the declarations; what they would bring is not looked at.
 ///
 /// True on FAILURE; `out` is then as it was. The first character that can't stand where it stands is the
 /// position in the message, and the number of open elements the knot; a reference to what is not there counts

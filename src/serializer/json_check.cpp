@@ -128,9 +128,12 @@ class findings {
  public:
   explicit findings(std::size_t most) noexcept : most_(most) {}
 
-  bool full() const noexcept { return found_.size() >= most_; }
+  bool full() const noexcept { return errors_ >= most_; }
   void add(rule departure, std::size_t offset, std::wstring what) {
-    if (!full()) found_.push_back({departure, offset, std::move(what)});
+    std::size_t& count = is_note(departure) ? notes_ : errors_;
+    if (full() || count >= most_) return;
+    found_.push_back({departure, offset, std::move(what)});
+    ++count;
   }
 
   /// Sorted, with lines and columns.
@@ -149,7 +152,7 @@ class findings {
   }
 
  private:
-  std::size_t most_;
+  std::size_t most_, errors_ = 0, notes_ = 0;
   std::vector<raw_finding> found_;
 };
 

@@ -3,6 +3,7 @@
 #include <ruvo/reading.hpp>
 #include <ruvo/serializer.hpp>
 
+#include <cstdint>
 #include <exception>
 #include <new>
 #include <string>
@@ -25,7 +26,11 @@ std::uint64_t failure_position(const exception& failure) {
   while (from > 0 && texto::is_digit(message[from - 1])) --from;
   if (from == 0 || message[from - 1] != L':') return 0;
   std::uint64_t position = 0;
-  for (; from < end; ++from) position = position * 10 + static_cast<std::uint64_t>(message[from] - L'0');
+  for (; from < end; ++from) {
+    const auto digit = static_cast<std::uint64_t>(message[from] - L'0');
+    if (position > (UINT64_MAX - digit) / 10) return 0;
+    position = position * 10 + digit;
+  }
   return position;
 }
 

@@ -36,21 +36,26 @@ class xml_text {
     while (size > 0 && is_xml_blank(part[size - 1])) --size;
     if (size > 0) solid_ = text_.size() - (part.size() - size);
   }
-  /// What is added here is kept as it is.
-  std::wstring& verbatim() noexcept { return text_; }
-  void end_verbatim() noexcept { solid_ = text_.size(); }
+  /// What is added here until end_verbatim() is kept as it is.
+  std::wstring& verbatim() noexcept {
+    verbatim_from_ = text_.size();
+    return text_;
+  }
+  void end_verbatim() noexcept {
+    if (text_.size() > verbatim_from_) solid_ = text_.size();
+  }
 
   std::wstring_view text() const noexcept { return std::wstring_view(text_).substr(0, solid_); }
 
  private:
   std::wstring text_;
   std::size_t solid_ = 0;  // without the blanks at the end that may be lost
+  std::size_t verbatim_from_ = 0;
 };
 
 /// Makes the elements. A document that is given up is destroyed with it.
 class xml_tree {
  public:
-  std::size_t depth() const noexcept { return open_.size(); }
   /// The name of the innermost element.
   std::wstring_view name() const noexcept { return open_.back().name; }
 

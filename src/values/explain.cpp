@@ -3,8 +3,11 @@
 #include <ruvo/memo.hpp>
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "texto/utf.hpp"
 #include "values/bundle_store.hpp"
@@ -83,7 +86,8 @@ class walk {
   }
   std::wstring failure() const {
     if (!value_) return where() + L" no existe." + hint();
-    return where() + L" es " + noun_of(cell::kind_of(*value_)) + L": la ruta sólo sigue por un bundle.";
+    return where() + L" es " + noun_of(cell::kind_of(*value_)) + L": la ruta sólo sigue por un bundle." +
+           hint();
   }
 
  private:
@@ -92,6 +96,7 @@ class walk {
   /// False when the path ends here.
   bool step() {
     if (number_ > 0) begin_ = end_ + 1;
+    way_.emplace_back(in_, begin_);
     ++number_;
     end_ = std::min(folded_.view().find(separator_, begin_), path_.size());
     last_ = end_ == path_.size();
@@ -107,19 +112,35 @@ class walk {
     return entry ? &entry->second : nullptr;
   }
 
-  /// A key with the separator, or with a capital that paths fold and operator[] does not.
+  /// Of the keys on the way that the path spells and does not reach, the one that goes furthest.
   std::wstring hint() const {
-    const std::wstring_view rest = path_.substr(begin_);
-    for (const std::wstring_view key : {part(), rest})
-      if (find(detail::folded_key(key).view()))
-        return L" Sí hay una clave " + quoted(key) + L", a la que sólo llega el operador [].";
-    return {};
+    const detail::folded_key folded(path_);
+    std::wstring_view furthest;
+    std::size_t end = 0;
+    for (const auto& [in, begin] : way_) {
+      for (const auto& [key, value] : *in) {
+        if (begin + key.size() < end || !is_spelled(folded.view(), key, begin)) continue;
+        furthest = path_.substr(begin, key.size());
+        end = begin + key.size();
+      }
+    }
+    if (furthest.empty()) return {};
+    return L" Sí hay una clave " + quoted(furthest) + L", a la que sólo llega el operador [].";
+  }
+  /// Whether the key is what the path has from `begin` up to a separator or its end, and paths do not reach
+  /// it: there is a separator inside, or a capital that paths fold and keys do not.
+  bool is_spelled(std::wstring_view folded, std::wstring_view key, std::size_t begin) const noexcept {
+    const std::wstring_view as_path = folded_.view().substr(begin);
+    if (!folded.substr(begin).starts_with(key)) return false;
+    if (as_path.size() > key.size() && as_path[key.size()] != separator_) return false;
+    return !as_path.starts_with(key) || key.find(separator_) != key.npos;
   }
 
   std::wstring_view path_;
   wchar_t separator_;
   detail::folded_path folded_;
   const bundle* in_;
+  std::vector<std::pair<const bundle*, std::size_t>> way_;  // where parts were looked for, where they begin
   const xvar* value_ = nullptr;
   std::size_t begin_ = 0, end_ = 0, number_ = 0;  // of the part looked at last
   bool last_ = false;
@@ -138,6 +159,41 @@ std::wstring readings(const bool (&reads)[3]) {
   return out;
 }
 
+/// " No cabe en long (da 0) ni en short (da 0)."
+class misfits {
+ public:
+  void add(const wchar_t* type, const std::wstring& given) {
+    text_ += (text_.empty() ? L" No cabe en " : L" ni en ") + (type + (L" (da " + given + L")"));
+  }
+  std::wstring text() const { return text_.empty() ? text_ : text_ + L"."; }
+
+ private:
+  std::wstring text_;
+};
+
+/// Of a value that reads as an integer.
+void add_integers(misfits& out, const bundle& in, const std::wstring& path, char separator) {
+  constexpr double limit = 9223372036854775808.0;
+  const long long whole = in.get_xlong(path, separator);
+  const double real = in.get_double(path, separator);
+  if (std::abs(real) >= limit && real != static_cast<double>(whole))
+    out.add(L"long long", std::to_wstring(whole));
+  const long narrow = in.get_long(path, separator);
+  if (narrow != whole) out.add(L"long", std::to_wstring(narrow));
+  const short narrowest = in.get_short(path, separator);
+  if (narrowest != whole) out.add(L"short", std::to_wstring(narrowest));
+}
+
+/// Of a value that reads as a number with a point.
+void add_float(misfits& out, const bundle& in, const std::wstring& path, char separator) {
+  const float narrow = in.get_float(path, separator);
+  if (std::isinf(narrow)) {
+    out.add(L"float", narrow < 0 ? L"-infinito" : L"infinito");
+  } else if (narrow == 0 && in.get_double(path, separator) != 0) {
+    out.add(L"float", L"0");
+  }
+}
+
 /// The getters themselves say whether they give the fallback: two that differ come back as they were.
 std::wstring conversions(const bundle& in, const std::wstring& path, char separator) {
   const long long whole = in.get_xlong(path, separator, 1);
@@ -146,7 +202,10 @@ std::wstring conversions(const bundle& in, const std::wstring& path, char separa
                         in.get_boolean(path, false, separator) == in.get_boolean(path, true, separator)};
   std::wstring out = readings(reads);
   if (reads[0] && whole == 0) out += real == 0 ? L" Vale 0." : L" Como entero vale 0.";
-  return out;
+  misfits narrow;
+  if (reads[0]) add_integers(narrow, in, path, separator);
+  if (reads[1]) add_float(narrow, in, path, separator);
+  return out + narrow.text();
 }
 
 bool is_empty(const xvar& value) {

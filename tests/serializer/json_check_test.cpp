@@ -165,6 +165,15 @@ TEST(json_check, any_depth_and_bounded_findings_in_linear_time) {
   EXPECT_TRUE(check_json(L"[", 0).empty());
 }
 
+TEST(json_check, notes_hide_no_error) {
+  const auto all = check_json(L"[\"\xD800\", \"\xD800\", x, y, \"\xD800\"]", 1);
+  ASSERT_EQ(all.size(), 2U);
+  EXPECT_EQ(all[0].rule, rule::lone_surrogate);
+  EXPECT_EQ(all[1].rule, rule::literal);
+  EXPECT_EQ(all[1].position, 12U);
+  EXPECT_TRUE(check_json(L"\"\xD800\" x", 0).empty());
+}
+
 // --- generated documents
 
 /// The grammar, told by recursion.

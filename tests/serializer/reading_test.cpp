@@ -176,6 +176,9 @@ TEST(failure_position, stands_in_the_messages_of_the_readers_only) {
   EXPECT_EQ(failure_position(exception()), 0U);
   EXPECT_EQ(failure_position(exception(0xE0000001, L" en el nudo:1")), 0U);
   EXPECT_EQ(failure_position(exception(0xE0000001, L"12 en el nudo:1")), 0U);
+  EXPECT_EQ(failure_position(exception(0xE0000001, L":18446744073709551615 en el nudo:1")), ~0ULL);
+  EXPECT_EQ(failure_position(exception(0xE0000001, L":18446744073709551616 en el nudo:1")), 0U);
+  EXPECT_EQ(failure_position(exception(0xE0000001, L":100000000000000000000 en el nudo:1")), 0U);
 }
 
 }  // namespace

@@ -107,8 +107,14 @@ class xml_source : public dice {
   std::wstring document(const node& root) {
     static const wchar_t* const declarations[] = {L"", L"\xFEFF", L"<?xml version='1.0'?>",
                                                   L"<?xml\tversion = \"1.0\" encoding='UTF-16'\n?>"};
-    static const wchar_t* const types[] = {L"", L"<!DOCTYPE r>",
-                                           L"<!DOCTYPE r SYSTEM \"'\" [ <!ENTITY a '>\"]'><!-- ]>' --> ] >"};
+    static const wchar_t* const types[] = {
+        L"",
+        L"<!DOCTYPE r>",
+        L"<!DOCTYPE r SYSTEM \"'\" [ <!ENTITY a '>\"]'><!-- ]>' --> ] >",
+        L"<!DOCTYPE r[<!ELEMENT r ((a, b?)+|c)*>%p;<!ENTITY % e '&a;&#65;'>]>",
+        L"<!DOCTYPE r PUBLIC '-//x' ''[<!ATTLIST r a (x|1) '&lt;' b NOTATION "
+        L"(n) #IMPLIED><!ELEMENT a (#PCDATA|b)*>]>",
+        L"<!DOCTYPE r[<!NOTATION n PUBLIC 'n' ><!ENTITY e SYSTEM '' NDATA n>]>"};
     static const wchar_t* const line_ends[] = {L"\n", L"\r", L"\r\n"};
     line_end_ = any(line_ends);
     out_ = any(declarations);
@@ -302,9 +308,10 @@ TEST_F(well_formed_xml_generated, no_part_of_a_document_is_one) {
 TEST_F(well_formed_xml_generated, damaged_documents) {
   static const std::wstring alphabet =
       L"<>/!?=\"'-[]&#;x0 \t\n\r:aAñ%\xD83D\xDE00\xFFFF\x01" + std::wstring(1, L'\0');
-  static const wchar_t* const parts[] = {L"]]>",   L"--",          L"-->",    L"<![CDATA[", L"<!--",
-                                         L"<?",    L"?>",          L"</a>",   L"<a>",       L"&#x1F600;",
-                                         L"&amp;", L"<!DOCTYPE r", L" a='1'", L"/>",        L"<?xml "};
+  static const wchar_t* const parts[] = {L"]]>",       L"--",          L"-->",     L"<![CDATA[", L"<!--",
+                                         L"<?",        L"?>",          L"</a>",    L"<a>",       L"&#x1F600;",
+                                         L"&amp;",     L"<!DOCTYPE r", L" a='1'",  L"/>",        L"<?xml ",
+                                         L"<!ENTITY ", L"(a,",         L"#FIXED ", L"%p;"};
   tree_source trees(20261129);
   xml_source writer(20261130);
   for (unsigned round = 0; round < 1200 * rounds() && !HasFailure(); ++round) {

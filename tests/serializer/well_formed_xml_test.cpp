@@ -34,6 +34,7 @@ TEST(well_formed_xml, accepted) {
       {"blanks at the ends", L"<r> \t\r\n 1  2\r\n </r>", L"{\"r\":\"1  2\"}"},
       {"nothing but blanks", L"<r> \n </r>", L"{\"r\":\"\"}"},
       {"blanks that are meant", L"<r> &#32;<![CDATA[ 1 ]]>&#x20; </r>", L"{\"r\":\"  1  \"}"},
+      {"blanks around empty sections", L"<r> <![CDATA[]]> 1 <![CDATA[]]> <![CDATA[]]></r>", L"{\"r\":\"1\"}"},
       {"blanks around what is meant", L"<r> <![CDATA[]]> 1 <!-- --> 2 <?p?> </r>", L"{\"r\":\"1  2\"}"},
       {"declaration", L"<?xml version='1.0'\r\nencoding = \"ISO-8859-1\" standalone='no' ?><r/>",
        L"{\"r\":\"\"}"},
@@ -54,7 +55,26 @@ TEST(well_formed_xml, accepted) {
       {"external document type", L"<!DOCTYPE r SYSTEM 'a>\"b' ><r/>", L"{\"r\":\"\"}"},
       {"public document type", L"<!-- --><!DOCTYPE\nr PUBLIC \"-//x\" 'u' [ ] ><?p?><r/>", L"{\"r\":\"\"}"},
       {"internal subset",
-       L"<!DOCTYPE r[<!ENTITY a ']>\"'> %p; <!-- ]> ' --><?p ]> \"?>\n<!ATTLIST r x CDATA \"<>'\">]><r/>",
+       L"<!DOCTYPE r[<!ENTITY a ']>\"'> %p; <!-- ]> ' --><?p ]> \"?>\n<!ATTLIST r x CDATA \"&lt;>'\">]><r/>",
+       L"{\"r\":\"\"}"},
+      {"element declarations",
+       L"<!DOCTYPE r[<!ELEMENT a EMPTY><!ELEMENT\tb ANY ><!ELEMENT c (#PCDATA)><!ELEMENT c ( #PCDATA )*>"
+       L"<!ELEMENT d (#PCDATA|a | b)*><!ELEMENT e (a)><!ELEMENT f ( ( a? , b* ,\n(c|d+ | e))+, ((f)) "
+       L")?>]><r/>",
+       L"{\"r\":\"\"}"},
+      {"attribute declarations",
+       L"<!DOCTYPE r[<!ATTLIST r><!ATTLIST r ><!ATTLIST r a ID #REQUIRED b IDREF #IMPLIED\nc IDREFS '&#x41;' "
+       L"d "
+       L"ENTITY #FIXED\t\"'%p;\" e ENTITIES '' f NMTOKEN '' g NMTOKENS '' h NOTATION ( n | m ) 'n' i ( 1|-a| "
+       L".b "
+       L") '1' >]><r/>",
+       L"{\"r\":\"\"}"},
+      {"entities and notations",
+       L"<!DOCTYPE r[<!ENTITY a '&b;&#60;\"<'><!ENTITY % a \"\" ><!ENTITY b SYSTEM '%&'><!ENTITY % b PUBLIC "
+       L"'' ''>"
+       L"<!ENTITY c PUBLIC \"-'()+,./:=?;!*#@$_%\r\n\" '' NDATA n ><!NOTATION n SYSTEM ''><!NOTATION m "
+       L"PUBLIC 'm'>"
+       L"<!NOTATION o PUBLIC 'm' \"\xF1\">]><r/>",
        L"{\"r\":\"\"}"},
   };
   for (const auto& row : rows) {
@@ -148,6 +168,38 @@ TEST(well_formed_xml, refused) {
       L"<!DOCTYPE r [¦x]><r/>", L"<!DOCTYPE r [%¦;]><r/>", L"<!DOCTYPE r [%a¦ ]><r/>",
       L"<!DOCTYPE r [<¦a/>]><r/>", L"<!DOCTYPE r [<!¦[INCLUDE[]]>]><r/>",
       L"<!DOCTYPE r [<!ENTITY a \"'>]><r/>¦", L"<!DOCTYPE r []¦[]><r/>",
+      // Its declarations
+      L"<!DOCTYPE r [<!¦FOO x>]><r/>", L"<!DOCTYPE r [<!E¦>]><r/>", L"<!DOCTYPE r [<!ELEMENT¦>]><r/>",
+      L"<!DOCTYPE r [<!ELEMENT¦S a ANY>]><r/>", L"<!DOCTYPE r [<!ELEMENT a¦(b)>]><r/>",
+      L"<!DOCTYPE r [<!ELEMENT a ¦>]><r/>", L"<!DOCTYPE r [<!ELEMENT a EMPTY¦S>]><r/>",
+      L"<!DOCTYPE r [<!ELEMENT a (¦)>]><r/>", L"<!DOCTYPE r [<!ELEMENT a (b,¦)>]><r/>",
+      L"<!DOCTYPE r [<!ELEMENT a (b,c¦|d)>]><r/>", L"<!DOCTYPE r [<!ELEMENT a ((b|c),d¦|e)>]><r/>",
+      L"<!DOCTYPE r [<!ELEMENT a (b ¦?)>]><r/>", L"<!DOCTYPE r [<!ELEMENT a (b?¦?)>]><r/>",
+      L"<!DOCTYPE r [<!ELEMENT a (b ¦c)>]><r/>", L"<!DOCTYPE r [<!ELEMENT a (b)¦)>]><r/>",
+      L"<!DOCTYPE r [<!ELEMENT a ((b)¦>]><r/>", L"<!DOCTYPE r [<!ELEMENT a (b,¦#PCDATA)>]><r/>",
+      L"<!DOCTYPE r [<!ELEMENT a (#PCDATA)¦+>]><r/>", L"<!DOCTYPE r [<!ELEMENT a (#PCDATA|b)¦>]><r/>",
+      L"<!DOCTYPE r [<!ELEMENT a (#PCDATA¦,b)*>]><r/>", L"<!DOCTYPE r [<!ELEMENT a (#PCDATA|b¦?)*>]><r/>",
+      L"<!DOCTYPE r [<!ELEMENT a (¦%p;)>]><r/>", L"<!DOCTYPE r [<!ELEMENT a ANY ¦-- b -->]><r/>",
+      L"<!DOCTYPE r [<!ATTLIST¦>]><r/>", L"<!DOCTYPE r [<!ATTLIST a b ¦'<'>]><r/>",
+      L"<!DOCTYPE r [<!ATTLIST a b CDATA¦>]><r/>", L"<!DOCTYPE r [<!ATTLIST a b CDATA ¦>]><r/>",
+      L"<!DOCTYPE r [<!ATTLIST a b CDATA '¦<'>]><r/>", L"<!DOCTYPE r [<!ATTLIST a b CDATA '¦&c;'>]><r/>",
+      L"<!DOCTYPE r [<!ATTLIST a b IDREFS¦X ''>]><r/>", L"<!DOCTYPE r [<!ATTLIST a b ENTIT¦ ''>]><r/>",
+      L"<!DOCTYPE r [<!ATTLIST a b (¦) ''>]><r/>", L"<!DOCTYPE r [<!ATTLIST a b (c|¦) ''>]><r/>",
+      L"<!DOCTYPE r [<!ATTLIST a b (c)¦'c'>]><r/>", L"<!DOCTYPE r [<!ATTLIST a b NOTATION¦(n) ''>]><r/>",
+      L"<!DOCTYPE r [<!ATTLIST a b NOTATION (¦1) ''>]><r/>",
+      L"<!DOCTYPE r [<!ATTLIST a b CDATA #FIXED¦''>]><r/>",
+      L"<!DOCTYPE r [<!ATTLIST a b CDATA ''¦c CDATA ''>]><r/>",
+      L"<!DOCTYPE r [<!ATTLIST a b CDATA #I¦D>]><r/>", L"<!DOCTYPE r [<!ENTITY a¦>]><r/>",
+      L"<!DOCTYPE r [<!ENTITY a ¦>]><r/>", L"<!DOCTYPE r [<!ENTITY a ¦b>]><r/>",
+      L"<!DOCTYPE r [<!ENTITY %¦a; ''>]><r/>", L"<!DOCTYPE r [<!ENTITY a '1¦%'>]><r/>",
+      L"<!DOCTYPE r [<!ENTITY % a '¦%b;'>]><r/>", L"<!DOCTYPE r [<!ENTITY a '&¦'>]><r/>",
+      L"<!DOCTYPE r [<!ENTITY a '&b¦'>]><r/>", L"<!DOCTYPE r [<!ENTITY a '¦&#0;'>]><r/>",
+      L"<!DOCTYPE r [<!ENTITY a '' ¦'b'>]><r/>", L"<!DOCTYPE r [<!ENTITY a SYSTEM 'b'¦NDATA c>]><r/>",
+      L"<!DOCTYPE r [<!ENTITY % a SYSTEM 'b' ¦NDATA c>]><r/>", L"<!DOCTYPE r [<!ENTITY a PUBLIC 'b'¦>]><r/>",
+      L"<!DOCTYPE r [<!NOTATION a ¦>]><r/>", L"<!DOCTYPE r [<!NOTATION a ¦'b'>]><r/>",
+      L"<!DOCTYPE r [<!NOTATION a PUBLIC 'b'¦'c'>]><r/>", L"<!DOCTYPE r [<!NOTATION a PUBLIC 'b' ¦c>]><r/>",
+      L"<!DOCTYPE r PUBLIC '¦{}' 'u'><r/>", L"<!DOCTYPE r PUBLIC '¦\t' 'u'><r/>", L"<!DOCTYPE r P¦ 'u'><r/>",
+      L"<!DOCTYPE r [<?¦xml version='1.0'?>]><r/>", L"<!DOCTYPE r [%¦ p;]><r/>",
       L"<!DOCTYPE r [<!ENTITY a 'b'>]><r>¦&a;</r>", L"<!DOCTYPE r [<!ENTITY lt '<'>]><r>&lt;&a¦",
       L"<!DOCTYPE r [<!ENTITY x SYSTEM 'file:///x'>]><r x='¦&x;'/>"};
   for (std::wstring text : rows) {
@@ -208,12 +260,34 @@ TEST(well_formed_xml, any_depth_and_any_width) {
   EXPECT_EQ(o.store.at(L"r").get_quality(L"k7").to_string(), L"1");
 
   // What never ends must not be looked through again and again.
-  for (const wchar_t* const piece :
-       {L"<a ",          L"<a x='", L"]",        L"]]",    L"-", L"--",   L"<!--", L"<!-- -->", L"<![CDATA[",
-        L"<![CDATA[]]>", L"<?p",    L"<?p ?>",   L"&amp;", L"&", L"&#x0", L" ",    L"\r",       L"a",
-        L"\xD83D\xDE00", L"' ",     L"<a>1</a>", L"%p;"}) {
-    for (const wchar_t* const begin :
-         {L"", L"<r>", L"<r x='", L"<r><![CDATA[", L"<r><!--", L"<!DOCTYPE r ["}) {
+  for (const wchar_t* const piece : {L"<a ",
+                                     L"<a x='",
+                                     L"]",
+                                     L"]]",
+                                     L"-",
+                                     L"--",
+                                     L"<!--",
+                                     L"<!-- -->",
+                                     L"<![CDATA[",
+                                     L"<![CDATA[]]>",
+                                     L"<?p",
+                                     L"<?p ?>",
+                                     L"&amp;",
+                                     L"&",
+                                     L"&#x0",
+                                     L" ",
+                                     L"\r",
+                                     L"a",
+                                     L"\xD83D\xDE00",
+                                     L"' ",
+                                     L"<a>1</a>",
+                                     L"%p;",
+                                     L"(a,",
+                                     L"(",
+                                     L"<!ELEMENT a (b)>",
+                                     L"<!ENTITY a '"}) {
+    for (const wchar_t* const begin : {L"", L"<r>", L"<r x='", L"<r><![CDATA[", L"<r><!--", L"<!DOCTYPE r [",
+                                       L"<!DOCTYPE r [<!ELEMENT r (", L"<!DOCTYPE r [<!ENTITY r '"}) {
       std::wstring text = begin;
       for (int n = 0; n < many / 4; ++n) text += piece;
       EXPECT_TRUE(read(text).failed);

@@ -23,6 +23,7 @@ TEST(explain, where_the_path_ends) {
   b.putOn(L"a.b.text", L"x");
   b.putOn(L"a.none", xvar());
   b.putOn(L"a.list", list{1, 2});
+  b.putOn(L"a/list.0", 1, '/');
   b[L"a.b.flat"] = 1;
   b[L"Ñu"] = 1;
   b[L""] = 7;
@@ -31,13 +32,21 @@ TEST(explain, where_the_path_ends) {
       {L"A.Z.text", L"«Z» (parte 2 de la ruta) no existe."},
       {L"a.b.", L"«» (parte 3 de la ruta) no existe."},
       {L"a.none.x", L"«none» (parte 2 de la ruta) es nulo: la ruta sólo sigue por un bundle."},
-      {L"a.list.0", L"«list» (parte 2 de la ruta) es una lista: la ruta sólo sigue por un bundle."},
+      {L"a.list.1", L"«list» (parte 2 de la ruta) es una lista: la ruta sólo sigue por un bundle."},
       {L"a.b.text.len", L"«text» (parte 3 de la ruta) es un texto: la ruta sólo sigue por un bundle."},
       {L"a.none", L"«none» (parte 2 de la ruta) es nulo."},
       {L"a.list", L"«list» (parte 2 de la ruta) es una lista."},
       {L"ñU", L"«ñU» (parte 1 de la ruta) no existe."},
       {L"Ñu",
        L"«Ñu» (parte 1 de la ruta) no existe. Sí hay una clave «Ñu», a la que sólo llega el operador []."},
+      {L"A.B.flat.x.y",
+       L"«flat» (parte 3 de la ruta) no existe. Sí hay una clave «A.B.flat», a la que sólo llega el operador "
+       L"[]."},
+      {L"a.list.0.x",
+       L"«list» (parte 2 de la ruta) es una lista: la ruta sólo sigue por un bundle. Sí hay una clave "
+       L"«list.0», "
+       L"a la que sólo llega el operador []."},
+      {L"a.lis", L"«lis» (parte 2 de la ruta) no existe."},
       {L"",
        L"«» (parte 1 de la ruta) es un número entero. Se lee como entero, decimal. No se lee como valor "
        L"lógico."},
@@ -46,7 +55,7 @@ TEST(explain, where_the_path_ends) {
     EXPECT_EQ(b.explain(path), expected);
     EXPECT_EQ(b.explain(std::wstring(path), '.'), expected);
   }
-  EXPECT_EQ(b.explain(L"a/list/0", '/'), b.explain(L"a.list.0"));
+  EXPECT_EQ(b.explain(L"a/list/1", '/'), b.explain(L"a.list.1"));
   bundle flat;
   flat[L"x.Y"] = 1;
   EXPECT_EQ(
@@ -65,6 +74,13 @@ TEST(explain, what_is_there) {
       {0.25,
        L"un número decimal. Se lee como entero, decimal. No se lee como valor lógico. Como entero vale 0."},
       {0, L"un número entero. Se lee como entero, decimal, valor lógico. Vale 0."},
+      {70000,
+       L"un número entero. Se lee como entero, decimal. No se lee como valor lógico. No cabe en short (da "
+       L"4464)."},
+      {1e-300,
+       L"un número decimal. Se lee como entero, decimal. No se lee como valor lógico. Como entero vale 0. No "
+       L"cabe "
+       L"en float (da 0)."},
       {L"", L"un texto. Está vacío. No se lee como entero, decimal, valor lógico."},
       {L"12a", L"un texto. No se lee como entero, decimal, valor lógico."},
       {L" -3 ", L"un texto. Se lee como entero, decimal. No se lee como valor lógico."},
@@ -85,6 +101,31 @@ TEST(explain, what_is_there) {
     b[L"v"] = value;
     EXPECT_TRUE(b.explain(L"v").find(L" es un") != std::wstring::npos)
         << testing::PrintToString(b.explain(L"v"));
+  }
+}
+
+/// A getter that gives another value than get_xlong or get_double is named, with what it gives.
+TEST(explain, narrow_getters) {
+  for (const xvar& value :
+       {xvar(32767), xvar(32768), xvar(-32769), xvar(65536), xvar(3000000000LL), xvar(4294967296LL),
+        xvar(~0ULL), xvar(9223372036854775807LL), xvar(1e10), xvar(1e19), xvar(-1e300), xvar(1e39),
+        xvar(L"4294967296"), xvar(L"70000"), xvar(2.5), xvar(L"x")}) {
+    bundle b;
+    b[L"v"] = value;
+    const std::wstring text = b.explain(L"v");
+    const auto tells = [&text](const std::wstring& part) { return text.find(part) != std::wstring::npos; };
+    const long long whole = b.get_xlong(L"v");
+    for (const auto& [type, given] :
+         {std::pair<std::wstring, long long>(L" en long (", b.get_long(L"v")),
+          std::pair<std::wstring, long long>(L" en short (", b.get_short(L"v"))}) {
+      EXPECT_EQ(tells(type), given != whole) << testing::PrintToString(text);
+      EXPECT_EQ(tells(type + L"da " + std::to_wstring(given) + L")"), given != whole)
+          << testing::PrintToString(text);
+    }
+    const double real = b.get_double(L"v");
+    EXPECT_EQ(tells(L" en long long ("), real > 9.3e18 || real < -9.3e18) << testing::PrintToString(text);
+    EXPECT_EQ(tells(L" en float (da infinito)"), real == 1e39);
+    EXPECT_EQ(tells(L" en float (da -infinito)"), real == -1e300);
   }
 }
 

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "serializer/well_formed_cursor.hpp"
+
+namespace ruvo::serializer {
+
+/// Where the document type declaration at `from` ends; throws exc::xmlBadFormated as the cursor does.
+const wchar_t* behind_document_type(const xml_cursor& from);
+
+}  // namespace ruvo::serializer
