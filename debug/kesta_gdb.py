@@ -4,18 +4,21 @@ Loading, by hand or in ~/.gdbinit:
 
     source PREFIX/share/kesta/kesta_gdb.py
 
-Then print, info locals and the like show what a value holds:
+or by itself, as a copy beside the program that is named after it: order.exe-gdb.py beside order.exe, where "set
+auto-load safe-path" allows that folder. Then print, info locals and the like show what a value holds:
 
     (gdb) print order
     $1 = bundle of 2 = {["name"] = L"tin", ["parts"] = list of 2 = {[0] = 3, [1] = 4.5}}
 
-"print/r" shows the members as they are. "set print elements" limits texts and containers as usual.
+"print/r" shows the members as they are. "set print elements" limits texts and containers as usual; beyond a million
+nothing is shown, whatever it says, for a value that is not initialised may tell any length.
 Works with programs of mingw-w64 and with builds for Linux. kesta.dll has to have debug information (a build of type
 Debug or RelWithDebInfo), or the program has to be compiled with -femit-class-debug-always (clang: -fstandalone-debug):
 compilers leave the description of such classes to the library that defines their virtual members.
 """
 
 import datetime
+import struct
 
 import gdb
 import gdb.printing
@@ -27,15 +30,20 @@ MODE = 2  # in the same: how a date, time or datetime is read
 BOXED = 8  # the container behind its owner's pointer
 UNITS = 8  # the units of a text behind their number
 STORE_SIZE, STORE_ORDER, STORE_LARGE = 0, 16, 40  # in a bundle_store
-NODE_LEFT, NODE_RIGHT, NODE_PARENT, NODE_VALUE = 16, 24, 8, 32  # in a node of std::map
+MAP_ROOT, MAP_SIZE = 16, 40  # in a std::map
+NODE_LEFT, NODE_RIGHT, NODE_VALUE = 16, 24, 32  # in a node of it
 STRING_SIZE = 32  # of std::wstring
+
+MOST = 1 << 20  # elements that are shown
+DEEPEST = 128  # nodes above each other in a std::map that memory has room for
 
 SIGNED = ("short_", "int_", "long_", "xlong")
 UNSIGNED = ("ushort", "uint", "ulong", "uxlong")
 
 
 def read(address, count):
-    return gdb.selected_inferior().read_memory(address, count).tobytes() if count else b""
+    """The bytes at an address, which may be of any value."""
+    return gdb.selected_inferior().read_memory(address % (1 << 64), count).tobytes() if count else b""
 
 
 def number_at(address):
@@ -51,7 +59,7 @@ def at(address, type_name):
 
 
 def address_of(value):
-    return int(value.address.cast(gdb.lookup_type("unsigned long long")))
+    return pointer(value.address)
 
 
 def pointer(value):
@@ -64,6 +72,8 @@ def pointer(value):
 def quoted(text, cut=False, prefix="L"):
     escapes = {'"': '\\"', "\\": "\\\\", "\n": "\\n", "\r": "\\r", "\t": "\\t"}
     shown = "".join(escapes.get(c) or (c if c.isprintable() else "\\x%x" % ord(c)) for c in text)
+    charset = gdb.host_charset()  # gdb fails where its own output has no place for a character
+    shown = shown.encode(charset, "backslashreplace").decode(charset)
     return prefix + '"' + shown + '"' + ("..." if cut else "")
 
 
@@ -75,7 +85,7 @@ def unit_size():
 
 def limit():
     """How many elements the user wants to see."""
-    return gdb.parameter("print elements") or 1 << 40
+    return min(gdb.parameter("print elements") or MOST, MOST)
 
 
 def wide(address, length):
@@ -84,7 +94,9 @@ def wide(address, length):
     size = unit_size()
     units = read(address, shown * size)
     if size == 4:
-        units = b"".join(units[n : n + 2] for n in range(0, len(units), 4))
+        # Literals of such a compiler have one unit where UTF-16 has two.
+        points = (number for (number,) in struct.iter_unpack("<I", units))
+        units = b"".join(chr(p if p < 0x110000 else 0xFFFD).encode("utf-16-le", "surrogatepass") for p in points)
     return quoted(units.decode("utf-16-le", "replace"), shown < length)
 
 
@@ -105,13 +117,15 @@ def calendar_text(seconds, local, day=True, time=True):
     """As the value prints; in UTC and whole when it is read in local time, which only its process knows."""
     if seconds == -1:
         return "no value"
-    try:
-        instant = datetime.datetime(1970, 1, 1) + datetime.timedelta(seconds=seconds)
-    except OverflowError:
-        return "%d seconds" % seconds
+    # Of the same place in the 400 years from 1970: the calendar repeats, and datetime ends with the year 9999.
+    eras, rest = divmod(seconds, 146097 * 86400)
+    instant = datetime.datetime(1970, 1, 1) + datetime.timedelta(seconds=rest)
+    year = instant.year + 400 * eras
+    if abs(year) >> 31:
+        return "%d seconds since 1970" % seconds  # no calendar of the library reaches there
     parts = []
     if day or local:
-        parts.append("%02d-%02d-%d" % (instant.day, instant.month, instant.year))
+        parts.append("%02d-%02d-%s%04d" % (instant.day, instant.month, "-" if year < 0 else "", abs(year)))
     if time or local:
         parts.append("%02d:%02d:%02d" % (instant.hour, instant.minute, instant.second))
     return " ".join(parts) + (" UTC, read in local time" if local else "")
@@ -123,25 +137,20 @@ def calendar_text(seconds, local, day=True, time=True):
 def elements(vector):
     """The elements of a std::vector."""
     ends = vector["_M_impl"]
-    return ends["_M_start"], int(ends["_M_finish"] - ends["_M_start"])
+    return ends["_M_start"], max(0, int(ends["_M_finish"] - ends["_M_start"]))
 
 
 def map_nodes(map_address):
     """The addresses of the nodes of a std::map, in order."""
-    header = map_address + 8
-    node = number_at(header + NODE_LEFT)
-    while node != header:
-        yield node
-        right = number_at(node + NODE_RIGHT)
-        if right:
-            node = right
-            while number_at(node + NODE_LEFT):
-                node = number_at(node + NODE_LEFT)
-        else:
-            while node == number_at(number_at(node + NODE_PARENT) + NODE_RIGHT):
-                node = number_at(node + NODE_PARENT)
-            if number_at(node + NODE_RIGHT) != number_at(node + NODE_PARENT):
-                node = number_at(node + NODE_PARENT)
+    above, node = [], number_at(map_address + MAP_ROOT)
+    for _ in range(min(number_at(map_address + MAP_SIZE), MOST)):
+        while node and len(above) < DEEPEST:
+            above.append(node)
+            node = number_at(node + NODE_LEFT)
+        if not above:
+            return
+        yield above[-1]
+        node = number_at(above.pop() + NODE_RIGHT)
 
 
 class ListPrinter:
@@ -152,7 +161,7 @@ class ListPrinter:
         return "list of %d" % self.count
 
     def children(self):
-        for n in range(self.count):
+        for n in range(min(self.count, MOST)):
             yield "[%d]" % n, (self.first + n).dereference()
 
 
@@ -171,14 +180,32 @@ class BundlePrinter:
             return
         large = number_at(self.store + STORE_LARGE)
         order = number_at(large if large else self.store + STORE_ORDER)
-        for n in range(self.count):
-            entry = at(number_at(order + 8 * n), "ruvo::bundle::entry")
-            yield "[%s]" % wide_string(pointer_to_key(entry)), entry["second"]
+        for n in range(min(self.count, MOST)):
+            yield key_and_value(at(number_at(order + 8 * n), "ruvo::bundle::entry"))
 
 
-def pointer_to_key(entry):
+def key_and_value(entry):
     key = entry["first"]
-    return address_of(key.referenced_value() if key.type.code == gdb.TYPE_CODE_REF else key)
+    if key.type.code == gdb.TYPE_CODE_REF:
+        key = key.referenced_value()
+    return "[%s]" % wide_string(address_of(key)), entry["second"]
+
+
+class EntryPrinter:
+    """An entry of a bundle, or an iterator that stands on it."""
+
+    def __init__(self, entry):
+        self.entry = entry
+
+    def to_string(self):
+        return "entry"
+
+    def children(self):
+        yield key_and_value(self.entry)
+
+
+def iterator_printer(value):
+    return EntryPrinter(value["at_"].dereference()) if pointer(value["at_"]) else TextPrinter(value, lambda _: "end")
 
 
 class QualitiesPrinter:
@@ -268,6 +295,8 @@ def held_object(kind, address):
 def var_printer(value):
     data = value["data_"]
     kind = str(data["kind"]).rsplit("::", 1)[-1]
+    if kind.isdigit():
+        return TextPrinter(data, lambda _: "not a value: kind " + kind)
     if kind in ("binary", "memo", "object", "list", "bundle"):
         word = number_at(address_of(data["bytes"]) + WORD)
         try:
@@ -280,8 +309,7 @@ def var_printer(value):
 
 
 def xvar_printer(value):
-    qualities = pointer(value["qualities_"])
-    base = value.cast(gdb.lookup_type("ruvo::var"))
+    qualities, base = pointer(value["qualities_"]), value.cast(gdb.lookup_type("ruvo::var"))
     return QualitiesPrinter(base, qualities) if qualities else var_printer(base)
 
 
@@ -294,6 +322,7 @@ PRINTERS = {
     "ruvo::xvar": xvar_printer,
     "ruvo::list": ListPrinter,
     "ruvo::bundle": BundlePrinter,
+    "ruvo::bundle::entry": EntryPrinter,
     "ruvo::binary": shows(binary_text),
     "ruvo::memo": shows(lambda value: wide_string(address_of(value["text_"]))),
     "ruvo::file": shows(lambda value: wide_string(address_of(value["path_"]))),
@@ -316,6 +345,12 @@ def is_exception(kind):
     )
 
 
+def is_told(kind):
+    """Whether the debug information describes the class, or only says that there is one."""
+    parts = kind.fields()
+    return bool(parts) and all(is_told(p.type) for p in parts if p.is_base_class and p.type.name.startswith("ruvo::"))
+
+
 def find(value):
     """The printer for a value, or None. gdb calls it for everything that it prints."""
     if value.type.code in (gdb.TYPE_CODE_REF, gdb.TYPE_CODE_RVALUE_REF):
@@ -323,8 +358,12 @@ def find(value):
     kind = value.type.strip_typedefs().unqualified()
     if value.address is None or not (kind.name or "").startswith("ruvo::"):
         return None
-    make = PRINTERS.get(kind.name) or (shows(exception_text) if is_exception(kind) else None)
-    return make(value) if make else None
+    make = PRINTERS.get(kind.name)
+    if not make and kind.name.startswith("ruvo::bundle::basic_iterator<"):
+        make = iterator_printer
+    elif not make and is_exception(kind):
+        make = shows(exception_text)
+    return make(value) if make and is_told(kind) else None
 
 
 class Printers(gdb.printing.PrettyPrinter):

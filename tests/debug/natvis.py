@@ -127,7 +127,8 @@ class Visualizers:
 
     def evaluate(self, expression, value, view, names=None):
         gdb.set_convenience_variable("self", value.address)
-        return gdb.parse_and_eval(self.plain(expression, view, value.type.unqualified(), names or {}))
+        kind = value.type.strip_typedefs().unqualified()
+        return gdb.parse_and_eval(self.plain(expression, view, kind, names or {}))
 
     def holds(self, node, value, view, names=None):
         return node.get("Condition") is None or bool(self.evaluate(node.get("Condition"), value, view, names))
@@ -147,8 +148,12 @@ class Visualizers:
         view = self.view_of(kind)
         if view is not None:
             for node in view.findall(SPACE + "DisplayString"):
-                if self.holds(node, value, view):
-                    return self.display(node.text, value, view)
+                try:
+                    if self.holds(node, value, view):
+                        return self.display(node.text, value, view)
+                except gdb.error:
+                    if node.get("Optional") != "true":
+                        raise
             raise ValueError("no display string fits: " + view.get("Name"))
         return self.system_text(value, kind, form, count)
 
@@ -177,7 +182,7 @@ class Visualizers:
         if name.startswith("std::vector<"):
             return "{ size=%d }" % kesta_gdb.elements(value)[1]
         if name.startswith("std::map<"):
-            return "{ size=%d }" % kesta_gdb.number_at(kesta_gdb.address_of(value) + 40)
+            return "{ size=%d }" % kesta_gdb.number_at(kesta_gdb.address_of(value) + kesta_gdb.MAP_SIZE)
         if kind.code == gdb.TYPE_CODE_ENUM:
             return str(value).rsplit("::", 1)[-1]
         if kind.code == gdb.TYPE_CODE_FLT:
@@ -207,7 +212,10 @@ class Visualizers:
         return out
 
     def system_items(self, value, form):
-        if not (value.type.strip_typedefs().name or "").startswith("std::vector<"):
+        name = value.type.strip_typedefs().name or ""
+        if name.startswith("std::__cxx11::basic_string<"):
+            return [("[size]", str(kesta_gdb.number_at(kesta_gdb.address_of(value) + 8)))]
+        if not name.startswith("std::vector<"):
             return []
         first, count = kesta_gdb.elements(value)
         return [("[%d]" % n, self.text((first + n).dereference(), form)) for n in range(count)]

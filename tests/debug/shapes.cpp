@@ -1,4 +1,5 @@
-// One value of each shape that a debugger shows, for run.py to look at.
+// One value of each shape that a debugger shows, for look.py to look at. With an argument the program waits
+// for a debugger that comes to it, for half a minute.
 
 #include <ruvo/binary.hpp>
 #include <ruvo/bundle.hpp>
@@ -10,11 +11,17 @@
 #include <ruvo/memo.hpp>
 #include <ruvo/velda.hpp>
 
+#include <chrono>
+#include <cstdio>
 #include <string>
+#include <thread>
 
 namespace {
 
 int looks = 0;
+
+/// Room for what is no value.
+unsigned long long anything[64];
 
 /// Where the debugger stops; `first` keeps the compiler from leaving out the values.
 void look(const void* first) {
@@ -29,7 +36,7 @@ ruvo::bundle large_bundle() {
 
 }  // namespace
 
-int main() {
+int main(int count, char**) {
   const ruvo::var null;
   const ruvo::var yes = true, letter = L'ñ';
   const ruvo::var negative = -7, small = static_cast<unsigned short>(65535);
@@ -50,6 +57,7 @@ int main() {
   order.hack_string_on(L"texto") = L"cadena";
   order[L"alfa"];
   const ruvo::bundle nobody, hundreds = large_bundle();
+  [[maybe_unused]] const ruvo::bundle::const_iterator behind = order.end(), first = order.begin();
   const ruvo::xvar boxed = order;
   ruvo::xvar marked = 5;
   for (const wchar_t* key : {L"m", L"c", L"x", L"a", L"p"}) marked[key] = key;
@@ -63,7 +71,26 @@ int main() {
   const ruvo::exc::BadFormat bad;
   const ruvo::file path(L"C:\\datos\\año.txt");
   const ruvo::color color(16, 32, 48);
+  const ruvo::memo face(L"😀x");
 
-  look(&null);
-  return looks == 1 ? 0 : 1;
+  // Around the years 0, 1 and 10000 and far from them, and what the library prints.
+  ruvo::datetime moments[9];
+  std::wstring printed[9];
+  long long seconds[] = {-1000000000000, -62167219201, -62167219200, -62135596801, -62135596800,
+                         -60000000000,   253402300799, 253402300800, 4000000000000};
+  for (int n = 0; n < 9; ++n) {
+    moments[n].set_lapso(seconds[n]);
+    printed[n] = moments[n].print();
+  }
+  anything[1] = 204;  // the kind of a var
+
+  if (count > 1) {
+    std::puts("waiting");
+    std::fflush(stdout);
+  }
+  do {
+    look(&null);
+    if (count > 1) std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  } while (count > 1 && looks < 600);
+  return looks > 0 ? 0 : 1;
 }
