@@ -58,6 +58,9 @@ const row rows[] = {
 #define ROW(name, range, number, text) {L"" #name, L"kesta::exception", range, number, text, L""},
   KESTA_EXC_ACTION(ROW)
 #undef ROW
+#define ROW(name, number, text) {L"" #name L"(" #number L")", L"kesta::exception", ranges::name, number, text, L""},
+  KESTA_EXC_CONSOLE(ROW)
+#undef ROW
 #define ROW(name, family, number) {L"" #name, L"" #family, ranges::family, number, L"" #name L": %1", L""},
   KESTA_EXC_MESSAGE(ROW)
   KESTA_EXC_PLACES(ROW)

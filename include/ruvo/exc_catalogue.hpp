@@ -101,6 +101,10 @@
 #define KESTA_EXC_ACTION(X) \
   X(actionNotFound, 13, 2, L"La acción de exportación no está contemplada: ")
 
+// The family itself, when the console does not open. X(family, code, message)
+#define KESTA_EXC_CONSOLE(X) \
+  X(SystemException, 11, L"No se ha podido abrir la consola. Comprueba su configuración de Firewall")
+
 // Who throws gives the message. X(class, family, code)
 #define KESTA_EXC_MESSAGE(X) \
   X(zipNoOrigen, ZipException, 1) \

@@ -1,5 +1,6 @@
 #include <ruvo/console.hpp>
 #include <ruvo/exc.hpp>
+#include <ruvo/exc_catalogue.hpp>
 
 #include <mutex>
 
@@ -10,7 +11,9 @@ namespace ruvo {
 namespace {
 
 exc::SystemException no_console() {
-  return {11, L"No se ha podido abrir la consola. Comprueba su configuración de Firewall"};
+#define KESTA_EXC_ROW(family, code, message) return {code, message};
+  KESTA_EXC_CONSOLE(KESTA_EXC_ROW)
+#undef KESTA_EXC_ROW
 }
 
 }  // namespace

@@ -49,6 +49,9 @@ inline std::vector<std::pair<ruvo::exception, std::wstring>> every_class() {
 #define ADD(name, ...) add(ruvo::exc::name(subject, 5), std::wstring(L"" #name) + L": ");
   KESTA_EXC_WINDOWS(ADD)
 #undef ADD
+#define ADD(name, code, message) add(ruvo::exc::name(code, message));
+  KESTA_EXC_CONSOLE(ADD)
+#undef ADD
   add(ruvo::exception::incorrect());
   add(ruvo::exc::UnCatch(nullptr));
   add(ruvo::exc::UnKnown(nullptr));
