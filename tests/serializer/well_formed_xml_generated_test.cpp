@@ -112,8 +112,8 @@ class xml_source : public dice {
         L"<!DOCTYPE r>",
         L"<!DOCTYPE r SYSTEM \"'\" [ <!ENTITY a '>\"]'><!-- ]>' --> ] >",
         L"<!DOCTYPE r[<!ELEMENT r ((a, b?)+|c)*>%p;<!ENTITY % e '&a;&#65;'>]>",
-        L"<!DOCTYPE r PUBLIC '-//x' ''[<!ATTLIST r a (x|1) '&lt;' b NOTATION "
-        L"(n) #IMPLIED><!ELEMENT a (#PCDATA|b)*>]>",
+        L"<!DOCTYPE r PUBLIC '-//x' ''[<!ATTLIST r a (x|1) '&lt;'><!ELEMENT a (#PCDATA|b)*>]>",
+        L"<!DOCTYPE r[<!ATTLIST r b NOTATION (n) #IMPLIED>]>",
         L"<!DOCTYPE r[<!NOTATION n PUBLIC 'n' ><!ENTITY e SYSTEM '' NDATA n>]>"};
     static const wchar_t* const line_ends[] = {L"\n", L"\r", L"\r\n"};
     line_end_ = any(line_ends);
