@@ -83,7 +83,7 @@ class document_type_reader : xml_cursor {
     if (word == L"ATTLIST") return attributes();
     expect_blanks();
     if (word == L"ELEMENT") {
-      content_specification();
+      content_model();
     } else if (word == L"ENTITY") {
       entity_definition(is_parameter);
     } else {
@@ -95,7 +95,7 @@ class document_type_reader : xml_cursor {
 
   // --- elements
 
-  void content_specification() {
+  void content_model() {
     if (expect_one_of({L"EMPTY", L"ANY", L"("}) != L"(") return;
     skip_blanks();
     if (take(L'#')) return mixed_content();
