@@ -33,13 +33,11 @@ def reasons(lines):
 
 
 def quirks(path):
-    """(name, reason) for each quirk of a header, without a name for one of the whole header; and how many it tells of."""
+    """(name, reason) for each quirk of a header, and how many it tells of."""
     text = path.read_text(encoding="utf-8")
     found = [(declaration.name(), reason)
              for declaration in Header(text).declarations if declaration.comment
              for reason in reasons(declaration.comment)]
-    for comment in re.findall(r"(?:^//(?!/).*\n)+", text, re.MULTILINE):
-        found += [("", reason) for reason in reasons(re.findall(r"^//(.*)", comment, re.MULTILINE))]
     return found, len(re.findall(r"//.*@quirk\b", text))
 
 
@@ -52,7 +50,7 @@ def page():
             sys.exit(f"{path}: {told} quirks, {len(found)} of them before a declaration")
         if found:
             parts.append(f"\n## `<{name}>`\n\n")
-            parts += [f"- `{subject}`: {reason}\n" if subject else f"- {reason}\n" for subject, reason in found]
+            parts += [f"- `{subject}`: {reason}\n" for subject, reason in found]
     return "".join(parts)
 
 
