@@ -174,11 +174,11 @@ class issueable : public async_callback<In, Out>, public cautionary {
   /// @quirk From within `work` it only sets the flag, and on_failure() comes instead of on_cancel().
   void cancel() noexcept;
   /// Once true it stays true, over later starts too.
-  bool is_canceled() const noexcept { return canceled_.load(); }
+  bool is_canceled() const noexcept;
   /// No callback is told anything from now on, but for a call that is under way.
-  void silence() noexcept { callback_.store(nullptr); }
+  void silence() noexcept;
   /// Tells this one from now on; it is not owned.
-  void set_callback(callback_type& callback) noexcept { callback_.store(&callback); }
+  void set_callback(callback_type& callback) noexcept;
 
   /// Waits for the thread, if there is one. Throws std::system_error: resource_deadlock_would_occur on the
   /// thread itself, no_such_process when the system refuses.
@@ -187,17 +187,17 @@ class issueable : public async_callback<In, Out>, public cautionary {
   /// when it cannot.
   void detach();
   /// Whether there is a thread that was neither joined nor detached, running or not.
-  bool joinable() const { return worker_.joinable(); }
+  bool joinable() const;
   /// That of the thread; of none after joining or detaching it.
-  std::thread::id get_id() const { return worker_.get_id(); }
+  std::thread::id get_id() const;
   /// The identifier, made once for the object: 32 digits as XXXXXXXX-XXXX-XXXX-XXXXXXXXXXXXXXXX.
-  std::wstring get_uuid() const { return uuid_; }
+  std::wstring get_uuid() const;
 
   /// By identifiers: an object is equal to itself only.
-  bool operator==(const issueable& other) const noexcept { return uuid_ == other.uuid_; }
+  bool operator==(const issueable& other) const noexcept;
   /// By identifiers, descending.
   /// @quirk Inverted on purpose: ordered containers hold tasks in descending order of their identifiers.
-  bool operator<(const issueable& other) const noexcept { return other.uuid_ < uuid_; }
+  bool operator<(const issueable& other) const noexcept;
 
  protected:
   /// Tells the listener of the end of this run, once, for a `work` that ends without on_finish().
@@ -218,6 +218,8 @@ class issueable : public async_callback<In, Out>, public cautionary {
   const std::wstring uuid_;
 };
 
+// All members are defined where these are instantiated: an inline one would be made neither here nor there,
+// and found only where the compiler puts its body in place of the call.
 extern template class KESTA_TEMPLATE_DECL async_callback<xvar, xvar>;
 extern template class KESTA_TEMPLATE_DECL async_callback<bundle, bundle>;
 extern template class KESTA_TEMPLATE_DECL issueable<xvar, xvar, xvar>;

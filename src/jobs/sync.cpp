@@ -132,6 +132,21 @@ void issueable<In, Progress, Out>::cancel() noexcept {
 }
 
 template <class In, class Progress, class Out>
+bool issueable<In, Progress, Out>::is_canceled() const noexcept {
+  return canceled_.load();
+}
+
+template <class In, class Progress, class Out>
+void issueable<In, Progress, Out>::silence() noexcept {
+  callback_.store(nullptr);
+}
+
+template <class In, class Progress, class Out>
+void issueable<In, Progress, Out>::set_callback(callback_type& callback) noexcept {
+  callback_.store(&callback);
+}
+
+template <class In, class Progress, class Out>
 void issueable<In, Progress, Out>::join() {
   worker_.join();
 }
@@ -139,6 +154,31 @@ void issueable<In, Progress, Out>::join() {
 template <class In, class Progress, class Out>
 void issueable<In, Progress, Out>::detach() {
   if (worker_.detach()) detached_.store(true);
+}
+
+template <class In, class Progress, class Out>
+bool issueable<In, Progress, Out>::joinable() const {
+  return worker_.joinable();
+}
+
+template <class In, class Progress, class Out>
+std::thread::id issueable<In, Progress, Out>::get_id() const {
+  return worker_.get_id();
+}
+
+template <class In, class Progress, class Out>
+std::wstring issueable<In, Progress, Out>::get_uuid() const {
+  return uuid_;
+}
+
+template <class In, class Progress, class Out>
+bool issueable<In, Progress, Out>::operator==(const issueable& other) const noexcept {
+  return uuid_ == other.uuid_;
+}
+
+template <class In, class Progress, class Out>
+bool issueable<In, Progress, Out>::operator<(const issueable& other) const noexcept {
+  return other.uuid_ < uuid_;
 }
 
 template <class In, class Progress, class Out>
