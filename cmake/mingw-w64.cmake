@@ -1,4 +1,5 @@
-# Cross-compiling for Windows x86-64 with Debian's mingw-w64 (posix threads); programs run under Wine.
+# Cross-compiling for Windows x86-64 with Debian's mingw-w64 (posix threads); programs, those of ctest too, run under
+# Wine. Stands in kesta's sources, and in its package beside the CMake files for users' projects.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 

@@ -51,6 +51,10 @@ configure_package_config_file(cmake/kesta-config.cmake.in kesta-config.cmake INS
 write_basic_package_version_file(kesta-config-version.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/kesta-config.cmake ${PROJECT_BINARY_DIR}/kesta-config-version.cmake
   cmake/kesta-visualizers.cmake cmake/kesta-manifest.cmake packaging/app.manifest.in DESTINATION ${kesta_package})
+if(MINGW AND CMAKE_HOST_UNIX)  # to cross-compile the program and to run it
+  install(FILES cmake/mingw-w64.cmake DESTINATION ${kesta_package})
+  install(PROGRAMS cmake/wine-run.sh DESTINATION ${kesta_package})
+endif()
 configure_file(packaging/kesta.pc.in kesta.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kesta.pc DESTINATION lib/pkgconfig)
 

@@ -1,4 +1,4 @@
-# Install, build the consumer from the installed package, run it; then look at what was installed.
+# Install, build the consumer from the installed package, run its own ctest; then look at what was installed.
 
 set(prefix ${work}/prefix)
 file(REMOVE_RECURSE ${work})
@@ -7,18 +7,19 @@ function(run)
   execute_process(COMMAND ${ARGN} COMMAND_ECHO STDOUT COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
 
-set(toolchain_argument "")
-if(toolchain)
-  set(toolchain_argument -D CMAKE_TOOLCHAIN_FILE=${toolchain})
-endif()
-
 run(${CMAKE_COMMAND} --install ${build} --config ${config} --prefix ${prefix})
 set(ENV{PKG_CONFIG_LIBDIR} ${prefix}/lib/pkgconfig)
-run(${CMAKE_COMMAND} -S ${source} -B ${work}/build -G ${generator} ${toolchain_argument}
-  -D CMAKE_PREFIX_PATH=${prefix} -D CMAKE_BUILD_TYPE=${config})
+set(options -D CMAKE_PREFIX_PATH=${prefix} -D CMAKE_BUILD_TYPE=${config})
+if(cross)  # as the package's documents say: its own toolchain file, which knows how to run programs
+  list(APPEND options --toolchain ${prefix}/lib/cmake/kesta/mingw-w64.cmake)
+endif()
+if(samples)
+  list(APPEND options -D samples=${samples} -D support=${source}/../support -D gtest=${gtest}
+    -D gtest_headers=${gtest_headers})
+endif()
+run(${CMAKE_COMMAND} -S ${source} -B ${work}/build -G ${generator} ${options})
 run(${CMAKE_COMMAND} --build ${work}/build --config ${config})
 run(${CMAKE_CTEST_COMMAND} --test-dir ${work}/build -C ${config} --output-on-failure --no-tests=error)
-
 
 # The manifest is in the program.
 file(GLOB_RECURSE program ${work}/build/consumer.exe)
