@@ -1,11 +1,12 @@
 // What an error code means.
 //
-//   kesta-error CODE
+//   kesta-error CODE...
 //
-// CODE is the raw code, in decimal (with a sign too, as an HRESULT is often shown) or as 0x and hexadecimal
+// A CODE is the raw code, in decimal (with a sign too, as an HRESULT is often shown) or as 0x and hexadecimal
 // digits (without 0x, too, if they are eight and one is a letter), or RANGE.NUMBER of an error of the
 // library. Prints the parts of the code, the classes that have it and their messages; of other codes, what
-// the system says. Ends with 0, with 1 if nothing is known of the code, with 2 after bad arguments.
+// the system says; an empty line between two codes. Ends with 0, with 1 if nothing is known of a code, with 2
+// if an argument is none: it is named among the errors, and the others are told all the same.
 
 #include <ruvo/ruvo.hpp>
 
@@ -19,7 +20,7 @@ namespace {
 
 // Without accents: a console's code page does not matter then.
 const char usage[] =
-    "uso: kesta-error VALOR\n"
+    "uso: kesta-error VALOR...\n"
     "  VALOR: decimal (3954770921, -340196375), hexadecimal (0xEBB903E9, EBB903E9) o RANGO.ORDEN (1.1)\n";
 
 namespace ranges {
@@ -202,15 +203,21 @@ bool tell(std::wstring& out, unsigned long raw) {
 }
 
 int run(int argc, wchar_t** argv) {
-  const auto code = argc == 2 ? code_of(ruvo::texto::to_utf_8(argv[1])) : std::nullopt;
-  if (!code) {
-    std::fputs(usage, stderr);
-    return 2;
-  }
   std::wstring out;
-  const bool known = tell(out, *code);
+  bool good = argc > 1, known = true;
+  for (int n = 1; n < argc; ++n) {
+    const std::string text = ruvo::texto::to_utf_8(argv[n]);
+    if (const auto code = code_of(text)) {
+      if (!out.empty()) out += L"\r\n";
+      known &= tell(out, *code);
+    } else {
+      std::fprintf(stderr, "kesta-error: '%s' no es un VALOR\n", text.c_str());
+      good = false;
+    }
+  }
+  if (!good) std::fputs(usage, stderr);
   ruvo::console().write(out);
-  return known ? 0 : 1;
+  return !good ? 2 : known ? 0 : 1;
 }
 
 }  // namespace
