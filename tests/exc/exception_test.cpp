@@ -58,12 +58,17 @@ TEST(Exception, EveryClassOfTheCatalogueSaysWhatThePageSays) {
 TEST(Exception, CodesAndMessages) {
   const ruvo::file path(L"C:\\datos\\año.txt");
   const std::runtime_error failure("fallo");
+  struct : std::exception {
+    const char* what() const noexcept override { return nullptr; }
+  } const silent;
   const row rows[] = {
       {"default", ruvo::exception(), 0xEBB80000, L"OK"},
       {"correct", ruvo::exception::correct(), 0xEBB80000, L"CORRECTO"},
       {"incorrect", ruvo::exception::incorrect(), 0xEBB80001, L"Error indeterminado"},
       {"UnCatch", exc::UnCatch(&failure), 0xEBB80005, L"fallo"},
+      {"UnCatch without words", exc::UnCatch(&silent), 0xEBB80005, L""},
       {"UnKnown", exc::UnKnown(&failure), 0xEBB80006, L"fallo"},
+      {"UnKnown without words", exc::UnKnown(&silent), 0xEBB80006, L""},
       {"UnKnown text", exc::UnKnown("a\xC3\xB1o"), 0xEBB80006, L"año"},
       {"UnKnown empty", exc::UnKnown(std::string()), 0xEBB80006,
        L"Error desconocido. Es posible que sea ocasional. Reinicie el programa."},

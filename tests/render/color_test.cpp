@@ -339,24 +339,47 @@ TEST(Color, AnyNumberIsTaken) {
 
 TEST(Color, Names) {
   const struct {
-    const std::wstring &english, &spanish;
-  } twins[] = {{color::RED, color::ROJO},       {color::BLUE, color::AZUL},
-               {color::GREEN, color::VERDE},    {color::WHITE, color::BLANCO},
-               {color::BLACK, color::NEGRO},    {color::YELLOW, color::AMARILLO},
-               {color::CYAN, color::CIAN},      {color::GOLD, color::ORO},
-               {color::ORANGE, color::NARANJA}, {color::MAROON, color::BURDEOS},
-               {color::FUCHSIA, color::FUCSIA}, {color::PURPLE, color::PURPURA},
-               {color::OLIVE, color::OLIVA},    {color::LIME, color::LIMA},
-               {color::TEAL, color::TURQUESA},  {color::NAVY, color::AZULMARINO},
-               {color::PINK, color::ROSA},      {color::PURPLEREBECCA, color::PURPURAREBECA},
-               {color::MOCHA, color::MOCA},     {color::LAVENDER, color::LAVANDA},
-               {color::BRICK, color::LADRILLO}};
-  for (const auto& twin : twins) EXPECT_EQ(twin.english, twin.spanish);
-  EXPECT_EQ(color::TURQUESA, L"#008080");
-  EXPECT_EQ(color::TURQUOISE, L"#40E0D0");
-  EXPECT_EQ(color::FUCHSIA, color::MAGENTA);
-  EXPECT_EQ(color::AQUA, color::CYAN);
+    const wchar_t* value;
+    std::vector<const std::wstring*> names;
+  } rows[] = {{L"#FF0000", {&color::RED, &color::ROJO}},
+              {L"#0000FF", {&color::BLUE, &color::AZUL}},
+              {L"#00FF00", {&color::GREEN, &color::VERDE, &color::LIME, &color::LIMA}},
+              {L"#FFFFFF", {&color::WHITE, &color::BLANCO}},
+              {L"#000000", {&color::BLACK, &color::NEGRO}},
+              {L"#FFFF00", {&color::YELLOW, &color::AMARILLO}},
+              {L"#FF00FF", {&color::MAGENTA, &color::FUCHSIA, &color::FUCSIA}},
+              {L"#00FFFF", {&color::CYAN, &color::CIAN, &color::AQUA}},
+              {L"#C0C0C0", {&color::SILVER}},
+              {L"#808080", {&color::GRAY}},
+              {L"#00000000", {&color::TRANS}},
+              {L"#FFD700", {&color::GOLD, &color::ORO}},
+              {L"#FFA500", {&color::ORANGE, &color::NARANJA}},
+              {L"#800000", {&color::MAROON, &color::BURDEOS}},
+              {L"#800080", {&color::PURPLE, &color::PURPURA}},
+              {L"#808000", {&color::OLIVE, &color::OLIVA}},
+              {L"#008080", {&color::TEAL, &color::TURQUESA}},
+              {L"#40E0D0", {&color::TURQUOISE}},
+              {L"#000080", {&color::NAVY, &color::AZULMARINO}},
+              {L"#4B0082", {&color::INDIGO}},
+              {L"#663399", {&color::PURPLEREBECCA, &color::PURPURAREBECA}},
+              {L"#FFC0CB", {&color::PINK, &color::ROSA}},
+              {L"#6E4B35", {&color::MOCHA, &color::MOCA}},
+              {L"#FA8072", {&color::SALMON}},
+              {L"#E6E6FA", {&color::LAVENDER, &color::LAVANDA}},
+              {L"#8C3A3A", {&color::BRICK, &color::LADRILLO}},
+              {L"#1D7EC2", {&color::MALDREK_PRIMARY}},
+              {L"#15A3DE", {&color::MALDREK_SECONDARY}},
+              {L"#1DB6CB", {&color::MALDREK_ACCENT}},
+              {L"#135780", {&color::MALDREK_DARK}},
+              {L"#135685", {&color::MALDREK_FONT_PRIMARY}},
+              {L"#0D668B", {&color::MALDREK_FONT_SECONDARY}},
+              {L"#137885", {&color::MALDREK_FONT_ACCENT}},
+              {L"#0D3C58", {&color::MALDREK_FONT_DARK}}};
+  for (const auto& row : rows)
+    for (const std::wstring* name : row.names) EXPECT_EQ(*name, row.value);
   EXPECT_EQ(color(color::TRANS).get_alpha(), color::TRASPARENTE);
+  EXPECT_EQ(color(color::MAX_SCALE, color::MIN_SCALE, 0u, color::INT_OPAQUE).to_string(), L"#FF0000");
+  EXPECT_EQ(color(0u, 0u, 0u, color::INT_TRASPARENT).get_alpha() + color::OPACO, 1.0f);
 }
 
 }  // namespace

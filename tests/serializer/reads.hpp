@@ -3,7 +3,7 @@
 // What one reading gave, and the tables of docs/XML.md.
 
 #include <ruvo/bundle.hpp>
-#include <ruvo/exception.hpp>
+#include <ruvo/exc.hpp>
 #include <ruvo/texto.hpp>
 
 #include <fstream>
@@ -15,7 +15,7 @@
 
 struct reading_outcome {
   ruvo::bundle store;
-  ruvo::exception error;
+  ruvo::exception error = ruvo::exc::NotImplemented();  // a success leaves it alone
   bool failed;
 };
 

@@ -43,22 +43,30 @@ TEST(printing, every_conversion) {
 }
 
 TEST(printing, format_constants) {
+  const struct {
+    const char* value;
+    std::vector<const std::string*> names;
+  } rows[] = {{"%d-%m-%Y", {&date::canonical, &date::short_format}},
+              {"%Y-%m-%d", {&date::sql_format}},
+              {"%d-%b-%Y", {&date::short_month_format}},
+              {"%d-%B-%Y", {&date::long_month_format}},
+              {"%Y%m%d", {&date::velda}},
+              {"%H:%M:%S", {&ruvo::time::canonical, &ruvo::time::sql_format}},
+              {"%R", {&ruvo::time::short_format}},
+              {"%T", {&ruvo::time::long_format}},
+              {"%T %z", {&ruvo::time::long_utc_format}},
+              {"%I:%M %p", {&ruvo::time::short_12_format}},
+              {"%I:%M:%S %p", {&ruvo::time::long_12_format}},
+              {"%H%M%S", {&ruvo::time::velda, &ruvo::time::url_canonical}},
+              {"%d-%m-%Y %H:%M:%S", {&datetime::canonical, &datetime::iso_long_format}},
+              {"%Y-%m-%d %H:%M:%S", {&datetime::sql_format}},
+              {"%d-%B-%Y %H:%M:%S %z", {&datetime::long_utc_format}}};
+  for (const auto& row : rows)
+    for (const std::string* name : row.names) EXPECT_EQ(*name, row.value);
   const datetime value(2024, 2, 9, 13, 5, 7);
-  const date day(value);
-  const ruvo::time hour(value);
-  EXPECT_EQ(day.to_string(), L"09-02-2024");
-  EXPECT_EQ(day.to_string(date::sql_format), L"2024-02-09");
-  EXPECT_EQ(day.to_string(date::short_month_format), L"09-Feb-2024");
-  EXPECT_EQ(day.to_string(date::long_month_format), L"09-February-2024");
-  EXPECT_EQ(hour.to_string(), L"13:05:07");
-  EXPECT_EQ(hour.to_string(ruvo::time::short_format), L"13:05");
-  EXPECT_EQ(hour.to_string(ruvo::time::long_utc_format), L"13:05:07 +0000");
-  EXPECT_EQ(hour.to_string(ruvo::time::short_12_format), L"01:05 PM");
-  EXPECT_EQ(hour.to_string(ruvo::time::long_12_format), L"01:05:07 PM");
-  EXPECT_EQ(hour.to_string(ruvo::time::url_canonical), L"130507");
-  EXPECT_EQ(value.to_string(datetime::iso_long_format), L"09-02-2024 13:05:07");
-  EXPECT_EQ(value.to_string(datetime::sql_format), L"2024-02-09 13:05:07");
-  EXPECT_EQ(value.to_string(datetime::long_utc_format), L"09-February-2024 13:05:07 +0000");
+  EXPECT_EQ(date(value).to_string(), L"09-02-2024");
+  EXPECT_EQ(ruvo::time(value).to_string(), L"13:05:07");
+  EXPECT_EQ(value.to_string(), L"09-02-2024 13:05:07");
 }
 
 TEST(printing, formats_of_any_length_and_type) {

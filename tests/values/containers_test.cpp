@@ -75,6 +75,7 @@ TEST(list, text_forms) {
   } const rows[] = {
       {"empty", list(), L"[]", L"", L""},
       {"mixed", list{1, L"say \"hi\"", xvar()}, L"[1,\"say \\\"hi\\\"\",]", L"'1','say \"hi\"',''", L"1,,"},
+      {"quotes", list{L"O'Hara"}, L"[\"O'Hara\"]", L"'O'Hara'", L""},
       {"trimmed", list{1, L" a "}, L"[1,\" a \"]", L"'1','a'", L"1,"},
       {"gap", list{1, L"x", 2}, L"[1,\"x\",2]", L"'1','x','2'", L"1,,2"},
       {"leading gap", list{L"x", 1}, L"[\"x\",1]", L"'x','1'", L"1"},
@@ -122,6 +123,8 @@ TEST(list, appends_and_removes) {
   EXPECT_TRUE(l.empty());
   EXPECT_TRUE(list{10} < list{9});
   EXPECT_FALSE(list({1, 2}) == list({L"1", 2}));
+  EXPECT_TRUE(list({1, 2}) == list({true, 2LL}));  // the text counts, not the kind
+  EXPECT_TRUE(bundle({{L"a", 1}}) == bundle({{L"a", 1LL}}));
 }
 
 // --- bundle
@@ -167,6 +170,9 @@ TEST(bundle, paths) {
   b.putOn(L"cliente.edad", b.get(L"cliente.edad.exacta"));
   EXPECT_EQ(b.get_double(L"cliente.edad"), 40.5);
   const wchar_t section = 0xA7;
+  b[L"x.y"] = 1;  // a key that holds the separator
+  EXPECT_FALSE(b.has(L"x.y"));
+  EXPECT_TRUE(b.has(L"x.y", '/'));
   b.hack(std::wstring(L"p") + section + L"q", static_cast<char>(0xA7)) = 1;
   EXPECT_TRUE(b.has(L"p.q"));
 }
@@ -182,10 +188,18 @@ TEST(bundle, typed_getters) {
                     {L"huge", L"99999999999999999999"},
                     {L"bytes", ruvo::binary(L"12")},
                     {L"big", 18446744073709551615ULL},
+                    {L"none and a point", 0.0},
+                    {L"empty bundle", bundle()},
                     {L"list", list{1}},
                     {L"none", list()}};
   EXPECT_EQ(b.get_long(L"zero", '.', 7), 0);
   EXPECT_EQ(b.get_nc_long(L"zero", 7, '.'), 7);
+  for (const wchar_t* path : {L"zero", L"none and a point", L"missing"}) {
+    EXPECT_EQ(b.get_nc_ulong(path, 7), 7U);
+    EXPECT_EQ(b.get_nc_xlong(path, 7) + b.get_nc_uxlong(path, 7), 14);
+    EXPECT_EQ(b.get_nc_double(path, 0.5) + b.get_nc_float(path, 0.5F), 1.0);
+  }
+  EXPECT_EQ(b.get_float(L"none and a point", '.', 7), 0.0F);
   EXPECT_EQ(b.get_long(L"num"), 12);
   EXPECT_EQ(b.get_double("NUM"), 12.75);
   for (const wchar_t* path :
@@ -209,6 +223,8 @@ TEST(bundle, typed_getters) {
   const list fallback{1, 2};
   EXPECT_EQ(&b.get_nc_list(L"none", fallback), &fallback);
   EXPECT_TRUE(b.get_bundle(L"missing").empty());
+  EXPECT_EQ(&b.get_nc_bundle(L"empty bundle", b), &b);
+  EXPECT_EQ(b.get_binary(L"bytes", ruvo::binary()).size(), 2U);
 }
 
 TEST(bundle, objects_on_paths) {

@@ -46,6 +46,7 @@ std::vector<kind_row> kinds() {
        L"18446744073709551615", "pniN"},
       {"float", var(0.5F), &typeid(float), L"0.500000", "pndN"},
       {"double", var(1.5), &typeid(double), L"1.500000", "pndN"},
+      {"one with a point", var(1.0), &typeid(double), L"1.000000", "pndN"},
       {"nan", var(std::numeric_limits<double>::quiet_NaN()), &typeid(double), L"nan", "pnd"},
       {"empty text", var(L""), &typeid(std::wstring), L"", "pc"},
       {"small text", var(L"verdad"), &typeid(std::wstring), L"verdad", "pc"},
@@ -150,6 +151,7 @@ TEST(var, conversions_to_numbers) {
       {"bool", var(true), "1", "1", "1", "1", "1"},
       {"wchar_t", var(L'A'), "65", "65", "65", "bad_cast", "bad_cast"},
       {"two", var(2), "2", "2", "2", "2", "bad_cast"},
+      {"one with a point", var(1.0), "1", "1", "1", "1", "bad_cast"},
       {"minus one", var(-1), "-1", "-1", "18446744073709551615", "-1", "bad_cast"},
       {"cut to the width", var(65537), "1", "65537", "65537", "65537", "bad_cast"},
       {"truncated", var(-2.9), "-2", "-2", "18446744073709551614", "-2.9", "bad_cast"},
@@ -200,7 +202,11 @@ TEST(var, conversions_to_texts_dates_and_buffers) {
   const ruvo::datetime second = var(L"02-01-1970 00:00:01");
   EXPECT_EQ(second.get_lapso(), 86401);
   EXPECT_THROW((void)var(L"31-02-2024").operator ruvo::date(), ruvo::exception);
-  EXPECT_THROW((void)var(1.5).operator ruvo::date(), std::bad_cast);
+  for (const var& other : {var(1.5), var(true), var(L'1')}) {
+    EXPECT_EQ(outcome<ruvo::date>(other), "bad_cast");
+    EXPECT_EQ(outcome<ruvo::time>(other), "bad_cast");
+    EXPECT_EQ(outcome<ruvo::datetime>(other), "bad_cast");
+  }
 }
 
 TEST(var, numbers_may_lie_at_a_text) {
@@ -234,6 +240,7 @@ TEST(var, equality_is_by_type_and_text) {
   EXPECT_TRUE(var(L"x") == L"x");
   EXPECT_TRUE(var(L"x") != std::wstring(L"y"));
   EXPECT_TRUE(var(3).instanceof (typeid(int)));
+  EXPECT_FALSE(var().instanceof (typeid(var)));
   EXPECT_EQ(*static_cast<const std::type_info*>(var()), typeid(var));
 }
 
