@@ -97,6 +97,7 @@ TEST(Identity, CifFollowsItsWeights) {
         (start[0] + 2 * d(1) + 4 * d(2) + 8 * d(3) + 5 * d(4) + 10 * d(5) + 9 * d(6) + 7 * d(7) - 48) % 11;
     const std::string expected = index == 10 ? "" : std::string(1, "JABCDEFGHI"[index]);
     ASSERT_EQ(valid_letters(cif, start), expected) << start;
+    ASSERT_FALSE(cif(start + '\0')) << start;
     if (start[0] < 'X') {
       ASSERT_EQ(valid_letters(nif, start), expected) << start;
     }

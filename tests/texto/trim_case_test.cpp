@@ -72,17 +72,6 @@ TEST(Case, TextsOfEveryLength) {
   }
 }
 
-TEST(Tests, PartsOfAText) {
-  EXPECT_TRUE(texto::starts_with(L"abc", L"ab"));
-  EXPECT_FALSE(texto::starts_with(L"abc", L"Ab"));
-  EXPECT_FALSE(texto::starts_with(L"a", L"ab"));
-  EXPECT_TRUE(texto::ends_with(L"abc", L"bc"));
-  EXPECT_FALSE(texto::ends_with(L"c", L"bc"));
-  EXPECT_TRUE(texto::contains(L"abc", L"b"));
-  EXPECT_FALSE(texto::contains(L"abc", L"ac"));
-  EXPECT_TRUE(texto::starts_with(L"", L"") && texto::ends_with(L"a", L"") && texto::contains(L"a", L""));
-}
-
 TEST(Tests, Integers) {
   const struct {
     const wchar_t* text;

@@ -220,7 +220,7 @@ TEST(Cleaning, SpecialCharacters) {
   check({{L"", L""},
          {L"plain text", L"plain text"},
          {L"“Año” «ñ» ‘a’ D´Ors", L"\"Año\" \"ñ\" 'a' D'Ors"},
-         {L"1–2—3−4…", L"1-2-3-4..."},
+         {L"‐1–2—3−4…―", L"-1-2-3-4...-"},
          {L"a\x00A0"
           L"b\x2009"
           L"c\x3000"

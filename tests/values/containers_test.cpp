@@ -80,8 +80,8 @@ TEST(list, text_forms) {
       {"gap", list{1, L"x", 2}, L"[1,\"x\",2]", L"'1','x','2'", L"1,,2"},
       {"leading gap", list{L"x", 1}, L"[\"x\",1]", L"'x','1'", L"1"},
       {"qualities", list{qualified, 2}, L"[5{\"atributos\":\"a\":1\"b\":\"\"},2]", L"'5','2'", L"5,2"},
-      {"nested", list{xvar(list{1.5, true}), xvar(bundle{{L"K", L"v"}})}, L"[[1.500000,1],{\"k\":\"v\"}]",
-       L"'[1.500000,1]','{\"k\":\"v\"}'", L""},
+      {"nested", list{xvar(list{1.5, true}), xvar(bundle{{L"K\"", L"v"}})}, L"[[1.500000,1],{\"k\"\":\"v\"}]",
+       L"'[1.500000,1]','{\"k\"\":\"v\"}'", L""},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
@@ -235,7 +235,7 @@ TEST(bundle, objects_on_paths) {
   b.hack_list_on(L"a.l").push_back(2);
   b.hack_memo_on(L"a.m") = L"memo";
   b.hack_nc_binary_on(L"a.b", ruvo::binary(L"x"));
-  b.hack_nc_binary_on(L"a.b", ruvo::binary(L"y"));
+  EXPECT_EQ(b.hack_nc_binary_on(L"a.b", ruvo::binary(L"y")).to_string(), L"x");
   b.hack(L"a.b")[L"q"] = 1;
   b.hack_bundle_on(L"a.b");
   EXPECT_EQ(b.to_string(), L"{\"a\":{\"b\":{}, \"l\":[1,2], \"m\":memo}, \"s\":\"uno y dos\"}");

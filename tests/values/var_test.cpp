@@ -157,6 +157,8 @@ TEST(var, conversions_to_numbers) {
       {"truncated", var(-2.9), "-2", "-2", "18446744073709551614", "-2.9", "bad_cast"},
       {"beyond 64 bits", var(1e300), "-1", sizeof(long) == 4 ? "-1" : "9223372036854775807",
        "18446744073709551615", "1e+300", "bad_cast"},
+      {"beyond 63 bits", var(1e19), "-1", sizeof(long) == 4 ? "-1" : "9223372036854775807",
+       "10000000000000000000", "1e+19", "bad_cast"},
       {"not a number", var(std::nan("")), "0", "0", "0", "nan", "bad_cast"},
       {"blanks", var(L" 42 "), "42", "42", "42", "42", "bad_cast"},
       {"not a number text", var(L"4x"), "0", "0", "0", "0", "bad_cast"},
@@ -179,6 +181,10 @@ TEST(var, conversions_to_numbers) {
     EXPECT_EQ(outcome<double>(row.value), row.as_double);
     EXPECT_EQ(outcome<bool>(row.value), row.as_bool);
   }
+  for (const wchar_t* word : {L"true", L"1", L"Si", L"VERDADERO", L"correcto"})
+    EXPECT_EQ(outcome<bool>(var(word)), "1") << word;
+  for (const wchar_t* word : {L"false", L"0", L"No", L"FALSO", L"incorrecto"})
+    EXPECT_EQ(outcome<bool>(var(word)), "0") << word;
 }
 
 TEST(var, conversions_to_texts_dates_and_buffers) {
@@ -201,6 +207,8 @@ TEST(var, conversions_to_texts_dates_and_buffers) {
   EXPECT_EQ(noon.to_string(ruvo::time::canonical), L"12:00:00");
   const ruvo::datetime second = var(L"02-01-1970 00:00:01");
   EXPECT_EQ(second.get_lapso(), 86401);
+  const ruvo::datetime local = var(ruvo::datetime(0.0, ruvo::times::LOCAL));
+  EXPECT_EQ(local.get_huso_horario(), ruvo::times::LOCAL);
   EXPECT_THROW((void)var(L"31-02-2024").operator ruvo::date(), ruvo::exception);
   for (const var& other : {var(1.5), var(true), var(L'1')}) {
     EXPECT_EQ(outcome<ruvo::date>(other), "bad_cast");
