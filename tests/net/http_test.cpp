@@ -6,7 +6,6 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <thread>
 #include <type_traits>
 #include <utility>
@@ -14,7 +13,6 @@
 #include <gtest/gtest.h>
 
 #include "support/dice.hpp"
-#include "support/rounds.hpp"
 
 namespace {
 
@@ -149,21 +147,6 @@ TYPED_TEST(Headers, TableIsAMapByLoweredNames) {
     ++at;
   }
   EXPECT_TRUE(at == m.end());
-}
-
-TYPED_TEST(Headers, OneHundredThousand) {
-  TypeParam m;
-  for (int i = 0; i < 100000; ++i) m[L"X-" + std::to_wstring(i * 7919 % 100000)] = L"v";
-  EXPECT_EQ(m.size(), 100002u);
-  TypeParam copy(m);
-  EXPECT_TRUE(copy == m);
-  constexpr std::size_t digits = 10 + 2 * 90 + 3 * 900 + 4 * 9000 + 5 * 90000;
-  EXPECT_EQ(m.to_string().size(),
-            default_response_headers.size() +
-                (std::is_same_v<TypeParam, request> ? std::size(L";charset=UTF-8") - 1 : 0) +
-                100000 * (std::size(L"X-: v\r\n") - 1) + digits + 4);
-  for (int i = 0; i < 100000; i += 2) EXPECT_EQ(copy.erase("x-" + std::to_string(i)), 1u);
-  EXPECT_EQ(copy.size(), 50002u);
 }
 
 // --- values
@@ -381,78 +364,6 @@ TEST(Response, ManySmallPiecesTakeLinearTime) {
   };
   const double tenth = seconds(1 << 20), all = seconds(10 << 20);
   EXPECT_LT(all, 60 * tenth + 1.0);  // copying the body for each piece would take a hundredfold
-}
-
-// --- generated messages, read back by a reader of this test's own
-
-class HttpGenerated : public generated_inputs {
- protected:
-  std::wstring text(std::wstring_view units, unsigned most) {
-    std::wstring made(random.below(most + 1), L' ');
-    for (wchar_t& c : made) c = random.unit(units);
-    return made;
-  }
-  template <class Message>
-  void fill(Message& m) {
-    if (random.one_in(4)) m.clear();
-    for (auto n = random.below(8); n > 0; --n) {
-      const std::wstring name = L"x" + text(L"aAbBcC-_.é", 12);
-      m[name] = text(name_free, 30);
-    }
-    m.set_body(text(std::wstring_view(any, std::size(any)), 60));
-  }
-  template <class Message>
-  void check(const Message& m) {
-    ++inputs;
-    Message from_value;
-    from_value = xvar(m);
-    ASSERT_TRUE(from_value == m);
-    const Message back = read<Message>(m.to_string());
-    ASSERT_EQ(back.to_string(), m.to_string());
-    ASSERT_EQ(back.size(), m.size());
-    ASSERT_EQ(back.get_body(), m.get_body());
-  }
-
-  dice random{0};
-
- private:
-  /// Reads the text form line by line.
-  template <class Message>
-  static Message read(std::wstring_view rest) {
-    Message m;
-    m.clear();
-    const auto line = [&rest] {
-      const std::size_t end = rest.find(L"\r\n");
-      const std::wstring_view found = rest.substr(0, end);
-      rest.remove_prefix(end + 2);
-      return found;
-    };
-    for (std::wstring_view header; !(header = line()).empty();) {
-      const std::size_t colon = header.find(L": ");
-      m[std::wstring(header.substr(0, colon))] = header.substr(colon + 2);
-    }
-    if (m.empty()) static_cast<void>(line());
-    EXPECT_TRUE(rest.ends_with(L"\r\n"));
-    m.set_body(std::wstring(rest.substr(0, rest.size() - 2)));
-    return m;
-  }
-
-  static constexpr std::wstring_view name_free = L"aB 1:;,=\"/é€\xD83D\xDE00\t";
-  static constexpr wchar_t any[] = L"aB 1:\r\n\r\n\0é€\xD83D\xDE00<>";  // the end's NUL as well
-};
-
-TEST_F(HttpGenerated, ToXvarAndTextAndBack) {
-  for (unsigned round = 0; round < rounds(); ++round) {
-    random = dice(800 + round);
-    for (int i = 0; i < 2000; ++i) {
-      request asked(text(L"htps:/.x", 20), L"");
-      fill(asked);
-      check(asked);
-      response answer;
-      fill(answer);
-      check(answer);
-    }
-  }
 }
 
 }  // namespace
