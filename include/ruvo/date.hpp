@@ -15,7 +15,7 @@ namespace ruvo {
 /// A day. Its number is yyyymmdd: 20240229 is 29 February 2024. Fields out of their range are normalised
 /// (32 January is 1 February).
 ///
-/// Operations without a result object throw exc::CalendarException.
+/// Operations without a result object throw exc::CalendarException (see ruvo::lapse).
 /// @quirk The instant kept is 04:04:04 of the day in the value's mode, so that small shifts stay in the day.
 class KESTA_API date : public lapse {
  public:
@@ -127,6 +127,13 @@ class KESTA_API date : public lapse {
   date operator--(int);
 
  protected:
+  /// The mark of the constructor that takes an instant as it is.
+  struct as_it_is {
+    explicit as_it_is() = default;
+  };
+  /// The instant so many seconds after 1970, whatever its time of day. It asks the context nothing.
+  date(as_it_is, long long seconds, times::HUSO huso) noexcept;
+
   /// Sets the instant that stands for a day; normalises.
   void fix(long long year, long long month, long long day);
   /// As lapse::read(); of what was read the day is kept.
@@ -139,7 +146,7 @@ KESTA_API std::ostream& operator<<(std::ostream& out, const date& value);
 
 /// What lies between two days, and the ends of the year, month and week around one.
 ///
-/// Throws exc::CalendarException for what cannot be broken down into fields.
+/// They throw exc::CalendarException for what cannot be broken down into fields.
 namespace dates {
 
 /// `to` - `from`, in days of the calendar and in whole months: a month has passed when its day comes round

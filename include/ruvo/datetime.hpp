@@ -17,7 +17,7 @@ namespace ruvo {
 /// An instant. Its number is the seconds since 1970-01-01 00:00:00 UTC. Fields out of their range are
 /// normalised.
 ///
-/// Operations without a result object throw exc::CalendarException.
+/// Operations without a result object throw exc::CalendarException (see ruvo::lapse).
 class KESTA_API datetime : public lapse {
  public:
   static const std::string canonical;        ///< `%d-%m-%Y %H:%M:%S`
@@ -45,7 +45,8 @@ class KESTA_API datetime : public lapse {
   datetime(long year, long month, long day, times::HUSO huso = huso_horario);
   datetime(long year, long month, long day, long hour, long minute, long second,
            times::HUSO huso = huso_horario);
-  /// The fields of both, read in their own modes, as fields in `huso`.
+  /// The fields of both, read in their own modes, as fields in `huso`. Throws where one of them, or the two
+  /// together, have no calendar form.
   datetime(const date& day, const time& hour, times::HUSO huso = huso_horario);
   /// The instant and the mode of the value.
   datetime(const date& value);

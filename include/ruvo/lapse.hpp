@@ -17,13 +17,15 @@ namespace ruvo {
 /// which it is broken down into calendar fields. -1 second stands for "no value".
 ///
 /// Every breaking down and building goes through the services of the calling thread's context, so two threads
-/// may read the same instant differently. A null pointer in place of a text is an empty text.
+/// may read the same instant differently. What a service throws comes through, thrown or copied, when it is a
+/// ruvo::exception, and becomes exc::CalendarException otherwise. A null pointer in place of a text is an
+/// empty text.
 class KESTA_API lapse {
  public:
   /// The default mode.
   static const times::HUSO huso_horario = times::GMT;
 
-  /// The current instant, in whole seconds.
+  /// The current instant, in whole seconds, by the clock of the thread's context.
   lapse(times::HUSO huso = huso_horario);
   lapse(const lapse& other);
   virtual ~lapse();
@@ -36,12 +38,17 @@ class KESTA_API lapse {
   virtual int get(times::UNITS unit) const;
   int operator[](times::UNITS unit) const { return get(unit); }
   /// Moves SECONDS to YEARS by n and normalises (31 January plus a month is 2 or 3 March); other units change
-  /// nothing. Of local times that the clock skips, a move ahead leads behind them, by their length, and a
-  /// move back before them. True on failure (exc::CalendarException), also when `err` is null; the value is
-  /// then unchanged.
+  /// nothing. True on failure (exc::CalendarException), also when `err` is null; the value is then unchanged.
+  ///
+  /// The field is moved, not the instant, and the context builds an instant from the fields. Of local times
+  /// that the clock skips, a move ahead leads behind them, by their length, and a move back before them:
+  /// where a service builds a later instant than the fields say, that much is taken off it.
+  /// @quirk Of local times that the clock repeats the first is meant, so a move ahead from the second time,
+  /// even by 0, may go back.
   virtual bool add(int n, times::UNITS unit, exception* err = nullptr);
-  /// Replaces SECONDS to YEARS by n, in the sense of get(), and normalises; other units change nothing. True
-  /// on failure, as add().
+  /// Replaces SECONDS to YEARS by n, in the sense of get(), and normalises; other units change nothing. Local
+  /// times that the clock skips become those behind them, and of repeated ones the first is meant. True on
+  /// failure, as add().
   virtual bool set(int n, times::UNITS unit, exception* err = nullptr);
 
   /// The calendar record (month from 0, year from 1900): get_model() in the value's mode, the others in UTC

@@ -15,8 +15,8 @@ namespace ruvo {
 /// A time of day. Its number is hhmmss: 123456 is 12:34:56. Fields out of their range are normalised
 /// (25:00:00 is 01:00:00).
 ///
-/// Operations without a result object throw exc::CalendarException. A value made from fields or text lies on
-/// 1 January 2000; the day is not compared.
+/// Operations without a result object throw exc::CalendarException (see ruvo::lapse). A value made from
+/// fields or text lies on 1 January 2000; the day is not compared.
 class KESTA_API time : public lapse {
  public:
   static const std::string canonical;        ///< `%H:%M:%S`

@@ -15,33 +15,34 @@ namespace ruvo::velda {
 /// and the number from fields by closed formulas, which never fail and need no context.
 ///
 /// What ruvo::date and ruvo::lapse offer beyond the members below (texts, comparisons, the conversion to a
-/// number) works on the instant, which is kept in step: 04:04:04 of the day that was last set. Changing the
-/// instant itself, by set_lapso() for instance, leaves the number.
+/// number) works on the instant, which is kept in step: 04:04:04 of the day that was last set. Only the
+/// instant needs the context: where that refuses, the instant stays as it was, null in a new value, and the
+/// day is right all the same. Changing the instant itself, by set_lapso() for instance, leaves the number.
 /// @quirk Number and fields are each other's inverse from 2000-03-01 to 2100-02-28, and in these hundred
 /// years moved by multiples of 400. A day set between them reads as the next one, and add() and the set_
 /// functions, which read and set, move it on at every call.
 class KESTA_API date : public ruvo::date {
  public:
-  /// Today.
+  /// The day of the context's clock, in the mode. Throws as ruvo::date() does.
   date(times::HUSO huso = huso_horario);
-  /// From a number yyyymmdd.
+  /// From a number yyyymmdd. It never fails.
   date(long yyyymmdd, times::HUSO huso = huso_horario);
   template <std::integral T>
   date(T yyyymmdd, times::HUSO huso = huso_horario) : date(static_cast<long>(yyyymmdd), huso) {}
-  /// From fields, as set().
+  /// From fields, as set(). It never fails.
   date(long year, long month, long day, times::HUSO huso = huso_horario);
   /// From text that fits the format, as parse(). Narrow text is UTF-8. Throws exc::CalendarException.
   date(const char* text, times::HUSO huso = huso_horario, const std::string& format = canonical);
   date(const wchar_t* text, times::HUSO huso = huso_horario, const std::string& format = canonical);
   date(const std::string& text, times::HUSO huso = huso_horario, const std::string& format = canonical);
   date(const std::wstring& text, times::HUSO huso = huso_horario, const std::string& format = canonical);
-  /// The same day in another mode.
+  /// The same day in another mode. It fails only for lack of memory.
   date(const date& other, times::HUSO huso);
   date(const date& other);
   ~date() override;
   date& operator=(const date& other);
 
-  /// The day and the mode of the value.
+  /// The day and the mode of the value. Throw as ruvo::date does for what has no calendar form.
   date& operator=(const ruvo::date& day);
   date& operator=(const datetime& instant);
   /// The conversion of a var.

@@ -29,6 +29,7 @@ date::date(const std::wstring& text, times::HUSO huso, const std::string& format
   take(text, format);
 }
 date::date(const datetime& instant) : lapse(instant) { reset_time(); }
+date::date(as_it_is, long long seconds, times::HUSO huso) noexcept : lapse(seconds, huso) {}
 date::date(const date& other) = default;
 date::~date() = default;
 

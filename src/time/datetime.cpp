@@ -3,6 +3,7 @@
 #include <ostream>
 
 #include "texto/utf.hpp"
+#include "time/fields.hpp"
 
 namespace ruvo {
 
@@ -25,8 +26,8 @@ datetime::datetime(long year, long month, long day, long hour, long minute, long
   build(year, month, day, hour, minute, second);
 }
 datetime::datetime(const date& day, const time& hour, times::HUSO huso) : lapse(0, huso) {
-  const std::tm left = day.get_model();
-  const std::tm right = hour.get_model();
+  const std::tm left = calendar::fields_of(day);
+  const std::tm right = calendar::fields_of(hour);
   build(left.tm_year + 1900LL, left.tm_mon + 1LL, left.tm_mday, right.tm_hour, right.tm_min, right.tm_sec);
 }
 datetime::datetime(const date& value) : lapse(value) {}

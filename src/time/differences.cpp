@@ -1,26 +1,22 @@
 // What lies between two calendar values, and the ends of the year, month and week around a day.
 
 #include <ruvo/datetime.hpp>
-#include <ruvo/exc.hpp>
 
 #include <algorithm>
 #include <limits>
 
 #include "time/civil.hpp"
+#include "time/fields.hpp"
 
 namespace ruvo {
 
 namespace {
 
+using calendar::fields_of;
+
 int saturated(long long value) {
   return static_cast<int>(
       std::clamp<long long>(value, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
-}
-
-std::tm fields_of(const date& day) {
-  const std::tm fields = day.get_model();
-  if (!fields.tm_mday) throw exc::CalendarException();
-  return fields;
 }
 
 long long days_of(const std::tm& fields) {

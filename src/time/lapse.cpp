@@ -4,16 +4,23 @@
 
 #include <algorithm>
 #include <cmath>
+#include <exception>
 #include <limits>
 
 #include "app/current.hpp"
 #include "texto/utf.hpp"
 #include "time/civil.hpp"
+#include "time/fields.hpp"
 #include "time/format.hpp"
 
 namespace ruvo {
 
 namespace {
+
+/// A place for a failure that keeps the object thrown too, so that it can be thrown again as its own class.
+struct caught : exception {
+  std::exception_ptr thrown;
+};
 
 /// Runs the body and tells its failure; true on failure.
 template <class Body>
@@ -23,13 +30,14 @@ bool told(exception* err, Body body) {
     return false;
   } catch (const exception& error) {
     error.copy_on(err);
+    if (auto* const place = dynamic_cast<caught*>(err)) place->thrown = std::current_exception();
   } catch (...) {
     exc::CalendarException().copy_on(err);
   }
   return true;
 }
 
-/// Throws what an operation told.
+/// Throws what an operation or a service told.
 [[noreturn]] void raise(const exception& told) {
   if (told.OK()) throw exc::CalendarException();
   if (told.get_rango() == exc::CalendarException().get_rango())
@@ -37,32 +45,52 @@ bool told(exception* err, Body body) {
   throw exception(told);
 }
 
-/// Asks a service again that failed, for the failure to throw.
-template <class Service>
-[[noreturn]] void explain(Service ask) {
-  exception err;
-  ask(&err);
-  raise(err);
+[[noreturn]] void raise(const caught& told) {
+  if (told.thrown) std::rethrow_exception(told.thrown);
+  raise(static_cast<const exception&>(told));
 }
 
-// The services are asked without a place for their failure first: making one takes as long as an answer.
+// All that this library asks of the services of a context for its calendar is asked below.
+
+/// The answer of a service. Its exceptions that are no failures of the library become one.
+template <class Service>
+auto answer(Service ask) {
+  try {
+    return ask();
+  } catch (const exception&) {
+    throw;
+  } catch (...) {
+    throw exc::CalendarException();
+  }
+}
+
+/// Asks a service that tells whether it could; throws its failure. It is asked without a place for that
+/// first: making one takes as long as an answer.
+template <class Service>
+void demand(Service ask) {
+  if (answer([&] { return ask(nullptr); })) return;
+  exception err;
+  if (!answer([&] { return ask(&err); })) raise(err);
+}
 
 void break_down(const context& services, long long seconds, bool local, std::tm& out) {
-  const auto ask = [&](exception* err) {
+  demand([&](exception* err) {
     return local ? services.sistem_local_time(&out, seconds, err)
                  : services.sistem_gmt_time(&out, seconds, err);
-  };
-  if (!ask(nullptr)) explain(ask);
+  });
 }
 
 long long built(const context& services, std::tm& record, bool local) {
   long long out = 0;
-  const auto ask = [&](exception* err) {
+  demand([&](exception* err) {
     return local ? services.sistem_local_lapse(out, record, err)
                  : services.sistem_gmt_lapse(out, record, err);
-  };
-  if (!ask(nullptr)) explain(ask);
+  });
   return out;
+}
+
+long long present_seconds() {
+  return answer([] { return current_context().get_system_ticks(); }) / 10000000;
 }
 
 /// What a record has for a field that it counts from `first`.
@@ -118,7 +146,7 @@ class widened {
 
 const times::HUSO lapse::huso_horario;
 
-lapse::lapse(times::HUSO huso) : lapso_(current_context().get_system_ticks() / 10000000), huso_(huso) {}
+lapse::lapse(times::HUSO huso) : lapso_(present_seconds()), huso_(huso) {}
 lapse::lapse(const lapse& other) = default;
 lapse::~lapse() = default;
 lapse& lapse::operator=(const lapse& other) = default;
@@ -259,7 +287,7 @@ bool lapse::set(std::tm& record, exception& err) {
 }
 
 void lapse::move(int n, times::UNITS unit) {
-  exception err;
+  caught err;
   if (add(n, unit, &err)) raise(err);
 }
 
@@ -272,7 +300,7 @@ void lapse::move_back(int n, times::UNITS unit) {
 }
 
 void lapse::replace(int n, times::UNITS unit) {
-  exception err;
+  caught err;
   if (set(n, unit, &err)) raise(err);
 }
 
@@ -365,5 +393,16 @@ std::wstring lapse::month_name(const std::string& locale, bool abbreviated) cons
 std::wstring lapse::week_day_name(const std::string& locale, bool abbreviated) const {
   return calendar::week_day_name(named(current_context(), locale), get(times::WEEK_DAY), abbreviated);
 }
+
+namespace calendar {
+
+std::tm fields_of(const lapse& value) {
+  std::tm fields = value.get_model();
+  if (fields.tm_mday == 0)
+    break_down(current_context(), value.get_lapso(), value.get_huso_horario() == times::LOCAL, fields);
+  return fields;
+}
+
+}  // namespace calendar
 
 }  // namespace ruvo

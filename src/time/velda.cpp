@@ -14,6 +14,8 @@ namespace {
 
 using int_limits = std::numeric_limits<int>;
 
+constexpr long long no_instant = -1;
+
 int saturated(long long value) {
   return static_cast<int>(std::clamp<long long>(value, int_limits::min(), int_limits::max()));
 }
@@ -79,7 +81,7 @@ date moved(const date& from, int days) {
 date::date(times::HUSO huso) : ruvo::date(huso) { count(); }
 date::date(long yyyymmdd, times::HUSO huso)
     : date(yyyymmdd / 10000, yyyymmdd / 100 % 100, yyyymmdd % 100, huso) {}
-date::date(long year, long month, long day, times::HUSO huso) : ruvo::date(0L, huso) {
+date::date(long year, long month, long day, times::HUSO huso) : ruvo::date(as_it_is(), no_instant, huso) {
   set(saturated(year), saturated(month), saturated(day));
 }
 date::date(const char* text, times::HUSO huso, const std::string& format) : ruvo::date(text, huso, format) {
@@ -98,9 +100,9 @@ date::date(const std::wstring& text, times::HUSO huso, const std::string& format
   count();
 }
 date::date(const date& other, times::HUSO huso) : ruvo::date(other), number_(other.number_) {
-  const std::tm at = record();
   set_huso_horario(huso);
-  fix(at.tm_year + 1900LL, at.tm_mon + 1LL, at.tm_mday);
+  const std::tm at = other.get_model();
+  if (at.tm_mday != 0) follow(saturated(at.tm_year + 1900LL), at.tm_mon + 1, at.tm_mday);
 }
 date::date(const date& other) = default;
 date::~date() = default;

@@ -65,6 +65,12 @@ TEST(calendar, years_beyond_the_record_fail) {
   EXPECT_EQ(far.get_lapso(), 9000000000000000000LL);
   EXPECT_TRUE(far.add(1, times::DAYS));
   EXPECT_THROW(far += 1, ruvo::exc::CalendarException);
+  date far_day;
+  ruvo::time far_hour;
+  far_day.set_lapso(far.get_lapso());
+  far_hour.set_lapso(far.get_lapso());
+  EXPECT_THROW(datetime(far_day, ruvo::time(10203)), ruvo::exc::CalendarException);
+  EXPECT_THROW(datetime(date(20240229), far_hour), ruvo::exc::CalendarException);
 }
 
 TEST(calendar, the_ends_of_the_numbers) {
@@ -260,7 +266,10 @@ TEST(local_time, skipped_and_repeated_hours) {
   EXPECT_EQ(repeated.format(L"%T %z"), L"02:30:00 +0200");
   repeated.hack_lapso() += 3600;
   EXPECT_EQ(repeated.format(L"%T %z"), L"02:30:00 +0100");
-  repeated.add(1, times::DAYS);  // by the fields
+  datetime ahead(repeated);
+  ahead.add(1, times::MINUTES);
+  EXPECT_EQ(ahead.format(L"%T %z"), L"02:31:00 +0200");  // the first of the two
+  repeated.add(1, times::DAYS);                          // by the fields
   EXPECT_EQ(repeated.format(L"%d %T %z"), L"28 02:30:00 +0100");
 }
 

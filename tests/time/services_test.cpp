@@ -3,6 +3,9 @@
 #include <ruvo/fake_context.hpp>
 #include <ruvo/ruvo.hpp>
 
+#include <functional>
+#include <stdexcept>
+
 #include <gtest/gtest.h>
 
 namespace times = ruvo::times;
@@ -11,19 +14,25 @@ namespace {
 
 class failing_context : public ruvo::fake_context {
  public:
-  bool failing = true;
+  enum { works, tells, throws_own, throws_foreign } manner = tells;
 
   bool sistem_gmt_time(std::tm* record, long long seconds, ruvo::exception* err) const override {
-    return failing ? refuse(err) : fake_context::sistem_gmt_time(record, seconds, err);
+    return ready(err) && fake_context::sistem_gmt_time(record, seconds, err);
   }
   bool sistem_gmt_lapse(long long& seconds, std::tm& record, ruvo::exception* err) const override {
-    return failing ? refuse(err) : fake_context::sistem_gmt_lapse(seconds, record, err);
+    return ready(err) && fake_context::sistem_gmt_lapse(seconds, record, err);
+  }
+  long long get_system_ticks() const override {
+    if (manner != tells) ready(nullptr);
+    return fake_context::get_system_ticks();
   }
 
  private:
-  static bool refuse(ruvo::exception* err) {
-    ruvo::exc::CalendarException(7, L"parado").copy_on(err);
-    return false;
+  bool ready(ruvo::exception* err) const {
+    if (manner == throws_own) throw ruvo::exc::NullPointer();
+    if (manner == throws_foreign) throw std::runtime_error("parado");
+    if (manner == tells) ruvo::exc::CalendarException(7, L"parado").copy_on(err);
+    return manner == works;
   }
 };
 
@@ -65,18 +74,90 @@ TEST(services, their_failures_come_through) {
   EXPECT_THROW(value.to_string(), ruvo::exc::CalendarException);
 }
 
+TEST(services, what_they_throw_is_a_failure_of_the_library) {
+  failing_context fake;
+  fake.manner = failing_context::works;
+  const ruvo::thread_scope scope(fake);
+  ruvo::datetime value(1709211909LL);
+  ruvo::date day(20240229);
+  ruvo::time hour(100000);
+  ruvo::exception err;
+  const auto tells = [&err](bool failed) {
+    if (failed && err == ruvo::exc::NullPointer()) throw ruvo::exc::NullPointer();
+    if (failed) throw ruvo::exc::CalendarException(err.get_code(), err.get_mensaje());
+  };
+  std::tm record{};
+  const std::function<void()> operations[] = {
+      [] { ruvo::datetime(); },
+      [] { ruvo::date(); },
+      [] { ruvo::velda::date(); },
+      [] { ruvo::date(20240229); },
+      [] { ruvo::date(L"29-02-2024"); },
+      [] { ruvo::velda::date(L"29-02-2024"); },
+      [] { ruvo::time(10, 0, 0); },
+      [] { ruvo::date::get_last_day(2024, 2); },
+      [&] { value.get(times::DAYS); },
+      [&] { value.to_string(); },
+      [&] { value.get_month_name(); },
+      [&] { value = L"29-02-2024 00:00:00"; },
+      [&] { value += 1; },
+      [&] { value.set_hour(1); },
+      [&] { static_cast<void>(static_cast<long>(day)); },
+      [&] { static_cast<void>(day.compare(20240228)); },
+      [&] { day.set_day(1); },
+      [&] { --day; },
+      [&] { hour -= 1; },
+      [&] { hour.in_seconds(); },
+      [&] { ruvo::datetime(day, hour); },
+      [&] { ruvo::dates::diff_days(day, day); },
+      [&] { ruvo::dates::last_day_of_week(day); },
+      [&] { ruvo::times::diff_hours(hour, hour); },
+      [&] { tells(value.add(1, times::DAYS, &err)); },
+      [&] { tells(value.set(1, times::DAYS, &err)); },
+      [&] { tells(value.gmt(record, err)); },
+      [&] { tells(!value.parse(L"29-02-2024", "%d-%m-%Y", err)); },
+      [&] {
+        value.get_gmt_model(&err);
+        tells(true);
+      },
+  };
+  for (const auto manner : {failing_context::throws_own, failing_context::throws_foreign})
+    for (const auto& operation : operations) {
+      fake.manner = manner;
+      const auto number = &operation - operations;
+      try {
+        operation();
+        ADD_FAILURE() << "none of " << number;
+      } catch (const ruvo::exc::NullPointer&) {
+        EXPECT_EQ(manner, failing_context::throws_own) << number;
+      } catch (const ruvo::exc::CalendarException& error) {
+        EXPECT_EQ(manner, failing_context::throws_foreign) << number;
+        EXPECT_EQ(error, ruvo::exc::CalendarException()) << number;
+      } catch (const std::exception& error) {
+        ADD_FAILURE() << error.what() << " of " << number;
+      }
+    }
+}
+
 TEST(services, the_day_count_needs_none) {
   failing_context fake;
-  fake.failing = false;
   const ruvo::thread_scope scope(fake);
-  ruvo::velda::date day(2024, 2, 28);
-  const long long before = day.get_lapso();
-  fake.failing = true;
-  EXPECT_NO_THROW(day.add(1, times::DAYS));
-  EXPECT_EQ(day.get_day_number(), 2460370);
-  EXPECT_EQ(day.get_month_days(), 29);
-  EXPECT_EQ(ruvo::velda::dates::last_day_of_week(day).get_day(), 3);
-  EXPECT_EQ(day.get_lapso(), before);  // the instant could not follow
+  for (const auto manner : {failing_context::tells, failing_context::throws_own}) {
+    fake.manner = manner;
+    ruvo::velda::date day(20240228L);
+    EXPECT_TRUE(day.is_null());
+    fake.manner = failing_context::works;
+    day = 20240228L;
+    const long long before = day.get_lapso();
+    fake.manner = manner;
+    EXPECT_NO_THROW(day.add(1, times::DAYS));
+    EXPECT_EQ(day.get_day_number(), 2460370);
+    EXPECT_EQ(day.get_month_days(), 29);
+    EXPECT_EQ(ruvo::velda::dates::last_day_of_week(day).get_day(), 3);
+    EXPECT_EQ(ruvo::velda::date(day, times::LOCAL).get_day_number(), 2460370);
+    EXPECT_EQ(ruvo::velda::date::get_last_day(2024, 2).get_day_number(), 2460370);
+    EXPECT_EQ(day.get_lapso(), before);  // the instant could not follow
+  }
 }
 
 }  // namespace

@@ -1,0 +1,14 @@
+#pragma once
+
+// The fields of a calendar value for those who can do nothing without them.
+
+#include <ruvo/fwd.hpp>
+
+#include <ctime>
+
+namespace ruvo::calendar {
+
+/// lapse::get_model(), but for a failure, which is thrown as its own class.
+std::tm fields_of(const lapse& value);
+
+}  // namespace ruvo::calendar
