@@ -105,8 +105,8 @@ class KESTA_API json_writer : public iwriter {
   ~json_writer() override;
 
   /// Numbers bare; texts, memos and all else quoted and escaped; bool as true or false; time quoted as
-  /// hhmmss; date as the bare number yyyymmdd; datetime as its bare seconds with six digits; binary as quoted
-  /// Base64.
+  /// hhmmss; date as the bare number yyyymmdd, and both as their seconds since 1970 where they have no
+  /// calendar form; datetime as its bare seconds with six digits; binary as quoted Base64.
   ///
   /// Escapes are `\"`, `\\`, `\b`, `\f`, `\n`, `\r` and `\t`; any other control character becomes a blank.
   std::wstring raw_value(const xvar& value) override;

@@ -158,12 +158,14 @@ class KESTA_API var {
   /// and bundles.
   bool can_be_number() const;
   /// Whether the text, without blanks at its ends and without regard to case, is one of true, 1, si,
-  /// verdadero, correcto, false, 0, no, falso, incorrecto. False for a null cell, lists and bundles.
+  /// verdadero, correcto, false, 0, no, falso, incorrecto. False for a null cell, dates, times,
+  /// lists and bundles.
   bool can_be_boolean() const;
 
   /// The value as text in the classic locale: integers in base ten, float and double with six digits after
-  /// the point, bool as 1 or 0, dates and times in their canonical formats, containers in their text form.
-  /// Empty for a null cell.
+  /// the point, bool as 1 or 0, dates and times in their canonical formats, containers in their text form. A
+  /// date or time without calendar form, because its year is beyond every calendar record or the context
+  /// refuses, gives its seconds since 1970. Empty for a null cell.
   std::wstring to_string() const;
 
   // Conversions. A null cell throws in each of them, so that a missing value is never taken for 0.
@@ -171,7 +173,7 @@ class KESTA_API var {
   /// From bool, wchar_t (its code, also for a digit), the numbers, date (20240229), time (123456) and text.
   /// Fractions are cut off, then the bits above the width; doubles stop at the ends of 64 bits, and what is
   /// no number gives 0. Text gives 0 unless can_be_number(), and throws std::out_of_range beyond `long
-  /// long`, to an unsigned type too.
+  /// long`, to an unsigned type too; a date or time without calendar form throws exc::CalendarException.
   ///
   /// A null cell throws an empty std::exception_ptr (by value), any other kind std::bad_cast.
   operator short() const;

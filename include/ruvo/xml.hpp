@@ -41,7 +41,7 @@ class KESTA_API xml_writer : public iwriter {
   std::wstring raw_value(const xvar& value) override;
   /// The key as it stands.
   std::wstring& raw_key(std::wstring& key) override;
-  /// Never fails.
+  /// Never fails, but for lack of memory.
   /// @quirk When tabulated, the second text of the same writer is indented by one tab.
   bool write(std::wstring& out, const bundle& in, exception* err, int options) override;
   /// Writes an element for each member. True when `result` now carries a failure.

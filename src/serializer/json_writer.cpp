@@ -89,10 +89,13 @@ void put_json_scalar(text_sink& out, const xvar& value, bool escaped, bool null_
       return null_as_empty ? out.put_literal(L"\"\"") : out.put_literal(L"null");
     case kind::boolean:
       return cell::integer(value) ? out.put_literal(L"true") : out.put_literal(L"false");
-    case kind::time:
-      return put_quoted(out, static_cast<ruvo::time>(value).to_string(ruvo::time::url_canonical), false);
+    case kind::time: {
+      std::wstring text;
+      detail::append_lapse(text, value, ruvo::time::url_canonical);
+      return put_quoted(out, text, false);
+    }
     case kind::date:
-      return put_number(out, static_cast<long>(static_cast<ruvo::date>(value)));
+      return put_number(out, detail::date_number(value));
     case kind::datetime:
       return put_number(out, static_cast<double>(cell::integer(value)));
     case kind::binary:

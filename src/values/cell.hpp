@@ -126,6 +126,10 @@ const kind_traits& traits_of(kind k) noexcept;
 void append_text(std::wstring& out, const var& v);
 void append_text(std::wstring& out, const list& l);
 void append_text(std::wstring& out, const bundle& b);
+/// The text of a date, time or datetime in a format; the digits of its seconds where it has no calendar form.
+void append_lapse(std::wstring& out, const var& v, const std::string& format);
+/// The number yyyymmdd of a date, or its seconds in the same way.
+long long date_number(const var& v);
 
 /// Copies the value and, for an xvar, the qualities into a cell that owns nothing, level by level.
 void copy_tree(var& to, const var& from);

@@ -1,6 +1,7 @@
 #include <ruvo/binary.hpp>
 #include <ruvo/date.hpp>
 #include <ruvo/datetime.hpp>
+#include <ruvo/exception.hpp>
 #include <ruvo/memo.hpp>
 #include <ruvo/time.hpp>
 #include <ruvo/var.hpp>
@@ -9,7 +10,9 @@
 #include <cmath>
 #include <exception>
 #include <limits>
+#include <optional>
 #include <ostream>
+#include <type_traits>
 #include <typeinfo>
 
 #include "texto/ascii.hpp"
@@ -117,12 +120,22 @@ void set_lapse(var& v, kind k, const T& value) {
   cell::set_lapse(v, k, value.get_lapso(), static_cast<int>(value.get_huso_horario()));
 }
 
+/// A date made from its instant, which asks no context.
+class kept_date : public date {
+ public:
+  kept_date(long long seconds, times::HUSO mode) noexcept : date(as_it_is(), seconds, mode) {}
+};
+
 /// The date, time or datetime that a cell of such a kind holds.
 template <class T>
 T lapse_of(const var& v) {
-  T value(static_cast<times::HUSO>(cell::mode(v)));
-  value.set_lapso(cell::integer(v));
-  return value;
+  const long long seconds = cell::integer(v);
+  const auto mode = static_cast<times::HUSO>(cell::mode(v));
+  if constexpr (std::is_same_v<T, date>) {
+    return kept_date(seconds, mode);
+  } else {
+    return T(datetime(seconds, mode));
+  }
 }
 
 }  // namespace
@@ -259,13 +272,41 @@ bool var::can_be_number() const {
 }
 
 bool var::can_be_boolean() const {
-  if (is_null() || cell::is_container(*this)) return false;
+  if (is_null() || is_lapse() || cell::is_container(*this)) return false;
   return with_text(*this, [](std::wstring_view text) { return read_truth(text) != truth::unknown; });
 }
 
 // --- text
 
+namespace {
+
+/// What the calendar makes of a value; nothing where the value has no calendar form. Its seconds then stand
+/// for it.
+template <class Form>
+auto in_calendar(Form form) -> std::optional<decltype(form())> {
+  try {
+    return form();
+  } catch (const exception&) {
+    return std::nullopt;
+  }
+}
+
+}  // namespace
+
 namespace detail {
+
+void append_lapse(std::wstring& out, const var& v, const std::string& format) {
+  const auto text = in_calendar([&] { return lapse_of<datetime>(v).format(format); });
+  if (text)
+    out += *text;
+  else
+    texto::append_integer(out, cell::integer(v));
+}
+
+long long date_number(const var& v) {
+  const auto number = in_calendar([&] { return static_cast<long>(lapse_of<date>(v)); });
+  return number ? *number : cell::integer(v);
+}
 
 void append_text(std::wstring& out, const var& v) {
   switch (cell::kind_of(v)) {
@@ -281,14 +322,11 @@ void append_text(std::wstring& out, const var& v) {
     case kind::double_:
       return texto::append_fixed(out, cell::real(v));
     case kind::date:
-      out += lapse_of<date>(v).to_string(date::canonical);
-      return;
+      return append_lapse(out, v, date::canonical);
     case kind::time:
-      out += lapse_of<time>(v).to_string(time::canonical);
-      return;
+      return append_lapse(out, v, time::canonical);
     case kind::datetime:
-      out += lapse_of<datetime>(v).to_string(datetime::canonical);
-      return;
+      return append_lapse(out, v, datetime::canonical);
     case kind::small_text:
     case kind::text:
     case kind::string_text:
@@ -462,12 +500,9 @@ var::operator time() const {
 }
 
 var::operator datetime() const {
-  const auto from_seconds = [](long long n) {
-    datetime made(times::GMT);
-    made.set_lapso(n);
-    return made;
-  };
-  return to_lapse<datetime>(*this, kind::datetime, from_seconds, [](const datetime& d) { return d; });
+  return to_lapse<datetime>(
+      *this, kind::datetime, [](long long n) { return datetime(n, times::GMT); },
+      [](const datetime& d) { return d; });
 }
 
 // --- comparison

@@ -1,5 +1,6 @@
 #include <ruvo/ruvo.hpp>
 
+#include <limits>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -144,6 +145,10 @@ TEST(json_reader, a_bad_number_leaves_and_the_reader_is_usable_again) {
 }
 
 TEST(json_writer, scalars) {
+  ruvo::date far_day;
+  ruvo::time far_hour;
+  far_day.set_lapso(std::numeric_limits<long long>::max());
+  far_hour.set_lapso(std::numeric_limits<long long>::min());
   struct {
     const char* name;
     xvar value;
@@ -163,6 +168,8 @@ TEST(json_writer, scalars) {
       {"date", ruvo::date(20240229L), L"20240229", L"20240229"},
       {"time", ruvo::time(10203L), L"\"010203\"", L"\"010203\""},
       {"datetime", ruvo::datetime(86400.0), L"86400.000000", L"86400.000000"},
+      {"far date", far_day, L"9223372036854775807", nullptr},
+      {"far time", far_hour, L"\"-9223372036854775808\"", nullptr},
       {"binary", ruvo::binary(std::string("\xFB\xFF", 2)), L"\"+/8=\"", L"\"+/8=\""},
   };
   for (const auto& row : rows) {

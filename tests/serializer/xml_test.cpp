@@ -209,6 +209,7 @@ TEST(xml_writer, writes) {
         {L"e", 18446744073709551615ULL},
         {L"f", L'<'}},
        L"<a></a><b>1</b><c>1.500000</c><d>-7</d><e>18446744073709551615</e><f><</f>"},
+      {"no calendar form", {{L"a", ruvo::datetime(1LL << 62)}}, L"<a>4611686018427387904</a>"},
       {"escapes", {{L"a", L" \t&<>\"'x&amp; \n"}}, L"<a>&&amp;&lt;&gt;&qout;&apos;x&&amp;amp;</a>"},
       {"memo and binary",
        {{L"a", ruvo::memo(L" <m> ")}, {L"b", ruvo::binary(L" <b> ")}},

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cwctype>
+#include <limits>
 #include <map>
 #include <random>
 #include <stdexcept>
@@ -190,6 +191,7 @@ TEST(bundle, typed_getters) {
                     {L"big", 18446744073709551615ULL},
                     {L"none and a point", 0.0},
                     {L"empty bundle", bundle()},
+                    {L"far", ruvo::datetime(std::numeric_limits<long long>::max())},
                     {L"list", list{1}},
                     {L"none", list()}};
   EXPECT_EQ(b.get_long(L"zero", '.', 7), 0);
@@ -203,7 +205,7 @@ TEST(bundle, typed_getters) {
   EXPECT_EQ(b.get_long(L"num"), 12);
   EXPECT_EQ(b.get_double("NUM"), 12.75);
   for (const wchar_t* path :
-       {L"word", L"null", L"empty", L"missing", L"huge", L"bytes", L"list", L"word.x"}) {
+       {L"word", L"null", L"empty", L"missing", L"huge", L"bytes", L"list", L"word.x", L"far"}) {
     EXPECT_EQ(b.get_long(path, '.', 7), 7) << path;
     EXPECT_EQ(b.get_nc_short(path, 8), 8) << path;
   }
@@ -214,6 +216,8 @@ TEST(bundle, typed_getters) {
   EXPECT_FALSE(b.get_boolean(L"zero", true));
   EXPECT_TRUE(b.get_boolean(L"one", true));
   EXPECT_TRUE(b.get_boolean(L"empty", true));
+  EXPECT_TRUE(b.get_boolean(L"far", true));
+  EXPECT_EQ(b.get_nc_string(L"far"), L"9223372036854775807");
   EXPECT_EQ(b.get_string(L"empty", '.', L"x"), L"");
   EXPECT_EQ(b.get_nc_string(L"empty", L"x"), L"x");
   EXPECT_EQ(b.get_string(L"null", '.', L"x"), L"x");

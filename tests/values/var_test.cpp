@@ -29,6 +29,14 @@ struct kind_row {
                            // B(oolean text)
 };
 
+/// Beyond every calendar record.
+template <class T>
+T far_away() {
+  T value;
+  value.set_lapso(std::numeric_limits<long long>::max());
+  return value;
+}
+
 std::vector<kind_row> kinds() {
   return {
       {"null", var(), nullptr, L"", ""},
@@ -60,6 +68,9 @@ std::vector<kind_row> kinds() {
       {"date", var(ruvo::date(20240229L)), &typeid(ruvo::date), L"29-02-2024", "l"},
       {"time", var(ruvo::time(123456L)), &typeid(ruvo::time), L"12:34:56", "l"},
       {"datetime", var(ruvo::datetime(0.0)), &typeid(ruvo::datetime), L"01-01-1970 00:00:00", "l"},
+      {"far date", var(far_away<ruvo::date>()), &typeid(ruvo::date), L"9223372036854775807", "l"},
+      {"far time", var(far_away<ruvo::time>()), &typeid(ruvo::time), L"9223372036854775807", "l"},
+      {"far datetime", var(far_away<ruvo::datetime>()), &typeid(ruvo::datetime), L"9223372036854775807", "l"},
       {"list", var(ruvo::xvar(ruvo::list{1, L"a"})), &typeid(ruvo::list), L"[1,\"a\"]", ""},
       {"bundle", var(ruvo::xvar(ruvo::bundle())), &typeid(ruvo::bundle), L"{}", ""},
   };
