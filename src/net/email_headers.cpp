@@ -88,6 +88,16 @@ std::wstring next_field(std::wstring_view block, std::size_t& from) {
   return field;
 }
 
+/// The text of a field. A control character, which has no place there, becomes a blank: written again, a lone
+/// CR would end the line for some readers, and what follows it would be a field of its own.
+std::wstring value_of(std::wstring_view field) {
+  std::wstring value(field);
+  std::replace_if(
+      value.begin(), value.end(),
+      [](wchar_t c) { return (c < 0x20 && c != L'\t') || (c >= 0x7F && c < 0xA0); }, L' ');
+  return std::wstring(trimmed(value));
+}
+
 [[noreturn]] void refuse(const std::wstring& field) {
   constexpr std::size_t most_told = 80;
   throw exc::BadArgument(field.substr(0, most_told));
@@ -233,8 +243,7 @@ void email::deserialize_headers(const std::wstring& block) {
     const std::size_t colon = field.find(L':');
     const std::wstring_view name = trimmed(std::wstring_view(field).substr(0, colon));
     if (colon == field.npos || name.empty() || texto::is_space(field.front())) refuse(field);
-    if (!made.take_field(name, std::wstring(trimmed(std::wstring_view(field).substr(colon + 1))), read))
-      refuse(field);
+    if (!made.take_field(name, value_of(std::wstring_view(field).substr(colon + 1)), read)) refuse(field);
   }
   if (!read.message_id.empty()) made.uuid_ = uuid_of(read.message_id, made.from_.get_domain());
   *this = std::move(made);

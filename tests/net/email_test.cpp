@@ -471,6 +471,18 @@ TEST(EmailHostile, LineEndsAreTheCallersDuty) {
   EXPECT_EQ(read.get_sender().get_mail(), L"thief@x.es");
 }
 
+TEST(EmailHostile, ControlsOfReadFieldsAreNotWrittenAgain) {
+  email read;
+  read.deserialize_headers(
+      L"Subject: one\rBcc: thief@x.es\x85\r\nMessage-ID: <1\r2@x.es>\nFrom: \"A\rB\" <a@x.es>\nTo: \"C\x01\" "
+      L"<c@x.es>");
+  std::wstring text = read.to_string();
+  EXPECT_EQ(read.get_subject(), L"one Bcc: thief@x.es");
+  EXPECT_NE(text.find(L"<1 2@x.es>"), text.npos);
+  while (text.find(L"\r\n") != text.npos) text.erase(text.find(L"\r\n"), 2);
+  EXPECT_EQ(text.find_first_of(L"\r\x01\x85"), text.npos);
+}
+
 template <class T>
 constexpr bool is_ordered = requires(const T& a) {
   a < a;
