@@ -50,7 +50,8 @@ class KESTA_API xml_writer : public iwriter {
  protected:
   /// The qualities become attributes, but for those whose key begins with "__".
   /// @quirk The quality "__schema__" is written before the name, with a colon, and only in the opening tag,
-  /// so that what is written that way is not read back.
+  /// so that what is written that way is not read back. One that holds what cannot stand in a name is left
+  /// out.
   void create_open_tag(std::wostringstream& out, const std::wstring& name,
                        const xvar::qualities_map& qualities);
   /// The closing tag; when tabulated, a line feed behind it.

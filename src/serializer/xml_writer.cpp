@@ -1,6 +1,7 @@
 #include <ruvo/binary.hpp>
 #include <ruvo/memo.hpp>
 
+#include <algorithm>
 #include <cstring>
 #include <sstream>
 #include <typeinfo>
@@ -8,6 +9,7 @@
 
 #include "serializer/number_text.hpp"
 #include "serializer/scan.hpp"
+#include "serializer/well_formed_cursor.hpp"
 #include "serializer/xml_emitter.hpp"
 #include "texto/numbers.hpp"
 #include "values/cell.hpp"
@@ -36,6 +38,13 @@ void put_entity(text_sink& out, wchar_t c) {
   wchar_t* const to = out.room(sizeof e.units / sizeof *e.units);
   std::memcpy(to, e.units, sizeof e.units);
   out.advance(to + e.length);
+}
+
+/// A prefix may come from a document: one that is no part of a name would be markup.
+void put_prefix(text_sink& out, const std::wstring& prefix) {
+  if (!std::all_of(prefix.begin(), prefix.end(), continues_name)) return;
+  out.put(prefix);
+  out.put(L':');
 }
 
 /// What `put` puts into a sink, as a text.
@@ -286,10 +295,8 @@ void xml_emitter::open_tag(std::wstring_view name, const xvar::qualities_map* qu
     return out_.advance(to);
   }
   out_.put(L'<');
-  if (const auto schema = qualities->find(schema_key); schema != qualities->end()) {
-    out_.put(schema->second.to_string());
-    out_.put(L':');
-  }
+  if (const auto schema = qualities->find(schema_key); schema != qualities->end())
+    put_prefix(out_, schema->second.to_string());
   out_.put(name);
   for (const auto& [key, value] : *qualities) {
     if (key.starts_with(L"__")) continue;

@@ -192,6 +192,8 @@ TEST(xml_writer, writes) {
   prefixed[L"__schema__"] = L"ns";
   prefixed[L"y"];
   prefixed[L"z"] = L"";
+  xvar infixed = 1;
+  infixed[L"__schema__"] = L"x><admin>1</admin><y";
   xvar bundle_item = bundle{{L"k", 1}};
   bundle_item[L"lost"] = 1;
   struct {
@@ -225,6 +227,7 @@ TEST(xml_writer, writes) {
       {"qualities", {{L"a", qualified}}, L"<a X=\"&lt;&qout;1&qout;&gt;\" y=\"2\">t</a>"},
       {"of an item", {{L"k", list{qualified}}}, L"<k><item X=\"&lt;&qout;1&qout;&gt;\" y=\"2\">t</item></k>"},
       {"schema", {{L"a", prefixed}}, L"<ns:a y=\"\" z=\"\">1</a>"},
+      {"schema that is no name", {{L"a", infixed}}, L"<a>1</a>"},
       {"keys as they stand", {{L"a b<", 1}, {L"", 2}}, L"<>2</><a b<>1</a b<>"},
   };
   for (const auto& row : rows) {
