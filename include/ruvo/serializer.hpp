@@ -69,8 +69,12 @@ class KESTA_API iwriter {
   virtual ~iwriter();
   /// Replaces `out` by the text of `in`. True on FAILURE, which is copied into `*err` unless `err` is null.
   virtual bool write(std::wstring& out, const bundle& in, exception* err, int options) = 0;
-  /// Whether new lines and indentation are written.
+  /// Whether new lines and indentation are written. Of n levels of nesting the tabs alone are about n * n,
+  /// so what comes from elsewhere is written with limit_indentation().
   virtual void set_tabulated(bool tabulated);
+  /// Deeper than so many levels nothing is indented further. Without a call, and from 65535 on, everything
+  /// is. To be called between two texts.
+  void limit_indentation(unsigned long levels) noexcept;
 
   iwriter(const iwriter&) = delete;
   iwriter& operator=(const iwriter&) = delete;
@@ -84,10 +88,12 @@ class KESTA_API iwriter {
   /// One level back, when tabulated.
   void pop_tab() noexcept;
 
-  bool tabulated_ = false;    ///< As set_tabulated() says.
-  bool first_push_ = true;    ///< Whether push_tab() has still to be called for the first time.
-  std::wstring tab_unit_;     ///< What a level adds: one tab.
-  std::wstring indentation_;  ///< What stands before a line at the current level.
+  bool tabulated_ = false;              ///< As set_tabulated() says.
+  bool first_push_ = true;              ///< Whether push_tab() has still to be called for the first time.
+  std::uint16_t most_levels_ = 0xFFFF;  ///< As limit_indentation() says.
+  std::uint32_t withheld_ = 0;          ///< The levels, deeper than that, that are open now.
+  std::wstring tab_unit_;               ///< What a level adds: one tab.
+  std::wstring indentation_;            ///< What stands before a line at the current level.
 };
 
 // --- JSON writers
@@ -231,6 +237,8 @@ class KESTA_API json : public iserializer {
   /// Writes members in key order or in the order in which the bundle got them, in one line or with a line and
   /// tabs for each member, texts escaped or not. Without `escaped`, texts are quoted as they stand, and the
   /// order is by key whatever `ordered` says.
+  ///
+  /// Tabs grow with the square of the nesting: text from elsewhere is written with limit_indentation().
   json(bool ordered, bool tabulated, bool escaped);
   ~json() override;
   json(const json&) = delete;
@@ -242,8 +250,17 @@ class KESTA_API json : public iserializer {
   /// else is kept. The exception of a number that can't be converted leaves this function.
   bool deserialize(bundle& out, const std::wstring& in, exception* err = nullptr, int options = 0) override;
 
+  /// As iwriter::limit_indentation(), for the texts from now on.
+  void limit_indentation(unsigned long levels) noexcept;
+
   /// JSON text indented by four blanks a level, for reading. Works on any text.
+  ///
+  /// The result grows with the square of the nesting: n opening brackets give 2 * n * n blanks, 16,000 of
+  /// them 512 million. Text from elsewhere is for the other form.
   static std::wstring printJsonFormateado(std::wstring text);
+  /// The same, but deeper than so many levels nothing is indented further: the result has at most about
+  /// 4 * levels times the units of the text.
+  static std::wstring printJsonFormateado(std::wstring text, unsigned long levels);
 
  private:
   std::unique_ptr<json_reader> reader_;

@@ -184,6 +184,8 @@ class KESTA_API xml : public iserializer {
  public:
   /// Writes members in key order or in the order in which the bundle got them, in one line or with a line and
   /// tabs for each element.
+  ///
+  /// Tabs grow with the square of the nesting: text from elsewhere is written with limit_indentation().
   xml(bool ordered, bool tabulated);
   ~xml() override;
   xml(const xml&) = delete;
@@ -194,6 +196,9 @@ class KESTA_API xml : public iserializer {
   /// Reads to the end whatever the text holds; of several failures the last one is reported and everything
   /// else is kept. @quirk Of several outermost elements with one name only the last one stays.
   bool deserialize(bundle& out, const std::wstring& in, exception* err = nullptr, int options = 0) override;
+
+  /// As iwriter::limit_indentation(), for the texts from now on.
+  void limit_indentation(unsigned long levels) noexcept;
 
  private:
   std::unique_ptr<xml_reader> reader_;

@@ -1,5 +1,10 @@
 #include <ruvo/serializer.hpp>
 
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <utility>
+
 namespace ruvo {
 
 iserializer::iserializer() noexcept = default;
@@ -8,6 +13,12 @@ iserializer& iserializer::operator=(const iserializer&) noexcept { return *this;
 iserializer::~iserializer() = default;
 
 namespace serializer {
+
+namespace {
+
+constexpr std::uint16_t unlimited = std::numeric_limits<std::uint16_t>::max();
+
+}  // namespace
 
 ireader::ireader() noexcept = default;
 ireader::~ireader() = default;
@@ -22,14 +33,24 @@ iwriter::~iwriter() = default;
 
 void iwriter::set_tabulated(bool tabulated) { tabulated_ = tabulated; }
 
+void iwriter::limit_indentation(unsigned long levels) noexcept {
+  most_levels_ = static_cast<std::uint16_t>(std::min<unsigned long>(levels, unlimited));
+}
+
 void iwriter::push_tab() {
   if (!tabulated_) return;
-  if (!first_push_) indentation_ += tab_unit_;
-  first_push_ = false;
+  if (std::exchange(first_push_, false)) return;
+  if (most_levels_ != unlimited && indentation_.size() >= most_levels_ * tab_unit_.size())
+    ++withheld_;
+  else
+    indentation_ += tab_unit_;
 }
 
 void iwriter::pop_tab() noexcept {
-  if (tabulated_ && indentation_.size() >= tab_unit_.size())
+  if (!tabulated_) return;
+  if (withheld_ > 0)
+    --withheld_;
+  else if (indentation_.size() >= tab_unit_.size())
     indentation_.resize(indentation_.size() - tab_unit_.size());
 }
 

@@ -1,5 +1,9 @@
 #include <ruvo/serializer.hpp>
 
+#include <algorithm>
+#include <limits>
+#include <string_view>
+
 #include "serializer/deserialize.hpp"
 
 namespace ruvo::serializer {
@@ -33,27 +37,31 @@ bool json::deserialize(bundle& out, const std::wstring& in, exception* err, int)
   });
 }
 
-std::wstring json::printJsonFormateado(std::wstring text) {
+void json::limit_indentation(unsigned long levels) noexcept { writer_->limit_indentation(levels); }
+
+namespace {
+
+std::wstring indented(std::wstring_view text, std::size_t most_levels) {
   constexpr std::size_t step = 4;
   std::wstring out;
-  std::size_t width = 0;
+  std::size_t level = 0;
   bool in_string = false;
-  const auto new_line = [&out, &width] {
+  const auto new_line = [&] {
     out += L'\n';
-    out.append(width, L' ');
+    out.append(step * std::min(level, most_levels), L' ');
   };
   for (std::size_t at = 0; at < text.size(); ++at) {
     const wchar_t c = text[at];
     if (c == L'"' && (at == 0 || text[at - 1] != L'\\')) in_string = !in_string;
     const bool closes = !in_string && (c == L'}' || c == L']');
     if (closes) {
-      width -= width < step ? width : step;  // an unmatched bracket stays at the margin
+      if (level > 0) --level;  // an unmatched bracket stays at the margin
       new_line();
     }
     out += c;
     if (in_string || closes) continue;
     if (c == L'{' || c == L'[') {
-      width += step;
+      ++level;
       new_line();
     } else if (c == L',') {
       new_line();
@@ -62,6 +70,16 @@ std::wstring json::printJsonFormateado(std::wstring text) {
     }
   }
   return out;
+}
+
+}  // namespace
+
+std::wstring json::printJsonFormateado(std::wstring text) {
+  return indented(text, std::numeric_limits<std::size_t>::max());
+}
+
+std::wstring json::printJsonFormateado(std::wstring text, unsigned long levels) {
+  return indented(text, levels);
 }
 
 }  // namespace ruvo::serializer

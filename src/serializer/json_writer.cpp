@@ -4,6 +4,7 @@
 #include <ruvo/exc.hpp>
 #include <ruvo/time.hpp>
 
+#include <cstdint>
 #include <sstream>
 #include <typeinfo>
 
@@ -133,6 +134,7 @@ std::wstring& json_writer::raw_key(std::wstring& key) { return key; }
 bool json_writer::write(std::wstring& out, const bundle& in, exception* err, int) {
   exception result;
   const std::wstring indentation = indentation_;
+  const std::uint32_t withheld = withheld_;
   try {
     text_sink sink;
     json_emitter emitter(*this, sink, result);
@@ -147,6 +149,7 @@ bool json_writer::write(std::wstring& out, const bundle& in, exception* err, int
     sink.replace(out);
   } catch (...) {
     indentation_ = indentation;
+    withheld_ = withheld;
     throw;
   }
   if (err && result.WRONG()) *err = result;

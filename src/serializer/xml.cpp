@@ -30,4 +30,6 @@ bool xml::deserialize(bundle& out, const std::wstring& in, exception* err, int) 
   });
 }
 
+void xml::limit_indentation(unsigned long levels) noexcept { writer_->limit_indentation(levels); }
+
 }  // namespace ruvo::serializer

@@ -2,6 +2,7 @@
 #include <ruvo/memo.hpp>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <sstream>
 #include <typeinfo>
@@ -96,12 +97,14 @@ std::wstring xml_writer::raw_attribute(std::wstring text) {
 bool xml_writer::write(std::wstring& out, const bundle& in, exception* err, int) {
   exception result;
   const std::wstring indentation = indentation_;
+  const std::uint32_t withheld = withheld_;
   try {
     text_sink sink;
     xml_emitter(*this, sink, result).write_document(in);
     sink.replace(out);
   } catch (...) {
     indentation_ = indentation;
+    withheld_ = withheld;
     throw;
   }
   if (err && result.WRONG()) *err = result;

@@ -218,6 +218,14 @@ TEST(json_writer, layouts) {
   EXPECT_EQ(text, L"{\n\"o\":{\n\t\"k\":1\n}\n}");
   again.serialize(text, nested);  // the writer's first push is behind it
   EXPECT_EQ(text, L"{\n\t\"o\":{\n\t\t\"k\":1\n\t}\n}");
+  json bounded(true, true, true);
+  bounded.limit_indentation(1);
+  const bundle deep = read(L"{\"a\":{\"b\":{\"c\":1},\"d\":2}}").store;
+  for (const wchar_t* tab : {L"", L"\t"}) {
+    bounded.serialize(text, deep);
+    EXPECT_EQ(text, L"{\n" + std::wstring(tab) + L"\"a\":{\n\t\"b\":{\n\t\"c\":1\n\t},\n\t\"d\":2\n" + tab +
+                        L"}\n}");
+  }
 }
 
 TEST(json_writer, array_document) {
@@ -267,7 +275,12 @@ TEST(json, pretty_print) {
                     {L"\"a{\\\",:\"", L"\"a{\\\",:\""},
                     {L"]}x", L"\n]\n}x"},
                     {L"", L""}};
-  for (const auto& row : rows) EXPECT_EQ(json::printJsonFormateado(row.text), row.pretty);
+  for (const auto& row : rows) {
+    EXPECT_EQ(json::printJsonFormateado(row.text), row.pretty);
+    EXPECT_EQ(json::printJsonFormateado(row.text, 2), row.pretty);
+  }
+  EXPECT_EQ(json::printJsonFormateado(L"[[1]]", 1), L"[\n    [\n    1\n    ]\n]");
+  EXPECT_LT(json::printJsonFormateado(std::wstring(16000, L'['), 100).size(), 16000U * 402);
 }
 
 }  // namespace

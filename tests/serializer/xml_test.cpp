@@ -262,6 +262,10 @@ TEST(xml_writer, tabulated) {
                       L"\t</e>\n");
   x.serialize(text, {{L"a", 1}});
   EXPECT_EQ(text, declaration + L"\n\t<a>1</a>\n");  // the first push of a writer's life only
+  xml bounded(true, true);
+  bounded.limit_indentation(1);
+  bounded.serialize(text, {{L"a", bundle{{L"b", bundle{{L"c", 1}}}, {L"d", 2}}}});
+  EXPECT_EQ(text, declaration + L"\n<a>\n\t<b>\n\t<c>1</c>\n\t</b>\n\t<d>2</d>\n</a>\n");
 }
 
 /// Writes in its own way what the base classes leave to it.
