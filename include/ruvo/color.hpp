@@ -152,7 +152,8 @@ class KESTA_API color {
   float get_luminosity() const noexcept { return luminosity_; }  ///< 0.0 (black) to 1.0 (white).
   unsigned get_amount() const noexcept { return amount_; }       ///< Step of ++ and --, in hundredths.
 
-  /// The HTML text in upper case: "#RRGGBB", "#RRGGBBAA" for a translucent colour, or the text that was set.
+  /// The HTML text in the upper case of texto::to_uppercase(): "#RRGGBB", "#RRGGBBAA" for a translucent
+  /// colour, or the text that was set.
   std::wstring to_string() const;
   operator std::wstring() const { return to_string(); }
   /// What the getters give.

@@ -1,4 +1,5 @@
 #include <ruvo/color.hpp>
+#include <ruvo/texto/words.hpp>
 
 #include <algorithm>
 #include <cfloat>
@@ -223,11 +224,7 @@ color::operator unsigned() const noexcept {
   return red_ << 24 | green_ << 16 | blue_ << 8 | clamped(alpha_, most_unsigned);
 }
 
-std::wstring color::to_string() const {
-  std::wstring text = html_;
-  for (wchar_t& c : text) c = texto::to_upper(c);
-  return text;
-}
+std::wstring color::to_string() const { return texto::to_uppercase_(html_); }
 
 std::wostream& operator<<(std::wostream& out, const color& value) { return out << value.to_string(); }
 

@@ -225,7 +225,7 @@ TEST(Color, BadTextsAreStoredAndChangeNothingElse) {
   }
   EXPECT_EQ(color(static_cast<const char*>(nullptr)).to_string(), L"");
   EXPECT_EQ(color("#12345\xC3").to_string(), L"#12345\uFFFD");  // seven characters
-  EXPECT_EQ(color(L"rojo").to_string(), L"ROJO");
+  EXPECT_EQ(color(L"azul añil").to_string(), L"AZUL AÑIL");
 }
 
 TEST(Color, AlphaAndPackedNumbers) {

@@ -401,6 +401,7 @@ TEST(Amounts, WellKnownPhrases) {
       {101101, L"Ciento Un Mil Ciento Uno"},
       {999999.999, L"Un Millón"},
       {1234000000, L"Mil Doscientos Treinta y Cuatro Millones"},
+      {2002000000, L"Dos Mil Dos Millones"},
       {1001001001001, L"Un Billón Mil Un Millones Mil Uno"},
       {-999999999999999,
        L"Menos Novecientos Noventa y Nueve Billones Novecientos Noventa y Nueve Mil Novecientos Noventa "
