@@ -24,7 +24,8 @@ class KESTA_API application : public context {
   /// Checks out its threads, deletes what it keeps.
   ~application() override;
 
-  /// The application of the calling thread; null when the thread is not checked in.
+  /// The application of the calling thread: that which it is checked in to; on the thread of a task else that
+  /// of who started the task; null where there is neither.
   static application* theApp() noexcept;
   static application* get_context() noexcept { return theApp(); }
 
@@ -33,10 +34,10 @@ class KESTA_API application : public context {
   static unsigned long processID() noexcept;
 
   /// Makes this the application of a thread (that of threadID() for the calling one), after making the
-  /// calling thread a single-threaded apartment of COM. False when the thread has an application already,
-  /// which it keeps.
+  /// calling thread a single-threaded apartment of COM, which it stays. False when the thread is checked in
+  /// already; it keeps its application.
   bool check_in(unsigned long thread_id);
-  /// Removes the thread, whatever application it has; false when it was not registered.
+  /// Removes the thread, whatever application it has; false when it was not checked in.
   bool check_out(unsigned long thread_id);
 
   /// Registers the calling thread, takes `folder` as the application path, makes the folders in it and calls
@@ -98,7 +99,7 @@ class KESTA_API application : public context {
 
  protected:
   /// The module of the program; null for the one that the process was started from.
-  explicit application(HINSTANCE__* instance);
+  explicit application(HINSTANCE__* instance = nullptr);
 
   /// The concrete application's part of boot(), after the folders are made.
   virtual bool on_boot(exception& err);
@@ -122,7 +123,7 @@ class KESTA_API application : public context {
 /// Checks the calling thread in, and out again at the end of the scope if it was this object that did.
 class KESTA_API thread_scope {
  public:
-  /// Checks in; a thread that has an application already keeps it.
+  /// Checks in; a thread that is checked in already keeps its application.
   explicit thread_scope(application& app);
 
   thread_scope(const thread_scope&) = delete;
@@ -145,12 +146,12 @@ namespace kesta {
 class KESTA_API app : public application {
  public:
   /// The module of the program; null for the one that the process was started from.
-  explicit app(HINSTANCE__* instance);
+  explicit app(HINSTANCE__* instance = nullptr);
 
   /// Checks out its threads.
   ~app() override;
 
-  /// The application of the calling thread, whatever its type; null when it is not checked in.
+  /// theApp(), whatever its type.
   static application* kesta_app() noexcept { return theApp(); }
 
  protected:

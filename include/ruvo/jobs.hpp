@@ -27,8 +27,8 @@ class KESTA_API job : public sync::on_round_off, public sync::cautionary {
 
   /// From the task: the job is over, and says so to its own listener.
   void on_run_off(std::wstring uuid) override;
-  /// Makes this the task's listener and starts the task with a copy of the parameter. Throws what
-  /// issueable::start throws.
+  /// Makes this the task's listener and starts the task with a copy of the parameter; in a pool with the
+  /// parameter itself, which is gone from the job then. Throws what issueable::start throws.
   virtual void run();
   /// Cancels the task and joins it; throws what issueable::join throws.
   virtual void cancel();
@@ -55,16 +55,18 @@ class KESTA_API job : public sync::on_round_off, public sync::cautionary {
 
  private:
   friend class pool;
-  /// Waits for a run() that is under way; from then on run() does nothing.
+  /// Waits for a run() that is under way; from then on run() does nothing, and there is no parameter.
   void discard();
+  void drop_parameter() noexcept;
   /// Whether the calling thread is the task's, or is in run().
   bool is_of_this_thread() const;
 
   task::async& task_;
-  const xvar parameter_;
+  xvar parameter_;
   std::atomic<int> state_;
   std::recursive_mutex running_;  // the callbacks of a starting task may cancel the pool
   bool discarded_ = false;
+  bool once_ = false;                       // in a pool: run() takes the parameter along
   std::atomic<std::thread::id> starter_{};  // the thread in run()
   job* next_ = nullptr;                     // of those that a pool keeps by itself
   bool offered_ = false;                    // to a collector that has not taken it yet
@@ -79,8 +81,11 @@ class KESTA_API job : public sync::on_round_off, public sync::cautionary {
 /// freed by set_mensaje(), by cancel() and by the destructor of the task, by a task::call however it ends,
 /// and by the pool's cancel() and destructor; a `work` that ends in no such way keeps its slot.
 ///
+/// A task runs in the application of the thread that put it in, as issueable tells; that of the thread that
+/// calls exec(), where this starts it and is checked in itself.
+///
 /// All operations but the destructor may be called from any thread, also from callbacks. What the pool keeps
-/// of a task that is over (not the task) is freed with the pool.
+/// of a task that is over (its job, neither the task nor the parameter) is freed with the pool.
 class KESTA_API pool : public sync::on_round_off {
  public:
   pool();  ///< With a slot for each hardware thread.

@@ -19,7 +19,8 @@ namespace ruvo {
 
 namespace detail {
 
-/// A thread that several threads may join. Never reused by itself: each start makes a new thread.
+/// A thread that several threads may join. Never reused by itself: each start makes a new thread, which works
+/// with the application of the thread that starts it until it is checked in itself.
 class KESTA_API worker {
  public:
   worker();
@@ -39,6 +40,8 @@ class KESTA_API worker {
   bool detach();
   bool joinable() const;
   std::thread::id get_id() const;
+  /// Calls it here; on a thread without an application in the one that the last start was made in.
+  void tell(const std::function<void()>& what) const;
 
  private:
   mutable std::mutex guard_;
@@ -58,6 +61,9 @@ namespace sync {
 
 /// What the owner of a piece of work is told: derive to be told. Each call comes on the thread that does what
 /// it tells of, and the callback is not owned: it must live until the work is joined.
+///
+/// The callbacks run in the application that the work was started in, unless the thread that calls is checked
+/// in itself.
 template <class In, class Out>
 class async_callback {
  public:
@@ -131,6 +137,10 @@ class KESTA_API cautionary {
 };
 
 /// A piece of work that runs on a thread of its own, one new thread for each start.
+///
+/// The new thread works with the application of the thread that calls start() (log, settings, services), as
+/// long as that is not shut down. It is not checked in, and so no apartment of COM; a `work` that needs one,
+/// or another application, checks in, and the callbacks that it calls before it checks out run there.
 ///
 /// All operations may be called from any thread. The object must outlive its thread: join before destroying
 /// it. The destructors of the library's classes cancel and join, but when they run, what a derived class adds
@@ -207,7 +217,7 @@ class issueable : public async_callback<In, Out>, public cautionary {
 
  private:
   void end_quietly() noexcept;
-  static void report(callback_type& to) noexcept;
+  void report(callback_type& to) const noexcept;
 
   detail::worker worker_;
   std::atomic<callback_type*> callback_;

@@ -68,10 +68,13 @@ context& current_context() noexcept {
   return app ? *app : default_context();
 }
 
-application::application(HINSTANCE__* instance) : instance_(instance) { ++applications; }
+application::application(HINSTANCE__* instance) : instance_(instance) {
+  registry::enroll(*this);
+  ++applications;
+}
 
 application::~application() {
-  registry::remove_all(*this);
+  registry::strike(*this);
   --applications;
 }
 

@@ -4,8 +4,10 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <map>
 #include <mutex>
+#include <new>
 
 #include "app/immortal.hpp"
 #include "app/platform.hpp"
@@ -14,10 +16,25 @@ namespace ruvo::registry {
 
 namespace {
 
+/// Whom a thread works with: the application that it is checked in to, or else the one that it was lent.
+struct entry {
+  application* own = nullptr;
+  loan lent;
+
+  application* in_force() const noexcept { return own ? own : lent.app; }
+};
+
 // The truth, which writers change under a lock.
 struct table {
   std::mutex guard;
-  std::map<unsigned long, application*> threads;
+  std::map<unsigned long, entry> threads;
+  std::map<const application*, unsigned long long> living;  // with the number that their loans carry
+  unsigned long long loans = 0;
+
+  bool is_good(const loan& of) const noexcept {
+    const auto found = living.find(of.app);
+    return found != living.end() && found->second == of.number;
+  }
 };
 
 // Readers look into a copy that needs no lock: small buckets of slots, chosen by the thread's id. The threads
@@ -67,6 +84,10 @@ void publish(std::uint32_t id, application* app) noexcept {
     in.beyond.fetch_add(1, std::memory_order_release);
 }
 
+void republish(std::uint32_t id, application* app) noexcept {
+  if (slot* const taken = id ? slot_of(bucket_of(id), id) : nullptr) taken->take(id, app);
+}
+
 void withdraw(std::uint32_t id) noexcept {
   if (!id) return;
   bucket& in = bucket_of(id);
@@ -80,7 +101,46 @@ application* find_in_table(unsigned long id) noexcept {
   table& all = immortal<table>();
   const std::lock_guard lock(all.guard);
   const auto found = all.threads.find(id);
-  return found == all.threads.end() ? nullptr : found->second;
+  return found == all.threads.end() ? nullptr : found->second.in_force();
+}
+
+using threads = std::map<unsigned long, entry>;
+
+// Called under the lock. Gives the next one; an entry without any application goes.
+threads::iterator change(table& all, threads::iterator at, const entry& to) noexcept {
+  const auto id = static_cast<std::uint32_t>(at->first);
+  const bool was_published = at->second.in_force() != nullptr;
+  application* const now = to.in_force();
+  at->second = to;
+  if (now)
+    was_published ? republish(id, now) : publish(id, now);
+  else if (was_published)
+    withdraw(id);
+  return now ? std::next(at) : all.threads.erase(at);
+}
+
+void drop_threads(table& all, const application& app) noexcept {
+  for (auto at = all.threads.begin(); at != all.threads.end();) {
+    entry left = at->second;
+    if (left.own == &app) left.own = nullptr;
+    if (left.lent.app == &app) left.lent = {};
+    at = change(all, at, left);
+  }
+}
+
+/// Lends to the calling thread; gives what was lent to it before.
+loan lend(const loan& of) noexcept {
+  const unsigned long id = platform::thread_id();
+  table& all = immortal<table>();
+  const std::lock_guard lock(all.guard);
+  loan before;
+  try {
+    const auto at = all.threads.try_emplace(id).first;
+    before = at->second.lent;
+    change(all, at, {at->second.own, all.is_good(of) ? of : loan()});
+  } catch (const std::bad_alloc&) {  // no entry was made, so none was there
+  }
+  return before;
 }
 
 }  // namespace
@@ -100,27 +160,51 @@ application* find() noexcept {
 bool add(unsigned long thread, application& app) {
   table& all = immortal<table>();
   const std::lock_guard lock(all.guard);
-  const bool added = all.threads.emplace(thread, &app).second;
-  if (added) publish(static_cast<std::uint32_t>(thread), &app);
-  return added;
+  const auto at = all.threads.try_emplace(thread).first;
+  if (at->second.own) return false;
+  change(all, at, {&app, at->second.lent});
+  return true;
 }
 
 bool remove(unsigned long thread) noexcept {
   table& all = immortal<table>();
   const std::lock_guard lock(all.guard);
-  const bool removed = all.threads.erase(thread) > 0;
-  if (removed) withdraw(static_cast<std::uint32_t>(thread));
-  return removed;
+  const auto at = all.threads.find(thread);
+  if (at == all.threads.end() || !at->second.own) return false;
+  change(all, at, {nullptr, at->second.lent});
+  return true;
 }
 
 void remove_all(const application& app) noexcept {
   table& all = immortal<table>();
   const std::lock_guard lock(all.guard);
-  std::erase_if(all.threads, [&](const auto& entry) {
-    if (entry.second != &app) return false;
-    withdraw(static_cast<std::uint32_t>(entry.first));
-    return true;
-  });
+  drop_threads(all, app);
+  if (const auto found = all.living.find(&app); found != all.living.end()) found->second = ++all.loans;
 }
+
+void enroll(const application& app) {
+  table& all = immortal<table>();
+  const std::lock_guard lock(all.guard);
+  all.living[&app] = ++all.loans;
+}
+
+void strike(const application& app) noexcept {
+  table& all = immortal<table>();
+  const std::lock_guard lock(all.guard);
+  drop_threads(all, app);
+  all.living.erase(&app);
+}
+
+loan current_loan() noexcept {
+  application* const app = find();
+  if (!app) return {};
+  table& all = immortal<table>();
+  const std::lock_guard lock(all.guard);
+  const auto found = all.living.find(app);
+  return found == all.living.end() ? loan() : loan{app, found->second};
+}
+
+borrowed::borrowed(const loan& of) noexcept : before_(lend(of)) {}
+borrowed::~borrowed() { lend(before_); }
 
 }  // namespace ruvo::registry

@@ -32,8 +32,9 @@ void job::run() {
   state_.store(running);
   starter_.store(std::this_thread::get_id());
   task_.set_listener(this);
+  const xvar input = once_ ? std::move(parameter_) : xvar(parameter_);
   try {
-    task_.start(xvar(parameter_));
+    task_.start(input);
   } catch (...) {
     task_.forget_listener(this);
     starter_.store({});
@@ -52,9 +53,12 @@ void job::cancel() {
   task_.join();
 }
 
+void job::drop_parameter() noexcept { const xvar gone(std::move(parameter_)); }
+
 void job::discard() {
   const std::lock_guard lock(running_);
   discarded_ = true;
+  drop_parameter();
 }
 
 }  // namespace ruvo::jobs

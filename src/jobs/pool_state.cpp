@@ -56,6 +56,7 @@ void pool::state::keep(job* of) noexcept { of->next_ = std::exchange(kept, of); 
 void pool::state::place(job* of) {
   const auto [at, fresh] = running.try_emplace(of->get_uuid(), entry{of});
   of->set_listener(&owner);
+  of->once_ = true;
   if (!fresh) {
     const entry before = std::exchange(at->second, entry{of});
     before.of->set_listener(nullptr);
@@ -79,8 +80,8 @@ void pool::state::execute(job* of) {
 void pool::state::add_to_queue(std::unique_ptr<job> made) {
   const std::lock_guard lock(queue_guard);
   if (closing) return;
-  queue.push_back(nullptr);
-  queue.back() = made.release();
+  queue.push_back({nullptr, registry::current_loan()});
+  queue.back().of = made.release();
   pending_size = queue.size();
 }
 
@@ -101,39 +102,46 @@ void pool::state::withdraw(const job* of) noexcept {
     return each.second.of == of && each.second.by_collect != claim::taken;
   });
   if (placed != running.end()) {
+    placed->second.of->drop_parameter();
     keep(placed->second.of);
     running.erase(placed);
     running_size = running.size();
   }
-  const auto queued = std::find(queue.begin(), queue.end(), of);
+  const auto queued =
+      std::find_if(queue.begin(), queue.end(), [of](const pending& each) { return each.of == of; });
   if (queued != queue.end()) {
-    keep(*queued);
+    queued->of->drop_parameter();
+    keep(queued->of);
     queue.erase(queued);
     pending_size = queue.size();
   }
 }
 
 /// Moves the first of the queue into a slot: at no time it is in neither.
-job* pool::state::next() {
+pool::state::pending pool::state::next() {
   const std::lock_guard lock(running_guard);
   const std::lock_guard inner(queue_guard);
-  if (queue.empty() || running.size() >= max_concurrency) return nullptr;
-  job* const first = queue.front();
-  place(first);
+  if (queue.empty() || running.size() >= max_concurrency) return {};
+  const pending first = queue.front();
+  place(first.of);
   queue.pop_front();
   pending_size = queue.size();
   return first;
 }
 
 void pool::state::step() {
-  job* of = nullptr;
+  pending taken{};
   try {
-    of = next();
-    if (of) execute(of);
+    taken = next();
+  } catch (...) {  // no memory for the slot: the job stays in the queue
+  }
+  if (!taken.of) return;
+  const registry::borrowed application(taken.from);
+  try {
+    execute(taken.of);
   } catch (...) {
-    if (!of) return;
-    tell_failure(of->get_taks());
-    withdraw(of);
+    tell_failure(taken.of->get_taks());
+    withdraw(taken.of);
   }
 }
 
@@ -215,7 +223,10 @@ bool pool::state::mark_all() {
   const unsigned long key = collector_key();
   const std::lock_guard lock(running_guard);
   const std::lock_guard inner(queue_guard);
-  for (job* const each : queue) hand_over(key, each);
+  for (const pending& each : queue) {
+    each.of->drop_parameter();
+    hand_over(key, each.of);
+  }
   queue.clear();
   pending_size = 0;
   bool free = true;

@@ -12,6 +12,8 @@
 #include <mutex>
 #include <string>
 
+#include "app/registry.hpp"
+
 namespace ruvo::jobs {
 
 /// A job belongs to the queue, to the running map or to the collector, and passes from one to the next under
@@ -76,7 +78,11 @@ struct pool::state {
   std::mutex running_guard;
   std::map<std::wstring, entry> running;
   std::mutex queue_guard;
-  std::deque<job*> queue;
+  struct pending {
+    job* of;
+    registry::loan from;  // of the thread that queued it, whose application the task will run in
+  };
+  std::deque<pending> queue;
   // Written under both guards:
   bool dispatching = false;  // the dispatcher is in run() or about to be
   bool closing = false;      // nothing is taken any more
@@ -88,7 +94,7 @@ struct pool::state {
   static void dispose(void* kept) noexcept;
   void hand_over(unsigned long key, job* of) noexcept;
   void keep(job* of) noexcept;
-  job* next();
+  pending next();
   void step();
   bool leave(bool as_dispatcher);
   bool enlist_dispatcher();

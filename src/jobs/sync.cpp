@@ -124,7 +124,7 @@ void issueable<In, Progress, Out>::cancel() noexcept {
     worker_.join();
     ended = !detached_.load();
     unfinished = ended && open_.load();
-    this->on_cancel();
+    worker_.tell([this] { this->on_cancel(); });
   } catch (...) {
     report(*this);
   }
@@ -195,7 +195,7 @@ void issueable<In, Progress, Out>::settle() noexcept {
     canceled_.store(true);
     try {
       worker_.join();
-      if (callback_type* const to = callback_.load()) to->on_cancel();
+      if (callback_type* const to = callback_.load()) worker_.tell([to] { to->on_cancel(); });
     } catch (...) {
       if (callback_type* const to = callback_.load()) report(*to);
     }
@@ -212,9 +212,9 @@ void issueable<In, Progress, Out>::end_quietly() noexcept {
 }
 
 template <class In, class Progress, class Out>
-void issueable<In, Progress, Out>::report(callback_type& to) noexcept {
+void issueable<In, Progress, Out>::report(callback_type& to) const noexcept {
   try {
-    to.on_failure(exc::ThreadException());
+    worker_.tell([&to] { to.on_failure(exc::ThreadException()); });
   } catch (...) {  // nobody is left to be told
   }
 }

@@ -5,6 +5,8 @@
 #include <system_error>
 #include <utility>
 
+#include "app/registry.hpp"
+
 namespace ruvo::detail {
 
 namespace {
@@ -18,6 +20,7 @@ std::system_error refused(std::errc why) { return std::system_error(std::make_er
 /// A thread is never detached from the system: where one ends at that very moment, winpthreads frees its
 /// record twice, and two later threads share it. It is joined when another starts or is let go after its end.
 struct worker::run {
+  const registry::loan from = registry::current_loan();  // of the thread that starts it
   std::atomic<bool> ended{false};
   std::thread thread;         // here once it was let go
   std::shared_ptr<run> self;  // likewise
@@ -67,7 +70,10 @@ void worker::start(std::function<void()> body) {
   run::join_ended();
   run_ = std::make_shared<run>();
   thread_ = std::thread([body = std::move(body), own = run_] {
-    body();
+    {
+      const registry::borrowed application(own->from);
+      body();
+    }
     own->ended = true;
   });
   id_ = thread_.get_id();
@@ -104,9 +110,20 @@ bool worker::detach() {
   if (id_ == std::thread::id()) return false;
   if (!thread_.joinable()) throw refused(std::errc::invalid_argument);
   run_->thread = std::move(thread_);
-  run::let_go(std::move(run_));
+  run::let_go(run_);
   id_ = {};
   return true;
+}
+
+void worker::tell(const std::function<void()>& what) const {
+  registry::loan from;
+  {
+    const std::lock_guard lock(guard_);
+    if (run_) from = run_->from;
+  }
+  if (!from.app) return what();
+  const registry::borrowed application(from);
+  what();
 }
 
 bool worker::joinable() const { return get_id() != std::thread::id(); }

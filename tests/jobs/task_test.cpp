@@ -5,8 +5,12 @@
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <stdexcept>
+#include <string>
 #include <system_error>
+#include <thread>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -493,6 +497,91 @@ TEST_F(call_alone, silence_silences_its_handlers) {
   task.start(1);
   task.join();
   EXPECT_EQ(callback.told(), L"start, finish 1");
+}
+
+/// Where a run of a task was seen: one letter for each step of it, in capitals within the application.
+class whereabouts {
+ public:
+  explicit whereabouts(const ruvo::application& app) : app_(app) {}
+  void note(char step) {
+    const std::lock_guard lock(guard_);
+    seen_ += static_cast<char>(ruvo::application::theApp() == &app_ ? step - 'a' + 'A' : step);
+  }
+  std::string taken() {
+    const std::lock_guard lock(guard_);
+    return std::exchange(seen_, {});
+  }
+  ruvo::task::handlers handlers() {
+    return {.finish = [this](const xvar&) { note('f'); },
+            .failure = [this](const ruvo::exception&) { note('x'); },
+            .progress = [this](const xvar&) { note('p'); },
+            .cancel = [this] { note('c'); }};
+  }
+
+ private:
+  const ruvo::application& app_;
+  std::mutex guard_;
+  std::string seen_;
+};
+
+// Body, progress, finish or failure (x), cancel (on a thread that belongs to nobody).
+TEST_F(call_alone, runs_in_the_application_that_it_was_started_in) {
+  auto app = std::make_unique<ruvo::kesta::app>();
+  ruvo::kesta::app other;
+  whereabouts seen(*app);
+  std::atomic<bool> go{true};
+  const auto body = [&](const xvar& input, ruvo::task::steps tell) -> xvar {
+    while (!go) std::this_thread::yield();
+    seen.note('b');
+    if (input.is_charsquence()) throw ruvo::exc::OutOfRange();
+    if (input.is_null()) {
+      const ruvo::thread_scope scope(other);
+      EXPECT_TRUE(scope.checked_in());
+      EXPECT_EQ(ruvo::application::theApp(), &other);
+      EXPECT_FALSE(app->check_in(ruvo::application::threadID()));
+    }
+    tell(1);
+    return 1;
+  };
+  ruvo::task::call task(body, seen.handlers());
+  const auto run = [&](const xvar& input) {
+    task.start(input);
+    task.join();
+    return seen.taken();
+  };
+  EXPECT_EQ(run(1), "bpf");
+  {
+    const ruvo::thread_scope scope(*app);
+    EXPECT_EQ(run(1), "BPF");
+    EXPECT_EQ(run(L"fails"), "BX");
+    EXPECT_EQ(run(xvar()), "BPF");  // was checked in elsewhere meanwhile, not while it told
+    ruvo::jobs::pool one(1);
+    ruvo::task::call first(body, seen.handlers()), second(body, seen.handlers());
+    go = false;
+    one.execute_job(first, 1);
+    one.execute_job(second, 1);  // started by the pool's own thread
+    go = true;
+    one.join();
+    first.join();
+    second.join();
+    EXPECT_EQ(seen.taken(), "BPFBPF");
+    task.start(1);
+  }
+  std::thread([&task] { task.cancel(); }).join();
+  EXPECT_EQ(seen.taken().back(), 'C');
+  EXPECT_EQ(ruvo::application::theApp(), nullptr);
+
+  ruvo::task::call late(body, seen.handlers());
+  go = false;
+  {
+    const ruvo::thread_scope scope(*app);
+    late.start(1);
+  }
+  app.reset();  // and another one in its place, perhaps
+  const auto next = std::make_unique<ruvo::kesta::app>();
+  go = true;
+  late.join();
+  EXPECT_EQ(seen.taken(), "bpf");
 }
 
 /// A lock of the application's own.

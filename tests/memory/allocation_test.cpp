@@ -3,10 +3,13 @@
 
 #include <ruvo/ruvo.hpp>
 
+#include <atomic>
 #include <cstdlib>
+#include <deque>
 #include <functional>
 #include <new>
 #include <string>
+#include <system_error>
 
 #include <gtest/gtest.h>
 
@@ -14,6 +17,7 @@ namespace {
 
 thread_local long long countdown = -1;  // allocations until one fails; negative: none does
 thread_local long long live = 0;
+std::atomic<long long> live_everywhere{0};
 
 }  // namespace
 
@@ -23,6 +27,7 @@ void* operator new(std::size_t size) {
   void* const block = std::malloc(size ? size : 1);
   if (!block) throw std::bad_alloc();
   ++live;
+  ++live_everywhere;
   return block;
 }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
@@ -33,7 +38,7 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
   }
 }
 void operator delete(void* block) noexcept {
-  if (block) --live;
+  if (block) --live, --live_everywhere;
   std::free(block);
 }
 void operator delete(void* block, std::size_t) noexcept { operator delete(block); }
@@ -234,6 +239,24 @@ TEST_F(allocation, nothing_is_left_behind) {
   fail_everywhere(work);
   for (int i = 0; i < 100; ++i) work();
   EXPECT_EQ(live, before);
+}
+
+// A pool keeps a job for each task, some blocks; not what the task was given, a block for each text here.
+TEST(pool_allocation, parameters_go_with_their_tasks) {
+  constexpr int jobs = 10, texts = 100;
+  list parameter;
+  for (int n = 0; n < texts; ++n) parameter.push_back(std::wstring(10000, L'x'));  // beyond what threads keep
+  std::deque<ruvo::task::call> tasks;
+  ruvo::jobs::pool pool(1), other(1);
+  const long long before = live_everywhere;
+  for (int n = 0; n < jobs; ++n)
+    pool.execute_job(tasks.emplace_back([](const xvar&, ruvo::task::steps) { return xvar(); }), parameter);
+  pool.join();
+  for (ruvo::task::call& each : tasks) each.join();
+  for (ruvo::task::call& each : tasks) other.store_job(each, parameter);
+  EXPECT_GT(live_everywhere - before, jobs * texts);
+  EXPECT_THROW(other.cancel(), std::system_error);  // drops them
+  EXPECT_LT(live_everywhere - before, jobs * texts / 2);
 }
 
 TEST(mail_allocation, no_recipient_is_lost) {
