@@ -44,7 +44,9 @@ class KESTA_API application : public context {
   /// on_boot(). An empty path makes none. Fails with exc::applicationAlreadyRegistered (SystemException, code
   /// 10) when the thread has an application; after another failure the thread is not registered.
   bool boot(const ruvo::file& folder, exception& err);
-  /// Takes the locale name and the arguments (null for none) and calls append_config(). True.
+  /// Takes the locale name, in which all threads of the application write the names of days and months, and
+  /// the arguments (null for none), and calls append_config(). True. Numbers keep the user's separators until
+  /// use_locale_separators() or set_separators() settle them.
   bool init(const std::string& locale, const bundle* arguments = nullptr);
   /// Runs a command, whatever that is for the program. Without an override it fails with exc::NotImplemented.
   virtual bool exec(const std::wstring& command, exception& err);

@@ -15,9 +15,9 @@ namespace ruvo {
 /// The services of a thread, each a virtual operation with a default that works everywhere, and a map of
 /// named values for the application's own use.
 ///
-/// The services may be called from any thread and share no state. The map, the settings, the path and the
-/// locale carry no lock: set them up before other threads use the object. Narrow text is UTF-8 unless a code
-/// page says otherwise.
+/// The services may be called from any thread and share no state. The map, the settings, the path, the
+/// locale and the separators carry no lock: set them up before other threads use the object. Narrow text is
+/// UTF-8 unless a code page says otherwise.
 class KESTA_API context {
  public:
   /// The names that the standard containers use, of the map of named values.
@@ -42,9 +42,9 @@ class KESTA_API context {
   /// The system's id of the process.
   virtual unsigned long getProcessID() const;
 
-  /// The user's decimal separator; ',' when the system has none.
+  /// The decimal separator that was set, or else the user's; ',' when the system has none.
   virtual wchar_t get_decimal_separator() const;
-  /// The user's separator of thousands; '.' when the system has none.
+  /// The separator of thousands that was set, or else the user's; '.' when the system has none.
   virtual wchar_t get_thousands_separator() const;
 
   /// Conversions between a code page (0 is the system's, 65001 UTF-8) and UTF-16; empty for an unknown page.
@@ -147,11 +147,19 @@ class KESTA_API context {
   void set_locale(const std::string& name);
   const std::string& get_locale() const noexcept { return locale_; }
 
+  /// Settles the separators, whoever the user is; 0 means the user's again. An override of the services has
+  /// the last word.
+  void set_separators(wchar_t decimal, wchar_t thousands) noexcept;
+  /// Settles those of get_locale(), and so of application::init(), which leaves them alone. False when the
+  /// system does not know the locale ("C" has none): nothing is changed then.
+  bool use_locale_separators();
+
  private:
   map_type values_;
   bundle settings_;
   file app_path_;
   std::string locale_;
+  wchar_t decimal_ = 0, thousands_ = 0;
 };
 
 }  // namespace ruvo

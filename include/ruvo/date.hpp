@@ -26,7 +26,8 @@ class KESTA_API date : public lapse {
   static const std::string long_month_format;   ///< `%d-%B-%Y`
   static const std::string velda;               ///< `%Y%m%d`
 
-  /// Today.
+  /// The present day in the mode: without an argument that of UTC, which in Spain is yesterday's until one or
+  /// two in the morning. dates::today() is the day on the user's calendar.
   date(times::HUSO huso = huso_horario);
   /// From a number yyyymmdd.
   date(long yyyymmdd, times::HUSO huso = huso_horario);
@@ -148,6 +149,9 @@ KESTA_API std::ostream& operator<<(std::ostream& out, const date& value);
 ///
 /// They throw exc::CalendarException for what cannot be broken down into fields.
 namespace dates {
+
+/// The present day in local time, and with this mode.
+KESTA_API date today();
 
 /// `to` - `from`, in days of the calendar and in whole months: a month has passed when its day comes round
 /// again, so 31 January to 29 February are 0 and to 2 March are 1. Each day is read in its own mode.

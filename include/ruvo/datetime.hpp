@@ -25,7 +25,7 @@ class KESTA_API datetime : public lapse {
   static const std::string sql_format;       ///< `%Y-%m-%d %H:%M:%S`
   static const std::string long_utc_format;  ///< `%d-%B-%Y %H:%M:%S %z`
 
-  /// Now.
+  /// Now. The mode says how the instant is read as fields: without an argument in UTC.
   datetime(times::HUSO huso = huso_horario);
   /// From seconds since 1970; fractions are cut.
   datetime(double seconds, times::HUSO huso = huso_horario);

@@ -29,7 +29,7 @@ class KESTA_API time : public lapse {
   static const std::string velda;            ///< `%H%M%S`
   static const std::string url_canonical;    ///< `%H%M%S`
 
-  /// Now.
+  /// The present time of day in the mode: without an argument that of UTC.
   time(times::HUSO huso = huso_horario);
   /// From a number hhmmss.
   time(long hhmmss, times::HUSO huso = huso_horario);

@@ -59,11 +59,13 @@ unsigned long context::getThreadID() const { return platform::thread_id(); }
 unsigned long context::getProcessID() const { return platform::process_id(); }
 
 wchar_t context::get_decimal_separator() const {
+  if (decimal_) return decimal_;
   const std::wstring text = platform::decimal_separator();
   return text.empty() ? L',' : text.front();
 }
 
 wchar_t context::get_thousands_separator() const {
+  if (thousands_) return thousands_;
   const std::wstring text = platform::thousands_separator();
   return text.empty() ? L'.' : text.front();
 }
@@ -198,5 +200,18 @@ void context::clear() noexcept { values_.clear(); }
 
 void context::set_app_path(const file& path) { app_path_ = path; }
 void context::set_locale(const std::string& name) { locale_ = name; }
+
+void context::set_separators(wchar_t decimal, wchar_t thousands) noexcept {
+  decimal_ = decimal;
+  thousands_ = thousands;
+}
+
+bool context::use_locale_separators() {
+  const std::wstring decimal = platform::decimal_separator(locale_);
+  const std::wstring thousands = platform::thousands_separator(locale_);
+  if (decimal.empty() || thousands.empty()) return false;
+  set_separators(decimal.front(), thousands.front());
+  return true;
+}
 
 }  // namespace ruvo

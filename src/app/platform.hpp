@@ -21,6 +21,9 @@ unsigned long process_id() noexcept;
 /// The user's separators as the system has them; may be empty.
 std::wstring decimal_separator();
 std::wstring thousands_separator();
+/// Those of a locale ("es_ES" or "es-ES"); empty when it is not known.
+std::wstring decimal_separator(std::string_view locale);
+std::wstring thousands_separator(std::string_view locale);
 
 /// Conversions in a code page; an unknown page or too long a text gives an empty result.
 std::wstring from_code_page(std::string_view text, unsigned int page);

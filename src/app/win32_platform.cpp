@@ -76,6 +76,8 @@ unsigned long process_id() noexcept { return GetCurrentProcessId(); }
 
 std::wstring decimal_separator() { return locale_text(LOCALE_NAME_USER_DEFAULT, LOCALE_SDECIMAL); }
 std::wstring thousands_separator() { return locale_text(LOCALE_NAME_USER_DEFAULT, LOCALE_STHOUSAND); }
+std::wstring decimal_separator(std::string_view locale) { return locale_text(locale, LOCALE_SDECIMAL); }
+std::wstring thousands_separator(std::string_view locale) { return locale_text(locale, LOCALE_STHOUSAND); }
 
 std::wstring from_code_page(std::string_view text, unsigned int page) {
   if (text.empty() || text.size() > longest) return {};

@@ -63,6 +63,8 @@ int diff_seconds(const datetime& from, const datetime& to) { return apart(from, 
 
 namespace dates {
 
+date today() { return date(times::LOCAL); }
+
 int diff_days(const date& from, const date& to) {
   return saturated(days_of(fields_of(to)) - days_of(fields_of(from)));
 }

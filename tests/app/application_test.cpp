@@ -507,6 +507,41 @@ TEST(context, named_values) {
   services["ñ"] = L"x";
   EXPECT_EQ(services.size(), 2u);
   EXPECT_EQ(static_cast<int>(services.at("Clave")), 5);
+TEST(context, settles_its_separators) {
+  ruvo::context services;
+  const auto marks = [&services] {
+    return std::wstring{services.get_decimal_separator(), services.get_thousands_separator()};
+  };
+  const std::wstring of_the_user = marks();
+  const struct {
+    const char* locale;
+    bool known;
+    std::wstring marks;
+  } all[] = {{"C", false, of_the_user}, {"es_ES", true, L",."},  {"en-US", true, L".,"},
+             {"", false, L".,"},        {"xx_YY", false, L".,"}, {"es-ES", true, L",."}};
+  for (const auto& each : all) {
+    services.set_locale(each.locale);
+    EXPECT_EQ(services.use_locale_separators(), each.known) << each.locale;
+    EXPECT_EQ(marks(), each.marks) << each.locale;
+  }
+  services.set_separators(L'*', 0);
+  EXPECT_EQ(marks(), std::wstring({L'*', of_the_user[1]}));
+}
+
+TEST(application, writes_numbers_alike_on_all_its_threads) {
+  ruvo::kesta::app app;
+  app.init("es_ES");
+  ASSERT_TRUE(app.use_locale_separators());
+  const ruvo::thread_scope scope(app);
+  std::wstring written = ruvo::texto::format(1349.54, 2);
+  ruvo::task::call task(
+      [](const ruvo::xvar&, ruvo::task::steps) -> ruvo::xvar { return ruvo::texto::format(1349.54, 2); },
+      {.finish = [&written](const ruvo::xvar& text) { written += L' ' + text.to_string(); }});
+  task.start(0);
+  task.join();
+  EXPECT_EQ(written, L"1.349,54 1.349,54");
+}
+
   EXPECT_EQ(services.count(L"clave"), 0u);  // the case counts here
   EXPECT_NE(services.find(L"ñ"), services.end());
   EXPECT_THROW(services.at(L"no"), std::out_of_range);

@@ -96,6 +96,16 @@ unsigned long process_id() noexcept { return 4; }
 std::wstring decimal_separator() { return L"."; }
 std::wstring thousands_separator() { return L","; }
 
+std::wstring decimal_separator(std::string_view locale) {
+  const language* const found = find(locale);
+  return !found ? L"" : found == languages ? L"," : L".";
+}
+
+std::wstring thousands_separator(std::string_view locale) {
+  const language* const found = find(locale);
+  return !found ? L"" : found == languages ? L"." : L",";
+}
+
 std::wstring from_code_page(std::string_view text, unsigned int page) {
   if (page == utf_8) return texto::to_utf_16(text);
   std::wstring out;
