@@ -51,7 +51,8 @@ class KESTA_API application : public context {
   /// Runs a command, whatever that is for the program. Without an override it fails with exc::NotImplemented.
   virtual bool exec(const std::wstring& command, exception& err);
   /// Undoes init() and boot(): flushes the logger, drops arguments and settings, collects what was handed in
-  /// on the calling thread, and at last checks out every thread of this application.
+  /// on the calling thread, and at last checks out every thread of this application. A debugger is told how
+  /// many log entries nobody took (log::get_lost).
   virtual void shutdown();
 
   /// One of the application's folders: in the application path, but for that of the binaries, which is the
@@ -65,6 +66,12 @@ class KESTA_API application : public context {
 
   /// This application's console.
   console& get_console() noexcept { return console_; }
+  /// This application's logger, for any thread.
+  logger& get_logger() noexcept { return logger_; }
+  /// From now on the logger's entries go to the file of the day in folder(folder_type::logs), beside the
+  /// callback: logger::set_entries_to_file. Called after boot() it is true when that folder is there; without
+  /// one nothing is written.
+  bool log_to_files() noexcept;
   /// The console and the logger of the calling thread's application; threads without one share theirs. The
   /// logger's folder is that of the application's logs.
   static console& cmd();
@@ -84,9 +91,10 @@ class KESTA_API application : public context {
   void add_pointer(T* object) {
     pointers_.add(0, object);
   }
-  /// Deletes what add_pointer() was given, and what the collector keeps for the calling thread.
+  /// Deletes what add_pointer() was given, and what the collector keeps for the calling thread, as
+  /// getThreadID() calls it.
   void collect() noexcept;
-  /// What is kept for single threads, by their ids.
+  /// What is kept for single threads, by the ids that getThreadID() gives them.
   memory_collector& get_memory_collector() noexcept { return collector_; }
 
   /// The module that the constructor was told.

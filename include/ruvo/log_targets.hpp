@@ -5,6 +5,7 @@
 #include <ruvo/logger.hpp>
 
 #include <initializer_list>
+#include <mutex>
 #include <vector>
 
 namespace ruvo::reg {
@@ -37,6 +38,23 @@ class KESTA_API debugger_output : public IOnLog {
   ~debugger_output() override;
 
   void on_log(long level, const std::wstring& second, const std::wstring& first) override;
+};
+
+/// The same lines for who runs the program: ASSERTION, FAILURE and WARNING on the standard error, the others
+/// on the standard output. A console shows all characters, a file or a pipe is given UTF-8, and nothing is
+/// buffered. In a process without these outputs the entries are lost.
+class KESTA_API console_output : public IOnLog {
+ public:
+  console_output();
+
+  console_output(const console_output&) = delete;
+  console_output& operator=(const console_output&) = delete;
+  ~console_output() override;
+
+  void on_log(long level, const std::wstring& second, const std::wstring& first) override;
+
+ private:
+  std::mutex guard_;
 };
 
 /// The last entries, for a report when something went wrong. Taking an entry needs no memory and no system

@@ -43,7 +43,7 @@ KESTA_API std::wstring time_stamp();
 }  // namespace reg
 
 /// Receives the entries of loggers, on the threads that make them, several at once. What it throws is
-/// swallowed.
+/// swallowed. It may log itself: its own entries do not come back to it through the same logger.
 class KESTA_API IOnLog {
  public:
   /// An entry: its level and its two texts.
@@ -61,12 +61,13 @@ class KESTA_API IOnLog {
   IOnLog& operator=(const IOnLog&) = default;
 };
 
-/// Forwards entries to a callback, and keeps a file for each day in a folder: two ways that do not meet.
-/// Entries with a level go to the callback only, lines without one to the file only; reg::day_file is a
-/// callback that writes to such files.
+/// Forwards entries to a callback, and keeps a file for each day in a folder: two ways that do not meet
+/// unless it is asked for. Entries with a level go to the callback, with set_entries_to_file() to the file as
+/// well; lines without one go to the file only.
 ///
-/// May be used from any thread. Nothing that an entry meets on its way reaches the caller: without a folder,
-/// room on the disk or memory it is lost, and the next one tries anew.
+/// May be used from any thread. Nothing that an entry meets on its way reaches the caller: without a
+/// callback, a folder, room on the disk or memory it is lost, and the next one tries anew. log::get_lost()
+/// counts them.
 class KESTA_API logger {
  public:
   static const long default_level = reg::INFO;  ///< That of a new logger.
@@ -88,12 +89,16 @@ class KESTA_API logger {
   /// through. Null for none.
   logger& set_callback(IOnLog* callback) noexcept;
 
+  /// Whether entries, those up to the level, go to the file of the day too, as lines "LEVEL: first: second".
+  /// A new logger does not do that.
+  logger& set_entries_to_file(bool wanted) noexcept;
+
   /// What was set.
   std::wstring get_name() const;
   ruvo::file get_path() const;
   long get_level() const noexcept;
 
-  /// An entry of the level that the name tells, for the callback. An exception stands for its message: that
+  /// An entry of the level that the name tells. An exception stands for its message: that
   /// of a ruvo::exception, the what() of another std::exception.
   void assertion(const std::wstring& first, const std::wstring& second) noexcept;
   void assertion(const std::wstring& first, const std::exception& error) noexcept;
@@ -134,7 +139,7 @@ class KESTA_API logger {
   std::unique_ptr<state> state_;
 };
 
-/// The logger of the calling thread's application. Threads without one share a logger, which drops every
+/// The logger of the calling thread's application. Threads without one share a logger, which loses every
 /// entry until it is given a callback.
 class KESTA_API log {
  public:
@@ -157,6 +162,11 @@ class KESTA_API log {
   static void set_callback(IOnLog* callback) noexcept;
   static void flush() noexcept;
   static double time(const std::wstring& text) noexcept;
+
+  /// How many entries and lines of all loggers of the process nobody took so far: entries that their level
+  /// lets pass, without a callback or a file, or with one that could not be written. A debugger is told when
+  /// an application ends.
+  static unsigned long long get_lost() noexcept;
 };
 
 }  // namespace ruvo

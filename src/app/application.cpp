@@ -7,7 +7,9 @@
 
 #include "app/current.hpp"
 #include "app/immortal.hpp"
+#include "app/lost_entries.hpp"
 #include "app/platform.hpp"
+#include "app/quietly.hpp"
 #include "app/registry.hpp"
 #include "texto/numbers.hpp"
 
@@ -76,6 +78,7 @@ application::application(HINSTANCE__* instance) : instance_(instance) {
 application::~application() {
   registry::strike(*this);
   --applications;
+  reg::tell_of_lost_entries();
 }
 
 application* application::theApp() noexcept { return registry::find(); }
@@ -128,6 +131,7 @@ void application::shutdown() {
   settings().clear();
   collect();
   registry::remove_all(*this);
+  reg::tell_of_lost_entries();
 }
 
 ruvo::file application::get_folder(folder_type type) const {
@@ -186,7 +190,19 @@ bool application::get_resource(const std::wstring& name, const std::wstring& typ
 
 void application::collect() noexcept {
   pointers_.collect(0);
-  collector_.collect(threadID());
+  unsigned long thread = threadID();
+  quietly([&] { thread = getThreadID(); });
+  collector_.collect(thread);
+}
+
+bool application::log_to_files() noexcept {
+  logger_.set_entries_to_file(true);
+  bool there = false;
+  quietly([&] {
+    const ruvo::file folder = logger_.get_path();
+    there = !folder.empty() && folder.is_directory();
+  });
+  return there;
 }
 
 std::wstring application::create_uuid(const std::wstring& pattern, const std::wstring& byte_pattern) {

@@ -2,6 +2,7 @@
 
 #include <ruvo/application.hpp>
 
+#include "app/lost_entries.hpp"
 #include "app/quietly.hpp"
 
 namespace ruvo {
@@ -58,5 +59,6 @@ double log::time(const std::wstring& text) noexcept {
   quietly([&] { milliseconds = application::traza().time(text); });
   return milliseconds;
 }
+unsigned long long log::get_lost() noexcept { return reg::lost_entries(); }
 
 }  // namespace ruvo

@@ -8,6 +8,7 @@
 
 #include "app/current.hpp"
 #include "app/day_log.hpp"
+#include "app/lost_entries.hpp"
 #include "app/quietly.hpp"
 
 namespace ruvo::reg {
@@ -24,21 +25,37 @@ day_file::~day_file() = default;
 void day_file::on_log(long level, const std::wstring& second, const std::wstring& first) {
   std::wstring text;
   append_entry(text, level, first, second);
-  state_->days.write(present_moment(), text);
+  if (!state_->days.write(present_moment(), text)) lose_entry();
 }
 
 void day_file::flush() { state_->days.flush(); }
+
+namespace {
+
+std::wstring stamped(long level, const std::wstring& first, const std::wstring& second) {
+  std::wstring line;
+  append_stamp(line, present_moment());
+  line += L' ';
+  append_entry(line, level, first, second);
+  return line;
+}
+
+}  // namespace
 
 debugger_output::debugger_output() = default;
 debugger_output::~debugger_output() = default;
 
 void debugger_output::on_log(long level, const std::wstring& second, const std::wstring& first) {
-  std::wstring line;
-  append_stamp(line, present_moment());
-  line += L' ';
-  append_entry(line, level, first, second);
-  line += L'\n';
-  platform::debug_line(line);
+  platform::debug_line(stamped(level, first, second) + L'\n');
+}
+
+console_output::console_output() = default;
+console_output::~console_output() = default;
+
+void console_output::on_log(long level, const std::wstring& second, const std::wstring& first) {
+  const std::wstring line = stamped(level, first, second) + L"\r\n";
+  const std::lock_guard lock(guard_);
+  if (!(level <= WARNING ? platform::write_error(line) : platform::write_console(line))) lose_entry();
 }
 
 namespace {
@@ -102,7 +119,7 @@ ring_buffer::~ring_buffer() = default;
 void ring_buffer::on_log(long level, const std::wstring& second, const std::wstring& first) {
   const long long ticks = current_context().get_system_ticks();
   const patient_lock lock(state_->busy);
-  if (!lock) return;
+  if (!lock) return lose_entry();
   ring_entry& entry = state_->entries[state_->next];
   entry.ticks = ticks;
   entry.level = level;

@@ -9,6 +9,7 @@
 
 #include "app/current.hpp"
 #include "app/day_log.hpp"
+#include "app/lost_entries.hpp"
 #include "app/pattern.hpp"
 #include "app/quietly.hpp"
 #include "texto/numbers.hpp"
@@ -20,28 +21,56 @@ namespace {
 
 using clock = std::chrono::steady_clock;
 
-std::wstring message_of(const std::exception& error) {
+// The second text of an entry, made when somebody takes it.
+
+const std::wstring& text_of(const std::wstring& text) noexcept { return text; }
+
+std::wstring text_of(const std::exception& error) {
   if (const auto* const own = dynamic_cast<const exception*>(&error)) return own->get_mensaje();
   return texto::to_utf_16(error.what());
 }
 
-std::wstring message_of(const std::exception_ptr& error) {
+std::wstring text_of(const std::exception_ptr& error) {
   if (!error) return {};
   try {
     std::rethrow_exception(error);
   } catch (const std::exception& known) {
-    return message_of(known);
+    return text_of(known);
   } catch (...) {
     return exception::incorrect().get_mensaje();
   }
 }
 
-std::wstring milliseconds(long long microseconds) {
+std::wstring text_of(std::chrono::microseconds passed) {
   std::wstring out;
-  texto::append_integer(out, microseconds / 1000);
-  append_pattern(out, L".%03u ms", {static_cast<unsigned long>(microseconds % 1000)});
+  texto::append_integer(out, passed.count() / 1000);
+  append_pattern(out, L".%03u ms", {static_cast<unsigned long>(passed.count() % 1000)});
   return out;
 }
+
+/// Notes that the calling thread is at work in something, and tells whether it was before: what takes entries
+/// may make entries, and those must not come back to it without end.
+class visit {
+ public:
+  explicit visit(const void* place) noexcept : place_(place), outer_(innermost) { innermost = this; }
+  visit(const visit&) = delete;
+  visit& operator=(const visit&) = delete;
+  ~visit() { innermost = outer_; }
+
+  bool is_first() const noexcept {
+    for (const visit* each = outer_; each; each = each->outer_)
+      if (each->place_ == place_) return false;
+    return true;
+  }
+
+ private:
+  static constinit thread_local const visit* innermost;
+
+  const void* place_;
+  const visit* outer_;
+};
+
+constinit thread_local const visit* visit::innermost = nullptr;
 
 constexpr int days_kept = 7;
 
@@ -58,16 +87,38 @@ struct logger::state {
   std::atomic<IOnLog*> callback{nullptr};
   std::atomic<clock::time_point> started{clock::now()};
 
-  /// The callback that takes entries of the level.
-  IOnLog* target(long entry_level) const noexcept {
-    return entry_level > level.load(std::memory_order_relaxed) ? nullptr
-                                                               : callback.load(std::memory_order_acquire);
+  std::atomic<bool> to_file{false};
+
+  template <class Second>
+  void take(long entry_level, const std::wstring& first, const Second& second) noexcept {
+    if (entry_level > level.load(std::memory_order_relaxed)) return;
+    IOnLog* const to = callback.load(std::memory_order_acquire);
+    const bool kept = to_file.load(std::memory_order_relaxed);
+    bool taken = false;
+    if (to || kept)
+      quietly([&] {
+        const std::wstring& text = text_of(second);
+        if (to) taken = call(*to, entry_level, first, text);
+        if (kept && write(entry_level, first, text)) taken = true;
+      });
+    if (!taken) reg::lose_entry();
   }
 
-  template <class Error>
-  void forward(long entry_level, const std::wstring& first, const Error& error) const noexcept {
-    if (IOnLog* const to = target(entry_level))
-      quietly([&] { to->on_log(entry_level, message_of(error), first); });
+ private:
+  /// False when the entry comes from the callback itself. What this does with the others is its own affair.
+  bool call(IOnLog& to, long entry_level, const std::wstring& first, const std::wstring& second) noexcept {
+    const visit here(&callback);
+    if (!here.is_first()) return false;
+    quietly([&] { to.on_log(entry_level, second, first); });
+    return true;
+  }
+
+  bool write(long entry_level, const std::wstring& first, const std::wstring& second) {
+    const visit here(&days);
+    if (!here.is_first()) return false;  // from the services that a time stamp asks
+    std::wstring line;
+    reg::append_entry(line, entry_level, first, second);
+    return days.write(reg::present_moment(), line);
   }
 };
 
@@ -100,6 +151,11 @@ logger& logger::set_callback(IOnLog* callback) noexcept {
   return *this;
 }
 
+logger& logger::set_entries_to_file(bool wanted) noexcept {
+  state_->to_file = wanted;
+  return *this;
+}
+
 std::wstring logger::get_name() const {
   const std::lock_guard lock(state_->guard);
   return state_->name;
@@ -109,59 +165,60 @@ ruvo::file logger::get_path() const { return state_->days.folder(); }
 long logger::get_level() const noexcept { return state_->level; }
 
 void logger::log(long level, const std::wstring& first, const std::wstring& second) noexcept {
-  if (IOnLog* const to = state_->target(level)) quietly([&] { to->on_log(level, second, first); });
+  state_->take(level, first, second);
 }
 
 void logger::assertion(const std::wstring& first, const std::wstring& second) noexcept {
-  log(reg::ASSERTION, first, second);
+  state_->take(reg::ASSERTION, first, second);
 }
 void logger::assertion(const std::wstring& first, const std::exception& error) noexcept {
-  state_->forward(reg::ASSERTION, first, error);
+  state_->take(reg::ASSERTION, first, error);
 }
 void logger::assertion(const std::wstring& first, const std::exception_ptr& error) noexcept {
-  state_->forward(reg::ASSERTION, first, error);
+  state_->take(reg::ASSERTION, first, error);
 }
 void logger::failure(const std::wstring& first, const std::wstring& second) noexcept {
-  log(reg::FAILURE, first, second);
+  state_->take(reg::FAILURE, first, second);
 }
 void logger::failure(const std::wstring& first, const std::exception& error) noexcept {
-  state_->forward(reg::FAILURE, first, error);
+  state_->take(reg::FAILURE, first, error);
 }
 void logger::warning(const std::wstring& first, const std::wstring& second) noexcept {
-  log(reg::WARNING, first, second);
+  state_->take(reg::WARNING, first, second);
 }
 void logger::warning(const std::wstring& first, const std::exception& error) noexcept {
-  state_->forward(reg::WARNING, first, error);
+  state_->take(reg::WARNING, first, error);
 }
 void logger::info(const std::wstring& first, const std::wstring& second) noexcept {
-  log(reg::INFO, first, second);
+  state_->take(reg::INFO, first, second);
 }
 void logger::debug(const std::wstring& first, const std::wstring& second) noexcept {
-  log(reg::DEBUG, first, second);
+  state_->take(reg::DEBUG, first, second);
 }
 void logger::sql(const std::wstring& first, const std::wstring& second) noexcept {
-  log(reg::SQL, first, second);
+  state_->take(reg::SQL, first, second);
 }
 void logger::verbose(const std::wstring& first, const std::wstring& second) noexcept {
-  log(reg::VERBOSE, first, second);
+  state_->take(reg::VERBOSE, first, second);
 }
 
 double logger::time(const std::wstring& text) noexcept {
   const auto passed =
       std::chrono::duration_cast<std::chrono::microseconds>(clock::now() - state_->started.load());
-  if (IOnLog* const to = state_->target(reg::INFO))
-    quietly([&] { to->on_log(reg::INFO, milliseconds(passed.count()), text); });
+  state_->take(reg::INFO, text, passed);
   return static_cast<double>(passed.count()) / 1000;
 }
 
 void logger::reset_time() noexcept { state_->started = clock::now(); }
 
 void logger::log(const std::wstring& text) noexcept {
+  bool written = false;
   quietly([&] {
     std::wstring line;
     reg::append_clean(line, text);
-    state_->days.write(reg::present_moment(), line);
+    written = state_->days.write(reg::present_moment(), line);
   });
+  if (!written) reg::lose_entry();
 }
 
 void logger::flush() noexcept {

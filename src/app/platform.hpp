@@ -76,6 +76,8 @@ void close_console() noexcept;
 bool is_terminal() noexcept;
 /// The text as it is to a console, in UTF-8 to a file or a pipe; false when not all was written.
 bool write_console(std::wstring_view text);
+/// The same to the standard error.
+bool write_error(std::wstring_view text);
 
 /// A file to append to, made if it is missing, which others may read, write, rename and erase meanwhile. Null
 /// when it cannot be opened.

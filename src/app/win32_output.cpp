@@ -75,9 +75,21 @@ class turn_lock {
   bool owns_ = false;
 };
 
-HANDLE output() noexcept {
-  const HANDLE out = GetStdHandle(STD_OUTPUT_HANDLE);
+HANDLE standard(DWORD which) noexcept {
+  const HANDLE out = GetStdHandle(which);
   return out == INVALID_HANDLE_VALUE ? nullptr : out;
+}
+
+HANDLE output() noexcept { return standard(STD_OUTPUT_HANDLE); }
+
+bool is_console(HANDLE out) noexcept {
+  DWORD mode;
+  return GetConsoleMode(out, &mode) != 0;
+}
+
+bool write_text(HANDLE out, std::wstring_view text) {
+  if (!out) return false;
+  return is_console(out) ? write_units(out, text) : write_all(out, texto::to_utf_8(text));
 }
 
 }  // namespace
@@ -93,16 +105,10 @@ void close_console() noexcept {
   if (made_console.exchange(false)) FreeConsole();
 }
 
-bool is_terminal() noexcept {
-  DWORD mode;
-  return GetConsoleMode(output(), &mode) != 0;
-}
+bool is_terminal() noexcept { return is_console(output()); }
 
-bool write_console(std::wstring_view text) {
-  const HANDLE out = output();
-  if (!out) return false;
-  return is_terminal() ? write_units(out, text) : write_all(out, texto::to_utf_8(text));
-}
+bool write_console(std::wstring_view text) { return write_text(output(), text); }
+bool write_error(std::wstring_view text) { return write_text(standard(STD_ERROR_HANDLE), text); }
 
 // Without the right to write elsewhere the system itself puts each write at the end; the right to read is for
 // the lock.

@@ -126,6 +126,13 @@ struct counted {
   static inline std::atomic<int> alive{0};
 };
 
+TEST(application, collects_under_the_id_that_it_gives_the_thread) {
+  ruvo::fake_context app;
+  app.get_memory_collector().add(app.getThreadID(), new counted);
+  app.collect();
+  EXPECT_EQ(counted::alive, 0);
+}
+
 TEST(application, collects_what_was_handed_in) {
   {
     shifted_app app;
@@ -500,13 +507,6 @@ TEST(context, code_pages) {
   EXPECT_EQ(services.UTF8_to_ANSI("abc"), "abc");
 }
 
-TEST(context, named_values) {
-  ruvo::context services;
-  EXPECT_TRUE(services.empty());
-  services[L"Clave"] = 5;
-  services["ñ"] = L"x";
-  EXPECT_EQ(services.size(), 2u);
-  EXPECT_EQ(static_cast<int>(services.at("Clave")), 5);
 TEST(context, settles_its_separators) {
   ruvo::context services;
   const auto marks = [&services] {
@@ -542,6 +542,13 @@ TEST(application, writes_numbers_alike_on_all_its_threads) {
   EXPECT_EQ(written, L"1.349,54 1.349,54");
 }
 
+TEST(context, named_values) {
+  ruvo::context services;
+  EXPECT_TRUE(services.empty());
+  services[L"Clave"] = 5;
+  services["ñ"] = L"x";
+  EXPECT_EQ(services.size(), 2u);
+  EXPECT_EQ(static_cast<int>(services.at("Clave")), 5);
   EXPECT_EQ(services.count(L"clave"), 0u);  // the case counts here
   EXPECT_NE(services.find(L"ñ"), services.end());
   EXPECT_THROW(services.at(L"no"), std::out_of_range);

@@ -42,6 +42,22 @@ TEST(debugger, is_told_once_of_a_thread_without_application) {
   EXPECT_TRUE(checked_in.empty());
 }
 
+TEST(debugger, is_told_at_the_end_of_entries_that_nobody_took) {
+  if (!debug_lines::works) GTEST_SKIP() << "no debugger's lines here";
+  {
+    ruvo::fake_context earlier;  // tells of those of other tests
+  }
+  ruvo::fake_context app;
+  const ruvo::thread_scope scope(app);
+  for (int n = 0; n < 3; ++n) ruvo::log::info(L"a", L"b");
+  const debug_lines debugger;
+  for (int n = 0; n < 2; ++n) app.shutdown();
+  const std::vector<std::string> said = debugger.lines();
+  ASSERT_EQ(said.size(), 1u);
+  EXPECT_NE(said[0].find(std::to_string(ruvo::log::get_lost()) + " log entries"), std::string::npos)
+      << said[0];
+}
+
 TEST(debugger, sees_entries) {
   if (!debug_lines::works) GTEST_SKIP() << "no debugger's lines here";
   ruvo::fake_context fake;

@@ -3,9 +3,11 @@
 #include <ruvo/exc.hpp>
 #include <ruvo/fake_context.hpp>
 #include <ruvo/log_targets.hpp>
+#include <ruvo/texto.hpp>
 
 #include <algorithm>
 #include <atomic>
+#include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <fstream>
@@ -122,6 +124,81 @@ TEST_F(logs, faults_of_a_callback_stay_with_it) {
   EXPECT_EQ(good.entries.size(), 1u);
   log.flush();
   EXPECT_EQ(good.flushes + bad.flushes, 2);
+}
+
+TEST_F(logs, a_callback_that_logs_is_not_called_by_itself) {
+  ruvo::logger one, two;
+  struct : ruvo::IOnLog {
+    void on_log(long, const std::wstring&, const std::wstring& first) override {
+      ++entries;
+      here->info(first, L"again");
+      if (there) there->info(first, L"to the next");
+    }
+    ruvo::logger *here = nullptr, *there = nullptr;
+    int entries = 0;
+  } first, second;
+  first.here = second.there = &one;
+  first.there = second.here = &two;
+  one.set_callback(&first);
+  two.set_callback(&second);
+  const unsigned long long before = ruvo::log::get_lost();
+  one.info(L"a", L"b");
+  EXPECT_EQ(first.entries, 1);
+  EXPECT_EQ(second.entries, 1);
+  EXPECT_EQ(ruvo::log::get_lost() - before, 3U);
+}
+
+TEST_F(logs, entries_go_to_the_file_too_where_that_is_wanted) {
+  recorder seen;
+  ruvo::logger log;
+  const unsigned long long before = ruvo::log::get_lost();
+  const auto lost = [before] { return ruvo::log::get_lost() - before; };
+  log.set_entries_to_file(true).info(L"a", L"no folder");
+  EXPECT_EQ(lost(), 1U);
+  log.set_path("scratch");
+  log.failure(L"a", ruvo::exc::fileNotFound("a.txt"));
+  log.debug(L"a", L"not wanted");
+  seen.throws = true;
+  log.set_callback(&seen).warning(L"a", L"b\nc");
+  log.set_entries_to_file(false).info(L"a", L"to the callback");
+  EXPECT_EQ(lost(), 1U);
+  log.set_callback(nullptr).info(L"a", L"to nobody");
+  log.set_path("scratch/missing").log(L"a line");
+  ruvo::reg::day_file nowhere("scratch/missing");
+  log.set_callback(&nowhere).info(L"a", L"b");
+  EXPECT_EQ(lost(), 4U);
+  const std::string stamp = "[2024-02-29 13:05:09.042] ";
+  EXPECT_EQ(
+      get("scratch/kesta_20240229.log"),
+      stamp + "FAILURE: a: Archivo o directorio no encontrado: a.txt\r\n" + stamp + "WARNING: a: b c\r\n");
+}
+
+TEST_F(logs, an_application_logs_to_files_by_one_call) {
+  ruvo::kesta::app app;
+  ruvo::exception err;
+  EXPECT_FALSE(app.log_to_files());
+  fake.check_out(ruvo::application::threadID());
+  ASSERT_TRUE(app.boot("scratch", err)) << err.what();
+  EXPECT_TRUE(app.log_to_files());
+  ruvo::log::info(L"a", L"b");
+  app.get_logger().warning(L"c", L"d");
+  const std::wstring text = app.get_logger().read(ruvo::dates::today());
+  EXPECT_EQ(std::count(text.begin(), text.end(), L'\n'), 2) << ruvo::texto::to_utf_8(text);
+  app.shutdown();
+}
+
+TEST_F(logs, console_takes_what_went_wrong_apart) {
+  ruvo::reg::console_output console;
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  for (const long level : {1L, 3L, 4L, 9L}) console.on_log(level, L"ñ\r\nb", L"a");
+  std::fflush(nullptr);
+  std::string out = testing::internal::GetCapturedStdout(), err = testing::internal::GetCapturedStderr();
+  std::erase(out, '\r');
+  std::erase(err, '\r');
+  const std::string stamp = "[2024-02-29 13:05:09.042] ", text = ": a: \xC3\xB1 b\n";
+  EXPECT_EQ(out, stamp + "INFO" + text + stamp + "9" + text);
+  EXPECT_EQ(err, stamp + "ASSERTION" + text + stamp + "WARNING" + text);
 }
 
 TEST_F(logs, stopwatch) {

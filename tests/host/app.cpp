@@ -39,10 +39,17 @@ void close_console() noexcept {}
 
 bool is_terminal() noexcept { return isatty(STDOUT_FILENO) != 0; }
 
-bool write_console(std::wstring_view text) {
+namespace {
+
+bool write_text(std::FILE* out, std::wstring_view text) {
   const std::string bytes = texto::to_utf_8(text);
-  return std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size();
+  return std::fwrite(bytes.data(), 1, bytes.size(), out) == bytes.size();
 }
+
+}  // namespace
+
+bool write_console(std::wstring_view text) { return write_text(stdout, text); }
+bool write_error(std::wstring_view text) { return write_text(stderr, text); }
 
 void* open_to_append(const std::wstring& path) {
   return handle_of(open(host_name(path).c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644));

@@ -1,0 +1,32 @@
+#include "app/lost_entries.hpp"
+
+#include <atomic>
+#include <string>
+
+#include "app/platform.hpp"
+#include "app/quietly.hpp"
+#include "texto/numbers.hpp"
+
+namespace ruvo::reg {
+
+namespace {
+
+constinit std::atomic<unsigned long long> lost{0}, told{0};
+
+}  // namespace
+
+void lose_entry() noexcept { lost.fetch_add(1, std::memory_order_relaxed); }
+unsigned long long lost_entries() noexcept { return lost.load(std::memory_order_relaxed); }
+
+void tell_of_lost_entries() noexcept {
+  const unsigned long long count = lost_entries();
+  if (told.exchange(count) == count) return;
+  quietly([count] {
+    std::wstring line = L"kesta: ";
+    texto::append_unsigned(line, count);
+    line += L" log entries found nobody to take them. See application::log_to_files, log::set_callback.\n";
+    platform::debug_line(line);
+  });
+}
+
+}  // namespace ruvo::reg
