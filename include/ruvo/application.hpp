@@ -14,8 +14,9 @@ struct HINSTANCE__;  // the system's module handle, without its headers
 
 namespace ruvo {
 
-/// The context of the threads that are checked in, with the life cycle of the process: boot, init, exec,
-/// shutdown. It must outlive its threads: a thread may be using it until it is checked out.
+/// The context of the threads that are checked in and of the tasks that they start, with the life cycle of
+/// the process: boot, init, exec, shutdown. It must outlive its threads: a thread may be using it until it is
+/// checked out, a task until it is joined.
 ///
 /// The registry of threads may be used from any thread; a change is seen by the next look-up. Boolean results
 /// are false on failure.

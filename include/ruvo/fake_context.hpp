@@ -33,8 +33,8 @@ class KESTA_API fake_context : public application {
   long zone_offset = 0;  ///< local time minus UTC in seconds, all the year
   /// The first field of the next identifier; the others are zero.
   mutable std::atomic<unsigned long> next_id{1};
-  wchar_t decimal_separator = L',';                  ///< of numbers
-  wchar_t thousands_separator = L'.';                ///< of numbers
+  wchar_t decimal_separator = L',';                  ///< of numbers, in place of set_separators()
+  wchar_t thousands_separator = L'.';                ///< of numbers, likewise
   unsigned long thread_id = 1,                       ///< of every thread
       process_id = 1;                                ///< of the process
   std::map<std::wstring, std::wstring> environment;  ///< names, case and all, and values

@@ -45,6 +45,7 @@ class KESTA_API debugger_output : public IOnLog {
 /// buffered. In a process without these outputs the entries are lost.
 class KESTA_API console_output : public IOnLog {
  public:
+  /// Looks for the outputs with each entry.
   console_output();
 
   console_output(const console_output&) = delete;

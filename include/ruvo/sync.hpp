@@ -217,7 +217,7 @@ class issueable : public async_callback<In, Out>, public cautionary {
 
  private:
   void end_quietly() noexcept;
-  void report(callback_type& to) const noexcept;
+  static void report(callback_type& to) noexcept;
 
   detail::worker worker_;
   std::atomic<callback_type*> callback_;

@@ -126,7 +126,7 @@ void issueable<In, Progress, Out>::cancel() noexcept {
     unfinished = ended && open_.load();
     worker_.tell([this] { this->on_cancel(); });
   } catch (...) {
-    report(*this);
+    worker_.tell([this] { report(*this); });
   }
   if (unfinished && !worker_.joinable()) end_quietly();  // on_cancel() may have started it anew
 }
@@ -197,7 +197,7 @@ void issueable<In, Progress, Out>::settle() noexcept {
       worker_.join();
       if (callback_type* const to = callback_.load()) worker_.tell([to] { to->on_cancel(); });
     } catch (...) {
-      if (callback_type* const to = callback_.load()) report(*to);
+      if (callback_type* const to = callback_.load()) worker_.tell([to] { report(*to); });
     }
   }
   if (!detached_.load()) end_quietly();
@@ -212,9 +212,9 @@ void issueable<In, Progress, Out>::end_quietly() noexcept {
 }
 
 template <class In, class Progress, class Out>
-void issueable<In, Progress, Out>::report(callback_type& to) const noexcept {
+void issueable<In, Progress, Out>::report(callback_type& to) noexcept {
   try {
-    worker_.tell([&to] { to.on_failure(exc::ThreadException()); });
+    to.on_failure(exc::ThreadException());
   } catch (...) {  // nobody is left to be told
   }
 }
