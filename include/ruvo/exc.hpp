@@ -7,11 +7,16 @@
 #include <ruvo/exception.hpp>
 #include <ruvo/fwd.hpp>
 
+#include <exception>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
 /// The classes of errors. They differ in their constructors and in their type, which is what a catch clause
 /// selects on.
 /// @quirk Some numbers stand for two classes (jsonEmptyKey and jsonFalseKnot, BadCastInterface and
 /// UnLoadModule, getObjectException and getObjectTypeException, actionNotFound and xmlLoadException): callers
-/// tell them apart by type.
+/// tell them apart by type, and exception::raise() gives a copy its type again.
 namespace ruvo::exc {
 
 #define KESTA_EXC_CLASS(name, base, ...) \
@@ -31,15 +36,17 @@ KESTA_EXC_GENERAL(KESTA_EXC_DECLARE)
 /// An error that nobody handled. Range 0, number 5.
 class KESTA_API UnCatch : public ruvo::exception {
  public:
-  explicit UnCatch(const std::exception* error);  ///< Its what(), read as UTF-8; null gives the default text.
+  /// Its what(), read as UTF-8: a null one gives an empty message, a null pointer the default text.
+  explicit UnCatch(const std::exception* error);
   ~UnCatch() override;
 };
 
 /// An error of which nothing is known but a text. Range 0, number 6.
 class KESTA_API UnKnown : public ruvo::exception {
  public:
-  explicit UnKnown(const std::exception* error);  ///< Its what(), read as UTF-8; null gives the default text.
-  explicit UnKnown(const std::string& text);      ///< UTF-8; empty gives the default text.
+  /// Its what(), read as UTF-8: a null one gives an empty message, a null pointer the default text.
+  explicit UnKnown(const std::exception* error);
+  explicit UnKnown(const std::string& text);  ///< UTF-8; empty gives the default text.
   ~UnKnown() override;
 };
 
@@ -187,5 +194,45 @@ KESTA_EXC_CLASS(invocaError, dotnetException, invocaError(unsigned long code, co
 KESTA_EXC_CLASS(actionNotFound, kesta::exception, explicit actionNotFound(std::wstring action))
 
 #undef KESTA_EXC_CLASS
+
+// Failures that are those of the language, and say what they are about
+
+/// A key, an index or a name that is not there, as a std::out_of_range. Its what() says what kind of thing
+/// was looked for ("invalid map<K, T> key", "invalid vector subscript"), the detail which.
+class KESTA_API MissingElement : public std::out_of_range {
+ public:
+  explicit MissingElement(const char* what);
+  MissingElement(const MissingElement& other) noexcept;
+  MissingElement& operator=(const MissingElement& other) noexcept;
+  ~MissingElement() override;
+
+  /// The key, or the index and the number of elements.
+  std::wstring get_detail() const;
+  /// Lack of memory leaves the detail as it was.
+  void set_detail(const std::wstring& detail) noexcept;
+
+ private:
+  std::shared_ptr<const std::wstring> detail_;
+};
+
+/// What a null value throws when it is converted, and bundle::get() where there is no entry: an empty
+/// std::exception_ptr, whose class is named where a program ends because nobody catches it.
+/// @quirk It is no std::exception: `catch (const std::exception_ptr&)`, `catch (const exc::NullValue&)` and
+/// `catch (...)` take it.
+class KESTA_API NullValue : public std::exception_ptr {
+ public:
+  NullValue() noexcept;
+  NullValue(const NullValue& other) noexcept;
+  NullValue& operator=(const NullValue& other) noexcept;
+  ~NullValue();
+
+  /// The path without an entry; empty when a value itself was converted.
+  std::wstring get_detail() const;
+  /// Lack of memory leaves the detail as it was.
+  void set_detail(const std::wstring& detail) noexcept;
+
+ private:
+  std::shared_ptr<const std::wstring> detail_;
+};
 
 }  // namespace ruvo::exc

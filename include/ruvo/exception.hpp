@@ -14,8 +14,12 @@
 
 namespace ruvo {
 
-/// A 32-bit code, laid out as an HRESULT, a message and a report text. Copies share both texts: copying costs
-/// a reference count and never fails.
+namespace detail {
+struct error_class;
+}
+
+/// A 32-bit code, laid out as an HRESULT, a message and a report text; beside them a detail. Copies share the
+/// texts: copying costs a reference count and never fails.
 class KESTA_API exception : public std::exception {
  public:
   /// Success: raw code 0xEBB80000, message "OK".
@@ -79,6 +83,21 @@ class KESTA_API exception : public std::exception {
   /// The report text, as in what().
   operator std::wstring() const;
 
+  /// What the failure is about, for those who look for its cause: the path, the name or the key alone, the
+  /// text and the format that a calendar failure is about, the system's words for its error number. Empty
+  /// where nothing is known. It stands beside the message and the report, never in them, takes no part in
+  /// comparisons, and goes along with copies.
+  std::wstring get_detail() const;
+  /// Gives the failure another detail; copies made before keep theirs. Lack of memory leaves it as it was.
+  void set_detail(const std::wstring& detail) noexcept;
+
+  /// Throws a copy of this failure as the class that it was made as, which copies in a plain ruvo::exception
+  /// remember. One that was made of no more than a code and a message is thrown as the class that its code
+  /// stands for; where that is more than one, as what these have in common. A class of a program's own counts
+  /// as the class of ruvo::exc that it derives from, and as ruvo::exception without one.
+  /// A success is thrown too. Where memory is short the failure is thrown as ruvo::exception.
+  [[noreturn]] void raise() const;
+
   /// Assigns this object to `*target`, if there is one.
   void copy_on(exception* target) const noexcept;
   void copy_on(exception& target) const noexcept;
@@ -97,8 +116,10 @@ class KESTA_API exception : public std::exception {
 
  private:
   struct texts;
+  friend struct detail::error_class;
 
   std::uint32_t code_;
+  std::uint32_t class_ = 0;             // what raise() throws; 0 is told by the code
   std::shared_ptr<const texts> texts_;  // never null, never changed while shared
 };
 

@@ -1,6 +1,7 @@
 #include <ruvo/exception.hpp>
 
 #include <charconv>
+#include <new>
 #include <ostream>
 #include <string_view>
 #include <utility>
@@ -39,6 +40,7 @@ std::string report_of(const exception& error, std::string_view mensaje) {
 struct exception::texts {
   std::string mensaje;
   std::string report;
+  std::wstring detail;
 };
 
 exception::exception() : code_(success) {
@@ -54,7 +56,7 @@ exception::exception(unsigned long raw, const std::wstring& mensaje)
     : code_(static_cast<std::uint32_t>(raw)) {
   std::string text = texto::to_utf_8(std::wstring_view(mensaje));
   std::string report = report_of(*this, text);
-  texts_ = std::make_shared<texts>(texts{std::move(text), std::move(report)});
+  texts_ = std::make_shared<texts>(texts{std::move(text), std::move(report), {}});
 }
 
 exception::exception(const exception& other) noexcept = default;
@@ -66,6 +68,18 @@ const char* exception::what() const noexcept { return texts_->report.c_str(); }
 std::wstring exception::get_mensaje() const { return texto::to_utf_16(std::string_view(texts_->mensaje)); }
 exception::operator std::wstring() const { return texto::to_utf_16(std::string_view(texts_->report)); }
 
+std::wstring exception::get_detail() const {
+  const bool of_the_system = code_ != 0 && !get_customer();
+  return texts_->detail.empty() && of_the_system ? winerror_message(code_) : texts_->detail;
+}
+
+void exception::set_detail(const std::wstring& detail) noexcept {
+  try {
+    texts_ = std::make_shared<texts>(texts{texts_->mensaje, texts_->report, detail});
+  } catch (const std::bad_alloc&) {  // the message says enough
+  }
+}
+
 void exception::copy_on(exception* target) const noexcept {
   if (target) *target = *this;
 }
@@ -74,17 +88,18 @@ void exception::copy_on(exception& target) const noexcept { target = *this; }
 void exception::clear() { *this = exception(); }
 
 void exception::set_mensaje(std::wstring mensaje) {
-  texts_ = std::make_shared<texts>(texts{texto::to_utf_8(std::wstring_view(mensaje)), texts_->report});
+  texts_ = std::make_shared<texts>(
+      texts{texto::to_utf_8(std::wstring_view(mensaje)), texts_->report, texts_->detail});
 }
 
 void exception::append_to_mensaje(std::wstring tail) {
   std::string mensaje = texts_->mensaje;
   texto::append_utf_8(mensaje, tail);
-  texts_ = std::make_shared<texts>(texts{std::move(mensaje), texts_->report});
+  texts_ = std::make_shared<texts>(texts{std::move(mensaje), texts_->report, texts_->detail});
 }
 
 void exception::copy_what() {
-  texts_ = std::make_shared<texts>(texts{texts_->mensaje, report_of(*this, texts_->mensaje)});
+  texts_ = std::make_shared<texts>(texts{texts_->mensaje, report_of(*this, texts_->mensaje), texts_->detail});
 }
 
 std::wstring exception::winerror_message(unsigned long number) {

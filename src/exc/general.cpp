@@ -4,6 +4,8 @@
 
 #include <string_view>
 
+#include "exc/classes.hpp"
+#include "exc/detail.hpp"
 #include "texto/utf.hpp"
 
 namespace ruvo {
@@ -54,35 +56,54 @@ exception exception::incorrect() {
 
 namespace exc {
 
-#define KESTA_EXC_DEFINE(name, code, message)                           \
-  name::name() : ruvo::exception(message, code, 0, general_facility) {} \
+#define KESTA_EXC_DEFINE(name, code, message)                                                  \
+  name::name() : ruvo::exception(message, code, 0, general_facility) { KESTA_EXC_MARK(name); } \
   name::~name() = default;
 KESTA_EXC_GENERAL(KESTA_EXC_DEFINE)
 #undef KESTA_EXC_DEFINE
 
 UnCatch::UnCatch(const std::exception* error)
-    : ruvo::exception(text_of(error, rows::UnCatch), rows::UnCatch.code, 0, general_facility) {}
+    : ruvo::exception(text_of(error, rows::UnCatch), rows::UnCatch.code, 0, general_facility) {
+  KESTA_EXC_MARK(UnCatch);
+  if (error) detail::add_detail(*this, [error] { return detail::detail_of(*error); });
+}
 UnCatch::~UnCatch() = default;
 
 UnKnown::UnKnown(const std::exception* error)
-    : ruvo::exception(text_of(error, rows::UnKnown), rows::UnKnown.code, 0, general_facility) {}
+    : ruvo::exception(text_of(error, rows::UnKnown), rows::UnKnown.code, 0, general_facility) {
+  KESTA_EXC_MARK(UnKnown);
+  if (error) detail::add_detail(*this, [error] { return detail::detail_of(*error); });
+}
 UnKnown::UnKnown(const std::string& text)
     : ruvo::exception(text.empty() ? rows::UnKnown.message : texto::to_utf_16(std::string_view(text)),
-                      rows::UnKnown.code, 0, general_facility) {}
+                      rows::UnKnown.code, 0, general_facility) {
+  KESTA_EXC_MARK(UnKnown);
+}
 UnKnown::~UnKnown() = default;
 
 RunTime::RunTime(const std::wstring& text)
-    : ruvo::exception(text.empty() ? rows::RunTime.message : text, rows::RunTime.code, 0, general_facility) {}
+    : ruvo::exception(text.empty() ? rows::RunTime.message : text, rows::RunTime.code, 0, general_facility) {
+  KESTA_EXC_MARK(RunTime);
+}
 RunTime::RunTime(std::exception_ptr error)
-    : ruvo::exception(text_of(error), rows::RunTime.code, 0, general_facility) {}
+    : ruvo::exception(text_of(error), rows::RunTime.code, 0, general_facility) {
+  KESTA_EXC_MARK(RunTime);
+  detail::add_detail(*this, [&error] { return detail::detail_of(error); });
+}
 RunTime::~RunTime() = default;
 
 EmptyArgument::EmptyArgument(const std::wstring& name)
-    : ruvo::exception(rows::EmptyArgument.message + name, rows::EmptyArgument.code, 0, general_facility) {}
+    : ruvo::exception(rows::EmptyArgument.message + name, rows::EmptyArgument.code, 0, general_facility) {
+  KESTA_EXC_MARK(EmptyArgument);
+  set_detail(name);
+}
 EmptyArgument::~EmptyArgument() = default;
 
 BadArgument::BadArgument(const std::wstring& name)
-    : ruvo::exception(rows::BadArgument.message + name, rows::BadArgument.code, 0, general_facility) {}
+    : ruvo::exception(rows::BadArgument.message + name, rows::BadArgument.code, 0, general_facility) {
+  KESTA_EXC_MARK(BadArgument);
+  set_detail(name);
+}
 BadArgument::~BadArgument() = default;
 
 }  // namespace exc

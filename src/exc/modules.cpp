@@ -5,8 +5,9 @@
 
 #include <string>
 #include <string_view>
-#include <utility>
 
+#include "exc/classes.hpp"
+#include "exc/detail.hpp"
 #include "texto/numbers.hpp"
 
 namespace ruvo::exc {
@@ -47,7 +48,9 @@ std::wstring at_knot(std::wstring_view message, unsigned long long position, uns
 
 #define KESTA_EXC_FAMILY(name)                                \
   name::name(unsigned long code, const std::wstring& message) \
-      : kesta::exception(code, message, ranges::name) {}      \
+      : kesta::exception(code, message, ranges::name) {       \
+    KESTA_EXC_MARK(name);                                     \
+  }                                                           \
   name::~name() = default;
 KESTA_EXC_FAMILY(FileException)
 KESTA_EXC_FAMILY(SystemException)
@@ -71,7 +74,9 @@ KESTA_EXC_UNDETERMINED(KESTA_EXC_DEFINE)
 #define KESTA_EXC_WINDOWS_FAMILY(name)                                                                  \
   name::name(unsigned long code, const std::wstring& message, unsigned long windows_error)              \
       : kesta::exception(code, message, ranges::name) {                                                 \
+    KESTA_EXC_MARK(name);                                                                               \
     append_to_mensaje(numbered(L" (", windows_error) + L": " + winerror_message(windows_error) + L")"); \
+    detail::add_detail(*this, [&] { return winerror_message(windows_error); });                         \
   }                                                                                                     \
   name::~name() = default;
 KESTA_EXC_WINDOWS_FAMILY(winException)
@@ -80,40 +85,50 @@ KESTA_EXC_WINDOWS_FAMILY(winregistryException)
 
 // Leaves
 
-#define KESTA_EXC_DEFINE(name, family, code, message) \
-  name::name() : family(code, message) {}             \
+#define KESTA_EXC_DEFINE(name, family, code, message)            \
+  name::name() : family(code, message) { KESTA_EXC_MARK(name); } \
   name::~name() = default;
 KESTA_EXC_PLAIN(KESTA_EXC_DEFINE)
 #undef KESTA_EXC_DEFINE
 
-#define KESTA_EXC_DEFINE(name, family, code, message)                          \
-  name::name(const file& path) : family(code, message + std::wstring(path)) {} \
+#define KESTA_EXC_DEFINE(name, family, code, message)                         \
+  name::name(const file& path) : family(code, message + std::wstring(path)) { \
+    KESTA_EXC_MARK(name);                                                     \
+    set_detail(path);                                                         \
+  }                                                                           \
   name::~name() = default;
 KESTA_EXC_FILE(KESTA_EXC_DEFINE)
 #undef KESTA_EXC_DEFINE
 
-#define KESTA_EXC_DEFINE(name, family, code, before, after)                           \
-  name::name(const std::wstring& subject) : family(code, before + subject + after) {} \
+#define KESTA_EXC_DEFINE(name, family, code, before, after)                          \
+  name::name(const std::wstring& subject) : family(code, before + subject + after) { \
+    KESTA_EXC_MARK(name);                                                            \
+    set_detail(subject);                                                             \
+  }                                                                                  \
   name::~name() = default;
 KESTA_EXC_NAMED(KESTA_EXC_DEFINE)
 #undef KESTA_EXC_DEFINE
 
 #define KESTA_EXC_DEFINE(name, family, code, message)              \
   name::name(unsigned long long position, unsigned long long knot) \
-      : family(code, at_knot(message, position, knot)) {}          \
+      : family(code, at_knot(message, position, knot)) {           \
+    KESTA_EXC_MARK(name);                                          \
+  }                                                                \
   name::~name() = default;
 KESTA_EXC_KNOT(KESTA_EXC_DEFINE)
 #undef KESTA_EXC_DEFINE
 
-#define KESTA_EXC_DEFINE(name, family, code)                         \
-  name::name(const std::wstring& message) : family(code, message) {} \
+#define KESTA_EXC_DEFINE(name, family, code)                                                \
+  name::name(const std::wstring& message) : family(code, message) { KESTA_EXC_MARK(name); } \
   name::~name() = default;
 KESTA_EXC_MESSAGE(KESTA_EXC_DEFINE)
 #undef KESTA_EXC_DEFINE
 
 #define KESTA_EXC_DEFINE(name, family, code)                           \
   name::name(const std::wstring& message, unsigned long windows_error) \
-      : family(code, message, windows_error) {}                        \
+      : family(code, message, windows_error) {                         \
+    KESTA_EXC_MARK(name);                                              \
+  }                                                                    \
   name::~name() = default;
 KESTA_EXC_WINDOWS(KESTA_EXC_DEFINE)
 #undef KESTA_EXC_DEFINE
@@ -134,23 +149,35 @@ KESTA_EXC_NUMBERED(KESTA_EXC_ROW)
 }  // namespace
 
 systemErrorCode::systemErrorCode(unsigned long number)
-    : SystemException(rows::systemErrorCode.code, numbered(rows::systemErrorCode.message, number)) {}
+    : SystemException(rows::systemErrorCode.code, numbered(rows::systemErrorCode.message, number)) {
+  KESTA_EXC_MARK(systemErrorCode);
+  detail::add_detail(*this, [number] { return winerror_message(number); });
+}
 systemErrorCode::~systemErrorCode() = default;
 
 applicationAlreadyRegistered::applicationAlreadyRegistered(unsigned long thread_id)
     : SystemException(rows::applicationAlreadyRegistered.code,
-                      rows::applicationAlreadyRegistered.message + in_hex(thread_id)) {}
+                      rows::applicationAlreadyRegistered.message + in_hex(thread_id)) {
+  KESTA_EXC_MARK(applicationAlreadyRegistered);
+}
 applicationAlreadyRegistered::~applicationAlreadyRegistered() = default;
 
 jsonBadFormated::jsonBadFormated(const unsigned long long& position)
-    : JSONException(rows::jsonBadFormated.code, numbered(rows::jsonBadFormated.message, position)) {}
+    : JSONException(rows::jsonBadFormated.code, numbered(rows::jsonBadFormated.message, position)) {
+  KESTA_EXC_MARK(jsonBadFormated);
+}
 jsonBadFormated::~jsonBadFormated() = default;
 
-invocaError::invocaError(unsigned long code, const std::wstring& message) : dotnetException(code, message) {}
+invocaError::invocaError(unsigned long code, const std::wstring& message) : dotnetException(code, message) {
+  KESTA_EXC_MARK(invocaError);
+}
 invocaError::~invocaError() = default;
 
-#define KESTA_EXC_DEFINE(name, range, code, message)                                              \
-  name::name(std::wstring action) : kesta::exception(code, message + std::move(action), range) {} \
+#define KESTA_EXC_DEFINE(name, range, code, message)                                  \
+  name::name(std::wstring action) : kesta::exception(code, message + action, range) { \
+    KESTA_EXC_MARK(name);                                                             \
+    set_detail(action);                                                               \
+  }                                                                                   \
   name::~name() = default;
 KESTA_EXC_ACTION(KESTA_EXC_DEFINE)
 #undef KESTA_EXC_DEFINE
