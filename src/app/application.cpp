@@ -11,6 +11,7 @@
 #include "app/platform.hpp"
 #include "app/quietly.hpp"
 #include "app/registry.hpp"
+#include "exc/detail.hpp"
 #include "texto/numbers.hpp"
 
 namespace ruvo {
@@ -107,7 +108,7 @@ bool application::boot(const ruvo::file& folder, exception& err) {
   } catch (const exception& error) {
     error.copy_on(err);
   } catch (...) {
-    exception::incorrect().copy_on(err);
+    err = detail::about(exception::incorrect(), detail::in_flight);
   }
   if (!booted) check_out(thread);
   return booted;

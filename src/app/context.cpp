@@ -5,6 +5,7 @@
 
 #include "app/pattern.hpp"
 #include "app/platform.hpp"
+#include "exc/detail.hpp"
 #include "files/listing.hpp"
 #include "texto/numbers.hpp"
 #include "texto/utf.hpp"
@@ -15,8 +16,8 @@ namespace ruvo {
 
 namespace {
 
-bool tell(bool done, exception* err) {
-  if (!done) exc::CalendarException().copy_on(err);
+bool tell(bool done, long long seconds, exception* err) {
+  if (!done && err) *err = detail::not_in_calendar(L"segundos", seconds);
   return done;
 }
 
@@ -95,11 +96,11 @@ std::wstring context::uuid_short(int n) const {
 }
 
 bool context::sistem_gmt_time(std::tm* record, long long seconds, exception* err) const {
-  return tell(record && civil::break_down(seconds, *record), err);
+  return tell(record && civil::break_down(seconds, *record), seconds, err);
 }
 
 bool context::sistem_local_time(std::tm* record, long long seconds, exception* err) const {
-  return tell(record && zone::break_down(seconds, *record), err);
+  return tell(record && zone::break_down(seconds, *record), seconds, err);
 }
 
 bool context::sistem_gmt_lapse(long long& seconds, std::tm& record, exception*) const {

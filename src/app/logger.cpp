@@ -12,6 +12,7 @@
 #include "app/lost_entries.hpp"
 #include "app/pattern.hpp"
 #include "app/quietly.hpp"
+#include "exc/detail.hpp"
 #include "texto/numbers.hpp"
 #include "texto/utf.hpp"
 
@@ -26,8 +27,9 @@ using clock = std::chrono::steady_clock;
 const std::wstring& text_of(const std::wstring& text) noexcept { return text; }
 
 std::wstring text_of(const std::exception& error) {
-  if (const auto* const own = dynamic_cast<const exception*>(&error)) return own->get_mensaje();
-  return texto::to_utf_16(error.what());
+  if (const auto* const own = dynamic_cast<const exception*>(&error))
+    return detail::with_detail(own->get_mensaje(), own->get_detail());
+  return detail::with_detail(texto::to_utf_16(error.what()), detail::detail_of(error));
 }
 
 std::wstring text_of(const std::exception_ptr& error) {
@@ -37,7 +39,7 @@ std::wstring text_of(const std::exception_ptr& error) {
   } catch (const std::exception& known) {
     return text_of(known);
   } catch (...) {
-    return exception::incorrect().get_mensaje();
+    return detail::with_detail(exception::incorrect().get_mensaje(), detail::detail_of(error));
   }
 }
 

@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "exc/detail.hpp"
+
 namespace ruvo::task {
 
 bool steps::operator()(const xvar& progress) const { return of_->advance(progress); }
@@ -61,7 +63,7 @@ void call::fail() noexcept {
     } catch (const std::exception& error) {
       on_failure(exc::UnCatch(&error));
     } catch (...) {
-      on_failure(exc::ThreadException());
+      on_failure(detail::about(exc::ThreadException(), detail::in_flight));
     }
   } catch (...) {  // nobody is left to be told
   }

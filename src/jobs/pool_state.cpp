@@ -7,6 +7,8 @@
 #include <new>
 #include <utility>
 
+#include "exc/detail.hpp"
+
 namespace ruvo::jobs {
 
 namespace {
@@ -22,7 +24,7 @@ unsigned long collector_key() noexcept {
 
 void tell_failure(task::async& of) noexcept {
   try {
-    of.on_failure(exc::ThreadException());
+    of.on_failure(detail::about(exc::ThreadException(), detail::in_flight));
   } catch (...) {  // nobody is left to be told
   }
 }

@@ -7,6 +7,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "exc/detail.hpp"
 #include "jobs/identifier.hpp"
 
 namespace ruvo {
@@ -214,7 +215,7 @@ void issueable<In, Progress, Out>::end_quietly() noexcept {
 template <class In, class Progress, class Out>
 void issueable<In, Progress, Out>::report(callback_type& to) noexcept {
   try {
-    to.on_failure(exc::ThreadException());
+    to.on_failure(detail::about(exc::ThreadException(), detail::in_flight));
   } catch (...) {  // nobody is left to be told
   }
 }

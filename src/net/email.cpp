@@ -11,6 +11,7 @@
 #include <typeinfo>
 #include <utility>
 
+#include "exc/detail.hpp"
 #include "values/object.hpp"
 
 namespace ruvo::smtp {
@@ -32,12 +33,12 @@ address by_mail(const std::wstring& mail) { return address({}, mail); }
 template <class Map>
 auto& role_in(Map& recipients, const address& recipient) {
   const auto found = recipients.find(recipient);
-  if (found == recipients.end()) throw std::out_of_range("invalid map<K, T> key");
+  if (found == recipients.end()) throw detail::missing_key(recipient.get_mail());
   return found->second;
 }
 
 void check_index(const std::vector<file>& files, std::size_t index) {
-  if (index >= files.size()) throw std::out_of_range("invalid vector subscript");
+  if (index >= files.size()) throw detail::missing_index(index, files.size());
 }
 
 /// The list under the key, or null.

@@ -3,9 +3,9 @@
 #include <ruvo/http.hpp>
 
 #include <algorithm>
-#include <stdexcept>
 #include <utility>
 
+#include "exc/detail.hpp"
 #include "texto/ascii.hpp"
 #include "texto/utf.hpp"
 
@@ -57,7 +57,7 @@ std::wstring& header_table::at(const header_name& name) {
 }
 const std::wstring& header_table::at(const header_name& name) const {
   const const_iterator found = find(name);
-  if (found == end()) throw std::out_of_range("invalid map<K, T> key");
+  if (found == end()) throw detail::missing_key(name.view());
   return found->second;
 }
 

@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "app/current.hpp"
+#include "exc/detail.hpp"
 #include "texto/utf.hpp"
 #include "time/civil.hpp"
 #include "time/fields.hpp"
@@ -32,7 +33,7 @@ bool told(exception* err, Body body) {
     error.copy_on(err);
     if (auto* const place = dynamic_cast<caught*>(err)) place->thrown = std::current_exception();
   } catch (...) {
-    exc::CalendarException().copy_on(err);
+    detail::about(exc::CalendarException(), detail::in_flight).copy_on(err);
   }
   return true;
 }
@@ -40,9 +41,7 @@ bool told(exception* err, Body body) {
 /// Throws what an operation or a service told.
 [[noreturn]] void raise(const exception& told) {
   if (told.OK()) throw exc::CalendarException();
-  if (told.get_rango() == exc::CalendarException().get_rango())
-    throw exc::CalendarException(told.get_code(), told.get_mensaje());
-  throw exception(told);
+  told.raise();
 }
 
 [[noreturn]] void raise(const caught& told) {
@@ -98,7 +97,7 @@ int narrow(long long field, int first = 0) {
   using limits = std::numeric_limits<int>;
   if (field < limits::min() + static_cast<long long>(first) ||
       field > limits::max() + static_cast<long long>(first))
-    throw exc::CalendarException();
+    throw detail::not_in_calendar(L"campo", field);
   return static_cast<int>(field - first);
 }
 
@@ -331,7 +330,10 @@ void lapse::read_over(int year, std::wstring_view text, std::wstring_view format
   calendar::reading out;
   out.record.tm_year = year - 1900;
   out.record.tm_mday = 1;
-  if (!calendar::read(out, text, format, named(services, locale))) throw exc::CalendarException();
+  if (!calendar::read(out, text, format, named(services, locale)))
+    throw detail::about(exc::CalendarException(), [&] {
+      return L"texto " + detail::quoted(text) + L", formato " + detail::quoted(format);
+    });
   out.record.tm_isdst = -1;
   if (out.offset)
     lapso_ = built(services, out.record, false) - *out.offset;

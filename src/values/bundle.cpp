@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <typeinfo>
 
+#include "exc/detail.hpp"
 #include "texto/utf.hpp"
 #include "values/bundle_store.hpp"
 #include "values/cell.hpp"
@@ -114,7 +115,7 @@ const xvar& bundle::operator[](const char* key) const { return at(std::string(ke
 
 const xvar& bundle::at(const std::wstring& key) const {
   const entry* const found = find_in(store_, folded_key(key).view());
-  if (!found) throw std::out_of_range("invalid map<K, T> key");
+  if (!found) throw detail::missing_key(key);
   return found->second;
 }
 const xvar& bundle::at(const std::string& key) const { return at(widened(key)); }
@@ -175,7 +176,7 @@ const xvar* bundle::get_ptr(const std::wstring& path, char separator) const {
 
 const xvar& bundle::get(const std::wstring& path, char separator) const {
   const xvar* const found = get_ptr(path, separator);
-  if (!found) throw std::exception_ptr();
+  if (!found) throw detail::no_entry(path);
   return *found;
 }
 

@@ -4,8 +4,8 @@
 #include <ruvo/memo.hpp>
 
 #include <ostream>
-#include <stdexcept>
 
+#include "exc/detail.hpp"
 #include "texto/numbers.hpp"
 #include "values/cell.hpp"
 
@@ -48,7 +48,7 @@ list::operator xvar() && {
 }
 
 const xvar& list::at(unsigned long index) const {
-  if (index >= soul_.size()) throw std::out_of_range("invalid vector subscript");
+  if (index >= soul_.size()) throw detail::missing_index(index, soul_.size());
   return soul_[index];
 }
 

@@ -1,7 +1,7 @@
 #include <ruvo/binary.hpp>
 #include <ruvo/date.hpp>
 #include <ruvo/datetime.hpp>
-#include <ruvo/exception.hpp>
+#include <ruvo/exc.hpp>
 #include <ruvo/memo.hpp>
 #include <ruvo/time.hpp>
 #include <ruvo/var.hpp>
@@ -367,7 +367,7 @@ std::wostream& operator<<(std::wostream& out, const var& value) {
 namespace {
 
 void require_value(const var& v) {
-  if (v.is_null()) throw std::exception_ptr();
+  if (v.is_null()) throw exc::NullValue();
 }
 
 /// Truncates towards zero and saturates at 64 bits; NaN gives 0.

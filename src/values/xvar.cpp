@@ -2,9 +2,9 @@
 #include <ruvo/xvar.hpp>
 
 #include <algorithm>
-#include <stdexcept>
 #include <utility>
 
+#include "exc/detail.hpp"
 #include "texto/ascii.hpp"
 #include "texto/utf.hpp"
 #include "values/cell.hpp"
@@ -67,14 +67,14 @@ var& xvar::operator[](const char* key) { return hack_qualities()[widened(key)]; 
 
 const var& xvar::at(const std::wstring& key) const {
   const auto found = find(key);
-  if (found == end()) throw std::out_of_range("invalid map<K, T> key");
+  if (found == end()) throw detail::missing_key(key);
   return found->second;
 }
 const var& xvar::at(const std::string& key) const { return at(widened(key)); }
 
 const var& xvar::get_quality(const std::wstring& key) const {
   const auto found = find(key);
-  if (found == end()) throw exc::OutOfRange();
+  if (found == end()) throw detail::about(exc::OutOfRange(), [&key] { return key; });
   return found->second;
 }
 const var& xvar::get_quality(const std::string& key) const { return get_quality(widened(key)); }

@@ -105,12 +105,16 @@ TEST_F(logs, exceptions_stand_for_their_messages) {
   log.assertion(L"x", std::make_exception_ptr(std::runtime_error("p")));
   log.assertion(L"x", std::make_exception_ptr(7));
   log.assertion(L"x", std::exception_ptr());
+  ruvo::exc::MissingElement missing("m");
+  missing.set_detail(L"n");
+  log.failure(L"x", missing);
   const std::vector<recorder::entry> expected = {{1, L"ñ", L"x"},
                                                  {2, L"Archivo o directorio no encontrado: a.txt", L"x"},
                                                  {3, L"w", L"x"},
                                                  {1, L"p", L"x"},
                                                  {1, L"Error indeterminado", L"x"},
-                                                 {1, L"", L"x"}};
+                                                 {1, L"", L"x"},
+                                                 {2, L"m (n)", L"x"}};
   EXPECT_EQ(seen.entries, expected);
 }
 

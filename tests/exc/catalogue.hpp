@@ -8,20 +8,25 @@
 #include <algorithm>
 #include <map>
 #include <string>
-#include <utility>
+#include <typeindex>
 #include <vector>
 
 struct system_texts : ruvo::exception {
   using ruvo::exception::winerror_message;
 };
 
-/// Every class of the catalogue, told 31 and 5 where it is told something; the second member is what its text
-/// begins with in the message table and on the page.
-inline std::vector<std::pair<ruvo::exception, std::wstring>> every_class() {
+struct class_sample {
+  ruvo::exception error;
+  std::type_index type;
+  std::wstring prefix;  // what its text begins with in the message table and on the page
+};
+
+/// Every class of the catalogue, told 31 and 5 where it is told something.
+inline std::vector<class_sample> every_class() {
   const std::wstring subject = L"31";
-  std::vector<std::pair<ruvo::exception, std::wstring>> all;
+  std::vector<class_sample> all;
   const auto add = [&](const ruvo::exception& error, const std::wstring& prefix = L"") {
-    all.emplace_back(error, prefix);
+    all.push_back({error, typeid(error), prefix});
   };
 #define ADD(name, ...) add(ruvo::exc::name());
   KESTA_EXC_GENERAL(ADD)
@@ -67,7 +72,7 @@ inline std::vector<std::pair<ruvo::exception, std::wstring>> every_class() {
 /// The codes of the catalogue and what is said of each, a text for each class, in order.
 inline std::map<unsigned long, std::vector<std::wstring>> catalogue_messages() {
   std::map<unsigned long, std::vector<std::wstring>> expected;
-  for (const auto& [error, prefix] : every_class()) {
+  for (const auto& [error, type, prefix] : every_class()) {
     expected[error.get_raw_code()].push_back(prefix + error.get_mensaje());
   }
   for (auto& [code, messages] : expected) std::ranges::sort(messages);

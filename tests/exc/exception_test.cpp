@@ -1,14 +1,14 @@
-#include <ruvo/exc.hpp>
-#include <ruvo/file.hpp>
-#include <ruvo/texto.hpp>
+#include <ruvo/ruvo.hpp>
 
 #include <algorithm>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
+#include <typeindex>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -197,6 +197,113 @@ TEST(Exception, ACopyOutlivesItsSourceAndAMovedOneStaysWhole) {
   }
   copy = *&copy;
   EXPECT_EQ(copy.get_mensaje(), L"Argumento incorrecto: x");
+}
+
+TEST(Exception, RaiseThrowsTheClassOfACopy) {
+  const auto raised = [](const ruvo::exception& failure) -> std::type_index {
+    try {
+      failure.raise();
+    } catch (const ruvo::exception& thrown) {
+      EXPECT_EQ(thrown, failure);
+      EXPECT_STREQ(thrown.what(), failure.what());
+      EXPECT_EQ(thrown.get_mensaje() + thrown.get_detail(), failure.get_mensaje() + failure.get_detail());
+      return typeid(thrown);
+    }
+  };
+  for (const auto& [copy, type, prefix] : every_class()) {
+    ruvo::exception assigned;
+    assigned = ruvo::exception(copy);
+    EXPECT_EQ(raised(assigned), type) << type.name();
+  }
+  struct own : exc::RunTime {
+    own() : exc::RunTime(L"x") {}
+  };
+  const struct {
+    ruvo::exception failure;
+    std::type_index type;
+  } rows[] = {
+      {own(), typeid(exc::RunTime)},
+      {exc::FileException(1, L"x"), typeid(exc::FileException)},
+      {ruvo::exception(0xEBB903E9, L"x"), typeid(exc::fileNotFound)},
+      {ruvo::kesta::exception(3, L"x", 14), typeid(exc::invocaError)},
+      {ruvo::kesta::exception(77, L"x", 1), typeid(exc::FileException)},
+      {ruvo::kesta::exception(77, L"x", 0), typeid(ruvo::kesta::exception)},
+      {ruvo::exception(0xEBB91772, L"x"), typeid(exc::JSONException)},      // two classes of one family
+      {ruvo::exception(0xEBB932CA, L"x"), typeid(ruvo::kesta::exception)},  // of two
+      {ruvo::exception(0xEBB80077, L"x"), typeid(ruvo::exception)},
+      {ruvo::exception(0x80070005, L"x"), typeid(ruvo::exception)},
+  };
+  for (const auto& r : rows) EXPECT_EQ(raised(r.failure), r.type) << r.failure;
+  ruvo::exception cleared = exc::NullPointer();
+  cleared.clear();
+  EXPECT_EQ(raised(cleared), std::type_index(typeid(exc::OkResult)));
+}
+
+TEST(Exception, DetailsStandBesideTheMessage) {
+  exc::NotImplemented plain;
+  const std::string report = plain.what();
+  EXPECT_EQ(plain.get_detail(), L"");
+  plain.set_detail(L"la tabla de precios");
+  const ruvo::exception copy = plain;
+  plain.set_detail(L"");
+  EXPECT_EQ(copy.get_detail(), L"la tabla de precios");
+  EXPECT_EQ(plain.get_detail(), L"");
+  EXPECT_EQ(copy.what(), report);
+  EXPECT_EQ(copy, plain);
+
+  const auto about = [](auto fails) -> std::wstring {
+    try {
+      fails();
+    } catch (const ruvo::exception& error) {
+      return error.get_detail();
+    } catch (const exc::MissingElement& error) {
+      return ruvo::texto::to_utf_16(error.what()) + L": " + error.get_detail();
+    } catch (const exc::NullValue& null) {
+      EXPECT_FALSE(null);
+      return L"null: " + null.get_detail();
+    }
+    return L"nothing fails";
+  };
+  const std::wstring denied = system_texts::winerror_message(5), most = std::wstring(200, L'x');
+  const ruvo::bundle b = {{L"uno", 1}};
+  ruvo::exception err;
+  const struct {
+    const char* name;
+    std::function<void()> fails;
+    std::wstring detail;
+  } rows[] = {
+      {"path", [] { throw exc::fileNotFound(L"a\\b"); }, L"a\\b"},
+      {"argument", [] { throw exc::BadArgument(L"nif"); }, L"nif"},
+      {"name", [] { ruvo::context().get_enviroment_var(L"NO HAY"); }, L"NO HAY"},
+      {"system", [] { throw exc::systemErrorCode(5); }, denied},
+      {"family of Windows", [] { throw exc::winregRead(L"x", 5); }, denied},
+      {"HRESULT", [] { throw ruvo::exception(0x80070005, L"x"); },
+       system_texts::winerror_message(0x80070005)},
+      {"date", [] { ruvo::date(L"31/02/2026", ruvo::times::GMT, "%Y"); },
+       L"texto \"31/02/2026\", formato \"%Y\""},
+      {"long text", [&] { ruvo::time(most + L"y"); }, L"texto \"" + most + L"…\", formato \"%H:%M:%S\""},
+      {"parse",
+       [&] {
+         if (!ruvo::datetime().parse(L"x", L"%Y", err)) err.raise();
+       },
+       L"texto \"x\", formato \"%Y\""},
+      {"no calendar", [] { ruvo::datetime(1LL << 62).to_string(); }, L"segundos 4611686018427387904"},
+      {"quality", [] { ruvo::xvar(1).get_quality(L"q"); }, L"q"},
+      {"qualities", [] { ruvo::xvar(1).at(L"q"); }, L"invalid map<K, T> key: clave \"q\""},
+      {"key", [&] { b.at(L"Dos"); }, L"invalid map<K, T> key: clave \"Dos\""},
+      {"header", [] { ruvo::http::request().at(L"Host"); }, L"invalid map<K, T> key: clave \"Host\""},
+      {"recipient", [] { ruvo::smtp::email().at(L"a@b.es"); }, L"invalid map<K, T> key: clave \"a@b.es\""},
+      {"index",
+       [] {
+         ruvo::list{1, 2}.at(7);
+       },
+       L"invalid vector subscript: índice 7, elementos 2"},
+      {"no entry", [&] { b.get(L"uno.dos"); }, L"null: ruta \"uno.dos\""},
+      {"null value", [] { (void)static_cast<long>(ruvo::var()); }, L"null: "},
+      {"held", [&] { throw exc::RunTime(held(exc::BadArgument(L"nif"))); }, L"nif"},
+      {"held null", [&] { throw exc::RunTime(held(exc::NullValue())); }, L"valor nulo"},
+  };
+  for (const auto& r : rows) EXPECT_EQ(about(r.fails), r.detail) << r.name;
 }
 
 TEST(Exception, WindowsErrorsAddTheSystemsText) {

@@ -259,6 +259,22 @@ TEST(pool_allocation, parameters_go_with_their_tasks) {
   EXPECT_LT(live_everywhere - before, jobs * texts / 2);
 }
 
+TEST(error_allocation, no_more_than_the_detail_and_the_class_is_lost) {
+  ruvo::exc::fileNotFound failure(L"un camino que no cabe dentro");
+  const ruvo::exception copy = failure;
+  const std::wstring another = L"another of some length";
+  countdown = 0;
+  failure.set_detail(another);
+  try {
+    copy.raise();
+  } catch (const ruvo::exception& thrown) {
+    countdown = -1;
+    EXPECT_EQ(typeid(thrown), typeid(ruvo::exception));
+    EXPECT_EQ(thrown.get_mensaje(), failure.get_mensaje());
+  }
+  EXPECT_EQ(failure.get_detail(), L"un camino que no cabe dentro");
+}
+
 TEST(mail_allocation, no_recipient_is_lost) {
   using ruvo::smtp::email;
   email message;
