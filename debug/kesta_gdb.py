@@ -33,6 +33,7 @@ STORE_SIZE, STORE_ORDER, STORE_LARGE = 0, 16, 40  # in a bundle_store
 MAP_ROOT, MAP_SIZE = 16, 40  # in a std::map
 NODE_LEFT, NODE_RIGHT, NODE_VALUE = 16, 24, 32  # in a node of it
 STRING_SIZE = 32  # of std::wstring
+DETAIL = 64  # in the texts of an exception
 
 MOST = 1 << 20  # elements that are shown
 DEEPEST = 128  # nodes above each other in a std::map that memory has room for
@@ -247,7 +248,9 @@ def binary_text(value):
 def exception_text(value):
     code = int(value["code_"]) & 0xFFFF
     texts = number_at(address_of(value["texts_"]))
-    return "%d.%d %s" % (code // 1000, code % 1000, narrow_string(texts))
+    detail = texts + DETAIL
+    shown = " (%s)" % wide_string(detail) if number_at(detail + 8) else ""
+    return "%d.%d %s%s" % (code // 1000, code % 1000, narrow_string(texts), shown)
 
 
 def color_text(value):

@@ -68,7 +68,7 @@ TEXTS = [
     ("void_time", "no value"),
     ("velda", "29-02-2024, day 2460370"),
     ("error", r'12.7 "Algo falló con \"esto\""'),
-    ("bad", '0.10 "El valor no cumple con el formato acordado. Revise su formato."'),
+    ("bad", '0.15 "Argumento incorrecto: año" (L"año")'),
     ("path", r'L"C:\\datos\\año.txt"'),
     ("color", 'L"#102030" (16, 32, 48, 1)'),
     ("face", 'L"😀x"'),

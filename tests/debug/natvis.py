@@ -13,6 +13,7 @@ SPACE = "{http://schemas.microsoft.com/vstudio/debugger/natvis/2010}"
 OTHER_LIBRARY = {
     ("ruvo::var", "small_text"): "(wchar_t*)(data_.bytes + (sizeof(wchar_t) == 2 ? 0 : 2))",
     ("ruvo::exception", "message"): "shared()->_M_dataplus._M_p",
+    ("ruvo::exception", "has_detail"): "detail()._M_string_length != 0",
 }
 KNOWN_NODES = {"Intrinsic", "DisplayString", "StringView", "Expand", "Item", "ExpandedItem", "CustomListItems"} | {
     "Variable",

@@ -68,7 +68,7 @@ int main(int count, char**) {
   const ruvo::datetime datetime(4102444799LL), unread(951782400LL, ruvo::times::LOCAL), void_time(-1LL);
   const ruvo::velda::date velda(20240229);
   const ruvo::exception error(L"Algo falló con \"esto\"", 7, 12, 3001);
-  const ruvo::exc::BadFormat bad;
+  const ruvo::exc::BadArgument bad(L"año");
   const ruvo::file path(L"C:\\datos\\año.txt");
   const ruvo::color color(16, 32, 48);
   const ruvo::memo face(L"😀x");
