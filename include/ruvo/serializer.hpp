@@ -258,8 +258,8 @@ class KESTA_API json : public iserializer {
   /// The result grows with the square of the nesting: n opening brackets give 2 * n * n blanks, 16,000 of
   /// them 512 million. Text from elsewhere is for the other form.
   static std::wstring printJsonFormateado(std::wstring text);
-  /// The same, but deeper than so many levels nothing is indented further: the result has at most about
-  /// 4 * levels times the units of the text.
+  /// The same, but deeper than so many levels nothing is indented further: each unit of the text becomes
+  /// 4 * levels + 2 at most.
   static std::wstring printJsonFormateado(std::wstring text, unsigned long levels);
 
  private:

@@ -158,8 +158,8 @@ class KESTA_API var {
   /// and bundles.
   bool can_be_number() const;
   /// Whether the text, without blanks at its ends and without regard to case, is one of true, 1, si,
-  /// verdadero, correcto, false, 0, no, falso, incorrecto. False for a null cell, dates, times,
-  /// lists and bundles.
+  /// verdadero, correcto, false, 0, no, falso, incorrecto. False for a null cell, dates, times, lists
+  /// and bundles.
   bool can_be_boolean() const;
 
   /// The value as text in the classic locale: integers in base ten, float and double with six digits after

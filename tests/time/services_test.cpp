@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <stdexcept>
+#include <typeinfo>
 
 #include <gtest/gtest.h>
 
@@ -84,42 +85,25 @@ TEST(services, what_they_throw_is_a_failure_of_the_library) {
   ruvo::exception err;
   const auto tells = [&err](bool failed) {
     if (failed && err == ruvo::exc::NullPointer()) throw ruvo::exc::NullPointer();
-    if (failed) throw ruvo::exc::CalendarException(err.get_code(), err.get_mensaje());
+    if (failed) throw ruvo::exc::CalendarException();
   };
   std::tm record{};
   const std::function<void()> operations[] = {
       [] { ruvo::datetime(); },
-      [] { ruvo::date(); },
       [] { ruvo::velda::date(); },
       [] { ruvo::date(20240229); },
       [] { ruvo::date(L"29-02-2024"); },
-      [] { ruvo::velda::date(L"29-02-2024"); },
-      [] { ruvo::time(10, 0, 0); },
-      [] { ruvo::date::get_last_day(2024, 2); },
       [&] { value.get(times::DAYS); },
       [&] { value.to_string(); },
-      [&] { value.get_month_name(); },
-      [&] { value = L"29-02-2024 00:00:00"; },
       [&] { value += 1; },
-      [&] { value.set_hour(1); },
       [&] { static_cast<void>(static_cast<long>(day)); },
-      [&] { static_cast<void>(day.compare(20240228)); },
       [&] { day.set_day(1); },
-      [&] { --day; },
-      [&] { hour -= 1; },
-      [&] { hour.in_seconds(); },
       [&] { ruvo::datetime(day, hour); },
       [&] { ruvo::dates::diff_days(day, day); },
-      [&] { ruvo::dates::last_day_of_week(day); },
       [&] { ruvo::times::diff_hours(hour, hour); },
       [&] { tells(value.add(1, times::DAYS, &err)); },
-      [&] { tells(value.set(1, times::DAYS, &err)); },
       [&] { tells(value.gmt(record, err)); },
       [&] { tells(!value.parse(L"29-02-2024", "%d-%m-%Y", err)); },
-      [&] {
-        value.get_gmt_model(&err);
-        tells(true);
-      },
   };
   for (const auto manner : {failing_context::throws_own, failing_context::throws_foreign})
     for (const auto& operation : operations) {
@@ -128,13 +112,10 @@ TEST(services, what_they_throw_is_a_failure_of_the_library) {
       try {
         operation();
         ADD_FAILURE() << "none of " << number;
-      } catch (const ruvo::exc::NullPointer&) {
-        EXPECT_EQ(manner, failing_context::throws_own) << number;
-      } catch (const ruvo::exc::CalendarException& error) {
-        EXPECT_EQ(manner, failing_context::throws_foreign) << number;
-        EXPECT_EQ(error, ruvo::exc::CalendarException()) << number;
       } catch (const std::exception& error) {
-        ADD_FAILURE() << error.what() << " of " << number;
+        const bool own = manner == failing_context::throws_own;
+        EXPECT_EQ(typeid(error), own ? typeid(ruvo::exc::NullPointer) : typeid(ruvo::exc::CalendarException))
+            << number;
       }
       EXPECT_EQ(ruvo::var(day).to_string(), L"1709179444");  // the text of a value is there all the same
     }
