@@ -59,7 +59,7 @@ auto answer(Service ask) {
   } catch (const exception&) {
     throw;
   } catch (...) {
-    throw exc::CalendarException();
+    throw detail::about(exc::CalendarException(), detail::in_flight);
   }
 }
 
