@@ -79,17 +79,17 @@ std::wstring detail_of(const std::exception_ptr& error) {
 }
 
 std::wstring in_flight() {
+  const std::exception_ptr error = std::current_exception();
+  if (!error) return {};
   try {
-    throw;
-  } catch (const exception& error) {
-    return with_detail(error.get_mensaje(), error.get_detail());
-  } catch (const std::exception& error) {
-    const char* const what = error.what();
-    return with_detail(texto::to_utf_16(std::string_view(what ? what : "")), detail_of(error));
-  } catch (const exc::NullValue& null) {
-    return with_detail(null_value, null.get_detail());
+    std::rethrow_exception(error);
+  } catch (const exception& held) {
+    return with_detail(held.get_mensaje(), held.get_detail());
+  } catch (const std::exception& held) {
+    const char* const what = held.what();
+    return with_detail(texto::to_utf_16(std::string_view(what ? what : "")), detail_of(held));
   } catch (...) {
-    return {};
+    return detail_of(error);
   }
 }
 
