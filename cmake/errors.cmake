@@ -64,7 +64,7 @@ foreach(line IN LISTS lines)
   if(list STREQUAL "FAMILIES")
     row("${word}, ([0-9]+)" class range)
     set(range_of_${row_class} ${row_range})
-  elseif(list MATCHES "^GENERAL(_TOLD)?$")
+  elseif(list MATCHES "^(GENERAL(_TOLD)?|HOOK)$")
     row("${word}, ([0-9]+), ${quoted}" class number text)
     told("${row_text}" text)
     if(row_class STREQUAL "Incorrect")
@@ -109,7 +109,7 @@ endforeach()
 list(SORT rows)
 
 if(mc)
-  # Where a number stands for two classes, the text gives both.
+  # Where a number has two messages, the text gives both.
   set(codes "")
   foreach(entry IN LISTS rows)
     string(REGEX MATCH "(.*) (.*)" entry "${entry}")
@@ -147,12 +147,12 @@ if(markdown)
     "Every error is a `ruvo::exception`: a code, a message, a report. The code is laid out as an HRESULT: severity 3\n"
     "(bits 31 and 30), the customer bit 29, the facility (28 to 16: 3000 for the general errors, 3001 for those of the\n"
     "modules) and, in the low 16 bits, the range of the family * 1000 + the number within the range. Where a code stands\n"
-    "for two classes, callers tell them apart by type.\n\n"
+    "for two classes, callers tell them apart by type; one class has two messages.\n\n"
     "`kesta-error CODE` prints what stands here of a code. The messages are in `kesta.dll` as a message table too:\n"
     "`FormatMessageW` with `FORMAT_MESSAGE_FROM_HMODULE`, the module and the code gives the message, without a line end.\n"
     "`%1`, `%2` and `%3` are texts that the caller passes, or that stay as they are with\n"
-    "`FORMAT_MESSAGE_IGNORE_INSERTS`; `ruvo::exception` has them filled in. Where two classes share a code, the table gives\n"
-    "both messages with ` / ` between them. Messages of the form `class: %1` are told by who throws; in the exception\n"
+    "`FORMAT_MESSAGE_IGNORE_INSERTS`; `ruvo::exception` has them filled in. Where a code has two messages, the table gives\n"
+    "both with ` / ` between them. Messages of the form `class: %1` are told by who throws; in the exception\n"
     "they stand without the class, and `(%2: %3)` are the number and the text of a Windows error.\n\n"
     "| class | code | | range | number | message | base class |\n"
     "|---|---|---|---|---|---|---|\n")

@@ -41,6 +41,7 @@ const row rows[] = {
 #define ROW(name, number, text) {L"" #name, L"ruvo::exception", 0, number, text, L""},
   KESTA_EXC_GENERAL(ROW)
   KESTA_EXC_GENERAL_TOLD(ROW)
+  KESTA_EXC_HOOK(ROW)
 #undef ROW
 #define ROW(name, text) {L"" #name, L"kesta::exception", ranges::name, 1, text, L""},
   KESTA_EXC_UNDETERMINED(ROW)

@@ -31,6 +31,11 @@
   X(EmptyArgument, 14, L"Argumento vacío: ") \
   X(BadArgument, 15, L"Argumento incorrecto: ")
 
+// The code of a class with another message: of the hooks of an application that are not overridden.
+// The name of the hook follows. X(class, code, message)
+#define KESTA_EXC_HOOK(X) \
+  X(NotImplemented, 3, L"El método debe sobrecargarse a nivel de apllicación: ")
+
 // Families: facility 3001. X(class, range)
 #define KESTA_EXC_FAMILIES(X) \
   X(FileException, 1) \

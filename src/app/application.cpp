@@ -39,9 +39,9 @@ context& default_context() noexcept {
 }
 
 exception hook_missing(const wchar_t* name) {
-  constexpr unsigned long not_implemented = 3, general = 0, facility = 3000;
-  return {std::wstring(L"El método debe sobrecargarse a nivel de apllicación: ") + name, not_implemented,
-          general, facility};
+#define KESTA_EXC_ROW(class_name, code, message) exception(message + std::wstring(name), code, 0, 3000)
+  return detail::about(KESTA_EXC_HOOK(KESTA_EXC_ROW), [name] { return std::wstring(name); });
+#undef KESTA_EXC_ROW
 }
 
 const wchar_t* name_of(folder_type type) noexcept {

@@ -57,6 +57,10 @@ inline std::vector<class_sample> every_class() {
 #define ADD(name, code, message) add(ruvo::exc::name(code, message));
   KESTA_EXC_CONSOLE(ADD)
 #undef ADD
+#define ADD(name, code, message) \
+  all.push_back({ruvo::exception(message + subject, code, 0, 3000), typeid(ruvo::exc::name), L""});
+  KESTA_EXC_HOOK(ADD)
+#undef ADD
   add(ruvo::exception::incorrect());
   add(ruvo::exc::UnCatch(nullptr));
   add(ruvo::exc::UnKnown(nullptr));
