@@ -24,8 +24,10 @@ struct bundle_access;
 /// remembers the order in which they were first inserted.
 ///
 /// operator[], at, find, count and erase fold A-Z; the path operations fold the path with
-/// texto::to_lowercase, which also knows accented letters, and split it at the separator. An entry whose key
-/// holds the separator is reached by operator[] only. Narrow keys and paths are UTF-8.
+/// texto::to_lowercase, which also knows accented letters, and split it at the separator. Narrow keys and
+/// paths are UTF-8.
+/// @quirk An entry whose key holds the separator, or a capital letter outside A-Z, is reached by operator[]
+/// and its like, and by no path.
 ///
 /// References to entries stay valid until the entry is erased or the bundle is assigned or destroyed; moves
 /// keep them. Look-up and insertion take logarithmic time, erase linear time.
@@ -188,7 +190,9 @@ class KESTA_API bundle {
   /// into a list.
   const xvar* get_ptr(const std::wstring& path, char separator = '.') const;
   const xvar* get_ptr(const std::string& path, char separator = '.') const;
-  /// The entry's value at the path; a missing one throws an empty std::exception_ptr (by value).
+  /// The entry's value at the path.
+  /// @quirk A missing one throws an empty std::exception_ptr by value, which is no std::exception. As an
+  /// exc::NullValue it tells the path.
   const xvar& get(const std::wstring& path, char separator = '.') const;
   const xvar& get(const std::string& path, char separator = '.') const;
   /// Whether there is an entry at the path; its value may be null.
@@ -247,6 +251,7 @@ class KESTA_API bundle {
   float get_float(const std::string& path, char separator = '.', float fallback = 0) const;
 
   /// As get_X, and the fallback also when the converted value is 0.
+  /// @quirk A 0 that is there, also 0.0, counts as missing.
   long get_nc_long(const std::wstring& path, long fallback = 0, char separator = '.') const;
   long get_nc_long(const std::string& path, long fallback = 0, char separator = '.') const;
   unsigned long get_nc_ulong(const std::wstring& path, unsigned long fallback = 0,
@@ -293,10 +298,12 @@ class KESTA_API bundle {
   const list& get_nc_list(const std::string& path, const list& fallback, char separator = '.') const;
 
   /// "{" "key":value pairs joined by ", " "}", in key order: texts quoted with quotes escaped, null as "".
+  /// @quirk A blank follows the comma, which in the text of a list has none.
   std::wstring to_string() const;
 
-  /// Compares by to_string(): neither the order of insertion nor qualities count, other than in lists, whose
-  /// text has the qualities of the elements.
+  /// Compares by to_string().
+  /// @quirk In the texts neither the order of insertion nor qualities count, other than in lists, whose text
+  /// has the qualities of the elements; and keys are not escaped, so that one key can pass for two.
   bool operator==(const bundle& other) const;
   bool operator<(const bundle& other) const;
 

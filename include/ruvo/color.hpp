@@ -33,9 +33,10 @@ struct KESTA_API HSLColor {
 /// A colour. Whatever sets one of its forms computes the other two, in 32-bit floating point and truncating,
 /// so a way there and back may end a step lower. Nothing but want of memory fails, unless stated.
 ///
-/// Components and alpha are stored as given; beyond 255 only their low eight bits show in the text and in
-/// HSL. Whatever goes through HSL makes the colour opaque, keeps the hue in [0, 360), and stores saturation
-/// and luminosity as given.
+/// Components and alpha are stored as given, and so are saturation and luminosity; the hue is kept in
+/// [0, 360).
+/// @quirk Of a component beyond 255 only the low eight bits show in the text and in HSL: 1000 is E8.
+/// @quirk Whatever goes through HSL makes the colour opaque.
 class KESTA_API color {
  public:
   static const unsigned MIN_SCALE = 0, MAX_SCALE = 255;        ///< Range of a component.
@@ -169,6 +170,7 @@ class KESTA_API color {
   color get_dull() const;           ///< Saturation 0: the grey of the same luminosity, opaque.
   color get_intense() const;        ///< Saturation 1, opaque.
   /// A very dark colour for a light one and the reverse, of the same hue and saturation, opaque.
+  /// @quirk The colours for text and for what is behind it are the same operation.
   color get_suggested_forecolor() const;
   color get_suggested_backgroundcolor() const;
   /// Opaque white.
@@ -182,6 +184,7 @@ class KESTA_API color {
 
   /// ++ darkens and -- lightens by get_amount(), down to a luminosity of 0 and up to 1; opaque. Those behind
   /// the name give the colour as it was.
+  /// @quirk More is darker: ++ lowers the luminosity.
   color& operator++();
   color& operator--();
   color operator++(int);
@@ -203,7 +206,8 @@ class KESTA_API color {
   template <class T>
   requires std::is_arithmetic_v<T> color& operator-=(T step) { return *this -= settled(step); }
 
-  /// The stored texts are compared, case and all: "#ff0000" is not color::RED.
+  /// Compares the stored texts.
+  /// @quirk The case of a text counts: "#ff0000" is not color::RED.
   bool operator==(const color& other) const noexcept { return html_ == other.html_; }
   bool operator<(const color& other) const noexcept { return html_ < other.html_; }
   bool operator>(const color& other) const noexcept { return other < *this; }

@@ -17,6 +17,8 @@
 /// @quirk Some numbers stand for two classes (jsonEmptyKey and jsonFalseKnot, BadCastInterface and
 /// UnLoadModule, getObjectException and getObjectTypeException, actionNotFound and xmlLoadException): callers
 /// tell them apart by type, and exception::raise() gives a copy its type again.
+/// @quirk The messages of jsonUnKnowValue ("carcter") and of a hook without an override ("apllicación") are
+/// spelled so, and those of xmlBadFormated and xmlCachePointer are the same.
 namespace ruvo::exc {
 
 #define KESTA_EXC_CLASS(name, base, ...) \

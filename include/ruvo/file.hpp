@@ -70,12 +70,13 @@ class KESTA_API file {
   /// @quirk The whole path is searched (`C:\datos.v1\leeme` gives `v1\leeme`), and a path without "." is
   /// given whole.
   std::wstring get_extension() const;
-  /// This path with the name's extension replaced or added; `extension` comes without the dot.
+  /// A new path, this one with the name's extension replaced or added; `extension` comes without the dot.
+  /// @quirk A path that is nothing but its root has no name and is lost: `C:\` gives ".md".
   file change_extension(const std::wstring& extension) const;
   /// The part of the path below `base`, without regard to the case of A-Z; the whole path when it is not
   /// below it, and empty when both are the same.
   file crop(const file& base) const;
-  /// Appends a name or a relative path; separators at its start do not count.
+  /// Appends a name or a relative path; separators at its start do not count, but for an empty path.
   file& operator+=(const char* name);
   file& operator+=(const wchar_t* name);
   file& operator+=(const std::string& name);

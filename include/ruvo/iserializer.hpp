@@ -12,6 +12,8 @@ namespace ruvo {
 /// Turns bundles into text and text into bundles. Both operations return true on FAILURE; the failure is then
 /// copied into `*err` unless `err` is null. On success `*err` stays as it is. What `options` means is the
 /// format's matter.
+/// @quirk True is failure, as in lapse::add() and lapse::set(), while most of the library gives true for
+/// success.
 class KESTA_API iserializer {
  public:
   /// Replaces `out` by the text of `in`.

@@ -100,6 +100,8 @@ class KESTA_API pool : public sync::on_round_off {
   /// queued. Throws what issueable::start throws; the task is then not in the pool.
   void execute_job(task::async& task, const xvar& parameter);
   /// Queues the task, for start(), exec() or a dispatcher that is running.
+  /// @quirk A task that is queued twice, or that was not joined since it ran, ends the process when it is
+  /// started again, as issueable::start() does.
   void store_job(task::async& task, const xvar& parameter);
 
   /// Starts the dispatcher, unless it is running. Throws std::system_error (resource_unavailable_try_again)

@@ -43,12 +43,15 @@ class KESTA_API lapse {
   /// The field is moved, not the instant, and the context builds an instant from the fields. Of local times
   /// that the clock skips, a move ahead leads behind them, by their length, and a move back before them:
   /// where a service builds a later instant than the fields say, that much is taken off it.
+  /// @quirk True is failure, while parse() gives false.
+  /// @quirk A month after 31 January comes 2 or 3 March, no last day of February.
   /// @quirk Of local times that the clock repeats the first is meant, so a move ahead from the second time,
   /// even by 0, may go back.
   virtual bool add(int n, times::UNITS unit, exception* err = nullptr);
   /// Replaces SECONDS to YEARS by n, in the sense of get(), and normalises; other units change nothing. Local
   /// times that the clock skips become those behind them, and of repeated ones the first is meant. True on
   /// failure, as add().
+  /// @quirk True is failure.
   virtual bool set(int n, times::UNITS unit, exception* err = nullptr);
 
   /// The calendar record (month from 0, year from 1900): get_model() in the value's mode, the others in UTC
@@ -57,6 +60,7 @@ class KESTA_API lapse {
   std::tm get_gmt_model(exception* err = nullptr) const;
   std::tm get_local_model(exception* err = nullptr) const;
   /// Fill the record: gmt() in UTC, locale() in local time. True on failure (exc::CalendarException).
+  /// @quirk True is failure.
   bool gmt(std::tm& record, exception& err) const;
   bool locale(std::tm& record, exception& err) const;
 
@@ -112,6 +116,7 @@ class KESTA_API lapse {
   /// @quirk 1969-12-31 23:59:59 UTC is the null value.
   bool is_null() const noexcept { return lapso_ == -1; }
   /// Null, or 1970-01-01 00:00:00 UTC.
+  /// @quirk The first second of 1970 counts as empty, though it is a date.
   bool empty() const noexcept { return lapso_ == 0 || lapso_ == -1; }
 
   /// A text of the caller's own that copies take along; empty at first. It takes no part in comparisons, and

@@ -29,8 +29,8 @@ class KESTA_API list {
   list() noexcept;
   list(const list& other);
   list(list&& other) noexcept;
-  /// Holds the values in their order. Note that `list{other}` makes a list that holds `other`; write
-  /// `list(other)` for a copy.
+  /// Holds the values in their order. For a copy write `list(other)`: what `list{other}` makes, a copy or a
+  /// list that holds `other`, differs between compilers.
   list(std::initializer_list<xvar> values);
   virtual ~list();
 
@@ -138,14 +138,17 @@ class KESTA_API list {
 
   /// "[" elements joined by "," "]": texts quoted with quotes escaped, null as nothing, qualities after their
   /// element.
+  /// @quirk Nothing separates two qualities: `[1{"atributos":"q":"a""r":2}]`.
   std::wstring to_string() const;
-  /// 'a','b': the trimmed texts in single quotes. Quotes inside are not escaped: the values must be safe.
+  /// 'a','b': the trimmed texts in single quotes.
+  /// @quirk Quotes inside are neither escaped nor doubled: the values must be safe.
   std::wstring to_texto_sql() const;
   /// 1,2: the trimmed texts of the elements that are or can be numbers.
   /// @quirk The comma is written before the question is asked: "1,,2" for 1, "x", 2.
   std::wstring to_numeric_sql() const;
 
-  /// Compares by to_string(), so that 1 and 1u are equal, and 10 comes before 9.
+  /// Compares by to_string().
+  /// @quirk As texts 1 and 1u are equal, and 10 comes before 9.
   bool operator==(const list& other) const;
   bool operator!=(const list& other) const { return !(*this == other); }
   bool operator<(const list& other) const;

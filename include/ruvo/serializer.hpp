@@ -32,6 +32,7 @@ class KESTA_API ireader {
  public:
   /// Takes the next character; the caller has counted it (see next_character). True when `result` now carries
   /// a failure; reading goes on all the same.
+  /// @quirk True is failure.
   virtual bool on_char(wchar_t c, exception& result) = 0;
   /// The text that a value stands for.
   virtual std::wstring raw_value(const xvar& value) = 0;
@@ -68,6 +69,7 @@ class KESTA_API iwriter {
   virtual std::wstring& raw_key(std::wstring& key) = 0;
   virtual ~iwriter();
   /// Replaces `out` by the text of `in`. True on FAILURE, which is copied into `*err` unless `err` is null.
+  /// @quirk True is failure.
   virtual bool write(std::wstring& out, const bundle& in, exception* err, int options) = 0;
   /// Whether new lines and indentation are written. Of n levels of nesting the tabs alone are about n * n,
   /// so what comes from elsewhere is written with limit_indentation().
@@ -107,6 +109,7 @@ class KESTA_API iwriter {
 class KESTA_API json_writer : public iwriter {
  public:
   /// A null value is written as "" when `null_as_empty` is set, else as null.
+  /// @quirk The writers of json set it: a null value becomes the empty text, and is read back as that.
   explicit json_writer(bool null_as_empty = true);
   ~json_writer() override;
 
@@ -114,12 +117,14 @@ class KESTA_API json_writer : public iwriter {
   /// hhmmss; date as the bare number yyyymmdd, and both as their seconds since 1970 where they have no
   /// calendar form; datetime as its bare seconds with six digits; binary as quoted Base64.
   ///
-  /// Escapes are `\"`, `\\`, `\b`, `\f`, `\n`, `\r` and `\t`; any other control character becomes a blank.
+  /// Escapes are `\"`, `\\`, `\b`, `\f`, `\n`, `\r` and `\t`.
+  /// @quirk Any other control character becomes a blank.
   std::wstring raw_value(const xvar& value) override;
   /// The key as it stands.
   std::wstring& raw_key(std::wstring& key) override;
   /// A failure of the writer (a value that holds no container where one is needed) is exc::NullPointer.
   /// @quirk When tabulated, the second text of the same writer is indented by one tab.
+  /// @quirk When tabulated, a new line comes before "}", while of "]" it comes behind it.
   bool write(std::wstring& out, const bundle& in, exception* err, int options) override;
   /// Writes the bundle that `value` holds. True when `result` now carries a failure.
   virtual bool raw_bundle(std::wostringstream& out, const xvar& value, exception& result) = 0;
@@ -170,8 +175,9 @@ class KESTA_API oauth_writer : public json_ordered_writer {
 /// number that the conversion refuses throws std::invalid_argument or std::out_of_range.
 ///
 /// @quirk Brackets are not matched, exponents are not read, a colon ends a key inside its quotes, of the
-/// escapes only `\"`, `\\` and `\n` are understood, a word that fails makes every further character an error;
-/// one that begins with another letter is passed over.
+/// escapes only `\"`, `\\` and `\n` are understood, a word that fails makes every further character an error.
+/// @quirk A letter that begins no word (all but t, f, n, T and F) is passed over, the rest of its word letter
+/// by letter: `oops` leaves no trace, while `int` and `off` fail at what is behind their n and f.
 class KESTA_API json_reader : public ireader {
  public:
   json_reader();
@@ -235,8 +241,8 @@ class KESTA_API json : public iserializer {
   /// Writes in key order, in one line, escaped.
   json();
   /// Writes members in key order or in the order in which the bundle got them, in one line or with a line and
-  /// tabs for each member, texts escaped or not. Without `escaped`, texts are quoted as they stand, and the
-  /// order is by key whatever `ordered` says.
+  /// tabs for each member, texts escaped or not. Without `escaped`, texts are quoted as they stand.
+  /// @quirk Without `escaped` the order is by key, whatever `ordered` says.
   ///
   /// Tabs grow with the square of the nesting: text from elsewhere is written with limit_indentation().
   json(bool ordered, bool tabulated, bool escaped);
@@ -245,6 +251,7 @@ class KESTA_API json : public iserializer {
   json& operator=(const json&) = delete;
 
   /// `options` is ignored.
+  /// @quirk Of a bundle that has the key "__json_array__" nothing but its value is written.
   bool serialize(std::wstring& out, const bundle& in, exception* err = nullptr, int options = 0) override;
   /// Reads to the end whatever the text holds; of several failures the last one is reported and everything
   /// else is kept. The exception of a number that can't be converted leaves this function.

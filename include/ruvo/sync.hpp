@@ -145,7 +145,7 @@ class KESTA_API cautionary {
 /// All operations may be called from any thread. The object must outlive its thread: join before destroying
 /// it. The destructors of the library's classes cancel and join, but when they run, what a derived class adds
 /// is gone, and a `work` that is still busy would use it: a derived class joins in its own destructor.
-/// An exception that escapes `work` ends the process (task::call catches them).
+/// @quirk An exception that escapes `work` ends the process (task::call catches them).
 template <class In, class Progress, class Out>
 class issueable : public async_callback<In, Out>, public cautionary {
  public:
@@ -200,7 +200,7 @@ class issueable : public async_callback<In, Out>, public cautionary {
   bool joinable() const;
   /// That of the thread; of none after joining or detaching it.
   std::thread::id get_id() const;
-  /// The identifier, made once for the object: 32 digits as XXXXXXXX-XXXX-XXXX-XXXXXXXXXXXXXXXX.
+  /// The identifier, made once for the object: 32 digits as XXXXXXXX-XXXX-XXXXXXXXXXXXXXXXXXXX.
   std::wstring get_uuid() const;
 
   /// By identifiers: an object is equal to itself only.

@@ -175,7 +175,9 @@ class KESTA_API var {
   /// no number gives 0. Text gives 0 unless can_be_number(), and throws std::out_of_range beyond `long
   /// long`, to an unsigned type too; a date or time without calendar form throws exc::CalendarException.
   ///
-  /// A null cell throws an empty std::exception_ptr (by value), any other kind std::bad_cast.
+  /// A null cell throws exc::NullValue, any other kind std::bad_cast.
+  /// @quirk What a null cell throws in all conversions is an empty std::exception_ptr, by value, and no
+  /// std::exception.
   operator short() const;
   operator unsigned short() const;
   operator int() const;
@@ -185,29 +187,29 @@ class KESTA_API var {
   operator long long() const;
   operator unsigned long long() const;
   /// From bool, the numbers, date and time (as to an integer), datetime (its seconds since 1970) and text: 0
-  /// unless can_be_number(). What is beyond a float becomes infinite.
+  /// unless can_be_number(). What is beyond a float becomes infinite; a text beyond a double throws
+  /// std::out_of_range, to float too.
   ///
-  /// A null cell throws an empty std::exception_ptr (by value), any other kind std::bad_cast.
+  /// A null cell throws exc::NullValue, any other kind std::bad_cast.
   operator float() const;
   operator double() const;
   /// From bool, from the integers 0 and 1, and from the words of can_be_boolean(). All else throws
-  /// std::bad_cast, a null cell an empty std::exception_ptr (by value).
+  /// std::bad_cast, a null cell exc::NullValue.
   /// @quirk The empty text is false here although can_be_boolean() denies it.
   operator bool() const;
-  /// From wchar_t and from text (its first unit, 0 when empty). All else throws std::bad_cast, a null cell an
-  /// empty std::exception_ptr (by value).
+  /// From wchar_t and from text (its first unit, 0 when empty). All else throws std::bad_cast, a null cell
+  /// exc::NullValue.
   operator wchar_t() const;
-  /// to_string(), from every kind. A null cell throws an empty std::exception_ptr (by value).
+  /// to_string(), from every kind. A null cell throws exc::NullValue.
   operator std::wstring() const;
-  /// From binary, and from every other kind the UTF-8 bytes of its to_string(). A null cell throws an empty
-  /// std::exception_ptr (by value).
+  /// From binary, and from every other kind the UTF-8 bytes of its to_string(). A null cell throws
+  /// exc::NullValue.
   operator binary() const;
-  /// From memo, and from every other kind its to_string(). A null cell throws an empty std::exception_ptr (by
-  /// value).
+  /// From memo, and from every other kind its to_string(). A null cell throws exc::NullValue.
   operator memo() const;
   /// From dates, datetimes, integers (yyyymmdd) and text (a number, or "dd-mm-yyyy"). A text that is neither
-  /// throws what the date's own parser throws; all else throws std::bad_cast, a null cell an empty
-  /// std::exception_ptr (by value).
+  /// throws what the date's own parser throws; all else throws std::bad_cast, a null cell
+  /// exc::NullValue.
   operator date() const;
   /// From times, datetimes, integers (hhmmss) and text (a number, or "hh:mm:ss"); throws as the conversion to
   /// date does.

@@ -79,9 +79,9 @@ KESTA_API bool directory_list(const file& folder, exception& err, std::vector<fi
 /// `from` that were copied.
 ///
 /// False on failure, with the first failure copied to `err`. Failures: those of copy_file() and
-/// directory_list(), exc::fileUnCreateFolder for a folder, and when `to`
-/// is `from` or lies in it; exc::fileExpectedFolder and exc::fileExpectedFile where an entry of the other
-/// kind stands; exc::fileOsStream for a link, which is not copied.
+/// directory_list(), exc::fileUnCreateFolder for a folder, and when `to` is `from` or lies in it;
+/// exc::fileExpectedFolder and exc::fileExpectedFile where an entry of the other kind stands;
+/// exc::fileOsStream for a link, which is not copied.
 KESTA_API bool copy_folder(const file& from, file to, exception& err, fileFilter* filter = nullptr,
                            fileCallback* callback = nullptr, std::vector<file>* out = nullptr);
 KESTA_API bool copy_folder(const file& from, file to, exception& err, fileCallback& callback);

@@ -76,8 +76,7 @@ KESTA_API bool is_locked(file path);
 /// The file whose path is that of `path` with the text behind it.
 KESTA_API file append(const file& path, const std::wstring& text);
 /// A free name in the same folder: `prefix` and `suffix` are put around the simple name, and if that is
-/// taken,
-/// "_01", "_02", ... behind them ("informe.txt", "informe_01.txt").
+/// taken, "_01", "_02", ... behind them ("informe.txt", "informe_01.txt").
 KESTA_API file autorename(const file& path, const std::wstring& prefix = {}, const std::wstring& suffix = {});
 /// A free name in a folder: `prefix`, `name`, and a counter from "_01" on; then `extension`, with a "."
 /// before it unless it is empty or brings its own.

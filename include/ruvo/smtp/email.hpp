@@ -185,6 +185,7 @@ class KESTA_API email {
   void clear() noexcept { recipients_.clear(); }
 
   /// "FROM", "SENDER", "TO", "CC", "BCC"; empty for any other value.
+  /// @quirk "BCC" is the role of CCO_, which headers and bundles call "Cco" and "cco".
   static std::wstring to_string(RCTP role);
   /// The role that a text stands for, without regard to case and blanks around it.
   /// @quirk CC for "TO" and TO for every other text: programs count on it.

@@ -60,6 +60,7 @@ class KESTA_API mailbox {
   bool is_secure() const noexcept { return encryption_ != NONE; }
 
   /// "smtp://" or, when secure, "smtps://", then the host and ":port". Holds no credentials.
+  /// @quirk STARTTLS is secure in this sense, although its connection begins in clear.
   /// @quirk A host that carries a port shows two, and a port of five digits, or of one, does not read back.
   std::wstring get_url() const;
   /// Whether the host is two or three labels, each with a dot, two letters a-z and perhaps ":" and digits.

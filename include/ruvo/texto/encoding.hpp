@@ -67,8 +67,7 @@ KESTA_API std::wstring string_to_hex(const std::wstring& text);
 KESTA_API std::wstring string_to_hex(const std::string& text);
 KESTA_API std::wstring bytes_to_hexString(const unsigned char* bytes, unsigned long count);
 /// The characters, one a byte, that pairs of digits of either case stand for; an odd last digit is ignored.
-/// Throws std::invalid_argument ("invalid
-/// hex digit").
+/// Throws std::invalid_argument ("invalid hex digit").
 KESTA_API std::wstring hex_to_string(const std::wstring& hex);
 KESTA_API std::string hex_to_string(const std::string& hex);
 /// The value of a digit, 0 to 15. Throws std::invalid_argument ("invalid hex digit").

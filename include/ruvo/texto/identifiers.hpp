@@ -24,8 +24,7 @@ KESTA_API std::wstring ocultar_numeros_cuenta(const std::wstring& text, int n, w
 // Checks. Letters may be small; blanks and separators make a number invalid (limpia_nif_() removes them), and
 // so does every character above 127. None throws.
 
-/// Whether it is a DNI: eight digits and their control letter, which may be small. As in all of these checks,
-/// blanks and separators make a number invalid; limpia_nif_() removes them.
+/// Whether it is a DNI: eight digits and their control letter.
 KESTA_API bool valida_dni(const std::string& text);
 KESTA_API bool valida_dni(const std::wstring& text);
 

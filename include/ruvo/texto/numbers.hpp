@@ -12,8 +12,9 @@ namespace ruvo::texto {
 /// three digits. The separators are those of the calling thread's application, ',' and '.' on a thread
 /// without one. A negative number that rounds to zero keeps its sign ("-0"). "nan", "inf", "-inf".
 KESTA_API std::wstring format(double value, short decimals);
-/// The same without decimals. A double takes this form too when no decimals are given, and loses its own:
-/// format(1234.56) gives "1.234".
+/// The same without decimals.
+/// @quirk A double takes this form too when no decimals are given, and loses its own: format(1234.56) gives
+/// "1.234".
 KESTA_API std::wstring format(long value);
 
 /// Decimal digits of the absolute value; 1 for 0.

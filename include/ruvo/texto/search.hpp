@@ -48,8 +48,8 @@ enum modo_busqueda : int {
 /// Whether `text` holds `*` or `?`.
 KESTA_API bool has_mask(const std::wstring& text);
 /// Whether the mask fits the text: `*` stands for any run of characters, the empty one too, and `?` for any
-/// one character. A mask with '*' or '?' must fit the whole text, whatever the mode. Time is at most the
-/// product of both lengths, and no more than their sum for ordinary masks.
+/// one character. Time is at most the product of both lengths, and no more than their sum for ordinary masks.
+/// @quirk A mask with `*` or `?` must fit the whole text, whatever the mode.
 KESTA_API bool match_mask(const std::wstring& text, const std::wstring& mask, modo_busqueda mode);
 /// For a mode that is kept as a number.
 inline bool match_mask(const std::wstring& text, const std::wstring& mask, int mode) {
@@ -69,8 +69,7 @@ KESTA_API std::wstring content(std::wstring text, bool* found = nullptr);
 
 /// Replaces every match of the pattern, which match() describes. In `with`, `$&` is the match, `$1` to `$99`
 /// its groups, `` $` `` what stands between the previous match and this one, `$'` what stands behind it, and
-/// `$$` a dollar sign. Throws
-/// std::regex_error, and then leaves the text as it was.
+/// `$$` a dollar sign. Throws std::regex_error, and then leaves the text as it was.
 KESTA_API std::wstring& replace(std::wstring& text, std::wstring pattern, std::wstring with);
 KESTA_API std::wstring replace_(const std::wstring& text, std::wstring pattern, std::wstring with);
 /// Replaces every `from`; both are literal characters, so '.' and '*' are safe too.
@@ -88,8 +87,9 @@ KESTA_API std::wstring escape_regex_pattern(const std::wstring& text);
 
 // Splitting
 
-/// The pieces between the separators. Empty pieces are kept, but none follows a final separator: ",a,,b,"
-/// gives "", "a", "", "b". An empty text gives one empty piece, an empty separator the whole text.
+/// The pieces between the separators, empty ones too. An empty text gives one empty piece, an empty separator
+/// the whole text.
+/// @quirk No piece follows a final separator: ",a,,b," gives "", "a", "", "b".
 KESTA_API std::vector<std::wstring> split(const std::wstring& text, const std::wstring& separator);
 /// Appends the pieces to `out`.
 KESTA_API void split_on(std::vector<std::wstring>& out, const std::wstring& text,
