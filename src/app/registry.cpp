@@ -84,8 +84,10 @@ void publish(std::uint32_t id, application* app) noexcept {
     in.beyond.fetch_add(1, std::memory_order_release);
 }
 
+// The tag stays: for a reader the one application is as right as the other.
 void republish(std::uint32_t id, application* app) noexcept {
-  if (slot* const taken = id ? slot_of(bucket_of(id), id) : nullptr) taken->take(id, app);
+  if (slot* const taken = id ? slot_of(bucket_of(id), id) : nullptr)
+    taken->app.store(app, std::memory_order_release);
 }
 
 void withdraw(std::uint32_t id) noexcept {
