@@ -10,6 +10,9 @@
 
 #include <string>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 struct HINSTANCE__;  // the system's module handle, without its headers
 
 namespace ruvo {
@@ -176,3 +179,5 @@ class KESTA_API app : public application {
 }  // namespace kesta
 
 }  // namespace ruvo
+
+#include <ruvo/names_back.hpp>

@@ -12,6 +12,9 @@
 #include <utility>
 #include <vector>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo {
 
 /// Owns its bytes; copies copy them.
@@ -158,3 +161,5 @@ class KESTA_API binary {
 KESTA_API std::wostream& operator<<(std::wostream& out, const binary& value);
 
 }  // namespace ruvo
+
+#include <ruvo/names_back.hpp>

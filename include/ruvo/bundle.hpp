@@ -13,6 +13,9 @@
 #include <string>
 #include <utility>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo {
 
 namespace detail {
@@ -329,3 +332,5 @@ struct KESTA_API xvar_dummies {
 };
 
 }  // namespace ruvo
+
+#include <ruvo/names_back.hpp>

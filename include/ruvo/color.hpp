@@ -10,6 +10,9 @@
 #include <string>
 #include <type_traits>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo {
 
 /// Components of 0-255, alpha of 0.0 (transparent) to 1.0 (opaque).
@@ -237,3 +240,5 @@ class KESTA_API color {
 KESTA_API std::wostream& operator<<(std::wostream& out, const color& value);
 
 }  // namespace ruvo
+
+#include <ruvo/names_back.hpp>

@@ -10,6 +10,9 @@
 #include <string>
 #include <string_view>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo {
 
 /// A day. Its number is yyyymmdd: 20240229 is 29 February 2024. Fields out of their range are normalised
@@ -169,3 +172,5 @@ KESTA_API date last_day_of_week(const date& day);
 }  // namespace dates
 
 }  // namespace ruvo
+
+#include <ruvo/names_back.hpp>

@@ -12,6 +12,9 @@
 #include <string>
 #include <type_traits>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo {
 
 /// An instant. Its number is the seconds since 1970-01-01 00:00:00 UTC. Fields out of their range are
@@ -172,3 +175,5 @@ KESTA_API int diff_seconds(const datetime& from, const datetime& to);
 }  // namespace datetimes
 
 }  // namespace ruvo
+
+#include <ruvo/names_back.hpp>

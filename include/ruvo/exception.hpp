@@ -12,6 +12,9 @@
 #include <memory>
 #include <string>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo {
 
 namespace detail {
@@ -143,3 +146,5 @@ class KESTA_API exception : public ruvo::exception {
 }  // namespace kesta
 
 }  // namespace ruvo
+
+#include <ruvo/names_back.hpp>

@@ -13,6 +13,9 @@
 #include <string>
 #include <string_view>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo {
 
 namespace detail {
@@ -247,3 +250,5 @@ KESTA_API std::wistream& operator>>(std::wistream& in, response& message);
 }  // namespace http
 
 }  // namespace ruvo
+
+#include <ruvo/names_back.hpp>

@@ -11,6 +11,9 @@
 #include <string>
 #include <string_view>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo {
 
 /// An instant, as seconds since 1970-01-01 00:00:00 UTC in the proleptic Gregorian calendar, with the mode in
@@ -165,3 +168,5 @@ class KESTA_API lapse {
 };
 
 }  // namespace ruvo
+
+#include <ruvo/names_back.hpp>

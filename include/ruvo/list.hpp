@@ -10,6 +10,9 @@
 #include <utility>
 #include <vector>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo {
 
 /// A contiguous sequence of xvar with the operations of std::vector, and their complexity and rules for
@@ -161,3 +164,5 @@ class KESTA_API list {
 KESTA_API std::wostream& operator<<(std::wostream& out, const list& value);
 
 }  // namespace ruvo
+
+#include <ruvo/names_back.hpp>

@@ -10,14 +10,13 @@
 #include <memory>
 #include <string>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo {
 
 /// What belongs to logs: levels, the form of their lines, targets of loggers.
 namespace reg {
-
-// Programs define DEBUG for themselves.
-#pragma push_macro("DEBUG")
-#undef DEBUG
 
 /// How much an entry matters: the lower, the more.
 enum LVL : long {
@@ -29,8 +28,6 @@ enum LVL : long {
   SQL,            ///< 6, the statements sent to a database
   VERBOSE         ///< 7, everything else
 };
-
-#pragma pop_macro("DEBUG")
 
 /// "ASSERTION" to "VERBOSE"; empty for any other number.
 KESTA_API std::wstring level_name(long level);
@@ -171,3 +168,5 @@ class KESTA_API log {
 };
 
 }  // namespace ruvo
+
+#include <ruvo/names_back.hpp>

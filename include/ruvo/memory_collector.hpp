@@ -8,6 +8,9 @@
 #include <memory>
 #include <string>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo {
 
 /// Owns objects of any type until the thread they are kept for is collected; the rest go with the collector.
@@ -48,3 +51,5 @@ class KESTA_API memory_collector {
 };
 
 }  // namespace ruvo
+
+#include <ruvo/names_back.hpp>

@@ -5,6 +5,9 @@
 #include <ruvo/api.hpp>
 #include <ruvo/exception.hpp>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo::net {
 
 /// An answer with a status. The library opens no connection: the application's transport fills the answer and
@@ -43,3 +46,5 @@ class KESTA_API iresponse {
 };
 
 }  // namespace ruvo::net
+
+#include <ruvo/names_back.hpp>

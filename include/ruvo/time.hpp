@@ -10,6 +10,9 @@
 #include <string>
 #include <string_view>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo {
 
 /// A time of day. Its number is hhmmss: 123456 is 12:34:56. Fields out of their range are normalised
@@ -141,3 +144,5 @@ KESTA_API int diff_minutes(const time& from, const time& to);
 }  // namespace times
 
 }  // namespace ruvo
+
+#include <ruvo/names_back.hpp>

@@ -2,6 +2,9 @@
 
 // The two selectors of the calendar values.
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 /// The selectors of the calendar values, and what lies between two times of day.
 namespace ruvo::times {
 
@@ -24,3 +27,5 @@ enum UNITS : int {
 };
 
 }  // namespace ruvo::times
+
+#include <ruvo/names_back.hpp>

@@ -14,6 +14,9 @@
 #include <string>
 #include <typeinfo>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo {
 
 namespace detail {
@@ -296,3 +299,5 @@ class KESTA_API var {
 KESTA_API std::wostream& operator<<(std::wostream& out, const var& value);
 
 }  // namespace ruvo
+
+#include <ruvo/names_back.hpp>

@@ -8,6 +8,9 @@
 #include <string>
 #include <string_view>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 /// Days kept as a number of days.
 namespace ruvo::velda {
 
@@ -120,3 +123,5 @@ KESTA_API date last_day_of_week(const date& day);
 }  // namespace dates
 
 }  // namespace ruvo::velda
+
+#include <ruvo/names_back.hpp>

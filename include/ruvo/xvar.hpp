@@ -8,6 +8,9 @@
 #include <map>
 #include <string>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo {
 
 namespace detail {
@@ -191,3 +194,5 @@ class KESTA_API xvar : public var {
 };
 
 }  // namespace ruvo
+
+#include <ruvo/names_back.hpp>

@@ -12,6 +12,9 @@
 #include <string>
 #include <utility>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo::smtp {
 
 /// A mail address, perhaps with a name to show. Texts are kept as given: whoever writes them into a header
@@ -97,3 +100,5 @@ class KESTA_API address {
 KESTA_API std::wostream& operator<<(std::wostream& out, const address& value);
 
 }  // namespace ruvo::smtp
+
+#include <ruvo/names_back.hpp>

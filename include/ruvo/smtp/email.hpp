@@ -18,6 +18,9 @@
 #include <string_view>
 #include <vector>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo::smtp {
 
 /// A message with its recipients, each with a role, in the order of their addresses. A mail text is the bare
@@ -267,3 +270,5 @@ class KESTA_API email {
 KESTA_API std::wostream& operator<<(std::wostream& out, const email& value);
 
 }  // namespace ruvo::smtp
+
+#include <ruvo/names_back.hpp>

@@ -9,6 +9,9 @@
 #include <iosfwd>
 #include <string>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo::smtp {
 
 /// A server, how to talk to it, and whom to log in as. The library opens no connection: this is what a
@@ -106,3 +109,5 @@ class KESTA_API mailbox {
 KESTA_API std::wostream& operator<<(std::wostream& out, const mailbox& value);
 
 }  // namespace ruvo::smtp
+
+#include <ruvo/names_back.hpp>

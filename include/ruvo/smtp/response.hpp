@@ -10,6 +10,9 @@
 #include <concepts>
 #include <string>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo::smtp {
 
 /// The transport records each recipient with push(), and a failure of the whole with set_exception().
@@ -48,3 +51,5 @@ class KESTA_API response : public net::iresponse {
 };
 
 }  // namespace ruvo::smtp
+
+#include <ruvo/names_back.hpp>
