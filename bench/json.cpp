@@ -33,7 +33,7 @@ void read(bench::table& table, const corpus& c, const std::wstring& text) {
             {{"kesta",
               [&] {
                 ruvo::bundle document;
-                json.deserialize(document, text);
+                json.deserialize(document, text, nullptr);
                 bench::use(document);
               }},
              {"nlohmann",
@@ -59,7 +59,7 @@ void read(bench::table& table, const corpus& c, const std::wstring& text) {
 void write(bench::table& table, const corpus& c, const std::wstring& text) {
   ruvo::serializer::json json;
   ruvo::bundle own;
-  json.deserialize(own, text);
+  json.deserialize(own, text, nullptr);
   const std::string narrow = ruvo::texto::to_utf_8(text);
   const auto nlohmann = nlohmann::json::parse(narrow);
   const auto boost = boost::json::parse(narrow);

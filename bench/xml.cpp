@@ -73,7 +73,7 @@ int main() {
             {{"kesta",
               [&] {
                 ruvo::bundle document;
-                xml.deserialize(document, text);
+                xml.deserialize(document, text, nullptr);
                 bench::use(document);
               }},
              {"RapidXML",
@@ -86,7 +86,7 @@ int main() {
             {{"RapidXML", 0.3}});
 
   ruvo::bundle own;
-  xml.deserialize(own, text);
+  xml.deserialize(own, text, nullptr);
   std::wstring copy = text, written;
   rapid_document rapid;
   rapid.parse<0>(copy.data());

@@ -70,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     FUZZ_CHECK(written(format, value_again) == once);
     // The text as a document.
     bundle store;
-    format.deserialize(store, text);
+    format.deserialize(store, text, nullptr);
     std::wstring now = written(format, store);
     if (!is_stable(store)) continue;
     for (int n = 0; n < 2; ++n) {

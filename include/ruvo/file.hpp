@@ -72,7 +72,7 @@ class KESTA_API file {
   std::wstring get_extension() const;
   /// A new path, this one with the name's extension replaced or added; `extension` comes without the dot.
   /// @quirk A path that is nothing but its root has no name and is lost: `C:\` gives ".md".
-  file change_extension(const std::wstring& extension) const;
+  [[nodiscard]] file change_extension(const std::wstring& extension) const;
   /// The part of the path below `base`, without regard to the case of A-Z; the whole path when it is not
   /// below it, and empty when both are the same.
   file crop(const file& base) const;
@@ -132,8 +132,10 @@ class KESTA_API file {
 
   /// Make the folder, and with mkdirs() those above it that are missing. True when it is there afterwards,
   /// also if it was before; on failure exc::fileUnCreateFolder is copied to `*err`, unless that is null.
-  bool mkdir(exception* err = nullptr) const;
-  bool mkdirs(exception* err = nullptr) const;
+  bool mkdir(exception* err) const;
+  bool mkdirs(exception* err) const;
+  [[nodiscard]] bool mkdir() const { return mkdir(nullptr); }
+  [[nodiscard]] bool mkdirs() const { return mkdirs(nullptr); }
   /// Removes the file or the empty folder; of a link, the link. Throws exc::fileNotFound, and
   /// exc::fileUnDeleted when the system refuses, as it does for files marked as read-only.
   void erase() const;

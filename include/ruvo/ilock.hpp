@@ -20,7 +20,7 @@ class KESTA_API ilock {
   /// Waits until it is free, and takes it.
   virtual void lock() = 0;
   /// Takes it if it is free, and never waits; false when it is held.
-  virtual bool try_lock() = 0;
+  [[nodiscard]] virtual bool try_lock() = 0;
   /// Gives it back.
   virtual void unlock() = 0;
   /// Whether it is held, by any thread.

@@ -19,8 +19,11 @@ class KESTA_API iserializer {
   /// Replaces `out` by the text of `in`.
   virtual bool serialize(std::wstring& out, const bundle& in, exception* err = nullptr, int options = 0) = 0;
   /// Adds what `in` says to `out`.
-  virtual bool deserialize(bundle& out, const std::wstring& in, exception* err = nullptr,
-                           int options = 0) = 0;
+  virtual bool deserialize(bundle& out, const std::wstring& in, exception* err, int options = 0) = 0;
+  /// The same where only the result tells of failures.
+  [[nodiscard]] bool deserialize(bundle& out, const std::wstring& in) {
+    return deserialize(out, in, nullptr);
+  }
   virtual ~iserializer();
 
  protected:

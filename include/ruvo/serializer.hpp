@@ -255,7 +255,8 @@ class KESTA_API json : public iserializer {
   bool serialize(std::wstring& out, const bundle& in, exception* err = nullptr, int options = 0) override;
   /// Reads to the end whatever the text holds; of several failures the last one is reported and everything
   /// else is kept. The exception of a number that can't be converted leaves this function.
-  bool deserialize(bundle& out, const std::wstring& in, exception* err = nullptr, int options = 0) override;
+  bool deserialize(bundle& out, const std::wstring& in, exception* err, int options = 0) override;
+  using iserializer::deserialize;
 
   /// As iwriter::limit_indentation(), for the texts from now on.
   void limit_indentation(unsigned long levels) noexcept;
@@ -264,10 +265,10 @@ class KESTA_API json : public iserializer {
   ///
   /// The result grows with the square of the nesting: n opening brackets give 2 * n * n blanks, 16,000 of
   /// them 512 million. Text from elsewhere is for the other form.
-  static std::wstring printJsonFormateado(std::wstring text);
+  [[nodiscard]] static std::wstring printJsonFormateado(std::wstring text);
   /// The same, but deeper than so many levels nothing is indented further: each unit of the text becomes
   /// 4 * levels + 2 at most.
-  static std::wstring printJsonFormateado(std::wstring text, unsigned long levels);
+  [[nodiscard]] static std::wstring printJsonFormateado(std::wstring text, unsigned long levels);
 
  private:
   std::unique_ptr<json_reader> reader_;
@@ -275,3 +276,9 @@ class KESTA_API json : public iserializer {
 };
 
 }  // namespace ruvo::serializer
+
+// The rest of the namespace; behind, for XML builds upon the readers and writers above.
+#include <ruvo/json_check.hpp>
+#include <ruvo/reading.hpp>
+#include <ruvo/well_formed_xml.hpp>
+#include <ruvo/xml.hpp>

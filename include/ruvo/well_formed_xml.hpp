@@ -36,6 +36,9 @@ namespace ruvo::serializer {
 ///
 /// Nothing but std::bad_alloc leaves this function. Nesting is limited by memory only; takes linear time, but
 /// for the sorting of attributes and keys.
-KESTA_API bool read_well_formed_xml(bundle& out, std::wstring_view text, exception* err = nullptr);
+KESTA_API bool read_well_formed_xml(bundle& out, std::wstring_view text, exception* err);
+[[nodiscard]] inline bool read_well_formed_xml(bundle& out, std::wstring_view text) {
+  return read_well_formed_xml(out, text, nullptr);
+}
 
 }  // namespace ruvo::serializer

@@ -195,7 +195,8 @@ class KESTA_API xml : public iserializer {
   bool serialize(std::wstring& out, const bundle& in, exception* err = nullptr, int options = 0) override;
   /// Reads to the end whatever the text holds; of several failures the last one is reported and everything
   /// else is kept. @quirk Of several outermost elements with one name only the last one stays.
-  bool deserialize(bundle& out, const std::wstring& in, exception* err = nullptr, int options = 0) override;
+  bool deserialize(bundle& out, const std::wstring& in, exception* err, int options = 0) override;
+  using iserializer::deserialize;
 
   /// As iwriter::limit_indentation(), for the texts from now on.
   void limit_indentation(unsigned long levels) noexcept;

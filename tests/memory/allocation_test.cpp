@@ -88,7 +88,7 @@ const std::wstring document =
 class allocation : public testing::Test {
  protected:
   void SetUp() override {
-    json().deserialize(sample_, document);
+    json().deserialize(sample_, document, nullptr);
     sample_.hack_binary_on(L"cliente.firma") = ruvo::binary(L"a binary");
     sample_.hack_memo_on(L"cliente.memo") = L"a memo";
     sample_[L"a"][L"quality"] = L"a quality of some length";
@@ -102,7 +102,7 @@ TEST_F(allocation, reading) {
   const long long allocations = fail_everywhere([&] {
     json j;
     bundle b;
-    j.deserialize(b, document);
+    j.deserialize(b, document, nullptr);
   });
   EXPECT_GT(allocations, 10);
 }
@@ -170,7 +170,7 @@ TEST_F(allocation, reading_and_writing_xml) {
   const long long allocations = fail_everywhere([&] {
     xml x(true, false);
     bundle b;
-    x.deserialize(b, elements);
+    x.deserialize(b, elements, nullptr);
   });
   EXPECT_GT(allocations, 20);
   bundle order;
@@ -191,7 +191,7 @@ TEST_F(allocation, reading_and_writing_xml) {
   EXPECT_EQ(out, expected);
   fail_everywhere([&] {
     bundle b;
-    used.deserialize(b, elements);
+    used.deserialize(b, elements, nullptr);
   });
 }
 
@@ -224,13 +224,13 @@ TEST_F(allocation, becoming_a_list_loses_nothing) {
 TEST_F(allocation, nothing_is_left_behind) {
   const auto work = [&] {
     bundle b;
-    json().deserialize(b, document);
+    json().deserialize(b, document, nullptr);
     const bundle copy(b);
     std::wstring out;
     json(false, true, true).serialize(out, copy);
     bundle e;
     xml x(false, true);
-    x.deserialize(e, elements);
+    x.deserialize(e, elements, nullptr);
     x.serialize(out, e);
   };
   fail_everywhere(work);

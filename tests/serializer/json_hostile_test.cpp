@@ -60,21 +60,21 @@ TEST_F(json_hostile, what_was_read_is_written_and_read_again) {
     const std::wstring text = i % 2 == 0 ? g.document() : g.mutated(g.document());
     bundle first;
     try {
-      ordered.deserialize(first, text);
+      ordered.deserialize(first, text, nullptr);
     } catch (const std::logic_error&) {
       continue;
     }
     std::wstring once, twice;
     ASSERT_FALSE(ordered.serialize(once, first));
     bundle second;
-    ordered.deserialize(second, once);
+    ordered.deserialize(second, once, nullptr);
     ASSERT_FALSE(ordered.serialize(twice, second));
     bundle third;
-    ordered.deserialize(third, twice);
+    ordered.deserialize(third, twice, nullptr);
     std::wstring thrice;
     ASSERT_FALSE(positional.serialize(thrice, third));
     bundle fourth;
-    ordered.deserialize(fourth, thrice);
+    ordered.deserialize(fourth, thrice, nullptr);
     ASSERT_EQ(third.to_string(), fourth.to_string()) << i;
   }
 }

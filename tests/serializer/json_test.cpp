@@ -137,7 +137,8 @@ TEST(json_reader, a_bad_number_leaves_and_the_reader_is_usable_again) {
     EXPECT_EQ(again.to_string(), L"{\"z\":1}");
   }
   bundle b;
-  EXPECT_THROW(j.deserialize(b, L"{\"a\":1,\"b\":" + std::wstring(10000, L'7') + L"}"), std::out_of_range);
+  EXPECT_THROW((void)j.deserialize(b, L"{\"a\":1,\"b\":" + std::wstring(10000, L'7') + L"}"),
+               std::out_of_range);
   EXPECT_EQ(b.to_string(), L"{\"a\":1}");
   const std::wstring zeros = L"{\"a\":0." + std::wstring(10000, L'0') + L"7}";
   EXPECT_FALSE(j.deserialize(b, zeros));

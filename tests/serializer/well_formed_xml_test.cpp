@@ -111,7 +111,7 @@ TEST(well_formed_xml, attributes) {
   EXPECT_EQ(xml_outcome::text_of(o.store), xml_outcome::text_of([] {
               bundle b;
               ruvo::serializer::xml(true, false)
-                  .deserialize(b, L"<r x=\"1\"><a y=\"2\">t</a><a z=\"3\"><b/></a></r>");
+                  .deserialize(b, L"<r x=\"1\"><a y=\"2\">t</a><a z=\"3\"><b/></a></r>", nullptr);
               return b;
             }()));
 }

@@ -141,7 +141,7 @@ TEST_F(xml_hostile, writing_what_was_read_is_a_fixed_point) {
     for (const bool ordered : {true, false}) {
       ++inputs;
       bundle document;
-      xml(ordered, false).deserialize(document, g.document());
+      xml(ordered, false).deserialize(document, g.document(), nullptr);
       for (const bundle& in : {document, g.values()}) {
         const std::wstring once = reread(rewritten(in, ordered), ordered), twice = reread(once, ordered);
         EXPECT_EQ(reread(twice, ordered), twice) << testing::PrintToString(once);
@@ -175,8 +175,8 @@ TEST_F(xml_hostile, large_things) {
     std::wstring text = L"<r>";
     for (int i = 0; i < many; ++i) text += piece;
     bundle ignored;
-    x.deserialize(ignored, text);
-    x.deserialize(ignored, L"<r y=\"2\" " + text);
+    x.deserialize(ignored, text, nullptr);
+    x.deserialize(ignored, L"<r y=\"2\" " + text, nullptr);
   }
 }
 

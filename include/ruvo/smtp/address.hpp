@@ -76,7 +76,7 @@ class KESTA_API address {
   /// when the text has another form, a bare mail address too: this address stays as it was.
   ///
   /// Blanks around the name are dropped, and so are quotes around a name that has none inside.
-  bool deserialize(const std::wstring& text);
+  [[nodiscard]] bool deserialize(const std::wstring& text);
 
   /// "name" and "email", as the assignment reads them.
   operator bundle() const;

@@ -83,7 +83,7 @@ class KESTA_API mailbox {
   /// The user ends at the first ':' and the password at the last '@'; neither is decoded. "smtps://" gives
   /// the mode whose customary port the text names, otherwise SSL; "smtp://" gives NONE; without a scheme the
   /// port tells, and NONE is for the others.
-  bool deserialize(const std::wstring& text);
+  [[nodiscard]] bool deserialize(const std::wstring& text);
 
   /// "host", "port" (0 when none was set), "encryption" (as to_string() spells it), "user" and "password".
   operator bundle() const;

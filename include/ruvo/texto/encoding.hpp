@@ -81,7 +81,7 @@ KESTA_API std::string hex_to_dec(const std::string& hex);
 
 /// Percent-encoding of the text's UTF-8, RFC 3986: letters, digits and `-._~` stay, every other byte becomes
 /// `%` and two upper-case digits. For a part of an address, not for a whole one: its "/" and "?" do not stay.
-KESTA_API std::wstring web_encode(std::wstring text);
+[[nodiscard]] KESTA_API std::wstring web_encode(std::wstring text);
 /// The UTF-8 text as "Q" encoded words of a mail header, RFC 2047: `=?UTF-8?Q?...?=`, each of at most 75
 /// characters, ending between characters and joined by CRLF and a blank. What stands before the first word is
 /// not counted: behind a field's name its line may pass the 76 characters of section 2 by that name. Literal

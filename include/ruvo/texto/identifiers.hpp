@@ -11,11 +11,11 @@ namespace ruvo::texto {
 // Cleaning
 
 /// The letters (A-Z, a-z) and digits of an identity number, in their case.
-KESTA_API std::wstring limpia_nif_(const std::wstring& text);
+[[nodiscard]] KESTA_API std::wstring limpia_nif_(const std::wstring& text);
 
 /// The digits of a telephone number. With `keeps_plus` a '+' that stands before the first digit is kept in
 /// front of them, as the sign of an international number; "00" in its place are digits like all others.
-KESTA_API std::wstring limpia_telefono_(const std::wstring& text, bool keeps_plus);
+[[nodiscard]] KESTA_API std::wstring limpia_telefono_(const std::wstring& text, bool keeps_plus);
 
 /// `text` with all but its last `n` characters replaced by `c`; unchanged when `n` is below 1 or above the
 /// length.

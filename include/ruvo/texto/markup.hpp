@@ -13,10 +13,10 @@ namespace ruvo::texto {
 
 /// Doubles each ', as a text literal needs it.
 KESTA_API std::wstring& escaped_to_sql(std::wstring& text);
-KESTA_API std::wstring escaped_to_sql_(const std::wstring& text);
+[[nodiscard]] KESTA_API std::wstring escaped_to_sql_(const std::wstring& text);
 /// Halves each pair of '.
 KESTA_API std::wstring& escaped_from_sql(std::wstring& text);
-KESTA_API std::wstring escaped_from_sql_(const std::wstring& text);
+[[nodiscard]] KESTA_API std::wstring escaped_from_sql_(const std::wstring& text);
 
 // HTML
 
@@ -28,11 +28,11 @@ KESTA_API std::wstring& escaped_from_html(std::wstring& text);
 
 /// Line ends, CR LF or LF alone, to `<br/>`, then escaped_to_html. A CR alone stays.
 KESTA_API std::wstring& to_html(std::wstring& text);
-KESTA_API std::wstring to_html_(const std::wstring& text);
+[[nodiscard]] KESTA_API std::wstring to_html_(const std::wstring& text);
 /// escaped_from_html, then `<br/>` and `</br>` to CR LF, then every tag is removed. A `<` without a `>`
 /// behind it stays.
 KESTA_API std::wstring& to_plain(std::wstring& text);
-KESTA_API std::wstring to_plain_(const std::wstring& text);
+[[nodiscard]] KESTA_API std::wstring to_plain_(const std::wstring& text);
 
 /// Whether there is a tag in the text: a `<`, anything but `>`, and a `>`.
 KESTA_API bool is_html(const std::wstring& text);
@@ -42,8 +42,8 @@ KESTA_API bool is_html(const std::wstring& text);
 /// std::wstring::npos.
 KESTA_API unsigned long long remove_html_and_body_tags(std::wstring& text);
 /// The same; the position goes to `*body`, if given.
-KESTA_API std::wstring remove_html_and_body_tags_(const std::wstring& text,
-                                                  unsigned long long* body = nullptr);
+[[nodiscard]] KESTA_API std::wstring remove_html_and_body_tags_(const std::wstring& text,
+                                                                unsigned long long* body = nullptr);
 
 // JSON
 

@@ -63,7 +63,7 @@ KESTA_API std::wstring mask_to_sql(const std::wstring& mask);
 /// pair, the text as it is: an unquoted value is its own content. `*found`, if given, tells whether there
 /// was a pair.
 /// @quirk The marks need not be alike: "it's" in double quotation marks gives `it`.
-KESTA_API std::wstring content(std::wstring text, bool* found = nullptr);
+[[nodiscard]] KESTA_API std::wstring content(std::wstring text, bool* found = nullptr);
 
 // Replacing
 
@@ -71,7 +71,8 @@ KESTA_API std::wstring content(std::wstring text, bool* found = nullptr);
 /// its groups, `` $` `` what stands between the previous match and this one, `$'` what stands behind it, and
 /// `$$` a dollar sign. Throws std::regex_error, and then leaves the text as it was.
 KESTA_API std::wstring& replace(std::wstring& text, std::wstring pattern, std::wstring with);
-KESTA_API std::wstring replace_(const std::wstring& text, std::wstring pattern, std::wstring with);
+[[nodiscard]] KESTA_API std::wstring replace_(const std::wstring& text, std::wstring pattern,
+                                              std::wstring with);
 /// Replaces every `from`; both are literal characters, so '.' and '*' are safe too.
 KESTA_API std::wstring& replace(std::wstring& text, wchar_t from, wchar_t to);
 

@@ -12,16 +12,16 @@ namespace ruvo::texto {
 
 /// Removes the blanks at the start: blank, TAB, LF, VT, FF and CR.
 KESTA_API std::wstring& ltrim(std::wstring& text);
-KESTA_API std::wstring ltrim_(const std::wstring& text);
+[[nodiscard]] KESTA_API std::wstring ltrim_(const std::wstring& text);
 /// Removes the blanks at the end.
 KESTA_API std::wstring& rtrim(std::wstring& text);
-KESTA_API std::wstring rtrim_(const std::wstring& text);
+[[nodiscard]] KESTA_API std::wstring rtrim_(const std::wstring& text);
 /// Removes the blanks at both ends.
 KESTA_API std::wstring& trim(std::wstring& text);
-KESTA_API std::wstring trim_(const std::wstring& text);
+[[nodiscard]] KESTA_API std::wstring trim_(const std::wstring& text);
 
 /// The text without TAB, LF and CR, wherever they stand.
-KESTA_API std::wstring clear(std::wstring text);
+[[nodiscard]] KESTA_API std::wstring clear(std::wstring text);
 
 /// `a` unless it is empty, else `b`. The narrow form converts from UTF-8.
 KESTA_API std::wstring safe_non_empty(const std::wstring& a, const std::wstring& b);
@@ -32,11 +32,11 @@ KESTA_API std::wstring safe_non_empty(const std::string& a, const std::string& b
 /// Small letters for A-Z and for the accented capitals U+00C0 to U+00DD (without U+00D7); all else stays.
 KESTA_API wchar_t to_lowercase(wchar_t c);
 KESTA_API std::wstring& to_lowercase(std::wstring& text);
-KESTA_API std::wstring to_lowercase_(const std::wstring& text);
+[[nodiscard]] KESTA_API std::wstring to_lowercase_(const std::wstring& text);
 /// Capitals for a-z and for the accented small letters U+00E0 to U+00FD (without U+00F7); all else stays.
 KESTA_API wchar_t to_uppercase(wchar_t c);
 KESTA_API std::wstring& to_uppercase(std::wstring& text);
-KESTA_API std::wstring to_uppercase_(const std::wstring& text);
+[[nodiscard]] KESTA_API std::wstring to_uppercase_(const std::wstring& text);
 
 // Word forms. Words are separated by blanks of any kind, no-break spaces and others beyond ASCII too, unlike
 // the ends that trim() cuts.
@@ -44,19 +44,19 @@ KESTA_API std::wstring to_uppercase_(const std::wstring& text);
 /// "hola mundo" gives "HolaMundo": letters lose their accents, all but letters and digits is dropped and
 /// starts a new word, which begins with a capital and goes on in small letters.
 KESTA_API std::wstring& to_camel_case(std::wstring& text);
-KESTA_API std::wstring to_camel_case_(const std::wstring& text);
+[[nodiscard]] KESTA_API std::wstring to_camel_case_(const std::wstring& text);
 
 /// "HolaMundo" gives "hola_mundo": letters lose their accents, all but letters and digits is dropped, and an
 /// underscore stands before what was a capital, but not at the start.
 /// @quirk A blank separates nothing: "hola mundo" gives "holamundo"; only capitals do.
 KESTA_API std::wstring& to_snake_case(std::wstring& text);
-KESTA_API std::wstring to_snake_case_(const std::wstring& text);
+[[nodiscard]] KESTA_API std::wstring to_snake_case_(const std::wstring& text);
 
 /// Words with one blank between them, each with a capital first and small letters after it: "JUAN  perez"
 /// gives "Juan Perez".
 /// @quirk A first letter outside A-Z and a-z stays as it is: "árbol" and "Árbol" keep theirs.
 KESTA_API std::wstring& to_capitalize_case(std::wstring& text);
-KESTA_API std::wstring to_capitalize_case_(const std::wstring& text);
+[[nodiscard]] KESTA_API std::wstring to_capitalize_case_(const std::wstring& text);
 
 // Names
 
@@ -67,7 +67,7 @@ KESTA_API std::wstring to_capitalize_case_(const std::wstring& text);
 /// "Eugeni d'Ors", "De la Fuente". A single letter after an apostrophe at the end of a word stays small.
 /// Roman numerals from II to XXXIX are large, but not at the start; "I" only as the last word ("Juan
 /// Carlos I", "Puig i Cadafalch").
-KESTA_API std::wstring to_capitalize_name_(const std::wstring& name);
+[[nodiscard]] KESTA_API std::wstring to_capitalize_name_(const std::wstring& name);
 
 /// Whether `word`, in capitals or small letters, is one of: de del dels; el la los las; els les; da das do
 /// dos; y e i; di du van von der den zu.
@@ -87,7 +87,7 @@ KESTA_API std::wstring corregir_nombre_municipio(const std::wstring& name);
 /// "García López, Juan" gives "Juan García López": what stands before the first comma goes to the end.
 /// Further commas only separate ("López, Ana, María" gives "Ana María López"); the parts are trimmed, empty
 /// ones are dropped and one blank joins them. Without a comma the trimmed text.
-KESTA_API std::wstring order_name_(const std::wstring& name);
+[[nodiscard]] KESTA_API std::wstring order_name_(const std::wstring& name);
 
 // Cleaning
 
@@ -97,7 +97,7 @@ KESTA_API wchar_t limpia_puntuacion(wchar_t c, wchar_t r);
 /// Accented letters become plain ones.
 /// @quirk `r` is ignored: unlike the form for one character, every other character stays.
 KESTA_API std::wstring& limpia_puntuacion(std::wstring& text, wchar_t r);
-KESTA_API std::wstring limpia_puntuacion_(const std::wstring& text, wchar_t r);
+[[nodiscard]] KESTA_API std::wstring limpia_puntuacion_(const std::wstring& text, wchar_t r);
 
 /// Replaces typographic characters by those of a keyboard, in place: quotes of any kind, guillemets and
 /// primes by " or ', dashes and the minus sign by -, the ellipsis by three points, spaces of any width by a
