@@ -2,6 +2,7 @@
 
 #if defined(_MSVC_LANG) ? _MSVC_LANG < 202002L : __cplusplus < 202002L
 #  error "kesta needs C++20: -std=c++20, or /std:c++20 for Visual Studio"
+#  include <kesta/needs/C++20>  // there is none: what is missing stops a compiler, an #error does not
 #endif
 
 #include <ruvo/abi.hpp>

@@ -44,6 +44,10 @@ class KESTA_API bundle {
     entry& operator=(const entry&) = delete;
     ~entry();
 
+    /// Copies of both: so a bundle fills a std::map, and a loop may ask for pairs.
+    operator std::pair<const std::wstring, xvar>() const { return {first, second}; }
+    operator std::pair<std::wstring, xvar>() const { return {first, second}; }
+
     const std::wstring& first;  ///< The key; valid as long as the entry.
     xvar second;                ///< The value.
 
@@ -173,7 +177,7 @@ class KESTA_API bundle {
   /// Removes all entries.
   void clear() noexcept;
   /// Whether there are no entries.
-  bool empty() const noexcept { return size() == 0; }
+  [[nodiscard]] bool empty() const noexcept { return size() == 0; }
   /// The number of entries; those of nested bundles do not count.
   size_type size() const noexcept;
   /// Makes room for `count` entries in one block.
@@ -235,9 +239,16 @@ class KESTA_API bundle {
   /// As hack_binary_on; a missing or empty binary becomes `initial`.
   binary& hack_nc_binary_on(const std::wstring& path, const binary& initial, char separator = '.');
   binary& hack_nc_binary_on(const std::string& path, const binary& initial, char separator = '.');
+  binary& hack_nc_binary_on(const std::wstring& path, char separator, const binary& initial) {
+    return hack_nc_binary_on(path, initial, separator);
+  }
+  binary& hack_nc_binary_on(const std::string& path, char separator, const binary& initial) {
+    return hack_nc_binary_on(path, initial, separator);
+  }
 
   /// The value at the path converted, or the fallback when it is missing, null, fails can_be_number() or does
   /// not convert. They never throw for what they find. get_uxlong reads an unsigned value.
+  /// @quirk The separator stands before the fallback here, and behind it in get_nc_X and get_boolean.
   long get_long(const std::wstring& path, char separator = '.', long fallback = 0) const;
   long get_long(const std::string& path, char separator = '.', long fallback = 0) const;
   unsigned long get_ulong(const std::wstring& path, char separator = '.', unsigned long fallback = 0) const;
@@ -284,12 +295,59 @@ class KESTA_API bundle {
   std::wstring get_nc_string(const std::string& path, const std::wstring& fallback = {},
                              char separator = '.') const;
 
+  /// Refused: a number where the separator stands, as in `get_long(L"iva", 21)`. The separator comes before
+  /// the fallback of get_X, `get_long(L"iva", '.', 21)`, and behind that of get_nc_X and get_boolean.
+  template <class P, detail::is_plain_number N, detail::is_character... C>
+  void get_long(const P& path, N fallback, C... separator) const = delete;
+  template <class P, detail::is_plain_number N, detail::is_character... C>
+  void get_ulong(const P& path, N fallback, C... separator) const = delete;
+  template <class P, detail::is_plain_number N, detail::is_character... C>
+  void get_short(const P& path, N fallback, C... separator) const = delete;
+  template <class P, detail::is_plain_number N, detail::is_character... C>
+  void get_xlong(const P& path, N fallback, C... separator) const = delete;
+  template <class P, detail::is_plain_number N, detail::is_character... C>
+  void get_uxlong(const P& path, N fallback, C... separator) const = delete;
+  template <class P, detail::is_plain_number N, detail::is_character... C>
+  void get_double(const P& path, N fallback, C... separator) const = delete;
+  template <class P, detail::is_plain_number N, detail::is_character... C>
+  void get_float(const P& path, N fallback, C... separator) const = delete;
+  template <class P, detail::is_plain_number N, detail::is_character... C>
+  void get_string(const P& path, N fallback, C... separator) const = delete;
+  template <class P, detail::is_character C, detail::is_plain_number N>
+  void get_nc_long(const P& path, C separator, N fallback) const = delete;
+  template <class P, detail::is_character C, detail::is_plain_number N>
+  void get_nc_ulong(const P& path, C separator, N fallback) const = delete;
+  template <class P, detail::is_character C, detail::is_plain_number N>
+  void get_nc_short(const P& path, C separator, N fallback) const = delete;
+  template <class P, detail::is_character C, detail::is_plain_number N>
+  void get_nc_xlong(const P& path, C separator, N fallback) const = delete;
+  template <class P, detail::is_character C, detail::is_plain_number N>
+  void get_nc_uxlong(const P& path, C separator, N fallback) const = delete;
+  template <class P, detail::is_character C, detail::is_plain_number N>
+  void get_nc_double(const P& path, C separator, N fallback) const = delete;
+  template <class P, detail::is_character C, detail::is_plain_number N>
+  void get_nc_float(const P& path, C separator, N fallback) const = delete;
+  template <class P, detail::is_character C, detail::is_plain_number N>
+  void get_boolean(const P& path, C separator, N fallback) const = delete;
+
   /// The object that the entry at the path holds; it lives as long as the entry holds it. Without one:
   /// `fallback`, or a shared empty object that lives as long as the library.
   const binary& get_binary(const std::wstring& path, const binary& fallback, char separator = '.') const;
   const binary& get_binary(const std::string& path, const binary& fallback, char separator = '.') const;
   const memo& get_memo(const std::wstring& path, const memo& fallback, char separator = '.') const;
   const memo& get_memo(const std::string& path, const memo& fallback, char separator = '.') const;
+  const binary& get_binary(const std::wstring& path, char separator, const binary& fallback) const {
+    return get_binary(path, fallback, separator);
+  }
+  const binary& get_binary(const std::string& path, char separator, const binary& fallback) const {
+    return get_binary(path, fallback, separator);
+  }
+  const memo& get_memo(const std::wstring& path, char separator, const memo& fallback) const {
+    return get_memo(path, fallback, separator);
+  }
+  const memo& get_memo(const std::string& path, char separator, const memo& fallback) const {
+    return get_memo(path, fallback, separator);
+  }
   const bundle& get_bundle(const std::wstring& path, char separator = '.') const;
   const bundle& get_bundle(const std::string& path, char separator = '.') const;
   const list& get_list(const std::wstring& path, char separator = '.') const;

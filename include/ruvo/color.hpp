@@ -3,6 +3,7 @@
 // ruvo::color, one colour in three forms: components, HSL and HTML text.
 
 #include <ruvo/api.hpp>
+#include <ruvo/fences.hpp>
 #include <ruvo/fwd.hpp>
 
 #include <concepts>
@@ -136,6 +137,11 @@ class KESTA_API color {
   }
   /// HSL, of any turn; the colour becomes opaque.
   color& set_color(float hue, float saturation, float luminosity);
+  /// Refused: three integers would be HSL here, while the constructor takes them as components. Write
+  /// `set_color(255, 0, 0, 1.0f)` or `= color(255, 0, 0)` for components, `set_color(0.f, 1.f, 0.5f)` for
+  /// HSL.
+  template <std::integral R, std::integral G, std::integral B>
+  color& set_color(R red, G green, B blue) = delete;
   /// Stores the text. "#RRGGBB" makes the colour opaque; any text but that and "#AARRGGBB" leaves the
   /// components as they are, names of colours too.
   /// @quirk Eight digits are read alpha first, while the text made from components has alpha last: the own

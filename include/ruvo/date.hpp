@@ -73,10 +73,12 @@ class KESTA_API date : public lapse {
   date& operator=(const std::wstring& text);
 
   /// The number yyyymmdd.
+  /// @quirk Expressions with a date reckon with this number, whose parts are fields: `day / 10000` is the
+  /// year. What `+` and `-` would make of it is no date and no number of days, so they are refused.
   operator long() const;
 
   /// lapse::format() in the locale of the thread's context.
-  std::wstring to_string(const std::string& format = canonical) const override;
+  std::wstring to_string(std::string format = canonical) const override;
   /// The text in the canonical format.
   std::wstring print() const override { return to_string(); }
 

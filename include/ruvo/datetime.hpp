@@ -91,7 +91,7 @@ class KESTA_API datetime : public lapse {
   operator time() const;
 
   /// lapse::format() in the locale of the thread's context.
-  std::wstring to_string(const std::string& format = canonical) const override;
+  std::wstring to_string(std::string format = canonical) const override;
   /// The text in the canonical format.
   std::wstring print() const override { return to_string(); }
 

@@ -4,6 +4,7 @@
 // references and pointers by operations that return bool; with a code of 0 it stands for success.
 
 #include <ruvo/api.hpp>
+#include <ruvo/fences.hpp>
 
 #include <concepts>
 #include <cstdint>

@@ -7,6 +7,7 @@ namespace ruvo {
 class application;
 class binary;
 class bundle;
+class color;
 class context;
 class date;
 class datetime;

@@ -3,6 +3,7 @@
 // ruvo::lapse, the instant under the calendar values.
 
 #include <ruvo/api.hpp>
+#include <ruvo/fences.hpp>
 #include <ruvo/fwd.hpp>
 #include <ruvo/times.hpp>
 
@@ -88,7 +89,7 @@ class KESTA_API lapse {
   std::wstring format(const std::wstring& format, const std::string& locale = {}) const;
   std::wstring format(const std::string& format, const std::string& locale = {}) const;
   /// format() in the locale of the thread's context. Narrow formats are UTF-8.
-  virtual std::wstring to_string(const std::string& format) const;
+  virtual std::wstring to_string(std::string format) const;
   /// The canonical text of the type; day and time for an instant that is no more than that.
   virtual std::wstring print() const;
 

@@ -4,8 +4,12 @@
 
 #include <ruvo/xvar.hpp>
 
+#include <concepts>
+#include <functional>
 #include <initializer_list>
 #include <iosfwd>
+#include <iterator>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -58,7 +62,7 @@ class KESTA_API list {
   size_type size() const noexcept { return soul_.size(); }
   size_type max_size() const noexcept { return soul_.max_size(); }
   size_type capacity() const noexcept { return soul_.capacity(); }
-  bool empty() const noexcept { return soul_.empty(); }
+  [[nodiscard]] bool empty() const noexcept { return soul_.empty(); }
   void reserve(unsigned long count) { soul_.reserve(count); }
   void resize(unsigned long long count, const xvar& value = xvar()) { soul_.resize(count, value); }
   void shrink_to_fit() { soul_.shrink_to_fit(); }
@@ -77,6 +81,9 @@ class KESTA_API list {
     return soul_.emplace_back(std::forward<Args>(args)...);
   }
   void pop_back() { soul_.pop_back(); }
+  /// Where the new element is.
+  /// @quirk Where there is room, the elements behind move up by assignment, so what is inserted before the
+  /// end, and what moves, has qualities of the element whose place it takes (see xvar).
   iterator insert(const_iterator where, const xvar& value) { return soul_.insert(where, value); }
   template <std::input_iterator I>
   iterator insert(const_iterator where, I first, I last) {
@@ -139,6 +146,48 @@ class KESTA_API list {
   /// assignment, so an element keeps the qualities of the one it replaces that it lacks itself.
   iterator remove(unsigned long long index);
 
+  /// What std::stable_sort, std::remove_if, std::unique and std::rotate do, for whole elements: each keeps
+  /// its own value and qualities, and gets no others. Iterators and references stay valid, but for those of
+  /// places that go away at the end. The rules are called on const elements before the first one moves: when
+  /// one throws, or memory fails, the list is as it was.
+  /// @quirk The algorithms of the standard library assign elements to each other, which merges qualities (see
+  /// xvar): what std::sort and its like leave has qualities of other elements.
+  ///
+  /// Stable, by `<` of the values (the order of texts: 10 comes before 9) or by `less`. An order that
+  /// contradicts itself gives some order. n log n comparisons, memory for two indexes an element.
+  void sort();
+  template <std::predicate<const xvar&, const xvar&> Less>
+  void sort(Less less) {
+    sort_by([](void* given, const xvar& a,
+               const xvar& b) { return static_cast<bool>(std::invoke(*static_cast<Less*>(given), a, b)); },
+            std::addressof(less));
+  }
+  /// Removes the elements for which `goes` is true; it is asked once for each, in their order. Those that
+  /// stay keep their order. Gives how many went.
+  template <std::predicate<const xvar&> Goes>
+  size_type remove_if(Goes goes) {
+    return remove_those(
+        [](void* given, const xvar& element) {
+          return static_cast<bool>(std::invoke(*static_cast<Goes*>(given), element));
+        },
+        std::addressof(goes));
+  }
+  /// Of elements in a row that are equal leaves the first; gives how many went. Equal are those with the same
+  /// kind and value, whatever their qualities, or those that `equal` says.
+  size_type unique();
+  template <std::predicate<const xvar&, const xvar&> Equal>
+  size_type unique(Equal equal) {
+    const xvar* kept = nullptr;
+    return remove_if([&](const xvar& element) {
+      if (kept && std::invoke(equal, *kept, element)) return true;
+      kept = &element;
+      return false;
+    });
+  }
+  /// Makes `first` the first element: those before it go behind the last one. Gives where the element is that
+  /// was the first; end() when `first` was it already, begin() for end().
+  iterator rotate(const_iterator first) noexcept;
+
   /// "[" elements joined by "," "]": texts quoted with quotes escaped, null as nothing, qualities after their
   /// element.
   /// @quirk Nothing separates two qualities: `[1{"atributos":"q":"a""r":2}]`.
@@ -157,6 +206,9 @@ class KESTA_API list {
   bool operator<(const list& other) const;
 
  private:
+  void sort_by(bool (*before)(void* given, const xvar& a, const xvar& b), void* given);
+  size_type remove_those(bool (*goes)(void* given, const xvar& element), void* given);
+
   vector soul_;
 };
 

@@ -5,6 +5,7 @@
 #include <ruvo/api.hpp>
 #include <ruvo/fwd.hpp>
 
+#include <initializer_list>
 #include <iosfwd>
 #include <string>
 #include <utility>
@@ -60,7 +61,7 @@ class KESTA_API memo {
   size_type size() const noexcept { return text_.size(); }
   size_type length() const noexcept { return text_.size(); }
   size_type capacity() const noexcept { return text_.capacity(); }
-  bool empty() const noexcept { return text_.empty(); }
+  [[nodiscard]] bool empty() const noexcept { return text_.empty(); }
   iterator begin() noexcept { return text_.begin(); }
   iterator end() noexcept { return text_.end(); }
   const_iterator begin() const noexcept { return text_.begin(); }
@@ -75,6 +76,13 @@ class KESTA_API memo {
   template <class... Args>
   decltype(auto) insert(Args&&... args) {
     return text_.insert(std::forward<Args>(args)...);
+  }
+  iterator insert(const_iterator where, std::initializer_list<wchar_t> units) {
+    return text_.insert(where, units);
+  }
+  memo& insert(size_type index, std::initializer_list<wchar_t> units) {
+    text_.insert(index, std::wstring(units));
+    return *this;
   }
   template <class... Args>
   decltype(auto) erase(Args&&... args) {

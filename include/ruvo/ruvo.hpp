@@ -14,6 +14,7 @@
 #include <ruvo/datetime.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/exception.hpp>
+#include <ruvo/fences.hpp>
 #include <ruvo/file.hpp>
 #include <ruvo/files.hpp>
 #include <ruvo/folder_type.hpp>

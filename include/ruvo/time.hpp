@@ -75,6 +75,8 @@ class KESTA_API time : public lapse {
   time& operator=(const std::wstring& text);
 
   /// The number hhmmss.
+  /// @quirk Expressions with a time reckon with this number, whose parts are fields. What `+` and `-` would
+  /// make of it is no time and no number of seconds, so they are refused.
   operator long() const;
   /// Seconds since midnight, 0 to 86399.
   long in_seconds() const;
@@ -86,7 +88,7 @@ class KESTA_API time : public lapse {
   time& set_in_seconds(long seconds);
 
   /// lapse::format() in the locale of the thread's context.
-  std::wstring to_string(const std::string& format = canonical) const override;
+  std::wstring to_string(std::string format = canonical) const override;
   /// The text in the canonical format.
   std::wstring print() const override { return to_string(); }
 

@@ -6,6 +6,7 @@
 // live inside it; longer texts and the other kinds in one block of their own, owned by the cell.
 
 #include <ruvo/api.hpp>
+#include <ruvo/fences.hpp>
 #include <ruvo/fwd.hpp>
 
 #include <concepts>
@@ -71,6 +72,7 @@ class KESTA_API var {
   virtual ~var() { release(); }
 
   /// Holds the value, in the kind that is its type. Texts are one kind, whichever constructor made them.
+  /// @quirk A `char` is held as an int, its code: 'a' is 97, while L'a' is a character.
   var(bool value) noexcept { set(detail::kind::boolean, widen(value)); }
   var(wchar_t value) noexcept { set(detail::kind::wide_char, widen(value)); }
   var(short value) noexcept { set(detail::kind::short_, widen(value)); }
@@ -92,6 +94,11 @@ class KESTA_API var {
   var(const wchar_t* value);      ///< Null gives the empty text.
   var(const std::string& value);  ///< From UTF-8; held as wide text.
   var(const char* value);         ///< From UTF-8; null gives the empty text.
+  var(const char8_t* value);      ///< The same, as `u8"texto"`.
+  var(const std::u8string& value);
+  /// Refused: the pointer would become a bool.
+  template <detail::is_pointer_without_text P>
+  var(P pointer) = delete;
 
   var& operator=(const var& other);
   var& operator=(var&& other) noexcept;
@@ -117,6 +124,11 @@ class KESTA_API var {
   const var& operator=(const wchar_t* value);
   const var& operator=(const std::string& value);
   const var& operator=(const char* value);
+  const var& operator=(const char8_t* value);
+  const var& operator=(const std::u8string& value);
+  /// Refused: the pointer would become a bool.
+  template <detail::is_pointer_without_text P>
+  const var& operator=(P pointer) = delete;
 
   /// Destroys the value; the cell is null afterwards.
   void clear() noexcept {

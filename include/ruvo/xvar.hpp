@@ -77,6 +77,11 @@ class KESTA_API xvar : public var {
   xvar(const wchar_t* value) : var(value) {}
   xvar(const std::string& value) : var(value) {}
   xvar(const char* value) : var(value) {}
+  xvar(const char8_t* value) : var(value) {}
+  xvar(const std::u8string& value) : var(value) {}
+  /// Refused: the pointer would become a bool.
+  template <detail::is_pointer_without_text P>
+  xvar(P pointer) = delete;
   /// From a class that converts to xvar, whatever else it converts to.
   template <detail::converts_to_xvar T>
   explicit xvar(T&& value)  // NOLINT(bugprone-forwarding-reference-overload): an xvar does not convert so
@@ -88,6 +93,11 @@ class KESTA_API xvar : public var {
   xvar& operator=(const xvar& other);
   /// The same outcome; the value is moved, the qualities are copied.
   xvar& operator=(xvar&& other);
+  /// Exchanges values and qualities; neither may be inside the other. Constant time.
+  /// @quirk `std::swap(a, b)` assigns, and so mixes the qualities; `a.swap(b)`, `swap(a, b)` and
+  /// `std::ranges::swap(a, b)` do not.
+  void swap(xvar& other) noexcept;
+  friend void swap(xvar& a, xvar& b) noexcept { a.swap(b); }
   /// Replaces the value, keeps the qualities.
   xvar& operator=(const var& value);
   xvar& operator=(var&& value) noexcept;
@@ -112,6 +122,11 @@ class KESTA_API xvar : public var {
   const xvar& operator=(const wchar_t* value) { return assign(value); }
   const xvar& operator=(const std::string& value) { return assign(value); }
   const xvar& operator=(const char* value) { return assign(value); }
+  const xvar& operator=(const char8_t* value) { return assign(value); }
+  const xvar& operator=(const std::u8string& value) { return assign(value); }
+  /// Refused: the pointer would become a bool.
+  template <detail::is_pointer_without_text P>
+  const xvar& operator=(P pointer) = delete;
   /// From a class that converts to xvar: replaces the value and merges the qualities.
   template <detail::converts_to_xvar T>
   xvar& operator=(T&& value) {

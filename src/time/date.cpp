@@ -2,6 +2,7 @@
 #include <ruvo/datetime.hpp>
 
 #include <ostream>
+#include <utility>
 
 #include "texto/utf.hpp"
 #include "time/civil.hpp"
@@ -62,7 +63,7 @@ void date::read(std::wstring_view text, std::wstring_view format, const std::str
   *this = parsed;
 }
 
-std::wstring date::to_string(const std::string& format) const { return lapse::to_string(format); }
+std::wstring date::to_string(std::string format) const { return lapse::to_string(std::move(format)); }
 
 int date::get_month_days() const {
   const std::tm fields = record();

@@ -1,6 +1,7 @@
 #include <ruvo/datetime.hpp>
 
 #include <ostream>
+#include <utility>
 
 #include "texto/utf.hpp"
 #include "time/fields.hpp"
@@ -56,7 +57,7 @@ datetime& datetime::operator=(const std::wstring& text) {
 datetime::operator date() const { return date(*this); }
 datetime::operator time() const { return time(*this); }
 
-std::wstring datetime::to_string(const std::string& format) const { return lapse::to_string(format); }
+std::wstring datetime::to_string(std::string format) const { return lapse::to_string(std::move(format)); }
 
 datetime& datetime::set_day(int day) {
   replace(day, times::DAYS);

@@ -385,7 +385,7 @@ std::wstring lapse::format(const std::string& pattern, const std::string& locale
   return print_by(widened(pattern), locale);
 }
 
-std::wstring lapse::to_string(const std::string& pattern) const { return format(pattern); }
+std::wstring lapse::to_string(std::string pattern) const { return format(pattern); }
 std::wstring lapse::print() const { return to_string(datetime::canonical); }
 
 std::wstring lapse::month_name(const std::string& locale, bool abbreviated) const {

@@ -2,6 +2,7 @@
 #include <ruvo/time.hpp>
 
 #include <ostream>
+#include <utility>
 
 #include "texto/utf.hpp"
 
@@ -79,7 +80,7 @@ void time::read(std::wstring_view text, std::wstring_view format, const std::str
   read_over(fixed_year, text, format, locale);
 }
 
-std::wstring time::to_string(const std::string& format) const { return lapse::to_string(format); }
+std::wstring time::to_string(std::string format) const { return lapse::to_string(std::move(format)); }
 
 time& time::set_hour(int hour) {
   replace(hour, times::HOURS);

@@ -3,7 +3,13 @@
 #include <ruvo/list.hpp>
 #include <ruvo/memo.hpp>
 
+#include <algorithm>
+#include <cstddef>
+#include <numeric>
 #include <ostream>
+#include <stdexcept>
+#include <utility>
+#include <vector>
 
 #include "exc/detail.hpp"
 #include "texto/numbers.hpp"
@@ -93,6 +99,65 @@ std::wstring& list::on_back_string() { return appended(soul_, cell::on_string); 
 
 list::iterator list::remove(unsigned long long index) {
   return soul_.erase(soul_.begin() + static_cast<std::ptrdiff_t>(index));
+}
+
+void list::sort() {
+  sort([](const var& a, const var& b) { return a < b; });
+}
+
+list::size_type list::unique() {
+  return unique([](const var& a, const var& b) { return a == b; });
+}
+
+void list::sort_by(bool (*before)(void* given, const xvar& a, const xvar& b), void* given) {
+  const std::size_t count = soul_.size();
+  std::vector<std::size_t> sources(count), merged(count);  // at each place the index of the element for it
+  std::iota(sources.begin(), sources.end(), std::size_t{0});
+  const auto comes_before = [&](std::size_t a, std::size_t b) { return before(given, soul_[a], soul_[b]); };
+  // Merges runs of 1, 2, 4... elements: whatever the order says, nothing beyond them is looked at.
+  for (std::size_t run = 1; run < count; run *= 2) {
+    const auto at = [&](std::size_t index) {
+      return sources.begin() + static_cast<std::ptrdiff_t>(std::min(index, count));
+    };
+    auto out = merged.begin();
+    for (std::size_t begin = 0; begin < count; begin += 2 * run)
+      out = std::merge(at(begin), at(begin + run), at(begin + run), at(begin + 2 * run), out, comes_before);
+    sources.swap(merged);
+  }
+  for (std::size_t begin = 0; begin < count; ++begin) {
+    std::size_t place = begin;
+    while (sources[place] != begin) {  // round the circle, each swap settling one place
+      const std::size_t source = std::exchange(sources[place], place);
+      soul_[place].swap(soul_[source]);
+      place = source;
+    }
+    sources[place] = place;
+  }
+}
+
+list::size_type list::remove_those(bool (*goes)(void* given, const xvar& element), void* given) {
+  std::vector<bool> gone(soul_.size());
+  for (std::size_t i = 0; i < soul_.size(); ++i) gone[i] = goes(given, soul_[i]);
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < soul_.size(); ++i) {
+    if (gone[i]) continue;
+    if (i != kept) soul_[kept].swap(soul_[i]);
+    ++kept;
+  }
+  const size_type count = soul_.size() - kept;
+  soul_.resize(kept);
+  return count;
+}
+
+list::iterator list::rotate(const_iterator first) noexcept {
+  const auto middle = soul_.begin() + (first - soul_.cbegin());
+  const auto reverse = [](iterator from, iterator to) {
+    while (from < to && from < --to) from++->swap(*to);
+  };
+  reverse(soul_.begin(), middle);
+  reverse(middle, soul_.end());
+  reverse(soul_.begin(), soul_.end());
+  return soul_.begin() + (soul_.cend() - first);
 }
 
 std::wstring list::to_string() const {

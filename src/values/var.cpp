@@ -149,6 +149,10 @@ var::var(const std::wstring& value) { cell::set_text(*this, value); }
 var::var(const wchar_t* value) { cell::set_text(*this, view_or_empty(value)); }
 var::var(const std::string& value) { cell::set_text(*this, texto::to_utf_16(std::string_view(value))); }
 var::var(const char* value) { cell::set_text(*this, texto::to_utf_16(value ? std::string_view(value) : "")); }
+var::var(const char8_t* value) : var(reinterpret_cast<const char*>(value)) {}
+var::var(const std::u8string& value) {
+  cell::set_text(*this, texto::to_utf_16({reinterpret_cast<const char*>(value.data()), value.size()}));
+}
 
 var& var::operator=(const var& other) {
   if (this != &other) *this = var(other);
@@ -173,6 +177,8 @@ const var& var::operator=(const std::wstring& value) { return *this = var(value)
 const var& var::operator=(const wchar_t* value) { return *this = var(value); }
 const var& var::operator=(const std::string& value) { return *this = var(value); }
 const var& var::operator=(const char* value) { return *this = var(value); }
+const var& var::operator=(const char8_t* value) { return *this = var(value); }
+const var& var::operator=(const std::u8string& value) { return *this = var(value); }
 
 void var::copy(const var& other) { detail::copy_tree(*this, other); }
 

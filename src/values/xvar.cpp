@@ -60,6 +60,13 @@ xvar& xvar::operator=(var&& value) noexcept {
   return *this;
 }
 
+void xvar::swap(xvar& other) noexcept {
+  var value(static_cast<var&&>(*this));
+  var::operator=(static_cast<var&&>(other));
+  static_cast<var&>(other) = std::move(value);
+  std::swap(qualities_, other.qualities_);
+}
+
 var& xvar::operator[](const std::wstring& key) { return hack_qualities()[key]; }
 var& xvar::operator[](const std::string& key) { return hack_qualities()[widened(key)]; }
 var& xvar::operator[](const wchar_t* key) { return hack_qualities()[key]; }

@@ -229,7 +229,9 @@ TEST(Memo, HasTheStringOperations) {
   memo m(L"abc");
   m.insert(1, L"--");
   m.insert(m.begin(), L'<');
-  m.insert(0, 2, L'_');
+  m.insert(0, {L'_', L'_'});
+  EXPECT_EQ(*m.insert(m.begin() + 3, {L'b', L'b'}), L'b');
+  m.erase(3, 2);
   EXPECT_TRUE(m == L"__<a--bc");
   m.erase(0, 2);
   m.erase(m.begin());

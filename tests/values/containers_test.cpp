@@ -128,6 +128,74 @@ TEST(list, appends_and_removes) {
   EXPECT_TRUE(bundle({{L"a", 1}}) == bundle({{L"a", 1LL}}));
 }
 
+/// A list with values that repeat and a quality of its own for each element, and the same as pairs.
+struct tagged {
+  list elements;
+  std::vector<std::pair<std::wstring, int>> model;
+
+  tagged(std::size_t count, unsigned seed) {
+    std::mt19937 random(seed);
+    for (std::size_t i = 0; i < count; ++i) {
+      elements.push_back(std::to_wstring(random() % 9));
+      if (random() % 4 != 0) elements.back()[std::to_wstring(i)] = 1;
+      model.emplace_back(elements.back().to_string(),
+                         elements.back().is_qualified() ? static_cast<int>(i) : -1);
+    }
+  }
+  std::vector<std::pair<std::wstring, int>> now() const {
+    std::vector<std::pair<std::wstring, int>> found;
+    for (const xvar& e : elements)
+      found.emplace_back(e.to_string(), e.is_qualified() ? std::stoi(e.begin()->first) : -1);
+    return found;
+  }
+};
+
+TEST(list, whole_elements_move_as_the_algorithms_of_the_standard_library_move_them) {
+  const auto by_value = [](const auto& a, const auto& b) { return a.first < b.first; };
+  for (unsigned seed = 0; seed < 60; ++seed) {
+    SCOPED_TRACE(seed);
+    tagged t(seed, seed);
+    const std::ptrdiff_t first = seed == 0 ? 0 : static_cast<std::ptrdiff_t>(seed * 7 % (seed + 1));
+    const auto was_first = t.elements.rotate(t.elements.begin() + first) - t.elements.begin();
+    EXPECT_EQ(was_first,
+              std::rotate(t.model.begin(), t.model.begin() + first, t.model.end()) - t.model.begin());
+    EXPECT_EQ(t.now(), t.model);
+    EXPECT_EQ(t.elements.remove_if([](const xvar& v) { return v == L"3"; }),
+              std::erase_if(t.model, [](const auto& p) { return p.first == L"3"; }));
+    EXPECT_EQ(t.now(), t.model);
+    t.elements.sort([](const xvar& a, const xvar& b) { return b < a; });
+    std::stable_sort(t.model.begin(), t.model.end(),
+                     [&](const auto& a, const auto& b) { return by_value(b, a); });
+    EXPECT_EQ(t.now(), t.model);
+    t.elements.sort();
+    std::stable_sort(t.model.begin(), t.model.end(), by_value);
+    EXPECT_EQ(t.now(), t.model);
+    const auto end = std::unique(t.model.begin(), t.model.end(),
+                                 [](const auto& a, const auto& b) { return a.first == b.first; });
+    EXPECT_EQ(t.elements.unique(), static_cast<std::size_t>(t.model.end() - end));
+    t.model.erase(end, t.model.end());
+    EXPECT_EQ(t.now(), t.model);
+  }
+}
+
+TEST(list, rules_that_throw_change_nothing_and_orders_that_contradict_themselves_lose_nothing) {
+  tagged t(50, 1);
+  int calls = 0;
+  const auto fails = [&](const auto&...) { return ++calls == 40 ? throw std::runtime_error("40") : true; };
+  EXPECT_THROW(t.elements.sort(fails), std::runtime_error);
+  calls = 0;
+  EXPECT_THROW(t.elements.remove_if(fails), std::runtime_error);
+  calls = 0;
+  EXPECT_THROW(t.elements.unique(fails), std::runtime_error);
+  EXPECT_EQ(t.now(), t.model);
+  std::mt19937 random(3);
+  t.elements.sort([&](const xvar&, const xvar&) { return random() % 2 == 0; });
+  auto mixed = t.now();
+  std::sort(mixed.begin(), mixed.end());
+  std::sort(t.model.begin(), t.model.end());
+  EXPECT_EQ(mixed, t.model);
+}
+
 // --- bundle
 
 TEST(bundle, keys_fold_and_remember_their_order) {
@@ -229,6 +297,14 @@ TEST(bundle, typed_getters) {
   EXPECT_TRUE(b.get_bundle(L"missing").empty());
   EXPECT_EQ(&b.get_nc_bundle(L"empty bundle", b), &b);
   EXPECT_EQ(b.get_binary(L"bytes", ruvo::binary()).size(), 2U);
+  const ruvo::binary no_bytes;
+  const ruvo::memo no_memo;
+  EXPECT_EQ(&b.get_binary(L"list/bytes", '/', no_bytes), &no_bytes);  // either order
+  EXPECT_EQ(&b.get_binary("bytes", '.', no_bytes), &b.get_binary(L"bytes", no_bytes));
+  EXPECT_EQ(&b.get_memo("bytes", '.', no_memo), &no_memo);
+  const std::map<std::wstring, xvar> pairs(b.begin(), b.end());
+  EXPECT_EQ(pairs.size(), b.size());
+  EXPECT_EQ(pairs.at(L"word").to_string(), L"hola");
 }
 
 TEST(bundle, objects_on_paths) {

@@ -24,7 +24,7 @@ struct kind_row {
   const char* name;
   var value;
   const std::type_info* type;
-  const wchar_t* text;
+  std::wstring text;
   const char* predicates;  // p(rimitive) n(umber) i(nteger) d(ecimal) c(harsequence) l(apse) N(umeric text)
                            // B(oolean text)
 };
@@ -63,6 +63,9 @@ std::vector<kind_row> kinds() {
       {"number text", var(std::wstring(L"  +12345678.25 ")), &typeid(std::wstring), L"  +12345678.25 ",
        "pcN"},
       {"narrow text", var("\xC3\xB1"), &typeid(std::wstring), L"\u00F1", "pc"},
+      {"UTF-8 text", var(u8"\u00F1u"), &typeid(std::wstring), L"\u00F1u", "pc"},
+      {"UTF-8 string", var(std::u8string(u8"no\0", 3)), &typeid(std::wstring), std::wstring(L"no\0", 3),
+       "pc"},
       {"binary", var(ruvo::binary(L"12")), &typeid(ruvo::binary), L"12", "cN"},
       {"memo", var(ruvo::memo(L"no")), &typeid(ruvo::memo), L"no", "cB"},
       {"date", var(ruvo::date(20240229L)), &typeid(ruvo::date), L"29-02-2024", "l"},
