@@ -2,6 +2,7 @@
 
 // ruvo::list, the ordered sequence of values.
 
+#include <ruvo/wider.hpp>
 #include <ruvo/xvar.hpp>
 
 #include <concepts>
@@ -10,6 +11,7 @@
 #include <iosfwd>
 #include <iterator>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -64,6 +66,11 @@ class KESTA_API list {
   size_type capacity() const noexcept { return soul_.capacity(); }
   [[nodiscard]] bool empty() const noexcept { return soul_.empty(); }
   void reserve(unsigned long count) { soul_.reserve(count); }
+  /// Throws std::length_error beyond what an unsigned long holds.
+  template <detail::wider_than_ulong N>
+  void reserve(N count) {
+    reserve(detail::checked_ulong(count));
+  }
   void resize(unsigned long long count, const xvar& value = xvar()) { soul_.resize(count, value); }
   void shrink_to_fit() { soul_.shrink_to_fit(); }
   void clear() noexcept { soul_.clear(); }
@@ -120,6 +127,12 @@ class KESTA_API list {
   const xvar& operator[](const unsigned long long& index) const { return soul_[index]; }
   /// Throws std::out_of_range ("invalid vector subscript") when `index` is not below size().
   const xvar& at(unsigned long index) const;
+  template <detail::wider_than_ulong N>
+  const xvar& at(N index) const {
+    const auto wide = static_cast<unsigned long long>(index);
+    if (wide >= soul_.size()) throw std::out_of_range("invalid vector subscript");
+    return soul_[static_cast<size_type>(wide)];
+  }
 
   /// Appends a copy of the value.
   const list& operator+=(const xvar& value);

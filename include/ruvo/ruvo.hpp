@@ -42,5 +42,6 @@
 #include <ruvo/var.hpp>
 #include <ruvo/velda.hpp>
 #include <ruvo/well_formed_xml.hpp>
+#include <ruvo/wider.hpp>
 #include <ruvo/xml.hpp>
 #include <ruvo/xvar.hpp>

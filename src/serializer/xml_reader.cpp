@@ -323,7 +323,7 @@ void xml_reader::note_size() {
 void xml_reader::become_list(xvar& repeated) {
   bundle& children = cell::as_bundle(repeated);
   list made;
-  made.reserve(static_cast<unsigned long>(children.size() + 1));
+  made.reserve(children.size() + 1);
   for (const auto& child : children) made.on_back_bundle()[child.first];
   // From here on nothing can fail, and nothing is lost.
   var whole;

@@ -3,6 +3,7 @@
 
 #include "texto/regex.hpp"
 #include "texto/unicode.hpp"
+#include "values/limits.hpp"
 
 namespace ruvo::texto::regex {
 
@@ -31,7 +32,7 @@ Matcher::Matcher(const Program& program, std::wstring_view text)
       text_(text.data()),
       size_(static_cast<std::uint32_t>(text.size())),
       finder_(program.prefix) {
-  if (text.size() >= none) fail(codes::error_space);
+  if (text.size() >= ruvo::detail::limits::pattern_positions) fail(codes::error_space);
   const std::uint64_t splits = std::min<std::uint64_t>(program.splits.size(), most_splits_counted);
   step_limit_ = free_steps + (steps_for_unit + steps_for_split * splits) * size_;
   memo_from_ = memo_after_steps + memo_after_steps_for_unit * size_;

@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstring>
 #include <new>
+#include <stdexcept>
 
 #if defined(__SSE2__) || defined(_M_X64)
 #  include <emmintrin.h>
@@ -39,6 +40,10 @@ bool same_text(const std::wstring& a, std::wstring_view b) noexcept {
 }
 
 bool before(const bundle::entry* item, std::wstring_view key) noexcept { return item->first < key; }
+
+void require_places(std::size_t wanted, std::size_t there) {
+  if (wanted > there) throw std::length_error("bundle too long");
+}
 
 }  // namespace
 
@@ -84,6 +89,7 @@ void bundle_store::large_order::erase(const entry* item) noexcept {
 // --- memory
 
 bundle_store* bundle_store::make(std::size_t capacity) {
+  require_places(capacity, limits::entries);
   const std::size_t bytes =
       sizeof(bundle_store) + sizeof(block) + capacity * sizeof(entry) + arrays_bytes(capacity);
   void* const memory = take_block(bytes);
@@ -153,11 +159,11 @@ void bundle_store::become_large() {
 }
 
 void bundle_store::grow(std::size_t more) {
+  require_places(more, limits::entries - capacity_);
   const std::size_t capacity = capacity_ + more;
   if (capacity > small_limit && !large_) become_large();
   const std::size_t bytes = sizeof(block) + more * sizeof(entry) + arrays_bytes(capacity);
-  auto* const made = new (take_block(bytes))
-      block{blocks_, static_cast<std::uint32_t>(bytes), static_cast<std::uint32_t>(more), 0};
+  auto* const made = new (take_block(bytes)) block{blocks_, bytes, static_cast<std::uint32_t>(more), 0};
   // What is left of the newest block goes to the list of free places.
   while (blocks_->used < blocks_->capacity) give_place(entries_of(blocks_) + blocks_->used++);
   blocks_ = made;
@@ -166,6 +172,11 @@ void bundle_store::grow(std::size_t more) {
   } else {
     use_arrays(entries_of(made) + more, capacity);
   }
+}
+
+std::size_t bundle_store::usual_growth() const noexcept {
+  const std::size_t left = std::max<std::size_t>(1, limits::entries - capacity_);  // one too many is refused
+  return std::min(std::max<std::size_t>(4, capacity_ / 2), left);
 }
 
 bundle_store* bundle_store::fitted(bundle_store* store) {
@@ -261,7 +272,7 @@ bundle::entry* bundle_store::put(const key_view& key) {
 }
 
 bundle::entry* bundle_store::add(const key_view& key, const shared_key* shared) {
-  if (size_ == capacity_) grow(std::max<std::size_t>(4, capacity_ / 2));
+  if (size_ == capacity_) grow(usual_growth());
   if (shared) {
     retain(shared);
   } else if (thread_cache* const cache = thread_cache::local()) {

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "values/folded_key.hpp"
+#include "values/limits.hpp"
 
 namespace ruvo::detail {
 
@@ -21,7 +22,8 @@ class bundle_store {
  public:
   using entry = bundle::entry;
 
-  /// With room for `capacity` entries in one allocation.
+  /// With room for `capacity` entries in one allocation. As everything that makes room, throws
+  /// std::length_error beyond `limits::entries`.
   static bundle_store* make(std::size_t capacity);
   /// With the keys of `other` in the same positions, and null values.
   static bundle_store* like(const bundle_store& other);
@@ -66,10 +68,12 @@ class bundle_store {
 
  private:
   static constexpr std::size_t small_limit = 128, leaf_limit = 512;
+  static_assert(limits::entries <= 0xFFFFFFFF && limits::entries > small_limit);  // as blocks count them
 
   struct block {
     block* next;
-    std::uint32_t bytes, capacity, used;
+    std::size_t bytes;  // 0 in the block that is part of the store's own allocation
+    std::uint32_t capacity, used;
   };
   /// The order of a large store: positions, and leaves sorted by key, none of them empty.
   struct large_order {
@@ -103,6 +107,7 @@ class bundle_store {
   void use_arrays(void* memory, std::size_t capacity) noexcept;
   void become_large();
   void grow(std::size_t more);
+  std::size_t usual_growth() const noexcept;
   void* take_place() noexcept;
   void give_place(void* place) noexcept;
 

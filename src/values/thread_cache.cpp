@@ -4,8 +4,10 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <stdexcept>
 
 #include "app/thread_slot.hpp"
+#include "values/limits.hpp"
 
 namespace ruvo::detail {
 
@@ -14,6 +16,11 @@ namespace {
 std::atomic<std::size_t> allowed_to_all{0};
 
 constexpr std::uint64_t spread = 0x9E3779B97F4A7C15;
+
+void* plain_block(std::size_t size) {
+  if (size > limits::block) throw std::length_error("value too long");
+  return ::operator new(thread_cache::rounded(size));
+}
 
 }  // namespace
 
@@ -74,7 +81,7 @@ bool thread_cache::widen_allowance() noexcept {
 
 void* thread_cache::take(std::size_t size) {
   const std::size_t bytes = rounded(size);
-  if (bytes > largest) return ::operator new(bytes);
+  if (size > largest) return plain_block(size);
   free_block*& first = list_of(bytes);
   free_block* const block = first;
   if (!block) return ::operator new(bytes);
@@ -112,7 +119,7 @@ const shared_key* thread_cache::key(std::wstring_view text, std::uint32_t hash) 
 
 #ifdef KESTA_PLAIN_HEAP  // for checkers that must see every block
 
-void* take_block(std::size_t size) { return ::operator new(thread_cache::rounded(size)); }
+void* take_block(std::size_t size) { return plain_block(size); }
 
 void give_block(void* block, std::size_t) noexcept { ::operator delete(block); }
 
@@ -120,7 +127,7 @@ void give_block(void* block, std::size_t) noexcept { ::operator delete(block); }
 
 void* take_block(std::size_t size) {
   thread_cache* const cache = thread_cache::local();
-  return cache ? cache->take(size) : ::operator new(thread_cache::rounded(size));
+  return cache ? cache->take(size) : plain_block(size);
 }
 
 void give_block(void* block, std::size_t size) noexcept {

@@ -28,7 +28,7 @@ inline void expect_use([[maybe_unused]] const void* address) noexcept {
 struct shared_key : std::wstring {
   shared_key(std::wstring_view text, std::uint32_t its_hash) : std::wstring(text), hash(its_hash) {}
 
-  mutable std::atomic<std::uint32_t> uses{1};
+  mutable std::atomic<std::uint64_t> uses{1};
   const std::uint32_t hash;
 };
 
@@ -52,7 +52,8 @@ class thread_cache {
     return (size + unit - 1) / unit * unit;
   }
 
-  /// A block of at least `size` (not 0) bytes, aligned for any scalar. Throws std::bad_alloc.
+  /// A block of at least `size` (not 0) bytes, aligned for any scalar. Throws std::bad_alloc, and
+  /// std::length_error beyond `limits::block`.
   void* take(std::size_t size);
   void give(void* block, std::size_t size) noexcept;
 

@@ -128,7 +128,9 @@ class copier {
       if (cell::kind_of(*from) == kind::list) {
         const list& source = cell::as_list(*from);
         list& target = cell::as_list(*to);
-        target.reserve(static_cast<unsigned long>(source.size()));
+        list::vector room;  // the elements must not move any more
+        room.reserve(source.size());
+        target.swap(room);
         for (const xvar& v : source) copy_all(target.emplace_back(), v);
       } else if (const bundle_store* const source = bundle_access::store(cell::as_bundle(*from))) {
         bundle_access::set(cell::as_bundle(*to), copy_entries(*source));

@@ -196,6 +196,35 @@ TEST(list, rules_that_throw_change_nothing_and_orders_that_contradict_themselves
   EXPECT_EQ(mixed, t.model);
 }
 
+/// A wider number must not lose its upper half on its way into an unsigned long.
+TEST(sizes, that_are_impossible_are_refused) {
+  list l{1, 2};
+  bundle b = {{L"a", 1}};
+  EXPECT_EQ(static_cast<int>(l.at(0)), 1);
+  EXPECT_EQ(static_cast<int>(l.at(1LL)), 2);
+  EXPECT_THROW((void)l.at(0x100000001ULL), std::out_of_range);
+  EXPECT_THROW((void)l.at(-1LL), std::out_of_range);
+  l.reserve(std::size_t{20});
+  EXPECT_GE(l.capacity(), 20U);
+  for (const unsigned long long count : {~0ULL, 1ULL << 63, (1ULL << 60) + 16}) {
+    EXPECT_THROW(l.reserve(count), std::length_error);
+    EXPECT_THROW(l.resize(count), std::length_error);
+    EXPECT_THROW(b.reserve(static_cast<std::size_t>(count)), std::length_error);
+    EXPECT_THROW(bundle().reserve(static_cast<std::size_t>(count)), std::length_error);
+    EXPECT_THROW(b.reserve(static_cast<std::size_t>(~0ULL / 40 + 2)), std::length_error);
+  }
+  if constexpr (sizeof(unsigned long) == 4) {
+    EXPECT_THROW(l.reserve(0x100000010ULL), std::length_error);
+  }
+  EXPECT_EQ(l.to_string() + b.to_string(), L"[1,2]{\"a\":1}");
+  std::string out;
+  const std::vector<unsigned char> bytes(5, 'a');
+  ruvo::texto::set_binary_data(out, bytes, 0x100000001ULL);
+  EXPECT_EQ(out, "YWFhYWE=");
+  ruvo::texto::set_binary_data(out, bytes, std::size_t{3});
+  EXPECT_EQ(out, "YWFh");
+}
+
 // --- bundle
 
 TEST(bundle, keys_fold_and_remember_their_order) {

@@ -3,9 +3,12 @@
 // UTF-8, Base64, hexadecimal and the encodings of the web and of mail.
 
 #include <ruvo/api.hpp>
+#include <ruvo/wider.hpp>
 
 #include <iosfwd>
+#include <limits>
 #include <locale>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -51,6 +54,14 @@ KESTA_API void base64_decode(std::wstring& out, const std::wstring& in);
 /// Replaces `out` by the first `count` bytes in the standard alphabet; all of them when `count` is negative
 /// or larger than their number.
 KESTA_API void set_binary_data(std::string& out, const std::vector<unsigned char>& bytes, long count);
+/// Throws std::length_error for less than all bytes, when a long does not hold their number.
+template <ruvo::detail::wider_than_ulong N>
+void set_binary_data(std::string& out, const std::vector<unsigned char>& bytes, N count) {
+  const auto wide = static_cast<unsigned long long>(count);
+  const bool all = wide >= bytes.size();  // negative numbers too
+  if (!all && wide > std::numeric_limits<long>::max()) throw std::length_error("count beyond 31 bits");
+  set_binary_data(out, bytes, all ? -1L : static_cast<long>(wide));
+}
 /// Replaces `bytes` by those that `text` holds, as base64_decode reads it.
 KESTA_API void get_binary_data(std::string text, std::vector<unsigned char>& bytes);
 
@@ -66,6 +77,11 @@ KESTA_API std::wstring char_to_hex(wchar_t c);
 KESTA_API std::wstring string_to_hex(const std::wstring& text);
 KESTA_API std::wstring string_to_hex(const std::string& text);
 KESTA_API std::wstring bytes_to_hexString(const unsigned char* bytes, unsigned long count);
+/// Throws std::length_error beyond what an unsigned long holds.
+template <ruvo::detail::wider_than_ulong N>
+std::wstring bytes_to_hexString(const unsigned char* bytes, N count) {
+  return bytes_to_hexString(bytes, ruvo::detail::checked_ulong(count));
+}
 /// The characters, one a byte, that pairs of digits of either case stand for; an odd last digit is ignored.
 /// Throws std::invalid_argument ("invalid hex digit").
 KESTA_API std::wstring hex_to_string(const std::wstring& hex);
