@@ -47,6 +47,7 @@ void memory_collector::add(unsigned long thread_id, void* object, deleter releas
     state_->threads[thread_id].push_back(std::move(owned));
   } catch (...) {
     state_->held.erase(noted);
+    std::erase_if(state_->threads, [](const auto& each) { return each.second.empty(); });
     throw;
   }
 }

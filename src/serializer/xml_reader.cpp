@@ -280,7 +280,12 @@ void xml_reader::create_element(exception& result) {
 
 void xml_reader::push_current() {
   open_nodes_.push_back({open_names_.size(), current_});
-  open_names_ += current_key_;
+  try {
+    open_names_ += current_key_;
+  } catch (...) {
+    open_nodes_.pop_back();
+    throw;
+  }
   cell::on_bundle(*std::exchange(current_, nullptr));
   current_key_.clear();
 }

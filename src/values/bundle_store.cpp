@@ -63,7 +63,8 @@ bundle::entry* bundle_store::large_order::at(place where) const noexcept {
 }
 
 void bundle_store::large_order::insert(entry* item) {
-  order.reserve(order.size() == order.capacity() ? order.size() * 2 : order.size());
+  // Room first: a leaf must not have an entry that `order` could not take.
+  if (order.size() == order.capacity()) order.reserve(std::max<std::size_t>(4, order.size() * 2));
   place to = lower_bound(item->first);
   if (to.leaf == leaves.size()) to = {leaves.size() - 1, leaves.back().size()};
   if (leaves[to.leaf].size() == leaf_limit) {

@@ -15,6 +15,12 @@ namespace {
 
 std::wstring widened(const std::string& key) { return texto::to_utf_16(std::string_view(key)); }
 
+/// Assigns the qualities to `own`, as whose they end unless their keys are there already.
+void merge(xvar::qualities_map& own, xvar::qualities_map& qualities) noexcept {
+  own.merge(qualities);
+  for (auto& [key, value] : qualities) own.find(key)->second = std::move(value);
+}
+
 /// Stands for the map of every xvar that has none; always empty.
 xvar::qualities_map& no_qualities() noexcept {
   static xvar::qualities_map none;
@@ -43,8 +49,10 @@ xvar& xvar::operator=(const xvar& other) {
 xvar& xvar::operator=(xvar&& other) {
   if (this == &other) return *this;
   if (!other.is_qualified()) return *this = static_cast<var&&>(other);
-  // Both parts are taken first: `other` may be inside this value or one of these qualities.
-  const qualities_map qualities = other.get_qualities();
+  // Both parts are taken first: `other` may be inside this value or one of these qualities. Of the steps,
+  // only the first two may fail.
+  qualities_map qualities = other.get_qualities();
+  qualities_map& own = hack_qualities();
   var value(std::move(other));
   add_qualities(qualities);
   return *this = std::move(value);
