@@ -112,7 +112,8 @@ class KESTA_API binary {
   template <class InputIterator>
   requires(!std::integral<InputIterator>) iterator
       insert(const_iterator at, InputIterator first, InputIterator last) {
-    return store_.insert(at, first, last);
+    const store_type made(first, last);  // the iterators may be this object's
+    return store_.insert(at, made.begin(), made.end());
   }
   template <class... Args>
   iterator emplace(const_iterator at, Args&&... args) {

@@ -18,7 +18,8 @@ class KESTA_API iserializer {
  public:
   /// Replaces `out` by the text of `in`.
   virtual bool serialize(std::wstring& out, const bundle& in, exception* err = nullptr, int options = 0) = 0;
-  /// Adds what `in` says to `out`.
+  /// Adds what `in` says to `out`. The formats of the library take any text for `in`, a part of `out` too,
+  /// which they copy.
   virtual bool deserialize(bundle& out, const std::wstring& in, exception* err, int options = 0) = 0;
   /// The same where only the result tells of failures.
   [[nodiscard]] bool deserialize(bundle& out, const std::wstring& in) {

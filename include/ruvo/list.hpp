@@ -74,12 +74,18 @@ class KESTA_API list {
   void resize(unsigned long long count, const xvar& value = xvar()) { soul_.resize(count, value); }
   void shrink_to_fit() { soul_.shrink_to_fit(); }
   void clear() noexcept { soul_.clear(); }
+  /// `other` must not be inside one of the elements: nothing would hold them any more.
   void swap(vector& other) noexcept { soul_.swap(other); }
   void swap(list& other) noexcept { soul_.swap(other.soul_); }
-  void assign(size_type count, const xvar& value) { soul_.assign(count, value); }
+  /// Replaces all elements. What they are made of may be inside of them.
+  void assign(size_type count, const xvar& value) {
+    vector made(count, value);
+    soul_.swap(made);
+  }
   template <std::input_iterator I>
   void assign(I first, I last) {
-    soul_.assign(first, last);
+    vector made(first, last);
+    soul_.swap(made);
   }
   void push_back(const xvar& value) { soul_.push_back(value); }
   void push_back(xvar&& value) { soul_.push_back(std::move(value)); }
@@ -92,9 +98,11 @@ class KESTA_API list {
   /// @quirk Where there is room, the elements behind move up by assignment, so what is inserted before the
   /// end, and what moves, has qualities of the element whose place it takes (see xvar).
   iterator insert(const_iterator where, const xvar& value) { return soul_.insert(where, value); }
+  /// The iterators may be this list's.
   template <std::input_iterator I>
   iterator insert(const_iterator where, I first, I last) {
-    return soul_.insert(where, first, last);
+    vector made(first, last);
+    return soul_.insert(where, std::make_move_iterator(made.begin()), std::make_move_iterator(made.end()));
   }
   template <class... Args>
   iterator emplace(const_iterator where, Args&&... args) {

@@ -50,7 +50,7 @@ struct reading_failure {
 ///
 /// An exception of the reader (JSON: a number that can't be converted) ends the reading there; it is the last
 /// failure, an exc::RunTime with its text, and counts even beyond `most`. std::bad_alloc leaves this
-/// function. The reader is reset before and after.
+/// function. The reader is reset before and after. `text` may be a part of what `out` holds.
 KESTA_API std::vector<reading_failure> read_all(ireader& reader, bundle& out, std::wstring_view text,
                                                 std::size_t most = 100);
 

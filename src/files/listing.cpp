@@ -63,9 +63,10 @@ unsigned long long listed_file::size() const {
 
 bool list_folder(const file& folder, exception& err, fileFilter* filter, fileCallback* callback,
                  std::vector<file>* out) {
-  const bool done = read_entries(folder, filter, callback, out);
+  const file place(folder);  // the folder may be one of `out`, which grows
+  const bool done = read_entries(place, filter, callback, out);
   if (!done) {
-    const exception failure = refusal(folder);
+    const exception failure = refusal(place);
     failure.copy_on(err);
     if (callback) callback->onFailure(failure);
   }

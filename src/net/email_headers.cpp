@@ -177,7 +177,8 @@ void email::q_serialize_recipients(std::string& to) const {
 
 bool email::put_list(const std::wstring& text, RCTP role) {
   bool all = true;
-  split_list(text, [&](std::wstring_view entry) {
+  const std::wstring own(text);  // it may be a recipient's, which is replaced
+  split_list(own, [&](std::wstring_view entry) {
     address recipient;
     if (entry.empty()) return;
     if (read_address(recipient, std::wstring(entry)))

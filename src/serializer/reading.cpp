@@ -8,6 +8,7 @@
 #include <new>
 #include <string>
 
+#include "serializer/deserialize.hpp"
 #include "serializer/places.hpp"
 #include "texto/ascii.hpp"
 
@@ -93,7 +94,8 @@ class collector {
 
 std::vector<reading_failure> read_all(ireader& reader, bundle& out, std::wstring_view text,
                                       std::size_t most) {
-  return collector(reader, out, most).read(text);
+  const steady_text steady(text, out);
+  return collector(reader, out, most).read(steady.view());
 }
 
 }  // namespace ruvo::serializer

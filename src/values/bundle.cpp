@@ -185,7 +185,7 @@ bool bundle::has(const std::wstring& path, char separator) const {
 }
 
 xvar& bundle::hack(const std::wstring& path, char separator) {
-  const folded_path folded(path);
+  const folded_path folded(path, detail::units::owned);
   std::wstring_view rest = folded.view(), head;
   bundle* in = this;
   while (split_head(rest, unit_of(separator), head)) in = &cell::on_bundle(put_in(*in, head));

@@ -135,6 +135,10 @@ long long date_number(const var& v);
 void copy_tree(var& to, const var& from);
 bundle_store* copy_store(const bundle_store& from);
 
+/// Whether a text may lie in what a bundle holds, as one of its texts or keys. Looks that would take longer
+/// than a copy of the text end with true.
+bool may_hold(const bundle& whole, std::wstring_view text);
+
 /// Destroys what a cell of a container kind owns, level by level.
 void drop_tree(var& v) noexcept;
 

@@ -15,14 +15,19 @@
 
 namespace ruvo::detail {
 
-/// A text folded by `fold` unit for unit; a long one that is folded already is only viewed.
+/// Whether a folded text may view the units that it was made of, or has to outlive them: who writes along a
+/// path may replace the entry that the path is the text of.
+enum class units { viewed, owned };
+
+/// A text folded by `fold` unit for unit; a long one that is folded already is only viewed, unless told.
 template <wchar_t (*fold)(wchar_t)>
 class folded_text {
  public:
-  explicit folded_text(std::wstring_view text) : view_(text) {
+  explicit folded_text(std::wstring_view text, units use = units::viewed) : view_(text) {
     wchar_t* to = small_;
     if (text.size() > sizeof small_ / sizeof *small_) {
-      if (std::all_of(text.begin(), text.end(), [](wchar_t c) { return fold(c) == c; })) return;
+      const auto is_folded = [](wchar_t c) { return fold(c) == c; };
+      if (use == units::viewed && std::all_of(text.begin(), text.end(), is_folded)) return;
       large_ = std::make_unique<wchar_t[]>(text.size());
       to = large_.get();
     }

@@ -3,6 +3,7 @@
 #include <ruvo/binary.hpp>
 #include <ruvo/memo.hpp>
 
+#include <functional>
 #include <vector>
 
 #include "values/bundle_store.hpp"
@@ -144,7 +145,82 @@ class copier {
   std::vector<std::pair<var*, const var*>> later_;
 };
 
+/// Looks for the place of a text in a bundle.
+class text_search {
+ public:
+  explicit text_search(std::wstring_view text) noexcept
+      : at_(text.data()), looks_(text.size() / units_copied_in_a_look) {}
+
+  bool may_be_in(const bundle& whole) {
+    look_into(whole);
+    while (!found_ && !open_.empty()) {
+      const var& container = *open_.back();
+      open_.pop_back();
+      if (cell::kind_of(container) == kind::bundle) {
+        look_into(cell::as_bundle(container));
+      } else {
+        for (const xvar& v : cell::as_list(container)) {
+          if (look_at_all(v)) break;
+        }
+      }
+    }
+    return found_;
+  }
+
+ private:
+  static constexpr std::size_t units_copied_in_a_look = 16;
+
+  bool is_in(std::wstring_view held) noexcept {
+    const std::less_equal<> before;  // of any two addresses
+    return found_ = found_ || (before(held.data(), at_) && before(at_, held.data() + held.size()));
+  }
+
+  bool look_at(const var& v) {
+    if (looks_ == 0) return found_ = true;
+    --looks_;
+    switch (cell::kind_of(v)) {
+      case kind::text:
+      case kind::string_text:
+        return is_in(cell::text(v));
+      case kind::memo:
+        return is_in(cell::pointer<memo>(v)->to_string());
+      case kind::object:
+        return found_ = true;  // knows best what it holds
+      case kind::list:
+      case kind::bundle:
+        open_.push_back(&v);
+        return false;
+      default:
+        return false;
+    }
+  }
+
+  bool look_at_all(const xvar& v) {
+    if (const auto* const qualities = cell::qualities(v)) {
+      for (const auto& [key, value] : *qualities) {
+        if (is_in(key) || look_at(value)) return true;
+      }
+    }
+    return look_at(v);
+  }
+
+  void look_into(const bundle& in) {
+    const bundle_store* const store = bundle_access::store(in);
+    for (std::size_t n = 0; store && n < store->size(); ++n) {
+      const bundle::entry* const each = store->nth(n);
+      if (is_in(each->first) || look_at_all(each->second)) return;
+    }
+  }
+
+  const wchar_t* at_;
+  std::size_t looks_;
+  bool found_ = false;
+  std::vector<const var*> open_;
+};
+
 }  // namespace
+
+bool may_hold(const bundle& whole, std::wstring_view text) { return text_search(text).may_be_in(whole); }
 
 void drop_tree(var& v) noexcept {
   reaper work;

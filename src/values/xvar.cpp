@@ -54,7 +54,7 @@ xvar& xvar::operator=(xvar&& other) {
   qualities_map qualities = other.get_qualities();
   qualities_map& own = hack_qualities();
   var value(std::move(other));
-  add_qualities(qualities);
+  merge(own, qualities);
   return *this = std::move(value);
 }
 
@@ -109,8 +109,8 @@ void xvar::quality_remove(const std::string& key) { erase(key); }
 
 void xvar::add_qualities(const qualities_map& qualities) {
   if (qualities.empty()) return;
-  qualities_map& own = hack_qualities();
-  for (const auto& [key, value] : qualities) own[key] = value;
+  qualities_map taken(qualities);  // they may be inside one of those that are replaced
+  merge(hack_qualities(), taken);
 }
 
 const xvar::qualities_map& xvar::get_qualities() const noexcept {

@@ -197,6 +197,13 @@ TEST(Email, RecipientLists) {
   }
   email message;
   EXPECT_TRUE(message.deserialize_recipients(L"a@x.es;b@x.es", L"b@x.es;c@x.es", L"c@x.es"));
+  // The list may be the text of a recipient that is replaced meanwhile.
+  email own;
+  own[address(L"ana@x.es; " + std::wstring(40, L'y'), L"ana@x.es")] = email::CC_;
+  email other(own);
+  const std::wstring list = own.begin()->first.to_string();
+  EXPECT_EQ(own.deserialize_recipients(own.begin()->first.to_string()), other.deserialize_recipients(list));
+  EXPECT_EQ(own.to_string(), other.to_string());
   EXPECT_EQ(message.at(L"a@x.es"), email::TO_);
   EXPECT_EQ(message.at(L"b@x.es"), email::CC_);
   EXPECT_EQ(message.at(L"c@x.es"), email::CCO_);
