@@ -5,6 +5,7 @@
 #include <ruvo/files/whole.hpp>
 
 #include <algorithm>
+#include <cstddef>
 #include <string_view>
 #include <vector>
 
@@ -80,10 +81,12 @@ datetime file::last_status_changed() const { return facts_of(*this).changed; }
 
 bool file::mkdir(exception* err) const { return tell(platform::make_folder(path_), *this, err); }
 
+// Of the folders that are missing only the lengths of their paths are kept: there may be thousands.
 bool file::mkdirs(exception* err) const {
-  std::vector<file> missing;
-  for (file at = *this; !at.empty() && !at.is_root() && !at.is_directory(); --at) missing.push_back(at);
-  while (!missing.empty() && platform::make_folder(missing.back())) missing.pop_back();
+  std::vector<std::size_t> missing;
+  for (file at = *this; !at.empty() && !at.is_root() && !at.is_directory(); --at)
+    missing.push_back(at.path_.size());
+  while (!missing.empty() && platform::make_folder(path_.substr(0, missing.back()))) missing.pop_back();
   return tell(is_directory(), *this, err);
 }
 

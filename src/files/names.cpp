@@ -2,6 +2,7 @@
 
 #include "files/names.hpp"
 
+#include <ruvo/exc.hpp>
 #include <ruvo/files/whole.hpp>
 
 #include <utility>
@@ -20,13 +21,21 @@ std::wstring counter(unsigned number) {
   return out;
 }
 
-/// The first of the names made with a counter that is free.
+/// A free one of the names made with a counter; the one before it is taken. The first few are tried one by
+/// one; of many that are taken not all are asked about.
 template <class Name>
-file first_free(Name name) {
-  for (unsigned number = 1;; ++number) {
-    file candidate = name(counter(number));
-    if (!candidate.exists()) return candidate;
+file free_one(Name name) {
+  constexpr unsigned one_by_one = 8;
+  unsigned taken = 0, number = 1;
+  while (name(counter(number)).exists()) {
+    taken = number;
+    number = number < one_by_one ? number + 1 : number * 2;
   }
+  while (number - taken > 1) {
+    const unsigned middle = taken + (number - taken) / 2;
+    (name(counter(middle)).exists() ? taken : number) = middle;
+  }
+  return name(counter(number));
 }
 
 }  // namespace
@@ -46,7 +55,7 @@ file autorename(const file& path, const std::wstring& prefix, const std::wstring
   const std::wstring extension = name.substr(simple_name.size());
   file wanted = sibling(path, prefix + simple_name + suffix + extension);
   if (!wanted.exists()) return wanted;
-  return first_free([&](const std::wstring& count) {
+  return free_one([&](const std::wstring& count) {
     return sibling(path, prefix + simple_name + suffix + count + extension);
   });
 }
@@ -54,12 +63,13 @@ file autorename(const file& path, const std::wstring& prefix, const std::wstring
 file get_temporal_file(file folder, std::wstring prefix, std::wstring name, std::wstring extension) {
   const std::wstring start = prefix + name;
   const std::wstring end = extension.empty() || extension.starts_with(L'.') ? extension : L'.' + extension;
-  return first_free([&](const std::wstring& count) { return file(folder, start + count + end); });
+  return free_one([&](const std::wstring& count) { return file(folder, start + count + end); });
 }
 
 file get_temporal_file(std::wstring prefix, std::wstring name, std::wstring extension) {
-  return get_temporal_file(file(platform::temporary_folder()), std::move(prefix), std::move(name),
-                           std::move(extension));
+  const file folder(platform::temporary_folder());
+  if (folder.empty()) throw exc::fileNotFound(folder);
+  return get_temporal_file(folder, std::move(prefix), std::move(name), std::move(extension));
 }
 
 }  // namespace ruvo::files
