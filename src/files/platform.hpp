@@ -40,15 +40,17 @@ bool is_held(const std::wstring& path);
 bool make_folder(const std::wstring& path);
 /// Removes a file or an empty folder; a link itself, not what it leads to.
 bool erase_entry(const std::wstring& path);
-/// The user's folder for temporary files.
+/// The user's folder for temporary files; empty when the system names none.
 std::wstring temporary_folder();
 
-/// A file opened to be read, or a new one to be written, which nobody else may write or erase meanwhile.
+/// A file opened to be read, or a new one to be written, which nobody else may write or erase meanwhile, and
+/// which where the system can vanishes with the process until it is kept.
 class open_file {
  public:
   enum mode { to_read, to_create };
 
-  open_file(const std::wstring& path, mode how);
+  /// A new file has the rights of the one at `like`, and is encrypted if that one is.
+  open_file(const std::wstring& path, mode how, const std::wstring& like = {});
   open_file(const open_file&) = delete;
   open_file& operator=(const open_file&) = delete;
   ~open_file();
@@ -59,6 +61,8 @@ class open_file {
   bool read(void* to, std::size_t room, std::size_t& got) noexcept;
   /// False when not all was written.
   bool write(std::string_view bytes) noexcept;
+  /// A new file stays from now on.
+  bool keep() noexcept;
   /// Waits until the disk has all.
   bool flush() noexcept;
   bool close() noexcept;
@@ -69,11 +73,11 @@ class open_file {
 
 enum class creation { done, taken, refused };
 
-/// Copies a file, with its attributes and its time of modification, to a name that is free.
-bool copy_to_new(const std::wstring& from, const std::wstring& to);
+/// Copies the content of a file, its attributes and its time of modification to another file.
+bool copy_content(const std::wstring& from, const std::wstring& to);
 /// Hides `to` if `from` is hidden, and the like, beside what `to` is already; where nothing stands at `from`,
-/// nothing happens.
-void copy_attributes(const std::wstring& from, const std::wstring& to);
+/// nothing happens. False when `from` is encrypted and `to` cannot be.
+bool copy_attributes(const std::wstring& from, const std::wstring& to);
 /// Renames a file within its folder in one step that others see whole, and that is on the disk afterwards.
 /// `taken` only when `replace` is false.
 creation rename_file(const std::wstring& from, const std::wstring& to, bool replace);

@@ -6,16 +6,19 @@
 #include <ruvo/memo.hpp>
 
 #include <algorithm>
-#include <atomic>
+#include <mutex>
 #include <new>
+#include <set>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "app/immortal.hpp"
 #include "app/platform.hpp"
 #include "files/names.hpp"
 #include "files/platform.hpp"
+#include "files/stand_in.hpp"
 #include "texto/numbers.hpp"
 #include "texto/utf.hpp"
 
@@ -168,51 +171,61 @@ std::wstring read_text(const file& path) {
   return from_utf_8(in, size);
 }
 
+/// The numbers of this process's stand-ins.
+class numbers_in_use {
+ public:
+  unsigned take() {
+    const std::lock_guard lock(guard_);
+    taken_.insert(++last_);
+    return last_;
+  }
+  void give_back(unsigned number) noexcept {
+    const std::lock_guard lock(guard_);
+    taken_.erase(number);
+  }
+  bool contains(unsigned long long number) {
+    const std::lock_guard lock(guard_);
+    return taken_.contains(number);
+  }
+
+ private:
+  std::mutex guard_;
+  std::set<unsigned long long> taken_;
+  unsigned last_ = 0;
+};
+
+numbers_in_use& stand_ins() { return immortal<numbers_in_use>(); }
+
 /// A new file beside a target: it takes the target's place, or goes away.
 class stand_in {
  public:
-  explicit stand_in(const file& target) : target_(target) {}
+  stand_in(const file& target, bool replaces) : target_(target), replaces_(replaces) {}
   stand_in(const stand_in&) = delete;
   stand_in& operator=(const stand_in&) = delete;
   ~stand_in() {
-    if (path_.empty()) return;
-    try {
-      platform::discard_file(path_);
-    } catch (const std::bad_alloc&) {
-      // The file stays.
-    }
+    discard();
+    if (number_) stand_ins().give_back(number_);
   }
 
   void fill(std::string_view content) {
-    constexpr int attempts = 100;
-    for (int i = 0; i < attempts; ++i) {
-      file path = free_name();
-      platform::open_file out(path, platform::open_file::to_create);
-      if (!out) {
-        if (path.exists()) continue;
-        break;
-      }
-      path_ = std::move(path);
-      if (!out.write(content) || !out.flush() || !out.close()) break;
-      return;
-    }
-    throw exc::fileOsStream(target_);
+    make([&](platform::open_file& out) { return out.write(content) && out.keep() && out.flush(); });
   }
 
+  // The name is taken first, so that what is discarded after a failure is never somebody else's.
   void copy(const file& from) {
-    path_ = free_name();
-    if (!platform::copy_to_new(from, path_)) throw exc::fileOsStream(target_);
+    make([](platform::open_file& out) { return out.keep(); });
+    if (!platform::copy_content(from, path_)) throw exc::fileOsStream(target_);
     platform::entry_facts wanted, made;
     if (!platform::read_facts(from, wanted) || !platform::read_facts(path_, made) || wanted.size != made.size)
       throw exc::fileStrageFileSize(target_);
   }
 
-  file settle(bool overwrite) {
-    if (overwrite) platform::copy_attributes(target_, path_);
+  file settle() {
+    if (replaces_ && !platform::copy_attributes(target_, path_)) throw exc::fileOsStream(target_);
     constexpr int attempts = 1000;
     for (int i = 0; i < attempts; ++i) {
-      file place = overwrite ? target_ : autorename(target_);
-      const platform::creation result = platform::rename_file(path_, place, overwrite);
+      file place = replaces_ ? target_ : autorename(target_);
+      const platform::creation result = platform::rename_file(path_, place, replaces_);
       if (result == platform::creation::refused) break;
       if (result == platform::creation::taken) continue;
       path_ = file();
@@ -222,21 +235,67 @@ class stand_in {
   }
 
  private:
-  file free_name() const {
-    static std::atomic<unsigned> used{0};
+  template <class Work>
+  void make(Work work) {
+    constexpr int attempts = 100;
+    for (int i = 0; i < attempts; ++i) {
+      file path = free_name();
+      platform::open_file out(path, platform::open_file::to_create, replaces_ ? target_ : file());
+      if (!out) {
+        if (path.exists()) continue;
+        break;
+      }
+      path_ = std::move(path);
+      if (!work(out) || !out.close()) break;
+      return;
+    }
+    throw exc::fileOsStream(target_);
+  }
+
+  void discard() noexcept {
+    if (path_.empty()) return;
+    try {
+      platform::discard_file(path_);
+    } catch (const std::bad_alloc&) {
+      // The file stays.
+    }
+  }
+
+  file free_name() {
     for (;;) {
+      if (number_) stand_ins().give_back(number_);
+      number_ = stand_ins().take();
       std::wstring name = L"~";
       texto::append_unsigned(name, platform::process_id());
       name += L'_';
-      texto::append_unsigned(name, ++used);
+      texto::append_unsigned(name, number_);
       file path = sibling(target_, name + L".tmp");
       if (!path.exists()) return path;
     }
   }
 
   const file& target_;
+  const bool replaces_;
   file path_;
+  unsigned number_ = 0;
 };
+
+/// Takes digits from the start of a text; false when there are none, or too many.
+bool take_number(std::wstring_view& text, unsigned long long& out) {
+  const std::size_t count = std::min(text.find_first_not_of(L"0123456789"), text.size());
+  out = 0;
+  for (const wchar_t digit : text.substr(0, count)) out = out * 10 + static_cast<unsigned>(digit - L'0');
+  text.remove_prefix(count);
+  return count && count < 19;
+}
+
+bool read_name(std::wstring_view name, unsigned long long& process, unsigned long long& number) {
+  if (!name.starts_with(L'~')) return false;
+  name.remove_prefix(1);
+  if (!take_number(name, process) || !name.starts_with(L'_')) return false;
+  name.remove_prefix(1);
+  return take_number(name, number) && name == L".tmp";
+}
 
 void expect_writable(const file& path, bool overwrite) {
   platform::entry_facts found;
@@ -247,9 +306,9 @@ void expect_writable(const file& path, bool overwrite) {
 
 file write_bytes(std::string_view content, const file& path, bool overwrite) {
   expect_writable(path, overwrite);
-  stand_in made(path);
+  stand_in made(path, overwrite);
   made.fill(content);
-  return made.settle(overwrite);
+  return made.settle();
 }
 
 file write_content(const std::wstring& text, const file& path, bool overwrite) {
@@ -328,9 +387,20 @@ file copy_file(const file& from, file to) {
   expect_file(from);
   if (to.is_directory()) to = file(to, from.get_name());
   expect_writable(to, true);
-  stand_in made(to);
+  stand_in made(to, true);
   made.copy(from);
-  return made.settle(true);
+  return made.settle();
+}
+
+bool is_stand_in(const std::wstring& name) {
+  unsigned long long process, number;
+  return read_name(name, process, number);
+}
+
+bool is_being_written(const file& path) {
+  unsigned long long process, number;
+  if (!read_name(path.get_name(), process, number)) return false;
+  return process == platform::process_id() ? stand_ins().contains(number) : platform::is_held(path);
 }
 
 bool is_locked(file path) { return path.is_locked(); }

@@ -11,6 +11,8 @@ namespace {
 
 constexpr DWORD shared_with_all = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr std::size_t most_at_once = 1u << 30;
+// A path may name a pipe, whose server must not act for the user.
+constexpr DWORD named_by_anybody = SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION;
 
 /// Closes what it holds.
 class scoped_handle {
@@ -31,7 +33,7 @@ class scoped_handle {
 /// Folders can be opened too; those of an empty path cannot.
 HANDLE open_existing(const std::wstring& path, DWORD access, DWORD sharing) {
   return CreateFileW(system_path(path).c_str(), access, sharing, nullptr, OPEN_EXISTING,
-                     FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+                     FILE_FLAG_BACKUP_SEMANTICS | named_by_anybody, nullptr);
 }
 
 bool is_sharing_refusal() noexcept {
@@ -75,6 +77,27 @@ unsigned long last_number(PSID sid) noexcept {
 bool may_open(const std::wstring& path, DWORD access) {
   const scoped_handle file(open_existing(path, access, shared_with_all));
   return file || is_sharing_refusal();
+}
+
+/// The access rights of a file; empty when it has none, or the system does not tell.
+std::vector<unsigned char> rights_of(const std::wstring& path) {
+  const scoped_handle file(open_existing(path, READ_CONTROL, shared_with_all));
+  if (!file) return {};
+  DWORD size = 0;
+  GetKernelObjectSecurity(file, DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+  std::vector<unsigned char> out(size);
+  if (!GetKernelObjectSecurity(file, DACL_SECURITY_INFORMATION, out.data(), size, &size)) out.clear();
+  return out;
+}
+
+bool is_encrypted(const std::wstring& path) {
+  const DWORD attributes = GetFileAttributesW(system_path(path).c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && attributes & FILE_ATTRIBUTE_ENCRYPTED;
+}
+
+bool mark_for_deletion(HANDLE file, bool marked) noexcept {
+  FILE_DISPOSITION_INFO how{static_cast<BOOLEAN>(marked)};
+  return SetFileInformationByHandle(file, FileDispositionInfo, &how, sizeof how) != 0;
 }
 
 }  // namespace
@@ -146,17 +169,32 @@ bool erase_entry(const std::wstring& path) {
 }
 
 std::wstring temporary_folder() {
-  wchar_t buffer[MAX_PATH + 1];
-  const DWORD length = GetTempPathW(static_cast<DWORD>(std::size(buffer)), buffer);
-  return length < std::size(buffer) ? std::wstring(buffer, length) : std::wstring();
+  std::wstring out(MAX_PATH, L'\0');
+  for (;;) {
+    const DWORD length = GetTempPathW(static_cast<DWORD>(out.size()), out.data());
+    const bool fits = length < out.size();
+    out.resize(length);
+    if (fits) return out;
+  }
 }
 
-open_file::open_file(const std::wstring& path, mode how) {
+// What is marked for deletion goes when its last handle is closed, also by the end of the process.
+open_file::open_file(const std::wstring& path, mode how, const std::wstring& like) {
   const bool creates = how == to_create;
-  const HANDLE file = CreateFileW(system_path(path).c_str(), creates ? GENERIC_WRITE : GENERIC_READ,
-                                  creates ? FILE_SHARE_READ : shared_with_all, nullptr,
-                                  creates ? CREATE_NEW : OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
+  SECURITY_ATTRIBUTES security{sizeof security, nullptr, FALSE};
+  std::vector<unsigned char> rights;
+  DWORD flags = FILE_FLAG_SEQUENTIAL_SCAN | named_by_anybody;
+  if (creates && !like.empty()) {
+    rights = rights_of(like);
+    if (!rights.empty()) security.lpSecurityDescriptor = rights.data();
+    if (is_encrypted(like)) flags |= FILE_ATTRIBUTE_ENCRYPTED;
+  }
+  const HANDLE file = CreateFileW(system_path(path).c_str(), creates ? GENERIC_WRITE | DELETE : GENERIC_READ,
+                                  creates ? FILE_SHARE_READ : shared_with_all, creates ? &security : nullptr,
+                                  creates ? CREATE_NEW : OPEN_EXISTING,
+                                  creates ? flags | FILE_FLAG_OPEN_REPARSE_POINT : flags, nullptr);
   handle_ = file == INVALID_HANDLE_VALUE ? nullptr : file;
+  if (creates && handle_) mark_for_deletion(handle_, true);
 }
 
 open_file::~open_file() { close(); }
@@ -185,6 +223,7 @@ bool open_file::write(std::string_view bytes) noexcept {
   return true;
 }
 
+bool open_file::keep() noexcept { return mark_for_deletion(handle_, false); }
 bool open_file::flush() noexcept { return FlushFileBuffers(handle_); }
 
 bool open_file::close() noexcept {
@@ -193,17 +232,31 @@ bool open_file::close() noexcept {
   return done;
 }
 
-bool copy_to_new(const std::wstring& from, const std::wstring& to) {
-  return CopyFileW(system_path(from).c_str(), system_path(to).c_str(), TRUE);
+bool copy_content(const std::wstring& from, const std::wstring& to) {
+  constexpr DWORD copied = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
+                           FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+  const std::wstring source = system_path(from), target = system_path(to);
+  if (!CopyFileW(source.c_str(), target.c_str(), FALSE)) return false;
+  // Wine leaves an existing file's attributes as they are.
+  const DWORD wanted = GetFileAttributesW(source.c_str()), own = GetFileAttributesW(target.c_str());
+  if (wanted == INVALID_FILE_ATTRIBUTES || own == INVALID_FILE_ATTRIBUTES) return false;
+  return !((wanted ^ own) & copied) ||
+         SetFileAttributesW(target.c_str(), (own & ~copied) | (wanted & copied));
 }
 
-void copy_attributes(const std::wstring& from, const std::wstring& to) {
+bool copy_attributes(const std::wstring& from, const std::wstring& to) {
   constexpr DWORD copied = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
   const DWORD attributes = GetFileAttributesW(system_path(from).c_str());
-  if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & copied)) return;
+  if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & (copied | FILE_ATTRIBUTE_ENCRYPTED)))
+    return true;
   const std::wstring name = system_path(to);
   const DWORD own = GetFileAttributesW(name.c_str());
-  if (own != INVALID_FILE_ATTRIBUTES) SetFileAttributesW(name.c_str(), own | (attributes & copied));
+  if (own == INVALID_FILE_ATTRIBUTES) return true;
+  if (attributes & FILE_ATTRIBUTE_ENCRYPTED && !(own & FILE_ATTRIBUTE_ENCRYPTED) &&
+      !EncryptFileW(name.c_str()))
+    return false;
+  if (attributes & copied) SetFileAttributesW(name.c_str(), own | (attributes & copied));
+  return true;
 }
 
 // A target that somebody reads, or that a scanner looks at, may be free a moment later.

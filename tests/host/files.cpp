@@ -81,10 +81,13 @@ std::wstring temporary_folder() {
   return texto::to_utf_16(fs::temp_directory_path(error).string());
 }
 
-open_file::open_file(const std::wstring& path, mode how) : handle_(nullptr) {
+open_file::open_file(const std::wstring& path, mode how, const std::wstring& like) : handle_(nullptr) {
   const int flags = how == to_create ? O_WRONLY | O_CREAT | O_EXCL : O_RDONLY;
   if (how == to_create ? step_fails() : kind_of(path) == entry_kind::folder) return;
   handle_ = handle_of(open(host_name(path).c_str(), flags | O_CLOEXEC, 0666));
+  struct stat found;
+  if (handle_ && !like.empty() && stat(host_name(like).c_str(), &found) == 0)
+    fchmod(descriptor_of(handle_), found.st_mode & 0777);
 }
 
 open_file::~open_file() {
@@ -116,6 +119,8 @@ bool open_file::write(std::string_view bytes) noexcept {
   return !fails;
 }
 
+bool open_file::keep() noexcept { return true; }
+
 bool open_file::flush() noexcept { return !step_fails() && fsync(descriptor_of(handle_)) == 0; }
 
 bool open_file::close() noexcept {
@@ -124,17 +129,21 @@ bool open_file::close() noexcept {
   return done;
 }
 
-bool copy_to_new(const std::wstring& from, const std::wstring& to) {
+bool copy_content(const std::wstring& from, const std::wstring& to) {
   std::error_code error;
   const std::string source = host_name(from), target = host_name(to);
-  if (source.empty() || !fs::copy_file(source, target, error)) return false;
+  if (source.empty() || !fs::copy_file(source, target, fs::copy_options::overwrite_existing, error))
+    return false;
   const bool failed = step_fails();
   fs::last_write_time(target, fs::last_write_time(source, error), error);
-  fs::permissions(target, fs::status(source, error).permissions(), error);
   return !failed && !error;
 }
 
-void copy_attributes(const std::wstring&, const std::wstring&) {}
+bool copy_attributes(const std::wstring& from, const std::wstring& to) {
+  struct stat found;
+  if (stat(host_name(from).c_str(), &found) == 0) chmod(host_name(to).c_str(), found.st_mode & 0777);
+  return true;
+}
 
 creation rename_file(const std::wstring& from, const std::wstring& to, bool replace) {
   const std::string source = host_name(from), target = host_name(to);

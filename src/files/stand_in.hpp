@@ -1,0 +1,18 @@
+#pragma once
+
+// New files that are to take the place of others, and copies that are made by way of one.
+
+#include <ruvo/file.hpp>
+
+#include <string>
+
+namespace ruvo::files {
+
+/// Whether a name has the form of those that new files have until they are whole: "~", a number, "_", a
+/// number, ".tmp".
+bool is_stand_in(const std::wstring& name);
+
+/// Whether an entry of that form is being written, by this process or another one.
+bool is_being_written(const file& path);
+
+}  // namespace ruvo::files
