@@ -19,6 +19,12 @@ struct found_entry : found_facts {
   std::wstring name;
 };
 
+/// What tells a file or folder from all others.
+struct entry_identity {
+  unsigned long long volume = 0, index = 0;
+  bool operator==(const entry_identity&) const = default;
+};
+
 /// Reads the entries of a folder in the order in which the system has them, but not "." and "..".
 class folder_reader {
  public:
