@@ -2,8 +2,6 @@
 
 #include <ruvo/exc.hpp>
 
-#include <optional>
-
 namespace ruvo {
 
 fileFilter::fileFilter() = default;
@@ -26,6 +24,12 @@ namespace files {
 
 namespace {
 
+std::shared_ptr<const platform::held_folder> hold(const file& folder) {
+  if (const auto* const held = dynamic_cast<const held_place*>(&folder)) return held->folder();
+  using platform::held_folder;
+  return std::make_shared<held_folder>(folder, true, held_folder::purpose::listing);
+}
+
 exception refusal(const file& folder) {
   platform::found_facts found;
   if (platform::look_at(folder, found)) return exc::fileInvalidFolder(folder);
@@ -34,7 +38,9 @@ exception refusal(const file& folder) {
 
 /// False when not all entries could be read.
 bool read_entries(const file& folder, fileFilter* filter, fileCallback* callback, std::vector<file>* out) {
-  platform::folder_reader reader(folder);
+  const std::shared_ptr<const platform::held_folder> held = hold(folder);
+  if (!held || !*held) return false;
+  platform::folder_reader reader(*held);
   std::wstring path = prefix_of(folder);
   const std::size_t prefix = path.size();
   platform::found_entry found;
@@ -86,7 +92,10 @@ bool look_at(const file& entry, platform::found_facts& out) {
     out = listed->found();
     return true;
   }
-  return platform::look_at(entry, out);
+  out = {};
+  const bool is_there = platform::look_at(entry, out);
+  if (!out.is_link) out.is_folder = entry.is_directory();
+  return is_there || out.is_folder || entry.is_file();
 }
 
 }  // namespace files

@@ -4,7 +4,9 @@
 
 #include <ruvo/files/tree.hpp>
 
+#include <memory>
 #include <string>
+#include <utility>
 
 #include "files/listing_platform.hpp"
 
@@ -25,6 +27,18 @@ class listed_file final : public file {
   const platform::found_facts* found_ = nullptr;
 };
 
+/// A folder to be listed that is held open already, which services that have a listing of their own take for
+/// a path like others. Null when it could not be held: then there is nothing to be listed.
+class held_place final : public file {
+ public:
+  held_place(const file& path, std::shared_ptr<const platform::held_folder> folder)
+      : file(path), folder_(std::move(folder)) {}
+  const std::shared_ptr<const platform::held_folder>& folder() const noexcept { return folder_; }
+
+ private:
+  std::shared_ptr<const platform::held_folder> folder_;
+};
+
 /// The `directory_list` service of contexts that have none of their own.
 bool list_folder(const file& folder, exception& err, fileFilter* filter, fileCallback* callback,
                  std::vector<file>* out);
@@ -32,7 +46,8 @@ bool list_folder(const file& folder, exception& err, fileFilter* filter, fileCal
 /// What a path in a folder begins with.
 std::wstring prefix_of(const file& folder);
 
-/// What the listing found, or else the system now; false when there is nothing.
+/// What the listing found, or else the system now; of an entry that a service made, what the entry says.
+/// False when there is nothing.
 bool look_at(const file& entry, platform::found_facts& out);
 
 }  // namespace ruvo::files

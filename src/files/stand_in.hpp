@@ -4,7 +4,7 @@
 
 #include <ruvo/file.hpp>
 
-#include <string>
+#include "files/listing_platform.hpp"
 
 namespace ruvo::files {
 
@@ -14,5 +14,10 @@ bool is_stand_in(const std::wstring& name);
 
 /// Whether an entry of that form is being written, by this process or another one.
 bool is_being_written(const file& path);
+
+/// The same as copy_file(), from a folder to another one that are held, to a path that is no folder. The
+/// source's may be null.
+void copy_held(const file& from, const file& to, const platform::held_folder* source,
+               const platform::held_folder& target);
 
 }  // namespace ruvo::files

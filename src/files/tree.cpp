@@ -5,41 +5,37 @@
 #include <ruvo/files/whole.hpp>
 
 #include <algorithm>
-#include <string_view>
+#include <cstddef>
+#include <memory>
 #include <utility>
 
 #include "app/current.hpp"
+#include "files/held_tree.hpp"
 #include "files/listing.hpp"
-#include "texto/ascii.hpp"
+#include "files/stand_in.hpp"
 
 namespace ruvo::files {
 
 namespace {
 
-bool starts_folded(std::wstring_view text, std::wstring_view start) {
-  return text.size() >= start.size() &&
-         std::ranges::equal(text.substr(0, start.size()), start, {}, texto::to_lower, texto::to_lower);
-}
-
-bool climbs(std::wstring_view path) {
-  for (;;) {
-    const std::size_t end = std::min(path.find(L'\\'), path.size());
-    if (path.substr(0, end) == L"..") return true;
-    if (end == path.size()) return false;
-    path.remove_prefix(end + 1);
-  }
-}
-
 /// The place below `target` that an entry below `source` has; empty for other entries.
 file counterpart(const file& entry, const file& source, const file& target) {
   if (source.empty() || target.empty()) return {};
-  const std::wstring& path = entry;
-  std::wstring prefix = prefix_of(source);
-  if (prefix == L".\\" && !path.starts_with(prefix)) prefix.clear();  // paths do not keep it
-  if (!starts_folded(path, prefix)) return {};
-  const std::wstring place = path.substr(prefix.size());
-  if (place.empty() || !file(place).get_root().empty() || climbs(place)) return {};
+  std::wstring place;
+  if (!place_below(source, entry, place) || place.empty()) return {};
   return prefix_of(target) + place;
+}
+
+/// The folder of an entry; its path is empty no more than others are.
+file folder_of(const file& entry) {
+  file out = entry.get_parent();
+  return out.empty() ? file(L".") : out;
+}
+
+/// Whether an entry is a file that is being written, under a name of the library's own, or such one that has
+/// got its name since.
+bool is_passing(const file& entry) {
+  return is_stand_in(entry.get_name()) && (is_being_written(entry) || !entry.exists());
 }
 
 bool conclude(const RelayCallBack& work, exception& err) {
@@ -47,14 +43,24 @@ bool conclude(const RelayCallBack& work, exception& err) {
   return work.get_failure().OK();
 }
 
+/// A callback that is told which tree it works on.
+template <class Callback>
+struct on_tree final : Callback {
+  using Callback::Callback;
+  using Callback::work_on;
+};
+
 struct walker final : RecursiveCallBack {
   using RecursiveCallBack::RecursiveCallBack;
   using RecursiveCallBack::walk;
+  using RecursiveCallBack::work_on;
 };
 
 /// Lists the tree below a folder to `work`.
-void walk(const file& folder, fileFilter* filter, RelayCallBack& work) {
-  walker(nullptr, filter, &work).walk(folder);
+void walk(const std::shared_ptr<held_tree>& tree, fileFilter* filter, RelayCallBack& work) {
+  walker going(nullptr, filter, &work);
+  going.work_on(tree);
+  going.walk(tree->top());
 }
 
 void refuse(RelayCallBack& work, const exception& failure) {
@@ -100,8 +106,16 @@ void RelayCallBack::onFinish() {
 
 void RelayCallBack::onFailure(const exception& error) {
   if (failure_.OK()) failure_ = error;
+  ++failures_;
   if (to_) to_->onFailure(error);
   stops();
+}
+
+void RelayCallBack::work_on(std::shared_ptr<held_tree> tree) { tree_ = std::move(tree); }
+
+const std::shared_ptr<held_tree>& RelayCallBack::tree_of(const file& entry) {
+  if (!tree_) tree_ = std::make_shared<held_tree>(folder_of(entry), true);
+  return tree_;
 }
 
 // Going down
@@ -142,6 +156,7 @@ void RecursiveCallBack::descend(const file* top) {
     ~descent() {
       owner.descends_ = false;
       owner.pending_.clear();
+      owner.work_on(nullptr);
     }
   } const scope{*this};
   descends_ = true;
@@ -152,8 +167,6 @@ void RecursiveCallBack::descend(const file* top) {
     const file folder = std::move(pending_.back());
     pending_.pop_back();
     in_order = pending_.size();
-    platform::found_facts now;
-    if (platform::look_at(folder, now) && now.is_link) continue;  // has taken the folder's place
     list(folder);
   }
 }
@@ -161,8 +174,15 @@ void RecursiveCallBack::descend(const file* top) {
 // A service of the application's own may tell its failure to its caller alone, or give none.
 void RecursiveCallBack::list(const file& folder) {
   failed_ = false;
+  std::shared_ptr<held_tree> tree = tree_of(folder);
+  if (!tree->covers(folder)) tree = std::make_shared<held_tree>(folder, false);
+  const std::shared_ptr<const held_folder> held = tree->reach(folder);
+  if (tree->reason() == held_folder::outcome::link) {  // has taken the folder's place
+    onFailure(exc::fileInvalidFolder(tree->culprit()));
+    return;
+  }
   exception told;
-  if (directory_list(folder, told, *this) || failed_) return;
+  if (directory_list(held_place(folder, held), told, *this) || failed_) return;
   onFailure(told.OK() ? exception::incorrect() : told);
 }
 
@@ -191,7 +211,7 @@ CopyFolderCallBack::~CopyFolderCallBack() = default;
 void CopyFolderCallBack::onRead(const file& entry) {
   if (stops() || (filter_ && !filter_->accept(entry))) return;
   try {
-    copy(entry);
+    if (!copy(entry)) return;
   } catch (const exception& failure) {
     onFailure(failure);
     return;
@@ -208,43 +228,65 @@ void CopyFolderCallBack::onFinish() {
       onFailure(failure);
     }
   }
+  targets_.reset();
+  work_on(nullptr);
   RelayCallBack::onFinish();
 }
 
 void CopyFolderCallBack::onFailure(const exception& error) { RelayCallBack::onFailure(error); }
 
-void CopyFolderCallBack::copy(const file& entry) {
+/// False when the entry is none that lasts.
+bool CopyFolderCallBack::copy(const file& entry) {
   const file place = counterpart(entry, source_, target_);
   if (place.empty()) throw exc::BadArgument(entry);
+  if (is_passing(entry)) return false;
   platform::found_facts found;
   if (!look_at(entry, found)) throw exc::fileNotFound(entry);
   if (found.is_link) throw exc::fileOsStream(place);
   if (found.is_folder) {
     reach(place);
-    return;
+    return true;
   }
-  reach(place.get_parent());
+  const file from = folder_of(entry), to = folder_of(place);
+  reach(to);
   if (place.is_directory()) throw exc::fileExpectedFile(place);
-  copy_file(entry, place);
+  const std::shared_ptr<held_tree>& sources = tree_of(entry);
+  const std::shared_ptr<const held_folder> source = sources->reach(from);
+  if (sources->reason() == held_folder::outcome::link) throw exc::fileOsStream(place);
+  try {
+    copy_held(entry, place, source.get(), *targets_->reach(to));
+  } catch (const exception&) {
+    if (!is_passing(entry)) throw;
+    return false;
+  }
+  return true;
 }
 
-/// Makes sure of a folder.
+/// Makes sure of a folder. One that the caller named may be a link; those below it may not.
 void CopyFolderCallBack::reach(const file& folder) {
-  if (folder == reached_) return;
-  if (!folder.mkdir(nullptr) && !folder.mkdirs(nullptr)) {
-    if (folder.is_file()) throw exc::fileExpectedFolder(folder);
-    throw exc::fileUnCreateFolder(folder);
+  using outcome = held_folder::outcome;
+  if (!targets_) {
+    target_.mkdirs(nullptr);
+    targets_ = std::make_shared<held_tree>(target_, true);
   }
-  reached_ = folder;
+  if (targets_->reach(folder, true)) return;
+  const file culprit = targets_->culprit();
+  const outcome reason = targets_->reason();
+  if (!targets_->identity()) targets_.reset();  // is tried again
+  if (reason == outcome::file || reason == outcome::link) throw exc::fileExpectedFolder(culprit);
+  throw exc::fileUnCreateFolder(folder);
 }
 
 bool copy_folder(const file& from, file to, exception& err, fileFilter* filter, fileCallback* callback,
                  std::vector<file>* out) {
-  CopyFolderCallBack copier(from, to, out, nullptr, callback);
-  if (to.empty() || platform::is_inside(to, from))
+  on_tree<CopyFolderCallBack> copier(from, to, out, nullptr, callback);
+  if (to.empty() || platform::is_inside(to, from)) {
     refuse(copier, exc::fileUnCreateFolder(to));
-  else
-    walk(from, filter, copier);
+  } else {
+    const auto tree = std::make_shared<held_tree>(from, true);
+    copier.work_on(tree);
+    walk(tree, filter, copier);
+  }
   return conclude(copier, err);
 }
 
@@ -270,9 +312,10 @@ VerifyFolderCallBack::~VerifyFolderCallBack() = default;
 void VerifyFolderCallBack::onRead(const file& entry) {
   if (stops()) return;
   try {
+    if (is_passing(entry)) return;
     compare(entry);
   } catch (const exception& failure) {
-    onFailure(failure);
+    if (!is_passing(entry)) onFailure(failure);
     return;
   }
   RelayCallBack::onRead(entry);
@@ -291,7 +334,8 @@ void VerifyFolderCallBack::compare(const file& entry) const {
   if (!expected.is_folder && found.is_folder) throw exc::fileExpectedFile(place);
   if (expected.is_link || expected.size == found.size) return;
   // What a folder knows of a file that is being written, or has several names, may be old.
-  if (entry.file::size() != place.size()) throw exc::fileStrageFileSize(place);
+  const bool is_listed = dynamic_cast<const listed_file*>(&entry);
+  if ((is_listed ? entry.file::size() : entry.size()) != place.size()) throw exc::fileStrageFileSize(place);
 }
 
 bool verify(const file& from, file to, exception& err, fileCallback& callback, fileFilter* filter) {
@@ -302,7 +346,7 @@ bool verify(const file& from, file to, exception& err, fileCallback& callback, f
   else if (!found.is_folder)
     refuse(comparer, exc::fileExpectedFolder(to));
   else
-    walk(from, filter, comparer);
+    walk(std::make_shared<held_tree>(from, true), filter, comparer);
   return conclude(comparer, err);
 }
 
@@ -320,7 +364,7 @@ void DeleteCallBack::onRead(const file& entry) {
   else if (found.is_folder && !found.is_link)
     folders_.push_back(entry);
   else
-    remove(entry, found.is_folder);
+    remove(entry, found.is_folder, found.is_link);
 }
 
 void DeleteCallBack::onFinish() {
@@ -328,19 +372,20 @@ void DeleteCallBack::onFinish() {
     if (kept_.contains(folders_.back()))
       keep(folders_.back());
     else
-      remove(folders_.back(), true);
+      remove(folders_.back(), true, false);
   }
   folders_.clear();
   kept_.clear();
+  work_on(nullptr);
   RelayCallBack::onFinish();
 }
 
 void DeleteCallBack::onFailure(const exception& error) { RelayCallBack::onFailure(error); }
 
-void DeleteCallBack::keep(const file& entry) { kept_.insert(entry.get_parent()); }
+void DeleteCallBack::keep(const file& entry) { kept_.insert(folder_of(entry)); }
 
-void DeleteCallBack::remove(const file& entry, bool is_folder) {
-  if (platform::remove_entry(entry, is_folder)) {
+void DeleteCallBack::remove(const file& entry, bool is_folder, bool is_link) {
+  if (is_removed(entry, is_folder, is_link)) {
     RelayCallBack::onRead(entry);
   } else {
     keep(entry);
@@ -348,17 +393,35 @@ void DeleteCallBack::remove(const file& entry, bool is_folder) {
   }
 }
 
+bool DeleteCallBack::is_removed(const file& entry, bool is_folder, bool is_link) {
+  platform::found_facts found;
+  found.is_folder = is_folder;
+  found.is_link = is_link;
+  held_tree& tree = *tree_of(entry);
+  if (entry == tree.top()) {
+    tree.release();
+    return platform::remove_entry(entry, found, tree.identity());
+  }
+  const file folder = folder_of(entry);
+  if (!tree.covers(folder)) return platform::remove_entry(entry, found, nullptr);
+  const std::shared_ptr<const held_folder> held = tree.reach(folder);
+  if (held) return held->remove(entry.get_name(), found);
+  return tree.reason() == held_folder::outcome::missing;
+}
+
 bool erase(file path, exception& err, fileFilter* filter, fileCallback* callback) {
-  DeleteCallBack eraser(callback);
+  on_tree<DeleteCallBack> eraser(callback);
   noting_filter noting(filter, eraser);
   platform::found_facts found;
   if (!platform::look_at(path, found)) {
     refuse(eraser, exc::fileNotFound(path));
     return conclude(eraser, err);
   }
+  const auto tree = std::make_shared<held_tree>(path, false);
+  eraser.work_on(tree);
   eraser.onRead(path);
   if (found.is_folder && !found.is_link)
-    walk(path, &noting, eraser);
+    walk(tree, &noting, eraser);
   else
     eraser.onFinish();
   return conclude(eraser, err);
@@ -374,7 +437,12 @@ bool erase(file path, exception& err, fileFilter& filter) { return erase(path, e
 
 bool directory_list(const file& folder, exception& err, fileFilter* filter, fileCallback* callback,
                     std::vector<file>* out) {
-  return current_context().directory_list(folder, err, filter, callback, out);
+  const auto* const relay = dynamic_cast<const RelayCallBack*>(callback);
+  const std::size_t failures_before = relay ? relay->count_failures() : 0;
+  if (!current_context().directory_list(folder, err, filter, callback, out)) return false;
+  if (!relay || relay->count_failures() == failures_before) return true;
+  relay->get_failure().copy_on(err);  // of a folder below, or of what was done with an entry
+  return false;
 }
 bool directory_list(const file& folder, exception& err, fileCallback& callback) {
   return directory_list(folder, err, nullptr, &callback, nullptr);

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <mutex>
 #include <new>
+#include <optional>
 #include <set>
 #include <stdexcept>
 #include <string_view>
@@ -390,6 +391,25 @@ file copy_file(const file& from, file to) {
   stand_in made(to, true);
   made.copy(from);
   return made.settle();
+}
+
+void copy_held(const file& from, const file& to, const platform::held_folder* source,
+               const platform::held_folder& target) {
+  expect_file(from);
+  expect_writable(to, true);
+  const file folder = to.get_parent();
+  // A file that is replaced just then is copied again; under a system that cannot keep it from that.
+  constexpr int attempts = 8;
+  for (int i = 0; i < attempts && target.is_at(folder.empty() ? file(L".") : folder); ++i) {
+    std::optional<platform::held_file> held;
+    if (source && !held.emplace(*source, from.get_name())) break;
+    stand_in made(to, true);
+    made.copy(from);
+    if (held && !held->is_at(from)) continue;
+    made.settle();
+    return;
+  }
+  throw exc::fileOsStream(to);
 }
 
 bool is_stand_in(const std::wstring& name) {

@@ -9,6 +9,8 @@
 #include <ruvo/fwd.hpp>
 
 #include <atomic>
+#include <cstddef>
+#include <memory>
 #include <set>
 #include <vector>
 
@@ -59,6 +61,8 @@ class KESTA_API fileCallback {
 };
 
 namespace files {
+
+class held_tree;
 
 // Operations. Filters, callbacks and lists given as pointers may be null.
 
@@ -125,16 +129,25 @@ class KESTA_API RelayCallBack : public fileCallback {
 
   /// The first failure; OK() when there was none.
   const exception& get_failure() const noexcept { return failure_; }
+  /// How many failures it was told of.
+  std::size_t count_failures() const noexcept { return failures_; }
 
  protected:
   /// Passes on to `to`.
   explicit RelayCallBack(fileCallback* to);
   /// Whether it has to stop.
   bool stops() noexcept;
+  /// Works on the folders of a tree by way of what holds them open. Without, a tree is held from the folder
+  /// on that has the first entry.
+  void work_on(std::shared_ptr<held_tree> tree);
+  const std::shared_ptr<held_tree>& tree_of(const file& entry);
+  const std::shared_ptr<held_tree>& tree() const noexcept { return tree_; }
 
  private:
   fileCallback* to_;
   exception failure_;
+  std::size_t failures_ = 0;
+  std::shared_ptr<held_tree> tree_;
 };
 
 /// Makes a listing go down into the folders that it finds, when it is told that the listing of one has ended:
@@ -189,13 +202,13 @@ class KESTA_API CopyFolderCallBack : public RelayCallBack {
   void onFailure(const exception& error) override;
 
  private:
-  void copy(const file& entry);
+  bool copy(const file& entry);
   void reach(const file& folder);
 
   file source_, target_;
   std::vector<file>* out_;
   fileFilter* filter_;
-  file reached_;  // a folder known to be there
+  std::shared_ptr<held_tree> targets_;
 };
 
 /// Compares each entry below `source` with what is at the same place below `target`; those that agree are
@@ -233,7 +246,8 @@ class KESTA_API DeleteCallBack : public RelayCallBack {
   void keep(const file& entry);
 
  private:
-  void remove(const file& entry, bool is_folder);
+  void remove(const file& entry, bool is_folder, bool is_link);
+  bool is_removed(const file& entry, bool is_folder, bool is_link);
 
   std::vector<file> folders_;
   std::set<file> kept_;  // folders that hold something that stays
