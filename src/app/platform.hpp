@@ -82,7 +82,8 @@ bool write_error(std::wstring_view text);
 /// A file to append to, made if it is missing, which others may read, write, rename and erase meanwhile. Null
 /// when it cannot be opened.
 void* open_to_append(const std::wstring& path);
-/// One write at the end of the file, whoever else writes.
+/// One write at the end of the file, whoever else writes. False when not all could be written; what was is
+/// taken back then, unless somebody holds the turn to write.
 bool append(void* file, std::string_view bytes) noexcept;
 /// Waits until the system has written all to the disk.
 void flush(void* file) noexcept;

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
+#include <string>
+#include <string_view>
 
 #include "app/platform.hpp"
 #include "app/win32.hpp"
@@ -16,15 +19,17 @@ constexpr DWORD shared_with_all = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHAR
 
 std::atomic<bool> made_console{false};
 
-bool write_all(HANDLE file, std::string_view bytes) noexcept {
+/// Gives how many bytes were written: less than all when the system refuses to go on.
+std::size_t write_all(HANDLE file, std::string_view bytes) noexcept {
   constexpr std::size_t most = 1u << 30;
-  while (!bytes.empty()) {
-    const DWORD size = static_cast<DWORD>(std::min(bytes.size(), most));
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    const DWORD size = static_cast<DWORD>(std::min(bytes.size() - done, most));
     DWORD written = 0;
-    if (!WriteFile(file, bytes.data(), size, &written, nullptr) || !written) return false;
-    bytes.remove_prefix(written);
+    if (!WriteFile(file, bytes.data() + done, size, &written, nullptr) || !written) break;
+    done += written;
   }
-  return true;
+  return done;
 }
 
 // A console takes some 32,000 units at once, and must not be given half a character.
@@ -58,6 +63,7 @@ class turn_lock {
     OVERLAPPED where = place();
     if (owns_) UnlockFileEx(file_, 0, 1, 0, &where);
   }
+  bool owns() const noexcept { return owns_; }
 
  private:
   static OVERLAPPED place() noexcept {
@@ -75,6 +81,19 @@ class turn_lock {
   bool owns_ = false;
 };
 
+/// Takes the last bytes of a file away: a line that the disk had room for in part, which the next one would
+/// follow. The right to change the file's size is asked for only then.
+void cut_back(HANDLE file, std::size_t count) noexcept {
+  const HANDLE writer = ReOpenFile(file, FILE_WRITE_DATA, shared_with_all, 0);
+  if (writer == INVALID_HANDLE_VALUE) return;
+  FILE_END_OF_FILE_INFO end;
+  if (GetFileSizeEx(writer, &end.EndOfFile) && end.EndOfFile.QuadPart >= static_cast<LONGLONG>(count)) {
+    end.EndOfFile.QuadPart -= static_cast<LONGLONG>(count);
+    SetFileInformationByHandle(writer, FileEndOfFileInfo, &end, sizeof end);
+  }
+  CloseHandle(writer);
+}
+
 HANDLE standard(DWORD which) noexcept {
   const HANDLE out = GetStdHandle(which);
   return out == INVALID_HANDLE_VALUE ? nullptr : out;
@@ -89,7 +108,9 @@ bool is_console(HANDLE out) noexcept {
 
 bool write_text(HANDLE out, std::wstring_view text) {
   if (!out) return false;
-  return is_console(out) ? write_units(out, text) : write_all(out, texto::to_utf_8(text));
+  if (is_console(out)) return write_units(out, text);
+  const std::string bytes = texto::to_utf_8(text);
+  return write_all(out, bytes) == bytes.size();
 }
 
 }  // namespace
@@ -120,7 +141,10 @@ void* open_to_append(const std::wstring& path) {
 
 bool append(void* file, std::string_view bytes) noexcept {
   const turn_lock lock(file);
-  return write_all(file, bytes);
+  const std::size_t written = write_all(file, bytes);
+  if (written == bytes.size()) return true;
+  if (written && lock.owns()) cut_back(file, written);
+  return false;
 }
 
 void flush(void* file) noexcept { FlushFileBuffers(file); }

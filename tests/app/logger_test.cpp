@@ -20,6 +20,7 @@
 #include <gtest/gtest.h>
 
 #include "files/scratch.hpp"
+#include "support/links.hpp"
 
 namespace {
 
@@ -270,15 +271,35 @@ TEST_F(logs, without_a_folder_no_file_is_touched) {
 }
 
 TEST_F(logs, full_disk_is_survived) {
-  std::error_code error;
-  fs::create_symlink("/dev/full", "scratch/kesta_20240229.log", error);
-  if (error || !fs::is_symlink("scratch/kesta_20240229.log")) GTEST_SKIP() << "no links here";
+  const std::string name = "scratch/kesta_20240229.log";
+  if (!links::make("/dev/full", name)) GTEST_SKIP() << "no links here";
   ruvo::logger log;
   log.set_path("scratch").log(L"no cabe");
-  fs::remove("scratch/kesta_20240229.log");
   log.flush();
+  links::drop(name);
   log.log(L"cabe");
   EXPECT_EQ(log.read(20240229), L"[2024-02-29 13:05:09.042] cabe\r\n");
+}
+
+TEST_F(logs, a_full_disk_cuts_no_line) {
+  fs::create_directory("scratch/disco");
+  if (!links::ask("disk scratch/disco")) GTEST_SKIP() << "no small disk here";
+  {
+    ruvo::logger log;
+    log.set_path("scratch/disco");
+    put(path(L"disco\\relleno"), std::string(40'000, 'x'));
+    for (int i = 0; i < 500; ++i) log.log(L"línea número " + std::to_wstring(i) + std::wstring(60, L'x'));
+    path(L"disco\\relleno").erase();
+    log.log(L"cabe");
+    const std::wstring text = log.read(20240229);
+    EXPECT_TRUE(text.ends_with(L"cabe\r\n"));
+    EXPECT_GT(text.size(), 10'000u);
+    for (std::size_t at = 0; at < text.size(); at = text.find(L"\r\n", at) + 2) {
+      const std::size_t end = text.find(L"\r\n", at);
+      EXPECT_EQ(text.substr(at, end - at).rfind(L"[2024"), 0u) << at;
+    }
+  }
+  EXPECT_TRUE(links::ask("eject scratch/disco"));
 }
 
 TEST_F(logs, week_is_kept) {

@@ -25,8 +25,8 @@ serve() {
       swap) mv "$second" "$second.movida" && ln -s "$first" "$second" ;;
       drop) back "$first" ;;
       mode) chmod "$first" "$second" ;;
-      disk) mount -t tmpfs -o size=64k none "$first" ;;
-      eject) umount "$first" ;;
+      disk) mount -t tmpfs -o size=64k none "$first" && echo "$first" >enlaces.disco ;;
+      eject) umount "$first" && rm enlaces.disco ;;
       *) false ;;
     esac 2>/dev/null || : >enlaces.no
     rm enlaces.pide
@@ -39,4 +39,5 @@ server=$!
 KESTA_LINKS=1 "$@"
 code=$?
 kill "$server" 2>/dev/null
+[ ! -e enlaces.disco ] || umount -l "$(cat enlaces.disco)"
 exit "$code"
