@@ -1,26 +1,27 @@
 #pragma once
 
-// Finding the next interesting unit of a text, eight at a time.
+// Finding the next interesting unit of a text; where units have 16 bits, eight at a time.
 
 #include <bit>
 #include <cstdint>
 
-#if (defined(__SSE2__) || defined(_M_X64)) && (defined(_WIN32))
-#  include <emmintrin.h>
-#  define KESTA_SCAN_SSE2 1
-#endif
+#include "texto/cpu.hpp"
 
 namespace ruvo::serializer {
 
 /// The first unit of [at, end) that is `a` or `b`, or end.
-inline const wchar_t* find_either(const wchar_t* at, const wchar_t* end, wchar_t a, wchar_t b) noexcept {
-#ifdef KESTA_SCAN_SSE2
-  const __m128i all_a = _mm_set1_epi16(static_cast<short>(a)), all_b = _mm_set1_epi16(static_cast<short>(b));
-  for (; end - at >= 8; at += 8) {
-    const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-    const __m128i hits = _mm_or_si128(_mm_cmpeq_epi16(units, all_a), _mm_cmpeq_epi16(units, all_b));
-    const auto mask = static_cast<std::uint32_t>(_mm_movemask_epi8(hits));
-    if (mask) return at + std::countr_zero(mask) / 2;
+template <class Unit>
+inline const Unit* find_either(const Unit* at, const Unit* end, Unit a, Unit b) noexcept {
+#ifdef KESTA_X64
+  if constexpr (texto::unit_16<Unit>) {
+    const __m128i all_a = _mm_set1_epi16(static_cast<short>(a)),
+                  all_b = _mm_set1_epi16(static_cast<short>(b));
+    for (; end - at >= 8; at += 8) {
+      const __m128i units = texto::load_16(at);
+      const __m128i hits = _mm_or_si128(_mm_cmpeq_epi16(units, all_a), _mm_cmpeq_epi16(units, all_b));
+      const auto mask = static_cast<std::uint32_t>(_mm_movemask_epi8(hits));
+      if (mask) return at + std::countr_zero(mask) / 2;
+    }
   }
 #endif
   while (at != end && *at != a && *at != b) ++at;
@@ -31,18 +32,21 @@ inline const wchar_t* find_either(const wchar_t* at, const wchar_t* end, wchar_t
 constexpr bool is_escaped(wchar_t c) noexcept { return c < 32 || c == L'"' || c == L'\\' || c == 127; }
 
 /// The first unit of [at, end) that is_escaped(), or end.
-inline const wchar_t* find_escaped(const wchar_t* at, const wchar_t* end) noexcept {
-#ifdef KESTA_SCAN_SSE2
-  const __m128i quote = _mm_set1_epi16('"'), backslash = _mm_set1_epi16('\\'), del = _mm_set1_epi16(127);
-  const __m128i last_control = _mm_set1_epi16(31), zero = _mm_setzero_si128();
-  for (; end - at >= 8; at += 8) {
-    const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-    __m128i hits = _mm_cmpeq_epi16(_mm_subs_epu16(units, last_control), zero);
-    hits = _mm_or_si128(hits, _mm_cmpeq_epi16(units, quote));
-    hits = _mm_or_si128(hits, _mm_cmpeq_epi16(units, backslash));
-    hits = _mm_or_si128(hits, _mm_cmpeq_epi16(units, del));
-    const auto mask = static_cast<std::uint32_t>(_mm_movemask_epi8(hits));
-    if (mask) return at + std::countr_zero(mask) / 2;
+template <class Unit>
+inline const Unit* find_escaped(const Unit* at, const Unit* end) noexcept {
+#ifdef KESTA_X64
+  if constexpr (texto::unit_16<Unit>) {
+    const __m128i quote = _mm_set1_epi16('"'), backslash = _mm_set1_epi16('\\'), del = _mm_set1_epi16(127);
+    const __m128i last_control = _mm_set1_epi16(31), zero = _mm_setzero_si128();
+    for (; end - at >= 8; at += 8) {
+      const __m128i units = texto::load_16(at);
+      __m128i hits = _mm_cmpeq_epi16(_mm_subs_epu16(units, last_control), zero);
+      hits = _mm_or_si128(hits, _mm_cmpeq_epi16(units, quote));
+      hits = _mm_or_si128(hits, _mm_cmpeq_epi16(units, backslash));
+      hits = _mm_or_si128(hits, _mm_cmpeq_epi16(units, del));
+      const auto mask = static_cast<std::uint32_t>(_mm_movemask_epi8(hits));
+      if (mask) return at + std::countr_zero(mask) / 2;
+    }
   }
 #endif
   while (at != end && !is_escaped(*at)) ++at;
@@ -58,18 +62,21 @@ constexpr bool is_xml_blank(wchar_t c) noexcept {
 constexpr bool is_markup(wchar_t c) noexcept { return (c & ~1) == L'&' || (c & ~2) == L'<' || c == L'"'; }
 
 /// The first unit of [at, end) that is_markup(), or end.
-inline const wchar_t* find_markup(const wchar_t* at, const wchar_t* end) noexcept {
-#ifdef KESTA_SCAN_SSE2
-  static_assert((L'&' | 1) == L'\'' && (L'<' | 2) == L'>');
-  const __m128i amp = _mm_set1_epi16('&'), less = _mm_set1_epi16('<'), quote = _mm_set1_epi16('"');
-  const __m128i but_one = _mm_set1_epi16(~1), but_two = _mm_set1_epi16(~2);
-  for (; end - at >= 8; at += 8) {
-    const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-    __m128i hits = _mm_cmpeq_epi16(_mm_and_si128(units, but_one), amp);
-    hits = _mm_or_si128(hits, _mm_cmpeq_epi16(_mm_and_si128(units, but_two), less));
-    hits = _mm_or_si128(hits, _mm_cmpeq_epi16(units, quote));
-    const auto mask = static_cast<std::uint32_t>(_mm_movemask_epi8(hits));
-    if (mask) return at + std::countr_zero(mask) / 2;
+template <class Unit>
+inline const Unit* find_markup(const Unit* at, const Unit* end) noexcept {
+#ifdef KESTA_X64
+  if constexpr (texto::unit_16<Unit>) {
+    static_assert((L'&' | 1) == L'\'' && (L'<' | 2) == L'>');
+    const __m128i amp = _mm_set1_epi16('&'), less = _mm_set1_epi16('<'), quote = _mm_set1_epi16('"');
+    const __m128i but_one = _mm_set1_epi16(~1), but_two = _mm_set1_epi16(~2);
+    for (; end - at >= 8; at += 8) {
+      const __m128i units = texto::load_16(at);
+      __m128i hits = _mm_cmpeq_epi16(_mm_and_si128(units, but_one), amp);
+      hits = _mm_or_si128(hits, _mm_cmpeq_epi16(_mm_and_si128(units, but_two), less));
+      hits = _mm_or_si128(hits, _mm_cmpeq_epi16(units, quote));
+      const auto mask = static_cast<std::uint32_t>(_mm_movemask_epi8(hits));
+      if (mask) return at + std::countr_zero(mask) / 2;
+    }
   }
 #endif
   while (at != end && !is_markup(*at)) ++at;

@@ -62,8 +62,10 @@ class text_sink {
     advance(to + N - 1);
   }
 
-  static void copy(wchar_t* to, const wchar_t* from, std::size_t units) noexcept {
-    constexpr std::size_t step = 16 / sizeof(wchar_t), half = step / 2;
+  /// In steps of 16 bytes, the last of which overlaps the one before it.
+  template <class Unit>
+  static void copy(Unit* to, const Unit* from, std::size_t units) noexcept {
+    constexpr std::size_t step = 16 / sizeof(Unit), half = step / 2;
     if (units >= step) {
       std::size_t at = 0;
       for (; at + step <= units; at += step) std::memcpy(to + at, from + at, 16);

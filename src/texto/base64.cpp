@@ -113,7 +113,8 @@ void store_12(char* out, __m128i bytes) noexcept {
   std::memcpy(out + 8, &last, sizeof(last));
 }
 void store_12(unsigned char* out, __m128i bytes) noexcept { store_12(reinterpret_cast<char*>(out), bytes); }
-[[maybe_unused]] void store_12(wchar_t* out, __m128i bytes) noexcept {
+template <unit_16 Unit>
+void store_12(Unit* out, __m128i bytes) noexcept {
   const __m128i zero = _mm_setzero_si128();
   store_16(out, _mm_unpacklo_epi8(bytes, zero));
   _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 8), _mm_unpackhi_epi8(bytes, zero));
@@ -260,5 +261,16 @@ wchar_t* base64_decode_to(wchar_t* out, std::wstring_view text) noexcept { retur
 
 unsigned char* base64_read(unsigned char* out, std::string_view text) noexcept { return read(out, text); }
 unsigned char* base64_read(unsigned char* out, std::wstring_view text) noexcept { return read(out, text); }
+
+#ifdef KESTA_STATIC
+void base64_encode_to(char16_t* out, const unsigned char* bytes, std::size_t count, bool url_safe) noexcept {
+  encode(out, bytes, count, url_safe);
+}
+void base64_encode_to(char16_t* out, const char16_t* units, std::size_t count, bool url_safe) noexcept {
+  encode(out, units, count, url_safe);
+}
+char16_t* base64_decode_to(char16_t* out, std::u16string_view text) noexcept { return decode(out, text); }
+unsigned char* base64_read(unsigned char* out, std::u16string_view text) noexcept { return read(out, text); }
+#endif
 
 }  // namespace ruvo::texto

@@ -31,4 +31,11 @@ wchar_t* base64_decode_to(wchar_t* out, std::wstring_view text) noexcept;
 unsigned char* base64_read(unsigned char* out, std::string_view text) noexcept;
 unsigned char* base64_read(unsigned char* out, std::wstring_view text) noexcept;
 
+// In the static library only, for its fuzzers: the vectors of the target's 16-bit units where wide characters
+// have 32.
+void base64_encode_to(char16_t* out, const unsigned char* bytes, std::size_t count, bool url_safe) noexcept;
+void base64_encode_to(char16_t* out, const char16_t* units, std::size_t count, bool url_safe) noexcept;
+char16_t* base64_decode_to(char16_t* out, std::u16string_view text) noexcept;
+unsigned char* base64_read(unsigned char* out, std::u16string_view text) noexcept;
+
 }  // namespace ruvo::texto

@@ -20,7 +20,10 @@ namespace ruvo::texto {
 /// False until the module's constants are made: what runs before takes the portable way.
 extern const bool has_ssse3;
 
-// 16 characters as bytes and back. The wide forms are for units of 16 bits.
+// 16 characters as bytes and back: char, or units of 16 bits.
+
+template <class Unit>
+concept unit_16 = sizeof(Unit) == 2;
 
 inline __m128i load_16(const void* from) noexcept {
   return _mm_loadu_si128(static_cast<const __m128i*>(from));
@@ -29,19 +32,22 @@ inline void store_16(void* to, __m128i bytes) noexcept { _mm_storeu_si128(static
 
 inline __m128i load_low_bytes(const char* from) noexcept { return load_16(from); }
 inline __m128i load_low_bytes(const unsigned char* from) noexcept { return load_16(from); }
-inline __m128i load_low_bytes(const wchar_t* from) noexcept {
+template <unit_16 Unit>
+inline __m128i load_low_bytes(const Unit* from) noexcept {
   const __m128i low = _mm_set1_epi16(0xFF);
   return _mm_packus_epi16(_mm_and_si128(load_16(from), low), _mm_and_si128(load_16(from + 8), low));
 }
 
 /// A unit above 255 becomes 0 or 255.
 inline __m128i load_chars(const char* from) noexcept { return load_16(from); }
-inline __m128i load_chars(const wchar_t* from) noexcept {
+template <unit_16 Unit>
+inline __m128i load_chars(const Unit* from) noexcept {
   return _mm_packus_epi16(load_16(from), load_16(from + 8));
 }
 
 inline void store_bytes(char* to, __m128i bytes) noexcept { store_16(to, bytes); }
-inline void store_bytes(wchar_t* to, __m128i bytes) noexcept {
+template <unit_16 Unit>
+inline void store_bytes(Unit* to, __m128i bytes) noexcept {
   store_16(to, _mm_unpacklo_epi8(bytes, _mm_setzero_si128()));
   store_16(to + 8, _mm_unpackhi_epi8(bytes, _mm_setzero_si128()));
 }

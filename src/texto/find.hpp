@@ -1,6 +1,7 @@
 #pragma once
 
-// Finding a literal text, eight positions at a time, in linear time whatever the texts are.
+// Finding a literal text in linear time whatever the texts are; where units have 16 bits, eight positions at
+// a time.
 
 #include <algorithm>
 #include <bit>
@@ -8,47 +9,48 @@
 #include <string_view>
 #include <vector>
 
-#if (defined(__SSE2__) || defined(_M_X64)) && defined(_WIN32)
-#  include <emmintrin.h>
-#  define KESTA_FIND_SSE2 1
-#endif
+#include "texto/cpu.hpp"
 
 namespace ruvo::texto {
 
 /// A text to be found, not empty, that outlives this object. Candidates are the places where its first and
 /// last units stand. Where too many of them turn out to be wrong, as in a text that repeats itself, the
 /// search goes on with a table of the part's borders, which looks at no unit of the text twice.
-class finder {
+template <class Unit>
+class basic_finder {
  public:
-  static constexpr std::size_t npos = std::wstring_view::npos;
+  using view = std::basic_string_view<Unit>;
+  static constexpr std::size_t npos = view::npos;
 
-  explicit finder(std::wstring_view part) noexcept : part_(part) {}
+  explicit basic_finder(view part) noexcept : part_(part) {}
 
   /// The first place at or behind `from` where the part stands in the text, or npos. A finder goes through
   /// one text, from the left to the right.
-  std::size_t find(std::wstring_view text, std::size_t from) {
+  std::size_t find(view text, std::size_t from) {
     if (from > text.size() || text.size() - from < part_.size()) return npos;
-    const wchar_t* const found = find_by_ends(text, text.data() + from);
+    const Unit* const found = find_by_ends(text, text.data() + from);
     return found ? static_cast<std::size_t>(found - text.data()) : npos;
   }
 
  private:
-  const wchar_t* find_by_ends(std::wstring_view text, const wchar_t* at) {
+  const Unit* find_by_ends(view text, const Unit* at) {
     const auto behind = static_cast<std::ptrdiff_t>(part_.size()) - 1;
-    const wchar_t first = part_.front(), last = part_.back();
-    const wchar_t* const stop = text.data() + text.size() - behind;  // no candidate from here on
-#ifdef KESTA_FIND_SSE2
-    const __m128i firsts = _mm_set1_epi16(static_cast<short>(first));
-    const __m128i lasts = _mm_set1_epi16(static_cast<short>(last));
-    for (; stop - at >= 8; at += 8) {
-      const __m128i heads = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-      const __m128i tails = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at + behind));
-      const __m128i both = _mm_and_si128(_mm_cmpeq_epi16(heads, firsts), _mm_cmpeq_epi16(tails, lasts));
-      for (auto hits = static_cast<std::uint32_t>(_mm_movemask_epi8(both)); hits != 0;) {
-        const int lane = std::countr_zero(hits) / 2;
-        if (stands_at(at + lane)) return at + lane;
-        if (gives_up(at - text.data())) return find_by_borders(at + lane + 1, text);
-        hits &= ~(3u << 2 * lane);
+    const Unit first = part_.front(), last = part_.back();
+    const Unit* const stop = text.data() + text.size() - behind;  // no candidate from here on
+#ifdef KESTA_X64
+    if constexpr (unit_16<Unit>) {
+      const __m128i firsts = _mm_set1_epi16(static_cast<short>(first));
+      const __m128i lasts = _mm_set1_epi16(static_cast<short>(last));
+      for (; stop - at >= 8; at += 8) {
+        const __m128i heads = load_16(at);
+        const __m128i tails = load_16(at + behind);
+        const __m128i both = _mm_and_si128(_mm_cmpeq_epi16(heads, firsts), _mm_cmpeq_epi16(tails, lasts));
+        for (auto hits = static_cast<std::uint32_t>(_mm_movemask_epi8(both)); hits != 0;) {
+          const int lane = std::countr_zero(hits) / 2;
+          if (stands_at(at + lane)) return at + lane;
+          if (gives_up(at - text.data())) return find_by_borders(at + lane + 1, text);
+          hits &= ~(3u << 2 * lane);
+        }
       }
     }
 #endif
@@ -61,7 +63,7 @@ class finder {
   }
 
   /// The ends are known to stand there.
-  bool stands_at(const wchar_t* at) noexcept {
+  bool stands_at(const Unit* at) noexcept {
     for (std::size_t i = 1; i + 1 < part_.size(); ++i) {
       if (part_[i] == at[i]) continue;
       in_vain_ += static_cast<std::ptrdiff_t>(i);
@@ -73,10 +75,10 @@ class finder {
   /// More than four units compared in vain for each unit of the text.
   bool gives_up(std::ptrdiff_t units) const noexcept { return in_vain_ > 4 * units + 4096; }
 
-  const wchar_t* find_by_borders(const wchar_t* at, std::wstring_view text) {
+  const Unit* find_by_borders(const Unit* at, view text) {
     if (borders_.empty()) make_borders();
     std::size_t matched = 0;
-    for (const wchar_t* const end = text.data() + text.size(); at != end; ++at) {
+    for (const Unit* const end = text.data() + text.size(); at != end; ++at) {
       while (matched > 0 && part_[matched] != *at) matched = borders_[matched - 1];
       if (part_[matched] == *at) ++matched;
       if (matched == part_.size()) return at + 1 - matched;
@@ -94,9 +96,11 @@ class finder {
     }
   }
 
-  std::wstring_view part_;
+  view part_;
   std::ptrdiff_t in_vain_ = 0;  // units compared where the part turned out not to stand
   std::vector<std::size_t> borders_;
 };
+
+using finder = basic_finder<wchar_t>;
 
 }  // namespace ruvo::texto

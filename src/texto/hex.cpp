@@ -30,12 +30,12 @@ unsigned value_of(Char c) noexcept {
   return unit < values.size() ? values[unit] : no_digit;
 }
 
-template <class In>
-void encode(wchar_t* out, const In* in, std::size_t count) noexcept {
+template <class Unit, class In>
+void encode(Unit* out, const In* in, std::size_t count) noexcept {
   for (std::size_t i = 0; i < count; ++i) {
     const auto byte = static_cast<unsigned char>(in[i]);
-    *out++ = L"0123456789abcdef"[byte >> 4];
-    *out++ = L"0123456789abcdef"[byte & 15];
+    *out++ = static_cast<Unit>(L"0123456789abcdef"[byte >> 4]);
+    *out++ = static_cast<Unit>(L"0123456789abcdef"[byte & 15]);
   }
 }
 
@@ -61,8 +61,8 @@ constexpr std::size_t block = 16;  // characters in a vector
   return _mm_add_epi8(_mm_add_epi8(nibbles, _mm_set1_epi8('0')), offsets);
 }
 
-template <class In>
-void encode_block(wchar_t* out, const In* in) noexcept {
+template <class Unit, class In>
+void encode_block(Unit* out, const In* in) noexcept {
   const __m128i bytes = load_low_bytes(in);
   const __m128i low_bits = _mm_set1_epi8(15);
   const __m128i high = digits_of(_mm_and_si128(_mm_srli_epi16(bytes, 4), low_bits));
@@ -101,11 +101,11 @@ bool decode_block(Char* out, const Char* digits) noexcept {
 
 // Where characters have 8 or 16 bits, whole blocks go through vectors; the rest one by one.
 
-template <class In>
-void encode_all(wchar_t* out, const In* in, std::size_t count) noexcept {
+template <class Unit, class In>
+void encode_all(Unit* out, const In* in, std::size_t count) noexcept {
   std::size_t done = 0;
 #ifdef KESTA_X64
-  if constexpr (sizeof(wchar_t) == 2)
+  if constexpr (unit_16<Unit>)
     for (; count - done >= block; done += block) encode_block(out + 2 * done, in + done);
 #endif
   encode(out + 2 * done, in + done, count - done);
@@ -137,5 +137,17 @@ bool hex_decode_to(char* out, const char* digits, std::size_t count) noexcept {
 bool hex_decode_to(wchar_t* out, const wchar_t* digits, std::size_t count) noexcept {
   return decode_all(out, digits, count);
 }
+
+#ifdef KESTA_STATIC
+void hex_encode_to(char16_t* out, const char* bytes, std::size_t count) noexcept {
+  encode_all(out, bytes, count);
+}
+void hex_encode_to(char16_t* out, const char16_t* units, std::size_t count) noexcept {
+  encode_all(out, units, count);
+}
+bool hex_decode_to(char16_t* out, const char16_t* digits, std::size_t count) noexcept {
+  return decode_all(out, digits, count);
+}
+#endif
 
 }  // namespace ruvo::texto

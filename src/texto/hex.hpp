@@ -14,4 +14,10 @@ void hex_encode_to(wchar_t* out, const wchar_t* units, std::size_t count) noexce
 bool hex_decode_to(char* out, const char* digits, std::size_t count) noexcept;
 bool hex_decode_to(wchar_t* out, const wchar_t* digits, std::size_t count) noexcept;
 
+// In the static library only, for its fuzzers: the vectors of the target's 16-bit units where wide characters
+// have 32.
+void hex_encode_to(char16_t* out, const char* bytes, std::size_t count) noexcept;
+void hex_encode_to(char16_t* out, const char16_t* units, std::size_t count) noexcept;
+bool hex_decode_to(char16_t* out, const char16_t* digits, std::size_t count) noexcept;
+
 }  // namespace ruvo::texto

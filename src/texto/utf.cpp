@@ -13,7 +13,7 @@ namespace ruvo::texto {
 
 namespace {
 
-constexpr wchar_t replacement = L'\xFFFD';
+constexpr char32_t replacement = 0xFFFD;
 
 // The two blocks below copy `block` characters as if all were ASCII and give a mask of those that are not;
 // what they wrote in the place of these is to be overwritten.
@@ -21,13 +21,14 @@ constexpr wchar_t replacement = L'\xFFFD';
 #ifdef KESTA_X64
 constexpr std::size_t block = 16;
 
-unsigned widen_block(const char* from, wchar_t* to) noexcept {
+template <class Unit>
+unsigned widen_block(const char* from, Unit* to) noexcept {
   const __m128i bytes = load_16(from);
   const __m128i zero = _mm_setzero_si128();
   const __m128i low = _mm_unpacklo_epi8(bytes, zero);
   const __m128i high = _mm_unpackhi_epi8(bytes, zero);
   auto* const out = reinterpret_cast<__m128i*>(to);
-  if constexpr (sizeof(wchar_t) == 2) {
+  if constexpr (sizeof(Unit) == 2) {
     _mm_storeu_si128(out, low);
     _mm_storeu_si128(out + 1, high);
   } else {
@@ -41,13 +42,15 @@ unsigned widen_block(const char* from, wchar_t* to) noexcept {
 
 /// Eight units; where they are wider than 16 bits they are narrowed with saturation, which keeps them above
 /// 127.
-__m128i load_units(const wchar_t* from) noexcept {
+template <class Unit>
+__m128i load_units(const Unit* from) noexcept {
   const auto* const in = reinterpret_cast<const __m128i*>(from);
-  if constexpr (sizeof(wchar_t) == 2) return _mm_loadu_si128(in);
+  if constexpr (sizeof(Unit) == 2) return _mm_loadu_si128(in);
   return _mm_packs_epi32(_mm_loadu_si128(in), _mm_loadu_si128(in + 1));
 }
 
-unsigned narrow_block(const wchar_t* from, char* to) noexcept {
+template <class Unit>
+unsigned narrow_block(const Unit* from, char* to) noexcept {
   const __m128i low = load_units(from);
   const __m128i high = load_units(from + 8);
   store_16(to, _mm_packus_epi16(low, high));
@@ -68,7 +71,8 @@ __m128i count_utf_16(const char* from) noexcept {
   return _mm_sad_epu8(_mm_sub_epi8(zero, _mm_add_epi8(leads, fours)), zero);
 }
 
-__m128i count_utf_8(const wchar_t* from) noexcept {
+template <class Unit>
+__m128i count_utf_8(const Unit* from) noexcept {
   const __m128i units = load_units(from);
   const __m128i zero = _mm_setzero_si128();
   const auto without = [units, zero](int bits) {  // -1 where none of these bits is set
@@ -82,17 +86,19 @@ __m128i count_utf_8(const wchar_t* from) noexcept {
 #else
 constexpr std::size_t block = 8;
 
-unsigned widen_block(const char* from, wchar_t* to) noexcept {
+template <class Unit>
+unsigned widen_block(const char* from, Unit* to) noexcept {
   unsigned mask = 0;
   for (std::size_t i = 0; i < block; ++i) {
     const auto byte = static_cast<unsigned char>(from[i]);
-    to[i] = static_cast<wchar_t>(byte);
+    to[i] = static_cast<Unit>(byte);
     mask |= static_cast<unsigned>(byte > 127) << i;
   }
   return mask;
 }
 
-unsigned narrow_block(const wchar_t* from, char* to) noexcept {
+template <class Unit>
+unsigned narrow_block(const Unit* from, char* to) noexcept {
   unsigned mask = 0;
   for (std::size_t i = 0; i < block; ++i) {
     const auto unit = static_cast<char16_t>(from[i]);
@@ -125,12 +131,13 @@ char32_t read_utf_8(const char*& at, const char* end) noexcept {
   return point;
 }
 
-wchar_t* write_utf_16(wchar_t* to, char32_t point) noexcept {
+template <class Unit>
+Unit* write_utf_16(Unit* to, char32_t point) noexcept {
   if (point < 0x10000) {
-    *to++ = static_cast<wchar_t>(point);
+    *to++ = static_cast<Unit>(point);
   } else {
-    *to++ = static_cast<wchar_t>(0xD7C0 + (point >> 10));
-    *to++ = static_cast<wchar_t>(0xDC00 + (point & 0x3FF));
+    *to++ = static_cast<Unit>(0xD7C0 + (point >> 10));
+    *to++ = static_cast<Unit>(0xDC00 + (point & 0x3FF));
   }
   return to;
 }
@@ -138,7 +145,8 @@ wchar_t* write_utf_16(wchar_t* to, char32_t point) noexcept {
 bool is_high(char16_t unit) noexcept { return (unit & 0xFC00) == 0xD800; }
 bool is_low(char16_t unit) noexcept { return (unit & 0xFC00) == 0xDC00; }
 
-char32_t read_utf_16(const wchar_t*& at, const wchar_t* end) noexcept {
+template <class Unit>
+char32_t read_utf_16(const Unit*& at, const Unit* end) noexcept {
   const auto unit = static_cast<char16_t>(*at++);
   if ((unit & 0xF800) != 0xD800) return unit;
   if (!is_high(unit) || at == end || !is_low(static_cast<char16_t>(*at))) return replacement;
@@ -155,19 +163,20 @@ char* put_bytes(char* to, std::uint32_t bits, int count) noexcept {
 
 /// A character of two to four bytes that is well formed; false, with nothing moved, for anything else. Needs
 /// four readable bytes at `at`.
-bool decode_long(const char*& at, wchar_t*& to) noexcept {
+template <class Unit>
+bool decode_long(const char*& at, Unit*& to) noexcept {
   const auto byte = [at](int i) { return static_cast<std::uint32_t>(static_cast<unsigned char>(at[i])); };
   const auto tail = [&byte](int i) { return byte(i) ^ 0x80; };  // below 64 for a continuation
   if (byte(0) < 0xE0) {
     if (byte(0) < 0xC2 || tail(1) > 63) return false;
-    *to++ = static_cast<wchar_t>((byte(0) & 31) << 6 | tail(1));
+    *to++ = static_cast<Unit>((byte(0) & 31) << 6 | tail(1));
     at += 2;
     return true;
   }
   if (byte(0) < 0xF0) {
     const std::uint32_t point = (byte(0) & 15) << 12 | tail(1) << 6 | tail(2);
     if ((tail(1) | tail(2)) > 63 || point < 0x800 || (point & 0xF800) == 0xD800) return false;
-    *to++ = static_cast<wchar_t>(point);
+    *to++ = static_cast<Unit>(point);
     at += 3;
     return true;
   }
@@ -190,7 +199,8 @@ int lanes_before(__m128i good) noexcept {
 }
 
 /// Characters of three bytes.
-KESTA_SSSE3 int decode_threes(const char* from, wchar_t* to) noexcept {
+template <class Unit>
+KESTA_SSSE3 int decode_threes(const char* from, Unit* to) noexcept {
   const __m128i order = _mm_setr_epi8(2, 1, 0, -1, 5, 4, 3, -1, 8, 7, 6, -1, 11, 10, 9, -1);
   const __m128i threes = _mm_shuffle_epi8(load_16(from), order);
   const __m128i formed = _mm_cmpeq_epi32(_mm_and_si128(threes, all(0xF0C0C0)), all(0xE08080));
@@ -198,7 +208,7 @@ KESTA_SSSE3 int decode_threes(const char* from, wchar_t* to) noexcept {
   const __m128i points = _mm_madd_epi16(parts, all(0x10000001));
   const __m128i top = _mm_and_si128(points, all(0xF800));
   const __m128i bad = _mm_or_si128(_mm_cmpeq_epi32(top, all(0)), _mm_cmpeq_epi32(top, all(0xD800)));
-  if constexpr (sizeof(wchar_t) == 2) {
+  if constexpr (sizeof(Unit) == 2) {
     const __m128i low = _mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, -1, -1, -1, -1, -1, -1, -1, -1);
     _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_shuffle_epi8(points, low));
   } else {
@@ -208,8 +218,9 @@ KESTA_SSSE3 int decode_threes(const char* from, wchar_t* to) noexcept {
 }
 
 /// Characters of four bytes, to two units each.
-KESTA_SSSE3 int decode_fours(const char* from, wchar_t* to) noexcept {
-  if constexpr (sizeof(wchar_t) != 2) return 0;
+template <class Unit>
+KESTA_SSSE3 int decode_fours(const char* from, Unit* to) noexcept {
+  if constexpr (sizeof(Unit) != 2) return 0;
   const __m128i fours = load_16(from);
   const __m128i kinds = _mm_and_si128(fours, all(static_cast<int>(0xC0C0C0F8)));
   const __m128i formed = _mm_cmpeq_epi32(kinds, all(static_cast<int>(0x808080F0)));
@@ -223,7 +234,8 @@ KESTA_SSSE3 int decode_fours(const char* from, wchar_t* to) noexcept {
 }
 
 /// Characters of three or of four bytes; false if the first is neither. As above.
-bool decode_run(const char*& from, wchar_t*& to) noexcept {
+template <class Unit>
+bool decode_run(const char*& from, Unit*& to) noexcept {
   const bool four = static_cast<unsigned char>(*from) >= 0xF0;
   const int count = four ? decode_fours(from, to) : decode_threes(from, to);
   if (count == 4) {  // the branch prediction knows, and need not wait
@@ -237,13 +249,17 @@ bool decode_run(const char*& from, wchar_t*& to) noexcept {
 }
 #else
 constexpr bool has_ssse3 = false;
-bool decode_run(const char*&, wchar_t*&) noexcept { return false; }
+template <class Unit>
+bool decode_run(const char*&, Unit*&) noexcept {
+  return false;
+}
 #endif
 
 /// Decodes characters, the first of which is not ASCII, up to an ASCII one or `stop`, or where less than four
 /// bytes are readable. `end` is the text's.
-wchar_t* decode_beyond(const char*& from, const char* stop, const char* end, const char* readable,
-                       wchar_t* to) noexcept {
+template <class Unit>
+Unit* decode_beyond(const char*& from, const char* stop, const char* end, const char* readable,
+                    Unit* to) noexcept {
   const bool runs = has_ssse3;
   while (from < stop && readable - from >= 4 && static_cast<unsigned char>(*from) > 0x7F) {
     if (runs && static_cast<unsigned char>(*from) >= 0xE0 && readable - from >= 16 && decode_run(from, to))
@@ -256,8 +272,9 @@ wchar_t* decode_beyond(const char*& from, const char* stop, const char* end, con
 /// Decodes until `from` reaches `stop`, which the last characters may pass, or where less than a block is
 /// readable. What is readable behind `end` is zeros. Needs room for a block of units more than there are
 /// bytes before `stop`.
-wchar_t* decode_blocks(const char*& begin, const char* stop, const char* end, const char* readable,
-                       wchar_t* to) noexcept {
+template <class Unit>
+Unit* decode_blocks(const char*& begin, const char* stop, const char* end, const char* readable,
+                    Unit* to) noexcept {
   const char* from = begin;  // a local: the units written could alias the other
   while (from < stop && static_cast<std::size_t>(readable - from) >= block) {
     const unsigned beyond = widen_block(from, to);
@@ -272,7 +289,8 @@ wchar_t* decode_blocks(const char*& begin, const char* stop, const char* end, co
 
 /// Decodes until `from` reaches `stop`, which it may pass. Needs room for two blocks of units more than there
 /// are bytes before `stop`.
-wchar_t* decode(const char*& from, const char* stop, const char* end, wchar_t* to) noexcept {
+template <class Unit>
+Unit* decode(const char*& from, const char* stop, const char* end, Unit* to) noexcept {
   to = decode_blocks(from, stop, end, end, to);
   if (from >= stop) return to;
   // Less than a block is left: it goes on in a copy that can be read beyond its end.
@@ -285,7 +303,8 @@ wchar_t* decode(const char*& from, const char* stop, const char* end, wchar_t* t
 }
 
 /// One character that is not ASCII. Needs room for four bytes.
-char* encode_long(const wchar_t*& from, const wchar_t* end, char* to) noexcept {
+template <class Unit>
+char* encode_long(const Unit*& from, const Unit* end, char* to) noexcept {
   const char32_t first = static_cast<char16_t>(*from);
   const auto tail = [](char32_t bits) { return 0x80 | (bits & 0x3F); };
   if (first < 0x800) {
@@ -301,10 +320,11 @@ char* encode_long(const wchar_t*& from, const wchar_t* end, char* to) noexcept {
 
 #ifdef KESTA_X64
 /// Four units of three bytes each in one go, for 12 bytes; 0 if they are not such units. Needs room for 16.
-int encode_threes(const wchar_t* from, char* to) noexcept {
+template <class Unit>
+int encode_threes(const Unit* from, char* to) noexcept {
   const auto* const in = reinterpret_cast<const __m128i*>(from);
-  const __m128i units = sizeof(wchar_t) == 2 ? _mm_unpacklo_epi16(_mm_loadl_epi64(in), _mm_setzero_si128())
-                                             : _mm_and_si128(_mm_loadu_si128(in), all(0xFFFF));
+  const __m128i units = sizeof(Unit) == 2 ? _mm_unpacklo_epi16(_mm_loadl_epi64(in), _mm_setzero_si128())
+                                          : _mm_and_si128(_mm_loadu_si128(in), all(0xFFFF));
   const __m128i top = _mm_and_si128(units, all(0xF800));
   const __m128i bad = _mm_or_si128(_mm_cmpeq_epi32(top, all(0)), _mm_cmpeq_epi32(top, all(0xD800)));
   if (_mm_movemask_epi8(bad)) return 0;
@@ -322,8 +342,9 @@ int encode_threes(const wchar_t* from, char* to) noexcept {
 }
 
 /// Four surrogate pairs in one go, for 16 bytes; 0 if they are not such.
-int encode_fours(const wchar_t* from, char* to) noexcept {
-  if constexpr (sizeof(wchar_t) != 2) return 0;
+template <class Unit>
+int encode_fours(const Unit* from, char* to) noexcept {
+  if constexpr (sizeof(Unit) != 2) return 0;
   const __m128i pairs = load_16(from);
   const __m128i kinds = _mm_and_si128(pairs, all(static_cast<int>(0xFC00FC00)));
   if (_mm_movemask_epi8(_mm_cmpeq_epi32(kinds, all(static_cast<int>(0xDC00D800)))) != 0xFFFF) return 0;
@@ -341,18 +362,23 @@ int encode_fours(const wchar_t* from, char* to) noexcept {
 }
 
 /// What can be done in one go of a run of characters of three or of four bytes; eight units are readable.
-char* encode_run(const wchar_t*& from, char* to) noexcept {
+template <class Unit>
+char* encode_run(const Unit*& from, char* to) noexcept {
   const int fours = is_high(static_cast<char16_t>(*from)) ? encode_fours(from, to) : 0;
   const int size = fours ? fours : encode_threes(from, to);
   from += fours ? 8 : size / 3;
   return to + size;
 }
 #else
-char* encode_run(const wchar_t*&, char* to) noexcept { return to; }
+template <class Unit>
+char* encode_run(const Unit*&, char* to) noexcept {
+  return to;
+}
 #endif
 
 /// Encodes characters, the first of which is not ASCII, up to an ASCII one or `stop`.
-char* encode_beyond(const wchar_t*& from, const wchar_t* stop, const wchar_t* end, const wchar_t* readable,
+template <class Unit>
+char* encode_beyond(const Unit*& from, const Unit* stop, const Unit* end, const Unit* readable,
                     char* to) noexcept {
   while (from<stop&& static_cast<char16_t>(*from)> 0x7F) {
     if (static_cast<char16_t>(*from) > 0x7FF && readable - from >= 8) {
@@ -367,9 +393,10 @@ char* encode_beyond(const wchar_t*& from, const wchar_t* stop, const wchar_t* en
 
 // The same for UTF-16; these need room for three bytes per unit before `stop`, and for a block or four.
 
-char* encode_blocks(const wchar_t*& begin, const wchar_t* stop, const wchar_t* end, const wchar_t* readable,
+template <class Unit>
+char* encode_blocks(const Unit*& begin, const Unit* stop, const Unit* end, const Unit* readable,
                     char* to) noexcept {
-  const wchar_t* from = begin;  // a local: the characters written could alias the other
+  const Unit* from = begin;  // a local: the characters written could alias the other
   while (from < stop && static_cast<std::size_t>(readable - from) >= block) {
     const unsigned beyond = narrow_block(from, to);
     const int ascii = beyond ? std::countr_zero(beyond) : static_cast<int>(block);
@@ -381,13 +408,14 @@ char* encode_blocks(const wchar_t*& begin, const wchar_t* stop, const wchar_t* e
   return to;
 }
 
-char* encode(const wchar_t*& from, const wchar_t* stop, const wchar_t* end, char* to) noexcept {
+template <class Unit>
+char* encode(const Unit*& from, const Unit* stop, const Unit* end, char* to) noexcept {
   to = encode_blocks(from, stop, end, end, to);
   if (from >= stop) return to;
-  wchar_t rest[2 * block] = {};
-  const wchar_t* const rest_end = std::copy(from, end, rest);
+  Unit rest[2 * block] = {};
+  const Unit* const rest_end = std::copy(from, end, rest);
   from = end;
-  const wchar_t* at = rest;
+  const Unit* at = rest;
   to = encode_blocks(at, rest_end, rest_end, std::end(rest), to);
   return to - (at - rest_end);
 }
@@ -411,9 +439,10 @@ std::size_t utf_16_size(std::string_view text) noexcept {
   return size;
 }
 
-std::size_t utf_8_size(std::wstring_view text) noexcept {
-  const wchar_t* from = text.data();
-  const wchar_t* const end = from + text.size();
+template <class Unit>
+std::size_t utf_8_size(std::basic_string_view<Unit> text) noexcept {
+  const Unit* from = text.data();
+  const Unit* const end = from + text.size();
   std::size_t size = 0;
 #ifdef KESTA_X64
   __m128i sums = _mm_setzero_si128();
@@ -433,10 +462,9 @@ std::size_t utf_8_size(std::wstring_view text) noexcept {
 // zeros what is then overwritten, costs more than a copy from the cache.
 constexpr std::size_t piece = 1024;
 
-}  // namespace
-
-void append_utf_16(std::wstring& out, std::string_view text) {
-  wchar_t made[piece + 2 * block];
+template <class Unit>
+void append_16(std::basic_string<Unit>& out, std::string_view text) {
+  Unit made[piece + 2 * block];
   const char* from = text.data();
   const char* const end = from + text.size();
   if (text.size() > piece) out.reserve(out.size() + utf_16_size(text));
@@ -446,16 +474,22 @@ void append_utf_16(std::wstring& out, std::string_view text) {
   }
 }
 
-void append_utf_8(std::string& out, std::wstring_view text) {
+template <class Unit>
+void append_8(std::string& out, std::basic_string_view<Unit> text) {
   char made[3 * piece + 4 * block];
-  const wchar_t* from = text.data();
-  const wchar_t* const end = from + text.size();
+  const Unit* from = text.data();
+  const Unit* const end = from + text.size();
   if (text.size() > piece) out.reserve(out.size() + utf_8_size(text));
   while (from != end) {
-    const wchar_t* const stop = from + std::min(piece, static_cast<std::size_t>(end - from));
+    const Unit* const stop = from + std::min(piece, static_cast<std::size_t>(end - from));
     out.append(made, encode(from, stop, end, made));
   }
 }
+
+}  // namespace
+
+void append_utf_16(std::wstring& out, std::string_view text) { append_16(out, text); }
+void append_utf_8(std::string& out, std::wstring_view text) { append_8(out, text); }
 
 std::wstring to_utf_16(std::string_view text) {
   if (text.size() <= piece) {
@@ -480,5 +514,10 @@ std::string to_utf_8(std::wstring_view text) {
   append_utf_8(out, text);
   return out;
 }
+
+#ifdef KESTA_STATIC
+void append_utf_16(std::u16string& out, std::string_view text) { append_16(out, text); }
+void append_utf_8(std::string& out, std::u16string_view text) { append_8(out, text); }
+#endif
 
 }  // namespace ruvo::texto

@@ -14,4 +14,9 @@ std::string to_utf_8(std::wstring_view text);
 void append_utf_16(std::wstring& out, std::string_view text);
 void append_utf_8(std::string& out, std::wstring_view text);
 
+// In the static library only, for its fuzzers: the vectors of the target's 16-bit units where wide characters
+// have 32.
+void append_utf_16(std::u16string& out, std::string_view text);
+void append_utf_8(std::string& out, std::u16string_view text);
+
 }  // namespace ruvo::texto

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <new>
 #include <stdexcept>
+#include <string_view>
 
 #if defined(__SSE2__) || defined(_M_X64)
 #  include <emmintrin.h>
@@ -17,27 +18,7 @@ namespace ruvo::detail {
 
 namespace {
 
-/// Equality without a call for what is mostly a few words.
-bool same_text(const std::wstring& a, std::wstring_view b) noexcept {
-  const std::size_t bytes = b.size() * sizeof(wchar_t);
-  if (a.size() != b.size()) return false;
-  const auto* const x = reinterpret_cast<const unsigned char*>(a.data());
-  const auto* const y = reinterpret_cast<const unsigned char*>(b.data());
-  const auto word = [](const unsigned char* at) {
-    std::uint64_t value;
-    std::memcpy(&value, at, sizeof value);
-    return value;
-  };
-  std::size_t at = 0;
-  for (; at + 8 <= bytes; at += 8) {
-    if (word(x + at) != word(y + at)) return false;
-  }
-  // Unit by unit: a key that was folded just now was written in the same pieces.
-  for (std::size_t unit = at / sizeof(wchar_t); unit < b.size(); ++unit) {
-    if (a[unit] != b[unit]) return false;
-  }
-  return true;
-}
+bool same_text(std::wstring_view a, std::wstring_view b) noexcept { return same_units(a, b); }
 
 bool before(const bundle::entry* item, std::wstring_view key) noexcept { return item->first < key; }
 

@@ -6,11 +6,11 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <string_view>
 
 #include "texto/ascii.hpp"
+#include "values/key_units.hpp"
 #include "values/thread_cache.hpp"
 
 namespace ruvo::detail {
@@ -31,7 +31,7 @@ class folded_text {
       large_ = std::make_unique<wchar_t[]>(text.size());
       to = large_.get();
     }
-    copy(to, text);
+    fold_units<fold>(to, text);
     view_ = {to, text.size()};
   }
   folded_text(const folded_text&) = delete;
@@ -40,30 +40,6 @@ class folded_text {
   std::wstring_view view() const noexcept { return view_; }
 
  private:
-  /// All foldings agree on ASCII.
-  static wchar_t fold_unit(wchar_t c) noexcept {
-    return static_cast<char16_t>(c) < 0x80 ? texto::to_lower(c) : fold(c);
-  }
-  /// Four ASCII units at a time, the others one by one.
-  static void copy(wchar_t* to, std::wstring_view text) noexcept {
-    std::size_t at = 0;
-    if constexpr (sizeof(wchar_t) == 2) {
-      constexpr std::uint64_t lanes = 0x0001000100010001;
-      for (; at + 4 <= text.size(); at += 4) {
-        std::uint64_t word;
-        std::memcpy(&word, text.data() + at, sizeof word);
-        if ((word & 0xFF80 * lanes) != 0) {
-          for (std::size_t n = at; n < at + 4; ++n) to[n] = fold_unit(text[n]);
-          continue;
-        }
-        const std::uint64_t from_a = word + (0x80 - 'A') * lanes, beyond_z = word + (0x80 - 'Z' - 1) * lanes;
-        word |= (from_a & ~beyond_z & 0x80 * lanes) >> 2;
-        std::memcpy(to + at, &word, sizeof word);
-      }
-    }
-    for (; at < text.size(); ++at) to[at] = fold_unit(text[at]);
-  }
-
   std::wstring_view view_;
   std::unique_ptr<wchar_t[]> large_;
   wchar_t small_[64];

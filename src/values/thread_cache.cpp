@@ -1,12 +1,11 @@
 #include "values/thread_cache.hpp"
 
-#include <bit>
-#include <cstring>
 #include <memory>
 #include <new>
 #include <stdexcept>
 
 #include "app/thread_slot.hpp"
+#include "values/key_units.hpp"
 #include "values/limits.hpp"
 
 namespace ruvo::detail {
@@ -15,8 +14,6 @@ namespace {
 
 std::atomic<std::size_t> allowed_to_all{0};
 
-constexpr std::uint64_t spread = 0x9E3779B97F4A7C15;
-
 void* plain_block(std::size_t size) {
   if (size > limits::block) throw std::length_error("value too long");
   return ::operator new(thread_cache::rounded(size));
@@ -24,24 +21,7 @@ void* plain_block(std::size_t size) {
 
 }  // namespace
 
-std::uint32_t hash_of(std::wstring_view key) noexcept {
-  const auto* const bytes = reinterpret_cast<const unsigned char*>(key.data());
-  const std::size_t size = key.size() * sizeof(wchar_t);
-  std::uint64_t state = size;
-  std::uint64_t word = 0;
-  // The products don't wait for one another.
-  for (std::size_t at = 0; at + 8 <= size; at += 8) {
-    std::memcpy(&word, bytes + at, 8);
-    state = std::rotl(state, 23) + word * spread;
-  }
-  if (size % 8 != 0) {
-    word = 0;
-    for (const wchar_t unit : key.substr(size / 8 * 8 / sizeof(wchar_t)))
-      word = word << 16 | static_cast<char16_t>(unit);
-    state = std::rotl(state, 23) + word * spread;
-  }
-  return static_cast<std::uint32_t>(((state ^ (state >> 32)) * spread) >> 32);
-}
+std::uint32_t hash_of(std::wstring_view key) noexcept { return hash_units(key); }
 
 void release(const shared_key* key) noexcept {
   if (key->uses.fetch_sub(1, std::memory_order_acq_rel) == 1) delete key;
