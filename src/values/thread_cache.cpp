@@ -29,6 +29,10 @@ void release(const shared_key* key) noexcept {
 
 thread_cache* thread_cache::local() noexcept {
   if (void* known = platform::thread_pointer()) return static_cast<thread_cache*>(known);
+  return platform::keeps_thread_pointer() ? made_local() : nullptr;
+}
+
+thread_cache* thread_cache::made_local() noexcept {
   std::unique_ptr<thread_cache> made(new (std::nothrow) thread_cache);
   if (!made || !platform::set_thread_pointer(made.get())) return nullptr;
   return made.release();

@@ -41,7 +41,8 @@ class thread_cache {
   static constexpr std::size_t largest = largest_small + coarse_step * coarse_classes;
 
  public:
-  /// The calling thread's cache, or null when it can have none (the library is being unloaded).
+  /// The calling thread's cache, or null when it can have none: the library is being unloaded, or the thread
+  /// has ended but for what the program does at its end.
   static thread_cache* local() noexcept;
 
   ~thread_cache();
@@ -76,6 +77,7 @@ class thread_cache {
   }
 
   free_block* free_[small_classes + coarse_classes] = {};
+  static thread_cache* made_local() noexcept;
   bool widen_allowance() noexcept;
 
   std::size_t free_bytes_ = 0, allowance_ = 0;

@@ -63,4 +63,19 @@ TEST(module, may_be_loaded_again) {
   }
 }
 
+/// The destructor of a program's thread_local runs behind the library's own clean-up of the thread.
+TEST(module, leaves_nothing_with_values_that_outlive_their_thread) {
+  const auto run = [](int threads) {
+    for (int n = 0; n < threads; ++n) {
+      run_on_bare_thread([] {
+        thread_local ruvo::bundle kept;
+        for (int i = 0; i < 20; ++i) kept[L"clave " + std::to_wstring(i)] = L"un texto que no cabe";
+      });
+    }
+    return heap_blocks();
+  };
+  const std::size_t before = run(20);
+  EXPECT_LT(run(100), before + 50);
+}
+
 }  // namespace

@@ -175,6 +175,7 @@ std::wstring half_day_name(std::string_view locale, bool afternoon) {
 }
 
 void* thread_pointer() noexcept { return the_slot.value; }
+bool keeps_thread_pointer() noexcept { return !the_slot.ended; }
 
 bool set_thread_pointer(void* value) noexcept {
   if (the_slot.ended) return false;

@@ -36,7 +36,35 @@ void* module_copy::find(const char* name) const {
   return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle_), name));
 }
 
+void run_on_bare_thread(void (*work)()) {
+  const auto start = [](void* function) -> DWORD {
+    reinterpret_cast<void (*)()>(function)();
+    return 0;
+  };
+  const HANDLE thread = CreateThread(nullptr, 0, start, reinterpret_cast<void*>(work), 0, nullptr);
+  WaitForSingleObject(thread, INFINITE);
+  CloseHandle(thread);
+}
+
+std::size_t heap_blocks() {
+  HANDLE heaps[64];
+  const DWORD all = GetProcessHeaps(64, heaps);
+  std::size_t count = 0;
+  for (DWORD n = 0; n < all && n < 64; ++n) {
+    PROCESS_HEAP_ENTRY each{};
+    HeapLock(heaps[n]);
+    while (HeapWalk(heaps[n], &each)) count += (each.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0;
+    HeapUnlock(heaps[n]);
+  }
+  return count;
+}
+
 #else
+
+#  include <thread>
+
+void run_on_bare_thread(void (*work)()) { std::thread(work).join(); }
+std::size_t heap_blocks() { return 0; }
 
 module_copy::module_copy(const std::string&) {}
 module_copy::~module_copy() = default;

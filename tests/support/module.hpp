@@ -1,8 +1,15 @@
 #pragma once
 
-// A library that is loaded and freed while the program runs.
+// A library that is loaded and freed while the program runs, and threads that no runtime made.
 
+#include <cstddef>
 #include <string>
+
+/// Runs the function on a thread that is the system's alone, to its very end.
+void run_on_bare_thread(void (*work)());
+
+/// Blocks of all heaps of the process; 0 where they can't be counted.
+std::size_t heap_blocks();
 
 /// A second instance of the library that the program itself is linked with: a copy of its file under another
 /// name, in the current folder, with static objects of its own. Empty where the program holds the library in
