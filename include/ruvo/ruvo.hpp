@@ -19,6 +19,7 @@
 #include <ruvo/files.hpp>
 #include <ruvo/folder_type.hpp>
 #include <ruvo/fwd.hpp>
+#include <ruvo/heap.hpp>
 #include <ruvo/http.hpp>
 #include <ruvo/ilock.hpp>
 #include <ruvo/iserializer.hpp>

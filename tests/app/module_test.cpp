@@ -3,9 +3,11 @@
 #include "support/module.hpp"
 
 #include <ruvo/bundle.hpp>
+#include <ruvo/heap.hpp>
 #include <ruvo/xvar.hpp>
 
 #include <atomic>
+#include <cstdlib>
 #include <string>
 #include <thread>
 #include <vector>
@@ -77,5 +79,28 @@ TEST(module, leaves_nothing_with_values_that_outlive_their_thread) {
   const std::size_t before = run(20);
   EXPECT_LT(run(100), before + 50);
 }
+
+#if !defined(KESTA_STATIC)
+TEST(heap, is_shared_where_blocks_come_from_one_place) {
+  static char own[32768];
+  constexpr std::size_t note = 16;
+  const struct {
+    const char* name;
+    bool shared;
+    void* (*take)(std::size_t);
+    void (*give)(void*);
+  } rows[] = {
+      {"malloc", true, std::malloc, std::free},
+      {"a note in front", false,
+       [](std::size_t bytes) -> void* { return static_cast<char*>(std::malloc(bytes + note)) + note; },
+       [](void* block) { std::free(static_cast<char*>(block) - note); }},
+      {"a heap of its own", false, [](std::size_t) -> void* { return own; }, [](void*) {}},
+      {"no memory", false, [](std::size_t) -> void* { throw std::bad_alloc(); }, [](void*) {}},
+  };
+  EXPECT_TRUE(ruvo::abi::shares_heap());
+  for (const auto& row : rows)
+    EXPECT_EQ(ruvo::abi::shares_heap_with(row.take, row.give), row.shared) << row.name;
+}
+#endif
 
 }  // namespace
