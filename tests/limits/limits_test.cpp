@@ -45,14 +45,15 @@ TEST(limits, what_is_refused_changes_nothing) {
       {"hack", most, [](bundle& b) { b.hack(L"otra.de.camino") = 1; }},
       {"hack_list_on", most, [](bundle& b) { b.hack_list_on(L"otra").push_back(1); }},
       {"putOn", most, [](bundle& b) { b.putOn(L"otra", text); }},
-      {"JSON", most, [](bundle& b) { json().deserialize(b, L"{\"otra\":1}"); }},
-      {"XML", most, [](bundle& b) { xml(true, false).deserialize(b, L"<otra>1</otra>"); }},
+      {"JSON", most, [](bundle& b) { json().deserialize(b, L"{\"otra\":1}", nullptr); }},
+      {"XML", most, [](bundle& b) { xml(true, false).deserialize(b, L"<otra>1</otra>", nullptr); }},
       {"long text", 5, [](bundle& b) { b[L"clave 1"] = text; }},
       {"long text in a list", 5,
        [](bundle& b) {
          b[L"clave 1"] = list{1, text};
        }},
-      {"long text of JSON", 5, [](bundle& b) { json().deserialize(b, L"{\"clave 1\":\"" + text + L"\"}"); }},
+      {"long text of JSON", 5,
+       [](bundle& b) { json().deserialize(b, L"{\"clave 1\":\"" + text + L"\"}", nullptr); }},
       {"long quality", 5, [](bundle& b) { b[L"clave 1"] = xvar(text); }},
       {"all members", 5,
        [](bundle& b) {
@@ -80,7 +81,8 @@ TEST(limits, documents_are_read_up_to_the_limit) {
   for (const int nested : {0, 1}) {
     bundle more;
     const std::wstring object = members(most + 1);
-    EXPECT_THROW(json().deserialize(more, nested ? L"{\"a\":" + object + L"}" : object), std::length_error);
+    EXPECT_THROW(json().deserialize(more, nested ? L"{\"a\":" + object + L"}" : object, nullptr),
+                 std::length_error);
     EXPECT_EQ(nested ? more.get_bundle(L"a").size() : more.size(), 300U);
   }
 }

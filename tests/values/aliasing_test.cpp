@@ -96,9 +96,10 @@ TEST(aliasing, texts_inside_of_a_bundle) {
       {"hack_nc_binary_on", path, [](bundle& b, const std::wstring& t) { b.hack_nc_binary_on(t, L"ab"); }},
       {"putOn path", path, [](bundle& b, const std::wstring& t) { b.putOn(t, 1); }},
       {"putOn value", path, [](bundle& b, const std::wstring& t) { b.putOn(L"nodo.a.b", t); }},
-      {"JSON", document, [](bundle& b, const std::wstring& t) { serializer::json().deserialize(b, t); }},
+      {"JSON", document,
+       [](bundle& b, const std::wstring& t) { serializer::json().deserialize(b, t, nullptr); }},
       {"XML", elements,
-       [](bundle& b, const std::wstring& t) { serializer::xml(true, false).deserialize(b, t); }},
+       [](bundle& b, const std::wstring& t) { serializer::xml(true, false).deserialize(b, t, nullptr); }},
       {"all of JSON", document,
        [](bundle& b, const std::wstring& t) {
          serializer::json_reader reader;
@@ -110,7 +111,7 @@ TEST(aliasing, texts_inside_of_a_bundle) {
          serializer::read_all(reader, b, t);
        }},
       {"well-formed XML", elements,
-       [](bundle& b, const std::wstring& t) { serializer::read_well_formed_xml(b, t); }},
+       [](bundle& b, const std::wstring& t) { serializer::read_well_formed_xml(b, t, nullptr); }},
       {"memo decoded", document,
        [](bundle& b, const std::wstring& t) { ruvo::texto::decodifica_memo(b, t); }},
   };
