@@ -67,6 +67,7 @@ TEST(application, serves_the_thread_from_boot_to_shutdown) {
   EXPECT_FALSE(app.exec(L"nada", err));
   EXPECT_EQ(err.get_raw_code(), 0xEBB80003ul);
   app.shutdown();
+  EXPECT_TRUE(app.arguments().empty() && app.settings().empty());
   EXPECT_EQ(ruvo::application::theApp(), nullptr);
   std::filesystem::remove_all("programa");
 }

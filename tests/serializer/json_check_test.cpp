@@ -77,7 +77,7 @@ TEST(json_check, departures_of_one_kind) {
       {rule::control_character, {L"\"a¦\tb¦\n\""}},
       {rule::escape, {LR"("¦\a¦\'¦\U0041¦\ ")", LR"(["¦\u","¦\u12","¦\u00G0","¦\u+123"])"}},
       {rule::lone_surrogate,
-       {LR"("¦\ud83d ¦\udc00¦\ud83d\ud83d\ude00")", L"\"¦\xD83D\xD83D\xDE00¦\xDE00¦\\ude00\"",
+       {LR"("¦\ud83d ¦\udc00¦\udc01¦\ud83d\ud83d\ude00")", L"\"¦\xD83D\xD83D\xDE00¦\xDE00¦\\ude00\"",
         L"\"¦\xD83D¦\\ude00\""}},
   };
   for (const auto& row : rows)
@@ -172,6 +172,7 @@ TEST(json_check, notes_hide_no_error) {
   EXPECT_EQ(all[1].rule, rule::literal);
   EXPECT_EQ(all[1].position, 12U);
   EXPECT_TRUE(check_json(L"\"\xD800\" x", 0).empty());
+  EXPECT_EQ(check_json(L"[x, \"\xD800\"]", 1).size(), 1U);
 }
 
 // --- generated documents

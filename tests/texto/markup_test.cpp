@@ -163,6 +163,7 @@ TEST(Json, PrintChangesNothingButBlanks) {
   const std::wstring printed = texto::print_json(deep);
   EXPECT_TRUE(solid(printed) == deep);
   EXPECT_LT(printed.size(), deep.size() * 42);
+  EXPECT_NE(printed.find(L"[\n" + std::wstring(40, L' ') + L"[\n"), printed.npos);
 }
 
 TEST(Memo, Decodes) {

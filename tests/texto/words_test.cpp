@@ -111,7 +111,7 @@ TEST(Names, OfPersons) {
          {L"josep puig i cadafalch", L"Josep Puig i Cadafalch"},
          {L"juan carlos i", L"Juan Carlos I"},
          {L"ALFONSO XIII DE BORBÓN", L"Alfonso XIII de Borbón"},
-         {L"vi IIII xl xxxix", L"Vi Iiii Xl XXXIX"},
+         {L"vi IIII xl xxxx xxxix", L"Vi Iiii Xl Xxxx XXXIX"},
          {L"LUDWIG VAN DER ROHE, VON", L"Ludwig van der Rohe, von"},
          {L"ÿves ŁUKASZ", L"ÿves Łukasz"}},
         texto::to_capitalize_name_);

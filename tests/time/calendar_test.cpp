@@ -4,6 +4,7 @@
 #include <ruvo/exc.hpp>
 #include <ruvo/velda.hpp>
 
+#include <cmath>
 #include <ctime>
 #include <limits>
 #include <sstream>
@@ -31,6 +32,7 @@ TEST(calendar, every_day_of_two_centuries) {
     ASSERT_EQ(record.tm_mon + 1, expected.month) << expected.year;
     ASSERT_EQ(record.tm_mday, expected.day) << expected.year << '-' << expected.month;
     ASSERT_EQ(record.tm_wday, expected.week_day) << expected.year << '-' << expected.month;
+    ASSERT_EQ(instant.get(times::YEAR_DAY), expected.year_day);
     ASSERT_EQ(record.tm_yday, expected.year_day) << expected.year << '-' << expected.month;
     ASSERT_EQ(record.tm_hour * 10000 + record.tm_min * 100 + record.tm_sec, 235958);
 
@@ -78,6 +80,7 @@ TEST(calendar, the_ends_of_the_numbers) {
     }
   }
   constexpr int greatest = std::numeric_limits<int>::max();
+  EXPECT_TRUE((date(20240101) -= -greatest - 1) == ((date(20240101) += greatest) += 1));
   EXPECT_EQ(datetime(date::get_last_day(greatest, 12)).to_string("%F"), L"2147483647-12-31");
   EXPECT_EQ(datetime(date::get_last_day(2024, greatest)).to_string("%F"), L"178958994-07-31");
   for (const long far : {std::numeric_limits<long>::min(), std::numeric_limits<long>::max()}) {
@@ -98,6 +101,7 @@ TEST(calendar, numbers) {
   EXPECT_EQ(static_cast<long>(ruvo::time().set_in_seconds(45296)), 123456);
   EXPECT_EQ(static_cast<long>(ruvo::time(250000)), 10000);
   EXPECT_EQ(static_cast<double>(datetime(86399.9)), 86399.0);
+  EXPECT_EQ(datetime(-86399.9).get_lapso(), -86399);
   EXPECT_EQ(datetime(20240229, 123456).to_string(), L"29-02-2024 12:34:56");
   EXPECT_EQ(datetime(20240229).to_string(), L"29-02-2024 00:00:00");
   EXPECT_EQ(datetime(5LL).get_seconds(), 5);
@@ -107,7 +111,7 @@ TEST(calendar, numbers) {
 TEST(calendar, null_and_empty) {
   ruvo::lapse value;
   EXPECT_FALSE(value.empty());
-  value = -1;
+  value.set_lapso(std::nan(""));
   EXPECT_TRUE(value.is_null());
   EXPECT_TRUE(value.empty());
   value = 0;

@@ -76,6 +76,8 @@ TEST(velda, anchors) {
   EXPECT_EQ(number_of(2000, 3, 1), 2451605);
   EXPECT_EQ(fields_of(velda::date(2024, 2, 29)), 20240229);
   EXPECT_EQ(fields_of(velda::date(1999, 12, 31)), 20000101);
+  // Far away the 16 bits of the formula show.
+  EXPECT_EQ(fields_of(velda::date().set_day_number(13700000)), -32739 * 10000 - 4173 * 100 + 13121);
 }
 
 TEST(velda, moving_carries) {
