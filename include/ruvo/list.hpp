@@ -11,7 +11,6 @@
 #include <iosfwd>
 #include <iterator>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -133,13 +132,12 @@ class KESTA_API list {
   /// The index is not checked.
   xvar& operator[](const unsigned long long& index) { return soul_[index]; }
   const xvar& operator[](const unsigned long long& index) const { return soul_[index]; }
-  /// Throws std::out_of_range ("invalid vector subscript") when `index` is not below size().
+  /// Throws std::out_of_range ("invalid vector subscript"; the detail of exc::MissingElement is the index)
+  /// when `index` is not below size().
   const xvar& at(unsigned long index) const;
   template <detail::wider_than_ulong N>
   const xvar& at(N index) const {
-    const auto wide = static_cast<unsigned long long>(index);
-    if (wide >= soul_.size()) throw std::out_of_range("invalid vector subscript");
-    return soul_[static_cast<size_type>(wide)];
+    return checked(static_cast<unsigned long long>(index));
   }
 
   /// Appends a copy of the value.
@@ -227,6 +225,7 @@ class KESTA_API list {
   bool operator<(const list& other) const;
 
  private:
+  const xvar& checked(unsigned long long index) const;
   void sort_by(bool (*before)(void* given, const xvar& a, const xvar& b), void* given);
   size_type remove_those(bool (*goes)(void* given, const xvar& element), void* given);
 

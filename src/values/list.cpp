@@ -53,9 +53,11 @@ list::operator xvar() && {
   return made;
 }
 
-const xvar& list::at(unsigned long index) const {
+const xvar& list::at(unsigned long index) const { return checked(index); }
+
+const xvar& list::checked(unsigned long long index) const {
   if (index >= soul_.size()) throw detail::missing_index(index, soul_.size());
-  return soul_[index];
+  return soul_[static_cast<size_type>(index)];
 }
 
 const list& list::operator+=(const xvar& value) {

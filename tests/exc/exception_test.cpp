@@ -298,6 +298,8 @@ TEST(Exception, DetailsStandBesideTheMessage) {
          ruvo::list{1, 2}.at(7);
        },
        L"invalid vector subscript: índice 7, elementos 2"},
+      {"wide index", [] { (void)ruvo::list().at(1ULL << 32); },
+       L"invalid vector subscript: índice 4294967296, elementos 0"},
       {"no entry", [&] { b.get(L"uno.dos"); }, L"null: ruta \"uno.dos\""},
       {"null value", [] { (void)static_cast<long>(ruvo::var()); }, L"null: "},
       {"held", [&] { throw exc::RunTime(held(exc::BadArgument(L"nif"))); }, L"nif"},
