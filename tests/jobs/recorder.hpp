@@ -21,7 +21,10 @@
 class recorder : public ruvo::task::ilistener {
  public:
   void on_start() override { add(L"start"); }
-  void on_progress(ruvo::xvar* value) override { add(L"progress " + value->to_string()); }
+  /// With a mark behind values that have qualities.
+  void on_progress(ruvo::xvar* value) override {
+    add(L"progress " + value->to_string() + (value->is_qualified() ? L"*" : L""));
+  }
   void on_finish(ruvo::xvar* value) override { add(L"finish " + value->to_string()); }
   void on_cancel() override { add(L"cancel"); }
   void on_failure(const ruvo::exception& error) override {

@@ -231,7 +231,7 @@ TEST_F(task_alone, works_on_a_copy_of_its_input_and_keeps_copies_of_its_values) 
   }
   gone = true;
   task.join();
-  EXPECT_EQ(callback.told(), L"start, progress 1, progress 2, finish texto");
+  EXPECT_EQ(callback.told(), L"start, progress 1*, progress 2, finish texto");
   EXPECT_FALSE(qualified);
   EXPECT_NE(result, nullptr);
 }
