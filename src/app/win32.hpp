@@ -14,6 +14,7 @@
 
 #include <windows.h>
 
-// COM and the texts of security identifiers, which the lean headers leave out.
+// COM, the texts of security identifiers and the system's own calls, which the lean headers leave out.
 #include <objbase.h>
 #include <sddl.h>
+#include <winternl.h>

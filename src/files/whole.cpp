@@ -209,7 +209,7 @@ class stand_in {
   }
 
   void fill(std::string_view content) {
-    make([&](platform::open_file& out) { return out.write(content) && out.keep() && out.flush(); });
+    make([&](platform::open_file& out) { return out.write(content) && out.flush() && out.keep(); });
   }
 
   // The name is taken first, so that what is discarded after a failure is never somebody else's.

@@ -5,8 +5,6 @@
 
 #include <string>
 
-#include <winternl.h>
-
 #include "app/win32.hpp"
 #include "files/listing_platform.hpp"
 

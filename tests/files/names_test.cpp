@@ -1,6 +1,10 @@
 // Names for new files, and MIME types.
 
+#include <ruvo/exc.hpp>
 #include <ruvo/files/whole.hpp>
+
+#include <cstdlib>
+#include <string>
 
 #include "files/scratch.hpp"
 
@@ -49,6 +53,19 @@ TEST_F(new_names, count_on) {
   EXPECT_TRUE(temporary.get_parent().is_directory()) << temporary.c_str();
   EXPECT_FALSE(temporary.exists());
 }
+
+#ifdef _WIN32
+TEST_F(new_names, for_temporary_files_are_not_elsewhere) {
+  const std::string old = std::getenv("TMP") ? std::getenv("TMP") : "";
+  _putenv_s("TMP", ("C:\\" + std::string(300, 'x')).c_str());
+  try {
+    EXPECT_FALSE(files::get_temporal_file(L"kesta", L"", L"tmp").get_parent().empty());
+  } catch (const ruvo::exc::fileNotFound&) {
+    // Where the system takes no such long name.
+  }
+  _putenv_s("TMP", old.c_str());
+}
+#endif
 
 TEST(mime, types_follow_the_extension) {
   const wchar_t* const rows[][2] = {

@@ -453,9 +453,17 @@ TEST_F(trees, other_names_of_a_folder) {
     EXPECT_EQ(told.order.size(), model.size()) << here;
     EXPECT_FALSE(files::copy_folder(here, L"nuevo", err));
   }
+  // A folder that keeps something is no failure, by whatever name.
+  EXPECT_TRUE(files::write(L"x", L"se queda", err));
+  refusing filter({L"se queda"});
+  for (const wchar_t* const here : {L".", L"..\\origen"}) {
+    recorder told;
+    EXPECT_TRUE(files::erase(here, err, filter, told)) << err.what();
+    EXPECT_TRUE(told.failures.empty()) << here;
+  }
+  EXPECT_EQ(read_tree(L"."), (tree{{L"se queda", 1}}));
   fs::current_path("../..");
   EXPECT_EQ(read_tree(other), model);
-  EXPECT_EQ(read_tree(root), model);
 }
 
 TEST_F(trees, are_as_deep_as_you_like) {
@@ -499,10 +507,9 @@ TEST_F(trees, what_is_read_only_is_erased_and_what_is_held_stays) {
   EXPECT_FALSE(root.exists());
 }
 
-// What only a system that lets programs make links proves: that erasing removes a link itself, and that a
-// link to a file is not followed (Wine shows neither those nor what a link is once it is open). What only
-// Windows proves: that nobody can swap a folder as long as it is held, and that the rename which ends a copy
-// stays in the folder that is held.
+// Only the host build and Windows prove that of a link the link is erased: Wine would remove what it leads
+// to, so there it is told as a failure. Only Windows proves that nobody can swap a folder as long as it is
+// held, and that the rename which ends a copy stays in the folder that is held.
 class linked_trees : public trees {
  protected:
   linked_trees() {
@@ -542,6 +549,15 @@ TEST_F(linked_trees, links_are_not_followed) {
     EXPECT_EQ(err, ruvo::exc::fileUnDeleted(below(root, L"enlace")));
     EXPECT_TRUE(links::can_ask());
   }
+}
+
+TEST_F(linked_trees, links_to_files_are_left) {
+  if (!links::make("../testigo.txt", "arbol/origen/enlace")) GTEST_SKIP() << "no links here";
+  exception err;
+  EXPECT_FALSE(files::copy_folder(root, other, err));
+  EXPECT_EQ(err, ruvo::exc::fileOsStream(below(other, L"enlace")));
+  EXPECT_FALSE(below(other, L"enlace").exists());
+  EXPECT_EQ(files::erase(root, err), !links::can_ask());
 }
 
 TEST_F(linked_trees, links_in_the_target_of_a_copy_are_refused) {
@@ -590,6 +606,69 @@ TEST_F(linked_trees, a_folder_that_a_link_replaces_is_left) {
       clear();
     }
   }
+}
+
+/// A service whose entries are of its own, and know what they are.
+struct invented : ruvo::fake_context {
+  struct entry : ruvo::file {
+    entry(const ruvo::file& path, bool folder) : ruvo::file(path), is_folder(folder) {}
+    bool is_directory() const override { return is_folder; }
+    bool is_file() const override { return !is_folder; }
+    unsigned long long size() const override { return 7; }
+    bool is_folder;
+  };
+  bool directory_list(const ruvo::file& folder, exception&, ruvo::fileFilter* filter,
+                      ruvo::fileCallback* callback, std::vector<ruvo::file>* out) const override {
+    const bool is_top = folder.get_name() == L"nube";
+    for (const entry& one :
+         {entry(ruvo::file(folder, L"a"), is_top), entry(ruvo::file(folder, L"b"), false)}) {
+      if (filter && !filter->accept(one)) continue;
+      if (out) out->push_back(one);
+      if (callback) callback->onRead(one);
+    }
+    if (callback) callback->onFinish();
+    return true;
+  }
+};
+
+TEST_F(trees, a_listing_of_ones_own_has_folders) {
+  invented service;
+  const ruvo::thread_scope scope(service);
+  const file cloud(L"V:\\nube");
+  recorder told(cloud);
+  files::RecursiveCallBack recursive(told);
+  exception err;
+  EXPECT_TRUE(files::directory_list(cloud, err, recursive)) << err.what();
+  EXPECT_EQ(told.order, (std::vector<std::wstring>{L"a", L"b", L"a\\a", L"a\\b"}));
+}
+
+TEST_F(trees, files_being_written_are_left_out) {
+  for (const wchar_t* const name : {L"a", L"~99_1.tmp", L"~99_2.tmp", L"~99_x.tmp"})
+    write(std::wstring(L"origen\\") + name, 1);
+  std::set<std::wstring> expected{L"a", L"~99_1.tmp", L"~99_x.tmp"};
+#ifdef _WIN32
+  const std::ofstream held("arbol/origen/~99_1.tmp");
+  expected.erase(L"~99_1.tmp");
+#endif
+  for (const bool vanishes : {true, false}) {
+    for (const operation& one : operations) {
+      const std::string name(one.name);
+      if (name != "copy" && name != "verify") continue;
+      recorder told(root);
+      told.does = [&](const file&) {
+        if (vanishes && name == "copy") fs::remove("arbol/origen/~99_2.tmp");
+      };
+      exception err;
+      EXPECT_TRUE(one.run(root, other, err, told)) << name << err.what();
+      std::set<std::wstring> seen = told.seen();
+      seen.erase(L"~99_2.tmp");  // which the system may list first
+      EXPECT_EQ(seen, expected) << name;
+    }
+  }
+  std::vector<file> listed;
+  exception err;
+  EXPECT_TRUE(files::directory_list(root, err, listed));
+  EXPECT_EQ(listed.size(), 3u);
 }
 
 /// Lists no folder of one name, and says so to its caller alone.

@@ -6,6 +6,7 @@
 #   swap TARGET NAME    moves NAME to NAME.movida and puts a link in its place
 #   drop NAME           removes a link; brings what was moved away back
 #   mode MODE NAME      sets the rights of a file
+#   private NAME        fails if others have rights to a file
 #   disk NAME           puts a small disk of its own in the place of an empty folder
 #   eject NAME          takes it away again
 # What fails leaves a file "enlaces.no".
@@ -25,6 +26,7 @@ serve() {
       swap) mv "$second" "$second.movida" && ln -s "$first" "$second" ;;
       drop) back "$first" ;;
       mode) chmod "$first" "$second" ;;
+      private) [ -z "$(find "$first" -perm /007)" ] ;;
       disk) mount -t tmpfs -o size=64k none "$first" && echo "$first" >enlaces.disco ;;
       eject) umount "$first" && rm enlaces.disco ;;
       *) false ;;

@@ -20,7 +20,8 @@ namespace ruvo {
 ///
 /// The entries that filters and callbacks are given answer is_directory(), is_file() and size() from what the
 /// listing found, without asking the system again. "." and ".." are no entries. Symbolic links, junctions and
-/// mounted volumes are entries that are never followed.
+/// mounted volumes are entries that are never followed, even if they take the place of a folder meanwhile: a
+/// folder is held open while its entries are worked on, so that nobody else can rename or erase it then.
 class KESTA_API fileFilter {
  public:
   /// A filter that takes all.
@@ -70,7 +71,9 @@ class held_tree;
 /// `directory_list` service of the thread's context. Each is appended to `out`.
 ///
 /// False on failure, with the first failure copied to `err`; a success leaves `err` as it was. Failures:
-/// exc::fileNotFound, and exc::fileInvalidFolder for what is no folder or cannot be listed.
+/// exc::fileNotFound, and exc::fileInvalidFolder for what is no folder or cannot be listed; and where the
+/// callback is one of those below, what it was told of: the failure of a folder further down, or of what it
+/// does with an entry.
 KESTA_API bool directory_list(const file& folder, exception& err, fileFilter* filter, fileCallback* callback,
                               std::vector<file>* out);
 KESTA_API bool directory_list(const file& folder, exception& err, fileCallback& callback);
@@ -80,12 +83,14 @@ KESTA_API bool directory_list(const file& folder, exception& err, std::vector<fi
 
 /// Copies what is in a folder, at any depth, to the same places below `to`, which is made if it is missing.
 /// Files that stand there are replaced, and other entries stay. The callback and `out` get the entries of
-/// `from` that were copied.
+/// `from` that were copied. Links are followed in the place of `from` and of `to`, and nowhere below. Files
+/// that this library is writing then, here or in another process, are left out under their temporary names
+/// (see write()), and so are such ones that vanish meanwhile.
 ///
 /// False on failure, with the first failure copied to `err`. Failures: those of copy_file() and
-/// directory_list(), exc::fileUnCreateFolder for a folder, and when `to` is `from` or lies in it;
-/// exc::fileExpectedFolder and exc::fileExpectedFile where an entry of the other kind stands;
-/// exc::fileOsStream for a link, which is not copied.
+/// directory_list(); exc::fileUnCreateFolder for a folder, and when `to` is `from` or lies in it;
+/// exc::fileExpectedFolder and exc::fileExpectedFile where an entry of the other kind stands, the former also
+/// for a link in the place of a folder below `to`; exc::fileOsStream for a link, which is not copied.
 KESTA_API bool copy_folder(const file& from, file to, exception& err, fileFilter* filter = nullptr,
                            fileCallback* callback = nullptr, std::vector<file>* out = nullptr);
 KESTA_API bool copy_folder(const file& from, file to, exception& err, fileCallback& callback);
@@ -99,14 +104,16 @@ KESTA_API bool copy_folder(const file& from, file to, exception& err, std::vecto
 /// place below `to`. Contents are not compared, and what else is below `to` does not matter. Each difference
 /// is a failure that names the path below `to`: exc::fileNotFound, exc::fileExpectedFolder,
 /// exc::fileExpectedFile, exc::fileStrageFileSize. The callback is told of every one, and `err` gets the
-/// first.
+/// first. Files that are being written are left out as by copy_folder().
 KESTA_API bool verify(const file& from, file to, exception& err, fileCallback& callback,
                       fileFilter* filter = nullptr);
 
 /// Erases a file, or a folder with all that is in it, also what is marked as read-only; of links, the link.
 /// Files come first, as they are read, then the folders from the innermost outwards, `path` last. The filter
 /// is not asked about `path`. A folder that holds something that was refused, or failed, stays and is no
-/// failure of its own. False on failure, with the first failure copied to `err`: exc::fileNotFound,
+/// failure of its own. A folder that a link has taken the place of since it was listed is a failure, and what
+/// the link leads to stays; so do temporary files that are being written, while those that a process has left
+/// go. False on failure, with the first failure copied to `err`: exc::fileNotFound,
 /// exc::fileUnDeleted and those of directory_list().
 KESTA_API bool erase(file path, exception& err, fileFilter* filter = nullptr,
                      fileCallback* callback = nullptr);
@@ -150,7 +157,8 @@ class KESTA_API RelayCallBack : public fileCallback {
   std::shared_ptr<held_tree> tree_;
 };
 
-/// Makes a listing go down into the folders that it finds, when it is told that the listing of one has ended:
+/// Makes a listing go down into the folders that it finds, when it is told that the listing of one has ended
+/// (folders are the entries whose is_directory() says so, which may be of the application's own):
 /// first come all entries of a folder, then those of its first folder and what is below that, and so on.
 /// Entries that its filter refuses are neither collected nor passed on.
 class KESTA_API RecursiveCallBack : public RelayCallBack {

@@ -36,9 +36,13 @@ KESTA_API binary read(const file& path);
 ///
 /// The content goes to a new file in the same folder, which takes the name when all of it is on the disk. So
 /// whatever fails, at any time, the name stands for the old content or the new one, whole. A file that is
-/// replaced passes on whether it is hidden, a system file or not indexed; rights are those of its folder, and
-/// a link is replaced, not followed. Read-only files are not replaced, nor files that are open, even in this
-/// process; for these to be closed some 30 milliseconds are waited.
+/// replaced passes on its access rights (not its owner), whether it is encrypted, hidden, a system file or
+/// not indexed; without one the rights are those of the folder. A link is replaced, not followed. Read-only
+/// files are not replaced, nor files that are open, even in this process; for these to be closed some 30
+/// milliseconds are waited.
+///
+/// The new file is called "~", the number of the process, "_", a number, ".tmp" until then. Listings show it.
+/// If the process ends meanwhile it goes away, unless its content was whole already, or was being copied.
 ///
 /// A file that exists is replaced if `overwrite` is true. Otherwise it stays, and the content goes to the
 /// name that autorename() derives. `*written`, if given, becomes the file really written; on failure it stays
@@ -76,12 +80,14 @@ KESTA_API bool is_locked(file path);
 /// The file whose path is that of `path` with the text behind it.
 KESTA_API file append(const file& path, const std::wstring& text);
 /// A free name in the same folder: `prefix` and `suffix` are put around the simple name, and if that is
-/// taken, "_01", "_02", ... behind them ("informe.txt", "informe_01.txt").
+/// taken, "_01", "_02", ... behind them ("informe.txt", "informe_01.txt"). Where many are taken, one between
+/// them that is free may be passed over: the number of questions to the system grows with the logarithm.
 KESTA_API file autorename(const file& path, const std::wstring& prefix = {}, const std::wstring& suffix = {});
 /// A free name in a folder: `prefix`, `name`, and a counter from "_01" on; then `extension`, with a "."
 /// before it unless it is empty or brings its own.
 KESTA_API file get_temporal_file(file folder, std::wstring prefix, std::wstring name, std::wstring extension);
-/// The same in the user's folder for temporary files.
+/// The same in the user's folder for temporary files. Throws exc::fileNotFound when the system names none, as
+/// where TMP is too long for it.
 KESTA_API file get_temporal_file(std::wstring prefix, std::wstring name, std::wstring extension);
 
 /// The type that belongs to what follows the last "." of a name, in any case; "application/octet-stream" when
