@@ -12,9 +12,11 @@
 
 #include <charconv>
 #include <cstdio>
+#include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace {
 

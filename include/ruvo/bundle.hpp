@@ -11,6 +11,8 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <type_traits>
+#include <typeinfo>
 #include <utility>
 
 // Macros of others.

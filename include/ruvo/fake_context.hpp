@@ -5,6 +5,7 @@
 #include <ruvo/application.hpp>
 
 #include <atomic>
+#include <ctime>
 #include <map>
 #include <string>
 #include <vector>

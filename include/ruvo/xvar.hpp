@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <utility>
 
 // Macros of others.
 #include <ruvo/names_aside.hpp>

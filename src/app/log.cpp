@@ -2,6 +2,8 @@
 
 #include <ruvo/application.hpp>
 
+#include <exception>
+
 #include "app/lost_entries.hpp"
 #include "app/quietly.hpp"
 

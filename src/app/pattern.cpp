@@ -1,6 +1,7 @@
 #include "app/pattern.hpp"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 

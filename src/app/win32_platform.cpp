@@ -1,6 +1,9 @@
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
 #include <limits>
 #include <memory>
+#include <utility>
 
 #include "app/platform.hpp"
 #include "app/win32.hpp"

@@ -1,6 +1,8 @@
 #include "exc/detail.hpp"
 
+#include <memory>
 #include <new>
+#include <stdexcept>
 
 #include "texto/numbers.hpp"
 #include "texto/utf.hpp"

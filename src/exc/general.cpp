@@ -2,6 +2,7 @@
 
 #include <ruvo/exc.hpp>
 
+#include <exception>
 #include <string_view>
 
 #include "exc/classes.hpp"

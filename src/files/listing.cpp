@@ -2,6 +2,9 @@
 
 #include <ruvo/exc.hpp>
 
+#include <cstddef>
+#include <optional>
+#include <vector>
 namespace ruvo {
 
 fileFilter::fileFilter() = default;

@@ -4,6 +4,7 @@
 #include <ruvo/texto/words.hpp>
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 #include <string_view>
 

@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "app/win32.hpp"
 #include "files/listing_platform.hpp"
 #include "files/win32_nt.hpp"
 #include "files/win32_path.hpp"

@@ -1,6 +1,7 @@
 #include "files/win32_path.hpp"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "app/win32.hpp"
 #include "texto/ascii.hpp"

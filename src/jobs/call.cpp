@@ -1,6 +1,7 @@
 #include <ruvo/exc.hpp>
 #include <ruvo/task.hpp>
 
+#include <exception>
 #include <utility>
 
 #include "exc/detail.hpp"

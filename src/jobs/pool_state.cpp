@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <new>
+#include <thread>
 #include <utility>
 
 #include "exc/detail.hpp"

@@ -3,6 +3,8 @@
 #include <ruvo/http.hpp>
 
 #include <algorithm>
+#include <iterator>
+#include <stdexcept>
 #include <utility>
 
 #include "exc/detail.hpp"

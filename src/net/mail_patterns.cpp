@@ -3,6 +3,8 @@
 #include <ruvo/texto.hpp>
 
 #include <algorithm>
+#include <string>
+#include <utility>
 
 #include "texto/unicode.hpp"
 

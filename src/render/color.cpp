@@ -8,6 +8,7 @@
 #include <limits>
 #include <ostream>
 #include <string_view>
+#include <utility>
 
 #include "texto/ascii.hpp"
 #include "texto/utf.hpp"

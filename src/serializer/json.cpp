@@ -1,6 +1,7 @@
 #include <ruvo/serializer.hpp>
 
 #include <algorithm>
+#include <cstddef>
 #include <limits>
 #include <string_view>
 

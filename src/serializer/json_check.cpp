@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 #include "serializer/places.hpp"
 #include "texto/ascii.hpp"

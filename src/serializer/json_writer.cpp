@@ -4,6 +4,7 @@
 #include <ruvo/exc.hpp>
 #include <ruvo/time.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <sstream>
 #include <typeinfo>

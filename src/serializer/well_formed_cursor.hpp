@@ -5,6 +5,7 @@
 #include <ruvo/exc.hpp>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <string>

@@ -1,11 +1,13 @@
 #include <ruvo/texto.hpp>
 
 #include <algorithm>
+#include <locale>
 #include <ostream>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "app/platform.hpp"
 #include "texto/ascii.hpp"

@@ -1,8 +1,10 @@
 #include <ruvo/texto.hpp>
 
 #include <charconv>
+#include <cstddef>
 #include <cstdint>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 #include <vector>
 

@@ -1,6 +1,8 @@
 #include <ruvo/texto.hpp>
 
 #include <algorithm>
+#include <cstddef>
+#include <string>
 
 namespace ruvo::texto {
 

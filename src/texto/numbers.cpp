@@ -8,6 +8,7 @@
 #include <cstring>
 #include <limits>
 #include <stdexcept>
+#include <system_error>
 
 #include "texto/ascii.hpp"
 

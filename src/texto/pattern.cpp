@@ -1,5 +1,6 @@
 #include <ruvo/texto.hpp>
 
+#include <cstddef>
 #include <string_view>
 #include <utility>
 #include <vector>

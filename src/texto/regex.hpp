@@ -8,6 +8,7 @@
 // with; and what failed once at a place is not tried there again (see Matcher). What is left over ends at a
 // limit of steps or of memory, with std::regex_error.
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>

@@ -3,6 +3,7 @@
 // The parsed form of a pattern, and the sets of characters in it.
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <regex>
 #include <string_view>

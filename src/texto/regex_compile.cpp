@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <cstddef>
+#include <utility>
 
 #include "texto/regex.hpp"
 

@@ -1,6 +1,7 @@
 // Alternatives with fewer ways to try: what many of them begin with is matched once.
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 #include <vector>
 

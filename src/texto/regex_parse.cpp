@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstddef>
 
 #include "texto/ascii.hpp"
 #include "texto/regex_ast.hpp"

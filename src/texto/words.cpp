@@ -1,5 +1,6 @@
 #include <ruvo/texto.hpp>
 
+#include <string>
 #include <utility>
 
 #include "texto/ascii.hpp"

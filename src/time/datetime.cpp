@@ -1,5 +1,6 @@
 #include <ruvo/datetime.hpp>
 
+#include <ctime>
 #include <ostream>
 #include <utility>
 

@@ -1,4 +1,5 @@
 #include <array>
+#include <cstddef>
 
 #include "app/platform.hpp"
 #include "time/format.hpp"

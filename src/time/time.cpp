@@ -1,6 +1,7 @@
 #include <ruvo/datetime.hpp>
 #include <ruvo/time.hpp>
 
+#include <ctime>
 #include <ostream>
 #include <utility>
 

@@ -3,6 +3,7 @@
 #include <ruvo/binary.hpp>
 #include <ruvo/memo.hpp>
 
+#include <cstddef>
 #include <functional>
 #include <vector>
 
