@@ -35,7 +35,10 @@ TEST_F(queries, kinds_and_rights) {
   put(path(L"a.EXE"), "MZ");
   put(path(L"a.txt"), "x");
   ASSERT_TRUE(path(L"b.exe").mkdir());
-  EXPECT_TRUE(path(L"a.EXE").is_executable());
+  for (const wchar_t* const name : {L"a.EXE", L"a.com", L"a.bat", L"a.Cmd"}) {
+    put(path(name), "MZ");
+    EXPECT_TRUE(path(name).is_executable()) << name;
+  }
   EXPECT_FALSE(path(L"a.txt").is_executable() || path(L"b.exe").is_executable());
   for (const wchar_t* const name : {L"a.txt", L"b.exe"}) {
     EXPECT_TRUE(path(name).can_be_read() && path(name).can_be_write()) << name;

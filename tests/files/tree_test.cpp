@@ -211,6 +211,15 @@ TEST_F(trees, come_folder_by_folder_from_the_top) {
   EXPECT_TRUE(files::directory_list(root, err, top));
   ASSERT_LT(top.size(), all.size());
   EXPECT_TRUE(std::equal(top.begin(), top.end(), all.begin()));
+  const std::set<std::wstring> first{top.front().get_name()};
+  refusing filter(first);
+  std::vector<file> others;
+  EXPECT_TRUE(files::directory_list(root, err, filter, others));
+  EXPECT_EQ(others, std::vector<file>(top.begin() + 1, top.end()));
+  recorder one;
+  one.stops_at = 1;
+  files::directory_list(root, err, one);
+  EXPECT_EQ(one.order.size(), 1U);
   std::set<std::wstring> left, now;  // folders whose entries are past, and come
   for (const file& entry : all) {
     const std::wstring folder = entry.get_parent();

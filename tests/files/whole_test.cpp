@@ -91,8 +91,10 @@ TEST_F(whole, text_is_read_in_its_encoding) {
 // Long enough to be read in pieces, which cut characters at every place.
 TEST_F(whole, long_text_is_converted_as_if_at_once) {
   std::mt19937 random(7);
-  for (const char* const unit : {"\xC3\xB1", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xF0\x9F", "\x80"}) {
-    std::string bytes(random() % 5, 'a');
+  const char* const units_of_text[] = {"\xC3\xB1", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xF0\x9F", "\x80"};
+  for (std::size_t n = 0; n < 20; ++n) {
+    const char* const unit = units_of_text[n / 4];
+    std::string bytes(n % 4, 'a');
     while (bytes.size() < 300'000) bytes += unit;
     for (int i = 0; i < 20; ++i) bytes[random() % bytes.size()] = static_cast<char>(random());
     put(path(L"a.txt"), bytes);
