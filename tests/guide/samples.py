@@ -6,8 +6,9 @@
 The ```cpp blocks of a `##` section are the body of one test, in their order; a block with `int main()` is a program of
 its own and a test of its own. A ```text block behind a sample, with nothing but blank lines between, is what the
 sample prints; the last line end of either counts for nothing. `#include` lines go to the head of the source. Other
-blocks (```sh, ```cmake, ```json...) are passed over. Errors of the compiler and failures of the tests name the page
-and its line.
+blocks (```sh, ```cmake, ```json...) are passed over. In a table whose head is `| example | gives | |`, the code of the
+first column gives that of the second; `texto` stands for `ruvo::texto`. Errors of the compiler and failures of the
+tests name the page and its line.
 """
 
 import argparse
@@ -15,14 +16,17 @@ import re
 import sys
 from pathlib import Path
 
-INCLUDES = {"<ruvo/ruvo.hpp>", "<cstdio>", "<iostream>", "<string>", '"guide/output.hpp"'}
+INCLUDES = {"<ruvo/ruvo.hpp>", "<cstdio>", "<iostream>", "<locale>", "<sstream>", "<string>", "<vector>",
+            '"guide/output.hpp"'}
+TABLE = "| example | gives | |"
+ROW = re.compile(r"\| `([^`]+)` \| `([^`]+)` \| [^|]+ \|$")
 INCLUDE = re.compile(r"#\s*include\s*([<\"].*[>\"])\s*(//.*)?$")
 FRESH = "std::cout.copyfmt(std::ios(nullptr));\n"  # without what the tests before it set, std::boolalpha
 MAIN = re.compile(r"^int main\(\)", re.MULTILINE)
 
 
 class Block:
-    """A sample: its code, the number of the code's first line, and the same of its output."""
+    """A sample, or a row of a table: its code, the number of the code's first line, and the same of its output."""
 
     def __init__(self, line):
         self.line, self.code = line, []
@@ -36,6 +40,7 @@ def fail(page, line, what):
 def sections(page):
     """Gives (title, blocks) for each section of the page."""
     found = [("start", [])]
+    rows = False  # whether a table of examples is open
     fence, opened, target, sample = None, 0, None, None  # the open fence, its lines, the sample that may have output
     for number, line in enumerate(Path(page).read_text(encoding="utf-8").split("\n"), 1):
         if fence is not None:
@@ -56,9 +61,21 @@ def sections(page):
                 sample.output_line = number
             else:
                 sample = None
+        elif rows and line.startswith("|"):
+            row = ROW.match(line)
+            if row:
+                found[-1][1].append(Block(number))
+                found[-1][1][-1].code = [f"EXPECT_EQ(({row[1]}), {row[2]});"]
+            elif not line.startswith("|---|"):
+                fail(page, number, "the row is no example and what it gives")
+        elif line == TABLE:
+            rows, sample = True, None
         elif line.lstrip().startswith(("```", "~~~")):
             fail(page, number, "a fence is ``` at the start of its line")
-        elif line.strip():
+        else:
+            rows = False
+            if not line.strip():
+                continue
             sample = None
             if line.startswith("## "):
                 found.append((line[3:], []))
@@ -97,6 +114,10 @@ class Source:
         return (f"guide::output {printed};\n{code}\n#line {block.output_line} \"{page}\"\n"
                 f'EXPECT_EQ({printed}.text(), R"~~({wanted})~~");')
 
+    @staticmethod
+    def short_names(body):
+        return "namespace texto = ruvo::texto;\n" if any("EXPECT_EQ((texto::" in part for part in body) else ""
+
     def add(self, page):
         """The tests of one page."""
         suite = re.sub(r"[^a-z0-9]+", "_", Path(page).stem.lower())
@@ -118,7 +139,7 @@ class Source:
                                   f"TEST({suite}, {self.name(suite, title + ' program')}) {{\n{FRESH}{call}\n}}\n")
             if body:
                 self.parts.append(f"TEST({suite}, {self.name(suite, title)}) {{\n"
-                                  + FRESH + "\n".join(body) + "\n}\n")
+                                  + FRESH + self.short_names(body) + "\n".join(body) + "\n}\n")
 
 
 def main():
