@@ -11,8 +11,13 @@ namespace {
 
 constexpr DWORD shared_with_all = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr std::size_t most_at_once = 1u << 30;
-// A path may name a pipe, whose server must not act for the user.
-constexpr DWORD named_by_anybody = SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION;
+
+/// Outside of drives a name may be that of a pipe, whose server must not act for the user. On drives the same
+/// bit would keep files from being fetched that are stored in a cloud.
+DWORD guard_for(const std::wstring& name) noexcept {
+  const bool is_on_drive = name.size() > 5 && name[5] == L':';  // behind "\\?\"
+  return is_on_drive ? 0 : SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION;
+}
 
 /// Closes what it holds.
 class scoped_handle {
@@ -32,8 +37,9 @@ class scoped_handle {
 
 /// Folders can be opened too; those of an empty path cannot.
 HANDLE open_existing(const std::wstring& path, DWORD access, DWORD sharing) {
-  return CreateFileW(system_path(path).c_str(), access, sharing, nullptr, OPEN_EXISTING,
-                     FILE_FLAG_BACKUP_SEMANTICS | named_by_anybody, nullptr);
+  const std::wstring name = system_path(path);
+  return CreateFileW(name.c_str(), access, sharing, nullptr, OPEN_EXISTING,
+                     FILE_FLAG_BACKUP_SEMANTICS | guard_for(name), nullptr);
 }
 
 bool is_sharing_refusal() noexcept {
@@ -183,13 +189,14 @@ open_file::open_file(const std::wstring& path, mode how, const std::wstring& lik
   const bool creates = how == to_create;
   SECURITY_ATTRIBUTES security{sizeof security, nullptr, FALSE};
   std::vector<unsigned char> rights;
-  DWORD flags = FILE_FLAG_SEQUENTIAL_SCAN | named_by_anybody;
+  const std::wstring name = system_path(path);
+  DWORD flags = FILE_FLAG_SEQUENTIAL_SCAN | guard_for(name);
   if (creates && !like.empty()) {
     rights = rights_of(like);
     if (!rights.empty()) security.lpSecurityDescriptor = rights.data();
     if (is_encrypted(like)) flags |= FILE_ATTRIBUTE_ENCRYPTED;
   }
-  const HANDLE file = CreateFileW(system_path(path).c_str(), creates ? GENERIC_WRITE | DELETE : GENERIC_READ,
+  const HANDLE file = CreateFileW(name.c_str(), creates ? GENERIC_WRITE | DELETE : GENERIC_READ,
                                   creates ? FILE_SHARE_READ : shared_with_all, creates ? &security : nullptr,
                                   creates ? CREATE_NEW : OPEN_EXISTING,
                                   creates ? flags | FILE_FLAG_OPEN_REPARSE_POINT : flags, nullptr);
