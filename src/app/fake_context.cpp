@@ -77,8 +77,8 @@ bool fake_context::directory_list(const ruvo::file& folder, exception& err, file
       entry.set(path, facts);
       if (callback && callback->can_stop()) break;
       if (filter && !filter->accept(entry)) continue;
-      if (callback) callback->onRead(entry);
       if (out) out->push_back(entry);
+      if (callback) callback->onRead(entry);
     }
   } else {
     const exc::fileNotFound error(folder);
