@@ -96,8 +96,8 @@ class KESTA_API logger {
   long get_level() const noexcept;
 
   /// An entry of the level that the name tells. An exception stands for its message: that of a
-  /// ruvo::exception, the what() of another std::exception, with its detail in brackets where the message does
-  /// not say it.
+  /// ruvo::exception, the what() of another std::exception, with its detail in brackets where the message
+  /// does not say it.
   void assertion(const std::wstring& first, const std::wstring& second) noexcept;
   void assertion(const std::wstring& first, const std::exception& error) noexcept;
   void assertion(const std::wstring& first, const std::exception_ptr& error) noexcept;

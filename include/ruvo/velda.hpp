@@ -26,7 +26,8 @@ namespace ruvo::velda {
 /// functions, which read and set, move it on at every call.
 class KESTA_API date : public ruvo::date {
  public:
-  /// The present day in the mode, as that of ruvo::date: without an argument that of UTC. Throws as that does.
+  /// The present day in the mode, as that of ruvo::date: without an argument that of UTC. Throws as that
+  /// does.
   date(times::HUSO huso = huso_horario);
   /// From a number yyyymmdd. It never fails.
   date(long yyyymmdd, times::HUSO huso = huso_horario);

@@ -1,4 +1,5 @@
-// docs/texto.md has an example of every function of the headers. That the examples hold is a test of the guide.
+// docs/texto.md has an example of every function of the headers. That the examples hold is a test of the
+// guide.
 
 #include <filesystem>
 #include <fstream>
