@@ -32,7 +32,9 @@ class block {
   using view_type = std::basic_string_view<Char>;
 
   explicit block(std::size_t size) : size_(size), chars_(new Char[size]()) {}
-  explicit block(view_type text) : block(text.size()) { std::copy(text.begin(), text.end(), data()); }
+  explicit block(view_type text) : block(text.size()) {
+    for (std::size_t at = 0; at < size_; ++at) chars_[at] = text[at];
+  }
 
   Char* data() const { return chars_.get(); }
   view_type view() const { return {data(), size_}; }

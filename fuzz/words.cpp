@@ -22,11 +22,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   settles([](const std::wstring& t) { return limpia_telefono_(t, true); });
   settles([](const std::wstring& t) { return limpia_nif_(t); });
   settles([](std::wstring t) { return limpia_caracteres_especiales(t); });
-  to_camel_case_(text);
-  to_snake_case_(text);
+  static_cast<void>(to_camel_case_(text));
+  static_cast<void>(to_snake_case_(text));
   corregir_nombre_municipio(text);
-  order_name_(text);
-  web_encode(text);
+  static_cast<void>(order_name_(text));
+  static_cast<void>(web_encode(text));
   q_encoded(to_utf_8(text));
 
   const bool is_nif = valida_nif(text);

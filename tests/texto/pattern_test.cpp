@@ -130,7 +130,7 @@ class Generator {
 
 std::optional<codes::error_type> error_of(const std::wstring& pattern, const std::wstring& text = L"a") {
   try {
-    texto::replace_(text, pattern, L"");
+    static_cast<void>(texto::replace_(text, pattern, L""));
     return {};
   } catch (const std::regex_error& error) {
     return error.code();
