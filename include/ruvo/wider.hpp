@@ -10,12 +10,12 @@ namespace ruvo::detail {
 
 /// An integer that may hold what an unsigned long does not. The overloads that take one leave calls with
 /// any other integer as they are.
-template <class N>
-concept wider_than_ulong = std::integral<N> && sizeof(N) > sizeof(unsigned long);
+template <class Count>
+concept wider_than_ulong = std::integral<Count> && sizeof(Count) > sizeof(unsigned long);
 
 /// The number; throws std::length_error when an unsigned long does not hold it.
-template <wider_than_ulong N>
-unsigned long checked_ulong(N count) {
+template <wider_than_ulong Count>
+unsigned long checked_ulong(Count count) {
   const auto wide = static_cast<unsigned long long>(count);
   if (wide > std::numeric_limits<unsigned long>::max()) throw std::length_error("count beyond 32 bits");
   return static_cast<unsigned long>(wide);

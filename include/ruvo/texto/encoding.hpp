@@ -55,8 +55,8 @@ KESTA_API void base64_decode(std::wstring& out, const std::wstring& in);
 /// or larger than their number.
 KESTA_API void set_binary_data(std::string& out, const std::vector<unsigned char>& bytes, long count);
 /// Throws std::length_error for less than all bytes, when a long does not hold their number.
-template <ruvo::detail::wider_than_ulong N>
-void set_binary_data(std::string& out, const std::vector<unsigned char>& bytes, N count) {
+template <ruvo::detail::wider_than_ulong Count>
+void set_binary_data(std::string& out, const std::vector<unsigned char>& bytes, Count count) {
   const auto wide = static_cast<unsigned long long>(count);
   const bool all = wide >= bytes.size();  // negative numbers too
   if (!all && wide > std::numeric_limits<long>::max()) throw std::length_error("count beyond 31 bits");
@@ -78,8 +78,8 @@ KESTA_API std::wstring string_to_hex(const std::wstring& text);
 KESTA_API std::wstring string_to_hex(const std::string& text);
 KESTA_API std::wstring bytes_to_hexString(const unsigned char* bytes, unsigned long count);
 /// Throws std::length_error beyond what an unsigned long holds.
-template <ruvo::detail::wider_than_ulong N>
-std::wstring bytes_to_hexString(const unsigned char* bytes, N count) {
+template <ruvo::detail::wider_than_ulong Count>
+std::wstring bytes_to_hexString(const unsigned char* bytes, Count count) {
   return bytes_to_hexString(bytes, ruvo::detail::checked_ulong(count));
 }
 /// The characters, one a byte, that pairs of digits of either case stand for; an odd last digit is ignored.
