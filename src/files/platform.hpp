@@ -61,7 +61,7 @@ class open_file {
   bool read(void* to, std::size_t room, std::size_t& got) noexcept;
   /// False when not all was written.
   bool write(std::string_view bytes) noexcept;
-  /// A new file stays from now on.
+  /// A new file stays from now on. Until then it goes with this object, where the system can do that.
   bool keep() noexcept;
   /// Waits until the disk has all.
   bool flush() noexcept;
@@ -69,6 +69,7 @@ class open_file {
 
  private:
   void* handle_;
+  [[maybe_unused]] bool is_marked_ = false;  // to be deleted when it is closed
 };
 
 enum class creation { done, taken, refused };

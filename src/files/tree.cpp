@@ -401,13 +401,15 @@ bool DeleteCallBack::is_removed(const file& entry, bool is_folder, bool is_link)
   held_tree& tree = *tree_of(entry);
   if (entry == tree.top()) {
     tree.release();
-    return platform::remove_entry(entry, found, tree.identity());
+    const bool removed = platform::remove_entry(entry, found, tree.identity());
+    work_on(nullptr);  // who goes on after a failure has to reach it anew
+    return removed;
   }
   const file folder = folder_of(entry);
   if (!tree.covers(folder)) return platform::remove_entry(entry, found, nullptr);
   const std::shared_ptr<const held_folder> held = tree.reach(folder);
   if (held) return held->remove(entry.get_name(), found);
-  return tree.reason() == held_folder::outcome::missing;
+  return tree.reason() == held_folder::outcome::missing && !platform::look_at(entry, found);
 }
 
 bool erase(file path, exception& err, fileFilter* filter, fileCallback* callback) {

@@ -201,7 +201,7 @@ open_file::open_file(const std::wstring& path, mode how, const std::wstring& lik
                                   creates ? CREATE_NEW : OPEN_EXISTING,
                                   creates ? flags | FILE_FLAG_OPEN_REPARSE_POINT : flags, nullptr);
   handle_ = file == INVALID_HANDLE_VALUE ? nullptr : file;
-  if (creates && handle_) mark_for_deletion(handle_, true);
+  if (creates && handle_) is_marked_ = mark_for_deletion(handle_, true);
 }
 
 open_file::~open_file() { close(); }
@@ -230,7 +230,10 @@ bool open_file::write(std::string_view bytes) noexcept {
   return true;
 }
 
-bool open_file::keep() noexcept { return mark_for_deletion(handle_, false); }
+bool open_file::keep() noexcept {
+  if (is_marked_) is_marked_ = !mark_for_deletion(handle_, false);
+  return !is_marked_;
+}
 bool open_file::flush() noexcept { return FlushFileBuffers(handle_); }
 
 bool open_file::close() noexcept {
@@ -243,7 +246,11 @@ bool copy_content(const std::wstring& from, const std::wstring& to) {
   constexpr DWORD copied = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
                            FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
   const std::wstring source = system_path(from), target = system_path(to);
-  if (!CopyFileW(source.c_str(), target.c_str(), FALSE)) return false;
+  // Another process may just look whether the target is being written.
+  for (DWORD wait = 1; !CopyFileW(source.c_str(), target.c_str(), FALSE); wait *= 2) {
+    if (GetLastError() != ERROR_SHARING_VIOLATION || wait > 16) return false;
+    Sleep(wait);
+  }
   // Wine leaves an existing file's attributes as they are.
   const DWORD wanted = GetFileAttributesW(source.c_str()), own = GetFileAttributesW(target.c_str());
   if (wanted == INVALID_FILE_ATTRIBUTES || own == INVALID_FILE_ATTRIBUTES) return false;

@@ -13,9 +13,10 @@ using outcome = held_folder::outcome;
 constexpr DWORD shared_with_all = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr DWORD fixed_in_place = FILE_SHARE_READ | FILE_SHARE_WRITE;
 
+/// Nothing has the name. Not so with a name that the system refuses, or a share that is away: something may
+/// be there.
 bool is_missing(DWORD error) noexcept {
-  return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND || error == ERROR_INVALID_NAME ||
-         error == ERROR_BAD_NETPATH || error == ERROR_BAD_NET_NAME || error == ERROR_DELETE_PENDING;
+  return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND || error == ERROR_DELETE_PENDING;
 }
 
 outcome outcome_of(DWORD error) noexcept {
@@ -109,8 +110,13 @@ DWORD try_to_remove(const place& where, const found_facts& found, const entry_id
   return unprotects ? mark_removed_unprotected(opened) : mark_removed(opened);
 }
 
+// A folder that somebody else erases too, and holds for it, may be free a moment later.
 bool remove_at(const place& where, const found_facts& found, const entry_identity* expected) {
-  const DWORD error = try_to_remove(where, found, expected, false);
+  DWORD error = try_to_remove(where, found, expected, false);
+  for (DWORD wait = 1; found.is_folder && error == ERROR_SHARING_VIOLATION && wait <= 16; wait *= 2) {
+    Sleep(wait);
+    error = try_to_remove(where, found, expected, false);
+  }
   return error == ERROR_SUCCESS ||
          (error == ERROR_ACCESS_DENIED && try_to_remove(where, found, expected, true) == ERROR_SUCCESS);
 }

@@ -450,6 +450,18 @@ TEST_F(trees, failures) {
   EXPECT_EQ(read_tree(root), (tree{{L"f", 1}}));
 }
 
+TEST_F(trees, an_erasure_by_hand_tells_what_stays) {
+  EXPECT_TRUE(file(root, L"a").mkdirs(nullptr));
+  write(L"origen\\a\\fichero", 1);
+  recorder told(base);
+  files::DeleteCallBack eraser(told);
+  for (const wchar_t* const place : {L"origen\\b", L"origen\\a", L"origen"}) eraser.onRead(file(base, place));
+  eraser.onFinish();  // the top of the tree first
+  EXPECT_EQ(told.failures.size(), 3U);
+  EXPECT_TRUE(told.order.empty());
+  EXPECT_TRUE(file(root, L"a\\fichero").is_file());
+}
+
 TEST_F(trees, other_names_of_a_folder) {
   grow(9, 20);
   const tree model = read_tree(root);
