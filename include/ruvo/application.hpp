@@ -39,7 +39,8 @@ class KESTA_API application : public context {
 
   /// Makes this the application of a thread (that of threadID() for the calling one), after making the
   /// calling thread a single-threaded apartment of COM, which it stays. False when the thread is checked in
-  /// already; it keeps its application.
+  /// already; it keeps its application. Who checks in checks out before the thread ends: the system gives its
+  /// id to a later thread, which would have the application too.
   /// @quirk The calling thread becomes that apartment also where it checks in another thread, and stays one
   /// after check_out().
   bool check_in(unsigned long thread_id);

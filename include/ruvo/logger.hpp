@@ -162,8 +162,10 @@ class KESTA_API log {
   static double time(const std::wstring& text) noexcept;
 
   /// How many entries and lines of all loggers of the process nobody took so far: entries that their level
-  /// lets pass, without a callback or a file, or with one that could not be written. A debugger is told when
-  /// an application ends.
+  /// lets pass, without a callback or a file, or with a callback that threw or a file that could not be
+  /// written. The library's targets count for themselves what they could not write, also where another one
+  /// took it. What goes to a day's file in the second after somebody erased it is not noticed. A debugger is
+  /// told when an application ends.
   static unsigned long long get_lost() noexcept;
 };
 

@@ -107,12 +107,17 @@ struct logger::state {
   }
 
  private:
-  /// False when the entry comes from the callback itself. What this does with the others is its own affair.
+  /// False when the entry comes from the callback itself, or the callback throws. What it does with the
+  /// others is its own affair.
   bool call(IOnLog& to, long entry_level, const std::wstring& first, const std::wstring& second) noexcept {
     const visit here(&callback);
     if (!here.is_first()) return false;
-    quietly([&] { to.on_log(entry_level, second, first); });
-    return true;
+    bool returned = false;
+    quietly([&] {
+      to.on_log(entry_level, second, first);
+      returned = true;
+    });
+    return returned;
   }
 
   bool write(long entry_level, const std::wstring& first, const std::wstring& second) {
