@@ -32,10 +32,10 @@ class KESTA_API date : public lapse {
   /// The present day in the mode: without an argument that of UTC, which in Spain is yesterday's until one or
   /// two in the morning. dates::today() is the day on the user's calendar.
   date(times::HUSO huso = huso_horario);
-  /// From a number yyyymmdd.
+  /// From a number yyyymmdd; throws exc::CalendarException for one that a long does not hold.
   date(long yyyymmdd, times::HUSO huso = huso_horario);
   template <std::integral T>
-  date(T yyyymmdd, times::HUSO huso = huso_horario) : date(static_cast<long>(yyyymmdd), huso) {}
+  date(T yyyymmdd, times::HUSO huso = huso_horario) : date(detail::packed_number(yyyymmdd), huso) {}
   /// From fields: months count from 1.
   date(long year, long month, long day, times::HUSO huso = huso_horario);
   /// From text that fits the format, as parse(). Narrow text is UTF-8.
@@ -59,7 +59,7 @@ class KESTA_API date : public lapse {
   date& operator=(long yyyymmdd);
   template <std::integral T>
   date& operator=(T yyyymmdd) {
-    return *this = static_cast<long>(yyyymmdd);
+    return *this = detail::packed_number(yyyymmdd);
   }
   /// The conversion of a var.
   template <std::derived_from<var> V>

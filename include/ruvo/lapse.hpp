@@ -11,11 +11,27 @@
 #include <ctime>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 // Macros of others.
 #include <ruvo/names_aside.hpp>
 
 namespace ruvo {
+
+namespace detail {
+
+/// The number of a date or a time of day; throws exc::CalendarException when a long does not hold it.
+KESTA_API long packed_number(long long number);
+KESTA_API long packed_number(unsigned long long number);
+template <std::integral T>
+long packed_number(T number) {
+  if constexpr (std::is_signed_v<T>)
+    return packed_number(static_cast<long long>(number));
+  else
+    return packed_number(static_cast<unsigned long long>(number));
+}
+
+}  // namespace detail
 
 /// An instant, as seconds since 1970-01-01 00:00:00 UTC in the proleptic Gregorian calendar, with the mode in
 /// which it is broken down into calendar fields. -1 second stands for "no value".

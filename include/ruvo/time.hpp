@@ -34,10 +34,10 @@ class KESTA_API time : public lapse {
 
   /// The present time of day in the mode: without an argument that of UTC.
   time(times::HUSO huso = huso_horario);
-  /// From a number hhmmss.
+  /// From a number hhmmss; throws exc::CalendarException for one that a long does not hold.
   time(long hhmmss, times::HUSO huso = huso_horario);
   template <std::integral T>
-  time(T hhmmss, times::HUSO huso = huso_horario) : time(static_cast<long>(hhmmss), huso) {}
+  time(T hhmmss, times::HUSO huso = huso_horario) : time(detail::packed_number(hhmmss), huso) {}
   /// From fields.
   time(long hour, long minute, long second, times::HUSO huso = huso_horario);
   /// From text that fits the format, as parse(). Narrow text is UTF-8.
@@ -61,7 +61,7 @@ class KESTA_API time : public lapse {
   time& operator=(long hhmmss);
   template <std::integral T>
   time& operator=(T hhmmss) {
-    return *this = static_cast<long>(hhmmss);
+    return *this = detail::packed_number(hhmmss);
   }
   /// The conversion of a var.
   template <std::derived_from<var> V>

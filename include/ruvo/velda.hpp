@@ -29,10 +29,10 @@ class KESTA_API date : public ruvo::date {
   /// The present day in the mode, as that of ruvo::date: without an argument that of UTC. Throws as that
   /// does.
   date(times::HUSO huso = huso_horario);
-  /// From a number yyyymmdd. It never fails.
+  /// From a number yyyymmdd. It never fails, but for exc::CalendarException where a long does not hold it.
   date(long yyyymmdd, times::HUSO huso = huso_horario);
   template <std::integral T>
-  date(T yyyymmdd, times::HUSO huso = huso_horario) : date(static_cast<long>(yyyymmdd), huso) {}
+  date(T yyyymmdd, times::HUSO huso = huso_horario) : date(detail::packed_number(yyyymmdd), huso) {}
   /// From fields, as set(). It never fails.
   date(long year, long month, long day, times::HUSO huso = huso_horario);
   /// From text that fits the format, as parse(). Narrow text is UTF-8. Throws exc::CalendarException.
@@ -58,7 +58,7 @@ class KESTA_API date : public ruvo::date {
   date& operator=(long yyyymmdd);
   template <std::integral T>
   date& operator=(T yyyymmdd) {
-    return *this = static_cast<long>(yyyymmdd);
+    return *this = detail::packed_number(yyyymmdd);
   }
   /// From text in the canonical format; the mode stays. Narrow text is UTF-8. Throws exc::CalendarException.
   date& operator=(const char* text);

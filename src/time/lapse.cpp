@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <exception>
 #include <limits>
+#include <utility>
 
 #include "app/current.hpp"
 #include "exc/detail.hpp"
@@ -17,11 +18,27 @@
 
 namespace ruvo {
 
+long detail::packed_number(long long number) {
+  if (!std::in_range<long>(number)) throw not_in_calendar(L"número", number);
+  return static_cast<long>(number);
+}
+
+long detail::packed_number(unsigned long long number) {
+  return packed_number(
+      static_cast<long long>(std::min<unsigned long long>(number, std::numeric_limits<long long>::max())));
+}
+
 namespace {
 
-/// A place for a failure that keeps the object thrown too, so that it can be thrown again as its own class.
+/// A place for a failure that keeps the object thrown too, so that it can be thrown again as its own class:
+/// if it is still what the place says, and no override of an operation has put another failure there.
 struct caught : exception {
   std::exception_ptr thrown;
+  exception as_thrown;
+
+  bool is_as_thrown() const {
+    return thrown && *this == as_thrown && get_mensaje() == as_thrown.get_mensaje();
+  }
 };
 
 /// Runs the body and tells its failure; true on failure.
@@ -32,7 +49,10 @@ bool told(exception* err, Body body) {
     return false;
   } catch (const exception& error) {
     error.copy_on(err);
-    if (auto* const place = dynamic_cast<caught*>(err)) place->thrown = std::current_exception();
+    if (auto* const place = dynamic_cast<caught*>(err)) {
+      place->thrown = std::current_exception();
+      place->as_thrown = error;
+    }
   } catch (...) {
     detail::about(exc::CalendarException(), detail::in_flight).copy_on(err);
   }
@@ -46,7 +66,7 @@ bool told(exception* err, Body body) {
 }
 
 [[noreturn]] void raise(const caught& told) {
-  if (told.thrown) std::rethrow_exception(told.thrown);
+  if (told.is_as_thrown()) std::rethrow_exception(told.thrown);
   raise(static_cast<const exception&>(told));
 }
 

@@ -496,13 +496,13 @@ var::operator memo() const {
 
 var::operator date() const {
   return to_lapse<date>(
-      *this, kind::date, [](long long n) { return date(static_cast<long>(n), times::GMT); },
+      *this, kind::date, [](long long n) { return date(n, times::GMT); },
       [](const datetime& d) { return date(d); });
 }
 
 var::operator time() const {
   return to_lapse<time>(
-      *this, kind::time, [](long long n) { return time(static_cast<long>(n), times::GMT); },
+      *this, kind::time, [](long long n) { return time(n, times::GMT); },
       [](const datetime& d) { return time(d); });
 }
 

@@ -93,6 +93,9 @@ TEST(calendar, the_ends_of_the_numbers) {
 
 TEST(calendar, numbers) {
   EXPECT_EQ(date(20240229).to_string(), L"29-02-2024");
+  if (sizeof(long) == 4) {
+    EXPECT_THROW(date(20240229000000LL), ruvo::exc::CalendarException);
+  }
   EXPECT_EQ(static_cast<long>(date(2024, 1, 32)), 20240201);
   EXPECT_EQ(static_cast<long>(ruvo::time(123456)), 123456);
   EXPECT_EQ(ruvo::time(123456).in_seconds(), 45296);

@@ -75,6 +75,23 @@ TEST(services, their_failures_come_through) {
   EXPECT_THROW(value.to_string(), ruvo::exc::CalendarException);
 }
 
+TEST(services, a_failure_that_an_override_tells_is_the_one_that_is_thrown) {
+  struct working_days : ruvo::date {
+    using date::date;
+    bool add(int n, times::UNITS unit, ruvo::exception* err) override {
+      if (!date::add(n, unit, err)) return false;
+      if (err) *err = ruvo::exc::BadArgument(L"calendario laboral");
+      return true;
+    }
+  };
+  failing_context fake;
+  fake.manner = failing_context::works;
+  const ruvo::thread_scope scope(fake);
+  working_days day(20240229);
+  fake.manner = failing_context::throws_own;
+  EXPECT_THROW(static_cast<ruvo::date&>(day) += 1, ruvo::exc::BadArgument);
+}
+
 TEST(services, what_they_throw_is_a_failure_of_the_library) {
   failing_context fake;
   fake.manner = failing_context::works;
