@@ -182,7 +182,7 @@ class KESTA_API bundle {
   [[nodiscard]] bool empty() const noexcept { return size() == 0; }
   /// The number of entries; those of nested bundles do not count.
   size_type size() const noexcept;
-  /// Makes room for `count` entries in one block.
+  /// Makes room for `count` entries in one block. Throws std::length_error beyond 2^32 - 1 entries.
   void reserve(size_type count);
 
   /// The entries in the order of the folded keys. For the order of insertion see operator[] with a number.
@@ -268,6 +268,8 @@ class KESTA_API bundle {
 
   /// As get_X, and the fallback also when the converted value is 0.
   /// @quirk A 0 that is there, also 0.0, counts as missing.
+  /// @quirk The fallback stands before the separator, so that `get_nc_long(path, '/')` gives 47 for what is
+  /// missing and looks along '.': a character is a number.
   long get_nc_long(const std::wstring& path, long fallback = 0, char separator = '.') const;
   long get_nc_long(const std::string& path, long fallback = 0, char separator = '.') const;
   unsigned long get_nc_ulong(const std::wstring& path, unsigned long fallback = 0,
@@ -329,8 +331,8 @@ class KESTA_API bundle {
   void get_nc_double(const P& path, C separator, N fallback) const = delete;
   template <class P, detail::is_character C, detail::is_plain_number N>
   void get_nc_float(const P& path, C separator, N fallback) const = delete;
-  template <class P, detail::is_character C, detail::is_plain_number N>
-  void get_boolean(const P& path, C separator, N fallback) const = delete;
+  template <class P, detail::is_character C, detail::is_plain_number... N>
+  void get_boolean(const P& path, C separator, N... fallback) const = delete;
 
   /// The object that the entry at the path holds; it lives as long as the entry holds it. Without one:
   /// `fallback`, or a shared empty object that lives as long as the library.

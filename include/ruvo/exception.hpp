@@ -98,7 +98,7 @@ class KESTA_API exception : public std::exception {
   /// Throws a copy of this failure as the class that it was made as, which copies in a plain ruvo::exception
   /// remember. One that was made of no more than a code and a message is thrown as the class that its code
   /// stands for; where that is more than one, as what these have in common. A class of a program's own counts
-  /// as the class of ruvo::exc that it derives from, and as ruvo::exception without one.
+  /// as the class of ruvo::exc that it derives from, and without one as what its code stands for.
   /// A success is thrown too. Where memory is short the failure is thrown as ruvo::exception.
   [[noreturn]] void raise() const;
 

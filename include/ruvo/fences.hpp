@@ -48,18 +48,19 @@ concept is_value_with_number = std::derived_from<C, var> || std::derived_from<C,
 template <class C>
 concept is_packed_calendar = std::derived_from<C, date> || std::derived_from<C, time>;
 
-/// What somebody adds to a date or a time of day as if it were days or seconds. An integer of 64 bits beside
-/// a time may hold the day: `day * 1000000LL + hour` is yyyymmddhhmmss.
-template <class N, class C>
-concept is_step_of_calendar = (std::is_arithmetic_v<N> || std::is_enum_v<N>)&&!(std::derived_from<C, time> &&
-                                                                                std::integral<N> &&
-                                                                                sizeof(N) == 8);
+/// What somebody moves a date or a time of day by as if it were days or seconds.
+template <class N>
+concept is_step_of_calendar = std::is_arithmetic_v<N> || std::is_enum_v<N>;
 
 template <class A, class B>
 concept is_packed_calendar_arithmetic = (is_packed_calendar<A> &&
-                                         (std::derived_from<B, lapse> || is_step_of_calendar<B, A>)) ||
+                                         (std::derived_from<B, lapse> || is_step_of_calendar<B>)) ||
                                         (is_packed_calendar<B> &&
-                                         (std::derived_from<A, lapse> || is_step_of_calendar<A, B>));
+                                         (std::derived_from<A, lapse> || is_step_of_calendar<A>));
+
+/// An integer of 64 bits before a time of day may hold the day: `day * 1000000LL + hour` is yyyymmddhhmmss.
+template <class A, class B>
+concept is_day_before_time = std::integral<A> && sizeof(A) == 8 && std::derived_from<B, time>;
 
 }  // namespace detail
 
@@ -79,8 +80,8 @@ void operator-=(P& text, const C& value) = delete;
 /// Refused: the numbers of dates and times of day hold fields, so that 1 March - 29 February is 72. Moves
 /// are made by `+=`, `-=` and add(), differences by dates::diff_days, times::diff_minutes and their like.
 template <class A, class B>
-requires detail::is_packed_calendar_arithmetic<A, B>
-void operator+(const A& a, const B& b) = delete;
+requires(detail::is_packed_calendar_arithmetic<A, B> && !detail::is_day_before_time<A, B>) void operator+(
+    const A& a, const B& b) = delete;
 template <class A, class B>
 requires detail::is_packed_calendar_arithmetic<A, B>
 void operator-(const A& a, const B& b) = delete;

@@ -17,7 +17,7 @@ concept wider_than_ulong = std::integral<Count> && sizeof(Count) > sizeof(unsign
 template <wider_than_ulong Count>
 unsigned long checked_ulong(Count count) {
   const auto wide = static_cast<unsigned long long>(count);
-  if (wide > std::numeric_limits<unsigned long>::max()) throw std::length_error("count beyond 32 bits");
+  if (wide > (std::numeric_limits<unsigned long>::max)()) throw std::length_error("count beyond 32 bits");
   return static_cast<unsigned long>(wide);
 }
 

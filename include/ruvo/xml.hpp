@@ -29,7 +29,8 @@ namespace ruvo::serializer {
 /// hundreds of levels exhaust it. The library's own take any number.
 ///
 /// The text is a declaration and one element for each member. @quirk No element encloses them.
-/// @quirk Keys become names as they stand: one with a blank makes text that is not XML.
+/// @quirk Keys become names as they stand, those of qualities too: one with a blank makes text that is not
+/// XML.
 class KESTA_API xml_writer : public iwriter {
  public:
   xml_writer();

@@ -59,7 +59,7 @@ template <ruvo::detail::wider_than_ulong Count>
 void set_binary_data(std::string& out, const std::vector<unsigned char>& bytes, Count count) {
   const auto wide = static_cast<unsigned long long>(count);
   const bool all = wide >= bytes.size();  // negative numbers too
-  if (!all && wide > std::numeric_limits<long>::max()) throw std::length_error("count beyond 31 bits");
+  if (!all && wide > (std::numeric_limits<long>::max)()) throw std::length_error("count beyond 31 bits");
   set_binary_data(out, bytes, all ? -1L : static_cast<long>(wide));
 }
 /// Replaces `bytes` by those that `text` holds, as base64_decode reads it.
