@@ -72,7 +72,7 @@ unsigned long long listed_file::size() const {
 
 bool list_folder(const file& folder, exception& err, fileFilter* filter, fileCallback* callback,
                  std::vector<file>* out) {
-  const file place(folder);  // the folder may be one of `out`, which grows
+  const file place(static_cast<const std::wstring&>(folder));  // `folder` may be one of `out`, which grows
   const bool done = read_entries(place, filter, callback, out);
   if (!done) {
     const exception failure = refusal(place);

@@ -177,7 +177,7 @@ void email::q_serialize_recipients(std::string& to) const {
 
 bool email::put_list(const std::wstring& text, RCTP role) {
   bool all = true;
-  const std::wstring own(text);  // it may be a recipient's, which is replaced
+  const std::wstring own(text.begin(), text.end());  // the text may be a recipient's, which is replaced
   split_list(own, [&](std::wstring_view entry) {
     address recipient;
     if (entry.empty()) return;
