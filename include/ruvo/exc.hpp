@@ -203,6 +203,7 @@ KESTA_EXC_CLASS(actionNotFound, kesta::exception, explicit actionNotFound(std::w
 /// was looked for ("invalid map<K, T> key", "invalid vector subscript"), the detail which.
 class KESTA_API MissingElement : public std::out_of_range {
  public:
+  /// With this what(), which is copied, and without a detail.
   explicit MissingElement(const char* what);
   MissingElement(const MissingElement& other) noexcept;
   MissingElement& operator=(const MissingElement& other) noexcept;
