@@ -116,14 +116,18 @@ void list::sort_by(bool (*before)(void* given, const xvar& a, const xvar& b), vo
   std::vector<std::size_t> sources(count), merged(count);  // at each place the index of the element for it
   std::iota(sources.begin(), sources.end(), std::size_t{0});
   const auto comes_before = [&](std::size_t a, std::size_t b) { return before(given, soul_[a], soul_[b]); };
-  // Merges runs of 1, 2, 4... elements: whatever the order says, nothing beyond them is looked at.
+  // Merges runs of 1, 2, 4... elements: whatever the order says, nothing beyond them is looked at. Not by
+  // std::merge, which may take for granted that the runs are in order.
   for (std::size_t run = 1; run < count; run *= 2) {
-    const auto at = [&](std::size_t index) {
-      return sources.begin() + static_cast<std::ptrdiff_t>(std::min(index, count));
-    };
-    auto out = merged.begin();
-    for (std::size_t begin = 0; begin < count; begin += 2 * run)
-      out = std::merge(at(begin), at(begin + run), at(begin + run), at(begin + 2 * run), out, comes_before);
+    for (std::size_t begin = 0; begin < count; begin += 2 * run) {
+      const std::size_t middle = std::min(begin + run, count), end = std::min(begin + 2 * run, count);
+      std::size_t left = begin, right = middle;
+      for (std::size_t to = begin; to < end; ++to) {
+        const bool takes_right =
+            left == middle || (right < end && comes_before(sources[right], sources[left]));
+        merged[to] = sources[takes_right ? right++ : left++];
+      }
+    }
     sources.swap(merged);
   }
   for (std::size_t begin = 0; begin < count; ++begin) {
