@@ -10,16 +10,16 @@
 #include <memory>
 #include <string_view>
 
+#include "base/base64.hpp"
+#include "base/find.hpp"
+#include "base/hex.hpp"
+#include "base/key_units.hpp"
+#include "base/utf.hpp"
 #include "fuzz.hpp"
+#include "memory/text_sink.hpp"
 #include "plain_utf.hpp"
 #include "serializer/scan.hpp"
-#include "serializer/sink.hpp"
-#include "texto/base64.hpp"
 #include "texto/case_units.hpp"
-#include "texto/find.hpp"
-#include "texto/hex.hpp"
-#include "texto/utf.hpp"
-#include "values/key_units.hpp"
 
 using namespace ruvo;
 
@@ -201,7 +201,7 @@ void cases(std::u16string_view text) {
 
 void copies(std::u16string_view text, std::size_t place) {
   const block<char16_t> copy(text.size());
-  serializer::text_sink::copy(copy.data(), text.data(), text.size());
+  detail::text_sink::copy(copy.data(), text.data(), text.size());
   FUZZ_CHECK(copy.view() == text);
   FUZZ_CHECK(detail::same_units(copy.view(), text));
   FUZZ_CHECK(detail::hash_units(copy.view()) == detail::hash_units(text));

@@ -5,14 +5,14 @@
 #include <atomic>
 #include <utility>
 
-#include "app/current.hpp"
-#include "app/immortal.hpp"
 #include "app/lost_entries.hpp"
 #include "app/platform.hpp"
-#include "app/quietly.hpp"
 #include "app/registry.hpp"
+#include "base/immortal.hpp"
+#include "base/numbers.hpp"
+#include "base/quietly.hpp"
+#include "base/services.hpp"
 #include "exc/detail.hpp"
-#include "texto/numbers.hpp"
 
 namespace ruvo {
 

@@ -5,11 +5,11 @@
 
 #include "app/pattern.hpp"
 #include "app/platform.hpp"
+#include "base/civil.hpp"
+#include "base/numbers.hpp"
+#include "base/utf.hpp"
 #include "exc/detail.hpp"
 #include "files/listing.hpp"
-#include "texto/numbers.hpp"
-#include "texto/utf.hpp"
-#include "time/civil.hpp"
 #include "time/zone.hpp"
 
 namespace ruvo {

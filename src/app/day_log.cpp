@@ -1,6 +1,6 @@
 #include "app/day_log.hpp"
 
-#include "texto/utf.hpp"
+#include "base/utf.hpp"
 
 namespace ruvo::reg {
 

@@ -3,8 +3,8 @@
 #include <ruvo/files.hpp>
 
 #include "app/pattern.hpp"
+#include "base/civil.hpp"
 #include "files/listing.hpp"
-#include "time/civil.hpp"
 
 namespace ruvo {
 

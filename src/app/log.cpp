@@ -5,7 +5,7 @@
 #include <exception>
 
 #include "app/lost_entries.hpp"
-#include "app/quietly.hpp"
+#include "base/quietly.hpp"
 
 namespace ruvo {
 

@@ -1,14 +1,15 @@
 #include "app/log_line.hpp"
 
+#include <ruvo/context.hpp>
 #include <ruvo/logger.hpp>
 
 #include <algorithm>
 #include <ctime>
 
-#include "app/current.hpp"
 #include "app/pattern.hpp"
-#include "texto/numbers.hpp"
-#include "time/civil.hpp"
+#include "base/civil.hpp"
+#include "base/numbers.hpp"
+#include "base/services.hpp"
 
 namespace ruvo::reg {
 

@@ -1,3 +1,4 @@
+#include <ruvo/context.hpp>
 #include <ruvo/log_targets.hpp>
 
 #include <algorithm>
@@ -8,10 +9,10 @@
 #include <string_view>
 #include <thread>
 
-#include "app/current.hpp"
 #include "app/day_log.hpp"
 #include "app/lost_entries.hpp"
-#include "app/quietly.hpp"
+#include "base/quietly.hpp"
+#include "base/services.hpp"
 
 namespace ruvo::reg {
 

@@ -1,3 +1,4 @@
+#include <ruvo/context.hpp>
 #include <ruvo/exception.hpp>
 #include <ruvo/logger.hpp>
 
@@ -7,14 +8,14 @@
 #include <utility>
 #include <vector>
 
-#include "app/current.hpp"
 #include "app/day_log.hpp"
 #include "app/lost_entries.hpp"
 #include "app/pattern.hpp"
-#include "app/quietly.hpp"
+#include "base/numbers.hpp"
+#include "base/quietly.hpp"
+#include "base/services.hpp"
+#include "base/utf.hpp"
 #include "exc/detail.hpp"
-#include "texto/numbers.hpp"
-#include "texto/utf.hpp"
 
 namespace ruvo {
 

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "app/platform.hpp"
-#include "app/quietly.hpp"
-#include "texto/numbers.hpp"
+#include "base/numbers.hpp"
+#include "base/quietly.hpp"
 
 namespace ruvo::reg {
 

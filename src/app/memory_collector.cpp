@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "texto/numbers.hpp"
+#include "base/numbers.hpp"
 
 namespace ruvo {
 

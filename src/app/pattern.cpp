@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "texto/ascii.hpp"
+#include "base/ascii.hpp"
 
 namespace ruvo {
 

@@ -9,8 +9,8 @@
 #include <mutex>
 #include <new>
 
-#include "app/immortal.hpp"
 #include "app/platform.hpp"
+#include "base/immortal.hpp"
 
 namespace ruvo::registry {
 

@@ -8,8 +8,8 @@
 
 #include "app/platform.hpp"
 #include "app/win32.hpp"
+#include "base/utf.hpp"
 #include "files/win32_path.hpp"
-#include "texto/utf.hpp"
 
 namespace ruvo::platform {
 

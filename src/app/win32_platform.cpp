@@ -7,7 +7,7 @@
 
 #include "app/platform.hpp"
 #include "app/win32.hpp"
-#include "time/civil.hpp"
+#include "base/civil.hpp"
 
 namespace ruvo::platform {
 

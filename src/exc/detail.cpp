@@ -4,8 +4,8 @@
 #include <new>
 #include <stdexcept>
 
-#include "texto/numbers.hpp"
-#include "texto/utf.hpp"
+#include "base/numbers.hpp"
+#include "base/utf.hpp"
 
 namespace ruvo {
 

@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "app/platform.hpp"
-#include "texto/numbers.hpp"
-#include "texto/utf.hpp"
+#include "base/numbers.hpp"
+#include "base/utf.hpp"
 
 namespace ruvo {
 

@@ -5,9 +5,9 @@
 #include <exception>
 #include <string_view>
 
+#include "base/utf.hpp"
 #include "exc/classes.hpp"
 #include "exc/detail.hpp"
-#include "texto/utf.hpp"
 
 namespace ruvo {
 

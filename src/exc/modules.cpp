@@ -6,9 +6,9 @@
 #include <string>
 #include <string_view>
 
+#include "base/numbers.hpp"
 #include "exc/classes.hpp"
 #include "exc/detail.hpp"
-#include "texto/numbers.hpp"
 
 namespace ruvo::exc {
 

@@ -4,9 +4,9 @@
 #include <string_view>
 #include <utility>
 
+#include "base/ascii.hpp"
+#include "base/utf.hpp"
 #include "files/platform.hpp"
-#include "texto/ascii.hpp"
-#include "texto/utf.hpp"
 
 namespace ruvo {
 

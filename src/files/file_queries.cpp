@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/ascii.hpp"
 #include "files/platform.hpp"
-#include "texto/ascii.hpp"
 
 namespace ruvo {
 

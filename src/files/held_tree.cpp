@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "base/ascii.hpp"
 #include "files/listing.hpp"
-#include "texto/ascii.hpp"
 
 namespace ruvo::files {
 

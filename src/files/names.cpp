@@ -7,8 +7,8 @@
 
 #include <utility>
 
+#include "base/numbers.hpp"
 #include "files/platform.hpp"
-#include "texto/numbers.hpp"
 
 namespace ruvo::files {
 

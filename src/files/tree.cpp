@@ -10,7 +10,7 @@
 #include <string_view>
 #include <utility>
 
-#include "app/current.hpp"
+#include "base/services.hpp"
 #include "files/held_tree.hpp"
 #include "files/listing.hpp"
 #include "files/stand_in.hpp"
@@ -442,7 +442,7 @@ bool directory_list(const file& folder, exception& err, fileFilter* filter, file
                     std::vector<file>* out) {
   const auto* const relay = dynamic_cast<const RelayCallBack*>(callback);
   const std::size_t failures_before = relay ? relay->count_failures() : 0;
-  if (!current_context().directory_list(folder, err, filter, callback, out)) return false;
+  if (!services::list_folder(folder, err, filter, callback, out)) return false;
   if (!relay || relay->count_failures() == failures_before) return true;
   relay->get_failure().copy_on(err);  // of a folder below, or of what was done with an entry
   return false;

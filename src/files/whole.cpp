@@ -15,13 +15,13 @@
 #include <utility>
 #include <vector>
 
-#include "app/immortal.hpp"
 #include "app/platform.hpp"
+#include "base/immortal.hpp"
+#include "base/numbers.hpp"
+#include "base/utf.hpp"
 #include "files/names.hpp"
 #include "files/platform.hpp"
 #include "files/stand_in.hpp"
-#include "texto/numbers.hpp"
-#include "texto/utf.hpp"
 
 namespace ruvo::files {
 

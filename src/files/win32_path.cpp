@@ -4,7 +4,7 @@
 #include <cstddef>
 
 #include "app/win32.hpp"
-#include "texto/ascii.hpp"
+#include "base/ascii.hpp"
 
 namespace ruvo::platform {
 

@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "app/current.hpp"
+#include "base/services.hpp"
 
 namespace ruvo::jobs {
 
@@ -24,7 +24,7 @@ std::wstring next_number() {
 }  // namespace
 
 std::wstring new_identifier() {
-  std::wstring made = current_context().uuid_gen(L"%08X-%04X-%04X", L"%02X");
+  std::wstring made = services::new_uuid();
   return made.empty() ? next_number() : made;
 }
 

@@ -4,8 +4,8 @@
 #include <system_error>
 #include <utility>
 
+#include "base/numbers.hpp"
 #include "jobs/pool_state.hpp"
-#include "texto/numbers.hpp"
 
 namespace ruvo::jobs {
 

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <utility>
 
+#include "base/ascii.hpp"
 #include "net/mail_patterns.hpp"
-#include "texto/ascii.hpp"
 #include "values/object.hpp"
 
 namespace ruvo::smtp {

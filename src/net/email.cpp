@@ -1,4 +1,3 @@
-#include <ruvo/application.hpp>
 #include <ruvo/exception.hpp>
 #include <ruvo/list.hpp>
 #include <ruvo/smtp/email.hpp>
@@ -11,6 +10,7 @@
 #include <typeinfo>
 #include <utility>
 
+#include "base/services.hpp"
 #include "exc/detail.hpp"
 #include "values/object.hpp"
 
@@ -98,11 +98,7 @@ const std::string email::date_pattern = "%a, %d %b %Y %H:%M:%S %z";
 
 email::email(const address& from, const std::wstring& subject, const std::wstring& body,
              const std::wstring& signature)
-    : uuid_(application::create_uuid(L"%08X-%04X-%04X", L"%02X")),
-      from_(from),
-      subject_(subject),
-      body_(body),
-      signature_(signature) {}
+    : uuid_(services::new_uuid()), from_(from), subject_(subject), body_(body), signature_(signature) {}
 email::email(const std::wstring& from, const std::wstring& subject, const std::wstring& body,
              const std::wstring& signature)
     : email(by_mail(from), subject, body, signature) {}

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <utility>
 
-#include "texto/ascii.hpp"
+#include "base/ascii.hpp"
 
 namespace ruvo::smtp {
 

@@ -10,8 +10,8 @@
 #include <string_view>
 #include <utility>
 
+#include "base/ascii.hpp"
 #include "net/mail_patterns.hpp"
-#include "texto/ascii.hpp"
 
 namespace ruvo::smtp {
 

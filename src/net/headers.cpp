@@ -7,9 +7,9 @@
 #include <stdexcept>
 #include <utility>
 
+#include "base/ascii.hpp"
+#include "base/utf.hpp"
 #include "exc/detail.hpp"
-#include "texto/ascii.hpp"
-#include "texto/utf.hpp"
 
 namespace ruvo::http {
 

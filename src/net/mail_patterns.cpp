@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "texto/unicode.hpp"
+#include "base/unicode.hpp"
 
 namespace ruvo::smtp::detail {
 

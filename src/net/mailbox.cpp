@@ -7,8 +7,8 @@
 #include <string_view>
 #include <utility>
 
+#include "base/numbers.hpp"
 #include "net/mail_patterns.hpp"
-#include "texto/numbers.hpp"
 #include "values/object.hpp"
 
 namespace ruvo::smtp {

@@ -4,7 +4,7 @@
 #include <ostream>
 #include <utility>
 
-#include "texto/utf.hpp"
+#include "base/utf.hpp"
 #include "values/object.hpp"
 
 namespace ruvo::http {

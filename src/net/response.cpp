@@ -7,7 +7,7 @@
 #include <streambuf>
 #include <utility>
 
-#include "texto/utf.hpp"
+#include "base/utf.hpp"
 #include "values/object.hpp"
 
 namespace ruvo::http {

@@ -10,8 +10,8 @@
 #include <string_view>
 #include <utility>
 
-#include "texto/ascii.hpp"
-#include "texto/utf.hpp"
+#include "base/ascii.hpp"
+#include "base/utf.hpp"
 
 // Results are truncated, so a different rounding on the way shows: arithmetic stays in 32 bits.
 static_assert(FLT_EVAL_METHOD == 0);

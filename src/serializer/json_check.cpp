@@ -4,8 +4,8 @@
 #include <tuple>
 #include <utility>
 
+#include "base/ascii.hpp"
 #include "serializer/places.hpp"
-#include "texto/ascii.hpp"
 
 namespace ruvo::serializer {
 

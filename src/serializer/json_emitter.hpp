@@ -9,11 +9,13 @@
 #include <string>
 #include <vector>
 
-#include "serializer/sink.hpp"
+#include "memory/text_sink.hpp"
 #include "values/bundle_store.hpp"
 #include "values/cell.hpp"
 
 namespace ruvo::serializer {
+
+using detail::text_sink;
 
 /// The text of one scalar value, see json_writer::raw_value.
 void put_json_scalar(text_sink& out, const xvar& value, bool escaped, bool null_as_empty);

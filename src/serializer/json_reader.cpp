@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
+#include "base/ascii.hpp"
+#include "base/numbers.hpp"
 #include "serializer/scan.hpp"
-#include "texto/ascii.hpp"
-#include "texto/numbers.hpp"
 #include "values/bundle_store.hpp"
 #include "values/cell.hpp"
 

@@ -10,9 +10,9 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "base/ascii.hpp"
+#include "base/numbers.hpp"
 #include "serializer/scan.hpp"
-#include "texto/ascii.hpp"
-#include "texto/numbers.hpp"
 #include "values/bundle_store.hpp"
 #include "values/cell.hpp"
 

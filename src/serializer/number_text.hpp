@@ -4,11 +4,13 @@
 
 #include <ruvo/var.hpp>
 
-#include "serializer/sink.hpp"
-#include "texto/numbers.hpp"
+#include "base/numbers.hpp"
+#include "memory/text_sink.hpp"
 #include "values/cell.hpp"
 
 namespace ruvo::serializer {
+
+using detail::text_sink;
 
 /// What var::to_string gives for a number, without the string.
 inline void put_number(text_sink& out, const var& value) {

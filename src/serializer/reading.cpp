@@ -8,9 +8,9 @@
 #include <new>
 #include <string>
 
+#include "base/ascii.hpp"
 #include "serializer/deserialize.hpp"
 #include "serializer/places.hpp"
-#include "texto/ascii.hpp"
 
 namespace ruvo::serializer {
 

@@ -5,7 +5,7 @@
 #include <bit>
 #include <cstdint>
 
-#include "texto/cpu.hpp"
+#include "base/simd.hpp"
 
 namespace ruvo::serializer {
 

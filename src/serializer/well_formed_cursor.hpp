@@ -11,9 +11,9 @@
 #include <string>
 #include <string_view>
 
+#include "base/ascii.hpp"
 #include "serializer/places.hpp"
 #include "serializer/scan.hpp"
-#include "texto/ascii.hpp"
 
 namespace ruvo::serializer {
 

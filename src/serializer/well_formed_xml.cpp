@@ -6,11 +6,11 @@
 #include <string>
 #include <string_view>
 
+#include "base/ascii.hpp"
 #include "serializer/scan.hpp"
 #include "serializer/well_formed_cursor.hpp"
 #include "serializer/well_formed_dtd.hpp"
 #include "serializer/xml_tree.hpp"
-#include "texto/ascii.hpp"
 
 namespace ruvo::serializer {
 

@@ -10,10 +10,12 @@
 #include <string_view>
 #include <vector>
 
-#include "serializer/sink.hpp"
+#include "memory/text_sink.hpp"
 #include "values/bundle_store.hpp"
 
 namespace ruvo::serializer {
+
+using detail::text_sink;
 
 /// The text of one value that is no container, see xml_writer::raw_value.
 void put_xml_scalar(text_sink& out, const var& value);

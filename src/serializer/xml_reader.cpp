@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/numbers.hpp"
 #include "serializer/scan.hpp"
-#include "texto/numbers.hpp"
 #include "values/bundle_store.hpp"
 #include "values/cell.hpp"
 

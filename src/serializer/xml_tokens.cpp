@@ -8,8 +8,8 @@
 #include <ruvo/list.hpp>
 #include <ruvo/xml.hpp>
 
+#include "base/numbers.hpp"
 #include "serializer/scan.hpp"
-#include "texto/numbers.hpp"
 #include "values/cell.hpp"
 
 namespace ruvo::serializer {

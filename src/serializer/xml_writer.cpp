@@ -8,11 +8,11 @@
 #include <typeinfo>
 #include <utility>
 
+#include "base/numbers.hpp"
 #include "serializer/number_text.hpp"
 #include "serializer/scan.hpp"
 #include "serializer/well_formed_cursor.hpp"
 #include "serializer/xml_emitter.hpp"
-#include "texto/numbers.hpp"
 #include "values/cell.hpp"
 
 namespace ruvo::serializer {

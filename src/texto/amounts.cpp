@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "texto/numbers.hpp"
+#include "base/numbers.hpp"
 
 namespace ruvo::texto {
 

@@ -6,7 +6,7 @@
 
 #include <cstddef>
 
-#include "texto/cpu.hpp"
+#include "base/simd.hpp"
 
 namespace ruvo::texto::letter_case {
 

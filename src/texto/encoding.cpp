@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "app/platform.hpp"
-#include "texto/ascii.hpp"
-#include "texto/base64.hpp"
-#include "texto/hex.hpp"
-#include "texto/utf.hpp"
+#include "base/ascii.hpp"
+#include "base/base64.hpp"
+#include "base/hex.hpp"
+#include "base/utf.hpp"
 
 namespace ruvo::texto {
 

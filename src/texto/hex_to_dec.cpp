@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "texto/ascii.hpp"
+#include "base/ascii.hpp"
 
 namespace ruvo::texto {
 

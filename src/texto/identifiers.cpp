@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "texto/ascii.hpp"
+#include "base/ascii.hpp"
 
 namespace ruvo::texto {
 

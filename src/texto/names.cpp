@@ -5,8 +5,8 @@
 #include <iterator>
 #include <string_view>
 
-#include "texto/numbers.hpp"
-#include "texto/unicode.hpp"
+#include "base/numbers.hpp"
+#include "base/unicode.hpp"
 #include "texto/word_reader.hpp"
 
 namespace ruvo::texto {

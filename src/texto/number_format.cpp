@@ -1,30 +1,20 @@
-#include <ruvo/application.hpp>
 #include <ruvo/texto.hpp>
 
 #include <algorithm>
 #include <cmath>
 #include <string_view>
 
-#include "texto/ascii.hpp"
-#include "texto/numbers.hpp"
+#include "base/ascii.hpp"
+#include "base/numbers.hpp"
+#include "base/services.hpp"
 
 namespace ruvo::texto {
 
 namespace {
 
-struct separators {
-  wchar_t decimal = L',';
-  wchar_t thousands = L'.';
-};
-
-separators of_this_thread() {
-  const application* const app = application::theApp();
-  return app ? separators{app->get_decimal_separator(), app->get_thousands_separator()} : separators{};
-}
-
 /// A number in classic fixed notation with the separators in place.
 std::wstring punctuated(std::wstring_view plain) {
-  const separators marks = of_this_thread();
+  const services::separators marks = services::of_this_thread();
   const auto first = std::find_if(plain.begin(), plain.end(), is_digit);  // none in "nan" and "inf"
   const auto point = std::find(first, plain.end(), L'.');
   auto at = first + (point - first) % 3;

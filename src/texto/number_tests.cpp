@@ -5,8 +5,8 @@
 
 #include <string_view>
 
-#include "texto/ascii.hpp"
-#include "texto/numbers.hpp"
+#include "base/ascii.hpp"
+#include "base/numbers.hpp"
 
 namespace ruvo::texto {
 

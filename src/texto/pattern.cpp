@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "texto/ascii.hpp"
+#include "base/ascii.hpp"
 #include "texto/regex.hpp"
 
 namespace ruvo::texto {

@@ -14,7 +14,7 @@
 #include <string_view>
 #include <vector>
 
-#include "texto/find.hpp"
+#include "base/find.hpp"
 #include "texto/regex_ast.hpp"
 
 namespace ruvo::texto::regex {

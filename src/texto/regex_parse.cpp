@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "texto/ascii.hpp"
+#include "base/ascii.hpp"
 #include "texto/regex_ast.hpp"
 
 namespace ruvo::texto::regex {

@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <new>
 
+#include "base/limits.hpp"
+#include "base/unicode.hpp"
 #include "texto/regex.hpp"
-#include "texto/unicode.hpp"
-#include "values/limits.hpp"
 
 namespace ruvo::texto::regex {
 

@@ -2,9 +2,9 @@
 #include <iterator>
 #include <string>
 
-#include "texto/ascii.hpp"
+#include "base/ascii.hpp"
+#include "base/unicode.hpp"
 #include "texto/regex_ast.hpp"
-#include "texto/unicode.hpp"
 
 namespace ruvo::texto::regex {
 

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <utility>
 
-#include "texto/find.hpp"
-#include "texto/unicode.hpp"
+#include "base/find.hpp"
+#include "base/unicode.hpp"
 
 namespace ruvo::texto {
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "texto/ascii.hpp"
+#include "base/ascii.hpp"
+#include "base/numbers.hpp"
+#include "base/utf.hpp"
 #include "texto/case_units.hpp"
-#include "texto/numbers.hpp"
-#include "texto/utf.hpp"
 
 namespace ruvo::texto {
 

@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <string_view>
 
-#include "texto/ascii.hpp"
-#include "texto/utf.hpp"
+#include "base/ascii.hpp"
+#include "base/utf.hpp"
 
 namespace ruvo::texto {
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "texto/unicode.hpp"
+#include "base/unicode.hpp"
 
 namespace ruvo::texto {
 

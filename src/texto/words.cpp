@@ -3,7 +3,7 @@
 #include <string>
 #include <utility>
 
-#include "texto/ascii.hpp"
+#include "base/ascii.hpp"
 #include "texto/word_reader.hpp"
 
 namespace ruvo::texto {

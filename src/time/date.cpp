@@ -4,8 +4,8 @@
 #include <ostream>
 #include <utility>
 
-#include "texto/utf.hpp"
-#include "time/civil.hpp"
+#include "base/civil.hpp"
+#include "base/utf.hpp"
 
 namespace ruvo {
 

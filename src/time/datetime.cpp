@@ -4,7 +4,7 @@
 #include <ostream>
 #include <utility>
 
-#include "texto/utf.hpp"
+#include "base/utf.hpp"
 #include "time/fields.hpp"
 
 namespace ruvo {

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "time/civil.hpp"
+#include "base/civil.hpp"
 #include "time/fields.hpp"
 
 namespace ruvo {

@@ -9,10 +9,10 @@
 #include <limits>
 #include <utility>
 
-#include "app/current.hpp"
+#include "base/civil.hpp"
+#include "base/services.hpp"
+#include "base/utf.hpp"
 #include "exc/detail.hpp"
-#include "texto/utf.hpp"
-#include "time/civil.hpp"
 #include "time/fields.hpp"
 #include "time/format.hpp"
 
@@ -93,24 +93,18 @@ void demand(Service ask) {
   if (!answer([&] { return ask(&err); })) raise(err);
 }
 
-void break_down(const context& services, long long seconds, bool local, std::tm& out) {
-  demand([&](exception* err) {
-    return local ? services.sistem_local_time(&out, seconds, err)
-                 : services.sistem_gmt_time(&out, seconds, err);
-  });
+void break_down(const context& user, long long seconds, bool local, std::tm& out) {
+  demand([&](exception* err) { return services::break_down(user, seconds, local, out, err); });
 }
 
-long long built(const context& services, std::tm& record, bool local) {
+long long built(const context& user, std::tm& record, bool local) {
   long long out = 0;
-  demand([&](exception* err) {
-    return local ? services.sistem_local_lapse(out, record, err)
-                 : services.sistem_gmt_lapse(out, record, err);
-  });
+  demand([&](exception* err) { return services::build(user, record, local, out, err); });
   return out;
 }
 
 long long present_seconds() {
-  return answer([] { return current_context().get_system_ticks(); }) / 10000000;
+  return answer([] { return services::ticks(current_context()); }) / 10000000;
 }
 
 /// What a record has for a field that it counts from `first`.
@@ -122,8 +116,8 @@ int narrow(long long field, int first = 0) {
   return static_cast<int>(field - first);
 }
 
-const std::string& named(const context& services, const std::string& locale) {
-  return locale.empty() ? services.get_locale() : locale;
+const std::string& named(const context& user, const std::string& locale) {
+  return locale.empty() ? services::locale(user) : locale;
 }
 
 /// A narrow text in UTF-16. Short ones in ASCII, as formats are, take no memory.
@@ -266,9 +260,9 @@ void put(std::tm& record, const movable& at, long long value) {
 }
 
 /// How far behind the local time that it was built from an instant lies: the clock skips that time.
-long long skipped(const context& services, const std::tm& wanted, long long seconds) {
+long long skipped(const context& user, const std::tm& wanted, long long seconds) {
   std::tm found{};
-  break_down(services, seconds, true, found);
+  break_down(user, seconds, true, found);
   return std::max(civil::build(found) - civil::build(wanted), 0LL);
 }
 
@@ -280,11 +274,11 @@ bool lapse::add(int n, times::UNITS unit, exception* err) {
     std::tm fields = record();
     if (!moved) return;
     put(fields, *moved, static_cast<long long>(fields.*moved->field) + n);
-    const context& services = current_context();
+    const context& user = current_context();
     const bool local = huso_ == times::LOCAL;
     const std::tm wanted = fields;  // the service may change them
-    const long long seconds = built(services, fields, local);
-    lapso_ = seconds - (local && n < 0 ? skipped(services, wanted, seconds) : 0);
+    const long long seconds = built(user, fields, local);
+    lapso_ = seconds - (local && n < 0 ? skipped(user, wanted, seconds) : 0);
   });
 }
 
@@ -347,19 +341,19 @@ bool lapse::locale(std::tm& record, exception& err) const {
 }
 
 void lapse::read_over(int year, std::wstring_view text, std::wstring_view format, const std::string& locale) {
-  const context& services = current_context();
+  const context& user = current_context();
   calendar::reading out;
   out.record.tm_year = year - 1900;
   out.record.tm_mday = 1;
-  if (!calendar::read(out, text, format, named(services, locale)))
+  if (!calendar::read(out, text, format, named(user, locale)))
     throw detail::about(exc::CalendarException(), [&] {
       return L"texto " + detail::quoted(text) + L", formato " + detail::quoted(format);
     });
   out.record.tm_isdst = -1;
   if (out.offset)
-    lapso_ = built(services, out.record, false) - *out.offset;
+    lapso_ = built(user, out.record, false) - *out.offset;
   else
-    lapso_ = built(services, out.record, huso_ == times::LOCAL);
+    lapso_ = built(user, out.record, huso_ == times::LOCAL);
 }
 
 void lapse::read(std::wstring_view text, std::wstring_view format, const std::string& locale) {
@@ -389,12 +383,12 @@ void lapse::take(const std::string& text, const std::string& format) {
 }
 
 std::wstring lapse::print_by(std::wstring_view pattern, const std::string& locale) const {
-  const context& services = current_context();
+  const context& user = current_context();
   const bool local = huso_ == times::LOCAL;
   std::tm fields{};
-  break_down(services, lapso_, local, fields);
+  break_down(user, lapso_, local, fields);
   std::wstring out;
-  calendar::print(out, pattern, fields, lapso_, local, named(services, locale));
+  calendar::print(out, pattern, fields, lapso_, local, named(user, locale));
   return out;
 }
 

@@ -1,8 +1,8 @@
 #include <cstdlib>
 
 #include "app/platform.hpp"
-#include "texto/numbers.hpp"
-#include "time/civil.hpp"
+#include "base/civil.hpp"
+#include "base/numbers.hpp"
 #include "time/format.hpp"
 #include "time/sink.hpp"
 

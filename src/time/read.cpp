@@ -1,7 +1,7 @@
 #include "app/platform.hpp"
-#include "texto/ascii.hpp"
-#include "texto/numbers.hpp"
-#include "time/civil.hpp"
+#include "base/ascii.hpp"
+#include "base/civil.hpp"
+#include "base/numbers.hpp"
 #include "time/format.hpp"
 
 namespace ruvo::calendar {

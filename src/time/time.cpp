@@ -5,7 +5,7 @@
 #include <ostream>
 #include <utility>
 
-#include "texto/utf.hpp"
+#include "base/utf.hpp"
 
 namespace ruvo {
 

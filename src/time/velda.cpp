@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "time/civil.hpp"
+#include "base/civil.hpp"
 
 namespace ruvo::velda {
 

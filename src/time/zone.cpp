@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "app/platform.hpp"
-#include "time/civil.hpp"
+#include "base/civil.hpp"
 
 namespace ruvo::zone {
 

@@ -8,9 +8,9 @@
 #include <sstream>
 #include <string_view>
 
-#include "texto/ascii.hpp"
-#include "texto/base64.hpp"
-#include "texto/utf.hpp"
+#include "base/ascii.hpp"
+#include "base/base64.hpp"
+#include "base/utf.hpp"
 
 namespace ruvo {
 

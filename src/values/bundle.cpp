@@ -10,8 +10,8 @@
 #include <stdexcept>
 #include <typeinfo>
 
+#include "base/utf.hpp"
 #include "exc/detail.hpp"
-#include "texto/utf.hpp"
 #include "values/bundle_store.hpp"
 #include "values/cell.hpp"
 #include "values/folded_key.hpp"

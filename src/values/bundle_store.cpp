@@ -8,10 +8,8 @@
 #include <stdexcept>
 #include <string_view>
 
-#if defined(__SSE2__) || defined(_M_X64)
-#  include <emmintrin.h>
-#  define KESTA_SSE2 1
-#endif
+#include "base/simd.hpp"
+#include "memory/block_cache.hpp"
 
 namespace ruvo::detail {
 
@@ -195,10 +193,10 @@ void bundle_store::give_place(void* place) noexcept {
 bundle::entry* bundle_store::find_in_arrays(const key_view& key) const noexcept {
   const std::uint32_t* const all = hashes();
   std::size_t n = 0;
-#ifdef KESTA_SSE2
+#ifdef KESTA_X64
   const __m128i wanted = _mm_set1_epi32(static_cast<int>(key.hash));
   for (; n + 4 <= size_; n += 4) {
-    const __m128i four = _mm_loadu_si128(reinterpret_cast<const __m128i*>(all + n));
+    const __m128i four = texto::load_16(all + n);
     for (int hits = _mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32(four, wanted))); hits != 0;
          hits &= hits - 1) {
       entry* const item = order_[n + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(hits)))];
@@ -258,10 +256,8 @@ bundle::entry* bundle_store::add(const key_view& key, const shared_key* shared) 
   if (size_ == capacity_) grow(usual_growth());
   if (shared) {
     retain(shared);
-  } else if (thread_cache* const cache = thread_cache::local()) {
-    shared = cache->key(key.text, key.hash);
   } else {
-    shared = new shared_key(key.text, key.hash);
+    shared = key_with(key.text, key.hash);
   }
   void* const place = take_place();
   auto* const item = new (place) entry(*shared);

@@ -13,8 +13,8 @@
 #include <utility>
 #include <vector>
 
+#include "base/limits.hpp"
 #include "values/folded_key.hpp"
-#include "values/limits.hpp"
 
 namespace ruvo::detail {
 

@@ -12,7 +12,7 @@
 #include <string_view>
 #include <utility>
 
-#include "values/thread_cache.hpp"
+#include "memory/block_cache.hpp"
 
 namespace ruvo::detail {
 

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "texto/utf.hpp"
+#include "base/utf.hpp"
 #include "values/bundle_store.hpp"
 #include "values/cell.hpp"
 #include "values/folded_key.hpp"

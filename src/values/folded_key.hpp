@@ -9,9 +9,9 @@
 #include <memory>
 #include <string_view>
 
-#include "texto/ascii.hpp"
-#include "values/key_units.hpp"
-#include "values/thread_cache.hpp"
+#include "base/ascii.hpp"
+#include "base/key_units.hpp"
+#include "memory/shared_key.hpp"
 
 namespace ruvo::detail {
 

@@ -11,8 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "base/numbers.hpp"
 #include "exc/detail.hpp"
-#include "texto/numbers.hpp"
 #include "values/cell.hpp"
 
 namespace ruvo {

@@ -4,7 +4,7 @@
 #include <ostream>
 #include <string_view>
 
-#include "texto/utf.hpp"
+#include "base/utf.hpp"
 
 namespace ruvo {
 

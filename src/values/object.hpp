@@ -8,8 +8,8 @@
 #include <string>
 #include <typeinfo>
 
+#include "memory/block_cache.hpp"
 #include "values/cell.hpp"
-#include "values/thread_cache.hpp"
 
 namespace ruvo::detail {
 

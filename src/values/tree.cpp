@@ -7,6 +7,7 @@
 #include <functional>
 #include <vector>
 
+#include "base/simd.hpp"
 #include "values/bundle_store.hpp"
 #include "values/cell.hpp"
 #include "values/object.hpp"

@@ -16,9 +16,9 @@
 #include <type_traits>
 #include <typeinfo>
 
-#include "texto/ascii.hpp"
-#include "texto/numbers.hpp"
-#include "texto/utf.hpp"
+#include "base/ascii.hpp"
+#include "base/numbers.hpp"
+#include "base/utf.hpp"
 #include "values/cell.hpp"
 #include "values/object.hpp"
 

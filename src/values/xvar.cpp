@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/ascii.hpp"
+#include "base/utf.hpp"
 #include "exc/detail.hpp"
-#include "texto/ascii.hpp"
-#include "texto/utf.hpp"
 #include "values/cell.hpp"
 
 namespace ruvo {

@@ -10,8 +10,8 @@
 #include <unistd.h>
 
 #include "app/platform.hpp"
+#include "base/utf.hpp"
 #include "names.hpp"
-#include "texto/utf.hpp"
 
 namespace ruvo::platform {
 

@@ -12,9 +12,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "base/utf.hpp"
 #include "files/platform.hpp"
 #include "names.hpp"
-#include "texto/utf.hpp"
 
 namespace ruvo::platform {
 

@@ -11,9 +11,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "base/utf.hpp"
 #include "files/listing_platform.hpp"
 #include "names.hpp"
-#include "texto/utf.hpp"
 
 namespace ruvo::platform {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "texto/utf.hpp"
+#include "base/utf.hpp"
 
 namespace ruvo::platform {
 

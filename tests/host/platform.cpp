@@ -10,7 +10,7 @@
 #include <random>
 
 #include "app/thread_slot.hpp"
-#include "texto/utf.hpp"
+#include "base/utf.hpp"
 
 namespace ruvo::platform {
 

@@ -9,9 +9,9 @@
 #include <string_view>
 #include <vector>
 
-#include "values/thread_cache.hpp"
+#include "memory/block_cache.hpp"
 
-namespace ruvo::serializer {
+namespace ruvo::detail {
 
 /// Collects a text in blocks of its own, so that what is written is never moved and a large result is
 /// allocated once, in its final size.
@@ -21,7 +21,7 @@ class text_sink {
   text_sink(const text_sink&) = delete;
   text_sink& operator=(const text_sink&) = delete;
   ~text_sink() {
-    for (const block& b : owned_) detail::give_block(b.units, b.size * sizeof(wchar_t));
+    for (const block& b : owned_) give_block(b.units, b.size * sizeof(wchar_t));
   }
 
   std::wstring text() const {
@@ -91,7 +91,7 @@ class text_sink {
     owned_.emplace_back();
     try {
       const std::size_t size = std::max(units, block_units);
-      owned_.back() = {static_cast<wchar_t*>(detail::take_block(size * sizeof(wchar_t))), size};
+      owned_.back() = {static_cast<wchar_t*>(take_block(size * sizeof(wchar_t))), size};
     } catch (...) {
       owned_.pop_back();
       throw;
@@ -109,4 +109,4 @@ class text_sink {
   wchar_t first_[256];
 };
 
-}  // namespace ruvo::serializer
+}  // namespace ruvo::detail

@@ -1,4 +1,4 @@
-#include "texto/numbers.hpp"
+#include "base/numbers.hpp"
 
 #include <algorithm>
 #include <bit>
@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "texto/ascii.hpp"
+#include "base/ascii.hpp"
 
 namespace ruvo::texto {
 

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "texto/cpu.hpp"
+#include "base/simd.hpp"
 
 namespace ruvo::texto {
 

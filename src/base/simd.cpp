@@ -1,4 +1,4 @@
-#include "texto/cpu.hpp"
+#include "base/simd.hpp"
 
 #ifdef KESTA_X64
 

@@ -55,3 +55,14 @@ inline void store_bytes(Unit* to, __m128i bytes) noexcept {
 }  // namespace ruvo::texto
 
 #endif
+
+namespace ruvo::detail {
+
+/// Begins to fetch the memory at an address, valid or not, that will be used soon.
+inline void expect_use([[maybe_unused]] const void* address) noexcept {
+#ifdef KESTA_X64
+  _mm_prefetch(static_cast<const char*>(address), _MM_HINT_T0);
+#endif
+}
+
+}  // namespace ruvo::detail

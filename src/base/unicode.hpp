@@ -5,7 +5,7 @@
 
 #include <cstddef>
 
-#include "texto/ascii.hpp"
+#include "base/ascii.hpp"
 
 namespace ruvo::texto {
 

@@ -11,8 +11,8 @@
 #include <utility>
 #include <vector>
 
-#include "texto/ascii.hpp"
-#include "texto/utf.hpp"
+#include "base/ascii.hpp"
+#include "base/utf.hpp"
 #include "values/cell.hpp"
 
 namespace ruvo::texto {

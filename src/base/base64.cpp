@@ -1,12 +1,12 @@
-#include "texto/base64.hpp"
+#include "base/base64.hpp"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
 
-#include "texto/ascii.hpp"
-#include "texto/cpu.hpp"
+#include "base/ascii.hpp"
+#include "base/simd.hpp"
 
 namespace ruvo::texto {
 

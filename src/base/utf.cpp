@@ -1,4 +1,4 @@
-#include "texto/utf.hpp"
+#include "base/utf.hpp"
 
 #include <algorithm>
 #include <bit>
@@ -7,7 +7,7 @@
 #include <cstring>
 #include <iterator>
 
-#include "texto/cpu.hpp"
+#include "base/simd.hpp"
 
 namespace ruvo::texto {
 

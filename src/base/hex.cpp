@@ -1,11 +1,11 @@
-#include "texto/hex.hpp"
+#include "base/hex.hpp"
 
 #include <array>
 #include <cstdint>
 #include <type_traits>
 
-#include "texto/ascii.hpp"
-#include "texto/cpu.hpp"
+#include "base/ascii.hpp"
+#include "base/simd.hpp"
 
 namespace ruvo::texto {
 

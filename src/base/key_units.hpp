@@ -8,7 +8,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "texto/ascii.hpp"
+#include "base/ascii.hpp"
 
 namespace ruvo::detail {
 

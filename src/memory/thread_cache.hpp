@@ -1,0 +1,26 @@
+#pragma once
+
+// What a thread keeps to make values cheap.
+
+#include "app/thread_slot.hpp"
+#include "memory/block_cache.hpp"
+#include "memory/shared_key.hpp"
+
+namespace ruvo::detail {
+
+struct thread_cache {
+  /// The calling thread's, or null when it can have none: the library is being unloaded, or the thread has
+  /// ended but for what the program does at its end.
+  static thread_cache* local() noexcept {
+    if (void* known = platform::thread_pointer()) return static_cast<thread_cache*>(known);
+    return made_local();
+  }
+
+  block_cache blocks;
+  key_cache keys;
+
+ private:
+  static thread_cache* made_local() noexcept;
+};
+
+}  // namespace ruvo::detail
