@@ -67,6 +67,14 @@ struct cell {
     return {block->units(), block->length};
   }
 
+  /// Calls `use` with the text of a cell, without a copy where the cell holds text.
+  template <class Use>
+  static auto with_text(const var& v, Use use) {
+    if (is_text(v)) return use(text(v));
+    const std::wstring made = v.to_string();
+    return use(std::wstring_view(made));
+  }
+
   // The setters below take a cell that owns nothing.
   static void set_text(var& v, std::wstring_view text) {
     if (text.size() <= small_length) {
@@ -114,13 +122,6 @@ struct cell {
     return reinterpret_cast<const wchar_t*>(v.data_.bytes + small_offset);
   }
 };
-
-/// What is the same for all cells of a kind.
-struct kind_traits {
-  const std::type_info* type;
-  bool primitive, integer, decimal;
-};
-const kind_traits& traits_of(kind k) noexcept;
 
 /// Appends the text of a cell: var::to_string without the string. Iterates, so nesting may be of any depth.
 void append_text(std::wstring& out, const var& v);

@@ -13,6 +13,7 @@
 #include "values/bundle_store.hpp"
 #include "values/cell.hpp"
 #include "values/folded_key.hpp"
+#include "values/kinds.hpp"
 
 namespace ruvo {
 
@@ -21,41 +22,7 @@ using detail::kind;
 
 namespace {
 
-const wchar_t* noun_of(kind k) noexcept {
-  switch (k) {
-    case kind::null:
-      return L"nulo";
-    case kind::boolean:
-      return L"un valor lógico";
-    case kind::wide_char:
-      return L"un carácter";
-    case kind::float_:
-    case kind::double_:
-      return L"un número decimal";
-    case kind::date:
-      return L"una fecha";
-    case kind::time:
-      return L"una hora";
-    case kind::datetime:
-      return L"una fecha con hora";
-    case kind::small_text:
-    case kind::text:
-    case kind::string_text:
-      return L"un texto";
-    case kind::binary:
-      return L"un binario";
-    case kind::memo:
-      return L"un memo";
-    case kind::object:
-      return L"un objeto";
-    case kind::list:
-      return L"una lista";
-    case kind::bundle:
-      return L"un bundle";
-    default:
-      return L"un número entero";
-  }
-}
+const wchar_t* noun_of(const xvar& value) noexcept { return detail::traits_of(value).noun; }
 
 /// A part of a path between quotes; of a long one the beginning.
 std::wstring quoted(std::wstring_view part) {
@@ -86,8 +53,7 @@ class walk {
   }
   std::wstring failure() const {
     if (!value_) return where() + L" no existe." + hint();
-    return where() + L" es " + noun_of(cell::kind_of(*value_)) + L": la ruta sólo sigue por un bundle." +
-           hint();
+    return where() + L" es " + noun_of(*value_) + L": la ruta sólo sigue por un bundle." + hint();
   }
 
  private:
@@ -218,7 +184,7 @@ std::wstring explained(const bundle& in, const std::wstring& path, char separato
   const walk walked(in, path, static_cast<wchar_t>(static_cast<unsigned char>(separator)));
   const xvar* const value = walked.found();
   if (!value) return walked.failure();
-  std::wstring out = walked.where() + L" es " + noun_of(cell::kind_of(*value)) + L".";
+  std::wstring out = walked.where() + L" es " + noun_of(*value) + L".";
   if (value->is_null()) return out;
   if (is_empty(*value)) out += L" Está vacío.";
   return cell::is_container(*value) ? out : out + conversions(in, path, separator);
