@@ -50,12 +50,12 @@ std::map<unsigned long, std::vector<std::wstring>> page_messages() {
 
 }  // namespace
 
-TEST(Exception, EveryClassOfTheCatalogueSaysWhatThePageSays) {
+TEST(exception, every_class_of_the_catalogue_says_what_the_page_says) {
   EXPECT_EQ(catalogue_messages(), page_messages());
   EXPECT_GT(catalogue_messages().size(), 70u);
 }
 
-TEST(Exception, CodesAndMessages) {
+TEST(exception, codes_and_messages) {
   const ruvo::file path(L"C:\\datos\\año.txt");
   const std::runtime_error failure("fallo");
   struct : std::exception {
@@ -101,7 +101,7 @@ TEST(Exception, CodesAndMessages) {
   }
 }
 
-TEST(Exception, FamiliesAreBasesOfTheirLeaves) {
+TEST(exception, families_are_bases_of_their_leaves) {
   static_assert(std::is_base_of_v<exc::JSONException, exc::jsonEmptyKey>);
   static_assert(std::is_base_of_v<ruvo::kesta::exception, exc::JSONException>);
   static_assert(std::is_base_of_v<exc::winException, exc::ShellExecuteException>);
@@ -115,7 +115,7 @@ TEST(Exception, FamiliesAreBasesOfTheirLeaves) {
   }
 }
 
-TEST(Exception, CodeTellsItsParts) {
+TEST(exception, code_tells_its_parts) {
   const ruvo::exception error(L"x", 42, 7, 3001);
   EXPECT_EQ(error.get_code(), 42u);
   EXPECT_EQ(error.get_rango(), 7u);
@@ -133,7 +133,7 @@ TEST(Exception, CodeTellsItsParts) {
   EXPECT_TRUE(ruvo::exception::incorrect().WRONG());
 }
 
-TEST(Exception, ComparesByRawCode) {
+TEST(exception, compares_by_raw_code) {
   const ruvo::exception error = ruvo::exception::incorrect();
   EXPECT_TRUE(error == 0xEBB80001);
   EXPECT_TRUE(error == 0xEBB80001UL);
@@ -146,7 +146,7 @@ TEST(Exception, ComparesByRawCode) {
   EXPECT_TRUE(exc::OkResult() < exc::ClassCast());
 }
 
-TEST(Exception, ReportStaysBehindAChangedMessage) {
+TEST(exception, report_stays_behind_a_changed_message) {
   struct open : ruvo::exception {
     using ruvo::exception::append_to_mensaje;
     using ruvo::exception::copy_what;
@@ -186,7 +186,7 @@ TEST(Exception, ReportStaysBehindAChangedMessage) {
   EXPECT_STREQ(error.what(), ruvo::exception().what());
 }
 
-TEST(Exception, ACopyOutlivesItsSourceAndAMovedOneStaysWhole) {
+TEST(exception, a_copy_outlives_its_source_and_a_moved_one_stays_whole) {
   ruvo::exception copy;
   {
     ruvo::exception source = exc::BadArgument(L"x");
@@ -199,7 +199,7 @@ TEST(Exception, ACopyOutlivesItsSourceAndAMovedOneStaysWhole) {
   EXPECT_EQ(copy.get_mensaje(), L"Argumento incorrecto: x");
 }
 
-TEST(Exception, RaiseThrowsTheClassOfACopy) {
+TEST(exception, raise_throws_the_class_of_a_copy) {
   const auto raised = [](const ruvo::exception& failure) -> std::type_index {
     try {
       failure.raise();
@@ -239,7 +239,7 @@ TEST(Exception, RaiseThrowsTheClassOfACopy) {
   EXPECT_EQ(raised(cleared), std::type_index(typeid(exc::OkResult)));
 }
 
-TEST(Exception, DetailsStandBesideTheMessage) {
+TEST(exception, details_stand_beside_the_message) {
   exc::NotImplemented plain;
   const std::string report = plain.what();
   EXPECT_EQ(plain.get_detail(), L"");
@@ -308,7 +308,7 @@ TEST(Exception, DetailsStandBesideTheMessage) {
   for (const auto& r : rows) EXPECT_EQ(about(r.fails), r.detail) << r.name;
 }
 
-TEST(Exception, WindowsErrorsAddTheSystemsText) {
+TEST(exception, windows_errors_add_the_systems_text) {
   const exc::ShellExecuteException error(L"No se abre", 2);
   EXPECT_EQ(error.get_raw_code(), 0xEBB92EF4);
   const std::wstring message = error.get_mensaje();

@@ -27,7 +27,7 @@ std::vector<std::wstring> parts(const std::wstring& message) {
 
 }  // namespace
 
-TEST(MessageTable, SaysWhatTheExceptionsSay) {
+TEST(message_table, says_what_the_exceptions_say) {
   if (!has_message_table()) GTEST_SKIP() << "the library is no file of its own here";
   const std::wstring system_text = system_texts::winerror_message(5);
   const wchar_t* const inserts[] = {L"31", L"5", system_text.c_str()};
@@ -41,7 +41,7 @@ TEST(MessageTable, SaysWhatTheExceptionsSay) {
   }
 }
 
-TEST(MessageTable, HasTheCodesOfTheCatalogueAndNoOther) {
+TEST(message_table, has_the_codes_of_the_catalogue_and_no_other) {
   if (!has_message_table()) GTEST_SKIP() << "the library is no file of its own here";
   const auto expected = catalogue_messages();
   for (unsigned long high : {0xEBB70000ul, 0xEBB80000ul, 0xEBB90000ul, 0xEBBA0000ul, 0xCBB90000ul, 0x0ul}) {
@@ -51,7 +51,7 @@ TEST(MessageTable, HasTheCodesOfTheCatalogueAndNoOther) {
   }
 }
 
-TEST(MessageTable, LeavesPlacesThatNobodyFills) {
+TEST(message_table, leaves_places_that_nobody_fills) {
   if (!has_message_table()) GTEST_SKIP() << "the library is no file of its own here";
   EXPECT_EQ(table_message(0xEBB92AF9, nullptr), L"Módulo %1 desconocido");
   EXPECT_EQ(table_message(0xEBB91B5A, nullptr), L"Lectura incorrecta cerca del caracter:%1 en el nudo:%2");

@@ -27,7 +27,7 @@ constexpr const wchar_t* bare_pattern =
 
 std::wstring fields(const address& of) { return of.get_name() + L"|" + of.get_mail(); }
 
-TEST(Address, Texts) {
+TEST(address, texts) {
   const struct {
     address of;
     const wchar_t* text;
@@ -63,7 +63,7 @@ TEST(Address, Texts) {
   }
 }
 
-TEST(Address, TextFollowsTheFields) {
+TEST(address, text_follows_the_fields) {
   address one(L"Ana", L"ana@a.es"), other;
   EXPECT_STREQ(one.set_name(L"Eva").c_str(), L"Eva <ana@a.es>");
   EXPECT_STREQ(one.set_mail(L"eva@a.es").c_str(), L"Eva <eva@a.es>");
@@ -79,7 +79,7 @@ TEST(Address, TextFollowsTheFields) {
   EXPECT_STREQ(address(std::move(other)).c_str(), kept.c_str());
 }
 
-TEST(Address, ReadsTexts) {
+TEST(address, reads_texts) {
   const struct {
     const wchar_t* text;
     const wchar_t* fields;
@@ -122,7 +122,7 @@ TEST(Address, ReadsTexts) {
   EXPECT_FALSE(read.deserialize(std::wstring(L"A <ana@a.es\0>", 13)));
 }
 
-class AddressTexts : public generated_inputs {
+class address_texts : public generated_inputs {
  protected:
   std::wstring joined(const std::vector<std::wstring>& parts, unsigned most, unsigned least = 0) {
     ++inputs;
@@ -137,7 +137,7 @@ class AddressTexts : public generated_inputs {
   dice random_{822};
 };
 
-TEST_F(AddressTexts, ReadAsThePatterns) {
+TEST_F(address_texts, read_as_the_patterns) {
   constexpr int texts = 30'000;
   const std::wregex named(named_pattern), bare(bare_pattern);
   unsigned read = 0;
@@ -182,7 +182,7 @@ TEST_F(AddressTexts, ReadAsThePatterns) {
   }
 }
 
-TEST_F(AddressTexts, GoThereAndBack) {
+TEST_F(address_texts, go_there_and_back) {
   unsigned through_text = 0;
   for (int n = 0; n < 3'000; ++n) {
     const address of(any_name(), n % 2 ? joined({L"a", L"B", L"_1"}, 3) + L"@x.es" : any_name());
@@ -201,7 +201,7 @@ TEST_F(AddressTexts, GoThereAndBack) {
   EXPECT_GT(through_text, 100u);
 }
 
-TEST_F(AddressTexts, EncodedNamesReadBack) {
+TEST_F(address_texts, encoded_names_read_back) {
   for (int n = 0; n < 3'000; ++n) {
     const std::wstring name =
         n < 300 ? std::wstring(static_cast<std::size_t>(n) + 1, n % 2 ? L'a' : L'ñ') : any_name();
@@ -213,7 +213,7 @@ TEST_F(AddressTexts, EncodedNamesReadBack) {
   }
 }
 
-TEST(AddressValue, OfBundlesAndValues) {
+TEST(address_value, of_bundles_and_values) {
   const address ana(L"Ana", L"ana@a.es");
   EXPECT_EQ(bundle(ana).to_string(), LR"({"email":"ana@a.es", "name":"Ana"})");
   const struct {
@@ -248,7 +248,7 @@ TEST(AddressValue, OfBundlesAndValues) {
   EXPECT_EQ(fields(kept), fields(ana));
 }
 
-TEST(AddressValue, Order) {
+TEST(address_value, order) {
   expect_order<address>({{address(), address(L"Ana", L"")},
                          {address(L"", L"a@b.es"), address(L"Ana", L"A@B.es"), address(L"Z", L"a@B.ES")},
                          {address(L"", L"a@b.es ")},
@@ -260,7 +260,7 @@ TEST(AddressValue, Order) {
 }
 
 /// Read in a pass or a few: with a step for each pair of characters these would not end.
-TEST(Address, LongTextsHaveAnAnswer) {
+TEST(address, long_texts_have_an_answer) {
   for (const std::size_t many : {100'000u, 1'000'000u}) {
     const std::wstring letters(many, L'a');
     address of;

@@ -60,7 +60,7 @@ constexpr const wchar_t* sample_header =
     L"From: José Núñez <jose@ruvo.es>\r\nSender: <web@ruvo.es>\r\nCc: García, Luis <luis@x.es>\r\n"
     L"Cco: <ojo@x.es>\r\nMessage-ID: <ID-1@ruvo.es>\r\n";
 
-TEST(Email, NewMessages) {
+TEST(email, new_messages) {
   const datetime before;
   const email one(L"a@x.es", L"subject", L"body", L"signature"), other(address(L"Ana", L"a@x.es"));
   const datetime after;
@@ -81,7 +81,7 @@ TEST(Email, NewMessages) {
   EXPECT_FALSE(copy == one);
 }
 
-TEST(Email, Recipients) {
+TEST(email, recipients) {
   email message;
   EXPECT_EQ(message[L"b@x.es"], email::TO_);
   message[address(L"Ana", L"A@x.es")] = email::CC_;
@@ -107,7 +107,7 @@ TEST(Email, Recipients) {
   EXPECT_TRUE(message.empty());
 }
 
-TEST(Email, RecipientsInValues) {
+TEST(email, recipients_in_values) {
   const address ana(L"Ana", L"ana@x.es");
   for (const xvar& value : {xvar(ana), xvar(bundle(ana)), xvar(L"ana@x.es")}) {
     const std::wstring kind = value.to_string();
@@ -125,7 +125,7 @@ TEST(Email, RecipientsInValues) {
   }
 }
 
-TEST(Email, Roles) {
+TEST(email, roles) {
   const wchar_t* const names[] = {L"FROM", L"SENDER", L"TO", L"CC", L"BCC", L""};
   for (int role = 0; role <= 5; ++role)
     EXPECT_EQ(email::to_string(static_cast<email::RCTP>(role)), names[role]);
@@ -133,7 +133,7 @@ TEST(Email, Roles) {
   for (const wchar_t* text : {L"cc", L"BCC", L"FROM", L"", L"T O"}) EXPECT_EQ(email::stor(text), email::TO_);
 }
 
-TEST(Email, AttachedFiles) {
+TEST(email, attached_files) {
   email message;
   message.push(ruvo::file(L"C:/a.txt")).push(ruvo::file(L"b")).push(ruvo::file(L"c"));
   message.discharge(1);
@@ -144,7 +144,7 @@ TEST(Email, AttachedFiles) {
   EXPECT_TRUE(message.get_attach().empty());
 }
 
-TEST(Email, HeaderText) {
+TEST(email, header_text) {
   const email message = sample();
   std::wostringstream block, whole;
   message.serialize_headers(block);
@@ -172,7 +172,7 @@ TEST(Email, HeaderText) {
   EXPECT_EQ(nothing.str(), L"");
 }
 
-TEST(Email, RecipientLists) {
+TEST(email, recipient_lists) {
   const struct {
     const wchar_t* list;
     const wchar_t* read;  // written again, in the order of the mails
@@ -209,7 +209,7 @@ TEST(Email, RecipientLists) {
   EXPECT_EQ(message.at(L"c@x.es"), email::CCO_);
 }
 
-TEST(Email, HeadersRead) {
+TEST(email, headers_read) {
   email read(L"old@x.es", L"old", L"body", L"signature");
   read[L"old@x.es"] = email::TO_;
   read[L"old-from@x.es"] = email::FROM;
@@ -232,7 +232,7 @@ TEST(Email, HeadersRead) {
   EXPECT_EQ(read.get_subject(), L"a:\tb");
 }
 
-TEST(Email, SendersNeedNoValidMail) {
+TEST(email, senders_need_no_valid_mail) {
   for (const address& who :
        {address(L"", L"root@localhost"), address(L"Raíz", L"root"), address(L"Ana", L"")}) {
     email read;
@@ -241,7 +241,7 @@ TEST(Email, SendersNeedNoValidMail) {
   }
 }
 
-TEST(Email, DatesOfOtherWriters) {
+TEST(email, dates_of_other_writers) {
   for (const wchar_t* text :
        {L"Mon, 1 Jan 2024 10:00:00 GMT", L"1 Jan 2024 10:00:00 +0000", L"01 Jan 2024 10:00:00 UT",
         L"1 Jan 2024 10:00:00 GMT", L"Mon, 01 Jan 2024 12:00:00 +0200", L"1 Jan 2024 09:00:00 -0100"}) {
@@ -251,7 +251,7 @@ TEST(Email, DatesOfOtherWriters) {
   }
 }
 
-TEST(Email, HeadersRefused) {
+TEST(email, headers_refused) {
   email message = sample();
   const std::wstring before = all_of(message);
   for (const wchar_t* bad : {L"no colon", L": no name", L" folded: first", L"Date: yesterday",
@@ -269,7 +269,7 @@ TEST(Email, HeadersRefused) {
   }
 }
 
-TEST(Email, Bodies) {
+TEST(email, bodies) {
   const std::wstring head =
                          L"<html><head><meta http-equiv=\"Content-Type\" content=\"text/html;\" "
                          L"charset=\"iso-8859-1\"></head>"
@@ -300,7 +300,7 @@ TEST(Email, Bodies) {
   }
 }
 
-class EmailRounds : public generated_inputs {
+class email_rounds : public generated_inputs {
  protected:
   /// Texts of any kind, or such as a header line keeps: `tame` ones hold no line ends, no blanks at their
   /// ends and nothing that ends an address.
@@ -336,7 +336,7 @@ class EmailRounds : public generated_inputs {
   dice random{20260};
 };
 
-TEST_F(EmailRounds, ThereAndBack) {
+TEST_F(email_rounds, there_and_back) {
   for (unsigned n = 500 * rounds(); n > 0; --n, ++inputs) {
     const email one = message(false);
     const bundle values = one;
@@ -350,7 +350,7 @@ TEST_F(EmailRounds, ThereAndBack) {
   }
 }
 
-TEST_F(EmailRounds, HeaderTextThereAndBack) {
+TEST_F(email_rounds, header_text_there_and_back) {
   for (unsigned n = 500 * rounds(); n > 0; --n, ++inputs) {
     const email one = message(true);
     email other = message(true);
@@ -361,7 +361,7 @@ TEST_F(EmailRounds, HeaderTextThereAndBack) {
   }
 }
 
-TEST_F(EmailRounds, HeadsGoAsByThePattern) {
+TEST_F(email_rounds, heads_go_as_by_the_pattern) {
   static const std::vector<std::wstring> parts = {L"<head>", L"<HeAd>", L"</head>", L"</HEAD>", L"<head/>",
                                                   L"<",      L"x",      L"\n",      L"head>",   L"/"};
   const std::wregex head(L"<(H|h)(E|e)(A|a)(D|d)>[\\w\\W]+</(H|h)(E|e)(A|a)(D|d)>|<(H|h)(E|e)(A|a)(D|d)/>");
@@ -375,7 +375,7 @@ TEST_F(EmailRounds, HeadsGoAsByThePattern) {
   }
 }
 
-TEST(Email, BundlesOfAllKinds) {
+TEST(email, bundles_of_all_kinds) {
   email message = sample();
   const std::wstring before = all_of(message);
   bundle odd = {{L"date", L"yesterday"},  {L"from", 5},       {L"sender", xvar()}, {L"to", L"a@x.es"},
@@ -429,7 +429,7 @@ TEST(Email, BundlesOfAllKinds) {
   EXPECT_EQ(held.to_string(), message.to_string());
 }
 
-TEST(EmailHostile, LongTexts) {
+TEST(email_hostile, long_texts) {
   for (const wchar_t* part : {L"<",        L"<head>", L"</head>", L"<head/>", L"<body>x", L"<p", L">",
                               L"\n",       L"&",      L";",       L",",       L"a@",      L"a;", L"<a@b.es>;",
                               L"<a@b.es>", L"\"",     L" ",       L".",       L"a\r\n b", L":",  L"\xD83D"}) {
@@ -455,7 +455,7 @@ TEST(EmailHostile, LongTexts) {
   }
 }
 
-TEST(EmailHostile, ManyRecipients) {
+TEST(email_hostile, many_recipients) {
   std::wstring list;
   for (int n = 0; n < 100000; ++n)
     list += L"N " + std::to_wstring(n) + L" <u" + std::to_wstring(n) + L"@x.es>;";
@@ -470,7 +470,7 @@ TEST(EmailHostile, ManyRecipients) {
   EXPECT_EQ(copy.to_string(), message.to_string());
 }
 
-TEST(EmailHostile, LineEndsAreTheCallersDuty) {
+TEST(email_hostile, line_ends_are_the_callers_duty) {
   email message(L"a@x.es", L"one\r\nSender: thief@x.es");
   email read;
   read.deserialize_headers(message.to_string());
@@ -478,7 +478,7 @@ TEST(EmailHostile, LineEndsAreTheCallersDuty) {
   EXPECT_EQ(read.get_sender().get_mail(), L"thief@x.es");
 }
 
-TEST(EmailHostile, ControlsOfReadFieldsAreNotWrittenAgain) {
+TEST(email_hostile, controls_of_read_fields_are_not_written_again) {
   email read;
   read.deserialize_headers(
       L"Subject: one\rBcc: thief@x.es\x85\r\nMessage-ID: <1\r2@x.es>\nFrom: \"A\rB\" <a@x.es>\nTo: \"C\x01\" "
@@ -495,7 +495,7 @@ constexpr bool is_ordered = requires(const T& a) {
   a < a;
 };
 
-TEST(SmtpResponse, Report) {
+TEST(smtp_response, report) {
   ruvo::smtp::response sent;
   EXPECT_TRUE(sent.OK());
   EXPECT_EQ(sent.to_string(), L"{\"accepted\":[], \"refused\":[]}");

@@ -25,7 +25,7 @@ const std::wstring default_response_headers = L"Accept: */*\r\nContent-Type: tex
 
 // --- the status
 
-TEST(Status, SuccessIsANumberOfZeroInAnyRange) {
+TEST(status, success_is_a_number_of_zero_in_any_range) {
   const auto with_status = [](unsigned long raw) {
     response answer;
     answer.set_exception(ruvo::exception(raw, L"x"));
@@ -37,7 +37,7 @@ TEST(Status, SuccessIsANumberOfZeroInAnyRange) {
     EXPECT_TRUE(!with_status(raw).OK() && with_status(raw).WRONG()) << std::hex << raw;
 }
 
-TEST(Status, IsACopyThatCanBeReadAndWritten) {
+TEST(status, is_a_copy_that_can_be_read_and_written) {
   response answer;
   EXPECT_EQ(answer.get_exception().get_raw_code(), 0xEBB80000u);
   EXPECT_EQ(answer.get_exception().get_mensaje(), L"OK");
@@ -58,11 +58,11 @@ TEST(Status, IsACopyThatCanBeReadAndWritten) {
 // --- the header table, the same for both classes
 
 template <class Message>
-class Headers : public testing::Test {};
+class message_headers : public testing::Test {};
 using messages = testing::Types<request, response>;
-TYPED_TEST_SUITE(Headers, messages);
+TYPED_TEST_SUITE(message_headers, messages);
 
-TYPED_TEST(Headers, NamesIgnoreCaseWideAndNarrow) {
+TYPED_TEST(message_headers, names_ignore_case_wide_and_narrow) {
   TypeParam m;
   const TypeParam& c = m;
   EXPECT_EQ(m.size(), 2u);
@@ -103,7 +103,7 @@ TYPED_TEST(Headers, NamesIgnoreCaseWideAndNarrow) {
   EXPECT_GT(m.max_size(), 1000u);
 }
 
-TYPED_TEST(Headers, AbsentNames) {
+TYPED_TEST(message_headers, absent_names) {
   TypeParam m;
   for (const auto& at :
        {+[](TypeParam& t) { return t.at(L"nada"); }, +[](TypeParam& t) { return t.at("nada"); },
@@ -118,7 +118,7 @@ TYPED_TEST(Headers, AbsentNames) {
   EXPECT_EQ(m.size(), 2u);
 }
 
-TYPED_TEST(Headers, TableIsAMapByLoweredNames) {
+TYPED_TEST(message_headers, table_is_a_map_by_lowered_names) {
   dice random(20);
   const std::wstring letters = L"aAbBzZ@[`{_-0éÉ\xFFFF";
   TypeParam m;
@@ -151,7 +151,7 @@ TYPED_TEST(Headers, TableIsAMapByLoweredNames) {
 
 // --- values
 
-TYPED_TEST(Headers, CopiesAreDeepAndMovesLeaveAnEmptyMessage) {
+TYPED_TEST(message_headers, copies_are_deep_and_moves_leave_an_empty_message) {
   TypeParam m;
   m[L"X"] = L"1";
   m.set_body(L"body");
@@ -177,7 +177,7 @@ TYPED_TEST(Headers, CopiesAreDeepAndMovesLeaveAnEmptyMessage) {
                 std::is_nothrow_move_assignable_v<TypeParam>);
 }
 
-TYPED_TEST(Headers, EqualityIsExact) {
+TYPED_TEST(message_headers, equality_is_exact) {
   TypeParam a, b;
   a[L"X"] = b[L"X"] = L"1";
   EXPECT_TRUE(a == b);
@@ -194,7 +194,7 @@ TYPED_TEST(Headers, EqualityIsExact) {
   EXPECT_FALSE(a == b);
 }
 
-TYPED_TEST(Headers, TravelsInAnXvar) {
+TYPED_TEST(message_headers, travels_in_an_xvar) {
   TypeParam m;
   m[L"X"] = L"1";
   m.set_body(L"body");
@@ -223,7 +223,7 @@ std::wstring with_nuls(std::wstring text) {
   return text;
 }
 
-TYPED_TEST(Headers, TextForm) {
+TYPED_TEST(message_headers, text_form) {
   const std::wstring headers =
       std::is_same_v<TypeParam, request> ? default_request_headers : default_response_headers;
   struct row {
@@ -254,7 +254,7 @@ TYPED_TEST(Headers, TextForm) {
 
 // --- requests
 
-TEST(Request, ConstructionAndFields) {
+TEST(request, construction_and_fields) {
   EXPECT_EQ(request().to_string(), default_request_headers + L"\r\n\r\n");
   const request wide(L"http://h/ñ", L"€"), narrow("http://h/\xC3\xB1", "\xE2\x82\xAC");
   EXPECT_TRUE(wide == narrow);
@@ -272,7 +272,7 @@ TEST(Request, ConstructionAndFields) {
   EXPECT_EQ(copy.get_sslCertPath(), L"C:\\c.pem");
 }
 
-TEST(Request, IsSecure) {
+TEST(request, is_secure) {
   for (const wchar_t* const url : {L"https://h", L"HTTPS://h", L"wss:", L"as.s:x", L"h/s:80"})
     EXPECT_TRUE(request(url, L"").is_secure()) << url;
   for (const wchar_t* const url : {L"http://h", L"ws://h", L"http://s:80", L"s:", L":s", L"", L"https"})
@@ -281,7 +281,7 @@ TEST(Request, IsSecure) {
 
 // --- responses
 
-TEST(Response, BodyGrows) {
+TEST(response, body_grows) {
   response r;
   EXPECT_EQ(r.to_string(), default_response_headers + L"\r\n\r\n");
   r += L"uno ";
@@ -305,7 +305,7 @@ TEST(Response, BodyGrows) {
   EXPECT_EQ(r.get_body() + copy.get_body(), L"newernewer!");
 }
 
-TEST(Response, TakesTheRestOfAStream) {
+TEST(response, takes_the_rest_of_a_stream) {
   response r;
   r.set_body(L"0");
   std::wistringstream in(L"first \r\n last \n" + std::wstring(5000, L'x') + L" ");
@@ -319,7 +319,7 @@ TEST(Response, TakesTheRestOfAStream) {
   EXPECT_TRUE(static_cast<bool>(empty >> r));
 }
 
-TEST(Response, ContentType) {
+TEST(response, content_type) {
   response r;
   EXPECT_EQ(r.get_content_type(), L"text/plain");
   r.clear();
@@ -327,7 +327,7 @@ TEST(Response, ContentType) {
   EXPECT_EQ(r.to_string(), L"Content-Type: \r\n\r\n\r\n");
 }
 
-TEST(Response, StatusTravelsButTakesNoPartInComparisons) {
+TEST(response, status_travels_but_takes_no_part_in_comparisons) {
   response r;
   r.set_exception(ruvo::exc::RunTime(L"fallo"));
   const response fresh;
@@ -339,7 +339,7 @@ TEST(Response, StatusTravelsButTakesNoPartInComparisons) {
   EXPECT_TRUE(back.OK());
 }
 
-TEST(Response, EmptiedOnesAreClearedAtOnce) {
+TEST(response, emptied_ones_are_cleared_at_once) {
   const auto clear_many = [] {
     response r, moved(std::move(r));
     for (int n = 0; n < 1000; ++n) r.clear();
@@ -350,7 +350,7 @@ TEST(Response, EmptiedOnesAreClearedAtOnce) {
   other.join();
 }
 
-TEST(Response, ManySmallPiecesTakeLinearTime) {
+TEST(response, many_small_pieces_take_linear_time) {
   const auto seconds = [](std::size_t total) {
     const auto start = std::chrono::steady_clock::now();
     response r;

@@ -33,7 +33,7 @@ std::wstring fields(const mailbox& box) {
   return out.str();
 }
 
-TEST(Mailbox, PortAndAddress) {
+TEST(mailbox, port_and_address) {
   const struct {
     mailbox box;
     bool secure;
@@ -60,7 +60,7 @@ TEST(Mailbox, PortAndAddress) {
   }
 }
 
-TEST(Mailbox, NamesOfModes) {
+TEST(mailbox, names_of_modes) {
   const struct {
     const wchar_t* text;
     mailbox::ENCRYPTION mode;
@@ -75,7 +75,7 @@ TEST(Mailbox, NamesOfModes) {
   EXPECT_EQ(mailbox::stoe(std::wstring(L"TLS\0", 4)), mailbox::NONE);
 }
 
-TEST(Mailbox, ReadsTexts) {
+TEST(mailbox, reads_texts) {
   const struct {
     const wchar_t* text;
     const wchar_t* fields;
@@ -119,7 +119,7 @@ TEST(Mailbox, ReadsTexts) {
   EXPECT_EQ(box.get_password(), std::wstring(1, L'\0'));
 }
 
-class MailboxTexts : public generated_inputs {
+class mailbox_texts : public generated_inputs {
  protected:
   static constexpr int texts = 30'000;
 
@@ -146,7 +146,7 @@ constexpr const wchar_t* scheme_pattern =
 constexpr const wchar_t* account_pattern =
     LR"(^((([^\s]+:[^\s]+)@){1}([a-zA-Z0-9\-]+\.){2,3}[a-z]{2}(:\d{2,4})?){1}$)";
 
-TEST_F(MailboxTexts, ChecksHostsAsThePattern) {
+TEST_F(mailbox_texts, checks_hosts_as_the_pattern) {
   const std::wregex standard(host_pattern);
   unsigned hosts = 0;
   for (int n = 0; n < texts; ++n) {
@@ -187,7 +187,7 @@ std::optional<std::wstring> captured(const std::wstring& text) {
   return fields(box);
 }
 
-TEST_F(MailboxTexts, ReadsAsThePattern) {
+TEST_F(mailbox_texts, reads_as_the_pattern) {
   unsigned read = 0;
   for (int n = 0; n < texts; ++n) {
     const std::wstring text = joined({L"smtp://", L"smtps://", L""}, 1) +
@@ -213,7 +213,7 @@ TEST_F(MailboxTexts, ReadsAsThePattern) {
   }
 }
 
-TEST_F(MailboxTexts, GoThereAndBack) {
+TEST_F(mailbox_texts, go_there_and_back) {
   const mailbox::ENCRYPTION modes[] = {mailbox::NONE, mailbox::SSL, mailbox::STARTTLS, mailbox::TLS};
   const unsigned ports[] = {0, 1, 25, 26, 465, 587, 2525, 9999, 10000, 4294967295};
   const auto any_text = [this] {
@@ -240,7 +240,7 @@ TEST_F(MailboxTexts, GoThereAndBack) {
   }
 }
 
-TEST(MailboxValue, OfBundles) {
+TEST(mailbox_value, of_bundles) {
   const mailbox before = made(L"h", mailbox::SSL, 7, L"u", L"w");
   EXPECT_EQ(bundle(before).to_string(),
             LR"({"encryption":"SSL", "host":"h", "password":"w", "port":7, "user":"u"})");
@@ -267,7 +267,7 @@ TEST(MailboxValue, OfBundles) {
   }
 }
 
-TEST(MailboxValue, OfValues) {
+TEST(mailbox_value, of_values) {
   const mailbox box = made(L"mail.a.es", mailbox::STARTTLS, 0, L"u", L"w");
   xvar value = box;
   EXPECT_TRUE(value.instanceof (typeid(mailbox)));
@@ -289,7 +289,7 @@ TEST(MailboxValue, OfValues) {
   EXPECT_EQ(fields(kept), fields(box));
 }
 
-TEST(MailboxValue, Order) {
+TEST(mailbox_value, order) {
   expect_order<mailbox>(
       {{mailbox(), made(L"", mailbox::NONE, 25)},
        {made(L"a.b.es", mailbox::NONE), made(L"A.b.ES", mailbox::NONE, 25)},
@@ -304,7 +304,7 @@ TEST(MailboxValue, Order) {
 }
 
 /// Read in a pass or a few: with a step for each pair of characters these would not end.
-TEST(Mailbox, LongTextsHaveAnAnswer) {
+TEST(mailbox, long_texts_have_an_answer) {
   for (const std::size_t many : {100'000u, 1'000'000u}) {
     const std::wstring a(many, L'a'), colons(many, L':'), ats(many, L'@'), dots(many, L'.'), ones(many, L'1');
     std::wstring labels;

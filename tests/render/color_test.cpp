@@ -102,7 +102,7 @@ void for_each_rgb(unsigned step, Use use) {
 
 // --- sweeps
 
-TEST(Color, EveryWayInGivesTheSameForms) {
+TEST(color, every_way_in_gives_the_same_forms) {
   for_each_rgb(15, [](rgb in) {
     const auto [r, g, b] = in.channel;
     const hsl forms = to_hsl(in);
@@ -119,7 +119,7 @@ TEST(Color, EveryWayInGivesTheSameForms) {
   });
 }
 
-TEST(Color, DerivedColoursAndHarmonies) {
+TEST(color, derived_colours_and_harmonies) {
   for_each_rgb(17, [](rgb in) {
     const color c(in.channel[0], in.channel[1], in.channel[2], 0.5f);
     const auto [h, s, l] = to_hsl(in);
@@ -147,7 +147,7 @@ TEST(Color, DerivedColoursAndHarmonies) {
   });
 }
 
-TEST(Color, EveryHue) {
+TEST(color, every_hue) {
   for (int tenth = -7200; tenth <= 7200; ++tenth) {
     const float degrees = static_cast<float>(tenth) / 10.0f;
     hsl in{static_cast<float>(std::fmod(degrees, 360.0f)), 0.75f, 0.4f};
@@ -158,7 +158,7 @@ TEST(Color, EveryHue) {
   }
 }
 
-TEST(Color, SaturationAndLuminosity) {
+TEST(color, saturation_and_luminosity) {
   for (float s = 0; s <= 1; s += 0.0625f)
     for (float l = 0; l <= 1; l += 0.03125f)
       for (float h = 0; h < 360; h += 7.5f) {
@@ -168,7 +168,7 @@ TEST(Color, SaturationAndLuminosity) {
 }
 
 // Complementary colours that come out otherwise when a step is computed in 64 bits; from another program.
-TEST(Color, ArithmeticOf32Bits) {
+TEST(color, arithmetic_of_32_bits) {
   const struct {
     const std::wstring& html;
     rgb complementary;
@@ -187,7 +187,7 @@ TEST(Color, ArithmeticOf32Bits) {
 
 // --- texts, packed numbers, alpha
 
-TEST(Color, Texts) {
+TEST(color, texts) {
   const color red(L"#80FF0000");
   EXPECT_EQ(channels(red), (rgb{{255, 0, 0}}));
   EXPECT_EQ(red.get_alpha(), 128 / 255.0f);
@@ -205,7 +205,7 @@ TEST(Color, Texts) {
   EXPECT_EQ(out.str(), L"#A0B0C0#010203");
 }
 
-TEST(Color, BadTextsAreStoredAndChangeNothingElse) {
+TEST(color, bad_texts_are_stored_and_change_nothing_else) {
   std::vector<std::wstring> bad = pieces(
       L"# #FFF FF0000 FF00000 #GG0000 #12345 #1234567 #-12345 #0x1234 ROJO #１２３４５６ #12345\xD83D "
       L"\uFEFF#12345");
@@ -228,7 +228,7 @@ TEST(Color, BadTextsAreStoredAndChangeNothingElse) {
   EXPECT_EQ(color(L"azul añil").to_string(), L"AZUL AÑIL");
 }
 
-TEST(Color, AlphaAndPackedNumbers) {
+TEST(color, alpha_and_packed_numbers) {
   EXPECT_EQ(static_cast<unsigned>(color(255, 0, 0, 0.5f)), 0xFF000000u);
   EXPECT_EQ(static_cast<unsigned>(color(color::RED)), 0xFF000001u);
   color packed;
@@ -250,14 +250,14 @@ TEST(Color, AlphaAndPackedNumbers) {
 
 // --- the questions and steps
 
-TEST(Color, Default) {
+TEST(color, default_colour) {
   const color c;
   expect_opaque(c, {{255, 255, 255}}, {0, 0, 1});
   EXPECT_EQ(c.get_amount(), 10u);
   EXPECT_TRUE(color(color::ROJO).calculate_gradient(color(color::AZUL), 0.5f) == c);
 }
 
-TEST(Color, DarkMediumLight) {
+TEST(color, dark_medium_light) {
   const struct {
     float luminosity;
     bool dark, medium, light;
@@ -272,7 +272,7 @@ TEST(Color, DarkMediumLight) {
   }
 }
 
-TEST(Color, Steps) {
+TEST(color, steps) {
   for (const float luminosity : {-2.0f, 0.0f, 0.05f, 0.1f, 0.5f, 0.95f, 1.0f}) {
     for (const unsigned amount : {0u, 1u, 10u, 99u, 100u, 101u, 4294967295u}) {
       const color start = color(200.0f, 0.5f, luminosity).set_amount(amount);
@@ -297,7 +297,7 @@ TEST(Color, Steps) {
   expect_from_hsl(color(200.0f, 0.5f, 0.5f) -= 210.0, {350, 0.5f, 0.5f});      // a double is an angle
 }
 
-TEST(Color, SumsAndDifferences) {
+TEST(color, sums_and_differences) {
   color c(200u, 100u, 0u, 0.25f);
   c += color(100, 100, 0);
   expect_opaque(c, {{255, 200, 0}}, to_hsl({{255, 200, 0}}));
@@ -309,7 +309,7 @@ TEST(Color, SumsAndDifferences) {
   EXPECT_EQ(channels(c), (rgb{{1, 255, 255}}));
 }
 
-TEST(Color, AnyNumberIsTaken) {
+TEST(color, any_number_is_taken) {
   constexpr float inf = std::numeric_limits<float>::infinity(), nan = std::numeric_limits<float>::quiet_NaN();
   std::mt19937 random(20);
   std::vector<float> odd = {inf,    -inf,    nan,      -0.0f, 1e-30f, -1e-30f,   1e30f,
@@ -337,7 +337,7 @@ TEST(Color, AnyNumberIsTaken) {
 
 // --- names
 
-TEST(Color, Names) {
+TEST(color, names) {
   const struct {
     const wchar_t* value;
     std::vector<const std::wstring*> names;

@@ -10,7 +10,7 @@ using ruvo::color;
 using ruvo::var;
 using ruvo::xvar;
 
-TEST(ColorValue, IsHeldAsAColour) {
+TEST(color_value, is_held_as_a_colour) {
   const color translucent = color(10u, 20u, 300u, 0.25f).set_amount(3);
   const xvar value = translucent;
   EXPECT_TRUE(static_cast<const var&>(xvar(translucent)) == value);
@@ -34,7 +34,7 @@ TEST(ColorValue, IsHeldAsAColour) {
   EXPECT_TRUE(color(value) == translucent);
 }
 
-TEST(ColorValue, NullAndOtherKinds) {
+TEST(color_value, null_and_other_kinds) {
   color c(color::ROJO);
   c = xvar();
   EXPECT_TRUE(c == color(color::RED));
@@ -46,7 +46,7 @@ TEST(ColorValue, NullAndOtherKinds) {
   EXPECT_TRUE(xvar(color(L"")).var::empty());
 }
 
-TEST(ColorValue, ComparesByTypeAndText) {
+TEST(color_value, compares_by_type_and_text) {
   const xvar red = color(color::RED), same = color(255, 0, 0), blue = color(color::BLUE);
   EXPECT_TRUE(static_cast<const var&>(red) == same);
   EXPECT_FALSE(static_cast<const var&>(red) == blue);
@@ -54,13 +54,13 @@ TEST(ColorValue, ComparesByTypeAndText) {
   EXPECT_TRUE(static_cast<const var&>(blue) < red);
 }
 
-TEST(ColorValue, OrderIsThatOfTheTexts) {
+TEST(color_value, order_is_that_of_the_texts) {
   const color lower(L"#ff0000"), upper(L"#FF0000");  // the same number
   EXPECT_TRUE(upper < lower && lower > upper && upper <= lower && lower >= upper);
   EXPECT_FALSE(upper > lower || lower <= upper || upper >= lower);
 }
 
-TEST(ColorValue, InContainers) {
+TEST(color_value, in_containers) {
   const color gold(color::ORO);
   ruvo::bundle values;
   values[L"color"] = gold;

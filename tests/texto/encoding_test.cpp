@@ -61,7 +61,7 @@ std::string plainly_decoded(const std::wstring& text) {
 
 }  // namespace
 
-TEST(Base64, KnownVectors) {
+TEST(base64, known_vectors) {
   const std::pair<const char*, const char*> rows[] = {
       {"", ""},
       {"f", "Zg=="},
@@ -80,7 +80,7 @@ TEST(Base64, KnownVectors) {
   EXPECT_EQ(encoded("\xFB\xFF", true), "-_8=");
 }
 
-TEST(Base64, LowBytesAreNoDigits) {
+TEST(base64, low_bytes_are_no_digits) {
   std::wstring wide;
   texto::base64_decode(wide, L"\x0159YWI");  // the low byte alone would be a digit
   EXPECT_EQ(wide, L"ab");
@@ -88,7 +88,7 @@ TEST(Base64, LowBytesAreNoDigits) {
 
 /// Texts below the size of a block go digit by digit, larger ones through vectors where the processor has
 /// them: both ways are compared, at every size and offset.
-TEST(Base64, PiecesGiveWhatTheWholeGives) {
+TEST(base64, pieces_give_what_the_whole_gives) {
   std::mt19937 random(7);
   for (std::size_t size = 0; size <= 200; ++size)
     for (std::size_t offset = 0; offset < 16; ++offset) {
@@ -114,7 +114,7 @@ TEST(Base64, PiecesGiveWhatTheWholeGives) {
 }
 
 /// Every byte and every unit in a long run of digits, where vectors have to tell it from a digit.
-TEST(Base64, EveryCharacterAmongDigits) {
+TEST(base64, every_character_among_digits) {
   const std::string run(48, 'Q');
   for (std::uint32_t unit = 0; unit < 0x10000; ++unit) {
     const std::size_t at = unit % run.size();
@@ -131,7 +131,7 @@ TEST(Base64, EveryCharacterAmongDigits) {
   }
 }
 
-TEST(Base64, RandomJunkIsSkipped) {
+TEST(base64, random_junk_is_skipped) {
   std::mt19937 random(64);
   const std::wstring junk = L"\r\n .=\x0141\xFF41!@[`{\x80";
   for (int round = 0; round < 3000; ++round) {
@@ -149,7 +149,7 @@ TEST(Base64, RandomJunkIsSkipped) {
   }
 }
 
-TEST(Base64, BinaryData) {
+TEST(base64, binary_data) {
   const std::vector<unsigned char> bytes = {0xFB, 0xFF, 'a', 0};
   const std::pair<long, std::string> rows[] = {{-1, "+/9hAA=="}, {4, "+/9hAA=="}, {5, "+/9hAA=="},
                                                {3, "+/9h"},      {1, "+w=="},     {0, ""}};
@@ -165,7 +165,7 @@ TEST(Base64, BinaryData) {
   EXPECT_TRUE(back.empty());
 }
 
-TEST(Hex, EveryByteBothWays) {
+TEST(hex, every_byte_both_ways) {
   std::string all;
   for (int i = 0; i < 256; ++i) all.push_back(static_cast<char>(i));
   const std::wstring hex = texto::string_to_hex(all);
@@ -178,7 +178,7 @@ TEST(Hex, EveryByteBothWays) {
   EXPECT_EQ(texto::hex_to_string(texto::to_utf_8(texto::to_uppercase_(hex))), all);
 }
 
-TEST(Hex, Corners) {
+TEST(hex, corners) {
   EXPECT_EQ(texto::char_to_hex('\xF1'), L"f1");
   EXPECT_EQ(texto::char_to_hex(static_cast<unsigned char>(9)), L"09");
   EXPECT_EQ(texto::char_to_hex(L'\x20AC'), L"ac");
@@ -197,7 +197,7 @@ TEST(Hex, Corners) {
   }
 }
 
-TEST(Hex, PiecesGiveWhatTheWholeGives) {
+TEST(hex, pieces_give_what_the_whole_gives) {
   std::mt19937 random(16);
   for (std::size_t size = 0; size <= 200; ++size)
     for (std::size_t offset = 0; offset < 8; ++offset) {
@@ -218,7 +218,7 @@ TEST(Hex, PiecesGiveWhatTheWholeGives) {
     }
 }
 
-TEST(Hex, EveryBadCharacterIsFoundAnywhere) {
+TEST(hex, every_bad_character_is_found_anywhere) {
   const std::string digits = "0123456789abcdefABCDEF";
   for (std::uint32_t unit = 0; unit < 0x10000; ++unit) {
     std::wstring wide(80, L'1');
@@ -236,7 +236,7 @@ TEST(Hex, EveryBadCharacterIsFoundAnywhere) {
   }
 }
 
-TEST(Hex, ToDecimal) {
+TEST(hex, to_decimal) {
   const std::pair<std::string, std::string> rows[] = {
       {"", "0"},
       {"0", "0"},
@@ -259,7 +259,7 @@ TEST(Hex, ToDecimal) {
 }
 
 /// Checked by remainders: those of the decimal text are those of the hexadecimal one.
-TEST(Hex, LongNumbersToDecimal) {
+TEST(hex, long_numbers_to_decimal) {
   std::mt19937 random(10);
   for (const std::size_t size : {17u, 100u, 1001u, 5000u}) {
     std::string hex(size, '1');
@@ -277,7 +277,7 @@ TEST(Hex, LongNumbersToDecimal) {
   }
 }
 
-TEST(Web, Encode) {
+TEST(web, encode) {
   const std::pair<std::wstring, std::wstring> rows[] = {
       {L"", L""},
       {L"a b+c/d?e=f&g", L"a%20b%2Bc%2Fd%3Fe%3Df%26g"},
@@ -287,7 +287,7 @@ TEST(Web, Encode) {
   for (const auto& [text, address] : rows) EXPECT_EQ(texto::web_encode(text), address);
 }
 
-TEST(Web, EveryUnitComesBack) {
+TEST(web, every_unit_comes_back) {
   const std::wstring unreserved = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
   for (std::uint32_t unit = 0; unit < 0x10000; ++unit) {
     const std::wstring text(1, static_cast<wchar_t>(unit));
@@ -303,7 +303,7 @@ TEST(Web, EveryUnitComesBack) {
   }
 }
 
-TEST(Mail, QEncoded) {
+TEST(mail, q_encoded) {
   const std::pair<std::string, std::string> rows[] = {
       {"", ""},
       {"Factura 12/2024 (pagada), \"ok\" = 3?", "Factura 12/2024 (pagada), \"ok\" = 3?"},
@@ -317,7 +317,7 @@ TEST(Mail, QEncoded) {
   for (const auto& [text, header] : rows) EXPECT_EQ(texto::q_encoded(text), header);
 }
 
-TEST(Mail, RandomTextsComeBack) {
+TEST(mail, random_texts_come_back) {
   std::mt19937 random(2047);
   const char* const parts[] = {"a", " ", "ñ", "€", "\xF0\x9F\x98\x80", "=", "?=", "_", ",", "word", "\r\n"};
   for (int round = 0; round < 1000; ++round) {
@@ -327,7 +327,7 @@ TEST(Mail, RandomTextsComeBack) {
   }
 }
 
-TEST(AnsiCodePage, AsciiStaysAndTheRestComesBackWhereThePageHoldsIt) {
+TEST(ansi_code_page, ascii_stays_and_the_rest_comes_back_where_the_page_holds_it) {
   const std::locale locale;
   std::string ascii;
   for (char c = 0; c < 127; ++c) ascii.push_back(c);
@@ -343,7 +343,7 @@ TEST(AnsiCodePage, AsciiStaysAndTheRestComesBackWhereThePageHoldsIt) {
   }
 }
 
-TEST(Streams, TextOfAWideStream) {
+TEST(streams, text_of_a_wide_stream) {
   std::wostringstream out;
   EXPECT_EQ(texto::stream_to_string(out), L"");
   out << L"año " << 12;

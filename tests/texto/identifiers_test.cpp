@@ -35,24 +35,24 @@ bool both(const std::string& text, Narrow narrow, Wide wide) {
   return valid;
 }
 
-using Narrow = bool (*)(const std::string&);
-using Wide = bool (*)(const std::wstring&);
-struct Check {
+using narrow_check = bool (*)(const std::string&);
+using wide_check = bool (*)(const std::wstring&);
+struct check_row {
   const char* name;
-  Narrow narrow;
-  Wide wide;
+  narrow_check narrow;
+  wide_check wide;
   bool operator()(const std::string& text) const { return both(text, narrow, wide); }
 };
-const Check dni{"dni", texto::valida_dni, texto::valida_dni};
-const Check nie{"nie", texto::valida_nie, texto::valida_nie};
-const Check cif{"cif", texto::valida_cif, texto::valida_cif};
-const Check nif{"nif", texto::valida_nif, texto::valida_nif};
-const Check iban{"iban", texto::valida_iban, texto::valida_iban};
-const Check iban_esp{"iban_esp", texto::valida_iban_esp, texto::valida_iban_esp};
-const Check card{"card", texto::valida_tarjeta_credito, texto::valida_tarjeta_credito};
+const check_row dni{"dni", texto::valida_dni, texto::valida_dni};
+const check_row nie{"nie", texto::valida_nie, texto::valida_nie};
+const check_row cif{"cif", texto::valida_cif, texto::valida_cif};
+const check_row nif{"nif", texto::valida_nif, texto::valida_nif};
+const check_row iban{"iban", texto::valida_iban, texto::valida_iban};
+const check_row iban_esp{"iban_esp", texto::valida_iban_esp, texto::valida_iban_esp};
+const check_row card{"card", texto::valida_tarjeta_credito, texto::valida_tarjeta_credito};
 
 /// The capitals that make `start` valid.
-std::string valid_letters(const Check& check, const std::string& start) {
+std::string valid_letters(const check_row& check, const std::string& start) {
   std::string letters;
   for (const char letter : capitals)
     if (check(start + letter)) letters += letter;
@@ -71,7 +71,7 @@ std::string iban_of(const std::string& country, const std::string& account) {
 
 }  // namespace
 
-TEST(Identity, OneLetterControlsANumber) {
+TEST(identity, one_letter_controls_a_number) {
   std::mt19937 random(7);
   for (int round = 0; round < 2000; ++round) {
     const unsigned number = round < 100 ? static_cast<unsigned>(round) : random() % 100000000;
@@ -87,7 +87,7 @@ TEST(Identity, OneLetterControlsANumber) {
   EXPECT_TRUE(nie("X1234567L"));
 }
 
-TEST(Identity, CifFollowsItsWeights) {
+TEST(identity, cif_follows_its_weights) {
   std::mt19937 random(8);
   const std::regex form("^[A-Z]{1}[0-9]{7}[A-J]$");
   for (int round = 0; round < 2000; ++round) {
@@ -108,7 +108,7 @@ TEST(Identity, CifFollowsItsWeights) {
   }
 }
 
-TEST(Identity, FormsThatAreRefused) {
+TEST(identity, forms_that_are_refused) {
   std::vector<std::string> texts = {"",
                                     " 12345678Z",
                                     "1234567 Z",
@@ -120,15 +120,15 @@ TEST(Identity, FormsThatAreRefused) {
        {"1234567Z", "12345678ZZ", "12345678-Z", "+1234567L", "-2345678Z", "0x123456Z", "X123456-L",
         "W1234567L", "XX234567L", "A5881850", "AA881850A", "123456789"})
     texts.push_back(text);
-  for (const Check& check : {dni, nie, cif, nif, iban, iban_esp}) {
+  for (const check_row& check : {dni, nie, cif, nif, iban, iban_esp}) {
     for (const std::string& text : texts) EXPECT_FALSE(check(text)) << check.name << " " << text;
     EXPECT_FALSE(check(std::string(5000000, '9'))) << check.name;
   }
 }
 
-TEST(Identity, WideUnitsDoNotBecomeDigits) {
+TEST(identity, wide_units_do_not_become_digits) {
   const struct {
-    const Check& check;
+    const check_row& check;
     std::wstring text;
   } rows[] = {{dni, L"12345678Z"},
               {nie, L"X1234567L"},
@@ -149,7 +149,7 @@ TEST(Identity, WideUnitsDoNotBecomeDigits) {
   }
 }
 
-TEST(Iban, ExamplesOfManyCountries) {
+TEST(iban, examples_of_many_countries) {
   for (const char* text :
        {"ES9121000418450200051332", "GB82WEST12345698765432", "DE89370400440532013000", "NO9386011117947",
         "FR1420041010050500013M02606", "BE68539007547034", "MT84MALT011000012345MTLCAST001S",
@@ -167,8 +167,8 @@ TEST(Iban, ExamplesOfManyCountries) {
   }
 }
 
-TEST(Iban, EveryChangeAndTranspositionIsFound) {
-  const auto expect_found = [](const Check& check, const std::string& valid, const std::string& choice) {
+TEST(iban, every_change_and_transposition_is_found) {
+  const auto expect_found = [](const check_row& check, const std::string& valid, const std::string& choice) {
     for (std::size_t at = 0; at < valid.size(); ++at) {
       for (const char c : choice) {
         // A letter for a digit counts as two digits and may leave the remainder.
@@ -187,7 +187,7 @@ TEST(Iban, EveryChangeAndTranspositionIsFound) {
   expect_found(iban_esp, "ES9121000418450200051332", digits + capitals + " -.@[");
 }
 
-TEST(Iban, LengthsAndCheckDigits) {
+TEST(iban, lengths_and_check_digits) {
   std::mt19937 random(9);
   for (std::size_t size = 5; size <= 40; ++size) {
     std::string account;
@@ -208,7 +208,7 @@ TEST(Iban, LengthsAndCheckDigits) {
   }
 }
 
-TEST(Cards, Luhn) {
+TEST(cards, luhn) {
   for (const char* text :
        {"4111111111111111", "5555555555554444", "378282246310005", "79927398713", "0", "18"})
     EXPECT_TRUE(card(text)) << text;
@@ -232,7 +232,7 @@ TEST(Cards, Luhn) {
   EXPECT_TRUE(texto::valida_tarjeta_credito(std::string(5000000, '0')));
 }
 
-TEST(Identifiers, Cleaning) {
+TEST(identifiers, cleaning) {
   EXPECT_EQ(texto::limpia_nif_(L" 12.345.678-z ñ\xFF11"), L"12345678z");
   EXPECT_EQ(texto::limpia_nif_(L""), L"");
   const struct {
@@ -250,7 +250,7 @@ TEST(Identifiers, Cleaning) {
   }
 }
 
-TEST(Identifiers, HiddenAccounts) {
+TEST(identifiers, hidden_accounts) {
   const std::wstring text = L"ES1234";
   const std::pair<int, const wchar_t*> rows[] = {{2, L"****34"},       {1, L"*****4"},      {6, L"ES1234"},
                                                  {7, L"ES1234"},       {0, L"ES1234"},      {-1, L"ES1234"},

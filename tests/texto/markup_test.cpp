@@ -29,7 +29,7 @@ std::wstring solid(std::wstring text) {
 
 }  // namespace
 
-TEST(Sql, DoublesAndHalvesQuotes) {
+TEST(sql, doubles_and_halves_quotes) {
   for (int round = 0; round < 1000; ++round) {
     const std::wstring text = chance.joined({L"'", L"a", L"\""}, 12), escaped = texto::escaped_to_sql_(text);
     ASSERT_EQ(escaped, std::regex_replace(text, std::wregex(L"'"), L"''"));
@@ -40,7 +40,7 @@ TEST(Sql, DoublesAndHalvesQuotes) {
   }
 }
 
-TEST(Html, Entities) {
+TEST(html, entities) {
   const std::wstring plain = L"áéíóúÁÉÍÓÚñÑüÜçÇ";
   const std::wstring escaped =
       L"&aacute;&eacute;&iacute;&oacute;&uacute;&Aacute;&Eacute;&Iacute;&Oacute;&Uacute;"
@@ -56,13 +56,13 @@ TEST(Html, Entities) {
   EXPECT_EQ(in_place(texto::escaped_from_html, L"&&eacute;&EACUTE;&eacute&amp;"), L"&é&EACUTE;&eacute&amp;");
 }
 
-TEST(Html, LineEnds) {
+TEST(html, line_ends) {
   EXPECT_EQ(texto::to_html_(L"a\r\nb\n\rc\r\r\né"), L"a<br/>b<br/>\rc\r<br/>&eacute;");
   EXPECT_EQ(in_place(texto::to_html, L"\n\n"), L"<br/><br/>");
   EXPECT_EQ(texto::to_plain_(texto::to_html_(L"año\r\nñu\r\n")), L"año\r\nñu\r\n");
 }
 
-TEST(Html, TagsAgreeWithThePattern) {
+TEST(html, tags_agree_with_the_pattern) {
   const std::wregex tag(L"<[^>]*>");
   std::vector<std::wstring> tags = pieces(L"< > / a <br/> </br> &eacute; &eacute");
   tags.push_back(L"\n");
@@ -82,7 +82,7 @@ TEST(Html, TagsAgreeWithThePattern) {
   EXPECT_EQ(texto::to_plain_(open + L">" + L"<<"), L"<<");
 }
 
-TEST(Html, DocumentTagsAgreeWithThePatterns) {
+TEST(html, document_tags_agree_with_the_patterns) {
   const std::vector<std::wstring> parts = pieces(L"< </ / > html HtMl body Body <body> a");
   for (int round = 0; round < 10000; ++round) {
     const std::wstring text = chance.joined(parts, 10);
@@ -99,7 +99,7 @@ TEST(Html, DocumentTagsAgreeWithThePatterns) {
             L"<body class=\"x\">a");
 }
 
-TEST(Json, Escapes) {
+TEST(json, escapes) {
   EXPECT_EQ(in_place(texto::escaped_to_json, L"\ta\r\n\"\\\b"), L"\\ta\\r\\n\"\\\b");
 
   ruvo::bundle values;
@@ -125,7 +125,7 @@ TEST(Json, Escapes) {
   EXPECT_EQ(values.get_list(L"list").to_string(), L"[\"\\t\",[\"\\n\"]]");
 }
 
-TEST(Json, EscapesInDeepNesting) {
+TEST(json, escapes_in_deep_nesting) {
   ruvo::bundle values;
   ruvo::list* inner = &values.hack_list_on(L"list");
   for (int level = 0; level < 100000; ++level) inner = &inner->on_back_list();
@@ -134,7 +134,7 @@ TEST(Json, EscapesInDeepNesting) {
   EXPECT_EQ(inner->front(), L"\\t");
 }
 
-TEST(Json, Print) {
+TEST(json, print) {
   const struct {
     const wchar_t *text, *printed;
   } rows[] = {
@@ -151,7 +151,7 @@ TEST(Json, Print) {
   for (const auto& row : rows) EXPECT_EQ(texto::print_json(row.text), row.printed);
 }
 
-TEST(Json, PrintChangesNothingButBlanks) {
+TEST(json, print_changes_nothing_but_blanks) {
   const std::vector<std::wstring> parts{L"{", L"}", L"[",  L"]",  L",",    L":",       L"\"k\"", L"\"",
                                         L"1", L" ", L"\n", L"\\", L"true", L"\" { \"", L"[]"};
   for (int round = 0; round < 20000; ++round) {
@@ -166,7 +166,7 @@ TEST(Json, PrintChangesNothingButBlanks) {
   EXPECT_NE(printed.find(L"[\n" + std::wstring(40, L' ') + L"[\n"), printed.npos);
 }
 
-TEST(Memo, Decodes) {
+TEST(memo, decodes) {
   ruvo::binary all(256ULL);
   std::iota(all.begin(), all.end(), static_cast<unsigned char>(0));
   ruvo::binary out("before");
@@ -178,7 +178,7 @@ TEST(Memo, Decodes) {
   EXPECT_TRUE(out.empty());
 }
 
-TEST(Memo, DecodesDocuments) {
+TEST(memo, decodes_documents) {
   const auto stored = [](const std::string& document) { return ruvo::binary(document).getAsB64(false); };
   const struct {
     std::wstring memo, read;

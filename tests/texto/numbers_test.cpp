@@ -81,7 +81,7 @@ double any_double(std::mt19937_64& random) {
 
 }  // namespace
 
-TEST(Format, AsAWideStreamPrints) {
+TEST(format, as_a_wide_stream_prints) {
   const struct {
     wchar_t decimal, thousands;
   } rows[] = {{L',', L'.'}, {L'.', L','}, {L'\x066B', L'\x202F'}, {L'\0', L'7'}, {L'\xD83D', L'\xFFFF'}};
@@ -111,7 +111,7 @@ TEST(Format, AsAWideStreamPrints) {
   }
 }
 
-TEST(Format, NumbersOutOfTheOrdinary) {
+TEST(format, numbers_out_of_the_ordinary) {
   constexpr double nan = std::numeric_limits<double>::quiet_NaN();
   EXPECT_EQ(texto::format(nan, 2), L"nan");
   EXPECT_EQ(texto::format(-nan, 0), L"nan");
@@ -124,7 +124,7 @@ TEST(Format, NumbersOutOfTheOrdinary) {
   }
 }
 
-TEST(Format, EachThreadHasItsSeparators) {
+TEST(format, each_thread_has_its_separators) {
   marked_app app(L'.', L' ');
   const ruvo::thread_scope scope(app);
   std::thread([] {
@@ -134,7 +134,7 @@ TEST(Format, EachThreadHasItsSeparators) {
   EXPECT_EQ(texto::format(-1234567.891, 2), L"-1 234 567.89");
 }
 
-TEST(NumberText, FieldsSizesAndNumerals) {
+TEST(number_text, fields_sizes_and_numerals) {
   for (int length = 1, value = 1; length <= 10; ++length, value = length <= 10 ? value * 10 : value) {
     EXPECT_EQ(texto::calculate_length_number(value), length);
     EXPECT_EQ(texto::calculate_length_number(-value), length);
@@ -168,7 +168,7 @@ TEST(NumberText, FieldsSizesAndNumerals) {
   for (const auto& row : sizes) EXPECT_EQ(texto::format_file_size(row.size), row.text);
 }
 
-TEST(NumberText, RomanNumeralsAddUp) {
+TEST(number_text, roman_numerals_add_up) {
   for (const unsigned int beyond : {1000000u, UINT_MAX})
     EXPECT_EQ(texto::to_roman(beyond), L"Número no soportado");
   EXPECT_EQ(texto::to_roman(4999), L"MMMMDCCCCLXXXXVIIII");
@@ -202,7 +202,7 @@ void expect_same(bool (*is)(const std::wstring&), const std::wstring& pattern,
 
 }  // namespace
 
-TEST(NumberTests, NumbersAsTheirPatterns) {
+TEST(number_tests, numbers_as_their_patterns) {
   const std::wstring grouped = LR"(\d{1,3}(?:\.\d{3})*(?:,\d+)?|\d{1,3}(?:,\d{3})*(?:\.\d+)?)",
                      plain = LR"(-?\d+|-?\d+[.\d]*|-?\d+[,\d]*)";
   expect_same(texto::is_number, grouped + L"|" + plain,
@@ -215,7 +215,7 @@ TEST(NumberTests, NumbersAsTheirPatterns) {
   EXPECT_FALSE(texto::is_number(std::wstring(L"1\0", 2)));
 }
 
-TEST(NumberTests, MailAddressesAsTheirPattern) {
+TEST(number_tests, mail_addresses_as_their_pattern) {
   expect_same(texto::is_email,
               LR"(^[_A-Za-z0-9\-+]+(\.[_A-Za-z0-9\-]+)*@[A-Za-z0-9\-]+(\.[A-Za-z0-9]+)*(\.[A-Za-z]{2,})$)",
               pieces(L"a Z9 - _ + . @b @ @b.es a+b@c .com .com .x .c0 ñ"), 10);
@@ -227,7 +227,7 @@ TEST(NumberTests, MailAddressesAsTheirPattern) {
     EXPECT_FALSE(texto::is_email(other)) << other;
 }
 
-TEST(NumberTests, LongTextsHaveAnAnswer) {
+TEST(number_tests, long_texts_have_an_answer) {
   constexpr std::size_t many = 10'000'000;
   const std::wstring digits(many, L'1'), points(many, L'.'), letters(many, L'a');
   EXPECT_TRUE(texto::is_number(digits));
@@ -342,7 +342,7 @@ class word_reader {
 
 }  // namespace
 
-TEST(Amounts, ReadBackAsTheyWere) {
+TEST(amounts, read_back_as_they_were) {
   const auto check = [](double amount, long long cents) {
     const std::wstring text = texto::cifras_letras(amount);
     ASSERT_EQ(word_reader(text).read(), std::optional(cents)) << text;
@@ -366,7 +366,7 @@ TEST(Amounts, ReadBackAsTheyWere) {
   }
 }
 
-TEST(Numbers, OfAnySizeStandInDocumentsAsTheirText) {
+TEST(numbers, of_any_size_stand_in_documents_as_their_text) {
   using limits = std::numeric_limits<double>;
   for (const double value : {9.2e18, 9.3e18, -1e19, 1.8446744073709552e19, 1e40, limits::max(),
                              -limits::max(), limits::infinity(), -limits::infinity(), limits::quiet_NaN()}) {
@@ -382,7 +382,7 @@ TEST(Numbers, OfAnySizeStandInDocumentsAsTheirText) {
   }
 }
 
-TEST(Amounts, WellKnownPhrases) {
+TEST(amounts, well_known_phrases) {
   constexpr double infinity = std::numeric_limits<double>::infinity();
   const wchar_t unsupported[] = L"Número no soportado";
   const struct {

@@ -17,9 +17,9 @@ namespace {
 /// Random patterns over a, b, c, of the kinds that the standard engine gets right: no loop around what can be
 /// empty (unless `empty_turns`), no reference to a group that may have taken no part, no assertion on what is
 /// left of it inside a look-ahead.
-class Generator {
+class pattern_generator {
  public:
-  explicit Generator(std::uint32_t seed, bool empty_turns = false)
+  explicit pattern_generator(std::uint32_t seed, bool empty_turns = false)
       : random_(seed), empty_turns_(empty_turns) {}
 
   std::uint32_t below(std::uint32_t limit) { return static_cast<std::uint32_t>(random_() % limit); }
@@ -156,8 +156,8 @@ std::wstring repeated(const std::wstring& part, std::size_t times) {
 
 }  // namespace
 
-TEST(Pattern, AgreesWithTheStandardEngineOnShortTexts) {
-  Generator make(20240517);
+TEST(pattern, agrees_with_the_standard_engine_on_short_texts) {
+  pattern_generator make(20240517);
   int compared = 0;
   for (int i = 0; i < 6000; ++i) {
     const std::wstring pattern = make.pattern(3);
@@ -175,8 +175,8 @@ TEST(Pattern, AgreesWithTheStandardEngineOnShortTexts) {
   EXPECT_GT(compared, 15'000);
 }
 
-TEST(Pattern, AlternativesThatBeginAlikeAreTriedInTheirOrder) {
-  Generator make(41);
+TEST(pattern, alternatives_that_begin_alike_are_tried_in_their_order) {
+  pattern_generator make(41);
   for (int i = 0; i < 4000; ++i) {
     std::wstring pattern = L"(?:";
     for (std::uint32_t j = 2 + make.below(6); j > 0; --j) {
@@ -192,7 +192,7 @@ TEST(Pattern, AlternativesThatBeginAlikeAreTriedInTheirOrder) {
   }
 }
 
-TEST(Pattern, ManyAlternativesOnLongTexts) {
+TEST(pattern, many_alternatives_on_long_texts) {
   std::mt19937 random(7);
   const auto letter = [&random] { return static_cast<wchar_t>(L'a' + random() % 26); };
   std::wstring words = L"\\d", pairs = L"ax", groups = L"(ax)", letters(1'000'000, L' ');
@@ -211,8 +211,8 @@ TEST(Pattern, ManyAlternativesOnLongTexts) {
 }
 
 // Around what can be empty engines differ in the groups they report; whether the text matches is certain.
-TEST(Pattern, LoopsWithEmptyTurnsEndAndMatchTheSameTexts) {
-  Generator make(77, true);
+TEST(pattern, loops_with_empty_turns_end_and_match_the_same_texts) {
+  pattern_generator make(77, true);
   for (int i = 0; i < 4000; ++i) {
     const std::wstring pattern = make.pattern(1);
     const std::wregex standard(pattern);
@@ -224,7 +224,7 @@ TEST(Pattern, LoopsWithEmptyTurnsEndAndMatchTheSameTexts) {
   }
 }
 
-TEST(Pattern, EscapesAndSets) {
+TEST(pattern, escapes_and_sets) {
   const struct {
     std::wstring pattern, text;
     bool matches;
@@ -263,7 +263,7 @@ TEST(Pattern, EscapesAndSets) {
     EXPECT_EQ(texto::match(row.text, row.pattern), row.matches) << testing::PrintToString(row.pattern);
 }
 
-TEST(Pattern, ClassesOfAsciiAreTheStandardOnes) {
+TEST(pattern, classes_of_ascii_are_the_standard_ones) {
   for (const wchar_t* name : {L"alnum", L"alpha", L"cntrl", L"digit", L"graph", L"lower", L"punct", L"space",
                               L"upper", L"xdigit"}) {
     const std::wstring pattern = std::wstring(L"[[:") + name + L":]]";
@@ -275,7 +275,7 @@ TEST(Pattern, ClassesOfAsciiAreTheStandardOnes) {
   }
 }
 
-TEST(Pattern, ClassesBeyondAscii) {
+TEST(pattern, classes_beyond_ascii) {
   const std::wstring capitals = L"ÀÑÞĀŸŽΑΏЀЯЁ", small = L"ßàñÿāžſαώяё", blanks = L"\x00A0\x1680\x2007\x3000",
                      marks = L"¡¿«»·×–…", caseless = L"ªºµƀ", others = L"\x0080€中\xD83D\xDE00",
                      digits = L"٣３";
@@ -305,7 +305,7 @@ TEST(Pattern, ClassesBeyondAscii) {
   EXPECT_EQ(texto::replace_(L"año _nuevo, ÁGIL", L"\\b\\w", L"<$&>"), L"<a>ño <_>nuevo, <Á>GIL");
 }
 
-TEST(Pattern, GroupsAndReferences) {
+TEST(pattern, groups_and_references) {
   const struct {
     std::wstring text, pattern, with, expected;
   } rows[] = {
@@ -330,7 +330,7 @@ TEST(Pattern, GroupsAndReferences) {
         << testing::PrintToString(row.pattern);
 }
 
-TEST(Pattern, BadPatternsThrowTheFittingError) {
+TEST(pattern, bad_patterns_throw_the_fitting_error) {
   const struct {
     codes::error_type error;
     std::vector<std::wstring> patterns;
@@ -358,7 +358,7 @@ TEST(Pattern, BadPatternsThrowTheFittingError) {
   EXPECT_EQ(error_of(L"\\c1"), codes::error_escape);
 }
 
-TEST(Pattern, RandomCharactersAreAPatternOrAnErrorOfBoth) {
+TEST(pattern, random_characters_are_a_pattern_or_an_error_of_both) {
   std::mt19937 random(5);
   int good = 0;
   for (int i = 0; i < 20'000; ++i) {
@@ -375,7 +375,7 @@ TEST(Pattern, RandomCharactersAreAPatternOrAnErrorOfBoth) {
   EXPECT_GT(good, 2000);
 }
 
-TEST(Pattern, TextsOfTenMegabytes) {
+TEST(pattern, texts_of_ten_megabytes) {
   const std::size_t size = 10'000'000;
   const std::wstring as(size, L'a'), opening(size, L'<'), tags = repeated(L"<b>a", size / 4);
   EXPECT_FALSE(texto::match(as, L"(a|b)*c"));
@@ -392,7 +392,7 @@ TEST(Pattern, TextsOfTenMegabytes) {
   EXPECT_EQ(texto::replace_(as + L"b", L"(a|ab)*?b$", L"[$1]"), L"[a]");
 }
 
-TEST(Pattern, WhatWouldTakeForEverEndsSoon) {
+TEST(pattern, what_would_take_for_ever_ends_soon) {
   const std::wstring as(100'000, L'a');
   const std::wstring patterns[] = {
       L"(a+)+b",     L"(a*)*b",    L"(a|aa)*c", L"(?:a?){30}a{30}b", L"(.*)(.*)(.*)(.*)(.*)x",
@@ -407,7 +407,7 @@ TEST(Pattern, WhatWouldTakeForEverEndsSoon) {
   EXPECT_EQ(error_of(L"(?:(a)|(aa)|\\1.)*$x", std::wstring(300'000, L'a')), codes::error_complexity);
 }
 
-TEST(Pattern, Bombs) {
+TEST(pattern, bombs) {
   const std::size_t deep = 100'000;
   for (const wchar_t* part : {L"(", L"(?:", L"(?="}) {  // answered or refused
     const auto error = error_of(repeated(part, deep) + L"a" + repeated(L")", deep));

@@ -44,7 +44,7 @@ bool fits(const wchar_t* text, const wchar_t* mask) {
 
 }  // namespace
 
-TEST(Replace, AgreesWithThePlainLoop) {
+TEST(replace, agrees_with_the_plain_loop) {
   for (int round = 0; round < 20000; ++round) {
     const std::wstring from = any_text(L"ab", 4) + L"a";
     const std::wstring to = any_text(L"a.", 6);
@@ -59,7 +59,7 @@ TEST(Replace, AgreesWithThePlainLoop) {
   }
 }
 
-TEST(Replace, IsLiteral) {
+TEST(replace, is_literal) {
   std::wstring text = L"1.5*(2)$";
   EXPECT_EQ(texto::safe_replace(text, L".", L"$&"), L"1$&5*(2)$");
   EXPECT_EQ(texto::safe_replace(text, L"*(", L"\\"), L"1$&5\\2)$");
@@ -69,7 +69,7 @@ TEST(Replace, IsLiteral) {
   EXPECT_EQ(texto::safe_replace(text, L'.', L'\0'), std::wstring(L"1\0&5\\2)\0", 8));
 }
 
-TEST(Replace, TextsThatRepeatThemselvesTakeLinearTime) {
+TEST(replace, texts_that_repeat_themselves_take_linear_time) {
   const std::wstring run(3000, L'a'), part = run + L"b" + run;
   std::wstring text;
   for (int n = 0; n < 40; ++n) text += std::wstring(dice() % 4 * 20000, L'a') + (n % 3 == 0 ? part : L"b");
@@ -82,7 +82,7 @@ TEST(Replace, TextsThatRepeatThemselvesTakeLinearTime) {
   EXPECT_EQ(texto::safe_replace(large, L"a", L"''").size(), 10000000u);
 }
 
-TEST(Split, AgreesWithTheTokenIterator) {
+TEST(split, agrees_with_the_token_iterator) {
   for (int round = 0; round < 5000; ++round) {
     const std::wstring separator = any_text(L"a.", 2) + L".";
     const std::wstring text = any_text(L"a..b\\", 30);
@@ -92,7 +92,7 @@ TEST(Split, AgreesWithTheTokenIterator) {
   }
 }
 
-TEST(Split, Edges) {
+TEST(split, edges) {
   const struct {
     const wchar_t *text, *separator;
     pieces expected;
@@ -114,7 +114,7 @@ TEST(Split, Edges) {
   EXPECT_EQ(texto::split(std::wstring(5000000, L','), L",").size(), 5000000u);
 }
 
-TEST(Mask, AgreesWithTheRecursiveRule) {
+TEST(mask, agrees_with_the_recursive_rule) {
   for (int round = 0; round < 50000; ++round) {
     const std::wstring text = any_text(L"ab", 10), mask = any_text(L"ab*?", 7);
     const bool wild = mask.find_first_of(L"*?") != mask.npos;
@@ -129,7 +129,7 @@ TEST(Mask, AgreesWithTheRecursiveRule) {
   EXPECT_TRUE(texto::match_mask(large + L"b", L"a*a*a*a*b", 0));
 }
 
-TEST(Mask, ModesWithoutWildcards) {
+TEST(mask, modes_without_wildcards) {
   const struct {
     const wchar_t *text, *mask;
     std::wstring modes;  // in which the mask matches
@@ -143,7 +143,7 @@ TEST(Mask, ModesWithoutWildcards) {
   }
 }
 
-TEST(Patterns, FixedOnesGiveTheSameAnswers) {
+TEST(patterns, fixed_ones_give_the_same_answers) {
   const std::wregex quoted(L"([\"'])(.*?)([\"'])"), star(L"\\*"), question(L"\\?");
   const std::wregex special(L"[-[\\]{}()*+?.,\\^$|#\\s]");
   for (int round = 0; round < 10000; ++round) {

@@ -6,7 +6,7 @@
 
 namespace texto = ruvo::texto;
 
-TEST(Trim, TakesOnlyTheBlanksOfAscii) {
+TEST(trim, takes_only_the_blanks_of_ascii) {
   const struct {
     std::wstring text, left, right, both;
   } rows[] = {
@@ -32,7 +32,7 @@ TEST(Trim, TakesOnlyTheBlanksOfAscii) {
   }
 }
 
-TEST(Case, EveryUnitFollowsTheTables) {
+TEST(letter_case, every_unit_follows_the_tables) {
   std::wstring upper = L"ABCDEFGHIJKLMNOPQRSTUVWXYZÀÁÂÃÄÅÆÇÐÈÉÊËÌÍÎÏÑÒÓÔÕÖÙÚÛÜÝØ";
   std::wstring lower = L"abcdefghijklmnopqrstuvwxyzàáâãäåæçðèéêëìíîïñòóôõöùúûüýø";
   ASSERT_EQ(upper.size(), lower.size());
@@ -55,7 +55,7 @@ TEST(Case, EveryUnitFollowsTheTables) {
   EXPECT_EQ(texto::to_lowercase(text), L"ñu");
 }
 
-TEST(Case, TextsOfEveryLength) {
+TEST(letter_case, texts_of_every_length) {
   const std::wstring source = L"[ÑAZ@×Þß`az{÷ÿñ\x0141\x8041\xFFC1\x4100";
   for (std::size_t size = 0; size < 40; ++size) {
     for (std::size_t first = 0; first < source.size(); ++first) {
@@ -72,7 +72,7 @@ TEST(Case, TextsOfEveryLength) {
   }
 }
 
-TEST(Tests, Integers) {
+TEST(checks, integers) {
   const struct {
     const wchar_t* text;
     bool integer, positive;
@@ -87,7 +87,7 @@ TEST(Tests, Integers) {
   EXPECT_TRUE(texto::is_integer(L"-" + std::wstring(1000000, L'9')));
 }
 
-TEST(Tests, SafeNonEmpty) {
+TEST(checks, safe_non_empty) {
   EXPECT_EQ(texto::safe_non_empty(std::wstring(L"a"), std::wstring(L"b")), L"a");
   EXPECT_EQ(texto::safe_non_empty(L"", L"b"), L"b");
   EXPECT_EQ(texto::safe_non_empty("", "a\xC3\xB1o"), L"año");

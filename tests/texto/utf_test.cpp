@@ -91,7 +91,7 @@ void put_run(std::wstring& out, std::mt19937& random) {
 
 }  // namespace
 
-TEST(Utf, EveryCodePointComesBack) {
+TEST(utf, every_code_point_comes_back) {
   std::wstring all;
   std::string bytes;
   for (char32_t point = 0; point < 0x110000; ++point) {
@@ -104,7 +104,7 @@ TEST(Utf, EveryCodePointComesBack) {
   EXPECT_TRUE(reference_utf_16(bytes) == all);
 }
 
-TEST(Utf, LoneSurrogates) {
+TEST(utf, lone_surrogates) {
   const struct {
     std::wstring text;
     std::string bytes;
@@ -122,7 +122,7 @@ TEST(Utf, LoneSurrogates) {
   }
 }
 
-TEST(Utf, MalformedPartsAreMaximal) {
+TEST(utf, malformed_parts_are_maximal) {
   const struct {
     std::string bytes;
     std::wstring text;
@@ -144,7 +144,7 @@ TEST(Utf, MalformedPartsAreMaximal) {
   }
 }
 
-TEST(Utf, EveryBytePairAndTripleOfInterestAgreesWithTheReference) {
+TEST(utf, every_byte_pair_and_triple_of_interest_agrees_with_the_reference) {
   for (unsigned a = 0; a < 256; ++a)
     for (unsigned b = 0; b < 256; ++b) {
       const std::string pair{static_cast<char>(a), static_cast<char>(b)};
@@ -160,7 +160,7 @@ TEST(Utf, EveryBytePairAndTripleOfInterestAgreesWithTheReference) {
 
 /// Both ways, over runs long enough for every way through the converters, and over texts longer than the
 /// pieces in which results are made.
-TEST(Utf, RandomRunsAgreeWithTheReference) {
+TEST(utf, random_runs_agree_with_the_reference) {
   std::mt19937 random(1977);
   for (int round = 0; round < 4000; ++round) {
     const std::size_t size = round % 50 ? random() % 150 : 1000 + random() % 3000;
@@ -177,7 +177,7 @@ TEST(Utf, RandomRunsAgreeWithTheReference) {
   }
 }
 
-TEST(Utf, CharactersAcrossThePiecesOfALongText) {
+TEST(utf, characters_across_the_pieces_of_a_long_text) {
   for (const std::wstring& part : {std::wstring(L"ñ"), std::wstring(L"€"), std::wstring(L"\xD83D\xDE00"),
                                    std::wstring(L"\xD83D"), std::wstring(L"\xDE00")})
     for (std::size_t before = 1000; before < 1030; ++before) {
@@ -191,7 +191,7 @@ TEST(Utf, CharactersAcrossThePiecesOfALongText) {
     }
 }
 
-TEST(Utf, RemovesTheMark) {
+TEST(utf, removes_the_mark) {
   for (const auto& [text, left] : {std::pair<std::string, std::string>{"\xEF\xBB\xBFhola", "hola"},
                                    {"\xEF\xBB\xBF", ""},
                                    {"\xEF\xBB", "\xEF\xBB"},

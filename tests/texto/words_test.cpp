@@ -12,7 +12,7 @@ namespace texto = ruvo::texto;
 
 namespace {
 
-using Row = std::pair<std::wstring, std::wstring>;
+using example = std::pair<std::wstring, std::wstring>;
 using made_by = std::wstring (*)(const std::wstring&);
 using changed_by = std::wstring& (*)(std::wstring&);
 
@@ -22,7 +22,7 @@ std::wstring in_place(changed_by change, std::wstring text) {
 }
 
 /// What the function makes of each text, and its twin that changes its argument.
-void check(const std::vector<Row>& rows, made_by make, changed_by change = nullptr) {
+void check(const std::vector<example>& rows, made_by make, changed_by change = nullptr) {
   for (const auto& [text, expected] : rows) {
     EXPECT_EQ(make(text), expected) << texto::to_utf_8(text) << " gives " << texto::to_utf_8(make(text));
     if (change) {
@@ -46,34 +46,34 @@ std::wstring all_units() {
 
 }  // namespace
 
-TEST(Words, CamelAndSnake) {
-  const std::vector<Row> camel = {{L"", L""},
-                                  {L"HOLA MUNDO", L"HolaMundo"},
-                                  {L"  año-nuevo_2025 ya", L"AnoNuevo2025Ya"},
-                                  {L"2x3 ÁRBOL", L"2x3Arbol"},
-                                  {L"straße", L"StraE"},
-                                  {L"¿...?", L""}};
+TEST(words, camel_and_snake) {
+  const std::vector<example> camel = {{L"", L""},
+                                      {L"HOLA MUNDO", L"HolaMundo"},
+                                      {L"  año-nuevo_2025 ya", L"AnoNuevo2025Ya"},
+                                      {L"2x3 ÁRBOL", L"2x3Arbol"},
+                                      {L"straße", L"StraE"},
+                                      {L"¿...?", L""}};
   check(camel, texto::to_camel_case_, texto::to_camel_case);
-  const std::vector<Row> snake = {{L"", L""},
-                                  {L"Hola Mundo", L"hola_mundo"},
-                                  {L"hola mundo", L"holamundo"},
-                                  {L" ¡Árbol Único!", L"arbol_unico"},
-                                  {L"URL", L"u_r_l"},
-                                  {L"hola_mundo 1B", L"holamundo1_b"}};
+  const std::vector<example> snake = {{L"", L""},
+                                      {L"Hola Mundo", L"hola_mundo"},
+                                      {L"hola mundo", L"holamundo"},
+                                      {L" ¡Árbol Único!", L"arbol_unico"},
+                                      {L"URL", L"u_r_l"},
+                                      {L"hola_mundo 1B", L"holamundo1_b"}};
   check(snake, texto::to_snake_case_, texto::to_snake_case);
 }
 
-TEST(Words, Capitalised) {
-  const std::vector<Row> rows = {{L"", L""},
-                                 {L" \t\n ", L""},
-                                 {L"JUAN  PEREZ\r\nlopez ", L"Juan Perez Lopez"},
-                                 {L"árbol Árbol ÁRBOL", L"árbol Árbol Árbol"},
-                                 {L"3abc -x ÑANDÚ", L"3abc -x Ñandú"},
-                                 {L"JUAN\x00A0PEREZ\x2003\x3000LOPEZ\x1680", L"Juan Perez Lopez"}};
+TEST(words, capitalised) {
+  const std::vector<example> rows = {{L"", L""},
+                                     {L" \t\n ", L""},
+                                     {L"JUAN  PEREZ\r\nlopez ", L"Juan Perez Lopez"},
+                                     {L"árbol Árbol ÁRBOL", L"árbol Árbol Árbol"},
+                                     {L"3abc -x ÑANDÚ", L"3abc -x Ñandú"},
+                                     {L"JUAN\x00A0PEREZ\x2003\x3000LOPEZ\x1680", L"Juan Perez Lopez"}};
   check(rows, texto::to_capitalize_case_, texto::to_capitalize_case);
 }
 
-TEST(Words, ReadAsAStreamReadsThem) {
+TEST(words, read_as_a_stream_reads_them) {
   std::mt19937 random(20250101);
   for (int round = 0; round < 3000; ++round) {
     const std::wstring text = random_text(random, L" \t\v\nabYZ'-,1ñÑ", 20);
@@ -91,7 +91,7 @@ TEST(Words, ReadAsAStreamReadsThem) {
   }
 }
 
-TEST(Names, OfPersons) {
+TEST(names, of_persons) {
   check({{L"", L""},
          {L"  ángel   DEL RÍO y pérez ", L"Ángel del Río y Pérez"},
          {L"JUAN\x00A0PEREZ\x202F", L"Juan Perez"},
@@ -117,7 +117,7 @@ TEST(Names, OfPersons) {
         texto::to_capitalize_name_);
 }
 
-TEST(Names, Particles) {
+TEST(names, particles) {
   for (const wchar_t* word : {L"de", L"DEL", L"La", L"los", L"LAS", L"el", L"y", L"e", L"I", L"da", L"das",
                               L"do", L"dos", L"di", L"van", L"VON", L"der"})
     EXPECT_TRUE(texto::is_article_or_preposition(word)) << texto::to_utf_8(word);
@@ -125,42 +125,42 @@ TEST(Names, Particles) {
     EXPECT_FALSE(texto::is_article_or_preposition(word)) << texto::to_utf_8(word);
 }
 
-TEST(Names, OfMunicipalities) {
-  const std::vector<Row> rows = {{L"", L""},
-                                 {L"CORUÑA (A)", L"A Coruña"},
-                                 {L" Coruña ,A ", L"A Coruña"},
-                                 {L"l'hospitalet de llobregat", L"L'Hospitalet de Llobregat"},
-                                 {L"HOSPITALET DE LLOBREGAT ( L' )", L"L'Hospitalet de Llobregat"},
-                                 {L"ALCÚDIA, L\x2019",
-                                  L"L\x2019"
-                                  L"Alcúdia"},
-                                 {L"la seu d'urgell", L"La Seu d'Urgell"},
-                                 {L"CASTELLÓN  DE LA PLANA", L"Castellón de la Plana"},
-                                 {L"delicias del río y barcelona", L"Delicias del Río y Barcelona"},
-                                 {L"VITORIA-GASTEIZ", L"Vitoria-Gasteiz"},
-                                 {L"VILA JOIOSA, LA / VILLAJOYOSA", L"La Vila Joiosa/Villajoyosa"},
-                                 {L"ses salines", L"Ses Salines"},
-                                 {L"sant joan ses figueres", L"Sant Joan ses Figueres"},
-                                 {L"ÁVILA", L"Ávila"},
-                                 {L"\x00A0MOLAR\x00A0,\x2009"
-                                  L"EL\x3000",
-                                  L"El Molar"},
-                                 {L"EL MOLAR, EL", L"El Molar"},
-                                 {L"L'ESCALA (L')", L"L'Escala"},
-                                 {L"ELCHE, EL", L"El Elche"},
-                                 {L"LA, LA", L"La"},
-                                 {L"SANT VICENÇ DELS HORTS", L"Sant Vicenç dels Horts"},
-                                 {L"Mieres (Asturias)", L"Mieres (Asturias)"},
-                                 {L", LAS", L", Las"},
-                                 {L"(A)", L"(A)"},
-                                 {L"x)", L"X)"},
-                                 {L"/", L"/"}};
+TEST(names, of_municipalities) {
+  const std::vector<example> rows = {{L"", L""},
+                                     {L"CORUÑA (A)", L"A Coruña"},
+                                     {L" Coruña ,A ", L"A Coruña"},
+                                     {L"l'hospitalet de llobregat", L"L'Hospitalet de Llobregat"},
+                                     {L"HOSPITALET DE LLOBREGAT ( L' )", L"L'Hospitalet de Llobregat"},
+                                     {L"ALCÚDIA, L\x2019",
+                                      L"L\x2019"
+                                      L"Alcúdia"},
+                                     {L"la seu d'urgell", L"La Seu d'Urgell"},
+                                     {L"CASTELLÓN  DE LA PLANA", L"Castellón de la Plana"},
+                                     {L"delicias del río y barcelona", L"Delicias del Río y Barcelona"},
+                                     {L"VITORIA-GASTEIZ", L"Vitoria-Gasteiz"},
+                                     {L"VILA JOIOSA, LA / VILLAJOYOSA", L"La Vila Joiosa/Villajoyosa"},
+                                     {L"ses salines", L"Ses Salines"},
+                                     {L"sant joan ses figueres", L"Sant Joan ses Figueres"},
+                                     {L"ÁVILA", L"Ávila"},
+                                     {L"\x00A0MOLAR\x00A0,\x2009"
+                                      L"EL\x3000",
+                                      L"El Molar"},
+                                     {L"EL MOLAR, EL", L"El Molar"},
+                                     {L"L'ESCALA (L')", L"L'Escala"},
+                                     {L"ELCHE, EL", L"El Elche"},
+                                     {L"LA, LA", L"La"},
+                                     {L"SANT VICENÇ DELS HORTS", L"Sant Vicenç dels Horts"},
+                                     {L"Mieres (Asturias)", L"Mieres (Asturias)"},
+                                     {L", LAS", L", Las"},
+                                     {L"(A)", L"(A)"},
+                                     {L"x)", L"X)"},
+                                     {L"/", L"/"}};
   check(rows, texto::corregir_nombre_municipio);
-  for (const Row& row : rows) EXPECT_EQ(texto::corregir_nombre_municipio(row.second), row.second);
+  for (const example& row : rows) EXPECT_EQ(texto::corregir_nombre_municipio(row.second), row.second);
 }
 
 // And "dels": the pattern finds the beginning of it.
-TEST(Names, SmallInMunicipalitiesAreTheWordsOfThePattern) {
+TEST(names, small_in_municipalities_are_the_words_of_the_pattern) {
   const std::wregex pattern(
       L"(\\bel\\b|\\bla\\b|\\blos\\b|\\blas\\b|\\bde\\b|\\bdel|y\\b|na\\b|i\\b|els\\b|les\\b|ses\\b|sa\\b)");
   const auto verify = [&pattern](const std::wstring& word) {
@@ -180,7 +180,7 @@ TEST(Names, SmallInMunicipalitiesAreTheWordsOfThePattern) {
   }
 }
 
-TEST(Names, Order) {
+TEST(names, order) {
   check({{L"  Juan  García ", L"Juan  García"},
          {L"López , Ana,, María ", L"Ana María López"},
          {L"López,", L"López"},
@@ -190,7 +190,7 @@ TEST(Names, Order) {
         texto::order_name_);
 }
 
-TEST(Cleaning, EveryUnitFollowsTheTables) {
+TEST(cleaning, every_unit_follows_the_tables) {
   const std::wstring accented =
       L"0123456789AÀÁÂÃÄÅÆBCÇDÐEÈÉÊËFGHIÌÍÎÏJKLMNÑOÒÓÔÕÖPQRSTUÙÚÛÜVWXYÝZ"
       L"aàáâãäåæbcçdðeèéêëfghiìíîïjklmnñoòóôõöpqrstuùúûüvwxyýz";
@@ -213,7 +213,7 @@ TEST(Cleaning, EveryUnitFollowsTheTables) {
   EXPECT_EQ(text, L"¿Que? ÿßØ");
 }
 
-TEST(Cleaning, SpecialCharacters) {
+TEST(cleaning, special_characters) {
   const auto clean = [](const std::wstring& text) {
     return in_place(texto::limpia_caracteres_especiales, text);
   };
@@ -241,12 +241,12 @@ TEST(Cleaning, SpecialCharacters) {
     ASSERT_NE(once.find(static_cast<wchar_t>(unit)), once.npos) << unit;
 }
 
-TEST(Cleaning, Clear) {
+TEST(cleaning, clear) {
   EXPECT_EQ(texto::clear(L"\ta\r\nb c\v\n"), L"ab c\v");
   EXPECT_EQ(texto::clear(std::wstring(L"\0\t\0", 3)), std::wstring(2, L'\0'));
 }
 
-TEST(Words, LongAndStrangeTexts) {
+TEST(words, long_and_strange_texts) {
   const std::wstring all = all_units();
   for (const std::wstring& text :
        {all, std::wstring(5000000, L'/'), std::wstring(5000000, L','), std::wstring(5000000, L'd'),

@@ -12,7 +12,7 @@ using ruvo::binary;
 using ruvo::memo;
 using bytes = std::vector<unsigned char>;
 
-TEST(Binary, IsMadeFromEverything) {
+TEST(binary, is_made_from_everything) {
   std::ostringstream narrow;
   narrow << "h\xE9";
   std::wostringstream wide;
@@ -54,7 +54,7 @@ TEST(Binary, IsMadeFromEverything) {
   static_assert(std::is_same_v<decltype(b = raw), const binary&>);
 }
 
-TEST(Binary, AppendsLowBytes) {
+TEST(binary, appends_low_bytes) {
   binary b;
   b += std::wstring(L"hé");
   b += L'\x20AC';
@@ -67,7 +67,7 @@ TEST(Binary, AppendsLowBytes) {
   EXPECT_TRUE(b.empty());
 }
 
-TEST(Binary, WorksAsAVector) {
+TEST(binary, works_as_a_vector) {
   binary b("acd");
   EXPECT_EQ(*b.insert(b.cbegin() + 1, 'b'), 'b');
   const bytes more{'e', 'f'};
@@ -85,7 +85,7 @@ TEST(Binary, WorksAsAVector) {
   EXPECT_EQ(*b.cbegin(), 'A');
 }
 
-TEST(Binary, OrdersUnsignedBytes) {
+TEST(binary, orders_unsigned_bytes) {
   const char* const ordered[] = {"", "\x01", "\x01\x01", "\x7F", "\x80", "\xFF", "\xFF\x01"};
   for (const char* a : ordered)
     for (const char* b : ordered) {
@@ -96,7 +96,7 @@ TEST(Binary, OrdersUnsignedBytes) {
     }
 }
 
-TEST(Binary, ShowsTextOrBase64) {
+TEST(binary, shows_text_or_base64) {
   const struct {
     bytes store;
     std::wstring text;
@@ -122,7 +122,7 @@ TEST(Binary, ShowsTextOrBase64) {
   }
 }
 
-TEST(Binary, ReadsUtf16le) {
+TEST(binary, reads_utf16le) {
   const struct {
     bytes store;
     std::wstring text;
@@ -142,14 +142,14 @@ TEST(Binary, ReadsUtf16le) {
   }
 }
 
-TEST(Binary, WritesHexAndBase64) {
+TEST(binary, writes_hex_and_base64) {
   EXPECT_EQ(binary(bytes{0x0A, 0x1F}).getAsHex(), L"0A1F");
   EXPECT_EQ(binary(bytes{0xFB, 0xFF}).getAsB64(true), L"-_8=");
   EXPECT_EQ(binary(bytes{0xFB, 0xFF}).getAsB64(false), L"+/8=");
   EXPECT_EQ(binary(bytes{0xFB, 0xFF}).getAsB64(), L"+/8=");
 }
 
-TEST(Binary, ReadsHexAndBase64OrNothing) {
+TEST(binary, reads_hex_and_base64_or_nothing) {
   const struct {
     const char* text;
     bool base64;
@@ -189,7 +189,7 @@ TEST(Binary, ReadsHexAndBase64OrNothing) {
   EXPECT_TRUE((b = "old", b.setAsB64(L"\x0159YWI", nullptr)).empty());  // low byte alone would be a digit
 }
 
-TEST(Binary, RandomBytesComeBack) {
+TEST(binary, random_bytes_come_back) {
   std::mt19937 random(11);
   for (int round = 0; round < 500; ++round) {
     bytes store(random() % 50);
@@ -203,7 +203,7 @@ TEST(Binary, RandomBytesComeBack) {
   }
 }
 
-TEST(Memo, IsATextOfItsOwnKind) {
+TEST(memo, is_a_text_of_its_own_kind) {
   EXPECT_EQ(memo(L"año").to_string(), L"año");
   EXPECT_EQ(memo("a\xC3\xB1o").to_string(), L"año");
   EXPECT_EQ(memo(std::string("a\xC3\xB1o")).to_string(), L"año");
@@ -225,7 +225,7 @@ TEST(Memo, IsATextOfItsOwnKind) {
   EXPECT_EQ(out.str(), L"abc");
 }
 
-TEST(Memo, HasTheStringOperations) {
+TEST(memo, has_the_string_operations) {
   memo m(L"abc");
   m.insert(1, L"--");
   m.insert(m.begin(), L'<');
