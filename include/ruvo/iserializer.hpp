@@ -1,6 +1,7 @@
 #pragma once
 
-// The role that every text format of the library plays.
+// ruvo::iserializer, the two operations that every text format of the library offers. The formats themselves
+// are in <ruvo/serializer.hpp>.
 
 #include <ruvo/api.hpp>
 #include <ruvo/fwd.hpp>
@@ -21,7 +22,7 @@ class KESTA_API iserializer {
   /// Adds what `in` says to `out`. The formats of the library take any text for `in`, a part of `out` too,
   /// which they copy.
   virtual bool deserialize(bundle& out, const std::wstring& in, exception* err, int options = 0) = 0;
-  /// The same where only the result tells of failures.
+  /// The same where the result alone reports a failure.
   [[nodiscard]] bool deserialize(bundle& out, const std::wstring& in) {
     return deserialize(out, in, nullptr);
   }

@@ -1,7 +1,7 @@
 #pragma once
 
 // Whether a text is JSON as RFC 8259 defines it. The reader (ruvo::serializer::json) passes over most of what
-// is told here.
+// is reported here.
 //
 //   for (const auto& finding : ruvo::serializer::check_json(text))
 //     std::wcerr << finding.line << L':' << finding.column << L' ' << finding.what << L'\n';
@@ -56,7 +56,7 @@ struct json_finding {
 
 /// The departures of the text in the order of their positions; none when it is JSON. Checking goes on behind
 /// a departure as if the text were what it was most likely meant to be, and ends when `most` are found that
-/// are no notes; of the notes before that, too, the first `most` are told, so that they hide no error.
+/// are no notes; of the notes before that, too, the first `most` are reported, so that they hide no error.
 /// Duplicate names, compared as section 8.3 says, are looked for when `duplicates` is set.
 ///
 /// Nesting is limited by memory only. Takes linear time; with `duplicates`, the names are sorted.

@@ -1,6 +1,7 @@
 #pragma once
 
-// Where in a text something stands, and all the failures of a reading.
+// Where in a text something stands, and all the failures of a reading; the readers themselves are in
+// <ruvo/serializer.hpp>.
 //
 //   ruvo::serializer::json_reader reader;
 //   ruvo::bundle document;

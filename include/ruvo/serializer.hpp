@@ -1,6 +1,7 @@
 #pragma once
 
-// Readers and writers of text formats, and JSON.
+// Readers and writers of text formats, and JSON. What every format offers is in <ruvo/iserializer.hpp>, the
+// places in a text and all the failures of a reading are in <ruvo/reading.hpp>.
 //
 //   ruvo::serializer::json json;
 //   ruvo::bundle document;
@@ -50,7 +51,7 @@ class KESTA_API ireader {
   /// Counts the character and takes it.
   bool next_character(wchar_t c, exception& result);
   /// Characters taken since the last reset: when next_character() has just failed, the position of the
-  /// failure, as its message tells it.
+  /// failure, as its message gives it.
   std::uint64_t position() const noexcept { return position_; }
 
  protected:

@@ -30,8 +30,8 @@ namespace ruvo::serializer {
 ///
 /// True on FAILURE, as in ruvo::iserializer; `out` is then as it was. The first character that can't stand
 /// where it stands is the position in the message, and the number of open elements the knot; a reference to
-/// what is not there counts at its &, the text's end behind its last unit. exc::xmlCachePointer (7002) tells
-/// of an end tag whose name is not that of the innermost element, exc::xmlBadFormated (7001) of all else. On
+/// what is not there counts at its &, the text's end behind its last unit. exc::xmlCachePointer (7002) means
+/// an end tag whose name is not that of the innermost element, exc::xmlBadFormated (7001) of all else. On
 /// success `*err` stays as it is.
 ///
 /// Nothing but std::bad_alloc leaves this function. Nesting is limited by memory only; takes linear time, but

@@ -9,7 +9,7 @@
 //   document[L"pedido"].get_quality(L"numero");     // L"7"
 //
 // An element becomes an entry with its name, its text a text, its attributes the qualities of the value.
-// Elements that repeat inside another make that one a list of bundles with one entry each. docs/XML.md tells
+// Elements that repeat inside another make that one a list of bundles with one entry each. docs/XML.md says
 // what is read, what is lost and what is refused.
 
 #include <ruvo/serializer.hpp>
