@@ -1,7 +1,8 @@
 """Reads the headers for the reference: gives each declaration the comment that speaks for it.
 
 A `///` comment speaks for all declarations up to the next blank line, comment or access label. A `///<` comment behind
-a declaration takes precedence. Copy and move operations and destructors without a comment get a standard sentence.
+a declaration takes precedence. Special members, names of types (`using`) and the `operator<<` of a value need no comment:
+without one they get a standard sentence.
 Comments are added on the line of the declaration, so that the numbers of the lines stay.
 """
 
@@ -79,6 +80,17 @@ def special(head, name):
     if deleted:
         return "Not copied."
     return "Makes a copy." if copy else "Becomes a copy of the other one."
+
+
+def plain(head, name):
+    """The standard sentence for what needs no comment, where none speaks for it; None for all else."""
+    if name and re.match(rf"(?:constexpr\s+)?{re.escape(name)}\s*\(\s*\)", head):
+        return "The default constructor."
+    if re.match(r"using\s+\w+\s*=", head):
+        return "Another name for the type."
+    if re.match(r"(?:KESTA_\w+\s+)?std::wostream\s*&\s*operator\s*<<\s*\(", head):
+        return "Writes to_string()."
+    return None
 
 
 class Header:
@@ -243,6 +255,8 @@ class Header:
         found = Declaration(path, head, begin, line)
         self.declarations.append(found)
         sentence = special(head, path[-1]) if path else None
+        if sentence is None and run is None and trailing is None:
+            sentence = plain(head, path[-1] if path else "")
         if trailing is not None:
             found.comment = trailing
             if run is not None and run.fresh:

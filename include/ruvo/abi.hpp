@@ -2,13 +2,13 @@
 
 // A program and kesta.dll share classes, so both come from one family of compilers with one C++ runtime.
 //
-// The DLL exports a function whose name tells its family, and this header makes each module that uses the DLL
-// refer to the function of its own. Where they differ the linker misses that name; with another DLL in place,
-// Windows does when the program starts. It costs a pointer a module.
+// The DLL exports a function whose name is that of its family, and this header makes each module that uses
+// the DLL refer to the function of its own. Where they differ the linker misses that name; with another DLL
+// in place, Windows does when the program starts. It costs a pointer a module.
 
 #if !defined(KESTA_STATIC)
 
-#  include <memory>  // brings what the standard library tells of itself and of its threads
+#  include <memory>  // brings the macros by which the standard library and its threads are recognised
 
 #  if !defined(_WIN64)
 #    error "kesta.dll serves 64-bit Windows programs only"

@@ -28,8 +28,8 @@ class KESTA_API application : public context {
   /// Checks out its threads, deletes what it keeps.
   ~application() override;
 
-  /// The application of the calling thread: that which it is checked in to; on the thread of a task else that
-  /// of who started the task; null where there is neither.
+  /// The application of the calling thread: the one that it is checked in to; otherwise, on the thread
+  /// of a task, that of the thread that started the task; null where there is neither.
   static application* theApp() noexcept;
   static application* get_context() noexcept { return theApp(); }
 
@@ -58,12 +58,12 @@ class KESTA_API application : public context {
   /// Runs a command, whatever that is for the program. Without an override it fails with exc::NotImplemented.
   virtual bool exec(const std::wstring& command, exception& err);
   /// Undoes init() and boot(): flushes the logger, drops arguments and settings, collects what was handed in
-  /// on the calling thread, and at last checks out every thread of this application. A debugger is told how
-  /// many log entries nobody took (log::get_lost).
+  /// on the calling thread, and at last checks out every thread of this application. A debugger is shown how
+  /// many log entries were lost (log::get_lost).
   virtual void shutdown();
 
   /// One of the application's folders: in the application path, but for that of the binaries, which is the
-  /// folder of the module that the constructor was told. Empty before boot().
+  /// folder of the module that the constructor was given. Empty before boot().
   ruvo::file get_folder(folder_type type) const;
   /// The path of a file in one of them, whether it exists or not.
   ruvo::file get_file(folder_type type, const std::wstring& name) const;
@@ -104,7 +104,7 @@ class KESTA_API application : public context {
   /// What is kept for single threads, by the ids that getThreadID() gives them.
   memory_collector& get_memory_collector() noexcept { return collector_; }
 
-  /// The module that the constructor was told.
+  /// The module that the constructor was given.
   HINSTANCE__* get_hinstance() const noexcept { return instance_; }
   /// The arguments of init(); they carry no lock.
   bundle& arguments() noexcept { return arguments_; }

@@ -20,8 +20,7 @@ namespace ruvo {
 /// Owns its bytes; copies copy them.
 class KESTA_API binary {
  public:
-  /// The vector inside, and the names that the standard containers use.
-  using store_type = std::vector<unsigned char>;
+  using store_type = std::vector<unsigned char>;  ///< The vector inside.
   using value_type = unsigned char;
   using size_type = store_type::size_type;
   using difference_type = store_type::difference_type;
@@ -143,7 +142,7 @@ class KESTA_API binary {
   std::wstring getAsHex() const;
   /// RFC 4648, padded, in the standard or the URL-safe alphabet.
   std::wstring getAsB64(bool url = false) const;
-  /// Replaces the bytes by those that the text tells. Blanks are skipped; Base64 may be in either alphabet
+  /// Replaces the bytes by those that the text holds. Blanks are skipped; Base64 may be in either alphabet
   /// and need not be padded. A malformed text leaves no bytes and copies exc::BadFormat (0xEBB8000A) to
   /// `*error`, if there is one; on success `*error` is not touched.
   binary& setAsHex(const std::wstring& text, exception* error = nullptr);
@@ -158,7 +157,6 @@ class KESTA_API binary {
   std::vector<unsigned char> store_;
 };
 
-/// Writes to_string().
 KESTA_API std::wostream& operator<<(std::wostream& out, const binary& value);
 
 }  // namespace ruvo

@@ -63,14 +63,13 @@ class KESTA_API bundle {
   template <class E>
   class basic_iterator {
    public:
-    /// The names that the standard iterators use.
     using iterator_category = std::bidirectional_iterator_tag;
     using value_type = entry;
     using difference_type = std::ptrdiff_t;
     using pointer = E*;
     using reference = E&;
 
-    /// Equal to no entry's.
+    /// Equal to end().
     basic_iterator() noexcept = default;
     /// From iterator to const_iterator.
     operator basic_iterator<const E>() const noexcept requires(!std::is_const_v<E>) {
@@ -113,7 +112,6 @@ class KESTA_API bundle {
     entry* at_ = nullptr;   // null at the end
     std::size_t rank_ = 0;  // where the entry was last seen in the order
   };
-  /// The names that the standard containers use.
   using iterator = basic_iterator<entry>;
   using const_iterator = basic_iterator<const entry>;
   using value_type = entry;
@@ -200,8 +198,8 @@ class KESTA_API bundle {
   const xvar* get_ptr(const std::wstring& path, char separator = '.') const;
   const xvar* get_ptr(const std::string& path, char separator = '.') const;
   /// The entry's value at the path.
-  /// @quirk A missing one throws an empty std::exception_ptr by value, which is no std::exception. As an
-  /// exc::NullValue it tells the path.
+  /// @quirk A missing one throws an empty std::exception_ptr by value, which is no std::exception. The path
+  /// is in exc::NullValue, which catches it.
   const xvar& get(const std::wstring& path, char separator = '.') const;
   const xvar& get(const std::string& path, char separator = '.') const;
   /// Whether there is an entry at the path; its value may be null.
@@ -209,7 +207,7 @@ class KESTA_API bundle {
   bool has(const std::string& path, char separator = '.') const;
   /// In Spanish, what the getters find at the path: which part of it is missing, null or no bundle; or what
   /// kind of value is there, as what it reads, and which type (long long, long, short, float) it does not
-  /// fit, so that one sees why a fallback was given. Where the path leads nowhere, tells of the key on its
+  /// fit, so that one sees why a fallback was given. Where the path leads nowhere, names the key on its
   /// way that only operator[] reaches: one with the separator inside, or with a capital that paths fold and
   /// keys do not. For people to read; empty when memory fails.
   std::wstring explain(const std::wstring& path, char separator = '.') const noexcept;
@@ -383,7 +381,6 @@ class KESTA_API bundle {
   detail::bundle_store* store_ = nullptr;  // owned; null until the first entry
 };
 
-/// Writes to_string().
 KESTA_API std::wostream& operator<<(std::wostream& out, const bundle& value);
 
 /// The shared empty values to which the getters of a bundle refer when there is nothing to refer to.

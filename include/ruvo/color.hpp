@@ -35,7 +35,7 @@ struct KESTA_API HSLColor {
 };
 
 /// A colour. Whatever sets one of its forms computes the other two, in 32-bit floating point and truncating,
-/// so a way there and back may end a step lower. Nothing but want of memory fails, unless stated.
+/// so a way there and back may end a step lower. Nothing but a lack of memory fails, unless stated.
 ///
 /// Components and alpha are stored as given, and so are saturation and luminosity; the hue is kept in
 /// [0, 360).
@@ -242,7 +242,6 @@ class KESTA_API color {
   unsigned amount_ = 10;
 };
 
-/// Writes to_string().
 KESTA_API std::wostream& operator<<(std::wostream& out, const color& value);
 
 }  // namespace ruvo

@@ -25,7 +25,7 @@ class KESTA_API console {
 
   /// Makes sure that there is an output. False on failure: SystemException, code 11.
   bool open(exception& err);
-  /// Writes the text. Throws what open() tells, and exc::systemErrorCode when not all could be written.
+  /// Writes the text. Throws what open() reports, and exc::systemErrorCode when not all could be written.
   void write(const std::wstring& text);
   /// The text and CRLF, in one piece.
   void write_line(const std::wstring& text);

@@ -20,8 +20,7 @@ namespace ruvo {
 /// UTF-8 unless a code page says otherwise.
 class KESTA_API context {
  public:
-  /// The names that the standard containers use, of the map of named values.
-  using map_type = std::map<std::wstring, xvar>;
+  using map_type = std::map<std::wstring, xvar>;  ///< The named values.
   using key_type = map_type::key_type;
   using mapped_type = map_type::mapped_type;
   using value_type = map_type::value_type;
@@ -89,7 +88,7 @@ class KESTA_API context {
 
   /// The operating system:
   /// - "windows": its name, "Windows 11" to "Windows 2000", by its version; "Windows" for a version without a
-  ///   name, "Unknown Windows Version" when it does not tell
+  ///   name, "Unknown Windows Version" when the system does not give one
   /// - "version": "10.0"; "numero_compilacion": the build, 22631
   /// - "service_pack": "Service Pack 1" or empty
   /// - "huella": all that in a line, "Windows 7 6.1.7601 Service Pack 1"
@@ -98,8 +97,8 @@ class KESTA_API context {
   /// - "subsistema": what this process was made for, "consola" or "ventanas"
   virtual bundle get_os_info() const;
 
-  /// Lists a folder: each entry but "." and ".." that the filter takes is told to the callback and appended
-  /// to `out`; any of the three may be null. False on failure.
+  /// Lists a folder: each entry but "." and ".." that the filter takes is passed to the callback and
+  /// appended to `out`; any of the three may be null. False on failure.
   virtual bool directory_list(const file& folder, exception& err, fileFilter* filter, fileCallback* callback,
                               std::vector<file>* out) const;
 

@@ -1,6 +1,7 @@
 #pragma once
 
-// ruvo::file, a path.
+// ruvo::file, a path, and what the file system knows of it. Reading, writing and copying are in
+// <ruvo/files.hpp>.
 
 #include <ruvo/api.hpp>
 #include <ruvo/datetime.hpp>
@@ -113,7 +114,7 @@ class KESTA_API file {
   /// Whether somebody, this process counted, has the file open; false for a folder.
   bool is_locked() const;
 
-  /// The last number of the owner's security identifier; 0 when the system does not tell. Throws
+  /// The last number of the owner's security identifier; 0 when the system does not know it. Throws
   /// exc::fileNotFound.
   unsigned long get_owner() const;
   /// The same of the owner's group.

@@ -1,6 +1,7 @@
 #pragma once
 
-// ruvo::files: operations on whole files and on folders with all that is in them.
+// ruvo::files: operations on whole files and on folders with all that is in them. A single path is
+// <ruvo/file.hpp>.
 
 #include <ruvo/files/tree.hpp>
 #include <ruvo/files/whole.hpp>

@@ -2,7 +2,7 @@
 
 // Whether a program and kesta.dll may release each other's memory, as they do: texts and lists grow on one
 // side and go on the other. A program with an `operator new` of its own (an allocator library, a leak
-// checker) may break that without a word; docs/ABI.md tells more.
+// checker) may break that without a word; docs/ABI.md has the details.
 //
 //   if (!ruvo::abi::shares_heap()) return 1;  // early in main()
 

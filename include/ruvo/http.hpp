@@ -94,7 +94,6 @@ struct KESTA_API header_order {
 /// headers: whoever sets headers from foreign text has to remove them.
 class KESTA_API header_table {
  public:
-  /// The names that the standard containers use.
   using map_type = std::map<std::wstring, std::wstring, header_order>;
   using value_type = map_type::value_type;
   using size_type = map_type::size_type;
@@ -121,7 +120,7 @@ class KESTA_API header_table {
   const_iterator end() const noexcept;
   const_iterator cbegin() const noexcept { return begin(); }
   const_iterator cend() const noexcept { return end(); }
-  /// Of the headers alone, whatever else the message holds.
+  /// Counts the headers alone, whatever else the message holds.
   size_type size() const noexcept;
   size_type max_size() const noexcept;
   bool empty() const noexcept { return size() == 0; }
@@ -241,7 +240,6 @@ class KESTA_API response : public net::iresponse, public header_table {
   detail::held<std::wstring> body_;
 };
 
-/// Writes to_string().
 KESTA_API std::wostream& operator<<(std::wostream& out, const request& message);
 KESTA_API std::wostream& operator<<(std::wostream& out, const response& message);
 /// Appends all that remains in the stream to the body, white space too.

@@ -9,7 +9,6 @@ namespace ruvo {
 /// A lock as the application offers it to its parts. No class of the library implements it.
 class KESTA_API ilock {
  public:
-  /// Free.
   ilock();
 
   ilock(const ilock&);

@@ -19,13 +19,13 @@ namespace ruvo::jobs {
 /// A task with its argument, as a pool keeps it. The task is not owned and must live until the job is over.
 class KESTA_API job : public sync::on_round_off, public sync::cautionary {
  public:
-  /// Waiting: neither makes itself the task's listener nor starts it.
+  /// A job that waits: the task is neither started nor gets this job as its listener yet.
   job(task::async& task, const xvar& parameter);
 
   job(const job&) = delete;
   job& operator=(const job&) = delete;
 
-  /// From the task: the job is over, and says so to its own listener.
+  /// Called by the task when its run is over; the job then notifies its own listener.
   void on_run_off(std::wstring uuid) override;
   /// Makes this the task's listener and starts the task with a copy of the parameter; in a pool with the
   /// parameter itself, which is gone from the job then. Throws what issueable::start throws.
@@ -38,7 +38,7 @@ class KESTA_API job : public sync::on_round_off, public sync::cautionary {
 
   /// The task.
   task::async& get_taks() const noexcept { return task_; }
-  /// That of the task's thread, and the task's identifier.
+  /// The identifier of the task's thread, and that of the task.
   std::thread::id get_id() const { return task_.get_id(); }
   std::wstring get_uuid() const { return task_.get_uuid(); }
 
@@ -77,12 +77,12 @@ class KESTA_API job : public sync::on_round_off, public sync::cautionary {
 /// to the next task, and ends when all is done.
 ///
 /// A task must live until it is over and joined, also until a cancel() of the pool that is under way returns,
-/// and must be joined before it is put in again. Its slot is
-/// freed by set_mensaje(), by cancel() and by the destructor of the task, by a task::call however it ends,
-/// and by the pool's cancel() and destructor; a `work` that ends in no such way keeps its slot.
+/// and must be joined before it is put in again. Its slot is freed by set_mensaje(), by cancel() and by the
+/// destructor of the task, by a task::call however it ends, and by the pool's cancel() and destructor; a
+/// `work` that ends in no such way keeps its slot.
 ///
-/// A task runs in the application of the thread that put it in, as issueable tells; that of the thread that
-/// calls exec(), where this starts it and is checked in itself.
+/// A task runs in the application of the thread that put it in, as issueable describes. One that exec()
+/// starts runs in the application of the thread that calls exec(), if that thread is checked in.
 ///
 /// All operations but the destructor may be called from any thread, also from callbacks. What the pool keeps
 /// of a task that is over (its job, neither the task nor the parameter) is freed with the pool.
@@ -127,7 +127,7 @@ class KESTA_API pool : public sync::on_round_off {
   void detach();
   /// Whether there is a dispatcher that was neither joined nor detached, running or not.
   bool joinable() const;
-  /// That of the dispatcher's thread; of none after joining or detaching it.
+  /// The identifier of the dispatcher's thread; after joining or detaching it, that of no thread.
   std::thread::id get_id() const;
 
   /// The number of slots from now on. What is running goes on, also when it is more.

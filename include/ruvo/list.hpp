@@ -24,8 +24,7 @@ namespace ruvo {
 /// iterators; growth moves the elements. Deep copies; nesting is limited by memory only.
 class KESTA_API list {
  public:
-  /// The vector inside, and the names that the standard containers use.
-  using vector = std::vector<xvar>;
+  using vector = std::vector<xvar>;  ///< The vector inside.
   using value_type = xvar;
   using size_type = vector::size_type;
   using iterator = vector::iterator;
@@ -232,7 +231,6 @@ class KESTA_API list {
   vector soul_;
 };
 
-/// Writes to_string().
 KESTA_API std::wostream& operator<<(std::wostream& out, const list& value);
 
 }  // namespace ruvo

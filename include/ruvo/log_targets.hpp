@@ -32,7 +32,6 @@ class KESTA_API day_file : public IOnLog {
 /// The same lines, shown to a debugger.
 class KESTA_API debugger_output : public IOnLog {
  public:
-  /// Nothing to keep.
   debugger_output();
 
   ~debugger_output() override;

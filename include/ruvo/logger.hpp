@@ -51,7 +51,6 @@ class KESTA_API IOnLog {
   virtual ~IOnLog();
 
  protected:
-  /// Nothing to keep.
   IOnLog() = default;
 
   IOnLog(const IOnLog&) = default;
@@ -95,7 +94,7 @@ class KESTA_API logger {
   ruvo::file get_path() const;
   long get_level() const noexcept;
 
-  /// An entry of the level that the name tells. An exception stands for its message: that of a
+  /// An entry of the level that the name says. An exception stands for its message: that of a
   /// ruvo::exception, the what() of another std::exception, with its detail in brackets where the message
   /// does not say it.
   void assertion(const std::wstring& first, const std::wstring& second) noexcept;
@@ -161,11 +160,11 @@ class KESTA_API log {
   static void flush() noexcept;
   static double time(const std::wstring& text) noexcept;
 
-  /// How many entries and lines of all loggers of the process nobody took so far: entries that their level
+  /// How many entries and lines of all loggers of the process were lost so far: entries that their level
   /// lets pass, without a callback or a file, or with a callback that threw or a file that could not be
   /// written. The library's targets count for themselves what they could not write, also where another one
   /// took it. What goes to a day's file in the second after somebody erased it is not noticed. A debugger is
-  /// told when an application ends.
+  /// shown the number when an application ends.
   static unsigned long long get_lost() noexcept;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
-// ruvo::memo, a long text: a wide string of a kind of its own, so that it can be told from ordinary text.
+// ruvo::memo, a long text: a wide string of a kind of its own, so that it is distinguished from ordinary
+// text.
 
 #include <ruvo/api.hpp>
 #include <ruvo/fwd.hpp>
@@ -16,7 +17,6 @@ namespace ruvo {
 /// XML as a text.
 class KESTA_API memo {
  public:
-  /// The names that the standard containers use.
   using value_type = wchar_t;
   using size_type = std::wstring::size_type;
   using iterator = std::wstring::iterator;

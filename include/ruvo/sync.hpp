@@ -1,7 +1,7 @@
 #pragma once
 
-// ruvo::sync, work on a thread of its own that tells of its course: callbacks, the runnable base, and who is
-// told when a piece of work is over.
+// ruvo::sync, work on a thread of its own that reports its progress: the callbacks, the runnable base, and
+// the listener for the end of a piece of work.
 
 #include <ruvo/api.hpp>
 #include <ruvo/exception.hpp>
@@ -40,8 +40,8 @@ class KESTA_API worker {
   bool detach();
   bool joinable() const;
   std::thread::id get_id() const;
-  /// Calls it here; on a thread without an application in the one that the last start was made in.
-  void tell(const std::function<void()>& what) const;
+  /// Calls `what` on the calling thread; if that has no application, in the application of the last start.
+  void notify(const std::function<void()>& what) const;
 
  private:
   mutable std::mutex guard_;
@@ -56,18 +56,17 @@ class KESTA_API worker {
 
 }  // namespace detail
 
-/// Work on a thread of its own that tells of its course.
+/// Work on a thread of its own that reports its progress.
 namespace sync {
 
-/// What the owner of a piece of work is told: derive to be told. Each call comes on the thread that does what
-/// it tells of, and the callback is not owned: it must live until the work is joined.
+/// Receives the events of a piece of work: derive from it and override them. Each event comes on the thread
+/// that causes it. The callback is not owned: it must live until the work is joined.
 ///
 /// The callbacks run in the application that the work was started in, unless the thread that calls is checked
 /// in itself.
 template <class In, class Out>
 class async_callback {
  public:
-  /// Nothing to keep.
   async_callback();
 
   async_callback(const async_callback&);
@@ -81,7 +80,7 @@ class async_callback {
   virtual void on_progress(Out* progress) = 0;
   /// The result, on the thread of the work. The value belongs to the work and is valid during the call.
   virtual void on_finish(Out* result) = 0;
-  /// The work was canceled and joined, on the thread that canceled or destroyed it; cancel() tells it also
+  /// The work was canceled and joined, on the thread that canceled or destroyed it; cancel() calls this also
   /// where there was nothing to join.
   virtual void on_cancel() = 0;
   /// A failure, on the thread of the work, on that of a `cancel` that failed, or on that of a pool that could
@@ -91,10 +90,9 @@ class async_callback {
   virtual ~async_callback();
 };
 
-/// Is told when a piece of work is over.
+/// Receives the end of a piece of work.
 class KESTA_API on_round_off {
  public:
-  /// Nothing to keep.
   on_round_off();
 
   on_round_off(const on_round_off&);
@@ -109,7 +107,7 @@ class KESTA_API on_round_off {
   virtual ~on_round_off();
 };
 
-/// The side that tells it. The listener is not owned.
+/// Has a listener and reports to it that the work is over. The listener is not owned.
 class KESTA_API cautionary {
  public:
   /// No listener.
@@ -120,7 +118,7 @@ class KESTA_API cautionary {
   cautionary& operator=(const cautionary& other);
 
  protected:
-  /// Tells the listener, if there is one.
+  /// Calls the listener's on_run_off(), if there is a listener.
   virtual void fire_on_stop(std::wstring uuid);
 
  public:
@@ -129,7 +127,7 @@ class KESTA_API cautionary {
 
   virtual ~cautionary();
 
-  /// Back to none, if this is the listener.
+  /// Removes the listener if it is this one.
   void forget_listener(on_round_off* listener) noexcept;
 
  private:
@@ -149,21 +147,21 @@ class KESTA_API cautionary {
 template <class In, class Progress, class Out>
 class issueable : public async_callback<In, Out>, public cautionary {
  public:
-  using callback_type = async_callback<In, Out>;  ///< Whom the work tells.
+  using callback_type = async_callback<In, Out>;  ///< What receives the events of the work.
 
-  /// The callback is not owned; null tells nobody. The identifier comes from the application of the calling
+  /// The callback is not owned; null for none. The identifier comes from the application of the calling
   /// thread.
   explicit issueable(callback_type* callback = nullptr);
 
   issueable(const issueable&) = delete;
   issueable& operator=(const issueable&) = delete;
 
-  /// Hands it on to the callback, if there is one.
+  /// Passes the event on to the callback, if there is one.
   void on_start() override;
   void on_progress(Progress* progress) override;
-  /// Tells the callback, and then in every case (also when the callback throws) the listener.
+  /// Passes the event on to the callback and then, also when the callback throws, notifies the listener.
   void on_finish(Out* result) override;
-  /// Hands it on to the callback, if there is one.
+  /// Passes the event on to the callback, if there is one.
   void on_cancel() override;
   void on_failure(const exception& error) override;
 
@@ -178,16 +176,16 @@ class issueable : public async_callback<In, Out>, public cautionary {
   /// @quirk Ends the process when the thread of an earlier start was neither joined nor detached, as the
   /// assignment of a std::thread does.
   void start(const In& input);
-  /// Asks the work to end, waits for its thread and calls on_cancel(); a run that told nobody of its end then
-  /// tells the listener. Never throws: any failure, of on_cancel() too, becomes an exc::ThreadException (code
-  /// 1) that goes to on_failure().
+  /// Asks the work to end, waits for its thread and calls on_cancel(); if the run has not reported its
+  /// end, the listener is notified then. Never throws: any failure, of on_cancel() too, becomes an
+  /// exc::ThreadException (code 1) that goes to on_failure().
   /// @quirk From within `work` it only sets the flag, and on_failure() comes instead of on_cancel().
   void cancel() noexcept;
   /// Once true it stays true, over later starts too.
   bool is_canceled() const noexcept;
-  /// No callback is told anything from now on, but for a call that is under way.
+  /// No callback gets events from now on, but for a call that is under way.
   void silence() noexcept;
-  /// Tells this one from now on; it is not owned.
+  /// This one gets the events from now on; it is not owned.
   void set_callback(callback_type& callback) noexcept;
 
   /// Waits for the thread, if there is one. Throws std::system_error: resource_deadlock_would_occur on the
@@ -198,7 +196,7 @@ class issueable : public async_callback<In, Out>, public cautionary {
   void detach();
   /// Whether there is a thread that was neither joined nor detached, running or not.
   bool joinable() const;
-  /// That of the thread; of none after joining or detaching it.
+  /// The identifier of the thread; after joining or detaching it, that of no thread.
   std::thread::id get_id() const;
   /// The identifier, made once for the object: 32 digits as XXXXXXXX-XXXX-XXXXXXXXXXXXXXXXXXXX.
   std::wstring get_uuid() const;
@@ -210,9 +208,9 @@ class issueable : public async_callback<In, Out>, public cautionary {
   bool operator<(const issueable& other) const noexcept;
 
  protected:
-  /// Tells the listener of the end of this run, once, for a `work` that ends without on_finish().
+  /// Notifies the listener of the end of this run, once, for a `work` that ends without on_finish().
   void end_run();
-  /// Cancels and joins, for destructors: of the callbacks on_cancel() is told, if the thread was not joined.
+  /// Cancels and joins, for destructors. Calls the callback's on_cancel() if the thread was not joined.
   void settle() noexcept;
 
  private:
@@ -222,7 +220,7 @@ class issueable : public async_callback<In, Out>, public cautionary {
   detail::worker worker_;
   std::atomic<callback_type*> callback_;
   std::atomic<bool> canceled_{false};
-  std::atomic<bool> open_{false};  // started, and nobody was told of the end
+  std::atomic<bool> open_{false};  // started, and the end was not reported
   std::atomic<bool> detached_{false};
   std::atomic<bool> dying_{false};  // what derived classes add may be gone
   const std::wstring uuid_;

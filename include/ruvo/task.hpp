@@ -11,29 +11,28 @@
 /// The bases of tasks, and a task made of a lambda.
 namespace ruvo::task {
 
-/// Whom an `async` tells.
+/// What receives the events of an `async`.
 using ilistener = sync::async_callback<xvar, xvar>;
-/// Whom a task::bundle tells.
+/// What receives the events of a task::bundle.
 using ibunlistener = sync::async_callback<ruvo::bundle, ruvo::bundle>;
 
 /// A task over xvar: derive, supply `work`, and cancel and join in the destructor.
 class KESTA_API async : public sync::issueable<xvar, xvar, xvar> {
  public:
-  /// The listener is not owned; null tells nobody.
+  /// The listener is not owned; null for none.
   explicit async(ilistener* listener = nullptr);
 
-  /// Cancels and joins.
   ~async() override;
 
  protected:
-  /// Tells the progress, also when the task is canceled. The callback gets a pointer to a copy that the task
-  /// keeps.
+  /// Reports the progress, also when the task is canceled. The callback gets a pointer to a copy that the
+  /// task keeps.
   void set_progress(xvar& value);
   /// Ends the task: its result, as a copy that the task keeps. In a pool this frees the slot; a canceled task
   /// may call it or not.
   void set_mensaje(xvar& value);
 
-  /// Tells the progress unless the task is canceled; false then.
+  /// Reports the progress unless the task is canceled; false then.
   bool advance(const xvar& value);
   /// The same; throws exc::ProcessCanceled when the task is canceled.
   void advance_or_throw(const xvar& value);
@@ -45,10 +44,9 @@ class KESTA_API async : public sync::issueable<xvar, xvar, xvar> {
 /// The same over ruvo::bundle. A pool takes only tasks over xvar.
 class KESTA_API bundle : public sync::issueable<ruvo::bundle, ruvo::bundle, ruvo::bundle> {
  public:
-  /// The listener is not owned; null tells nobody.
+  /// The listener is not owned; null for none.
   explicit bundle(ibunlistener* listener = nullptr);
 
-  /// Cancels and joins.
   ~bundle() override;
 
  protected:
@@ -67,11 +65,11 @@ class call;
 /// The running task as the body of a `call` sees it; valid as long as the body runs.
 class KESTA_API steps {
  public:
-  /// Tells the progress; false when the task is canceled, which then tells nothing.
+  /// Reports the progress; false when the task is canceled: nothing is reported then.
   bool operator()(const xvar& progress) const;
   /// The same; throws exc::ProcessCanceled, which ends the body and reaches `failure`.
   void advance(const xvar& progress) const;
-  /// Whether the body should end, for bodies that tell no progress.
+  /// Whether the body should end, for bodies that report no progress.
   bool canceled() const noexcept;
 
  private:
@@ -81,12 +79,12 @@ class KESTA_API steps {
   call* of_;
 };
 
-/// Whom a `call` tells; each may be empty. They are called on the thread of the task, but for `cancel`, and
-/// for a `failure` that tells of a cancel() that failed, or of a pool that could not start the task.
+/// What a `call` calls; each may be empty. They run on the thread of the task, but for `cancel`, and for a
+/// `failure` that reports a cancel() that failed, or a pool that could not start the task.
 struct handlers {
-  std::function<void(const xvar& result)> finish{};       ///< The body gave this.
+  std::function<void(const xvar& result)> finish{};       ///< What the body returned.
   std::function<void(const exception& error)> failure{};  ///< The body threw, or never began.
-  std::function<void(const xvar& progress)> progress{};   ///< The body told this.
+  std::function<void(const xvar& progress)> progress{};   ///< What the body reported.
   std::function<void()> cancel{};                         ///< On the thread that cancels, after the end.
 };
 
@@ -106,25 +104,24 @@ struct handlers {
 /// part of the process that the body and the handlers use must outlive the task.
 class KESTA_API call final : public async {
  public:
-  /// What runs on the new thread; the result is what it gives.
-  using body = std::function<xvar(const xvar& input, steps tell)>;
+  /// What runs on the new thread; it returns the result.
+  using body = std::function<xvar(const xvar& input, steps progress)>;
 
   /// Keeps both; start() runs the body, each time anew.
   explicit call(body work, handlers whom = {});
 
-  /// Cancels and joins.
   ~call() override;
 
-  /// Runs the body and tells of its end.
+  /// Runs the body and reports its end.
   void work(const xvar& input) override;
 
  private:
   friend class steps;
 
-  class told final : public ilistener {
+  class relay final : public ilistener {
    public:
-    explicit told(handlers whom);
-    ~told() override;
+    explicit relay(handlers whom);
+    ~relay() override;
     void on_start() override;
     void on_progress(xvar* progress) override;
     void on_finish(xvar* result) override;
@@ -136,10 +133,10 @@ class KESTA_API call final : public async {
   };
 
   void run(const xvar& input);
-  /// Tells of the exception that is being handled.
+  /// Reports the exception that is being handled.
   void fail() noexcept;
 
-  told told_;
+  relay relay_;
   body body_;
 };
 

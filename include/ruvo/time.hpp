@@ -1,6 +1,6 @@
 #pragma once
 
-// ruvo::time, a time of day.
+// ruvo::time, a time of day. The selectors of all calendar values are in <ruvo/times.hpp>.
 
 #include <ruvo/lapse.hpp>
 

@@ -1,6 +1,7 @@
 #pragma once
 
-// The two selectors of the calendar values.
+// The two selectors of the calendar values: the mode (UTC or local) and the field. The time of day is in
+// <ruvo/time.hpp>.
 
 // Macros of others.
 #include <ruvo/names_aside.hpp>

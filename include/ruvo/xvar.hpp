@@ -37,8 +37,7 @@ struct KESTA_API keylowercase {
 /// Keys ignore the case of A-Z and keep the spelling first inserted. Narrow keys are UTF-8.
 class KESTA_API xvar : public var {
  public:
-  /// The qualities, in the order of their keys, and the names that the standard containers use.
-  using qualities_map = std::map<std::wstring, var, keylowercase>;
+  using qualities_map = std::map<std::wstring, var, keylowercase>;  ///< In the order of the keys.
   using iterator = qualities_map::iterator;
   using const_iterator = qualities_map::const_iterator;
   using size_type = qualities_map::size_type;

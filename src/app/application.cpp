@@ -20,7 +20,7 @@ namespace {
 
 constinit std::atomic<int> applications{0};
 
-/// Tells the developer of a thread that was forgotten, once for each.
+/// Shows the developer a thread that was not checked out, once for each.
 void warn_of_thread() noexcept {
   constinit thread_local bool warned = false;
   if (std::exchange(warned, true)) return;
@@ -79,7 +79,7 @@ application::application(HINSTANCE__* instance) : instance_(instance) {
 application::~application() {
   registry::strike(*this);
   --applications;
-  reg::tell_of_lost_entries();
+  reg::show_lost_entries();
 }
 
 application* application::theApp() noexcept { return registry::find(); }
@@ -132,7 +132,7 @@ void application::shutdown() {
   settings().clear();
   collect();
   registry::remove_all(*this);
-  reg::tell_of_lost_entries();
+  reg::show_lost_entries();
 }
 
 ruvo::file application::get_folder(folder_type type) const {

@@ -16,7 +16,8 @@ namespace ruvo {
 
 namespace {
 
-bool tell(bool done, long long seconds, exception* err) {
+/// Copies a failure of the calendar to `*err`, unless that is null, and gives `done`.
+bool done_or_reported(bool done, long long seconds, exception* err) {
   if (!done && err) *err = detail::not_in_calendar(L"segundos", seconds);
   return done;
 }
@@ -96,11 +97,11 @@ std::wstring context::uuid_short(int n) const {
 }
 
 bool context::sistem_gmt_time(std::tm* record, long long seconds, exception* err) const {
-  return tell(record && civil::break_down(seconds, *record), seconds, err);
+  return done_or_reported(record && civil::break_down(seconds, *record), seconds, err);
 }
 
 bool context::sistem_local_time(std::tm* record, long long seconds, exception* err) const {
-  return tell(record && zone::break_down(seconds, *record), seconds, err);
+  return done_or_reported(record && zone::break_down(seconds, *record), seconds, err);
 }
 
 bool context::sistem_gmt_lapse(long long& seconds, std::tm& record, exception*) const {

@@ -51,7 +51,7 @@ std::wstring text_of(std::chrono::microseconds passed) {
   return out;
 }
 
-/// Notes that the calling thread is at work in something, and tells whether it was before: what takes entries
+/// Notes that the calling thread is at work in something, and knows whether it was before: what takes entries
 /// may make entries, and those must not come back to it without end.
 class visit {
  public:

@@ -11,16 +11,16 @@ namespace ruvo::reg {
 
 namespace {
 
-constinit std::atomic<unsigned long long> lost{0}, told{0};
+constinit std::atomic<unsigned long long> lost{0}, shown{0};
 
 }  // namespace
 
 void lose_entry() noexcept { lost.fetch_add(1, std::memory_order_relaxed); }
 unsigned long long lost_entries() noexcept { return lost.load(std::memory_order_relaxed); }
 
-void tell_of_lost_entries() noexcept {
+void show_lost_entries() noexcept {
   const unsigned long long count = lost_entries();
-  if (told.exchange(count) == count) return;
+  if (shown.exchange(count) == count) return;
   quietly([count] {
     std::wstring line = L"kesta: ";
     texto::append_unsigned(line, count);

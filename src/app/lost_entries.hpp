@@ -6,7 +6,7 @@ namespace ruvo::reg {
 void lose_entry() noexcept;
 /// How many there were in the process.
 unsigned long long lost_entries() noexcept;
-/// Tells a debugger of them, once for each growth of their number.
-void tell_of_lost_entries() noexcept;
+/// Shows their number to a debugger, once each time that it has grown.
+void show_lost_entries() noexcept;
 
 }  // namespace ruvo::reg

@@ -24,7 +24,7 @@ void release(std::vector<kept>& objects) noexcept {
 struct memory_collector::state {
   mutable std::mutex guard;
   std::map<unsigned long, std::vector<kept>> threads;
-  std::unordered_set<void*> held;  // all of them
+  std::unordered_set<void*> held;  // the objects of all threads
 };
 
 memory_collector::memory_collector() : state_(std::make_unique<state>()) {}

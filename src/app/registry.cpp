@@ -16,7 +16,7 @@ namespace ruvo::registry {
 
 namespace {
 
-/// Whom a thread works with: the application that it is checked in to, or else the one that it was lent.
+/// What serves a thread: the application that it is checked in to, or else the one that it was lent.
 struct entry {
   application* own = nullptr;
   loan lent;
@@ -24,7 +24,7 @@ struct entry {
   application* in_force() const noexcept { return own ? own : lent.app; }
 };
 
-// The truth, which writers change under a lock.
+// The complete table, which writers change under a lock.
 struct table {
   std::mutex guard;
   std::map<unsigned long, entry> threads;
@@ -84,7 +84,7 @@ void publish(std::uint32_t id, application* app) noexcept {
     in.beyond.fetch_add(1, std::memory_order_release);
 }
 
-// The tag stays: for a reader the one application is as right as the other.
+// The tag stays: a reader that meets the change may get the old application or the new one.
 void republish(std::uint32_t id, application* app) noexcept {
   if (slot* const taken = id ? slot_of(bucket_of(id), id) : nullptr)
     taken->app.store(app, std::memory_order_release);

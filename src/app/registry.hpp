@@ -22,7 +22,7 @@ void enroll(const application& app);
 void strike(const application& app) noexcept;
 
 /// An application as work remembers it that runs on another thread, later. It may be gone by then, and
-/// another one may stand in its place: the number tells.
+/// another one may stand in its place: the number shows that.
 struct loan {
   application* app = nullptr;
   unsigned long long number = 0;

@@ -1,4 +1,4 @@
-// The mark that tells which programs this DLL serves.
+// The mark that says which programs this DLL serves.
 
 #include <ruvo/api.hpp>
 

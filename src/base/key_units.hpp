@@ -40,7 +40,7 @@ inline void fold_units(Unit* to, std::basic_string_view<Unit> text) noexcept {
   for (; at < text.size(); ++at) to[at] = fold_unit<fold>(text[at]);
 }
 
-/// A spread-out number.
+/// A number whose bits are spread out, for hashing.
 template <class Unit>
 inline std::uint32_t hash_units(std::basic_string_view<Unit> text) noexcept {
   constexpr std::uint64_t spread = 0x9E3779B97F4A7C15;

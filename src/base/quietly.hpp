@@ -2,12 +2,12 @@
 
 namespace ruvo {
 
-/// Runs what must not fail before the caller's eyes.
+/// Runs a body whose failures must not reach the caller: they are dropped.
 template <class Work>
 void quietly(Work work) noexcept {
   try {
     work();
-  } catch (...) {  // nobody to tell
+  } catch (...) {  // nobody to report it to
   }
 }
 

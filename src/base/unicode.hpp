@@ -1,7 +1,7 @@
 #pragma once
 
 // Letters, signs and blanks beyond ASCII. Letters are those of Latin, Greek and Cyrillic; capitals and small
-// letters are told apart where they alternate or lie in blocks of their own.
+// letters are distinguished where they alternate or lie in blocks of their own.
 
 #include <cstddef>
 

@@ -238,7 +238,7 @@ template <class Unit>
 bool decode_run(const char*& from, Unit*& to) noexcept {
   const bool four = static_cast<unsigned char>(*from) >= 0xF0;
   const int count = four ? decode_fours(from, to) : decode_threes(from, to);
-  if (count == 4) {  // the branch prediction knows, and need not wait
+  if (count == 4) {  // usual, so predicted: nothing waits for the count
     from += four ? 16 : 12;
     to += four ? 8 : 4;
     return true;

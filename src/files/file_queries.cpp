@@ -28,7 +28,8 @@ platform::owner_numbers owner_of(const file& path) {
   return platform::read_owner(path, out) ? out : platform::owner_numbers();
 }
 
-bool tell(bool made, const file& path, exception* err) {
+/// Copies a failure to make the folder to `*err`, unless that is null, and gives `made`.
+bool made_or_reported(bool made, const file& path, exception* err) {
   if (!made) exc::fileUnCreateFolder(path).copy_on(err);
   return made;
 }
@@ -57,7 +58,7 @@ bool file::is_hidden() const {
 
 bool file::can_be_read() const { return platform::may_read(path_); }
 
-// What is marked as read-only says nothing of a folder.
+// On a folder the read-only mark has no effect.
 bool file::can_be_write() const {
   platform::entry_facts facts;
   if (!platform::read_facts(path_, facts)) return false;
@@ -79,7 +80,7 @@ datetime file::last_modified() const { return facts_of(*this).modified; }
 datetime file::last_access() const { return facts_of(*this).accessed; }
 datetime file::last_status_changed() const { return facts_of(*this).changed; }
 
-bool file::mkdir(exception* err) const { return tell(platform::make_folder(path_), *this, err); }
+bool file::mkdir(exception* err) const { return made_or_reported(platform::make_folder(path_), *this, err); }
 
 // Of the folders that are missing only the lengths of their paths are kept: there may be thousands.
 bool file::mkdirs(exception* err) const {
@@ -87,7 +88,7 @@ bool file::mkdirs(exception* err) const {
   for (file at = *this; !at.empty() && !at.is_root() && !at.is_directory(); --at)
     missing.push_back(at.path_.size());
   while (!missing.empty() && platform::make_folder(path_.substr(0, missing.back()))) missing.pop_back();
-  return tell(is_directory(), *this, err);
+  return made_or_reported(is_directory(), *this, err);
 }
 
 void file::erase() const {

@@ -36,7 +36,7 @@ class held_tree {
   const file& culprit() const noexcept { return culprit_; }
 
   const file& top() const noexcept { return top_; }
-  /// What tells the top from all other folders; null when it was never held.
+  /// What distinguishes the top from all other folders; null when it was never held.
   const platform::entry_identity* identity() const noexcept { return is_held_ ? &identity_ : nullptr; }
   /// Lets go of all folders. The top cannot be reached any more.
   void release();

@@ -27,7 +27,7 @@ file counterpart(const file& entry, const file& source, const file& target) {
   return prefix_of(target) + place;
 }
 
-/// The folder of an entry; its path is empty no more than others are.
+/// The folder of an entry; "." for an entry without one, since an empty path leads to nothing.
 file folder_of(const file& entry) {
   file out = entry.get_parent();
   return out.empty() ? file(L".") : out;
@@ -44,7 +44,7 @@ bool conclude(const RelayCallBack& work, exception& err) {
   return work.get_failure().OK();
 }
 
-/// A callback that is told which tree it works on.
+/// A callback that knows which tree it works on.
 template <class Callback>
 struct on_tree final : Callback {
   using Callback::Callback;
@@ -139,7 +139,7 @@ void RecursiveCallBack::onRead(const file& entry) {
   RelayCallBack::onRead(entry);
 }
 
-// The listings below end here too, with nothing to be done.
+// Each listing of a folder below ends here too; only the end of the outermost one counts.
 void RecursiveCallBack::onFinish() {
   if (descends_) return;
   descend(nullptr);
@@ -172,7 +172,7 @@ void RecursiveCallBack::descend(const file* top) {
   }
 }
 
-// A service of the application's own may tell its failure to its caller alone, or give none.
+// A service of the application's own may give its failure to its caller alone, or give none.
 void RecursiveCallBack::list(const file& folder) {
   failed_ = false;
   std::shared_ptr<held_tree> tree = tree_of(folder);
@@ -182,9 +182,9 @@ void RecursiveCallBack::list(const file& folder) {
     onFailure(exc::fileInvalidFolder(tree->culprit()));
     return;
   }
-  exception told;
-  if (directory_list(held_place(folder, held), told, *this) || failed_) return;
-  onFailure(told.OK() ? exception::incorrect() : told);
+  exception reported;
+  if (directory_list(held_place(folder, held), reported, *this) || failed_) return;
+  onFailure(reported.OK() ? exception::incorrect() : reported);
 }
 
 void RecursiveCallBack::onFailure(const exception& error) {
@@ -236,7 +236,7 @@ void CopyFolderCallBack::onFinish() {
 
 void CopyFolderCallBack::onFailure(const exception& error) { RelayCallBack::onFailure(error); }
 
-/// False when the entry is none that lasts.
+/// False when the entry is a file that is being written, which is left out.
 bool CopyFolderCallBack::copy(const file& entry) {
   const file place = counterpart(entry, source_, target_);
   if (place.empty()) throw exc::BadArgument(entry);
@@ -273,7 +273,7 @@ void CopyFolderCallBack::reach(const file& folder) {
   if (targets_->reach(folder, true)) return;
   const file culprit = targets_->culprit();
   const outcome reason = targets_->reason();
-  if (!targets_->identity()) targets_.reset();  // is tried again
+  if (!targets_->identity()) targets_.reset();  // the next entry tries again
   if (reason == outcome::file || reason == outcome::link) throw exc::fileExpectedFolder(culprit);
   throw exc::fileUnCreateFolder(folder);
 }

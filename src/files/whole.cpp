@@ -29,9 +29,9 @@ namespace {
 
 constexpr std::string_view utf_8_mark = "\xEF\xBB\xBF", utf_16_mark = "\xFF\xFE";
 
-/// What `body` throws of the library's own goes to `err`.
+/// Runs the body and copies its failure, if it is one of the library's own, to `err`; true is success.
 template <class Body>
-bool told(exception& err, Body body) {
+bool succeeds(exception& err, Body body) {
   try {
     body();
     return true;
@@ -331,8 +331,9 @@ file write_whole(const Content& content, const file& path, bool overwrite) {
 }
 
 template <class Content>
-bool write_told(const Content& content, const file& path, exception& err, file* written, bool overwrite) {
-  return told(err, [&] {
+bool write_or_report(const Content& content, const file& path, exception& err, file* written,
+                     bool overwrite) {
+  return succeeds(err, [&] {
     file made = write_whole(content, path, overwrite);
     if (written) *written = std::move(made);
   });
@@ -346,16 +347,16 @@ auto read_whole(const file& path, Read read) {
 }  // namespace
 
 bool read(std::wstring& out, const file& path, exception& err) {
-  return told(err, [&] { read_whole(path, [&] { out = read_text(path); }); });
+  return succeeds(err, [&] { read_whole(path, [&] { out = read_text(path); }); });
 }
 bool read(memo& out, const file& path, exception& err) {
-  return told(err, [&] { read_whole(path, [&] { out = read_text(path); }); });
+  return succeeds(err, [&] { read_whole(path, [&] { out = read_text(path); }); });
 }
 bool read(std::string& out, const file& path, exception& err) {
-  return told(err, [&] { read_whole(path, [&] { out = read_bytes<std::string>(path); }); });
+  return succeeds(err, [&] { read_whole(path, [&] { out = read_bytes<std::string>(path); }); });
 }
 bool read(binary& out, const file& path, exception& err) {
-  return told(err, [&] { out = read(path); });
+  return succeeds(err, [&] { out = read(path); });
 }
 binary read(const file& path) {
   return read_whole(path, [&] {
@@ -366,13 +367,13 @@ binary read(const file& path) {
 }
 
 bool write(const std::wstring& content, const file& path, exception& err, file* written, bool overwrite) {
-  return write_told(content, path, err, written, overwrite);
+  return write_or_report(content, path, err, written, overwrite);
 }
 bool write(const memo& content, const file& path, exception& err, file* written, bool overwrite) {
-  return write_told(content, path, err, written, overwrite);
+  return write_or_report(content, path, err, written, overwrite);
 }
 bool write(const binary& content, const file& path, exception& err, file* written, bool overwrite) {
-  return write_told(content, path, err, written, overwrite);
+  return write_or_report(content, path, err, written, overwrite);
 }
 file write(const std::wstring& content, const file& path, bool overwrite) {
   return write_whole(content, path, overwrite);

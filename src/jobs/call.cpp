@@ -12,26 +12,28 @@ bool steps::operator()(const xvar& progress) const { return of_->advance(progres
 void steps::advance(const xvar& progress) const { of_->advance_or_throw(progress); }
 bool steps::canceled() const noexcept { return of_->is_canceled(); }
 
-call::told::told(handlers whom) : whom_(std::move(whom)) {}
-call::told::~told() = default;
+call::relay::relay(handlers whom) : whom_(std::move(whom)) {}
+call::relay::~relay() = default;
 
-void call::told::on_start() {}
-void call::told::on_progress(xvar* progress) {
+void call::relay::on_start() {}
+void call::relay::on_progress(xvar* progress) {
   if (whom_.progress) whom_.progress(*progress);
 }
-void call::told::on_finish(xvar* result) {
+void call::relay::on_finish(xvar* result) {
   if (whom_.finish) whom_.finish(*result);
 }
-void call::told::on_cancel() {
+void call::relay::on_cancel() {
   if (whom_.cancel) whom_.cancel();
 }
-void call::told::on_failure(const exception& error) {
+void call::relay::on_failure(const exception& error) {
   if (whom_.failure) whom_.failure(error);
 }
 
-call::call(body work, handlers whom) : told_(std::move(whom)), body_(std::move(work)) { set_callback(told_); }
+call::call(body work, handlers whom) : relay_(std::move(whom)), body_(std::move(work)) {
+  set_callback(relay_);
+}
 
-// All of it is still there: a run that has not begun may fail, and tell so.
+// All members are still there: a run that has not begun may fail and report it.
 call::~call() {
   if (joinable()) cancel();
   settle();
@@ -66,7 +68,7 @@ void call::fail() noexcept {
     } catch (...) {
       on_failure(detail::about(exc::ThreadException(), detail::in_flight));
     }
-  } catch (...) {  // nobody is left to be told
+  } catch (...) {  // nobody is left to report it to
   }
 }
 

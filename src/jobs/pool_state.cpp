@@ -26,7 +26,7 @@ unsigned long collector_key() noexcept {
 void tell_failure(task::async& of) noexcept {
   try {
     of.on_failure(detail::about(exc::ThreadException(), detail::in_flight));
-  } catch (...) {  // nobody is left to be told
+  } catch (...) {  // nobody is left to report it to
   }
 }
 
@@ -278,7 +278,7 @@ bool pool::state::collect() {
     of->discard();
     try {
       of->cancel();
-    } catch (...) {  // on the task's own thread; on_failure() has been told
+    } catch (...) {  // on the task's own thread; on_failure() has been called
     }
     of->get_taks().forget_listener(of);
     finish_claim(of);

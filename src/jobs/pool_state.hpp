@@ -1,6 +1,6 @@
 #pragma once
 
-// The inside of a pool.
+// What jobs::pool hides: its queue, its slots and its dispatcher.
 
 #include <ruvo/jobs.hpp>
 #include <ruvo/memory_collector.hpp>
@@ -21,7 +21,7 @@ namespace ruvo::jobs {
 /// its run() when its task is over.
 ///
 /// Order of locks: starting, running_guard, queue_guard. None of the guards is held while a task is started,
-/// joined or told anything.
+/// joined or notified.
 struct pool::state {
   state(pool& of, unsigned long long most) : owner(of), max_concurrency(most) {}
   state(const state&) = delete;
@@ -37,7 +37,7 @@ struct pool::state {
   /// the dispatcher with it. Where that throws the job is withdrawn.
   void wake(const job* queued);
 
-  /// From wherever it is, unless it has been handed over or is about to be.
+  /// Takes the job out of the queue or its slot, unless it has been handed over or is about to be.
   void withdraw(const job* of) noexcept;
 
   void start();
@@ -52,10 +52,10 @@ struct pool::state {
   /// Pending first: a job counts as running before it ceases to count as pending.
   bool is_empty() const noexcept { return pending_size == 0 && running_size == 0; }
 
-  /// Whether a wait for the end of all would be one for the calling thread.
+  /// Whether a wait for the end of all would be a wait of the calling thread for itself.
   bool holds_this_thread();
 
-  /// What collect() has in mind: marked jobs any call may cancel, reserved ones the call on their own thread,
+  /// What collect() intends: marked jobs any call may cancel, reserved ones the call on their own thread,
   /// taken ones are being canceled and handed over. Nobody joins a thread that waits in collect() or after
   /// it, as it has reserved what is its own.
   enum class claim { none, marked, reserved, taken };

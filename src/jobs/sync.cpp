@@ -125,9 +125,9 @@ void issueable<In, Progress, Out>::cancel() noexcept {
     worker_.join();
     ended = !detached_.load();
     unfinished = ended && open_.load();
-    worker_.tell([this] { this->on_cancel(); });
+    worker_.notify([this] { this->on_cancel(); });
   } catch (...) {
-    worker_.tell([this] { report(*this); });
+    worker_.notify([this] { report(*this); });
   }
   if (unfinished && !worker_.joinable()) end_quietly();  // on_cancel() may have started it anew
 }
@@ -196,9 +196,9 @@ void issueable<In, Progress, Out>::settle() noexcept {
     canceled_.store(true);
     try {
       worker_.join();
-      if (callback_type* const to = callback_.load()) worker_.tell([to] { to->on_cancel(); });
+      if (callback_type* const to = callback_.load()) worker_.notify([to] { to->on_cancel(); });
     } catch (...) {
-      if (callback_type* const to = callback_.load()) worker_.tell([to] { report(*to); });
+      if (callback_type* const to = callback_.load()) worker_.notify([to] { report(*to); });
     }
   }
   if (!detached_.load()) end_quietly();
@@ -216,7 +216,7 @@ template <class In, class Progress, class Out>
 void issueable<In, Progress, Out>::report(callback_type& to) noexcept {
   try {
     to.on_failure(detail::about(exc::ThreadException(), detail::in_flight));
-  } catch (...) {  // nobody is left to be told
+  } catch (...) {  // nobody is left to report it to
   }
 }
 

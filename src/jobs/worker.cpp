@@ -115,7 +115,7 @@ bool worker::detach() {
   return true;
 }
 
-void worker::tell(const std::function<void()>& what) const {
+void worker::notify(const std::function<void()>& what) const {
   registry::loan from;
   {
     const std::lock_guard lock(guard_);

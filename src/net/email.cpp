@@ -69,8 +69,8 @@ void read_date(datetime& date, const bundle& values) {
 
 bool is_text(const xvar& value) { return value.instanceof (typeid(std::wstring)); }
 
-/// Takes what a value of the bundle form tells of an address: a bundle, an address or a text. Whether it
-/// told the mail, be it empty.
+/// Takes the address that a value of the bundle form holds: a bundle, an address or a text. True when it
+/// has a mail, be it empty.
 bool read_who(address& who, const xvar* value) {
   if (value && value->instanceof (typeid(bundle))) {
     bundle fields;
@@ -133,8 +133,8 @@ email& email::operator=(const bundle& values) {
   made.signature_ = values.get_string(L"signature", '.', signature_);
   read_who(made.from_, values.get_ptr(L"from"));
   read_who(made.sender_, values.get_ptr(L"sender"));
-  const auto told = [&values](const auto& row) { return list_in(values, row.list) != nullptr; };
-  if (std::any_of(std::begin(roles), std::end(roles), told)) made.recipients_.clear();
+  const auto is_given = [&values](const auto& row) { return list_in(values, row.list) != nullptr; };
+  if (std::any_of(std::begin(roles), std::end(roles), is_given)) made.recipients_.clear();
   for (const auto& row : roles) made.put_bundles(list_in(values, row.list), row.role);
   if (const list* const files = list_in(values, L"attach")) {
     made.attach_.clear();
@@ -247,7 +247,7 @@ email::RCTP& email::operator[](const address& recipient) {
 email::RCTP& email::operator[](const std::wstring& mail) { return (*this)[by_mail(mail)]; }
 email::RCTP& email::operator[](const bundle& recipient) { return (*this)[address(recipient)]; }
 
-address email::told(const var& value) {
+address email::address_in(const var& value) {
   if (value.instanceof (typeid(address))) return address(value);
   if (!value.instanceof (typeid(bundle))) return by_mail(static_cast<std::wstring>(value));
   bundle fields;

@@ -49,7 +49,7 @@ void remove_head(std::wstring& text) {
   if (from != 0) text = std::move(kept.append(text, from));
 }
 
-/// What the text gives as a part of an HTML document.
+/// The text as a part of an HTML document.
 std::wstring markup(std::wstring text) {
   if (!texto::is_html(text)) return std::move(texto::to_html(text));
   remove_head(text);

@@ -48,7 +48,7 @@ std::wstring_view next_part(std::wstring_view list, std::size_t& from) {
   return part;
 }
 
-/// Tells each entry of a list to `take`.
+/// Passes each entry of a list to `take`.
 template <class Take>
 void split_list(std::wstring_view list, Take take) {
   std::wstring_view entry;  // the parts that belong together

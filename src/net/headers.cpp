@@ -86,7 +86,7 @@ header_table::const_iterator header_table::end() const noexcept { return headers
 header_table::size_type header_table::size() const noexcept { return headers_.get().size(); }
 header_table::size_type header_table::max_size() const noexcept { return headers_.get().max_size(); }
 void header_table::clear() noexcept {
-  if (!empty()) headers_.reach().clear();  // what stands for all that have none is never written
+  if (!empty()) headers_.reach().clear();  // the shared empty table is never written
 }
 
 bool header_table::same_headers(const header_table& other) const noexcept {

@@ -36,7 +36,7 @@ bool is_name(std::wstring_view text) noexcept {
   return labels >= 2 && text.size() == 2 && texto::is_lower(text[0]) && texto::is_lower(text[1]);
 }
 
-/// A name and, behind ':', a port; what it ends with is the caller's to judge.
+/// A name and, behind ':', a port; whether the text may end there is left to the caller.
 struct host_text {
   explicit host_text(std::wstring_view text) noexcept
       : name(text.substr(0, text.find(L':'))), has_port(name.size() < text.size()) {

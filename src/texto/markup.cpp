@@ -40,7 +40,7 @@ std::size_t number_of(wchar_t c) {
 bool is_accented(wchar_t c) { return number_of(c) != 0; }
 
 /// Goes through the text. Where `first` stands, `read` is given the rest and may write a unit to where its
-/// second argument points; it tells how many units of the rest that replaces, or 0.
+/// second argument points; it returns how many units of the rest that replaces, or 0.
 template <class Read>
 std::wstring& condense(std::wstring& text, wchar_t first, Read read) {
   const wchar_t* at = text.data();

@@ -1,6 +1,6 @@
 #pragma once
 
-// The fields of a calendar value for those who can do nothing without them.
+// The fields of a calendar value, for callers that cannot go on without them.
 
 #include <ruvo/fwd.hpp>
 

@@ -14,13 +14,13 @@ namespace ruvo::calendar {
 std::wstring month_name(const std::string& locale, int month, bool abbreviated);
 std::wstring week_day_name(const std::string& locale, int day, bool abbreviated);
 
-/// Appends the record of the instant `seconds`; the two tell the offset of the zone.
+/// Appends the record of the instant `seconds`; the two give the offset of the zone.
 void print(std::wstring& out, std::wstring_view format, const std::tm& record, long long seconds, bool local,
            const std::string& locale);
 
 struct reading {
   std::tm record{};                 // what the text leaves out stays
-  std::optional<long long> offset;  // what the record is ahead of UTC, in seconds, when the text tells
+  std::optional<long long> offset;  // what the record is ahead of UTC, in seconds, when the text says it
 };
 
 /// Whether the text fits the format; `out` is only of use then.

@@ -41,12 +41,12 @@ struct caught : exception {
   }
 };
 
-/// Runs the body and tells its failure; true on failure.
+/// Runs the body and copies its failure to `*err`, unless that is null; true is success.
 template <class Body>
-bool told(exception* err, Body body) {
+bool is_done(exception* err, Body body) {
   try {
     body();
-    return false;
+    return true;
   } catch (const exception& error) {
     error.copy_on(err);
     if (auto* const place = dynamic_cast<caught*>(err)) {
@@ -56,21 +56,21 @@ bool told(exception* err, Body body) {
   } catch (...) {
     detail::about(exc::CalendarException(), detail::in_flight).copy_on(err);
   }
-  return true;
+  return false;
 }
 
-/// Throws what an operation or a service told.
-[[noreturn]] void raise(const exception& told) {
-  if (told.OK()) throw exc::CalendarException();
-  told.raise();
+/// Throws the failure of an operation or a service.
+[[noreturn]] void raise(const exception& failure) {
+  if (failure.OK()) throw exc::CalendarException();
+  failure.raise();
 }
 
-[[noreturn]] void raise(const caught& told) {
-  if (told.is_as_thrown()) std::rethrow_exception(told.thrown);
-  raise(static_cast<const exception&>(told));
+[[noreturn]] void raise(const caught& failure) {
+  if (failure.is_as_thrown()) std::rethrow_exception(failure.thrown);
+  raise(static_cast<const exception&>(failure));
 }
 
-// All that this library asks of the services of a context for its calendar is asked below.
+// The calendar asks the services of a context here and nowhere else.
 
 /// The answer of a service. Its exceptions that are no failures of the library become one.
 template <class Service>
@@ -84,7 +84,7 @@ auto answer(Service ask) {
   }
 }
 
-/// Asks a service that tells whether it could; throws its failure. It is asked without a place for that
+/// Asks a service that returns whether it could; throws its failure. It is asked without a place for that
 /// first: making one takes as long as an answer.
 template <class Service>
 void demand(Service ask) {
@@ -269,7 +269,7 @@ long long skipped(const context& user, const std::tm& wanted, long long seconds)
 }  // namespace
 
 bool lapse::add(int n, times::UNITS unit, exception* err) {
-  return told(err, [&] {
+  return !is_done(err, [&] {
     const movable* const moved = movable_of(unit);
     std::tm fields = record();
     if (!moved) return;
@@ -283,7 +283,7 @@ bool lapse::add(int n, times::UNITS unit, exception* err) {
 }
 
 bool lapse::set(int n, times::UNITS unit, exception* err) {
-  return told(err, [&] {
+  return !is_done(err, [&] {
     const movable* const replaced = movable_of(unit);
     std::tm fields = record();
     if (!replaced) return;
@@ -293,11 +293,11 @@ bool lapse::set(int n, times::UNITS unit, exception* err) {
 }
 
 bool lapse::set(int year, int month, int day, int hour, int minute, int second, exception* err) {
-  return told(err, [&] { build(year + 1900LL, month + 1LL, day, hour, minute, second); });
+  return !is_done(err, [&] { build(year + 1900LL, month + 1LL, day, hour, minute, second); });
 }
 
 bool lapse::set(std::tm& record, exception& err) {
-  return told(&err, [&] { lapso_ = built(current_context(), record, huso_ == times::LOCAL); });
+  return !is_done(&err, [&] { lapso_ = built(current_context(), record, huso_ == times::LOCAL); });
 }
 
 void lapse::move(int n, times::UNITS unit) {
@@ -322,22 +322,22 @@ std::tm lapse::get_model() const { return huso_ == times::LOCAL ? get_local_mode
 
 std::tm lapse::get_gmt_model(exception* err) const {
   std::tm out{};
-  if (told(err, [&] { break_down(current_context(), lapso_, false, out); })) out = {};
+  if (!is_done(err, [&] { break_down(current_context(), lapso_, false, out); })) out = {};
   return out;
 }
 
 std::tm lapse::get_local_model(exception* err) const {
   std::tm out{};
-  if (told(err, [&] { break_down(current_context(), lapso_, true, out); })) out = {};
+  if (!is_done(err, [&] { break_down(current_context(), lapso_, true, out); })) out = {};
   return out;
 }
 
 bool lapse::gmt(std::tm& record, exception& err) const {
-  return told(&err, [&] { break_down(current_context(), lapso_, false, record); });
+  return !is_done(&err, [&] { break_down(current_context(), lapso_, false, record); });
 }
 
 bool lapse::locale(std::tm& record, exception& err) const {
-  return told(&err, [&] { break_down(current_context(), lapso_, true, record); });
+  return !is_done(&err, [&] { break_down(current_context(), lapso_, true, record); });
 }
 
 void lapse::read_over(int year, std::wstring_view text, std::wstring_view format, const std::string& locale) {
@@ -363,17 +363,17 @@ void lapse::read(std::wstring_view text, std::wstring_view format, const std::st
 
 bool lapse::parse(const std::wstring& text, const std::wstring& format, exception& err,
                   const std::string& locale) {
-  return !told(&err, [&] { read(text, format, locale); });
+  return is_done(&err, [&] { read(text, format, locale); });
 }
 
 bool lapse::parse(const std::wstring& text, const std::string& format, exception& err,
                   const std::string& locale) {
-  return !told(&err, [&] { read(text, widened(format), locale); });
+  return is_done(&err, [&] { read(text, widened(format), locale); });
 }
 
 bool lapse::parse(const std::string& text, const std::string& format, exception& err,
                   const std::string& locale) {
-  return !told(&err, [&] { read(widened(text), widened(format), locale); });
+  return is_done(&err, [&] { read(widened(text), widened(format), locale); });
 }
 
 void lapse::take(const std::wstring& text, const std::string& format) { read(text, widened(format), {}); }

@@ -108,7 +108,7 @@ struct reader {
     return value >= low && value <= high;
   }
 
-  /// What is usual: no fewer digits than there may be.
+  /// The usual case: as many digits as there may be, read without a branch for each.
   template <int digits>
   bool all_digits(int& value) {
     if (end - at < digits) return false;
@@ -262,7 +262,7 @@ struct reader {
     return true;
   }
 
-  /// A name of UTC, or one of the zone's own names, which tell nothing that the record does not; the longest,
+  /// A name of UTC, or one of the zone's own names, which add nothing to the record; the longest,
   /// as the zone's may begin with "GMT".
   bool zone_name() {
     const wchar_t* const first = at;

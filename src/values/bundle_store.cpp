@@ -289,8 +289,7 @@ void bundle_store::erase(entry* item) noexcept {
 
 bundle::entry* bundle_store::step(const entry* item, std::size_t& rank, bool forward) const noexcept {
   if (large_) {
-    constexpr int shift = 16;
-    large_order::place at{rank >> shift, rank & ((std::size_t{1} << shift) - 1)};
+    large_order::place at = large_order::place::of(rank);
     if (!item) {
       at = {large_->leaves.size() - 1, large_->leaves.back().size()};
     } else if (large_->at(at) != item) {
@@ -305,7 +304,7 @@ bundle::entry* bundle_store::step(const entry* item, std::size_t& rank, bool for
       --at.leaf;
       at.at = large_->leaves[at.leaf].size() - 1;
     }
-    rank = at.leaf << shift | at.at;
+    rank = at.rank();
     return large_->at(at);
   }
   if (!item) {

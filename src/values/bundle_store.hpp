@@ -53,7 +53,8 @@ class bundle_store {
     return size_ > 0 ? order_[ranks()[0]] : nullptr;
   }
   /// The neighbour in key order of `item` (null: behind the last), or null. `rank` is where `item` was last
-  /// seen.
+  /// seen: its number in key order in a small store, place::rank() in a large one. It is a hint: an entry
+  /// that has moved since is looked up by its key.
   entry* step(const entry* item, std::size_t& rank, bool forward) const noexcept;
 
   /// step() forward through a store that doesn't change, beginning at first() with rank 0.
@@ -79,8 +80,13 @@ class bundle_store {
   struct large_order {
     using leaf = std::vector<entry*>;
     struct place {
+      /// A place in one number, as iterators keep it: the leaf, and in the low 16 bits the index in the leaf.
+      std::size_t rank() const noexcept { return leaf << 16 | at; }
+      static place of(std::size_t rank) noexcept { return {rank >> 16, rank & 0xFFFF}; }
+
       std::size_t leaf, at;
     };
+    static_assert(leaf_limit <= 0xFFFF);
     std::vector<entry*> order;
     std::vector<leaf> leaves;
 
@@ -119,7 +125,7 @@ class bundle_store {
   std::size_t bytes_ = 0;  // of the allocation that begins with this object
 };
 
-/// The library's own door into a bundle.
+/// The library's own access to the store of a bundle.
 struct bundle_access {
   static bundle_store* store(const bundle& in) noexcept { return in.store_; }
   static bundle_store& made_store(bundle& in, std::size_t capacity = 4) {

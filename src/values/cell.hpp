@@ -1,6 +1,6 @@
 #pragma once
 
-// The library's own access to the inside of a var.
+// The library's own access to the inside of a var: what a cell of each kind keeps, and how it is set.
 
 #include <ruvo/bundle.hpp>
 #include <ruvo/list.hpp>
@@ -136,8 +136,8 @@ long long date_number(const var& v);
 void copy_tree(var& to, const var& from);
 bundle_store* copy_store(const bundle_store& from);
 
-/// Whether a text may lie in what a bundle holds, as one of its texts or keys. Looks that would take longer
-/// than a copy of the text end with true.
+/// Whether a text may lie in what a bundle holds, as one of its texts or keys. True as
+/// well where looking would take longer than a copy of the text.
 bool may_hold(const bundle& whole, std::wstring_view text);
 
 /// Destroys what a cell of a container kind owns, level by level.

@@ -15,11 +15,12 @@
 
 namespace ruvo::detail {
 
-/// Whether a folded text may view the units that it was made of, or has to outlive them: who writes along a
-/// path may replace the entry that the path is the text of.
+/// Whether a folded text may view the units that it was made of, or has to outlive them: writing along a path
+/// may replace the entry whose text the path is.
 enum class units { viewed, owned };
 
-/// A text folded by `fold` unit for unit; a long one that is folded already is only viewed, unless told.
+/// A text folded by `fold` unit for unit; a long one that is folded already is only viewed,
+/// unless a copy is asked for.
 template <wchar_t (*fold)(wchar_t)>
 class folded_text {
  public:

@@ -1,7 +1,7 @@
 #pragma once
 
 // Folders with all that is in them: listing, copying, comparing and erasing, with a filter that decides what
-// is worked on and a callback that is told of it.
+// is worked on and a callback that receives each entry.
 
 #include <ruvo/api.hpp>
 #include <ruvo/exception.hpp>
@@ -36,7 +36,8 @@ class KESTA_API fileFilter {
   virtual bool accept(const file& entry);
 };
 
-/// Is told of the entries. What it throws ends the operation and comes to the caller, without onFinish().
+/// Receives the entries and the failures. What it throws ends the operation and comes to the caller, without
+/// onFinish().
 class KESTA_API fileCallback {
  public:
   /// A callback that was not asked to stop.
@@ -72,7 +73,7 @@ class held_tree;
 ///
 /// False on failure, with the first failure copied to `err`; a success leaves `err` as it was. Failures:
 /// exc::fileNotFound, and exc::fileInvalidFolder for what is no folder or cannot be listed; and where the
-/// callback is one of those below, what it was told of: the failure of a folder further down, or of what it
+/// callback is one of those below, the failures that it received: of a folder further down, or of what it
 /// does with an entry.
 KESTA_API bool directory_list(const file& folder, exception& err, fileFilter* filter, fileCallback* callback,
                               std::vector<file>* out);
@@ -103,7 +104,7 @@ KESTA_API bool copy_folder(const file& from, file to, exception& err, std::vecto
 /// Whether each entry below `from` has one of the same kind, and for files of the same size, at the same
 /// place below `to`. Contents are not compared, and what else is below `to` does not matter. Each difference
 /// is a failure that names the path below `to`: exc::fileNotFound, exc::fileExpectedFolder,
-/// exc::fileExpectedFile, exc::fileStrageFileSize. The callback is told of every one, and `err` gets the
+/// exc::fileExpectedFile, exc::fileStrageFileSize. The callback receives every one, and `err` gets the
 /// first. Files that are being written are left out as by copy_folder().
 KESTA_API bool verify(const file& from, file to, exception& err, fileCallback& callback,
                       fileFilter* filter = nullptr);
@@ -121,8 +122,8 @@ KESTA_API bool erase(file path, exception& err, fileCallback& callback);
 KESTA_API bool erase(file path, exception& err, fileFilter& filter, fileCallback& callback);
 KESTA_API bool erase(file path, exception& err, fileFilter& filter);
 
-/// What the callbacks share that do the work, to be given to directory_list() and to be put one behind the
-/// other: what they are told is passed on to another callback, which may be null, and when that one asks to
+/// The base of the callbacks that do the work; they are given to directory_list() and put one behind the
+/// other. What they receive they pass on to another callback, which may be null, and when that one asks to
 /// stop, so do they. They keep references to the callbacks, filters and lists that they are made from.
 class KESTA_API RelayCallBack : public fileCallback {
  public:
@@ -136,7 +137,7 @@ class KESTA_API RelayCallBack : public fileCallback {
 
   /// The first failure; OK() when there was none.
   const exception& get_failure() const noexcept { return failure_; }
-  /// How many failures it was told of.
+  /// How many failures it received.
   std::size_t count_failures() const noexcept { return failures_; }
 
  protected:
@@ -157,10 +158,10 @@ class KESTA_API RelayCallBack : public fileCallback {
   std::shared_ptr<held_tree> tree_;
 };
 
-/// Makes a listing go down into the folders that it finds, when it is told that the listing of one has ended
-/// (folders are the entries whose is_directory() says so, which may be of the application's own):
-/// first come all entries of a folder, then those of its first folder and what is below that, and so on.
-/// Entries that its filter refuses are neither collected nor passed on.
+/// Makes a listing go down into the folders that it finds, when the listing of one has ended (folders are
+/// the entries whose is_directory() says so, which may be of the application's own): first come all entries
+/// of a folder, then those of its first folder and what is below that, and so on. Entries that its filter
+/// refuses are neither collected nor passed on.
 class KESTA_API RecursiveCallBack : public RelayCallBack {
  public:
   /// Collects in `out`, asks `filter` and passes on to `to`, where they are given; pointers may be null.
@@ -187,7 +188,7 @@ class KESTA_API RecursiveCallBack : public RelayCallBack {
   fileFilter* filter_;
   std::vector<file> pending_;  // folders to go down into, the next one last
   bool descends_ = false;
-  bool failed_ = false;  // the listing under way has told a failure
+  bool failed_ = false;  // the listing under way has reported a failure
 };
 
 /// Copies each entry below `source` to the same place below `target`; of a folder, the folder alone. What was
@@ -250,7 +251,7 @@ class KESTA_API DeleteCallBack : public RelayCallBack {
   void onFinish() override;
   void onFailure(const exception& error) override;
 
-  /// Tells that the entry stays, so that the folders around it are left alone.
+  /// Notes that the entry stays, so that the folders around it are left alone.
   void keep(const file& entry);
 
  private:

@@ -18,7 +18,7 @@
 namespace ruvo::smtp {
 
 /// A mail address, perhaps with a name to show. Texts are kept as given: whoever writes them into a header
-/// sees to it that they hold no line ends. Nothing but want of memory fails, unless stated; a call that
+/// sees to it that they hold no line ends. Nothing but a lack of memory fails, unless stated; a call that
 /// throws changes nothing.
 class KESTA_API address {
  public:
@@ -48,14 +48,14 @@ class KESTA_API address {
     return take(value);
   }
 
-  /// Plain copies; check() tells whether the mail is one.
+  /// Plain copies; check() gives whether the mail is valid.
   address& set_name(const std::wstring& name);
   address& set_mail(const std::wstring& mail);
   /// What was set; valid until this address is changed, moved from or destroyed.
   const std::wstring& get_name() const noexcept { return name_; }
   const std::wstring& get_mail() const noexcept { return mail_; }
 
-  /// Whether the mail address is one, as texto::is_email() tells.
+  /// Whether the mail address is valid by texto::is_email().
   bool check() const;
   /// Whether there is no mail address, whatever the name.
   bool empty() const noexcept { return mail_.empty(); }
@@ -96,7 +96,6 @@ class KESTA_API address {
   std::wstring text_;  // what to_string() gives
 };
 
-/// Writes to_string().
 KESTA_API std::wostream& operator<<(std::wostream& out, const address& value);
 
 }  // namespace ruvo::smtp

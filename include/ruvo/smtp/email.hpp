@@ -40,7 +40,6 @@ class KESTA_API email {
   /// "%a, %d %b %Y %H:%M:%S %z", the date of RFC 5322 (always with English names).
   static const std::string date_pattern;
 
-  /// The names that the standard containers use.
   using map_type = std::map<address, RCTP>;
   using value_type = map_type::value_type;
   using size_type = map_type::size_type;
@@ -65,10 +64,11 @@ class KESTA_API email {
   virtual ~email();
   email& operator=(const email& other);
   email& operator=(email&& other);
-  /// Takes what the bundle form tells: missing and null entries, and those that cannot be read, leave their
-  /// field as it is. The lists, one or several, replace all recipients, and "attach" the files. Addresses may
-  /// also be texts ("Ana <ana@example.es>" or a bare mail); in the lists, what tells no mail is skipped, and
-  /// so are attached files that are no texts. A date without a calendar form cannot be read.
+  /// Takes the fields that the bundle form has: missing and null entries, and those that cannot be read,
+  /// leave their field as it is. The lists, one or several, replace all recipients, and "attach" the files.
+  /// Addresses may also be texts ("Ana <ana@example.es>" or a bare mail); in the lists, entries without a
+  /// mail are skipped, and so are attached files that are no texts. A date without a calendar form cannot be
+  /// read.
   email& operator=(const bundle& values);
   /// Takes the message that a var or xvar holds; null changes nothing, any other kind throws std::bad_cast.
   template <std::derived_from<var> V>
@@ -103,13 +103,13 @@ class KESTA_API email {
   email& set_from(const std::wstring& mail);
   template <std::derived_from<var> V>
   email& set_from(const V& value) {
-    return set_from(told(value));
+    return set_from(address_in(value));
   }
   email& set_sender(const address& sender);
   email& set_sender(const std::wstring& mail);
   template <std::derived_from<var> V>
   email& set_sender(const V& value) {
-    return set_sender(told(value));
+    return set_sender(address_in(value));
   }
 
   /// Attaches a path behind the others; nothing is opened or read.
@@ -121,7 +121,7 @@ class KESTA_API email {
   void discharge(std::size_t index);
   void discharge() noexcept;
 
-  /// The role of the recipient, inserted as TO_ when absent. As everywhere below, a recipient is told by an
+  /// The role of the recipient, inserted as TO_ when absent. As everywhere below, a recipient is named by an
   /// address, a mail text or the bundle form of an address, and a var or xvar counts as what it holds of
   /// these. The name is stored at the insertion only.
   RCTP& operator[](const address& recipient);
@@ -129,7 +129,7 @@ class KESTA_API email {
   RCTP& operator[](const bundle& recipient);
   template <std::derived_from<var> V>
   RCTP& operator[](const V& recipient) {
-    return (*this)[told(recipient)];
+    return (*this)[address_in(recipient)];
   }
   /// An absent recipient throws std::out_of_range ("invalid map<K, T> key").
   RCTP& at(const address& recipient);
@@ -138,11 +138,11 @@ class KESTA_API email {
   const RCTP& at(const std::wstring& mail) const;
   template <std::derived_from<var> V>
   RCTP& at(const V& recipient) {
-    return at(told(recipient));
+    return at(address_in(recipient));
   }
   template <std::derived_from<var> V>
   const RCTP& at(const V& recipient) const {
-    return at(told(recipient));
+    return at(address_in(recipient));
   }
   /// The recipient of that mail, or end().
   iterator find(const address& recipient) { return recipients_.find(recipient); }
@@ -151,25 +151,25 @@ class KESTA_API email {
   const_iterator find(const std::wstring& mail) const;
   template <std::derived_from<var> V>
   iterator find(const V& recipient) {
-    return find(told(recipient));
+    return find(address_in(recipient));
   }
   template <std::derived_from<var> V>
   const_iterator find(const V& recipient) const {
-    return find(told(recipient));
+    return find(address_in(recipient));
   }
   /// 0 or 1.
   size_type count(const address& recipient) const { return recipients_.count(recipient); }
   size_type count(const std::wstring& mail) const;
   template <std::derived_from<var> V>
   size_type count(const V& recipient) const {
-    return count(told(recipient));
+    return count(address_in(recipient));
   }
   /// The number of recipients removed, 0 or 1.
   size_type erase(const address& recipient);
   size_type erase(const std::wstring& mail);
   template <std::derived_from<var> V>
   size_type erase(const V& recipient) {
-    return erase(told(recipient));
+    return erase(address_in(recipient));
   }
   /// Removes the recipient and gives the next one.
   iterator erase(const_iterator recipient) { return recipients_.erase(recipient); }
@@ -212,7 +212,7 @@ class KESTA_API email {
   /// Writes the lines "Date: ", "To: ", "From: ", "Sender: ", "Cc: ", "Cco: " and "Message-ID: ", each ended
   /// by CRLF; the last holds get_message_id(). Throws exc::CalendarException for a date that has no calendar
   /// form; nothing is written then.
-  /// @quirk "Cco: " tells the blind recipients: a transport that sends the block takes that line out.
+  /// @quirk "Cco: " names the blind recipients: a transport that sends the block takes that line out.
   void serialize_headers(std::wostringstream& out) const;
   /// Reads such a block, "Subject: " and the message's own fields in any order and case of their names; other
   /// fields are skipped, folded lines (RFC 5322) unfolded, and control characters but TAB, a lone CR among
@@ -234,7 +234,7 @@ class KESTA_API email {
   /// The body as an HTML document with, when there is one, "<p>--</p>" and the signature in a "<div>". Plain
   /// texts go through texto::to_html(); HTML loses its head and its html and body tags.
   /// @quirk The name is spelled so, and the document says that it is in iso-8859-1: a transport sends it so,
-  /// or tells another encoding in its Content-Type.
+  /// or states another encoding in its Content-Type.
   std::wstring get_hmtl_post() const;
 
   /// The header block of serialize_headers(), "Subject: " and the subject. Throws as that does.
@@ -249,7 +249,7 @@ class KESTA_API email {
 
   email& take(const var& value);
   /// The address that a var holds, as itself, in its bundle form or as a mail text.
-  static address told(const var& value);
+  static address address_in(const var& value);
   std::wstring header_block() const;
   bool take_field(std::wstring_view name, const std::wstring& value, headers_read& read);
   void put(const address& recipient, RCTP role);

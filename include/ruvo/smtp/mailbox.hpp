@@ -15,7 +15,7 @@
 namespace ruvo::smtp {
 
 /// A server, how to talk to it, and whom to log in as. The library opens no connection: this is what a
-/// transport reads. Nothing but want of memory fails, unless stated; a call that throws changes nothing.
+/// transport reads. Nothing but a lack of memory fails, unless stated; a call that throws changes nothing.
 class KESTA_API mailbox {
  public:
   /// How the connection is secured; the value is the port that is customary for it.
@@ -45,7 +45,7 @@ class KESTA_API mailbox {
     return take(value);
   }
 
-  /// Plain copies; check() tells whether the host is one.
+  /// Plain copies; check() gives whether the host is valid.
   mailbox& set_host(const std::wstring& host);  ///< A name, with ":port" if need be.
   mailbox& set_user(const std::wstring& user);
   mailbox& set_password(const std::wstring& password);  ///< Kept, and given to bundles, in clear.
@@ -82,7 +82,7 @@ class KESTA_API mailbox {
   /// All fields are replaced; what the text lacks becomes empty, so that no credentials go to another server.
   /// The user ends at the first ':' and the password at the last '@'; neither is decoded. "smtps://" gives
   /// the mode whose customary port the text names, otherwise SSL; "smtp://" gives NONE; without a scheme the
-  /// port tells, and NONE is for the others.
+  /// mode is that of the customary port, or NONE for any other port.
   [[nodiscard]] bool deserialize(const std::wstring& text);
 
   /// "host", "port" (0 when none was set), "encryption" (as to_string() spells it), "user" and "password".
