@@ -1,7 +1,7 @@
 // The whole way of a document: an application boots, a worker thread checks in, reads JSON files into
 // bundles, takes typed values out of them by path, builds an answer and writes it in three ways, and as XML.
 // The answer to an order travels in an HTTP response, and an e-mail confirms it; sending both is a
-// transport's work. Log entries tell what happens when.
+// transport's work. Log entries show what happens when.
 //
 //   demo FILE.json...
 //

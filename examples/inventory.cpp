@@ -111,7 +111,7 @@ class inventory {
   /// A file with the task that reads it. The entry is empty until the task is done.
   struct item {
     item(inventory& of, const ruvo::file& path)
-        : task([path, &of](const ruvo::xvar&, ruvo::task::steps tell) { return of.read(path, tell); },
+        : task([path, &of](const ruvo::xvar&, ruvo::task::steps progress) { return of.read(path, progress); },
                {.finish = [this, &of](const ruvo::xvar& read) { of.enter(*this, read, true); },
                 .failure =
                     [this, path, &of](const ruvo::exception& error) {
@@ -125,11 +125,11 @@ class inventory {
 
   // These are called on the threads of the tasks.
 
-  ruvo::xvar read(const ruvo::file& path, ruvo::task::steps tell) const {
+  ruvo::xvar read(const ruvo::file& path, ruvo::task::steps progress) const {
     const ruvo::thread_scope scope(app_);
     if (interrupted) throw ruvo::exc::ProcessCanceled();
     const ruvo::binary content = ruvo::files::read(path);
-    tell.advance(content.size());  // throws when the pool is being canceled
+    progress.advance(content.size());  // throws when the pool is being canceled
     ruvo::bundle out = bundle_of(path, L"bytes", content.size());
     out[L"fnv1a"] = fingerprint(content);
     return out;

@@ -40,8 +40,8 @@ def comments(text):
     """A header with its comments written so."""
     def comment(match):
         starts, lines = zip(*re.findall(r"^([ \t]*///<?)?(.*)$", match[0], re.MULTILINE))
-        told = brief(spans("\n".join(lines)))
-        return "\n".join(start + line for start, line in zip(starts, told.split("\n")))
+        text = brief(spans("\n".join(lines)))
+        return "\n".join(start + line for start, line in zip(starts, text.split("\n")))
     return COMMENT.sub(comment, text)
 
 

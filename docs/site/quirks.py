@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Lists the required oddities that the headers tell of by `@quirk`, as docs/QUIRKS.md.
+"""Lists the required oddities that the headers mark with `@quirk`, as docs/QUIRKS.md.
 
     docs/site/quirks.py [write]
 
@@ -33,7 +33,7 @@ def reasons(lines):
 
 
 def quirks(path):
-    """(name, reason) for each quirk of a header, and how many it tells of."""
+    """(name, reason) for each quirk of a header, and how many it marks."""
     text = path.read_text(encoding="utf-8")
     found = [(declaration.name(), reason)
              for declaration in Header(text).declarations if declaration.comment
@@ -45,9 +45,9 @@ def page():
     parts = [HEAD]
     for path in sorted((ROOT / "include/ruvo").rglob("*.hpp")):
         name = path.relative_to(ROOT / "include").as_posix()
-        found, told = quirks(path)
-        if len(found) != told:
-            sys.exit(f"{path}: {told} quirks, {len(found)} of them before a declaration")
+        found, marked = quirks(path)
+        if len(found) != marked:
+            sys.exit(f"{path}: {marked} quirks, {len(found)} of them before a declaration")
         if found:
             parts.append(f"\n## `<{name}>`\n\n")
             parts += [f"- `{subject}`: {reason}\n" for subject, reason in found]
