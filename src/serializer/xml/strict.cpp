@@ -8,9 +8,9 @@
 
 #include "base/ascii.hpp"
 #include "serializer/scan.hpp"
-#include "serializer/well_formed_cursor.hpp"
-#include "serializer/well_formed_dtd.hpp"
-#include "serializer/xml_tree.hpp"
+#include "serializer/xml/dtd.hpp"
+#include "serializer/xml/strict_cursor.hpp"
+#include "serializer/xml/tree.hpp"
 
 namespace ruvo::serializer {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "serializer/well_formed_cursor.hpp"
+#include "serializer/xml/strict_cursor.hpp"
 
 namespace ruvo::serializer {
 

@@ -9,7 +9,7 @@
 #include <sstream>
 #include <typeinfo>
 
-#include "serializer/json_emitter.hpp"
+#include "serializer/json/emitter.hpp"
 #include "serializer/number_text.hpp"
 #include "serializer/scan.hpp"
 

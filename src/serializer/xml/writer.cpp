@@ -11,8 +11,8 @@
 #include "base/numbers.hpp"
 #include "serializer/number_text.hpp"
 #include "serializer/scan.hpp"
-#include "serializer/well_formed_cursor.hpp"
-#include "serializer/xml_emitter.hpp"
+#include "serializer/xml/emitter.hpp"
+#include "serializer/xml/strict_cursor.hpp"
 #include "values/cell.hpp"
 
 namespace ruvo::serializer {

@@ -1,4 +1,4 @@
-#include "serializer/well_formed_dtd.hpp"
+#include "serializer/xml/dtd.hpp"
 
 #include <algorithm>
 #include <string>
