@@ -6,13 +6,14 @@
 #include <utility>
 
 #include "app/lost_entries.hpp"
-#include "app/platform.hpp"
 #include "app/registry.hpp"
 #include "base/immortal.hpp"
 #include "base/numbers.hpp"
 #include "base/quietly.hpp"
 #include "base/services.hpp"
 #include "exc/detail.hpp"
+#include "system/errors.hpp"
+#include "system/process.hpp"
 
 namespace ruvo {
 

@@ -1,10 +1,12 @@
+#include "system/console.hpp"
+
 #include <ruvo/console.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/exc_catalogue.hpp>
 
 #include <mutex>
 
-#include "app/platform.hpp"
+#include "system/errors.hpp"
 
 namespace ruvo {
 

@@ -4,12 +4,17 @@
 #include <utility>
 
 #include "app/pattern.hpp"
-#include "app/platform.hpp"
 #include "base/civil.hpp"
 #include "base/numbers.hpp"
 #include "base/utf.hpp"
 #include "exc/detail.hpp"
 #include "files/listing.hpp"
+#include "system/account.hpp"
+#include "system/clock.hpp"
+#include "system/code_page.hpp"
+#include "system/guid.hpp"
+#include "system/locale.hpp"
+#include "system/process.hpp"
 #include "time/zone.hpp"
 
 namespace ruvo {

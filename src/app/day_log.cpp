@@ -1,6 +1,7 @@
 #include "app/day_log.hpp"
 
 #include "base/utf.hpp"
+#include "system/clock.hpp"
 
 namespace ruvo::reg {
 
@@ -12,7 +13,7 @@ constexpr unsigned long long longest_open = 1000;  // milliseconds
 
 void day_log::set_folder(const file& folder) {
   const std::lock_guard lock(guard_);
-  open_.reset();
+  open_ = {};
   folder_ = folder;
 }
 
@@ -27,12 +28,12 @@ file day_log::path_of(long day) const { return {folder(), name_of_day(day)}; }
 bool day_log::reach(long day) {
   const unsigned long long now = platform::steady_milliseconds();
   if (open_ && open_day_ == day && now - opened_at_ < longest_open) return true;
-  open_.reset();
+  open_ = {};
   if (folder_.empty()) return false;
-  open_.reset(platform::open_to_append(file(folder_, name_of_day(day))));
+  open_ = platform::appended_file(file(folder_, name_of_day(day)));
   open_day_ = day;
   opened_at_ = now;
-  return open_ != nullptr;
+  return static_cast<bool>(open_);
 }
 
 bool day_log::write(const moment& when, std::wstring_view text) {
@@ -43,18 +44,18 @@ bool day_log::write(const moment& when, std::wstring_view text) {
   line += L"\r\n";
   const std::string bytes = texto::to_utf_8(line);
   const std::lock_guard lock(guard_);
-  return reach(when.number()) && platform::append(open_.get(), bytes);
+  return reach(when.number()) && open_.append(bytes);
 }
 
 void day_log::flush() {
   const std::lock_guard lock(guard_);
-  if (open_) platform::flush(open_.get());
-  open_.reset();
+  if (open_) open_.flush();
+  open_ = {};
 }
 
 void day_log::let_go() {
   const std::lock_guard lock(guard_);
-  open_.reset();
+  open_ = {};
 }
 
 }  // namespace ruvo::reg

@@ -2,12 +2,11 @@
 
 #include <ruvo/file.hpp>
 
-#include <memory>
 #include <mutex>
 #include <string_view>
 
 #include "app/log_line.hpp"
-#include "app/platform.hpp"
+#include "system/appended_file.hpp"
 
 namespace ruvo::reg {
 
@@ -30,15 +29,11 @@ class day_log {
   void let_go();
 
  private:
-  struct closer {
-    void operator()(void* open) const noexcept { platform::close(open); }
-  };
-
   bool reach(long day);
 
   mutable std::mutex guard_;
   file folder_;
-  std::unique_ptr<void, closer> open_;
+  platform::appended_file open_;
   long open_day_ = 0;
   unsigned long long opened_at_ = 0;
 };

@@ -5,6 +5,8 @@
 #include "app/pattern.hpp"
 #include "base/civil.hpp"
 #include "files/listing.hpp"
+#include "system/entry.hpp"
+#include "system/guid.hpp"
 
 namespace ruvo {
 

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -13,6 +14,8 @@
 #include "app/lost_entries.hpp"
 #include "base/quietly.hpp"
 #include "base/services.hpp"
+#include "system/console.hpp"
+#include "system/errors.hpp"
 
 namespace ruvo::reg {
 

@@ -16,6 +16,8 @@
 #include "base/services.hpp"
 #include "base/utf.hpp"
 #include "exc/detail.hpp"
+#include "system/appended_file.hpp"
+#include "system/file.hpp"
 
 namespace ruvo {
 

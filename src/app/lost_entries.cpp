@@ -3,9 +3,9 @@
 #include <atomic>
 #include <string>
 
-#include "app/platform.hpp"
 #include "base/numbers.hpp"
 #include "base/quietly.hpp"
+#include "system/errors.hpp"
 
 namespace ruvo::reg {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "app/platform.hpp"
+#include "system/guid.hpp"
 
 namespace ruvo {
 

@@ -9,8 +9,8 @@
 #include <mutex>
 #include <new>
 
-#include "app/platform.hpp"
 #include "base/immortal.hpp"
+#include "system/process.hpp"
 
 namespace ruvo::registry {
 

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <utility>
 
-#include "app/platform.hpp"
 #include "base/numbers.hpp"
 #include "base/utf.hpp"
+#include "system/errors.hpp"
 
 namespace ruvo {
 

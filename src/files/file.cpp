@@ -6,7 +6,6 @@
 
 #include "base/ascii.hpp"
 #include "base/utf.hpp"
-#include "files/platform.hpp"
 
 namespace ruvo {
 

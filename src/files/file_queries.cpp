@@ -10,7 +10,8 @@
 #include <vector>
 
 #include "base/ascii.hpp"
-#include "files/platform.hpp"
+#include "system/file.hpp"
+#include "system/folder.hpp"
 
 namespace ruvo {
 

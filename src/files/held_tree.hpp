@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "files/listing_platform.hpp"
+#include "system/folder.hpp"
 
 namespace ruvo::files {
 

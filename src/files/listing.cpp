@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <optional>
 #include <vector>
+
+#include "system/folder_reader.hpp"
 namespace ruvo {
 
 fileFilter::fileFilter() = default;

@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-#include "files/listing_platform.hpp"
+#include "system/folder.hpp"
 
 namespace ruvo::files {
 

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "base/numbers.hpp"
-#include "files/platform.hpp"
+#include "system/folder.hpp"
 
 namespace ruvo::files {
 

@@ -4,7 +4,7 @@
 
 #include <ruvo/file.hpp>
 
-#include "files/listing_platform.hpp"
+#include "system/folder.hpp"
 
 namespace ruvo::files {
 

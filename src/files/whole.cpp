@@ -15,13 +15,14 @@
 #include <utility>
 #include <vector>
 
-#include "app/platform.hpp"
 #include "base/immortal.hpp"
 #include "base/numbers.hpp"
 #include "base/utf.hpp"
 #include "files/names.hpp"
-#include "files/platform.hpp"
 #include "files/stand_in.hpp"
+#include "system/file.hpp"
+#include "system/folder.hpp"
+#include "system/process.hpp"
 
 namespace ruvo::files {
 

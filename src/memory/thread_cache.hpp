@@ -2,9 +2,9 @@
 
 // What a thread keeps to make values cheap.
 
-#include "app/thread_slot.hpp"
 #include "memory/block_cache.hpp"
 #include "memory/shared_key.hpp"
+#include "system/thread_slot.hpp"
 
 namespace ruvo::detail {
 

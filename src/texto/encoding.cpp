@@ -9,11 +9,11 @@
 #include <utility>
 #include <vector>
 
-#include "app/platform.hpp"
 #include "base/ascii.hpp"
 #include "base/base64.hpp"
 #include "base/hex.hpp"
 #include "base/utf.hpp"
+#include "system/code_page.hpp"
 
 namespace ruvo::texto {
 

@@ -1,7 +1,7 @@
 #include <array>
 #include <cstddef>
 
-#include "app/platform.hpp"
+#include "system/locale.hpp"
 #include "time/format.hpp"
 
 namespace ruvo::calendar {

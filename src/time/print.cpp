@@ -1,8 +1,9 @@
 #include <cstdlib>
 
-#include "app/platform.hpp"
 #include "base/civil.hpp"
 #include "base/numbers.hpp"
+#include "system/locale.hpp"
+#include "system/zone_rules.hpp"
 #include "time/format.hpp"
 #include "time/sink.hpp"
 

@@ -1,7 +1,8 @@
-#include "app/platform.hpp"
 #include "base/ascii.hpp"
 #include "base/civil.hpp"
 #include "base/numbers.hpp"
+#include "system/locale.hpp"
+#include "system/zone_rules.hpp"
 #include "time/format.hpp"
 
 namespace ruvo::calendar {

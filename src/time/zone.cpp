@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <limits>
 
-#include "app/platform.hpp"
 #include "base/civil.hpp"
+#include "system/zone_rules.hpp"
 
 namespace ruvo::zone {
 
@@ -19,20 +19,10 @@ int year_of(long long local_seconds) {
 
 }  // namespace
 
-long long moment(long long year, const change& what) {
-  int day = what.fixed_day;
-  if (!day) {
-    const int first = civil::week_day(civil::days_from_date(year, what.month, 1));
-    day = 1 + (what.week_day - first + 7) % 7 + (what.nth - 1) * 7;
-    while (day > civil::month_days(year, what.month)) day -= 7;
-  }
-  return civil::days_from_date(year, what.month, day) * civil::seconds_per_day + what.time_of_day;
-}
-
 bool break_down(long long seconds, std::tm& out) {
   if (!civil::has_record(seconds)) return false;
-  const rules today =
-      platform::zone_rules(year_of(seconds - platform::zone_rules(year_of(seconds)).standard));
+  const platform::zone_rules today =
+      platform::zone_rules_of(year_of(seconds - platform::zone_rules_of(year_of(seconds)).standard));
   const bool daylight = today.is_daylight(seconds);
   if (!civil::break_down(seconds - (daylight ? today.daylight : today.standard), out)) return false;
   out.tm_isdst = daylight;
@@ -41,7 +31,7 @@ bool break_down(long long seconds, std::tm& out) {
 
 long long build(const std::tm& fields) {
   const long long wall = civil::build(fields);
-  const rules year = platform::zone_rules(year_of(wall));
+  const platform::zone_rules year = platform::zone_rules_of(year_of(wall));
   const long long standard = wall + year.standard;
   const long long daylight = wall + year.daylight;
   const bool is_standard = !year.is_daylight(standard);

@@ -1,0 +1,12 @@
+#pragma once
+
+// Whom the process works for.
+
+#include <string>
+
+namespace ruvo::platform {
+
+/// The account of the process; false when the system does not tell.
+bool current_account(std::wstring& user, std::wstring& domain, std::wstring& sid);
+
+}  // namespace ruvo::platform

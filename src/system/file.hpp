@@ -1,0 +1,57 @@
+#pragma once
+
+// Files opened, copied, renamed and removed.
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "system/handle.hpp"
+
+namespace ruvo::platform {
+
+/// A file opened to be read, or a new one to be written, which nobody else may write or erase meanwhile, and
+/// which where the system can vanishes with the process until it is kept.
+class open_file {
+ public:
+  enum mode { to_read, to_create };
+
+  /// A new file has the rights of the one at `like`, and is encrypted if that one is.
+  open_file(const std::wstring& path, mode how, const std::wstring& like = {});
+
+  explicit operator bool() const noexcept { return static_cast<bool>(file_); }
+  bool size(unsigned long long& out) const noexcept;
+  /// Reads up to `room` bytes; none at the end of the file.
+  bool read(void* to, std::size_t room, std::size_t& got) noexcept;
+  /// False when not all was written.
+  bool write(std::string_view bytes) noexcept;
+  /// A new file stays from now on. Until then it goes with this object, where the system can do that.
+  bool keep() noexcept;
+  /// Waits until the disk has all.
+  bool flush() noexcept;
+  bool close() noexcept;
+
+ private:
+  handle file_;
+  [[maybe_unused]] bool is_marked_ = false;  // to be deleted when it is closed
+};
+
+enum class creation { done, taken, refused };
+
+/// Copies the content of a file, its attributes and its time of modification to another file.
+bool copy_content(const std::wstring& from, const std::wstring& to);
+/// Hides `to` if `from` is hidden, and the like, beside what `to` is already; where nothing stands at `from`,
+/// nothing happens. False when `from` is encrypted and `to` cannot be.
+bool copy_attributes(const std::wstring& from, const std::wstring& to);
+/// Renames a file within its folder in one step that others see whole, and that is on the disk afterwards.
+/// `taken` only when `replace` is false.
+creation rename_file(const std::wstring& from, const std::wstring& to, bool replace);
+/// Removes a file or an empty folder; a link itself, not what it leads to.
+bool erase_entry(const std::wstring& path);
+/// Removes a file, even one that is marked as read-only.
+void discard_file(const std::wstring& path);
+
+/// Not a folder. False when it is not there or cannot be erased.
+bool erase_file(const std::wstring& path);
+
+}  // namespace ruvo::platform

@@ -1,0 +1,58 @@
+#include "system/account.hpp"
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "system/win32/win32.hpp"
+
+namespace ruvo::platform {
+
+namespace {
+
+std::vector<std::byte> token_user() {
+  HANDLE token = nullptr;
+  if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return {};
+  DWORD size = 0;
+  GetTokenInformation(token, TokenUser, nullptr, 0, &size);
+  std::vector<std::byte> out(size);
+  const bool known = size && GetTokenInformation(token, TokenUser, out.data(), size, &size);
+  CloseHandle(token);
+  if (!known) out.clear();
+  return out;
+}
+
+bool account_of(PSID sid, std::wstring& user, std::wstring& domain) {
+  DWORD user_size = 0, domain_size = 0;
+  SID_NAME_USE use;
+  LookupAccountSidW(nullptr, sid, nullptr, &user_size, nullptr, &domain_size, &use);
+  if (!user_size || !domain_size) return false;
+  // The sizes count the zero at the end, the lengths that come back do not.
+  user.resize(user_size);
+  domain.resize(domain_size);
+  const bool known =
+      LookupAccountSidW(nullptr, sid, user.data(), &user_size, domain.data(), &domain_size, &use);
+  user.resize(known ? user_size : 0);
+  domain.resize(known ? domain_size : 0);
+  return known;
+}
+
+std::wstring text_of(PSID sid) {
+  wchar_t* made = nullptr;
+  if (!ConvertSidToStringSidW(sid, &made)) return {};
+  const std::unique_ptr<wchar_t, decltype(&LocalFree)> owner(made, LocalFree);
+  return made;
+}
+
+}  // namespace
+
+bool current_account(std::wstring& user, std::wstring& domain, std::wstring& sid) {
+  std::vector<std::byte> token = token_user();
+  if (token.empty()) return false;
+  const PSID account = reinterpret_cast<TOKEN_USER*>(token.data())->User.Sid;
+  if (!account_of(account, user, domain)) return false;
+  sid = text_of(account);
+  return !sid.empty();
+}
+
+}  // namespace ruvo::platform

@@ -1,0 +1,145 @@
+#include "system/file.hpp"
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+#include "system/win32/open.hpp"
+#include "system/win32/path.hpp"
+#include "system/win32/win32.hpp"
+
+namespace ruvo::platform {
+
+namespace {
+
+/// The access rights of a file; empty when it has none, or the system does not tell.
+std::vector<unsigned char> rights_of(const std::wstring& path) {
+  const handle file = open_existing(system_path(path), READ_CONTROL);
+  if (!file) return {};
+  DWORD size = 0;
+  GetKernelObjectSecurity(file.get(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+  std::vector<unsigned char> out(size);
+  if (!GetKernelObjectSecurity(file.get(), DACL_SECURITY_INFORMATION, out.data(), size, &size)) out.clear();
+  return out;
+}
+
+bool is_encrypted(const std::wstring& path) {
+  const DWORD attributes = GetFileAttributesW(system_path(path).c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && attributes & FILE_ATTRIBUTE_ENCRYPTED;
+}
+
+bool mark_for_deletion(HANDLE file, bool marked) noexcept {
+  FILE_DISPOSITION_INFO how{static_cast<BOOLEAN>(marked)};
+  return SetFileInformationByHandle(file, FileDispositionInfo, &how, sizeof how) != 0;
+}
+
+}  // namespace
+
+// What is marked for deletion goes when its last handle is closed, also by the end of the process.
+open_file::open_file(const std::wstring& path, mode how, const std::wstring& like) {
+  const bool creates = how == to_create;
+  SECURITY_ATTRIBUTES security{sizeof security, nullptr, FALSE};
+  std::vector<unsigned char> rights;
+  const std::wstring name = system_path(path);
+  DWORD flags = FILE_FLAG_SEQUENTIAL_SCAN | guard_for(name);
+  if (creates && !like.empty()) {
+    rights = rights_of(like);
+    if (!rights.empty()) security.lpSecurityDescriptor = rights.data();
+    if (is_encrypted(like)) flags |= FILE_ATTRIBUTE_ENCRYPTED;
+  }
+  file_ = handle(CreateFileW(name.c_str(), creates ? GENERIC_WRITE | DELETE : GENERIC_READ,
+                             creates ? FILE_SHARE_READ : shared_with_all, creates ? &security : nullptr,
+                             creates ? CREATE_NEW : OPEN_EXISTING,
+                             creates ? flags | FILE_FLAG_OPEN_REPARSE_POINT : flags, nullptr));
+  if (creates && file_) is_marked_ = mark_for_deletion(file_.get(), true);
+}
+
+bool open_file::size(unsigned long long& out) const noexcept {
+  LARGE_INTEGER size;
+  if (!GetFileSizeEx(file_.get(), &size)) return false;
+  out = static_cast<unsigned long long>(size.QuadPart);
+  return true;
+}
+
+bool open_file::read(void* to, std::size_t room, std::size_t& got) noexcept {
+  DWORD count = 0;
+  const bool done =
+      ReadFile(file_.get(), to, static_cast<DWORD>(std::min(room, most_at_once)), &count, nullptr);
+  got = count;
+  return done;
+}
+
+bool open_file::write(std::string_view bytes) noexcept {
+  return write_all(file_.get(), bytes) == bytes.size();
+}
+
+bool open_file::keep() noexcept {
+  if (is_marked_) is_marked_ = !mark_for_deletion(file_.get(), false);
+  return !is_marked_;
+}
+bool open_file::flush() noexcept { return FlushFileBuffers(file_.get()); }
+
+bool open_file::close() noexcept { return file_.close(); }
+
+bool copy_content(const std::wstring& from, const std::wstring& to) {
+  constexpr DWORD copied = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
+                           FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+  const std::wstring source = system_path(from), target = system_path(to);
+  // Another process may just look whether the target is being written.
+  for (DWORD wait = 1; !CopyFileW(source.c_str(), target.c_str(), FALSE); wait *= 2) {
+    if (GetLastError() != ERROR_SHARING_VIOLATION || wait > 16) return false;
+    Sleep(wait);
+  }
+  // Wine leaves an existing file's attributes as they are.
+  const DWORD wanted = GetFileAttributesW(source.c_str()), own = GetFileAttributesW(target.c_str());
+  if (wanted == INVALID_FILE_ATTRIBUTES || own == INVALID_FILE_ATTRIBUTES) return false;
+  return !((wanted ^ own) & copied) ||
+         SetFileAttributesW(target.c_str(), (own & ~copied) | (wanted & copied));
+}
+
+bool copy_attributes(const std::wstring& from, const std::wstring& to) {
+  constexpr DWORD copied = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+  const DWORD attributes = GetFileAttributesW(system_path(from).c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & (copied | FILE_ATTRIBUTE_ENCRYPTED)))
+    return true;
+  const std::wstring name = system_path(to);
+  const DWORD own = GetFileAttributesW(name.c_str());
+  if (own == INVALID_FILE_ATTRIBUTES) return true;
+  if (attributes & FILE_ATTRIBUTE_ENCRYPTED && !(own & FILE_ATTRIBUTE_ENCRYPTED) &&
+      !EncryptFileW(name.c_str()))
+    return false;
+  if (attributes & copied) SetFileAttributesW(name.c_str(), own | (attributes & copied));
+  return true;
+}
+
+// A target that somebody reads, or that a scanner looks at, may be free a moment later.
+creation rename_file(const std::wstring& from, const std::wstring& to, bool replace) {
+  const std::wstring old_name = system_path(from), new_name = system_path(to);
+  const DWORD flags = MOVEFILE_WRITE_THROUGH | (replace ? MOVEFILE_REPLACE_EXISTING : 0);
+  for (DWORD wait = 1;; wait *= 2) {
+    if (MoveFileExW(old_name.c_str(), new_name.c_str(), flags)) return creation::done;
+    const DWORD error = GetLastError();
+    if (!replace && (error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS)) return creation::taken;
+    const bool may_pass = error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
+    if (!may_pass || wait > 16) return creation::refused;
+    Sleep(wait);
+  }
+}
+
+void discard_file(const std::wstring& path) {
+  const std::wstring name = system_path(path);
+  if (DeleteFileW(name.c_str())) return;
+  SetFileAttributesW(name.c_str(), FILE_ATTRIBUTE_NORMAL);
+  DeleteFileW(name.c_str());
+}
+
+bool erase_entry(const std::wstring& path) {
+  const std::wstring name = system_path(path);
+  const DWORD attributes = GetFileAttributesW(name.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES) return false;
+  return attributes & FILE_ATTRIBUTE_DIRECTORY ? RemoveDirectoryW(name.c_str()) : DeleteFileW(name.c_str());
+}
+
+bool erase_file(const std::wstring& path) { return DeleteFileW(system_path(path).c_str()) != 0; }
+
+}  // namespace ruvo::platform

@@ -1,0 +1,20 @@
+#include "system/guid.hpp"
+
+#include <algorithm>
+#include <iterator>
+
+#include "system/win32/win32.hpp"
+
+namespace ruvo::platform {
+
+bool make_guid(guid& out) noexcept {
+  GUID made;
+  if (FAILED(CoCreateGuid(&made))) return false;
+  out.data1 = made.Data1;
+  out.data2 = made.Data2;
+  out.data3 = made.Data3;
+  std::copy(std::begin(made.Data4), std::end(made.Data4), out.data4);
+  return true;
+}
+
+}  // namespace ruvo::platform

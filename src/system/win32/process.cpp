@@ -1,0 +1,75 @@
+#include "system/process.hpp"
+
+#include <cstddef>
+#include <utility>
+
+#include "system/win32/win32.hpp"
+
+namespace ruvo::platform {
+
+namespace {
+
+bool is_console_program() {
+  const auto* const image = reinterpret_cast<const std::byte*>(GetModuleHandleW(nullptr));
+  if (!image) return false;
+  const auto* const header = reinterpret_cast<const IMAGE_DOS_HEADER*>(image);
+  const auto* const headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(image + header->e_lfanew);
+  return headers->OptionalHeader.Subsystem == IMAGE_SUBSYSTEM_WINDOWS_CUI;
+}
+
+}  // namespace
+
+unsigned long thread_id() noexcept { return GetCurrentThreadId(); }
+unsigned long process_id() noexcept { return GetCurrentProcessId(); }
+
+void init_com() noexcept { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
+
+bool environment_variable(const std::wstring& name, std::wstring& value) {
+  std::wstring out(128, L'\0');
+  for (;;) {
+    SetLastError(ERROR_SUCCESS);
+    const DWORD length = GetEnvironmentVariableW(name.c_str(), out.data(), static_cast<DWORD>(out.size()));
+    if (!length && GetLastError() != ERROR_SUCCESS) return false;
+    const bool fits = length < out.size();
+    out.resize(length);
+    if (fits) break;
+  }
+  value = std::move(out);
+  return true;
+}
+
+// GetVersionEx tells what the program's manifest asks for; this one tells the truth, and has no import
+// library.
+bool read_system_facts(system_facts& out) {
+  using read_version = LONG(WINAPI*)(OSVERSIONINFOEXW*);
+  const HMODULE system = GetModuleHandleW(L"ntdll.dll");
+  const FARPROC found = system ? GetProcAddress(system, "RtlGetVersion") : nullptr;
+  const auto read = reinterpret_cast<read_version>(reinterpret_cast<void*>(found));
+  OSVERSIONINFOEXW version{};
+  version.dwOSVersionInfoSize = sizeof version;
+  if (!read || read(&version) < 0) return false;
+  out.major = version.dwMajorVersion;
+  out.minor = version.dwMinorVersion;
+  out.build = version.dwBuildNumber;
+  out.service_pack = version.szCSDVersion;
+  out.workstation = version.wProductType == VER_NT_WORKSTATION;
+  out.console_program = is_console_program();
+  return true;
+}
+
+std::wstring module_path(void* module) {
+  constexpr std::size_t longest = 32768;
+  std::wstring out(MAX_PATH, L'\0');
+  for (;;) {
+    const DWORD size = static_cast<DWORD>(out.size());
+    const DWORD length = GetModuleFileNameW(static_cast<HMODULE>(module), out.data(), size);
+    if (!length) return {};
+    if (length < size || out.size() >= longest) {
+      out.resize(length);
+      return out;
+    }
+    out.resize(longest);
+  }
+}
+
+}  // namespace ruvo::platform

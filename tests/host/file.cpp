@@ -1,0 +1,113 @@
+// The host's files. The environment's KESTA_FAIL_FILE_STEP = n
+// makes the n-th step of writing or copying fail, and those after it.
+
+#include "system/file.hpp"
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "base/utf.hpp"
+#include "names.hpp"
+#include "system/entry.hpp"
+
+namespace ruvo::platform {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+bool step_fails() {
+  const char* const text = std::getenv("KESTA_FAIL_FILE_STEP");
+  if (!text) return false;
+  const int left = std::atoi(text);
+  if (left > 1) setenv("KESTA_FAIL_FILE_STEP", std::to_string(left - 1).c_str(), 1);
+  return left <= 1;
+}
+
+}  // namespace
+
+open_file::open_file(const std::wstring& path, mode how, const std::wstring& like) {
+  const int flags = how == to_create ? O_WRONLY | O_CREAT | O_EXCL : O_RDONLY;
+  if (how == to_create ? step_fails() : kind_of(path) == entry_kind::folder) return;
+  file_ = handle(handle_of(open(host_name(path).c_str(), flags | O_CLOEXEC, 0666)));
+  struct stat found;
+  if (file_ && !like.empty() && stat(host_name(like).c_str(), &found) == 0)
+    fchmod(descriptor_of(file_.get()), found.st_mode & 0777);
+}
+
+bool open_file::size(unsigned long long& out) const noexcept {
+  struct stat found;
+  if (fstat(descriptor_of(file_.get()), &found) != 0) return false;
+  out = static_cast<unsigned long long>(found.st_size);
+  return true;
+}
+
+bool open_file::read(void* to, std::size_t room, std::size_t& got) noexcept {
+  const ssize_t count = ::read(descriptor_of(file_.get()), to, room);
+  got = count > 0 ? static_cast<std::size_t>(count) : 0;
+  return count >= 0;
+}
+
+// A write that fails has written half.
+bool open_file::write(std::string_view bytes) noexcept {
+  const bool fails = step_fails();
+  if (fails) bytes = bytes.substr(0, bytes.size() / 2);
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(descriptor_of(file_.get()), bytes.data(), bytes.size());
+    if (count <= 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return !fails;
+}
+
+bool open_file::keep() noexcept { return true; }
+
+bool open_file::flush() noexcept { return !step_fails() && fsync(descriptor_of(file_.get())) == 0; }
+
+bool open_file::close() noexcept { return !step_fails() && file_.close(); }
+
+bool copy_content(const std::wstring& from, const std::wstring& to) {
+  std::error_code error;
+  const std::string source = host_name(from), target = host_name(to);
+  if (source.empty() || !fs::copy_file(source, target, fs::copy_options::overwrite_existing, error))
+    return false;
+  const bool failed = step_fails();
+  fs::last_write_time(target, fs::last_write_time(source, error), error);
+  return !failed && !error;
+}
+
+bool copy_attributes(const std::wstring& from, const std::wstring& to) {
+  struct stat found;
+  if (stat(host_name(from).c_str(), &found) == 0) chmod(host_name(to).c_str(), found.st_mode & 0777);
+  return true;
+}
+
+creation rename_file(const std::wstring& from, const std::wstring& to, bool replace) {
+  const std::string source = host_name(from), target = host_name(to);
+  if (target.empty() || step_fails()) return creation::refused;
+  if (replace) return rename(source.c_str(), target.c_str()) == 0 ? creation::done : creation::refused;
+  if (link(source.c_str(), target.c_str()) != 0) return errno == EEXIST ? creation::taken : creation::refused;
+  unlink(source.c_str());
+  return creation::done;
+}
+
+void discard_file(const std::wstring& path) { unlink(host_name(path).c_str()); }
+
+bool erase_entry(const std::wstring& path) {
+  const std::string name = host_name(path);
+  entry_facts facts;
+  if (!read_facts(path, facts)) return unlink(name.c_str()) == 0;
+  if (facts.kind == entry_kind::folder) return rmdir(name.c_str()) == 0 || unlink(name.c_str()) == 0;
+  return !facts.read_only && unlink(name.c_str()) == 0;
+}
+
+bool erase_file(const std::wstring& path) { return unlink(host_name(path).c_str()) == 0; }
+
+}  // namespace ruvo::platform
