@@ -5,7 +5,7 @@ set(kesta_package lib/cmake/kesta)
 set(kesta_docs share/doc/kesta)
 
 # --- documents
-install(FILES README.md DESTINATION ${kesta_docs})
+install(FILES README.md LICENSE DESTINATION ${kesta_docs})
 install(DIRECTORY docs DESTINATION ${kesta_docs} FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN site EXCLUDE)
 
 # --- the runtime DLLs' licences: Debian's, or those that came with the compiler

@@ -15,23 +15,23 @@
 #  endif
 
 #  if defined(_MSC_VER) && defined(_DEBUG)
-#    define KESTA_DLL_FAMILY kesta_dll_serves_msvc_debug_v1
-#    define KESTA_DLL_FAMILY_TEXT "kesta_dll_serves_msvc_debug_v1"
+#    define KESTA_DLL_FAMILY kesta_dll_serves_msvc_debug_v2
+#    define KESTA_DLL_FAMILY_TEXT "kesta_dll_serves_msvc_debug_v2"
 #  elif defined(_MSC_VER)
-#    define KESTA_DLL_FAMILY kesta_dll_serves_msvc_release_v1
-#    define KESTA_DLL_FAMILY_TEXT "kesta_dll_serves_msvc_release_v1"
+#    define KESTA_DLL_FAMILY kesta_dll_serves_msvc_release_v2
+#    define KESTA_DLL_FAMILY_TEXT "kesta_dll_serves_msvc_release_v2"
 #  elif defined(_LIBCPP_VERSION)
-#    define KESTA_DLL_FAMILY kesta_dll_serves_mingw_with_libcxx_v1
+#    define KESTA_DLL_FAMILY kesta_dll_serves_mingw_with_libcxx_v2
 #  elif !defined(__GLIBCXX__)
 #    error "kesta.dll: this C++ standard library is not known"
 #  elif defined(_GLIBCXX_DEBUG)
-#    define KESTA_DLL_FAMILY kesta_dll_serves_mingw_gcc_with_glibcxx_debug_v1
+#    define KESTA_DLL_FAMILY kesta_dll_serves_mingw_gcc_with_glibcxx_debug_v2
 #  elif !_GLIBCXX_USE_CXX11_ABI
-#    define KESTA_DLL_FAMILY kesta_dll_serves_mingw_gcc_with_old_strings_v1
+#    define KESTA_DLL_FAMILY kesta_dll_serves_mingw_gcc_with_old_strings_v2
 #  elif !defined(_GLIBCXX_GCC_GTHR_POSIX_H)
 #    error "kesta.dll needs mingw-w64 with posix threads: on Debian, x86_64-w64-mingw32-g++-posix"
 #  else
-#    define KESTA_DLL_FAMILY kesta_dll_serves_mingw_gcc_posix_v1
+#    define KESTA_DLL_FAMILY kesta_dll_serves_mingw_gcc_posix_v2
 #  endif
 
 namespace ruvo::abi {

@@ -13,4 +13,4 @@ vcpkg_fixup_pkgconfig()
 vcpkg_copy_tools(TOOL_NAMES kesta-error AUTO_CLEAN)
 
 file(REMOVE_RECURSE "${CURRENT_PACKAGES_DIR}/debug/include" "${CURRENT_PACKAGES_DIR}/debug/share")
-set(VCPKG_POLICY_SKIP_COPYRIGHT_CHECK enabled)
+vcpkg_install_copyright(FILE_LIST "${SOURCE_PATH}/LICENSE")
