@@ -1,3 +1,5 @@
+// The life cycle of an application, its folders, hooks and services.
+
 #include <ruvo/application.hpp>
 #include <ruvo/binary.hpp>
 #include <ruvo/exc.hpp>

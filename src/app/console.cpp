@@ -1,3 +1,5 @@
+// The console of a program: opened with the first text, closed with the object.
+
 #include "system/console.hpp"
 
 #include <ruvo/console.hpp>

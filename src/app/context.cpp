@@ -1,3 +1,5 @@
+// The default services of a context, from the system, and its map of named values.
+
 #include <ruvo/context.hpp>
 #include <ruvo/exc.hpp>
 

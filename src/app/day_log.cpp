@@ -1,3 +1,5 @@
+// The file of the day that lines are appended to, kept open for a second.
+
 #include "app/day_log.hpp"
 
 #include "base/utf.hpp"

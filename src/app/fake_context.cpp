@@ -1,3 +1,5 @@
+// The services of a context for tests: fixed answers instead of the system's.
+
 #include <ruvo/exc.hpp>
 #include <ruvo/fake_context.hpp>
 #include <ruvo/files.hpp>

@@ -1,3 +1,5 @@
+// The callbacks that the library brings: files, the debugger, the console, a ring, a tee.
+
 #include <ruvo/context.hpp>
 #include <ruvo/log_targets.hpp>
 

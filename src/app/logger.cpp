@@ -1,3 +1,5 @@
+// Entries on their way to the callback and to the file of the day.
+
 #include <ruvo/context.hpp>
 #include <ruvo/exception.hpp>
 #include <ruvo/logger.hpp>

@@ -1,3 +1,5 @@
+// The count of lost log entries, for the whole process.
+
 #include "app/lost_entries.hpp"
 
 #include <atomic>

@@ -1,3 +1,5 @@
+// Objects kept by thread until they are collected.
+
 #include <ruvo/memory_collector.hpp>
 
 #include <map>

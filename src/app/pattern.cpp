@@ -1,3 +1,5 @@
+// Numbers through a pattern of printf, for identifiers and elapsed times.
+
 #include "app/pattern.hpp"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Hexadecimal both ways: blocks by vectors, the rest digit by digit.
+
 #include "base/hex.hpp"
 
 #include <array>

@@ -1,3 +1,5 @@
+// Numbers to and from text by exact arithmetic, with the C library for the rare cases.
+
 #include "base/numbers.hpp"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// What the processor has, asked once when the module is loaded.
+
 #include "base/simd.hpp"
 
 #ifdef KESTA_X64

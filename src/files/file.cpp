@@ -1,3 +1,5 @@
+// A path as text: brought into one form, taken apart and put together. Nothing here asks the system.
+
 #include <ruvo/file.hpp>
 
 #include <algorithm>

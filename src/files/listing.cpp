@@ -1,3 +1,5 @@
+// The listing of one folder, with its filter and its callback.
+
 #include "files/listing.hpp"
 
 #include <ruvo/exc.hpp>

@@ -86,7 +86,7 @@ class noting_filter final : public fileFilter {
 
 }  // namespace
 
-// Passing on
+// --- passing on
 
 RelayCallBack::RelayCallBack(fileCallback* to) : to_(to) {}
 RelayCallBack::~RelayCallBack() = default;
@@ -119,7 +119,7 @@ const std::shared_ptr<held_tree>& RelayCallBack::tree_of(const file& entry) {
   return tree_;
 }
 
-// Going down
+// --- going down
 
 RecursiveCallBack::RecursiveCallBack(std::vector<file>& out) : RecursiveCallBack(&out, nullptr, nullptr) {}
 RecursiveCallBack::RecursiveCallBack(std::vector<file>& out, fileFilter& filter)
@@ -192,7 +192,7 @@ void RecursiveCallBack::onFailure(const exception& error) {
   RelayCallBack::onFailure(error);
 }
 
-// Copying
+// --- copying
 
 CopyFolderCallBack::CopyFolderCallBack(const file& source, const file& target, std::vector<file>& out)
     : CopyFolderCallBack(source, target, &out, nullptr, nullptr) {}
@@ -304,7 +304,7 @@ bool copy_folder(const file& from, file to, exception& err, std::vector<file>& o
   return copy_folder(from, to, err, nullptr, nullptr, &out);
 }
 
-// Comparing
+// --- comparing
 
 VerifyFolderCallBack::VerifyFolderCallBack(const file& source, const file& target, fileCallback& to)
     : RelayCallBack(&to), source_(source), target_(target) {}
@@ -351,7 +351,7 @@ bool verify(const file& from, file to, exception& err, fileCallback& callback, f
   return conclude(comparer, err);
 }
 
-// Erasing
+// --- erasing
 
 DeleteCallBack::DeleteCallBack(fileCallback& to) : DeleteCallBack(&to) {}
 DeleteCallBack::DeleteCallBack(fileCallback* to) : RelayCallBack(to) {}
@@ -436,7 +436,7 @@ bool erase(file path, exception& err, fileFilter& filter, fileCallback& callback
 }
 bool erase(file path, exception& err, fileFilter& filter) { return erase(path, err, &filter, nullptr); }
 
-// Listing
+// --- listing
 
 bool directory_list(const file& folder, exception& err, fileFilter* filter, fileCallback* callback,
                     std::vector<file>* out) {

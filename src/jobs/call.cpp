@@ -1,3 +1,5 @@
+// The task made of lambdas.
+
 #include <ruvo/exc.hpp>
 #include <ruvo/task.hpp>
 

@@ -1,3 +1,5 @@
+// Identifiers for tasks, and a substitute where the context gives none.
+
 #include "jobs/identifier.hpp"
 
 #include <atomic>

@@ -1,3 +1,5 @@
+// A task with its argument, as a pool runs it.
+
 #include <ruvo/jobs.hpp>
 
 #include <utility>

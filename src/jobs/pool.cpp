@@ -1,3 +1,5 @@
+// The public operations of a pool; what they do is in pool_state.cpp.
+
 #include <ruvo/jobs.hpp>
 
 #include <ostream>

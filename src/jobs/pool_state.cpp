@@ -1,3 +1,5 @@
+// The queue, the slots and the dispatcher of a pool.
+
 #include "jobs/pool_state.hpp"
 
 #include <ruvo/application.hpp>

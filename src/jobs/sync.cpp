@@ -1,3 +1,5 @@
+// The callbacks and the runnable base, instantiated for xvar and bundle.
+
 #include <ruvo/bundle.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/ilock.hpp>

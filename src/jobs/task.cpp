@@ -1,3 +1,5 @@
+// The bases of tasks: progress and result.
+
 #include <ruvo/exc.hpp>
 #include <ruvo/task.hpp>
 

@@ -1,3 +1,5 @@
+// A thread that may be joined by several threads, or let go.
+
 #include <ruvo/sync.hpp>
 
 #include <atomic>

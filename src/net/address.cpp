@@ -1,3 +1,5 @@
+// A mail address with its name, and its encoded form for headers.
+
 #include <ruvo/bundle.hpp>
 #include <ruvo/smtp/address.hpp>
 #include <ruvo/texto.hpp>

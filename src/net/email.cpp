@@ -1,3 +1,5 @@
+// A message as a value: its fields, its recipients and its bundle form.
+
 #include <ruvo/exception.hpp>
 #include <ruvo/list.hpp>
 #include <ruvo/smtp/email.hpp>

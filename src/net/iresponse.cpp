@@ -1,3 +1,5 @@
+// The status of an answer.
+
 #include <ruvo/net.hpp>
 
 namespace ruvo::net {

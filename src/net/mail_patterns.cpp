@@ -1,3 +1,5 @@
+// The forms of hosts, mailboxes and addresses, read without patterns.
+
 #include "net/mail_patterns.hpp"
 
 #include <ruvo/texto.hpp>

@@ -1,3 +1,5 @@
+// A mail account and its URL.
+
 #include <ruvo/bundle.hpp>
 #include <ruvo/smtp/mailbox.hpp>
 #include <ruvo/texto.hpp>

@@ -1,3 +1,5 @@
+// A request of HTTP.
+
 #include <ruvo/http.hpp>
 #include <ruvo/xvar.hpp>
 

@@ -1,3 +1,5 @@
+// An answer of HTTP.
+
 #include <ruvo/http.hpp>
 #include <ruvo/xvar.hpp>
 

@@ -1,3 +1,5 @@
+// The report on the delivery of a message.
+
 #include <ruvo/exception.hpp>
 #include <ruvo/list.hpp>
 #include <ruvo/smtp/address.hpp>

@@ -1,3 +1,5 @@
+// Harmonies of three and four colours, by turns of the hue.
+
 #include <ruvo/armonia.hpp>
 
 namespace ruvo::armonia {

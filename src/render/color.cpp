@@ -1,3 +1,5 @@
+// A colour in its three forms, each computed from the other.
+
 #include <ruvo/color.hpp>
 #include <ruvo/texto/words.hpp>
 

@@ -1,3 +1,5 @@
+// Accents, typographic characters and what else is cleaned out of a text.
+
 #include <ruvo/texto.hpp>
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// The public conversions between encodings, over those of the ground floor.
+
 #include <ruvo/texto.hpp>
 
 #include <algorithm>

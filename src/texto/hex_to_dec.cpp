@@ -1,3 +1,5 @@
+// Hexadecimal numbers of any length in decimal.
+
 #include <ruvo/texto.hpp>
 
 #include <charconv>

@@ -1,3 +1,5 @@
+// Spanish identity numbers, bank accounts and payment cards.
+
 #include <ruvo/texto.hpp>
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Escaping for SQL and HTML, and the tags of HTML.
+
 #include <ruvo/texto.hpp>
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Masks with '*' and '?'.
+
 #include <ruvo/texto.hpp>
 
 #include <algorithm>

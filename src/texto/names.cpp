@@ -1,3 +1,5 @@
+// Names of persons and places in capitals and small letters.
+
 #include <ruvo/texto.hpp>
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Numbers for people to read: separators, sizes of files, Roman numerals.
+
 #include <ruvo/texto.hpp>
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Matching and replacing by patterns, over the pattern engine.
+
 #include <ruvo/texto.hpp>
 
 #include <cstddef>

@@ -1,3 +1,5 @@
+// Looking for literal texts, replacing them and splitting at them.
+
 #include <ruvo/texto.hpp>
 
 #include <algorithm>

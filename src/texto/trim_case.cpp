@@ -1,3 +1,5 @@
+// Blanks at the ends of a text, and the case of its letters.
+
 #include <ruvo/texto.hpp>
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Percent-encoding, and encoded words of mail headers.
+
 #include <ruvo/texto.hpp>
 
 #include <cstddef>

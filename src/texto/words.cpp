@@ -1,3 +1,5 @@
+// Words in camel case, snake case and capitals.
+
 #include <ruvo/texto.hpp>
 
 #include <string>

@@ -1,3 +1,5 @@
+// A day of the calendar.
+
 #include <ruvo/date.hpp>
 #include <ruvo/datetime.hpp>
 

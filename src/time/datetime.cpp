@@ -1,3 +1,5 @@
+// A day with a time of day.
+
 #include <ruvo/datetime.hpp>
 
 #include <ctime>

@@ -1,3 +1,5 @@
+// The instant under the calendar values: its fields, by the services of the context, and its text.
+
 #include <ruvo/datetime.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/lapse.hpp>

@@ -1,3 +1,5 @@
+// Names of months and days, of English and of the system's locales.
+
 #include <array>
 #include <cstddef>
 

@@ -1,3 +1,5 @@
+// A calendar record as text by a format.
+
 #include <cstdlib>
 
 #include "base/civil.hpp"

@@ -1,3 +1,5 @@
+// A calendar record from text by a format.
+
 #include "base/ascii.hpp"
 #include "base/civil.hpp"
 #include "base/numbers.hpp"

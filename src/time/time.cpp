@@ -1,3 +1,5 @@
+// A time of day.
+
 #include <ruvo/datetime.hpp>
 #include <ruvo/time.hpp>
 

@@ -1,3 +1,5 @@
+// The day kept as a number of days, with its closed formulas.
+
 #include <ruvo/datetime.hpp>
 #include <ruvo/velda.hpp>
 

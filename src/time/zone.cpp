@@ -1,3 +1,5 @@
+// Local time by a year's rules, both ways.
+
 #include "time/zone.hpp"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Bytes and their text forms.
+
 #include <ruvo/binary.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/memo.hpp>

@@ -1,3 +1,5 @@
+// The keyed record over its store: keys, paths and typed getters.
+
 #include <ruvo/binary.hpp>
 #include <ruvo/bundle.hpp>
 #include <ruvo/list.hpp>

@@ -1,3 +1,5 @@
+// What a path leads to and how the getters read it, in Spanish.
+
 #include <ruvo/bundle.hpp>
 #include <ruvo/list.hpp>
 #include <ruvo/memo.hpp>

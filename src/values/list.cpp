@@ -1,3 +1,5 @@
+// The sequence of values: copies that keep qualities apart, sorting, text.
+
 #include <ruvo/binary.hpp>
 #include <ruvo/bundle.hpp>
 #include <ruvo/list.hpp>

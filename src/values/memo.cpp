@@ -1,3 +1,5 @@
+// The long text.
+
 #include <ruvo/binary.hpp>
 #include <ruvo/memo.hpp>
 

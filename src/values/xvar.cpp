@@ -1,3 +1,5 @@
+// The qualities of a value.
+
 #include <ruvo/exc.hpp>
 #include <ruvo/xvar.hpp>
 
