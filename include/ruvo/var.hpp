@@ -183,7 +183,9 @@ class KESTA_API var {
   /// refuses, gives its seconds since 1970. Empty for a null cell.
   std::wstring to_string() const;
 
-  // Conversions. A null cell throws in each of them, so that a missing value is never taken for 0.
+  // --- conversions
+
+  // A null cell throws in each of them, so that a missing value is never taken for 0.
 
   /// From bool, wchar_t (its code, also for a digit), the numbers, date (20240229), time (123456) and text.
   /// Fractions are cut off, then the bits above the width; doubles stop at the ends of 64 bits, and what is

@@ -47,7 +47,7 @@ exception hook_missing(const wchar_t* name) {
 #undef KESTA_EXC_ROW
 }
 
-const wchar_t* name_of(folder_type type) noexcept {
+const wchar_t* folder_name(folder_type type) noexcept {
   switch (type) {
     case folder_type::config:
       return L"config";
@@ -141,7 +141,7 @@ void application::shutdown() {
 ruvo::file application::get_folder(folder_type type) const {
   if (type == folder_type::binaries) return binaries_;
   const ruvo::file& root = get_app_path();
-  const wchar_t* const name = name_of(type);
+  const wchar_t* const name = folder_name(type);
   return root.empty() || !*name ? root : ruvo::file(root, name);
 }
 

@@ -52,7 +52,7 @@ constexpr version_name version_names[] = {
     {5, 2, 0, L"Windows Server 2003"}, {5, 1, 0, L"Windows XP"},  {5, 0, 0, L"Windows 2000"},
 };
 
-const wchar_t* name_of(const platform::system_facts& facts) {
+const wchar_t* system_name(const platform::system_facts& facts) {
   if (facts.major == 0) return L"Unknown Windows Version";
   for (const version_name& one : version_names)
     if (one.major == facts.major && one.minor == facts.minor && facts.build >= one.build) return one.name;
@@ -164,13 +164,13 @@ bundle context::get_os_info() const {
   if (!platform::read_system_facts(facts)) facts = {};
   std::wstring version;
   append_pattern(version, L"%u.%u", {facts.major, facts.minor});
-  std::wstring print = name_of(facts) + (L' ' + version) + L'.';
+  std::wstring print = system_name(facts) + (L' ' + version) + L'.';
   texto::append_unsigned(print, facts.build);
   if (!facts.service_pack.empty()) print += L' ' + facts.service_pack;
   const bool supported = facts.major > 6 || (facts.major == 6 && facts.minor >= 1);
 
   bundle out;
-  out[L"windows"] = name_of(facts);
+  out[L"windows"] = system_name(facts);
   out[L"version"] = version;
   out[L"numero_compilacion"] = static_cast<long>(facts.build);
   out[L"service_pack"] = facts.service_pack;

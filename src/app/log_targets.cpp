@@ -16,6 +16,7 @@
 #include "app/lost_entries.hpp"
 #include "base/quietly.hpp"
 #include "base/services.hpp"
+#include "base/utf.hpp"
 #include "system/console.hpp"
 #include "system/errors.hpp"
 
@@ -79,7 +80,7 @@ struct ring_entry {
     const std::size_t room = ring_buffer::longest_text - length;
     length += more.copy(text + length, room);
     const bool cut = more.size() > room;
-    if (cut && length && (static_cast<char16_t>(text[length - 1]) & 0xFC00) == 0xD800) --length;
+    if (cut && length && texto::is_high_surrogate(text[length - 1])) --length;
   }
 };
 

@@ -30,7 +30,7 @@ constexpr std::array<unsigned char, 128> values = [] {
 }();
 
 template <class Char>
-unsigned value_of(Char c) noexcept {
+unsigned digit_value(Char c) noexcept {
   const auto unit = static_cast<char32_t>(c);  // a negative char is far above 127
   return unit < values.size() ? values[unit] : no_digit;
 }
@@ -40,7 +40,7 @@ unsigned value_of(Char c) noexcept {
 // group of three bytes or four digits the first comes first in memory and is the highest of the 24 bits.
 
 /// The digits of 16 values below 64.
-KESTA_SSSE3 __m128i digits_of(__m128i sixes, __m128i offsets) noexcept {
+KESTA_SSSE3 __m128i base64_digits_of(__m128i sixes, __m128i offsets) noexcept {
   // Kinds: 0 for 26 to 51, 1 to 10 for the figures, 11 and 12 for the last two digits, 13 for below 26.
   const __m128i beyond = _mm_subs_epu8(sixes, _mm_set1_epi8(51));
   const __m128i below_26 = _mm_cmpgt_epi8(_mm_set1_epi8(26), sixes);
@@ -71,16 +71,17 @@ KESTA_SSSE3 __m128i split(__m128i bytes) noexcept {
 
 /// Encodes while 16 characters are readable; gives how many were encoded.
 template <class Out, class In>
-KESTA_SSSE3 std::size_t encode_blocks(Out* out, const In* in, std::size_t count, bool url_safe) noexcept {
+KESTA_SSSE3 std::size_t encode_base64_blocks(Out* out, const In* in, std::size_t count,
+                                             bool url_safe) noexcept {
   const __m128i offsets = offsets_for(url_safe);
   std::size_t done = 0;
   for (; count - done >= block; done += 12, out += 16)
-    store_bytes(out, digits_of(split(load_low_bytes(in + done)), offsets));
+    store_bytes(out, base64_digits_of(split(load_low_bytes(in + done)), offsets));
   return done;
 }
 
 /// The values of 16 digits of either alphabet; false if one is no digit.
-KESTA_SSSE3 bool values_of(__m128i& chars) noexcept {
+KESTA_SSSE3 bool sixes_of(__m128i& chars) noexcept {
   const __m128i low_bits = _mm_set1_epi8(15);
   const __m128i rows = _mm_and_si128(_mm_srli_epi16(chars, 4), low_bits);
   // A bit for each row of 16 characters that has digits (two rows are alike), and the rows in which a column
@@ -101,7 +102,7 @@ KESTA_SSSE3 bool values_of(__m128i& chars) noexcept {
 }
 
 /// The 12 bytes of 16 values below 64.
-KESTA_SSSE3 __m128i joined(__m128i sixes) noexcept {
+KESTA_SSSE3 __m128i joined_sixes(__m128i sixes) noexcept {
   const __m128i twelves = _mm_maddubs_epi16(sixes, _mm_set1_epi32(0x01400140));
   const __m128i groups = _mm_madd_epi16(twelves, _mm_set1_epi32(0x00011000));
   return _mm_shuffle_epi8(groups, _mm_setr_epi8(2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1));
@@ -124,26 +125,26 @@ void store_12(Unit* out, __m128i bytes) noexcept {
 
 /// Decodes while 16 characters are all digits; gives how many were decoded.
 template <class Out, class In>
-KESTA_SSSE3 std::size_t decode_blocks(Out* out, const In* in, std::size_t count) noexcept {
+KESTA_SSSE3 std::size_t decode_base64_blocks(Out* out, const In* in, std::size_t count) noexcept {
   std::size_t done = 0;
   for (; count - done >= block; done += 16, out += 12) {
     __m128i sixes = load_chars(in + done);
-    if (!values_of(sixes)) break;
-    store_12(out, joined(sixes));
+    if (!sixes_of(sixes)) break;
+    store_12(out, joined_sixes(sixes));
   }
   return done;
 }
 #endif
 
 template <class Out, class In>
-void encode(Out* out, const In* in, std::size_t count, bool url_safe) noexcept {
+void encode_base64(Out* out, const In* in, std::size_t count, bool url_safe) noexcept {
   const char* const digits = url_safe ? url_safe_digits : standard_digits;
   const auto byte = [in](std::size_t at) { return static_cast<std::uint32_t>(in[at]) & 0xFF; };
   const auto put = [&out, digits](std::uint32_t bits) { *out++ = static_cast<Out>(digits[bits & 63]); };
   std::size_t at = 0;
 #ifdef KESTA_X64
   if constexpr (sizeof(Out) <= 2 && sizeof(In) <= 2)
-    if (has_ssse3) at = encode_blocks(out, in, count, url_safe);
+    if (has_ssse3) at = encode_base64_blocks(out, in, count, url_safe);
   out += at / 3 * 4;
 #endif
   for (; count - at >= 3; at += 3) {
@@ -182,7 +183,7 @@ class byte_writer {
     std::size_t done = 0;
 #ifdef KESTA_X64
     if constexpr (sizeof(Out) <= 2 && sizeof(In) <= 2)
-      if (has_ssse3 && !count_) done = decode_blocks(out_, in, count);
+      if (has_ssse3 && !count_) done = decode_base64_blocks(out_, in, count);
 #endif
     out_ += done / 4 * 3;
     return done;
@@ -201,7 +202,7 @@ class byte_writer {
 /// Gives `writer` the digits of `text`: runs of them in blocks, and what is between through `take`, which is
 /// called with a character and answers whether to go on.
 template <class Out, class View, class Take>
-void walk(byte_writer<Out>& writer, View text, const Take& take) noexcept {
+void walk_digits(byte_writer<Out>& writer, View text, const Take& take) noexcept {
   const auto* at = text.data();
   const auto* const end = at + text.size();
   while (at != end) {
@@ -214,10 +215,10 @@ void walk(byte_writer<Out>& writer, View text, const Take& take) noexcept {
 }
 
 template <class Out, class View>
-Out* decode(Out* out, View text) noexcept {
+Out* decode_base64(Out* out, View text) noexcept {
   byte_writer<Out> writer(out);
-  walk(writer, text, [&writer](auto c) {
-    const unsigned digit = value_of(c);
+  walk_digits(writer, text, [&writer](auto c) {
+    const unsigned digit = digit_value(c);
     if (digit != no_digit) writer.add(digit);
     return c != '=';
   });
@@ -229,8 +230,8 @@ unsigned char* read(unsigned char* out, View text) noexcept {
   byte_writer<unsigned char> writer(out);
   unsigned padding = 0;
   bool good = true;
-  walk(writer, text, [&](auto c) {
-    const unsigned digit = value_of(c);
+  walk_digits(writer, text, [&](auto c) {
+    const unsigned digit = digit_value(c);
     if (digit != no_digit) {
       good = !padding;
       writer.add(digit);
@@ -249,29 +250,31 @@ unsigned char* read(unsigned char* out, View text) noexcept {
 }  // namespace
 
 void base64_encode_to(char* out, const unsigned char* bytes, std::size_t count, bool url_safe) noexcept {
-  encode(out, bytes, count, url_safe);
+  encode_base64(out, bytes, count, url_safe);
 }
 void base64_encode_to(wchar_t* out, const unsigned char* bytes, std::size_t count, bool url_safe) noexcept {
-  encode(out, bytes, count, url_safe);
+  encode_base64(out, bytes, count, url_safe);
 }
 void base64_encode_to(wchar_t* out, const wchar_t* units, std::size_t count, bool url_safe) noexcept {
-  encode(out, units, count, url_safe);
+  encode_base64(out, units, count, url_safe);
 }
 
-char* base64_decode_to(char* out, std::string_view text) noexcept { return decode(out, text); }
-wchar_t* base64_decode_to(wchar_t* out, std::wstring_view text) noexcept { return decode(out, text); }
+char* base64_decode_to(char* out, std::string_view text) noexcept { return decode_base64(out, text); }
+wchar_t* base64_decode_to(wchar_t* out, std::wstring_view text) noexcept { return decode_base64(out, text); }
 
 unsigned char* base64_read(unsigned char* out, std::string_view text) noexcept { return read(out, text); }
 unsigned char* base64_read(unsigned char* out, std::wstring_view text) noexcept { return read(out, text); }
 
 #ifdef KESTA_STATIC
 void base64_encode_to(char16_t* out, const unsigned char* bytes, std::size_t count, bool url_safe) noexcept {
-  encode(out, bytes, count, url_safe);
+  encode_base64(out, bytes, count, url_safe);
 }
 void base64_encode_to(char16_t* out, const char16_t* units, std::size_t count, bool url_safe) noexcept {
-  encode(out, units, count, url_safe);
+  encode_base64(out, units, count, url_safe);
 }
-char16_t* base64_decode_to(char16_t* out, std::u16string_view text) noexcept { return decode(out, text); }
+char16_t* base64_decode_to(char16_t* out, std::u16string_view text) noexcept {
+  return decode_base64(out, text);
+}
 unsigned char* base64_read(unsigned char* out, std::u16string_view text) noexcept { return read(out, text); }
 #endif
 

@@ -2,6 +2,7 @@
 
 // Exact arithmetic of the proleptic Gregorian calendar, with floor division throughout.
 
+#include <algorithm>
 #include <ctime>
 #include <limits>
 
@@ -10,6 +11,12 @@ namespace ruvo::civil {
 constexpr long long seconds_per_day = 86400;
 
 constexpr long long floor_div(long long a, long long b) { return a / b - (a % b < 0); }
+
+/// The number, or the nearest that an int holds.
+constexpr int nearest_int(long long number) {
+  using limits = std::numeric_limits<int>;
+  return static_cast<int>(std::clamp<long long>(number, limits::min(), limits::max()));
+}
 
 constexpr bool is_leap(long long year) { return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0); }
 

@@ -27,13 +27,13 @@ constexpr std::array<unsigned char, 128> digit_values() {
 constexpr auto values = digit_values();
 
 template <class Char>
-unsigned value_of(Char c) noexcept {
+unsigned nibble_of(Char c) noexcept {
   const auto unit = static_cast<char32_t>(c);  // a negative char is far above 127
   return unit < values.size() ? values[unit] : no_digit;
 }
 
 template <class Unit, class In>
-void encode(Unit* out, const In* in, std::size_t count) noexcept {
+void encode_hex(Unit* out, const In* in, std::size_t count) noexcept {
   for (std::size_t i = 0; i < count; ++i) {
     const auto byte = static_cast<unsigned char>(in[i]);
     *out++ = static_cast<Unit>(L"0123456789abcdef"[byte >> 4]);
@@ -42,11 +42,11 @@ void encode(Unit* out, const In* in, std::size_t count) noexcept {
 }
 
 template <class Char>
-bool decode(Char* out, const Char* digits, std::size_t count) noexcept {
+bool decode_hex(Char* out, const Char* digits, std::size_t count) noexcept {
   unsigned seen = 0;
   for (std::size_t i = 0; i < count; ++i) {
-    const unsigned high = value_of(digits[2 * i]);
-    const unsigned low = value_of(digits[2 * i + 1]);
+    const unsigned high = nibble_of(digits[2 * i]);
+    const unsigned low = nibble_of(digits[2 * i + 1]);
     seen |= high | low;
     out[i] = static_cast<Char>((high << 4 | low) & 0xFF);
   }
@@ -57,7 +57,7 @@ bool decode(Char* out, const Char* digits, std::size_t count) noexcept {
 constexpr std::size_t block = 16;  // characters in a vector
 
 /// The digits of 16 nibbles, one in a byte.
-[[maybe_unused]] __m128i digits_of(__m128i nibbles) noexcept {  // where wide characters have 16 bits
+[[maybe_unused]] __m128i hex_digits_of(__m128i nibbles) noexcept {  // where wide characters have 16 bits
   const __m128i letters = _mm_cmpgt_epi8(nibbles, _mm_set1_epi8(9));
   const __m128i offsets = _mm_and_si128(letters, _mm_set1_epi8('a' - 10 - '0'));
   return _mm_add_epi8(_mm_add_epi8(nibbles, _mm_set1_epi8('0')), offsets);
@@ -67,14 +67,14 @@ template <class Unit, class In>
 void encode_block(Unit* out, const In* in) noexcept {
   const __m128i bytes = load_low_bytes(in);
   const __m128i low_bits = _mm_set1_epi8(15);
-  const __m128i high = digits_of(_mm_and_si128(_mm_srli_epi16(bytes, 4), low_bits));
-  const __m128i low = digits_of(_mm_and_si128(bytes, low_bits));
+  const __m128i high = hex_digits_of(_mm_and_si128(_mm_srli_epi16(bytes, 4), low_bits));
+  const __m128i low = hex_digits_of(_mm_and_si128(bytes, low_bits));
   store_bytes(out, _mm_unpacklo_epi8(high, low));
   store_bytes(out + block, _mm_unpackhi_epi8(high, low));
 }
 
 /// The values of 16 digits; `bad` becomes other than 0 where a byte is none.
-__m128i values_of(__m128i chars, __m128i& bad) noexcept {
+__m128i nibbles_of(__m128i chars, __m128i& bad) noexcept {
   // Unsigned "at most" is "the smaller of both is itself".
   const __m128i digits = _mm_sub_epi8(chars, _mm_set1_epi8('0'));
   const __m128i is_digit = _mm_cmpeq_epi8(_mm_min_epu8(digits, _mm_set1_epi8(9)), digits);
@@ -86,7 +86,7 @@ __m128i values_of(__m128i chars, __m128i& bad) noexcept {
 }
 
 /// The bytes of eight pairs of values, one in 16 bits.
-__m128i joined(__m128i pairs) noexcept {
+__m128i joined_nibbles(__m128i pairs) noexcept {
   const __m128i high = _mm_and_si128(_mm_slli_epi16(pairs, 4), _mm_set1_epi16(0xF0));
   return _mm_or_si128(high, _mm_srli_epi16(pairs, 8));
 }
@@ -94,8 +94,8 @@ __m128i joined(__m128i pairs) noexcept {
 template <class Char>
 bool decode_block(Char* out, const Char* digits) noexcept {
   __m128i bad = _mm_setzero_si128();
-  const __m128i first = joined(values_of(load_chars(digits), bad));
-  const __m128i second = joined(values_of(load_chars(digits + block), bad));
+  const __m128i first = joined_nibbles(nibbles_of(load_chars(digits), bad));
+  const __m128i second = joined_nibbles(nibbles_of(load_chars(digits + block), bad));
   store_bytes(out, _mm_packus_epi16(first, second));
   return _mm_movemask_epi8(bad) == 0;
 }
@@ -110,7 +110,7 @@ void encode_all(Unit* out, const In* in, std::size_t count) noexcept {
   if constexpr (unit_16<Unit>)
     for (; count - done >= block; done += block) encode_block(out + 2 * done, in + done);
 #endif
-  encode(out + 2 * done, in + done, count - done);
+  encode_hex(out + 2 * done, in + done, count - done);
 }
 
 template <class Char>
@@ -121,7 +121,7 @@ bool decode_all(Char* out, const Char* digits, std::size_t count) noexcept {
     for (; count - done >= block; done += block)
       if (!decode_block(out + done, digits + 2 * done)) return false;
 #endif
-  return decode(out + done, digits + 2 * done, count - done);
+  return decode_hex(out + done, digits + 2 * done, count - done);
 }
 
 }  // namespace

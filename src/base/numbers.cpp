@@ -79,8 +79,8 @@ std::uint32_t small_decimals(double magnitude, std::uint32_t scale) {
 /// Splits `magnitude` exactly into its whole part and its decimals, `scale` to the unit, rounded (ties to
 /// even). False from 2^63 on, and for NaN.
 bool split_fixed(double magnitude, std::uint32_t scale, fixed_parts& parts) {
-  constexpr double smallest = 1.0 / 1024, largest = 9223372036854775808.0;
-  if (!(magnitude < largest)) return false;
+  constexpr double smallest = 1.0 / 1024;
+  if (!(magnitude < two_to_63)) return false;
   if (magnitude < smallest && magnitude != 0) {
     parts = {0, small_decimals(magnitude, scale)};
     return true;
@@ -88,8 +88,7 @@ bool split_fixed(double magnitude, std::uint32_t scale, fixed_parts& parts) {
   const auto whole = static_cast<std::int64_t>(magnitude);
   const double rest = magnitude - static_cast<double>(whole);  // its lowest bit is at or above 2^-63
   parts.whole = static_cast<std::uint64_t>(whole);
-  const std::uint64_t bits =
-      static_cast<std::uint64_t>(static_cast<std::int64_t>(rest * 9223372036854775808.0)) * 2;
+  const std::uint64_t bits = static_cast<std::uint64_t>(static_cast<std::int64_t>(rest * two_to_63)) * 2;
   const std::uint64_t low = (bits & 0xFFFFFFFF) * scale;
   const std::uint64_t high = (bits >> 32) * scale + (low >> 32);
   parts.decimals = static_cast<std::uint32_t>(high >> 32);
@@ -150,6 +149,13 @@ struct narrow_number {
 };
 
 }  // namespace
+
+long long truncated(double value) noexcept {
+  if (std::isnan(value)) return 0;
+  if (value >= two_to_63) return std::numeric_limits<long long>::max();
+  if (value < -two_to_63) return std::numeric_limits<long long>::min();
+  return static_cast<long long>(value);
+}
 
 wchar_t* print_unsigned(wchar_t* to, unsigned long long value) noexcept {
   wchar_t* const end = to + count_digits(value);

@@ -12,6 +12,12 @@ namespace ruvo::texto {
 constexpr std::size_t most_number_units = 32;
 constexpr int most_short_decimals = 9;
 
+/// The first double that is beyond long long.
+constexpr double two_to_63 = 9223372036854775808.0;
+
+/// Truncated towards zero; what 64 bits do not hold becomes the nearest number that they do, NaN becomes 0.
+long long truncated(double value) noexcept;
+
 /// The answer of functions that take only a range of numbers.
 inline constexpr wchar_t unsupported_number[] = L"Número no soportado";
 

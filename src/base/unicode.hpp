@@ -4,6 +4,7 @@
 // letters are distinguished where they alternate or lie in blocks of their own.
 
 #include <cstddef>
+#include <string_view>
 
 #include "base/ascii.hpp"
 
@@ -48,6 +49,13 @@ constexpr bool is_word_blank(wchar_t c) noexcept { return is_wide(c) ? is_in(wid
 /// Letters and digits.
 constexpr bool is_word_letter(wchar_t c) noexcept {
   return is_wide(c) ? is_in(wide_letters, c) : is_alnum(c);
+}
+
+/// The text without the blanks at its ends, those beyond ASCII too.
+constexpr std::wstring_view without_blanks(std::wstring_view text) noexcept {
+  while (!text.empty() && is_word_blank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && is_word_blank(text.back())) text.remove_suffix(1);
+  return text;
 }
 
 }  // namespace ruvo::texto

@@ -144,14 +144,11 @@ Unit* write_utf_16(Unit* to, char32_t point) noexcept {
   return to;
 }
 
-bool is_high(char16_t unit) noexcept { return (unit & 0xFC00) == 0xD800; }
-bool is_low(char16_t unit) noexcept { return (unit & 0xFC00) == 0xDC00; }
-
 template <class Unit>
 char32_t read_utf_16(const Unit*& at, const Unit* end) noexcept {
   const auto unit = static_cast<char16_t>(*at++);
-  if ((unit & 0xF800) != 0xD800) return unit;
-  if (!is_high(unit) || at == end || !is_low(static_cast<char16_t>(*at))) return replacement;
+  if (!is_surrogate(unit)) return unit;
+  if (!is_high_surrogate(unit) || at == end || !is_low_surrogate(*at)) return replacement;
   const auto low = static_cast<char16_t>(*at++);
   return 0x10000u + ((unit & 0x3FFu) << 10) + (low & 0x3FFu);
 }
@@ -292,7 +289,7 @@ Unit* decode_blocks(const char*& begin, const char* stop, const char* end, const
 /// Decodes until `from` reaches `stop`, which it may pass. Needs room for two blocks of units more than there
 /// are bytes before `stop`.
 template <class Unit>
-Unit* decode(const char*& from, const char* stop, const char* end, Unit* to) noexcept {
+Unit* decode_bytes(const char*& from, const char* stop, const char* end, Unit* to) noexcept {
   to = decode_blocks(from, stop, end, end, to);
   if (from >= stop) return to;
   // Less than a block is left: it goes on in a copy that can be read beyond its end.
@@ -366,7 +363,7 @@ int encode_fours(const Unit* from, char* to) noexcept {
 /// What can be done in one go of a run of characters of three or of four bytes; eight units are readable.
 template <class Unit>
 char* encode_run(const Unit*& from, char* to) noexcept {
-  const int fours = is_high(static_cast<char16_t>(*from)) ? encode_fours(from, to) : 0;
+  const int fours = is_high_surrogate(*from) ? encode_fours(from, to) : 0;
   const int size = fours ? fours : encode_threes(from, to);
   from += fours ? 8 : size / 3;
   return to + size;
@@ -411,7 +408,7 @@ char* encode_blocks(const Unit*& begin, const Unit* stop, const Unit* end, const
 }
 
 template <class Unit>
-char* encode(const Unit*& from, const Unit* stop, const Unit* end, char* to) noexcept {
+char* encode_units(const Unit*& from, const Unit* stop, const Unit* end, char* to) noexcept {
   to = encode_blocks(from, stop, end, end, to);
   if (from >= stop) return to;
   Unit rest[2 * block] = {};
@@ -455,7 +452,7 @@ std::size_t utf_8_size(std::basic_string_view<Unit> text) noexcept {
   for (; from != end; ++from) {
     const auto unit = static_cast<char16_t>(*from);
     size += 1 + static_cast<std::size_t>(unit > 0x7F) + static_cast<std::size_t>(unit > 0x7FF) -
-            static_cast<std::size_t>((unit & 0xF800) == 0xD800);
+            static_cast<std::size_t>(is_surrogate(unit));
   }
   return size;
 }
@@ -472,7 +469,7 @@ void append_16(std::basic_string<Unit>& out, std::string_view text) {
   if (text.size() > piece) out.reserve(out.size() + utf_16_size(text));
   while (from != end) {
     const char* const stop = from + std::min(piece, static_cast<std::size_t>(end - from));
-    out.append(made, decode(from, stop, end, made));
+    out.append(made, decode_bytes(from, stop, end, made));
   }
 }
 
@@ -484,7 +481,7 @@ void append_8(std::string& out, std::basic_string_view<Unit> text) {
   if (text.size() > piece) out.reserve(out.size() + utf_8_size(text));
   while (from != end) {
     const Unit* const stop = from + std::min(piece, static_cast<std::size_t>(end - from));
-    out.append(made, encode(from, stop, end, made));
+    out.append(made, encode_units(from, stop, end, made));
   }
 }
 
@@ -498,7 +495,7 @@ std::wstring to_utf_16(std::string_view text) {
     wchar_t made[piece + 2 * block];
     const char* from = text.data();
     const char* const end = from + text.size();
-    return {made, decode(from, end, end, made)};
+    return {made, decode_bytes(from, end, end, made)};
   }
   std::wstring out;
   append_utf_16(out, text);
@@ -510,7 +507,7 @@ std::string to_utf_8(std::wstring_view text) {
     char made[3 * piece + 4 * block];
     const wchar_t* from = text.data();
     const wchar_t* const end = from + text.size();
-    return {made, encode(from, end, end, made)};
+    return {made, encode_units(from, end, end, made)};
   }
   std::string out;
   append_utf_8(out, text);

@@ -11,6 +11,20 @@ namespace ruvo::texto {
 std::wstring to_utf_16(std::string_view text);
 std::string to_utf_8(std::wstring_view text);
 
+/// Of surrogate pairs, the first unit is high and the second one low.
+template <class Unit>
+constexpr bool is_high_surrogate(Unit unit) noexcept {
+  return (static_cast<char16_t>(unit) & 0xFC00) == 0xD800;
+}
+template <class Unit>
+constexpr bool is_low_surrogate(Unit unit) noexcept {
+  return (static_cast<char16_t>(unit) & 0xFC00) == 0xDC00;
+}
+template <class Unit>
+constexpr bool is_surrogate(Unit unit) noexcept {
+  return (static_cast<char16_t>(unit) & 0xF800) == 0xD800;
+}
+
 void append_utf_16(std::wstring& out, std::string_view text);
 void append_utf_8(std::string& out, std::wstring_view text);
 

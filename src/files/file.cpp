@@ -16,10 +16,6 @@ namespace {
 constexpr std::wstring_view long_prefix = L"\\\\?\\";
 constexpr std::wstring_view long_share = L"UNC\\";
 
-bool has_drive(std::wstring_view path) {
-  return path.size() >= 2 && texto::is_alpha(path[0]) && path[1] == L':';
-}
-
 /// Where "server\share", or "server" alone, that begins at `from` ends.
 std::size_t share_end(std::wstring_view path, std::size_t from) {
   const std::size_t server = std::min(path.find(L'\\', from), path.size());
@@ -33,11 +29,11 @@ std::size_t root_length(std::wstring_view path) {
   if (path.starts_with(long_prefix)) {
     start = long_prefix.size();
     if (path.substr(start).starts_with(long_share)) return share_end(path, start + long_share.size());
-    if (!has_drive(path.substr(start))) return start;
+    if (!texto::has_drive(path.substr(start))) return start;
   } else if (path.starts_with(L"\\\\") && path.size() > 2 && path[2] != L'\\') {
     return share_end(path, 2);
   }
-  if (has_drive(path.substr(start))) start += 2;
+  if (texto::has_drive(path.substr(start))) start += 2;
   return start < path.size() && path[start] == L'\\' ? start + 1 : start;
 }
 
@@ -55,7 +51,7 @@ void limpia_ruta_inicio(std::wstring& path) {
     if (!climbs && !rest.starts_with(L".\\")) break;
     const std::size_t next = rest.find_first_not_of(L'\\', climbs ? 2 : 1);
     if (next == rest.npos && !absolute) break;             // nothing else: "." stays
-    if (root == 0 && has_drive(rest.substr(next))) break;  // a name that only looks like a drive
+    if (root == 0 && texto::has_drive(rest.substr(next))) break;  // a name that only looks like a drive
     from = next == rest.npos ? path.size() : from + next;
   }
   const std::size_t keep = absolute && from > root && from < path.size() && path[root - 1] != L'\\' ? 1 : 0;

@@ -17,7 +17,7 @@ namespace ruvo {
 
 namespace {
 
-platform::entry_facts facts_of(const file& path) {
+platform::entry_facts existing_facts(const file& path) {
   platform::entry_facts out;
   if (!platform::read_facts(path, out)) throw exc::fileNotFound(path);
   return out;
@@ -72,14 +72,14 @@ unsigned long file::get_owner() const { return owner_of(*this).user; }
 unsigned long file::get_owner_group() const { return owner_of(*this).group; }
 
 unsigned long long file::size() const {
-  const platform::entry_facts facts = facts_of(*this);
+  const platform::entry_facts facts = existing_facts(*this);
   if (facts.kind == platform::entry_kind::folder) throw exc::fileExpectedFile(*this);
   return facts.size;
 }
 
-datetime file::last_modified() const { return facts_of(*this).modified; }
-datetime file::last_access() const { return facts_of(*this).accessed; }
-datetime file::last_status_changed() const { return facts_of(*this).changed; }
+datetime file::last_modified() const { return existing_facts(*this).modified; }
+datetime file::last_access() const { return existing_facts(*this).accessed; }
+datetime file::last_status_changed() const { return existing_facts(*this).changed; }
 
 bool file::mkdir(exception* err) const { return made_or_reported(platform::make_folder(path_), *this, err); }
 

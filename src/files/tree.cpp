@@ -58,7 +58,7 @@ struct walker final : RecursiveCallBack {
 };
 
 /// Lists the tree below a folder to `work`.
-void walk(const std::shared_ptr<held_tree>& tree, fileFilter* filter, RelayCallBack& work) {
+void walk_tree(const std::shared_ptr<held_tree>& tree, fileFilter* filter, RelayCallBack& work) {
   walker going(nullptr, filter, &work);
   going.work_on(tree);
   going.walk(tree->top());
@@ -286,7 +286,7 @@ bool copy_folder(const file& from, file to, exception& err, fileFilter* filter, 
   } else {
     const auto tree = std::make_shared<held_tree>(from, true);
     copier.work_on(tree);
-    walk(tree, filter, copier);
+    walk_tree(tree, filter, copier);
   }
   return conclude(copier, err);
 }
@@ -347,7 +347,7 @@ bool verify(const file& from, file to, exception& err, fileCallback& callback, f
   else if (!found.is_folder)
     refuse(comparer, exc::fileExpectedFolder(to));
   else
-    walk(std::make_shared<held_tree>(from, true), filter, comparer);
+    walk_tree(std::make_shared<held_tree>(from, true), filter, comparer);
   return conclude(comparer, err);
 }
 
@@ -424,7 +424,7 @@ bool erase(file path, exception& err, fileFilter* filter, fileCallback* callback
   eraser.work_on(tree);
   eraser.onRead(path);
   if (found.is_folder && !found.is_link)
-    walk(tree, &noting, eraser);
+    walk_tree(tree, &noting, eraser);
   else
     eraser.onFinish();
   return conclude(eraser, err);

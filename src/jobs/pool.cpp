@@ -8,14 +8,11 @@
 
 #include "base/numbers.hpp"
 #include "jobs/pool_state.hpp"
+#include "jobs/refused.hpp"
 
 namespace ruvo::jobs {
 
-namespace {
-
-std::system_error refused(std::errc why) { return std::system_error(std::make_error_code(why)); }
-
-}  // namespace
+using sync::refused;
 
 pool::pool() : pool(std::thread::hardware_concurrency()) {}
 pool::pool(unsigned long long max_concurrency) : state_(std::make_unique<state>(*this, max_concurrency)) {}

@@ -8,14 +8,11 @@
 #include <utility>
 
 #include "app/registry.hpp"
+#include "jobs/refused.hpp"
 
 namespace ruvo::detail {
 
-namespace {
-
-std::system_error refused(std::errc why) { return std::system_error(std::make_error_code(why)); }
-
-}  // namespace
+using sync::refused;
 
 /// What a thread shares with its worker and, once it was let go, with nobody.
 ///

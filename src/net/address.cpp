@@ -17,7 +17,7 @@ namespace ruvo::smtp {
 
 namespace {
 
-std::wstring text_of(const std::wstring& name, const std::wstring& mail) {
+std::wstring shown_form(const std::wstring& name, const std::wstring& mail) {
   std::wstring text;
   if (mail.empty()) return text;
   text.reserve(name.size() + mail.size() + 3);
@@ -68,7 +68,7 @@ std::string encoded_words(const std::wstring& name) {
 
 address::address() = default;
 address::address(const std::wstring& name, const std::wstring& mail)
-    : name_(name), mail_(mail), text_(text_of(name, mail)) {}
+    : name_(name), mail_(mail), text_(shown_form(name, mail)) {}
 address::address(const address& other) = default;
 address::address(address&& other) noexcept = default;
 address::~address() = default;

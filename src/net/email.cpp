@@ -44,12 +44,12 @@ void check_index(const std::vector<file>& files, std::size_t index) {
 }
 
 /// The list under the key, or null.
-const list* list_in(const bundle& values, const wchar_t* key) {
+const list* list_under(const bundle& values, const wchar_t* key) {
   const xvar* const value = values.get_ptr(key);
   return value && value->instanceof (typeid(list)) ? &values.get_list(key) : nullptr;
 }
 
-void read_date(datetime& date, const bundle& values) {
+void take_date(datetime& date, const bundle& values) {
   const xvar* const value = values.get_ptr(L"date");
   if (!value || value->is_null()) return;
   try {
@@ -128,17 +128,17 @@ email& email::operator=(email&& other) {
 
 email& email::operator=(const bundle& values) {
   email made(*this);
-  read_date(made.date_, values);
+  take_date(made.date_, values);
   made.uuid_ = values.get_string(L"Message-ID", '.', uuid_);
   made.subject_ = values.get_string(L"subject", '.', subject_);
   made.body_ = values.get_string(L"body", '.', body_);
   made.signature_ = values.get_string(L"signature", '.', signature_);
   read_who(made.from_, values.get_ptr(L"from"));
   read_who(made.sender_, values.get_ptr(L"sender"));
-  const auto is_given = [&values](const auto& row) { return list_in(values, row.list) != nullptr; };
+  const auto is_given = [&values](const auto& row) { return list_under(values, row.list) != nullptr; };
   if (std::any_of(std::begin(roles), std::end(roles), is_given)) made.recipients_.clear();
-  for (const auto& row : roles) made.put_bundles(list_in(values, row.list), row.role);
-  if (const list* const files = list_in(values, L"attach")) {
+  for (const auto& row : roles) made.put_bundles(list_under(values, row.list), row.role);
+  if (const list* const files = list_under(values, L"attach")) {
     made.attach_.clear();
     for (const xvar& path : *files)
       if (is_text(path)) made.attach_.emplace_back(path.to_string());

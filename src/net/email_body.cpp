@@ -57,13 +57,15 @@ std::wstring markup(std::wstring text) {
   return text;
 }
 
-std::wstring plain(const std::wstring& text) { return texto::is_html(text) ? texto::to_plain_(text) : text; }
+std::wstring plain_text(const std::wstring& text) {
+  return texto::is_html(text) ? texto::to_plain_(text) : text;
+}
 
 }  // namespace
 
 std::wstring email::get_plain_post() const {
-  std::wstring post = plain(body_);
-  if (!signature_.empty()) post.append(L"\r\n--\r\n").append(plain(signature_));
+  std::wstring post = plain_text(body_);
+  if (!signature_.empty()) post.append(L"\r\n--\r\n").append(plain_text(signature_));
   return post;
 }
 

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "base/ascii.hpp"
+#include "base/numbers.hpp"
 #include "net/mail_patterns.hpp"
 
 namespace ruvo::smtp {
@@ -25,12 +26,6 @@ void append(String& out, const String& entry) {
   out.append(entry);
 }
 
-std::wstring_view trimmed(std::wstring_view text) {
-  while (!text.empty() && texto::is_space(text.front())) text.remove_prefix(1);
-  while (!text.empty() && texto::is_space(text.back())) text.remove_suffix(1);
-  return text;
-}
-
 bool same_name(std::wstring_view a, std::wstring_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                     [](wchar_t x, wchar_t y) { return texto::to_lower(x) == texto::to_lower(y); });
@@ -43,7 +38,7 @@ bool is_mail(std::wstring_view text) { return texto::is_email(std::wstring(text)
 /// The trimmed text up to the next separator, which `from` is moved behind (beyond the end at the last).
 std::wstring_view next_part(std::wstring_view list, std::size_t& from) {
   const std::size_t end = std::min(list.find_first_of(L";,", from), list.size());
-  const std::wstring_view part = trimmed(list.substr(from, end - from));
+  const std::wstring_view part = texto::trimmed(list.substr(from, end - from));
   from = end + 1;
   return part;
 }
@@ -90,17 +85,17 @@ std::wstring next_field(std::wstring_view block, std::size_t& from) {
 
 /// The text of a field. A control character, which has no place there, becomes a blank: written again, a lone
 /// CR would end the line for some readers, and what follows it would be a field of its own.
-std::wstring value_of(std::wstring_view field) {
+std::wstring field_text(std::wstring_view field) {
   std::wstring value(field);
   std::replace_if(
       value.begin(), value.end(),
       [](wchar_t c) { return (c < 0x20 && c != L'\t') || (c >= 0x7F && c < 0xA0); }, L' ');
-  return std::wstring(trimmed(value));
+  return std::wstring(texto::trimmed(value));
 }
 
-[[noreturn]] void refuse(const std::wstring& field) {
-  constexpr std::size_t most_told = 80;
-  throw exc::BadArgument(field.substr(0, most_told));
+[[noreturn]] void refuse_field(const std::wstring& field) {
+  constexpr std::size_t most_shown = 80;
+  throw exc::BadArgument(field.substr(0, most_shown));
 }
 
 /// Reads the address of a field; an empty text gives an empty address.
@@ -119,7 +114,7 @@ bool read_sender(address& out, const std::wstring& text) {
 }
 
 /// Reads the date of RFC 5322, perhaps without its weekday or with an old name of the zone +0000.
-bool read_date(datetime& out, std::wstring text) {
+bool read_header_date(datetime& out, std::wstring text) {
   constexpr std::size_t weekday = 4;  // length of its pattern
   for (const std::wstring_view zone : {L" GMT", L" UT"})
     if (text.ends_with(zone)) text.replace(text.size() - zone.size(), zone.size(), L" +0000");
@@ -228,7 +223,7 @@ bool email::take_field(std::wstring_view name, const std::wstring& value, header
       put_list(value, row.role);
       return true;
     }
-  if (same_name(name, L"Date")) return value.empty() || read_date(date_, value);
+  if (same_name(name, L"Date")) return value.empty() || read_header_date(date_, value);
   if (same_name(name, L"From")) return read_sender(from_, value);
   if (same_name(name, L"Sender")) return read_sender(sender_, value);
   if (same_name(name, L"Subject")) subject_ = value;
@@ -242,9 +237,10 @@ void email::deserialize_headers(const std::wstring& block) {
   std::size_t from = 0;
   for (std::wstring field = next_field(block, from); !field.empty(); field = next_field(block, from)) {
     const std::size_t colon = field.find(L':');
-    const std::wstring_view name = trimmed(std::wstring_view(field).substr(0, colon));
-    if (colon == field.npos || name.empty() || texto::is_space(field.front())) refuse(field);
-    if (!made.take_field(name, value_of(std::wstring_view(field).substr(colon + 1)), read)) refuse(field);
+    const std::wstring_view name = texto::trimmed(std::wstring_view(field).substr(0, colon));
+    if (colon == field.npos || name.empty() || texto::is_space(field.front())) refuse_field(field);
+    if (!made.take_field(name, field_text(std::wstring_view(field).substr(colon + 1)), read))
+      refuse_field(field);
   }
   if (!read.message_id.empty()) made.uuid_ = uuid_of(read.message_id, made.from_.get_domain());
   *this = std::move(made);

@@ -78,12 +78,6 @@ std::wstring_view without_quotes(std::wstring_view name) noexcept {
   return begin == 0 || end == name.size() || inside.find(L'"') != npos ? name : inside;
 }
 
-std::wstring_view without_blanks(std::wstring_view name) noexcept {
-  while (!name.empty() && texto::is_word_blank(name.front())) name.remove_prefix(1);
-  while (!name.empty() && texto::is_word_blank(name.back())) name.remove_suffix(1);
-  return name;
-}
-
 }  // namespace
 
 bool is_host(std::wstring_view text) noexcept {
@@ -111,7 +105,7 @@ std::optional<address_text> split_address(std::wstring_view text) noexcept {
   if (open == 0) return address_text{{}, mail};
   const std::wstring_view name = text.substr(0, open - 1);
   if (!texto::is_word_blank(text[open - 1]) || name.find_first_of(line_ends) != npos) return {};
-  return address_text{without_blanks(without_quotes(without_blanks(name))), mail};
+  return address_text{texto::without_blanks(without_quotes(texto::without_blanks(name))), mail};
 }
 
 std::optional<address_text> read_address(std::wstring_view text) {

@@ -7,11 +7,13 @@
 #include <algorithm>
 #include <string_view>
 
+#include "base/utf.hpp"
+
 namespace ruvo::serializer {
 
-constexpr bool is_high_surrogate(wchar_t c) noexcept { return (static_cast<char16_t>(c) & 0xFC00) == 0xD800; }
-constexpr bool is_low_surrogate(wchar_t c) noexcept { return (static_cast<char16_t>(c) & 0xFC00) == 0xDC00; }
-constexpr bool is_surrogate(wchar_t c) noexcept { return (static_cast<char16_t>(c) & 0xF800) == 0xD800; }
+using texto::is_high_surrogate;
+using texto::is_low_surrogate;
+using texto::is_surrogate;
 
 /// Walks once through a text, from place to place.
 class place_walker {

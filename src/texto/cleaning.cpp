@@ -19,7 +19,7 @@ constexpr std::wstring_view plain_capitals = L"AAAAAAACEEEEIIIIDNOOOOO..UUUUY.."
 static_assert(plain_capitals.size() == 32);
 
 /// The plain letter of an accented one, else the unit itself.
-constexpr wchar_t plain(wchar_t c) {
+constexpr wchar_t plain_letter(wchar_t c) {
   if (c < 0xC0 || c > 0xFF) return c;
   const wchar_t letter = plain_capitals[(c - 0xC0) & 31];
   if (letter == L'.') return c;
@@ -75,7 +75,7 @@ const Special* find_special(wchar_t c) {
   return found ? row : nullptr;
 }
 
-bool is_special(wchar_t c) { return static_cast<char16_t>(c) >= 0xA0 && find_special(c) != nullptr; }
+bool is_typographic(wchar_t c) { return static_cast<char16_t>(c) >= 0xA0 && find_special(c) != nullptr; }
 
 }  // namespace
 
@@ -85,12 +85,12 @@ std::wstring clear(std::wstring text) {
 }
 
 wchar_t limpia_puntuacion(wchar_t c, wchar_t r) {
-  const wchar_t letter = plain(c);
+  const wchar_t letter = plain_letter(c);
   return is_alnum(letter) || r == 0 ? letter : r;
 }
 
 std::wstring& limpia_puntuacion(std::wstring& text, wchar_t) {
-  std::transform(text.begin(), text.end(), text.begin(), plain);
+  std::transform(text.begin(), text.end(), text.begin(), plain_letter);
   return text;
 }
 std::wstring limpia_puntuacion_(const std::wstring& text, wchar_t r) {
@@ -99,12 +99,12 @@ std::wstring limpia_puntuacion_(const std::wstring& text, wchar_t r) {
 }
 
 std::wstring& limpia_caracteres_especiales(std::wstring& text) {
-  const auto first = std::find_if(text.begin(), text.end(), is_special);
+  const auto first = std::find_if(text.begin(), text.end(), is_typographic);
   if (first == text.end()) return text;
   std::wstring out(text.begin(), first);
   out.reserve(text.size());
   for (auto at = first; at != text.end(); ++at) {
-    if (is_special(*at))
+    if (is_typographic(*at))
       out += find_special(*at)->with;
     else
       out.push_back(*at);

@@ -45,7 +45,7 @@ Text from_hex(const Text& hex) {
 }
 
 template <class Text>
-void decode(Text& out, const Text& in) {
+void replace_by_base64(Text& out, const Text& in) {
   Text made(base64_room(in.size()), typename Text::value_type());
   made.resize(static_cast<std::size_t>(base64_decode_to(made.data(), in) - made.data()));
   out = std::move(made);
@@ -85,8 +85,8 @@ void base64_encode(std::string& out, const std::string& in, bool url_safe) {
   out = std::move(made);
 }
 
-void base64_decode(std::string& out, const std::string& in) { decode(out, in); }
-void base64_decode(std::wstring& out, const std::wstring& in) { decode(out, in); }
+void base64_decode(std::string& out, const std::string& in) { replace_by_base64(out, in); }
+void base64_decode(std::wstring& out, const std::wstring& in) { replace_by_base64(out, in); }
 
 void set_binary_data(std::string& out, const std::vector<unsigned char>& bytes, long count) {
   const std::size_t size = count < 0 ? bytes.size() : std::min(bytes.size(), static_cast<std::size_t>(count));

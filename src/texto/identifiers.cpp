@@ -22,11 +22,10 @@ std::string narrowed(const std::wstring& text) {
   return bytes;
 }
 
-wchar_t widened(char c) { return static_cast<wchar_t>(static_cast<unsigned char>(c)); }
-bool is_digit_char(char c) { return is_digit(widened(c)); }
-bool is_alpha_char(char c) { return is_alpha(widened(c)); }
+bool is_digit_char(char c) { return is_digit(unit_of(c)); }
+bool is_alpha_char(char c) { return is_alpha(unit_of(c)); }
 bool are_digits(std::string_view text) { return std::all_of(text.begin(), text.end(), is_digit_char); }
-char upper(char c) { return static_cast<char>(to_upper(widened(c))); }
+char upper(char c) { return static_cast<char>(to_upper(unit_of(c))); }
 
 constexpr std::size_t nif_size = 9;
 constexpr std::string_view nie_letters = "XYZ";
@@ -136,7 +135,7 @@ bool valida_nif(const std::wstring& text) { return valida_nif(narrowed(text)); }
 bool valida_iban(const std::string& text) {
   const bool has_form = text.size() >= shortest_iban && is_alpha_char(text[0]) && is_alpha_char(text[1]) &&
                         is_iban_size(text[0], text[1], text.size()) &&
-                        std::all_of(text.begin(), text.end(), [](char c) { return is_alnum(widened(c)); });
+                        std::all_of(text.begin(), text.end(), [](char c) { return is_alnum(unit_of(c)); });
   if (!has_form) return false;
   const std::string_view all = text, check = all.substr(2, 2);
   if (!are_digits(check) || check < "02" || check > "98") return false;

@@ -32,7 +32,7 @@ constexpr std::size_t longest_particle = 4;
 
 /// Whether `word`, in capitals or small letters, is in `list`.
 template <std::size_t Size>
-bool is_one_of(const std::wstring_view (&list)[Size], std::wstring_view word) {
+bool is_particle_of(const std::wstring_view (&list)[Size], std::wstring_view word) {
   if (word.size() > longest_particle) return false;
   std::array<wchar_t, longest_particle> small{};
   std::transform(word.begin(), word.end(), small.begin(), to_lower);
@@ -85,13 +85,13 @@ Form form_in_person(const Part& part) {
   if (!part.is_whole()) return Form::capital;
   if (is_roman_numeral(part.text)) return Form::large;
   if (part.is_last && part.text.size() == 1 && to_lower(part.text[0]) == L'i') return Form::large;
-  return is_one_of(name_particles, part.text) ? Form::small : Form::capital;
+  return is_particle_of(name_particles, part.text) ? Form::small : Form::capital;
 }
 
 Form form_in_place(const Part& part) {
   if (part.is_first) return Form::capital;
   if (part.is_elision(L"dlns")) return Form::small;
-  return part.is_whole() && is_one_of(place_particles, part.text) ? Form::small : Form::capital;
+  return part.is_whole() && is_particle_of(place_particles, part.text) ? Form::small : Form::capital;
 }
 
 void append_part(std::wstring& out, std::wstring_view part, Form form) {
@@ -130,12 +130,6 @@ struct Place {
   std::wstring_view name;
 };
 
-std::wstring_view without_blanks(std::wstring_view text) {
-  while (!text.empty() && is_word_blank(text.back())) text.remove_suffix(1);
-  while (!text.empty() && is_word_blank(text.front())) text.remove_prefix(1);
-  return text;
-}
-
 /// Whether the article stands in front of the name, too.
 bool begins_with_article(std::wstring_view name, std::wstring_view article) {
   const auto is_alike = [](wchar_t a, wchar_t b) { return to_lower(a) == to_lower(b); };
@@ -151,7 +145,7 @@ Place cut_article(std::wstring_view text) {
   const std::wstring_view name = without_blanks(text.substr(0, mark));
   const std::wstring_view article =
       without_blanks(text.substr(mark + 1, text.size() - mark - 1 - (in_brackets ? 1 : 0)));
-  if (name.empty() || !is_one_of(place_articles, article)) return {{}, text};
+  if (name.empty() || !is_particle_of(place_articles, article)) return {{}, text};
   if (begins_with_article(name, article)) return {{}, name};
   return {article, name};
 }
@@ -178,7 +172,7 @@ std::wstring to_capitalize_name_(const std::wstring& name) {
   return out;
 }
 
-bool is_article_or_preposition(const std::wstring& word) { return is_one_of(name_particles, word); }
+bool is_article_or_preposition(const std::wstring& word) { return is_particle_of(name_particles, word); }
 
 std::wstring corregir_nombre_municipio(const std::wstring& name) {
   std::wstring out;

@@ -14,7 +14,7 @@ namespace {
 
 /// Units from `at` on that are in the class.
 template <class Test>
-std::size_t run(std::wstring_view text, std::size_t at, Test test) {
+std::size_t run_length(std::wstring_view text, std::size_t at, Test test) {
   std::size_t size = 0;
   while (at + size < text.size() && test(text[at + size])) ++size;
   return size;
@@ -22,13 +22,13 @@ std::size_t run(std::wstring_view text, std::size_t at, Test test) {
 
 /// One to three digits, groups of three after a `thousands` each, and optionally a `decimal` with digits.
 bool is_grouped(std::wstring_view text, wchar_t thousands, wchar_t decimal) {
-  std::size_t at = run(text, 0, is_digit);
+  std::size_t at = run_length(text, 0, is_digit);
   if (at < 1 || at > 3) return false;
   for (; at < text.size() && text[at] == thousands; at += 4) {
-    if (run(text, at + 1, is_digit) != 3) return false;
+    if (run_length(text, at + 1, is_digit) != 3) return false;
   }
   if (at == text.size()) return true;
-  const std::size_t decimals = run(text, at + 1, is_digit);
+  const std::size_t decimals = run_length(text, at + 1, is_digit);
   return text[at] == decimal && decimals > 0 && at + 1 + decimals == text.size();
 }
 
@@ -36,7 +36,7 @@ bool is_grouped(std::wstring_view text, wchar_t thousands, wchar_t decimal) {
 bool is_marked(std::wstring_view text, wchar_t mark) {
   if (!text.empty() && text[0] == L'-') text.remove_prefix(1);
   if (text.empty() || !is_digit(text[0])) return false;
-  return run(text, 0, [mark](wchar_t c) { return is_digit(c) || c == mark; }) == text.size();
+  return run_length(text, 0, [mark](wchar_t c) { return is_digit(c) || c == mark; }) == text.size();
 }
 
 bool is_dashed(wchar_t c) { return is_alnum(c) || c == L'-'; }
@@ -45,10 +45,10 @@ bool is_first_local(wchar_t c) { return is_local(c) || c == L'+'; }
 
 /// What precedes the '@': the first word may hold '+'.
 bool is_local_part(std::wstring_view text) {
-  std::size_t at = run(text, 0, is_first_local);
+  std::size_t at = run_length(text, 0, is_first_local);
   for (std::size_t word = at; word > 0; at += 1 + word) {
     if (at == text.size()) return true;
-    word = text[at] == L'.' ? run(text, at + 1, is_local) : 0;
+    word = text[at] == L'.' ? run_length(text, at + 1, is_local) : 0;
   }
   return false;
 }
@@ -56,11 +56,12 @@ bool is_local_part(std::wstring_view text) {
 /// What follows the '@': at least two words, the last of letters.
 bool is_domain(std::wstring_view text) {
   const std::size_t last = text.rfind(L'.') + 1;  // 0 without one
-  if (last == 0 || text.size() - last < 2 || run(text, last, is_alpha) != text.size() - last) return false;
-  std::size_t at = run(text, 0, is_dashed);
+  if (last == 0 || text.size() - last < 2 || run_length(text, last, is_alpha) != text.size() - last)
+    return false;
+  std::size_t at = run_length(text, 0, is_dashed);
   for (std::size_t word = at; word > 0; at += 1 + word) {
     if (at + 1 == last) return true;
-    word = text[at] == L'.' ? run(text, at + 1, is_alnum) : 0;
+    word = text[at] == L'.' ? run_length(text, at + 1, is_alnum) : 0;
   }
   return false;
 }
@@ -69,7 +70,7 @@ bool is_domain(std::wstring_view text) {
 
 bool is_integer(const std::wstring& text) { return is_plain_integer(text); }
 bool is_integer_positive(const std::wstring& text) {
-  return !text.empty() && run(text, 0, is_digit) == text.size();
+  return !text.empty() && run_length(text, 0, is_digit) == text.size();
 }
 
 bool is_number(const std::wstring& text) {

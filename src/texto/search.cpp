@@ -98,7 +98,7 @@ void replace_by_shorter(std::wstring& text, std::wstring_view from, std::wstring
   text.erase(static_cast<std::size_t>(written - units), static_cast<std::size_t>(units + read - written));
 }
 
-bool is_special(wchar_t c) {
+bool means_something_in_patterns(wchar_t c) {
   return std::wstring_view(L"-[]{}()*+?.,^$|#").find(c) != std::wstring_view::npos || is_word_blank(c);
 }
 
@@ -153,7 +153,7 @@ std::wstring escape_regex_pattern(const std::wstring& text) {
   std::wstring escaped;
   escaped.reserve(text.size() + text.size() / 8);
   for (const wchar_t c : text) {
-    if (is_special(c)) escaped += L'\\';
+    if (means_something_in_patterns(c)) escaped += L'\\';
     escaped += c;
   }
   return escaped;

@@ -2,7 +2,6 @@
 
 #include <ruvo/datetime.hpp>
 
-#include <algorithm>
 #include <limits>
 
 #include "base/civil.hpp"
@@ -13,11 +12,6 @@ namespace ruvo {
 namespace {
 
 using calendar::fields_of;
-
-int saturated(long long value) {
-  return static_cast<int>(
-      std::clamp<long long>(value, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
-}
 
 long long days_of(const std::tm& fields) {
   return civil::days_from_date(fields.tm_year + 1900LL, fields.tm_mon + 1, fields.tm_mday);
@@ -36,7 +30,7 @@ int apart(const datetime& from, const datetime& to, long long unit) {
   const long long b = to.get_lapso();
   if (a < 0 && b > limits::max() + a) return std::numeric_limits<int>::max();
   if (a > 0 && b < limits::min() + a) return std::numeric_limits<int>::min();
-  return saturated((b - a) / unit);
+  return civil::nearest_int((b - a) / unit);
 }
 
 }  // namespace
@@ -66,7 +60,7 @@ namespace dates {
 date today() { return date(times::LOCAL); }
 
 int diff_days(const date& from, const date& to) {
-  return saturated(days_of(fields_of(to)) - days_of(fields_of(from)));
+  return civil::nearest_int(days_of(fields_of(to)) - days_of(fields_of(from)));
 }
 
 int diff_months(const date& from, const date& to) {
@@ -76,7 +70,7 @@ int diff_months(const date& from, const date& to) {
   const long long months = years * 12 + b.tm_mon - a.tm_mon;
   const bool begun_forwards = months > 0 && b.tm_mday < a.tm_mday;
   const bool begun_backwards = months < 0 && b.tm_mday > a.tm_mday;
-  return saturated(months - begun_forwards + begun_backwards);
+  return civil::nearest_int(months - begun_forwards + begun_backwards);
 }
 
 date first_day_of_year(const date& day) { return made(fields_of(day), 0, 1, day); }

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "base/civil.hpp"
+#include "base/numbers.hpp"
 #include "base/services.hpp"
 #include "base/utf.hpp"
 #include "exc/detail.hpp"
@@ -173,15 +174,7 @@ lapse& lapse::operator=(const long long& seconds) {
 }
 
 void lapse::set_lapso(double seconds) noexcept {
-  constexpr double limit = 9223372036854775808.0;  // 2^63
-  if (std::isnan(seconds))
-    lapso_ = -1;
-  else if (seconds >= limit)
-    lapso_ = std::numeric_limits<long long>::max();
-  else if (seconds < -limit)
-    lapso_ = std::numeric_limits<long long>::min();
-  else
-    lapso_ = static_cast<long long>(seconds);
+  lapso_ = std::isnan(seconds) ? -1 : texto::truncated(seconds);
 }
 
 std::tm lapse::record() const {

@@ -17,7 +17,7 @@ wchar_t fold(wchar_t c) {
   return accented ? static_cast<wchar_t>(c + 32) : texto::to_lower(c);
 }
 
-bool starts_with(std::wstring_view text, std::wstring_view name) {
+bool begins_with_name(std::wstring_view text, std::wstring_view name) {
   if (name.empty() || text.size() < name.size()) return false;
   for (std::size_t i = 0; i < name.size(); ++i)
     if (fold(text[i]) != fold(name[i])) return false;
@@ -99,7 +99,7 @@ struct reader {
   }
 
   bool prefix(std::wstring_view name) {
-    if (!starts_with({at, static_cast<std::size_t>(end - at)}, name)) return false;
+    if (!begins_with_name({at, static_cast<std::size_t>(end - at)}, name)) return false;
     at += name.size();
     return true;
   }

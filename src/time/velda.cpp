@@ -3,10 +3,8 @@
 #include <ruvo/datetime.hpp>
 #include <ruvo/velda.hpp>
 
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 
 #include "base/civil.hpp"
 
@@ -14,19 +12,13 @@ namespace ruvo::velda {
 
 namespace {
 
-using int_limits = std::numeric_limits<int>;
-
 constexpr long long no_instant = -1;
-
-int saturated(long long value) {
-  return static_cast<int>(std::clamp<long long>(value, int_limits::min(), int_limits::max()));
-}
 
 int day_number(int year, int month, int day) {
   const double x = year + (month - 2.85) / 12;
   const double a = std::floor(std::floor(367 * x) - std::floor(x) * 1.75 + day);
   const double b = std::floor(std::floor(x / 100) * 0.75);
-  return saturated(static_cast<long long>(std::floor(a - b) + 1721115));
+  return civil::nearest_int(static_cast<long long>(std::floor(a - b) + 1721115));
 }
 
 struct fields {
@@ -75,7 +67,7 @@ int* field_of(fields& all, times::UNITS unit) {
 }
 
 date moved(const date& from, int days) {
-  return date(from).set_day_number(saturated(static_cast<long long>(from.get_day_number()) + days));
+  return date(from).set_day_number(civil::nearest_int(static_cast<long long>(from.get_day_number()) + days));
 }
 
 }  // namespace
@@ -84,7 +76,7 @@ date::date(times::HUSO huso) : ruvo::date(huso) { count(); }
 date::date(long yyyymmdd, times::HUSO huso)
     : date(yyyymmdd / 10000, yyyymmdd / 100 % 100, yyyymmdd % 100, huso) {}
 date::date(long year, long month, long day, times::HUSO huso) : ruvo::date(as_it_is(), no_instant, huso) {
-  set(saturated(year), saturated(month), saturated(day));
+  set(civil::nearest_int(year), civil::nearest_int(month), civil::nearest_int(day));
 }
 date::date(const char* text, times::HUSO huso, const std::string& format) : ruvo::date(text, huso, format) {
   count();
@@ -104,7 +96,7 @@ date::date(const std::wstring& text, times::HUSO huso, const std::string& format
 date::date(const date& other, times::HUSO huso) : ruvo::date(other), number_(other.number_) {
   set_huso_horario(huso);
   const std::tm at = other.get_model();
-  if (at.tm_mday != 0) follow(saturated(at.tm_year + 1900LL), at.tm_mon + 1, at.tm_mday);
+  if (at.tm_mday != 0) follow(civil::nearest_int(at.tm_year + 1900LL), at.tm_mon + 1, at.tm_mday);
 }
 date::date(const date& other) = default;
 date::~date() = default;
@@ -116,7 +108,8 @@ date& date::operator=(const ruvo::date& day) {
 }
 date& date::operator=(const datetime& instant) { return *this = ruvo::date(instant); }
 date& date::operator=(long yyyymmdd) {
-  set(saturated(yyyymmdd / 10000), static_cast<int>(yyyymmdd / 100 % 100), static_cast<int>(yyyymmdd % 100));
+  set(civil::nearest_int(yyyymmdd / 10000), static_cast<int>(yyyymmdd / 100 % 100),
+      static_cast<int>(yyyymmdd % 100));
   return *this;
 }
 date& date::operator=(const char* text) { return *this = std::string(text ? text : ""); }
@@ -141,7 +134,7 @@ void date::follow(int year, int month, int day) noexcept {
 /// The number of the day of the instant.
 void date::count() {
   const std::tm at = record();
-  number_ = day_number(saturated(at.tm_year + 1900LL), at.tm_mon + 1, at.tm_mday);
+  number_ = day_number(civil::nearest_int(at.tm_year + 1900LL), at.tm_mon + 1, at.tm_mday);
 }
 
 date& date::set_day_number(int number) {
@@ -183,7 +176,7 @@ bool date::set(int n, times::UNITS unit, exception*) {
 
 bool date::add(int n, times::UNITS unit, exception*) {
   fields at = fields_of(number_);
-  if (int* const field = field_of(at, unit)) *field = saturated(static_cast<long long>(*field) + n);
+  if (int* const field = field_of(at, unit)) *field = civil::nearest_int(static_cast<long long>(*field) + n);
   set(at.year, at.month, at.day);
   return false;
 }
@@ -207,10 +200,10 @@ int date::get_month_days() const {
 }
 
 date date::get_last_day(long year, long month) {
-  const long long months = saturated(month);
+  const long long months = civil::nearest_int(month);
   const long long years = civil::floor_div(months - 1, 12);
   const int in_year = static_cast<int>(months - years * 12);
-  const int full_year = saturated(saturated(year) + years);
+  const int full_year = civil::nearest_int(civil::nearest_int(year) + years);
   return date(static_cast<long>(full_year), static_cast<long>(in_year),
               static_cast<long>(civil::month_days(full_year, in_year)));
 }
@@ -225,7 +218,7 @@ void date::read(std::wstring_view text, std::wstring_view format, const std::str
 namespace dates {
 
 int diff_days(const date& from, const date& to) {
-  return saturated(static_cast<long long>(to.get_day_number()) - from.get_day_number() + 1);
+  return civil::nearest_int(static_cast<long long>(to.get_day_number()) - from.get_day_number() + 1);
 }
 
 date first_day_of_year(const date& day) { return moved(day, -day.get(times::YEAR_DAY)); }

@@ -3,7 +3,6 @@
 #include "time/zone.hpp"
 
 #include <algorithm>
-#include <limits>
 
 #include "base/civil.hpp"
 #include "system/zone_rules.hpp"
@@ -14,9 +13,7 @@ namespace {
 
 int year_of(long long local_seconds) {
   const long long days = civil::floor_div(local_seconds, civil::seconds_per_day);
-  const long long year = civil::date_from_days(days).year;
-  return static_cast<int>(
-      std::clamp<long long>(year, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+  return civil::nearest_int(civil::date_from_days(days).year);
 }
 
 }  // namespace

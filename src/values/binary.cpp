@@ -38,9 +38,9 @@ std::size_t count_units(const bytes& store, Test test) {
   return count;
 }
 
-bool is_surrogate(unsigned char high_byte) { return (high_byte & 0xF8) == 0xD8; }
+bool is_half_of_pair(unsigned char high_byte) { return (high_byte & 0xF8) == 0xD8; }
 
-std::wstring widened(const bytes& store) { return std::wstring(store.begin(), store.end()); }
+std::wstring units_of(const bytes& store) { return std::wstring(store.begin(), store.end()); }
 
 // Both read into `out`, which has room for 3/4 of the text's size, and give the end of what they wrote, or
 // null for a malformed text.
@@ -69,8 +69,8 @@ unsigned char* read_base64(unsigned char* out, const Text& text) {
 
 /// Replaces `store` by what `read` makes of `text`.
 template <class Text>
-void decode(bytes& store, const Text& text, unsigned char* (*read)(unsigned char*, const Text&),
-            exception* error) {
+void replace_by(bytes& store, const Text& text, unsigned char* (*read)(unsigned char*, const Text&),
+                exception* error) {
   bytes made(text.size() / 4 * 3 + 3);
   const unsigned char* const end = read(made.data(), text);
   if (!end) {
@@ -137,8 +137,8 @@ int binary::compare(const binary& other) const noexcept {
 std::wstring binary::to_string() const {
   if (empty() || (size() == 1 && store_[0] == 0)) return {};
   const bool text = std::all_of(store_.begin(), store_.end(), is_text_like) ||
-                    (size() % 2 == 0 && count_units(store_, is_surrogate) == 0);
-  return text ? widened(store_) : getAsB64();
+                    (size() % 2 == 0 && count_units(store_, is_half_of_pair) == 0);
+  return text ? units_of(store_) : getAsB64();
 }
 
 std::wstring binary::utf16le_to_string() const {
@@ -170,22 +170,22 @@ std::wstring binary::getAsB64(bool url) const {
 }
 
 binary& binary::setAsHex(const std::wstring& text, exception* error) {
-  decode(store_, text, read_hex<std::wstring>, error);
+  replace_by(store_, text, read_hex<std::wstring>, error);
   return *this;
 }
 
 binary& binary::setAsHex(const std::string& text, exception* error) {
-  decode(store_, text, read_hex<std::string>, error);
+  replace_by(store_, text, read_hex<std::string>, error);
   return *this;
 }
 
 binary& binary::setAsB64(const std::wstring& text, exception* error) {
-  decode(store_, text, read_base64<std::wstring>, error);
+  replace_by(store_, text, read_base64<std::wstring>, error);
   return *this;
 }
 
 binary& binary::setAsB64(const std::string& text, exception* error) {
-  decode(store_, text, read_base64<std::string>, error);
+  replace_by(store_, text, read_base64<std::string>, error);
   return *this;
 }
 

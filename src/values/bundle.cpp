@@ -12,6 +12,7 @@
 #include <stdexcept>
 #include <typeinfo>
 
+#include "base/ascii.hpp"
 #include "base/utf.hpp"
 #include "exc/detail.hpp"
 #include "values/bundle_store.hpp"
@@ -30,13 +31,8 @@ using detail::kind;
 
 namespace {
 
-std::wstring widened(const std::string& key) { return texto::to_utf_16(std::string_view(key)); }
-
-std::wstring_view view_or_empty(const wchar_t* text) {
-  return text ? std::wstring_view(text) : std::wstring_view();
-}
-
-wchar_t unit_of(char separator) { return static_cast<wchar_t>(static_cast<unsigned char>(separator)); }
+using texto::to_utf_16;
+using texto::unit_of;
 
 bundle::entry* find_in(const bundle_store* store, std::wstring_view folded) {
   return store ? store->find(key_view(folded)) : nullptr;
@@ -109,10 +105,10 @@ bundle::operator xvar() && {
 // --- direct access
 
 xvar& bundle::operator[](const std::wstring& key) { return put_in(*this, folded_key(key).view()); }
-xvar& bundle::operator[](const std::string& key) { return (*this)[widened(key)]; }
-xvar& bundle::operator[](const wchar_t* key) { return put_in(*this, folded_key(view_or_empty(key)).view()); }
+xvar& bundle::operator[](const std::string& key) { return (*this)[to_utf_16(key)]; }
+xvar& bundle::operator[](const wchar_t* key) { return put_in(*this, folded_key(texto::view_of(key)).view()); }
 xvar& bundle::operator[](const char* key) { return (*this)[std::string(key ? key : "")]; }
-const xvar& bundle::operator[](const wchar_t* key) const { return at(std::wstring(view_or_empty(key))); }
+const xvar& bundle::operator[](const wchar_t* key) const { return at(std::wstring(texto::view_of(key))); }
 const xvar& bundle::operator[](const char* key) const { return at(std::string(key ? key : "")); }
 
 const xvar& bundle::at(const std::wstring& key) const {
@@ -120,7 +116,7 @@ const xvar& bundle::at(const std::wstring& key) const {
   if (!found) throw detail::missing_key(key);
   return found->second;
 }
-const xvar& bundle::at(const std::string& key) const { return at(widened(key)); }
+const xvar& bundle::at(const std::string& key) const { return at(to_utf_16(key)); }
 
 bundle::iterator bundle::nth(unsigned long long n) noexcept {
   return n < size() ? iterator(store_, store_->nth(static_cast<std::size_t>(n)), 0) : end();
@@ -129,20 +125,20 @@ bundle::iterator bundle::nth(unsigned long long n) noexcept {
 bundle::iterator bundle::find(const std::wstring& key) {
   return {store_, find_in(store_, folded_key(key).view()), 0};
 }
-bundle::iterator bundle::find(const std::string& key) { return find(widened(key)); }
+bundle::iterator bundle::find(const std::string& key) { return find(to_utf_16(key)); }
 bundle::const_iterator bundle::find(const std::wstring& key) const {
   return const_cast<bundle*>(this)->find(key);
 }
-bundle::const_iterator bundle::find(const std::string& key) const { return find(widened(key)); }
+bundle::const_iterator bundle::find(const std::string& key) const { return find(to_utf_16(key)); }
 bundle::size_type bundle::count(const std::wstring& key) const { return find(key) == end() ? 0 : 1; }
-bundle::size_type bundle::count(const std::string& key) const { return count(widened(key)); }
+bundle::size_type bundle::count(const std::string& key) const { return count(to_utf_16(key)); }
 
 bundle::size_type bundle::erase(const std::wstring& key) {
   entry* const found = find_in(store_, folded_key(key).view());
   if (found) store_->erase(found);
   return found ? 1 : 0;
 }
-bundle::size_type bundle::erase(const std::string& key) { return erase(widened(key)); }
+bundle::size_type bundle::erase(const std::string& key) { return erase(to_utf_16(key)); }
 
 bundle::iterator bundle::erase(const_iterator where) {
   iterator next(store_, where.at_, where.rank_);
@@ -368,104 +364,106 @@ const list& bundle::get_nc_list(const std::wstring& path, const list& fallback, 
 // --- narrow paths
 
 const xvar* bundle::get_ptr(const std::string& path, char separator) const {
-  return get_ptr(widened(path), separator);
+  return get_ptr(to_utf_16(path), separator);
 }
 const xvar& bundle::get(const std::string& path, char separator) const {
-  return get(widened(path), separator);
+  return get(to_utf_16(path), separator);
 }
-bool bundle::has(const std::string& path, char separator) const { return has(widened(path), separator); }
-xvar& bundle::hack(const std::string& path, char separator) { return hack(widened(path), separator); }
-xvar* bundle::hack_ptr(const std::string& path, char separator) { return hack_ptr(widened(path), separator); }
+bool bundle::has(const std::string& path, char separator) const { return has(to_utf_16(path), separator); }
+xvar& bundle::hack(const std::string& path, char separator) { return hack(to_utf_16(path), separator); }
+xvar* bundle::hack_ptr(const std::string& path, char separator) {
+  return hack_ptr(to_utf_16(path), separator);
+}
 xvar& bundle::putOn(const std::string& path, const xvar& value, char separator) {
-  return putOn(widened(path), value, separator);
+  return putOn(to_utf_16(path), value, separator);
 }
 bundle& bundle::hack_bundle_on(const std::string& path, char separator) {
-  return hack_bundle_on(widened(path), separator);
+  return hack_bundle_on(to_utf_16(path), separator);
 }
 list& bundle::hack_list_on(const std::string& path, char separator) {
-  return hack_list_on(widened(path), separator);
+  return hack_list_on(to_utf_16(path), separator);
 }
 memo& bundle::hack_memo_on(const std::string& path, char separator) {
-  return hack_memo_on(widened(path), separator);
+  return hack_memo_on(to_utf_16(path), separator);
 }
 std::wstring& bundle::hack_string_on(const std::string& path, char separator) {
-  return hack_string_on(widened(path), separator);
+  return hack_string_on(to_utf_16(path), separator);
 }
 binary& bundle::hack_binary_on(const std::string& path, char separator) {
-  return hack_binary_on(widened(path), separator);
+  return hack_binary_on(to_utf_16(path), separator);
 }
 binary& bundle::hack_nc_binary_on(const std::string& path, const binary& initial, char separator) {
-  return hack_nc_binary_on(widened(path), initial, separator);
+  return hack_nc_binary_on(to_utf_16(path), initial, separator);
 }
 long bundle::get_long(const std::string& path, char separator, long fallback) const {
-  return get_long(widened(path), separator, fallback);
+  return get_long(to_utf_16(path), separator, fallback);
 }
 unsigned long bundle::get_ulong(const std::string& path, char separator, unsigned long fallback) const {
-  return get_ulong(widened(path), separator, fallback);
+  return get_ulong(to_utf_16(path), separator, fallback);
 }
 short bundle::get_short(const std::string& path, char separator, short fallback) const {
-  return get_short(widened(path), separator, fallback);
+  return get_short(to_utf_16(path), separator, fallback);
 }
 long long bundle::get_xlong(const std::string& path, char separator, long long fallback) const {
-  return get_xlong(widened(path), separator, fallback);
+  return get_xlong(to_utf_16(path), separator, fallback);
 }
 long long bundle::get_uxlong(const std::string& path, char separator, long long fallback) const {
-  return get_uxlong(widened(path), separator, fallback);
+  return get_uxlong(to_utf_16(path), separator, fallback);
 }
 double bundle::get_double(const std::string& path, char separator, double fallback) const {
-  return get_double(widened(path), separator, fallback);
+  return get_double(to_utf_16(path), separator, fallback);
 }
 float bundle::get_float(const std::string& path, char separator, float fallback) const {
-  return get_float(widened(path), separator, fallback);
+  return get_float(to_utf_16(path), separator, fallback);
 }
 long bundle::get_nc_long(const std::string& path, long fallback, char separator) const {
-  return get_nc_long(widened(path), fallback, separator);
+  return get_nc_long(to_utf_16(path), fallback, separator);
 }
 unsigned long bundle::get_nc_ulong(const std::string& path, unsigned long fallback, char separator) const {
-  return get_nc_ulong(widened(path), fallback, separator);
+  return get_nc_ulong(to_utf_16(path), fallback, separator);
 }
 short bundle::get_nc_short(const std::string& path, short fallback, char separator) const {
-  return get_nc_short(widened(path), fallback, separator);
+  return get_nc_short(to_utf_16(path), fallback, separator);
 }
 long long bundle::get_nc_xlong(const std::string& path, long long fallback, char separator) const {
-  return get_nc_xlong(widened(path), fallback, separator);
+  return get_nc_xlong(to_utf_16(path), fallback, separator);
 }
 long long bundle::get_nc_uxlong(const std::string& path, long long fallback, char separator) const {
-  return get_nc_uxlong(widened(path), fallback, separator);
+  return get_nc_uxlong(to_utf_16(path), fallback, separator);
 }
 double bundle::get_nc_double(const std::string& path, double fallback, char separator) const {
-  return get_nc_double(widened(path), fallback, separator);
+  return get_nc_double(to_utf_16(path), fallback, separator);
 }
 float bundle::get_nc_float(const std::string& path, float fallback, char separator) const {
-  return get_nc_float(widened(path), fallback, separator);
+  return get_nc_float(to_utf_16(path), fallback, separator);
 }
 bool bundle::get_boolean(const std::string& path, bool fallback, char separator) const {
-  return get_boolean(widened(path), fallback, separator);
+  return get_boolean(to_utf_16(path), fallback, separator);
 }
 std::wstring bundle::get_string(const std::string& path, char separator, const std::wstring& fallback) const {
-  return get_string(widened(path), separator, fallback);
+  return get_string(to_utf_16(path), separator, fallback);
 }
 std::wstring bundle::get_nc_string(const std::string& path, const std::wstring& fallback,
                                    char separator) const {
-  return get_nc_string(widened(path), fallback, separator);
+  return get_nc_string(to_utf_16(path), fallback, separator);
 }
 const binary& bundle::get_binary(const std::string& path, const binary& fallback, char separator) const {
-  return get_binary(widened(path), fallback, separator);
+  return get_binary(to_utf_16(path), fallback, separator);
 }
 const memo& bundle::get_memo(const std::string& path, const memo& fallback, char separator) const {
-  return get_memo(widened(path), fallback, separator);
+  return get_memo(to_utf_16(path), fallback, separator);
 }
 const bundle& bundle::get_bundle(const std::string& path, char separator) const {
-  return get_bundle(widened(path), separator);
+  return get_bundle(to_utf_16(path), separator);
 }
 const list& bundle::get_list(const std::string& path, char separator) const {
-  return get_list(widened(path), separator);
+  return get_list(to_utf_16(path), separator);
 }
 const bundle& bundle::get_nc_bundle(const std::string& path, const bundle& fallback, char separator) const {
-  return get_nc_bundle(widened(path), fallback, separator);
+  return get_nc_bundle(to_utf_16(path), fallback, separator);
 }
 const list& bundle::get_nc_list(const std::string& path, const list& fallback, char separator) const {
-  return get_nc_list(widened(path), fallback, separator);
+  return get_nc_list(to_utf_16(path), fallback, separator);
 }
 
 const xvar& xvar_dummies::of(const std::type_info& type) {

@@ -32,7 +32,7 @@ using detail::kind;
 
 namespace {
 
-constexpr double two_to_63 = 9223372036854775808.0, two_to_64 = 2 * two_to_63;
+constexpr double two_to_64 = 2 * texto::two_to_63;
 
 /// A date made from its instant, which asks no context.
 class kept_date : public date {
@@ -79,14 +79,6 @@ truth read_truth(std::wstring_view text) {
   return truth::unknown;
 }
 
-/// Truncates towards zero and saturates at 64 bits; NaN gives 0.
-long long truncated(double value) noexcept {
-  if (std::isnan(value)) return 0;
-  if (value >= two_to_63) return std::numeric_limits<long long>::max();
-  if (value < -two_to_63) return std::numeric_limits<long long>::min();
-  return static_cast<long long>(value);
-}
-
 long long text_to_integer(std::wstring_view text) {
   text = texto::trimmed(text);
   return texto::is_plain_number(text) ? texto::read_integer(text) : 0;
@@ -108,7 +100,7 @@ long long to_integer(const var& v) {
     case family::integer:
       return cell::integer(v);
     case family::real:
-      return truncated(cell::real(v));
+      return texto::truncated(cell::real(v));
     case family::date:
       return static_cast<long>(lapse_of<date>(v));
     case family::time:
@@ -224,7 +216,7 @@ var::operator unsigned long() const { return static_cast<unsigned long>(to_integ
 var::operator long long() const { return to_integer(*this); }
 
 var::operator unsigned long long() const {
-  if (is_decimal() && cell::real(*this) >= two_to_63) {
+  if (is_decimal() && cell::real(*this) >= texto::two_to_63) {
     const double value = cell::real(*this);
     return value < two_to_64 ? static_cast<unsigned long long>(value)
                              : std::numeric_limits<unsigned long long>::max();

@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "base/ascii.hpp"
+#include "base/numbers.hpp"
 #include "base/utf.hpp"
 #include "values/bundle_store.hpp"
 #include "values/cell.hpp"
@@ -32,7 +34,7 @@ std::wstring quoted(std::wstring_view part) {
   std::wstring out = L"«";
   out += part.substr(0, most);
   if (part.size() > most) {
-    if ((static_cast<char16_t>(out.back()) & 0xFC00) == 0xD800) out.pop_back();
+    if (texto::is_high_surrogate(out.back())) out.pop_back();
     out += L"…";
   }
   return out + L"»";
@@ -141,10 +143,9 @@ class misfits {
 
 /// Of a value that reads as an integer.
 void add_integers(misfits& out, const bundle& in, const std::wstring& path, char separator) {
-  constexpr double limit = 9223372036854775808.0;
   const long long whole = in.get_xlong(path, separator);
   const double real = in.get_double(path, separator);
-  if (std::abs(real) >= limit && real != static_cast<double>(whole))
+  if (std::abs(real) >= texto::two_to_63 && real != static_cast<double>(whole))
     out.add(L"long long", std::to_wstring(whole));
   const long narrow = in.get_long(path, separator);
   if (narrow != whole) out.add(L"long", std::to_wstring(narrow));
@@ -183,7 +184,7 @@ bool is_empty(const xvar& value) {
 }
 
 std::wstring explained(const bundle& in, const std::wstring& path, char separator) {
-  const walk walked(in, path, static_cast<wchar_t>(static_cast<unsigned char>(separator)));
+  const walk walked(in, path, texto::unit_of(separator));
   const xvar* const value = walked.found();
   if (!value) return walked.failure();
   std::wstring out = walked.where() + L" es " + noun_of(*value) + L".";

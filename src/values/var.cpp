@@ -84,10 +84,6 @@ std::wstring& cell::on_string(var& v) {
 
 namespace {
 
-std::wstring_view view_or_empty(const wchar_t* text) {
-  return text ? std::wstring_view(text) : std::wstring_view();
-}
-
 template <class T>
 void set_lapse(var& v, kind k, const T& value) {
   cell::set_lapse(v, k, value.get_lapso(), static_cast<int>(value.get_huso_horario()));
@@ -101,7 +97,7 @@ var::var(const date& value) { set_lapse(*this, kind::date, value); }
 var::var(const time& value) { set_lapse(*this, kind::time, value); }
 var::var(const datetime& value) { set_lapse(*this, kind::datetime, value); }
 var::var(const std::wstring& value) { cell::set_text(*this, value); }
-var::var(const wchar_t* value) { cell::set_text(*this, view_or_empty(value)); }
+var::var(const wchar_t* value) { cell::set_text(*this, texto::view_of(value)); }
 var::var(const std::string& value) { cell::set_text(*this, texto::to_utf_16(std::string_view(value))); }
 var::var(const char* value) { cell::set_text(*this, texto::to_utf_16(value ? std::string_view(value) : "")); }
 var::var(const char8_t* value) : var(reinterpret_cast<const char*>(value)) {}

@@ -15,7 +15,7 @@ namespace ruvo {
 
 namespace {
 
-std::wstring widened(const std::string& key) { return texto::to_utf_16(std::string_view(key)); }
+using texto::to_utf_16;
 
 /// Assigns the qualities to `own`, as whose they end unless their keys are there already.
 void merge(xvar::qualities_map& own, xvar::qualities_map& qualities) noexcept {
@@ -78,34 +78,34 @@ void xvar::swap(xvar& other) noexcept {
 }
 
 var& xvar::operator[](const std::wstring& key) { return hack_qualities()[key]; }
-var& xvar::operator[](const std::string& key) { return hack_qualities()[widened(key)]; }
+var& xvar::operator[](const std::string& key) { return hack_qualities()[to_utf_16(key)]; }
 var& xvar::operator[](const wchar_t* key) { return hack_qualities()[key]; }
-var& xvar::operator[](const char* key) { return hack_qualities()[widened(key)]; }
+var& xvar::operator[](const char* key) { return hack_qualities()[to_utf_16(key)]; }
 
 const var& xvar::at(const std::wstring& key) const {
   const auto found = find(key);
   if (found == end()) throw detail::missing_key(key);
   return found->second;
 }
-const var& xvar::at(const std::string& key) const { return at(widened(key)); }
+const var& xvar::at(const std::string& key) const { return at(to_utf_16(key)); }
 
 const var& xvar::get_quality(const std::wstring& key) const {
   const auto found = find(key);
   if (found == end()) throw detail::about(exc::OutOfRange(), [&key] { return key; });
   return found->second;
 }
-const var& xvar::get_quality(const std::string& key) const { return get_quality(widened(key)); }
+const var& xvar::get_quality(const std::string& key) const { return get_quality(to_utf_16(key)); }
 
 bool xvar::has_quality(const std::wstring& key) const { return count(key) != 0; }
-bool xvar::has_quality(const std::string& key) const { return has_quality(widened(key)); }
+bool xvar::has_quality(const std::string& key) const { return has_quality(to_utf_16(key)); }
 xvar::size_type xvar::count(const std::wstring& key) const { return get_qualities().count(key); }
-xvar::size_type xvar::count(const std::string& key) const { return count(widened(key)); }
+xvar::size_type xvar::count(const std::string& key) const { return count(to_utf_16(key)); }
 xvar::iterator xvar::find(const std::wstring& key) { return qualities_ ? qualities_->find(key) : end(); }
-xvar::iterator xvar::find(const std::string& key) { return find(widened(key)); }
+xvar::iterator xvar::find(const std::string& key) { return find(to_utf_16(key)); }
 xvar::const_iterator xvar::find(const std::wstring& key) const { return get_qualities().find(key); }
-xvar::const_iterator xvar::find(const std::string& key) const { return find(widened(key)); }
+xvar::const_iterator xvar::find(const std::string& key) const { return find(to_utf_16(key)); }
 xvar::size_type xvar::erase(const std::wstring& key) { return qualities_ ? qualities_->erase(key) : 0; }
-xvar::size_type xvar::erase(const std::string& key) { return erase(widened(key)); }
+xvar::size_type xvar::erase(const std::string& key) { return erase(to_utf_16(key)); }
 void xvar::quality_remove(const std::wstring& key) { erase(key); }
 void xvar::quality_remove(const std::string& key) { erase(key); }
 

@@ -66,7 +66,9 @@ namespace files {
 
 class held_tree;
 
-// Operations. Filters, callbacks and lists given as pointers may be null.
+// --- operations
+
+// Filters, callbacks and lists given as pointers may be null.
 
 /// Lists the entries of a folder, but not those of the folders in it, in the order of the system: the
 /// `directory_list` service of the thread's context. Each is appended to `out`.

@@ -17,7 +17,7 @@
 /// others throw; a success leaves it as it was.
 namespace ruvo::files {
 
-// Reading
+// --- reading
 
 /// Reads a text: UTF-8, or UTF-16 little-endian behind the bytes FF FE. Either's byte order mark is no part
 /// of the text. Malformed UTF-8 becomes U+FFFD; of UTF-16 all units are kept, but no odd last byte. What
@@ -30,7 +30,7 @@ KESTA_API bool read(binary& out, const file& path, exception& err);
 /// The bytes as they are. Throws the failures of whole files.
 KESTA_API binary read(const file& path);
 
-// Writing
+// --- writing
 
 /// Writes a text as UTF-8 without a byte order mark (lone surrogates become U+FFFD), and bytes as they are.
 ///
@@ -75,7 +75,9 @@ KESTA_API file copy_file(const file& from, file to);
 /// Whether somebody, this process counted, has the file open; false for folders and missing files.
 KESTA_API bool is_locked(file path);
 
-// Names. Nothing is created, so another program may take them before they are used.
+// --- names
+
+// Nothing is created, so another program may take them before they are used.
 
 /// The file whose path is that of `path` with the text behind it.
 KESTA_API file append(const file& path, const std::wstring& text);

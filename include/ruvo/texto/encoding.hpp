@@ -19,7 +19,7 @@
 /// is a blank, a digit or a letter, unless a function says so. All functions are reentrant.
 namespace ruvo::texto {
 
-// UTF-8 and UTF-16
+// --- UTF-8 and UTF-16
 
 /// From UTF-8 to UTF-16. Never fails: each maximal malformed part becomes U+FFFD.
 KESTA_API std::wstring to_utf_16(const std::string& text);
@@ -28,7 +28,7 @@ KESTA_API std::string to_utf_8(const std::wstring& text);
 /// Removes the bytes EF BB BF at the start of `text`, if they are there.
 KESTA_API void remove_win_bom(std::string& text);
 
-// UTF-8 and the system's ANSI code page. For UTF-8 and UTF-16 there are to_utf_8 and to_utf_16.
+// --- UTF-8 and the system's ANSI code page; for UTF-8 and UTF-16 there are to_utf_8 and to_utf_16
 
 /// From the ANSI code page to UTF-8. A text of more than 2^31 - 1 bytes gives an empty one.
 /// @quirk The locale is not consulted; the page is that of the system.
@@ -40,7 +40,7 @@ KESTA_API std::string from_utf8(const std::string& text, const std::locale& loca
 /// The text that a wide string stream holds; empty for a stream over anything but a std::wstringbuf.
 KESTA_API std::wstring stream_to_string(const std::wostream& stream);
 
-// Base64, RFC 4648, with the standard or the URL-safe alphabet
+// --- Base64, RFC 4648, with the standard or the URL-safe alphabet
 
 /// Replaces `out` by the encoding of `in`, padded with '=' in both alphabets. `out` may be `in`.
 /// @quirk The wide form encodes the low 8 bits of every unit only: it serves bytes held in wide text.
@@ -65,7 +65,7 @@ void set_binary_data(std::string& out, const std::vector<unsigned char>& bytes, 
 /// Replaces `bytes` by those that `text` holds, as base64_decode reads it.
 KESTA_API void get_binary_data(std::string text, std::vector<unsigned char>& bytes);
 
-// Hexadecimal
+// --- hexadecimal
 
 /// The code of a character, in two lower-case digits.
 /// @quirk Only the low 8 bits of a wide character are written: these forms serve bytes held in wide text.
@@ -93,7 +93,7 @@ KESTA_API int hex_char_to_int(wchar_t digit);
 /// but digits. The time grows with the square of the length.
 KESTA_API std::string hex_to_dec(const std::string& hex);
 
-// The web and mail
+// --- the web and mail
 
 /// Percent-encoding of the text's UTF-8, RFC 3986: letters, digits and `-._~` stay, every other byte becomes
 /// `%` and two upper-case digits. For a part of an address, not for a whole one: its "/" and "?" do not stay.

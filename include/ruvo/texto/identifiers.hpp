@@ -8,7 +8,7 @@
 
 namespace ruvo::texto {
 
-// Cleaning
+// --- cleaning
 
 /// The letters (A-Z, a-z) and digits of an identity number, in their case.
 [[nodiscard]] KESTA_API std::wstring limpia_nif_(const std::wstring& text);
@@ -21,7 +21,9 @@ namespace ruvo::texto {
 /// length.
 KESTA_API std::wstring ocultar_numeros_cuenta(const std::wstring& text, int n, wchar_t c);
 
-// Checks. Letters may be small; blanks and separators make a number invalid (limpia_nif_() removes them), and
+// --- checks
+
+// Letters may be small; blanks and separators make a number invalid (limpia_nif_() removes them), and
 // so does every character above 127. None throws.
 
 /// Whether it is a DNI: eight digits and their control letter.

@@ -9,7 +9,7 @@
 
 namespace ruvo::texto {
 
-// SQL
+// --- SQL
 
 /// Doubles each ', as a text literal needs it.
 KESTA_API std::wstring& escaped_to_sql(std::wstring& text);
@@ -18,7 +18,7 @@ KESTA_API std::wstring& escaped_to_sql(std::wstring& text);
 KESTA_API std::wstring& escaped_from_sql(std::wstring& text);
 [[nodiscard]] KESTA_API std::wstring escaped_from_sql_(const std::wstring& text);
 
-// HTML
+// --- HTML
 
 /// Writes á é í ó ú, ñ, ü and ç of both cases as their entities (`&aacute;` ...).
 /// @quirk Nothing else is escaped, and `&`, `<` and `>` least of all, so that a text with tags can be passed.
@@ -45,7 +45,7 @@ KESTA_API unsigned long long remove_html_and_body_tags(std::wstring& text);
 [[nodiscard]] KESTA_API std::wstring remove_html_and_body_tags_(const std::wstring& text,
                                                                 unsigned long long* body = nullptr);
 
-// JSON
+// --- JSON
 
 /// TAB, CR and LF to `\t`, `\r` and `\n`.
 /// @quirk Quotes and backslashes stay as they are.
@@ -60,7 +60,7 @@ KESTA_API void escaped_to_json(bundle& values, bool nested);
 /// a line each.
 KESTA_API std::wstring print_json(std::wstring text);
 
-// Stored memos: bytes that went into a memo as Base64, in either alphabet, with or without padding and blanks
+// --- stored memos: bytes in a memo as Base64, in either alphabet, with or without padding and blanks
 
 /// Replaces `out` by the bytes of the memo; none if it is not Base64.
 KESTA_API void decodifica_memo(binary& out, std::wstring memo);

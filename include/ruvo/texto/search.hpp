@@ -10,7 +10,7 @@
 
 namespace ruvo::texto {
 
-// Comparison
+// --- comparison
 
 /// Whether `text` begins with `part`; true for an empty part. Case matters.
 KESTA_API bool starts_with(const std::wstring& text, const std::wstring& part);
@@ -34,7 +34,9 @@ KESTA_API bool contains(const std::wstring& text, const std::wstring& part);
 /// ends.
 KESTA_API bool match(const std::wstring& text, std::wstring pattern);
 
-// Masks: '*' stands for any run of characters, the empty one too, and '?' for any one character.
+// --- masks
+
+// '*' stands for any run of characters, the empty one too, and '?' for any one character.
 
 /// How a mask without `*` and `?` is compared. Values that are not listed mean `busqueda_contiene`.
 enum modo_busqueda : int {
@@ -65,7 +67,7 @@ KESTA_API std::wstring mask_to_sql(const std::wstring& mask);
 /// @quirk The marks need not be alike: "it's" in double quotation marks gives `it`.
 [[nodiscard]] KESTA_API std::wstring content(std::wstring text, bool* found = nullptr);
 
-// Replacing
+// --- replacing
 
 /// Replaces every match of the pattern, which match() describes. In `with`, `$&` is the match, `$1` to `$99`
 /// its groups, `` $` `` what stands between the previous match and this one, `$'` what stands behind it, and
@@ -86,7 +88,7 @@ KESTA_API std::wstring& std_replace(std::wstring& text, std::wstring from, std::
 /// @quirk A backslash is not escaped, so a text that holds one does not become a pattern that matches it.
 KESTA_API std::wstring escape_regex_pattern(const std::wstring& text);
 
-// Splitting
+// --- splitting
 
 /// The pieces between the separators, empty ones too. An empty text gives one empty piece, an empty separator
 /// the whole text.

@@ -8,7 +8,7 @@
 
 namespace ruvo::texto {
 
-// Trimming and blanks
+// --- trimming and blanks
 
 /// Removes the blanks at the start: blank, TAB, LF, VT, FF and CR.
 KESTA_API std::wstring& ltrim(std::wstring& text);
@@ -27,7 +27,7 @@ KESTA_API std::wstring& trim(std::wstring& text);
 KESTA_API std::wstring safe_non_empty(const std::wstring& a, const std::wstring& b);
 KESTA_API std::wstring safe_non_empty(const std::string& a, const std::string& b);
 
-// Case
+// --- case
 
 /// Small letters for A-Z and for the accented capitals U+00C0 to U+00DD (without U+00D7); all else stays.
 KESTA_API wchar_t to_lowercase(wchar_t c);
@@ -38,7 +38,9 @@ KESTA_API wchar_t to_uppercase(wchar_t c);
 KESTA_API std::wstring& to_uppercase(std::wstring& text);
 [[nodiscard]] KESTA_API std::wstring to_uppercase_(const std::wstring& text);
 
-// Word forms. Words are separated by blanks of any kind, no-break spaces and others beyond ASCII too, unlike
+// --- word forms
+
+// Words are separated by blanks of any kind, no-break spaces and others beyond ASCII too, unlike
 // the ends that trim() cuts.
 
 /// "hola mundo" gives "HolaMundo": letters lose their accents, all but letters and digits is dropped and
@@ -58,7 +60,7 @@ KESTA_API std::wstring& to_snake_case(std::wstring& text);
 KESTA_API std::wstring& to_capitalize_case(std::wstring& text);
 [[nodiscard]] KESTA_API std::wstring to_capitalize_case_(const std::wstring& text);
 
-// Names
+// --- names
 
 /// A person's name: words with one blank between them, each part of a word (at a hyphen, an apostrophe, a
 /// point ...) with a capital first and small letters after it, accented letters too: "MARÍA DE LA O
@@ -89,7 +91,7 @@ KESTA_API std::wstring corregir_nombre_municipio(const std::wstring& name);
 /// ones are dropped and one blank joins them. Without a comma the trimmed text.
 [[nodiscard]] KESTA_API std::wstring order_name_(const std::wstring& name);
 
-// Cleaning
+// --- cleaning
 
 /// The plain letter of an accented one (U+00C0 to U+00FD without × ÷ Ø ø Þ þ ß; Æ gives A); a plain letter or
 /// a digit itself; for any other character `r`, or the character when `r` is 0.

@@ -14,12 +14,8 @@ constexpr std::wstring_view verbatim = L"\\\\?\\";
 constexpr std::wstring_view device = L"\\\\.\\";
 constexpr std::wstring_view share = L"\\\\";
 
-bool has_drive(std::wstring_view path) {
-  return path.size() >= 2 && texto::is_alpha(path[0]) && path[1] == L':';
-}
-
 bool is_full(std::wstring_view path) {
-  return path.starts_with(share) || (has_drive(path) && path.size() > 2 && path[2] == L'\\');
+  return path.starts_with(share) || (texto::has_drive(path) && path.size() > 2 && path[2] == L'\\');
 }
 
 /// The system's full name of a short relative path.
@@ -36,7 +32,7 @@ std::wstring full_path(const wchar_t* path) {
 /// The folder that a relative path starts from.
 std::wstring base_of(std::wstring_view path) {
   if (path.starts_with(L'\\')) return full_path(L"\\");
-  if (!has_drive(path)) return full_path(L".");
+  if (!texto::has_drive(path)) return full_path(L".");
   const wchar_t current[] = {path[0], L':', L'.', L'\0'};
   return full_path(current);
 }
@@ -83,7 +79,7 @@ std::wstring with_prefix(std::wstring_view path) {
 std::wstring system_path(std::wstring_view path) {
   if (path.empty() || path.find(L'\0') != path.npos) return {};
   if (path.starts_with(verbatim) || path.starts_with(device)) return std::wstring(path);
-  const std::wstring_view tail = path.substr(has_drive(path) ? 2 : 0);
+  const std::wstring_view tail = path.substr(texto::has_drive(path) ? 2 : 0);
   if (tail.find(L':') != tail.npos) return {};
   if (is_full(path)) return with_prefix(path);
   std::wstring base = base_of(path);
