@@ -102,12 +102,13 @@ struct logger::state {
     IOnLog* const to = callback.load(std::memory_order_acquire);
     const bool kept = to_file.load(std::memory_order_relaxed);
     bool taken = false;
-    if (to || kept)
+    if (to || kept) {
       quietly([&] {
         const std::wstring& text = text_of(second);
         if (to) taken = call(*to, entry_level, first, text);
         if (kept && write(entry_level, first, text)) taken = true;
       });
+    }
     if (!taken) reg::lose_entry();
   }
 

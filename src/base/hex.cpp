@@ -117,9 +117,10 @@ template <class Char>
 bool decode_all(Char* out, const Char* digits, std::size_t count) noexcept {
   std::size_t done = 0;
 #ifdef KESTA_X64
-  if constexpr (sizeof(Char) <= 2)
+  if constexpr (sizeof(Char) <= 2) {
     for (; count - done >= block; done += block)
       if (!decode_block(out + done, digits + 2 * done)) return false;
+  }
 #endif
   return decode_hex(out + done, digits + 2 * done, count - done);
 }

@@ -153,9 +153,10 @@ std::wstring from_utf_16(piecewise& in, std::size_t most) {
   out.reserve(most / 2);
   for (;;) {
     const std::string_view piece = in.piece();
-    for (std::size_t i = 0; i + 1 < piece.size(); i += 2)
+    for (std::size_t i = 0; i + 1 < piece.size(); i += 2) {
       out += static_cast<wchar_t>(static_cast<unsigned char>(piece[i]) |
                                   static_cast<unsigned char>(piece[i + 1]) << 8);
+    }
     if (in.is_last()) return out;
     in.next();
   }

@@ -162,9 +162,10 @@ email::operator bundle() const {
   values[L"sender"] = bundle(sender_);
   for (const auto& row : roles)
     if (row.role >= TO) values.hack_list_on(row.list);
-  for (const auto& [recipient, role] : recipients_)
+  for (const auto& [recipient, role] : recipients_) {
     for (const auto& row : roles)
       if (row.role == role) values.hack_list_on(row.list).push_back(bundle(recipient));
+  }
   values[L"subject"] = subject_;
   values[L"body"] = body_;
   values[L"signature"] = signature_;

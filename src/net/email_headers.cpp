@@ -139,9 +139,10 @@ struct email::headers_read {
 };
 
 void email::serialize_recipients(std::wstring& to, std::wstring& cc, std::wstring& cco) const {
-  for (const auto& [recipient, role] : recipients_)
+  for (const auto& [recipient, role] : recipients_) {
     if (std::wstring* const out = role == TO_ ? &to : role == CC_ ? &cc : role == CCO_ ? &cco : nullptr)
       if (recipient.check()) append(*out, recipient.to_string());
+  }
 }
 
 void email::serialize_recipients(std::wstring& to, std::wstring& cc) const {
@@ -155,9 +156,10 @@ void email::serialize_recipients(std::wstring& to) const {
 }
 
 void email::q_serialize_recipients(std::string& to, std::string& cc, std::string& cco) const {
-  for (const auto& [recipient, role] : recipients_)
+  for (const auto& [recipient, role] : recipients_) {
     if (std::string* const out = role == TO_ ? &to : role == CC_ ? &cc : role == CCO_ ? &cco : nullptr)
       if (recipient.check()) append(*out, recipient.q_encoded());
+  }
 }
 
 void email::q_serialize_recipients(std::string& to, std::string& cc) const {
@@ -217,12 +219,13 @@ bool email::take_field(std::wstring_view name, const std::wstring& value, header
     std::wstring_view name;
     RCTP role;
   } lists[] = {{L"To", TO_}, {L"Cc", CC_}, {L"Cco", CCO_}, {L"Bcc", CCO_}};
-  for (const auto& row : lists)
+  for (const auto& row : lists) {
     if (same_name(name, row.name)) {
       if (!std::exchange(read.list[row.role], true)) drop(row.role);
       put_list(value, row.role);
       return true;
     }
+  }
   if (same_name(name, L"Date")) return value.empty() || read_header_date(date_, value);
   if (same_name(name, L"From")) return read_sender(from_, value);
   if (same_name(name, L"Sender")) return read_sender(sender_, value);

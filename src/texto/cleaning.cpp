@@ -27,12 +27,12 @@ constexpr wchar_t plain_letter(wchar_t c) {
 }
 
 /// The units from `first` to `last` are replaced by `with`.
-struct Special {
+struct typographic_range {
   wchar_t first, last;
   std::wstring_view with;
 };
 
-constexpr Special specials[] = {
+constexpr typographic_range specials[] = {
     {0x00A0, 0x00A0, L" "},    // no-break space
     {0x00AB, 0x00AB, L"\""},   // opening guillemet
     {0x00AD, 0x00AD, L""},     // soft hyphen
@@ -63,13 +63,13 @@ constexpr Special specials[] = {
     {0xFEFF, 0xFEFF, L""},     // byte order mark
 };
 
-constexpr bool is_below(const Special& row, wchar_t c) {
+constexpr bool is_below(const typographic_range& row, wchar_t c) {
   return static_cast<char16_t>(row.last) < static_cast<char16_t>(c);
 }
 
 /// The row that holds `c`, or null.
-const Special* find_special(wchar_t c) {
-  const Special* row = std::lower_bound(std::begin(specials), std::end(specials), c, is_below);
+const typographic_range* find_special(wchar_t c) {
+  const typographic_range* row = std::lower_bound(std::begin(specials), std::end(specials), c, is_below);
   const bool found =
       row != std::end(specials) && static_cast<char16_t>(row->first) <= static_cast<char16_t>(c);
   return found ? row : nullptr;

@@ -39,11 +39,11 @@ bool controls(int first, std::string_view digits, char letter) {
 }
 
 /// Lengths of the registry of ISO 13616, in the order of the codes.
-struct Country {
+struct iban_country {
   char code[3];
   unsigned char size;
 };
-constexpr Country countries[] = {
+constexpr iban_country countries[] = {
     {"AD", 24}, {"AE", 23}, {"AL", 28}, {"AT", 20}, {"AZ", 28}, {"BA", 20}, {"BE", 16}, {"BG", 22},
     {"BH", 22}, {"BI", 27}, {"BR", 29}, {"BY", 28}, {"CH", 21}, {"CR", 22}, {"CY", 28}, {"CZ", 24},
     {"DE", 22}, {"DJ", 27}, {"DK", 18}, {"DO", 28}, {"EE", 20}, {"EG", 29}, {"ES", 24}, {"FI", 18},
@@ -63,7 +63,7 @@ bool is_iban_size(char first, char second, std::size_t size) {
   const char code[] = {upper(first), upper(second)};
   const std::string_view wanted(code, 2);
   const auto row = std::find_if(std::begin(countries), std::end(countries),
-                                [wanted](const Country& country) { return wanted == country.code; });
+                                [wanted](const iban_country& country) { return wanted == country.code; });
   return row != std::end(countries) ? size == row->size : size >= shortest_iban && size <= longest_iban;
 }
 

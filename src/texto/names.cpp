@@ -62,10 +62,10 @@ bool is_word_unit(wchar_t c) {
   return is_alnum(c) || (unit >= 0xC0 && unit != 0xD7 && unit != 0xF7 && (unit < 0x2000 || unit > 0x206F));
 }
 
-enum class Form { small, capital, large };
+enum class letter_form { small, capital, large };
 
 /// A part of a word: a run of letters and digits.
-struct Part {
+struct word_part {
   std::wstring_view text;
   wchar_t before, after;   ///< what stands on both sides within the word, 0 at its ends
   bool is_first, is_last;  ///< the first of the name; at the end of the name
@@ -78,32 +78,33 @@ struct Part {
   }
 };
 
-Form form_in_person(const Part& part) {
-  if (part.text.size() == 1 && is_apostrophe(part.before) && part.after == 0) return Form::small;
-  if (part.is_first) return Form::capital;
-  if (part.is_elision(L"dl")) return Form::small;
-  if (!part.is_whole()) return Form::capital;
-  if (is_roman_numeral(part.text)) return Form::large;
-  if (part.is_last && part.text.size() == 1 && to_lower(part.text[0]) == L'i') return Form::large;
-  return is_particle_of(name_particles, part.text) ? Form::small : Form::capital;
+letter_form form_in_person(const word_part& part) {
+  if (part.text.size() == 1 && is_apostrophe(part.before) && part.after == 0) return letter_form::small;
+  if (part.is_first) return letter_form::capital;
+  if (part.is_elision(L"dl")) return letter_form::small;
+  if (!part.is_whole()) return letter_form::capital;
+  if (is_roman_numeral(part.text)) return letter_form::large;
+  if (part.is_last && part.text.size() == 1 && to_lower(part.text[0]) == L'i') return letter_form::large;
+  return is_particle_of(name_particles, part.text) ? letter_form::small : letter_form::capital;
 }
 
-Form form_in_place(const Part& part) {
-  if (part.is_first) return Form::capital;
-  if (part.is_elision(L"dlns")) return Form::small;
-  return part.is_whole() && is_particle_of(place_particles, part.text) ? Form::small : Form::capital;
+letter_form form_in_place(const word_part& part) {
+  if (part.is_first) return letter_form::capital;
+  if (part.is_elision(L"dlns")) return letter_form::small;
+  return part.is_whole() && is_particle_of(place_particles, part.text) ? letter_form::small
+                                                                       : letter_form::capital;
 }
 
-void append_part(std::wstring& out, std::wstring_view part, Form form) {
+void append_part(std::wstring& out, std::wstring_view part, letter_form form) {
   for (std::size_t i = 0; i < part.size(); ++i) {
-    const bool large = form == Form::large || (form == Form::capital && i == 0);
+    const bool large = form == letter_form::large || (form == letter_form::capital && i == 0);
     out.push_back(large ? to_uppercase(part[i]) : to_lowercase(part[i]));
   }
 }
 
 /// Appends the words of `name` with a blank between them, the parts of each in the form that `form_of` gives.
-void append_words(std::wstring& out, std::wstring_view name, Form (*form_of)(const Part&)) {
-  WordReader words(name);
+void append_words(std::wstring& out, std::wstring_view name, letter_form (*form_of)(const word_part&)) {
+  word_reader words(name);
   bool is_first = true;
   for (std::wstring_view word = words.next(), next; !word.empty(); word = next) {
     next = words.next();
@@ -116,7 +117,7 @@ void append_words(std::wstring& out, std::wstring_view name, Form (*form_of)(con
       const wchar_t before = at == 0 ? wchar_t() : word[at - 1];
       const wchar_t after = end == word.size() ? wchar_t() : word[end];
       const bool is_last = end == word.size() && next.empty();
-      const Part part{word.substr(at, end - at), before, after, is_first, is_last};
+      const word_part part{word.substr(at, end - at), before, after, is_first, is_last};
       append_part(out, part.text, form_of(part));
       is_first = false;
     }
@@ -125,7 +126,7 @@ void append_words(std::wstring& out, std::wstring_view name, Form (*form_of)(con
 }
 
 /// A name of a municipality, cut at its article.
-struct Place {
+struct place_name {
   std::wstring_view article;  ///< without comma and brackets; empty if none stands behind the name
   std::wstring_view name;
 };
@@ -138,7 +139,7 @@ bool begins_with_article(std::wstring_view name, std::wstring_view article) {
          (rest.empty() || is_apostrophe(first.back()) || is_word_blank(rest.front()));
 }
 
-Place cut_article(std::wstring_view text) {
+place_name cut_article(std::wstring_view text) {
   const bool in_brackets = text.ends_with(L')');
   const std::size_t mark = text.rfind(in_brackets ? L'(' : L',');
   if (mark == text.npos) return {{}, text};
@@ -151,7 +152,7 @@ Place cut_article(std::wstring_view text) {
 }
 
 void append_place(std::wstring& out, std::wstring_view text) {
-  const Place place = cut_article(without_blanks(text));
+  const place_name place = cut_article(without_blanks(text));
   std::wstring whole(place.article);
   if (!whole.empty() && !is_apostrophe(whole.back())) whole.push_back(L' ');
   whole += place.name;

@@ -9,9 +9,9 @@
 
 namespace ruvo::texto {
 
-class WordReader {
+class word_reader {
  public:
-  explicit WordReader(std::wstring_view text) : rest_(text) {}
+  explicit word_reader(std::wstring_view text) : rest_(text) {}
 
   /// The next word; empty after the last.
   std::wstring_view next() {

@@ -38,7 +38,7 @@ std::wstring& to_snake_case(std::wstring& text) { return text = to_snake_case_(t
 std::wstring to_capitalize_case_(const std::wstring& text) {
   std::wstring out;
   out.reserve(text.size());
-  WordReader words(text);
+  word_reader words(text);
   for (std::wstring_view word = words.next(); !word.empty(); word = words.next()) {
     if (!out.empty()) out.push_back(L' ');
     out.push_back(to_upper(word[0]));

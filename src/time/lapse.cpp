@@ -340,10 +340,11 @@ void lapse::read_over(int year, std::wstring_view text, std::wstring_view format
   calendar::reading out;
   out.record.tm_year = year - 1900;
   out.record.tm_mday = 1;
-  if (!calendar::read(out, text, format, named(user, locale)))
+  if (!calendar::read(out, text, format, named(user, locale))) {
     throw detail::about(exc::CalendarException(), [&] {
       return L"texto " + detail::quoted(text) + L", formato " + detail::quoted(format);
     });
+  }
   out.record.tm_isdst = -1;
   if (out.offset)
     lapso_ = built(user, out.record, false) - *out.offset;

@@ -229,9 +229,10 @@ var::operator double() const { return to_double(*this); }
 var::operator float() const {
   const double value = to_double(*this);
   constexpr auto limit = static_cast<double>(std::numeric_limits<float>::max());
-  if (std::isfinite(value) && std::fabs(value) > limit)
+  if (std::isfinite(value) && std::fabs(value) > limit) {
     return std::copysign(std::numeric_limits<float>::infinity(),
                          static_cast<float>(std::copysign(1.0, value)));
+  }
   return static_cast<float>(value);
 }
 
