@@ -9,6 +9,11 @@
 
 using namespace ruvo::texto;
 
+static std::wstring solid(std::wstring text) {
+  std::erase_if(text, [](wchar_t c) { return c == L' ' || c == L'\n'; });
+  return text;
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::wstring text = fuzz::wide(data, size);
   FUZZ_CHECK(escaped_from_sql_(escaped_to_sql_(text)) == text);
@@ -19,6 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   const std::wstring printed = print_json(text);
   FUZZ_CHECK(print_json(printed) == printed);
+  FUZZ_CHECK(solid(printed) == solid(text));
 
   unsigned long long body = 0;
   const std::wstring without = remove_html_and_body_tags_(text, &body);

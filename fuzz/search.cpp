@@ -50,6 +50,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::wstring changed = text;
     safe_replace(changed, part, to);
     FUZZ_CHECK(changed == replaced(text, part, to));
+    if (part.empty()) continue;
+    std::wstring every = text, first = text, expected = text;
+    FUZZ_CHECK(std_replace(every, part, to, true) == changed);
+    if (const std::size_t at = text.find(part); at != text.npos) expected.replace(at, part.size(), to);
+    FUZZ_CHECK(std_replace(first, part, to, false) == expected);
   }
   std::wstring joined;
   const std::vector<std::wstring> pieces = split(text, part);
@@ -57,6 +62,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   FUZZ_CHECK(joined == text || joined + part == text);
 
   if (text.size() * part.size() < 1000000 && has_mask(part))
-    FUZZ_CHECK(match_mask(text, part, busqueda_completa) == fits(text, part));
+    for (int mode = 0; mode < 6; ++mode) FUZZ_CHECK(match_mask(text, part, mode) == fits(text, part));
   return 0;
 }

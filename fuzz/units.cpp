@@ -5,7 +5,6 @@
 // behind the texts in memory.
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <memory>
 #include <string_view>
@@ -17,8 +16,8 @@
 #include "base/utf.hpp"
 #include "fuzz.hpp"
 #include "memory/text_sink.hpp"
-#include "plain_utf.hpp"
 #include "serializer/scan.hpp"
+#include "support/plain_utf.hpp"
 #include "texto/case_units.hpp"
 
 using namespace ruvo;
@@ -50,10 +49,10 @@ using bytes_view = std::basic_string_view<unsigned char>;
 void utf(std::string_view bytes, std::u16string_view units) {
   std::u16string wide;
   texto::append_utf_16(wide, bytes);
-  FUZZ_CHECK(wide == fuzz::plain_utf_16<char16_t>(bytes));
+  FUZZ_CHECK(wide == plain::utf_16<char16_t>(bytes));
   std::string narrow;
   texto::append_utf_8(narrow, units);
-  FUZZ_CHECK(narrow == fuzz::plain_utf_8(units));
+  FUZZ_CHECK(narrow == plain::utf_8(units));
 }
 
 constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/-_";
@@ -213,7 +212,7 @@ void copies(std::u16string_view text, std::size_t place) {
 }
 
 std::u16string units_of(std::string_view bytes, unsigned form) {
-  if (form % 3 == 1) return fuzz::plain_utf_16<char16_t>(bytes);
+  if (form % 3 == 1) return plain::utf_16<char16_t>(bytes);
   std::u16string units;
   if (form % 3 == 0) {
     for (const char byte : bytes) units += static_cast<unsigned char>(byte);

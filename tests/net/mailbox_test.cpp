@@ -1,24 +1,19 @@
 #include <ruvo/ruvo.hpp>
 
-#include <optional>
-#include <regex>
 #include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "support/dice.hpp"
 #include "support/order.hpp"
-#include "support/rounds.hpp"
 
 namespace {
 
 using ruvo::bundle;
 using ruvo::xvar;
 using ruvo::smtp::mailbox;
-namespace texto = ruvo::texto;
 
 mailbox made(const std::wstring& host, mailbox::ENCRYPTION mode, unsigned port = 0,
              const std::wstring& user = {}, const std::wstring& password = {}) {
@@ -117,127 +112,6 @@ TEST(mailbox, reads_texts) {
   EXPECT_FALSE(box.deserialize(std::wstring(L"smtp://mail.a.es\0", 17)));
   EXPECT_TRUE(box.deserialize(std::wstring(L"smtp://u:\0@mail.a.es", 20)));
   EXPECT_EQ(box.get_password(), std::wstring(1, L'\0'));
-}
-
-class mailbox_texts : public generated_inputs {
- protected:
-  static constexpr int texts = 30'000;
-
-  std::wstring joined(const std::vector<std::wstring>& parts, unsigned most) {
-    ++inputs;
-    return random_.joined(parts, most);
-  }
-
-  /// Texts of one unit: Latin, digits and blanks of other scripts, and what is no character.
-  static std::vector<std::wstring> units() {
-    std::vector<std::wstring> all;
-    for (const auto& [from, to] :
-         {std::pair(0, 0x180), {0x660, 0x66A}, {0x2000, 0x2030}, {0xD7FF, 0xD801}, {0xFF10, 0xFF1A}})
-      for (int c = from; c < to; ++c) all.emplace_back(1, static_cast<wchar_t>(c));
-    return all;
-  }
-
-  dice random_{82};
-};
-
-constexpr const wchar_t* host_pattern = LR"(^([a-zA-Z0-9\-]+\.){2,3}[a-z]{2}(:\d+)?$)";
-constexpr const wchar_t* scheme_pattern =
-    LR"(^smtps?://((([^\s]+:[^\s]+)@)?([a-zA-Z0-9\-]+\.){2,3}[a-z]{2}(:\d{2,4})?){1}$)";
-constexpr const wchar_t* account_pattern =
-    LR"(^((([^\s]+:[^\s]+)@){1}([a-zA-Z0-9\-]+\.){2,3}[a-z]{2}(:\d{2,4})?){1}$)";
-
-TEST_F(mailbox_texts, checks_hosts_as_the_pattern) {
-  const std::wregex standard(host_pattern);
-  unsigned hosts = 0;
-  for (int n = 0; n < texts; ++n) {
-    const std::wstring text = joined({L"a.", L"Z-9.", L"-.", L".", L"a", L"_."}, 4) +
-                              joined({L"es", L"es", L"e", L"S", L"0"}, 2) +
-                              joined({L":5", L":12", L":", L"0", L" ", L"\n", L"_"}, 2);
-    const bool expected = std::regex_match(text, standard);
-    hosts += expected;
-    ASSERT_EQ(mailbox().set_host(text).check(), expected) << text;
-  }
-  EXPECT_GT(hosts, texts / 200u);
-  for (const std::wstring& unit : units()) {
-    for (const std::wstring& text : {unit + L".b.es", L"a.b." + unit + L"s", L"a.b.es:" + unit,
-                                     L"a.b.es" + unit, L"a.b" + unit + L"es"}) {
-      ++inputs;
-      ASSERT_EQ(mailbox().set_host(text).check(), texto::match(text, host_pattern)) << text;
-    }
-  }
-}
-
-/// The fields as the captures of the standard matcher tell them.
-std::optional<std::wstring> captured(const std::wstring& text) {
-  static const std::wregex scheme(L"smtps?://"), with_scheme(scheme_pattern), account(account_pattern);
-  std::wsmatch found, name;
-  const bool has_scheme = std::regex_search(text, name, scheme, std::regex_constants::match_continuous);
-  if (!std::regex_match(text, found, has_scheme ? with_scheme : account)) return {};
-  const std::wstring credentials = found[3], port = found[5];
-  std::wstring host = found[1];
-  host.erase(0, found.str(2).size()).resize(host.size() - port.size());
-  const std::size_t colon = credentials.find(L':', 1);
-  const unsigned number = port.empty() ? 0 : static_cast<unsigned>(std::stoul(port.substr(1)));
-  const bool customary = number == 465 || number == 587 || number == 2525;
-  const auto other = name.length() == 8 ? mailbox::SSL : mailbox::NONE;
-  mailbox box = made(host, other, number);
-  if (customary && name.length() != 7) box.set_encryption(static_cast<mailbox::ENCRYPTION>(number));
-  if (!credentials.empty())
-    box.set_user(credentials.substr(0, colon)).set_password(credentials.substr(colon + 1));
-  return fields(box);
-}
-
-TEST_F(mailbox_texts, reads_as_the_pattern) {
-  unsigned read = 0;
-  for (int n = 0; n < texts; ++n) {
-    const std::wstring text = joined({L"smtp://", L"smtps://", L""}, 1) +
-                              joined({L"u", L":", L"@", L"ñ", L":w@", L"u:w@", L"u:w@", L" "}, 2) +
-                              joined({L"a.", L"Z-9.", L"-."}, 4) +
-                              joined({L"es", L"es", L"es", L"e", L"S", L"@"}, 1) +
-                              joined({L":465", L":587", L":2525", L":", L"1", L"\n", L"."}, 2);
-    const std::optional<std::wstring> expected = captured(text);
-    mailbox box;
-    ASSERT_EQ(box.deserialize(text), expected.has_value()) << text;
-    if (!expected) continue;
-    ++read;
-    ASSERT_EQ(fields(box), *expected) << text;
-  }
-  EXPECT_GT(read, texts / 100u);
-  for (const std::wstring& unit : units()) {
-    for (const std::wstring& text :
-         {L"u" + unit + L":w@a.b.es", L"u:w@a.b.es:2" + unit, L"u:w" + unit + L"a.b.es"}) {
-      ASSERT_EQ(mailbox().deserialize(text), texto::match(text, account_pattern)) << text;
-      ASSERT_EQ(mailbox().deserialize(L"smtps://" + text), texto::match(L"smtps://" + text, scheme_pattern))
-          << text;
-    }
-  }
-}
-
-TEST_F(mailbox_texts, go_there_and_back) {
-  const mailbox::ENCRYPTION modes[] = {mailbox::NONE, mailbox::SSL, mailbox::STARTTLS, mailbox::TLS};
-  const unsigned ports[] = {0, 1, 25, 26, 465, 587, 2525, 9999, 10000, 4294967295};
-  const auto any_text = [this] {
-    return joined({L"a", L"ñ", L"\r\n", L"\"", L":", L"@", L"\xD83D", L"€"}, 6);
-  };
-  for (int n = 0; n < 3'000; ++n) {
-    const std::wstring host = n % 2 ? joined({L"a.", L"B-9."}, 3) + L"es" : any_text();
-    const mailbox box = made(host, random_.any(modes), random_.any(ports), any_text(), any_text());
-    bundle form;
-    form = box;
-    mailbox by_bundle = form, by_xvar, by_text;
-    by_xvar = xvar(box);
-    ASSERT_EQ(fields(by_bundle), fields(box));
-    ASSERT_EQ(fields(by_xvar), fields(box));
-    const bool plain = box.check() && host.find(L':') == host.npos;
-    const bool reads = plain && box.get_port() >= 10 && box.get_port() <= 9999;
-    ASSERT_EQ(by_text.deserialize(box.get_url()), reads) << box.get_url();
-    if (reads) {
-      ASSERT_EQ(by_text.get_url(), box.get_url());
-    }
-    if (reads && box.get_port() == static_cast<unsigned>(box.get_encryption())) {
-      ASSERT_TRUE(by_text.set_user(box.get_user()).set_password(box.get_password()) == box) << box.get_url();
-    }
-  }
 }
 
 TEST(mailbox_value, of_bundles) {

@@ -145,6 +145,28 @@ TEST(json_reader, a_bad_number_leaves_and_the_reader_is_usable_again) {
   EXPECT_EQ(b.get_double(L"a", '.', 5), 0.0);
 }
 
+TEST(json_reader, large_things) {
+  std::wstring text = L"{";
+  for (int i = 0; i < 200000; ++i)
+    text += L"\"k" + std::to_wstring((i * 7919LL) % 200003) + L"\":" + std::to_wstring(i) + L",";
+  text += L"\"nul\":\"a";
+  text.push_back(L'\0');
+  text += L"b\",\"lone\":\"\xDC00\"}";
+  bundle b;
+  json j;
+  ASSERT_FALSE(j.deserialize(b, text));
+  EXPECT_EQ(b.size(), 200002U);
+  EXPECT_EQ(b.get_long(L"k7919"), 1);
+  EXPECT_EQ(b[199999]->second, b[std::wstring(L"k") + std::to_wstring((199999 * 7919LL) % 200003)]);
+  EXPECT_EQ(b.get_string(L"nul").size(), 3U);
+  EXPECT_EQ(b.get_string(L"lone"), L"\xDC00");
+  const std::wstring unknown = L"{\"x\":nothing" + std::wstring(3000000, L'z');
+  ruvo::exception error;
+  EXPECT_TRUE(j.deserialize(b, unknown, &error));
+  EXPECT_TRUE(error.get_mensaje().ends_with(L":3000012 en el nudo:0"))
+      << testing::PrintToString(error.get_mensaje());
+}
+
 TEST(json_writer, scalars) {
   ruvo::date far_day;
   far_day.set_lapso(std::numeric_limits<long long>::max());

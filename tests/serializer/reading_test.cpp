@@ -3,7 +3,6 @@
 #include <ruvo/ruvo.hpp>
 
 #include <algorithm>
-#include <iterator>
 #include <random>
 #include <stdexcept>
 #include <string>

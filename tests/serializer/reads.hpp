@@ -7,7 +7,6 @@
 #include <ruvo/texto.hpp>
 
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 

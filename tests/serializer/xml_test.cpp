@@ -183,6 +183,36 @@ TEST(xml_reader, adds_to_what_is_there) {
   EXPECT_EQ(b.get_string(L"d"), L"z");
 }
 
+TEST(xml_reader, large_things) {
+  constexpr int many = 100000;
+  std::wstring attributes = L"<a";
+  for (int i = 0; i < many; ++i)
+    attributes += L" k" + std::to_wstring(i * 7919LL % 100003) + L"=\"" + std::to_wstring(i) + L'"';
+  bundle b;
+  xml x(true, false);
+  ASSERT_FALSE(x.deserialize(b, attributes + L">t</a>"));
+  EXPECT_EQ(b[L"a"].size(), 100000U);
+  EXPECT_EQ(static_cast<const xvar&>(b[L"a"]).get_quality(L"K7919").to_string(), L"1");
+
+  std::wstring children = L"<r>";
+  for (int i = 0; i < many; ++i)
+    children += L"<k" + std::to_wstring(i) + L">x</k" + std::to_wstring(i) + L'>';
+  for (int i = 0; i < many; ++i) children += L"<k0/>";
+  ASSERT_FALSE(x.deserialize(b, children + L"</r>"));
+  EXPECT_EQ(b.get_list(L"r").size(), 200000U);
+
+  // What never ends must not be looked through again and again.
+  for (const wchar_t* const piece :
+       {L"<", L"<a", L"<a ", L"<a x", L"<a x=", L"<a x=\"", L"<a x=\"1\"", L"<!",  L"<!-",       L"<![",
+        L"]", L"<?", L"</",  L"</a",  L"<a>&",  L"&",       L"<a\n",       L"<a!", L"<a x=\"\\", L"="}) {
+    std::wstring text = L"<r>";
+    for (int i = 0; i < many; ++i) text += piece;
+    bundle ignored;
+    x.deserialize(ignored, text, nullptr);
+    x.deserialize(ignored, L"<r y=\"2\" " + text, nullptr);
+  }
+}
+
 TEST(xml_writer, writes) {
   xvar qualified = L"t";
   qualified[L"y"] = 2;

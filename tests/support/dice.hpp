@@ -3,12 +3,20 @@
 // Chance for tests: the same seed gives the same inputs.
 
 #include <cstddef>
+#include <cstdlib>
 #include <iterator>
 #include <random>
 #include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
+
+/// How often generated tests go on with other inputs: the environment's KESTA_ROUNDS; 1 without it.
+inline unsigned rounds() {
+  const char* const text = std::getenv("KESTA_ROUNDS");
+  const long given = text ? std::strtol(text, nullptr, 10) : 1;
+  return given > 1 ? static_cast<unsigned>(given) : 1;
+}
 
 /// What stands between the blanks of a text.
 inline std::vector<std::wstring> pieces(const std::wstring& text) {

