@@ -335,14 +335,6 @@ TEST(application, changes_beside_a_look_up_do_not_mislead_it) {
   EXPECT_EQ(wrong, 0);
 }
 
-TEST(application, console_writes_to_the_standard_output) {
-  shifted_app app;
-  ruvo::exception err;
-  ASSERT_TRUE(app.get_console().open(err)) << err.what();
-  EXPECT_NO_THROW(app.get_console().write_line(L"consola: ñ\xD83D\xDE00"));
-  EXPECT_NO_THROW(ruvo::application::cmd().write(L""));
-}
-
 TEST(context, account_and_system) {
   const ruvo::context services;
   std::wstring user, domain, sid;

@@ -310,8 +310,8 @@ TEST_F(logs, week_is_kept) {
                               "kesta_20230229.log", "kesta_20230001.log",  "kesta_00000000.log"};
   const char* const old[] = {"kesta_20240222.log", "kesta_20240131.log", "kesta_19991231.log"};
   std::vector<std::wstring> listing;
-  for (const char* name : kept) listing.emplace_back(name, name + std::char_traits<char>::length(name));
-  for (const char* name : old) listing.emplace_back(name, name + std::char_traits<char>::length(name));
+  for (const std::string name : kept) listing.emplace_back(name.begin(), name.end());
+  for (const std::string name : old) listing.emplace_back(name.begin(), name.end());
   for (const std::wstring& name : listing) std::ofstream(fs::path("scratch") / fs::path(name)) << "x";
   fs::create_directory("scratch/kesta_20200101.log");
   listing.push_back(L"kesta_20200101.log");
@@ -360,12 +360,9 @@ TEST_F(logs, lines_of_many_threads_arrive_whole) {
     const bool entry = line.compare(stamp.size(), 6, "INFO: ") == 0;
     const int number = std::stoi(line.substr(stamp.size() + (entry ? 6 : 0)));
     numbers.insert(number);
-    const std::size_t filling = static_cast<std::size_t>(number % each % 50);
-    std::string tail;
-    for (std::size_t n = 0; n < filling; ++n) tail += "\xC3\xB1";
-    std::string expected = stamp + (entry ? "INFO: " : "") + std::to_string(number);
-    if (entry && filling) expected += ": ";
-    ASSERT_EQ(line, expected + tail);
+    const std::wstring filling(static_cast<std::size_t>(number % each % 50), L'ñ');
+    ASSERT_EQ(line, stamp + (entry ? "INFO: " : "") + std::to_string(number) +
+                        (entry && !filling.empty() ? ": " : "") + ruvo::texto::to_utf_8(filling));
   }
   EXPECT_EQ(numbers.size(), got.size());
 }

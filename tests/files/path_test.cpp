@@ -138,10 +138,4 @@ TEST(path, asks_the_file_system) {
   EXPECT_FALSE(file().exists());
 }
 
-TEST(path, compares_as_text) {
-  EXPECT_EQ(file("a/b"), file(L"a\\b"));
-  EXPECT_FALSE(file("a") == file("A"));
-  EXPECT_LT(file("a"), file("b"));
-}
-
 }  // namespace

@@ -11,7 +11,6 @@
 #include <map>
 #include <random>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <vector>
 

@@ -6,7 +6,6 @@
 #include <atomic>
 #include <memory>
 #include <optional>
-#include <set>
 #include <sstream>
 #include <stdexcept>
 #include <system_error>
@@ -142,24 +141,6 @@ TEST_F(jobs, without_a_slot_wait) {
   none.set_max_concurrency(1);  // takes effect at once
   waiting.join();
   EXPECT_EQ(two.order, L"1 ");
-}
-
-TEST_F(jobs, come_in_bursts) {
-  crowd first(8), second(8), third(8);
-  pool workers(2);
-  for (const auto& task : first.tasks) workers.execute_job(*task, 1);
-  EXPECT_TRUE(comes_true([&workers] { return workers.empty(); }));
-  // The dispatcher has ended, or is about to, and was not joined.
-  for (const auto& task : second.tasks) workers.execute_job(*task, 1);
-  workers.exec();  // while the dispatcher runs, or after it
-  workers.join();
-  for (const auto& task : third.tasks) workers.store_job(*task, 1);
-  workers.start();
-  workers.start();
-  workers.join();
-  EXPECT_TRUE(workers.empty());
-  for (const crowd* each : {&first, &second, &third})
-    EXPECT_EQ(std::count(each->order.begin(), each->order.end(), L' '), 8);
 }
 
 TEST_F(jobs, queued_at_the_last_moment_are_not_forgotten) {

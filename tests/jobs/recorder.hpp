@@ -15,7 +15,6 @@
 #include <string>
 #include <thread>
 #include <utility>
-#include <vector>
 
 /// Writes down what it is told, in words.
 class recorder : public ruvo::task::ilistener {

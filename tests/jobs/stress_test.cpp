@@ -1,6 +1,5 @@
 // Thousands of tasks at random: cancelled, silenced, failing, in pools that are destroyed while busy.
 
-#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <random>

@@ -1,7 +1,6 @@
 // Tasks by themselves: who is told what, in which order, and how tasks end.
 
 #include <ruvo/application.hpp>
-#include <ruvo/ilock.hpp>
 
 #include <atomic>
 #include <memory>
@@ -582,25 +581,6 @@ TEST_F(call_alone, runs_in_the_application_that_it_was_started_in) {
   go = true;
   late.join();
   EXPECT_EQ(seen.taken(), "bpf");
-}
-
-/// A lock of the application's own.
-struct flag_lock : ruvo::ilock {
-  void lock() override { held = true; }
-  bool try_lock() override { return !std::exchange(held, true); }
-  void unlock() override { held = false; }
-  bool is_locked() const override { return held; }
-  bool held = false;
-};
-
-TEST(ilock, serves_the_standard_guards) {
-  flag_lock flag;
-  {
-    const std::unique_lock<ruvo::ilock> guard(flag, std::try_to_lock);
-    EXPECT_TRUE(guard.owns_lock());
-    EXPECT_TRUE(flag.is_locked());
-  }
-  EXPECT_FALSE(flag_lock(flag).is_locked());
 }
 
 }  // namespace

@@ -94,14 +94,7 @@ TEST(email, recipients) {
   EXPECT_EQ(std::as_const(message).find(L"b@x.es")->second, email::TO_);
   EXPECT_TRUE(message.find(L"c@x.es") == message.end());
   EXPECT_EQ(message.count(address(L"", L"b@x.es")) + message.count(L"c@x.es"), 1u);
-  for (const email& constant : {message}) {
-    try {
-      static_cast<void>(constant.at(L"c@x.es"));
-      ADD_FAILURE();
-    } catch (const std::out_of_range& error) {
-      EXPECT_STREQ(error.what(), "invalid map<K, T> key");
-    }
-  }
+  EXPECT_THROW(static_cast<void>(std::as_const(message).at(L"c@x.es")), std::out_of_range);
   EXPECT_EQ(message.erase(L"b@x.es") + message.erase(L"b@x.es"), 1u);
   message.clear();
   EXPECT_TRUE(message.empty());

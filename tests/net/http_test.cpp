@@ -4,7 +4,6 @@
 #include <chrono>
 #include <map>
 #include <sstream>
-#include <stdexcept>
 #include <string>
 #include <thread>
 #include <type_traits>
@@ -101,21 +100,6 @@ TYPED_TEST(message_headers, names_ignore_case_wide_and_narrow) {
   m.clear();
   EXPECT_TRUE(m.empty() && c.begin() == c.end() && m.begin() == m.end());
   EXPECT_GT(m.max_size(), 1000u);
-}
-
-TYPED_TEST(message_headers, absent_names) {
-  TypeParam m;
-  for (const auto& at :
-       {+[](TypeParam& t) { return t.at(L"nada"); }, +[](TypeParam& t) { return t.at("nada"); },
-        +[](TypeParam& t) { return std::as_const(t).at(L""); }}) {
-    try {
-      static_cast<void>(at(m));
-      FAIL() << "found";
-    } catch (const std::out_of_range& error) {
-      EXPECT_STREQ(error.what(), "invalid map<K, T> key");
-    }
-  }
-  EXPECT_EQ(m.size(), 2u);
 }
 
 TYPED_TEST(message_headers, table_is_a_map_by_lowered_names) {

@@ -1,7 +1,5 @@
 #include <ruvo/ruvo.hpp>
 
-#include <sstream>
-
 #include <gtest/gtest.h>
 
 namespace {
@@ -52,34 +50,6 @@ TEST(color_value, compares_by_type_and_text) {
   EXPECT_FALSE(static_cast<const var&>(red) == blue);
   EXPECT_FALSE(static_cast<const var&>(red) == var(color::RED));  // a text
   EXPECT_TRUE(static_cast<const var&>(blue) < red);
-}
-
-TEST(color_value, order_is_that_of_the_texts) {
-  const color lower(L"#ff0000"), upper(L"#FF0000");  // the same number
-  EXPECT_TRUE(upper < lower && lower > upper && upper <= lower && lower >= upper);
-  EXPECT_FALSE(upper > lower || lower <= upper || upper >= lower);
-}
-
-TEST(color_value, in_containers) {
-  const color gold(color::ORO);
-  ruvo::bundle values;
-  values[L"color"] = gold;
-  values[L"color"][L"borde"] = xvar(color(color::NEGRO));
-  ruvo::list list;
-  list.push_back(gold);
-  list.emplace_back(color(color::LIMA));
-  values[L"lista"] = list;
-  const ruvo::bundle copy(values);
-  values[L"color"] = color(color::AZUL);
-  values[L"lista"] = 5;
-  EXPECT_TRUE(color(copy[L"color"]) == gold);
-  EXPECT_TRUE(color(copy[L"color"].at(L"borde")) == color(color::BLACK));
-  ruvo::list back;
-  back = copy[L"lista"];
-  EXPECT_TRUE(color(back[1]) == color(color::LIME));
-  std::wostringstream out;
-  out << copy[L"color"];
-  EXPECT_EQ(out.str(), L"#FFD700");
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <ruvo/datetime.hpp>
 #include <ruvo/exc.hpp>
 
-#include <cwchar>
 #include <string>
 #include <vector>
 

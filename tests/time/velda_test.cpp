@@ -5,7 +5,6 @@
 #include <functional>
 #include <limits>
 #include <random>
-#include <type_traits>
 
 #include <gtest/gtest.h>
 

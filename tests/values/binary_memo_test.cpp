@@ -2,7 +2,6 @@
 #include <ruvo/exc.hpp>
 #include <ruvo/memo.hpp>
 
-#include <random>
 #include <sstream>
 #include <type_traits>
 
@@ -187,20 +186,6 @@ TEST(binary, reads_hex_and_base64_or_nothing) {
   binary b("old");
   EXPECT_TRUE(b.setAsHex(L"x", nullptr).empty());
   EXPECT_TRUE((b = "old", b.setAsB64(L"\x0159YWI", nullptr)).empty());  // low byte alone would be a digit
-}
-
-TEST(binary, random_bytes_come_back) {
-  std::mt19937 random(11);
-  for (int round = 0; round < 500; ++round) {
-    bytes store(random() % 50);
-    for (auto& byte : store) byte = static_cast<unsigned char>(random());
-    const binary source(store);
-    ruvo::exception error;
-    binary b;
-    ASSERT_EQ(b.setAsB64(source.getAsB64(round & 1), &error), source);
-    ASSERT_EQ(b.setAsHex(source.getAsHex(), &error), source);
-    ASSERT_TRUE(error.OK());
-  }
 }
 
 TEST(memo, is_a_text_of_its_own_kind) {

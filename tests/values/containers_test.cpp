@@ -1,7 +1,6 @@
 #include <ruvo/ruvo.hpp>
 
 #include <algorithm>
-#include <cwctype>
 #include <limits>
 #include <map>
 #include <random>
@@ -31,12 +30,7 @@ TEST(xvar, qualities_ignore_case_and_keep_their_spelling) {
   EXPECT_EQ(static_cast<int>(x.at("name")), 2);
   EXPECT_EQ(x.count(L"nAME"), 1U);
   EXPECT_THROW((void)x.get_quality(L"missing"), ruvo::exc::OutOfRange);
-  try {
-    (void)x.at(L"missing");
-    FAIL();
-  } catch (const std::out_of_range& e) {
-    EXPECT_STREQ(e.what(), "invalid map<K, T> key");
-  }
+  EXPECT_THROW((void)x.at(L"missing"), std::out_of_range);
   EXPECT_EQ(x.erase(L"name"), 1U);
   EXPECT_EQ(x.erase(L"name"), 0U);
   x.clear();
@@ -109,12 +103,7 @@ TEST(list, appends_and_removes) {
   l.remove(1);
   EXPECT_TRUE(l[1].has_quality(L"old"));  // the element that moved down keeps what it replaced
   EXPECT_TRUE(l[1].has_quality(L"new"));
-  try {
-    (void)l.at(6);
-    FAIL();
-  } catch (const std::out_of_range& e) {
-    EXPECT_STREQ(e.what(), "invalid vector subscript");
-  }
+  EXPECT_THROW((void)l.at(6), std::out_of_range);
   list copy;
   copy = static_cast<xvar>(l);
   EXPECT_TRUE(copy == l);
@@ -257,12 +246,7 @@ TEST(bundle, paths) {
   EXPECT_FALSE(b.has(L"cliente."));
   EXPECT_FALSE(bundle().has(L""));
   EXPECT_EQ(b.get_ptr(L"nada.de"), nullptr);
-  try {
-    (void)b.get(L"nada", '.');
-    FAIL();
-  } catch (const std::exception_ptr& empty) {
-    EXPECT_FALSE(empty);
-  }
+  EXPECT_THROW((void)b.get(L"nada", '.'), std::exception_ptr);
   b.hack(L"cliente.edad.exacta") = 40.5;  // a number on the way gives place
   EXPECT_EQ(b.get_double(L"cliente.edad.exacta"), 40.5);
   b.putOn(L"cliente.edad", b.get(L"cliente.edad.exacta"));
