@@ -17,6 +17,7 @@
 #include <utility>
 
 #include "base/numbers.hpp"
+#include "base/ascii.hpp"
 #include "base/utf.hpp"
 #include "values/cell.hpp"
 #include "values/kinds.hpp"
