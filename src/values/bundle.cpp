@@ -361,7 +361,20 @@ const list& bundle::get_nc_list(const std::wstring& path, const list& fallback, 
   return held && !held->empty() ? *held : fallback;
 }
 
-// --- narrow paths
+// --- text and comparison
+
+std::wstring bundle::to_string() const {
+  std::wstring text;
+  detail::append_text(text, *this);
+  return text;
+}
+
+bool bundle::operator==(const bundle& other) const { return to_string() == other.to_string(); }
+bool bundle::operator<(const bundle& other) const { return to_string() < other.to_string(); }
+
+std::wostream& operator<<(std::wostream& out, const bundle& value) { return out << value.to_string(); }
+
+// --- narrow paths: what the wide forms above do
 
 const xvar* bundle::get_ptr(const std::string& path, char separator) const {
   return get_ptr(to_utf_16(path), separator);
@@ -472,18 +485,5 @@ const xvar& xvar_dummies::of(const std::type_info& type) {
       std::find_if(std::begin(all), std::end(all), [&](const xvar& v) { return v.instanceof (type); });
   return found == std::end(all) ? none : *found;
 }
-
-// --- text and comparison
-
-std::wstring bundle::to_string() const {
-  std::wstring text;
-  detail::append_text(text, *this);
-  return text;
-}
-
-bool bundle::operator==(const bundle& other) const { return to_string() == other.to_string(); }
-bool bundle::operator<(const bundle& other) const { return to_string() < other.to_string(); }
-
-std::wostream& operator<<(std::wostream& out, const bundle& value) { return out << value.to_string(); }
 
 }  // namespace ruvo
