@@ -29,26 +29,26 @@ using clock = std::chrono::steady_clock;
 
 // The second text of an entry, made when somebody takes it.
 
-const std::wstring& text_of(const std::wstring& text) noexcept { return text; }
+const std::wstring& entry_text(const std::wstring& text) noexcept { return text; }
 
-std::wstring text_of(const std::exception& error) {
+std::wstring entry_text(const std::exception& error) {
   if (const auto* const own = dynamic_cast<const exception*>(&error))
     return detail::with_detail(own->get_mensaje(), own->get_detail());
   return detail::with_detail(texto::to_utf_16(error.what()), detail::detail_of(error));
 }
 
-std::wstring text_of(const std::exception_ptr& error) {
+std::wstring entry_text(const std::exception_ptr& error) {
   if (!error) return {};
   try {
     std::rethrow_exception(error);
   } catch (const std::exception& known) {
-    return text_of(known);
+    return entry_text(known);
   } catch (...) {
     return detail::with_detail(exception::incorrect().get_mensaje(), detail::detail_of(error));
   }
 }
 
-std::wstring text_of(std::chrono::microseconds passed) {
+std::wstring entry_text(std::chrono::microseconds passed) {
   std::wstring out;
   texto::append_integer(out, passed.count() / 1000);
   append_pattern(out, L".%03u ms", {static_cast<unsigned long>(passed.count() % 1000)});
@@ -104,7 +104,7 @@ struct logger::state {
     bool taken = false;
     if (to || kept) {
       quietly([&] {
-        const std::wstring& text = text_of(second);
+        const std::wstring& text = entry_text(second);
         if (to) taken = call(*to, entry_level, first, text);
         if (kept && write(entry_level, first, text)) taken = true;
       });

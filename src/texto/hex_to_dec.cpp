@@ -20,7 +20,7 @@ constexpr std::uint64_t limb_base = 1'000'000'000;
 constexpr int limb_digits = 9;
 constexpr std::size_t group = 8;  // hexadecimal digits that are taken in one go: 32 bits
 
-std::uint64_t number_of(std::string_view hex) {
+std::uint64_t value_of_digits(std::string_view hex) {
   std::uint64_t value = 0;
   for (const char c : hex) {
     const int digit = hex_value(static_cast<wchar_t>(c));
@@ -61,7 +61,7 @@ std::string hex_to_dec(const std::string& hex) {
   std::string_view rest = hex;
   // A short group first, so that all others are whole.
   for (std::size_t size = rest.size() % group; !rest.empty(); size = group) {
-    append_group(limbs, number_of(rest.substr(0, size)));
+    append_group(limbs, value_of_digits(rest.substr(0, size)));
     rest.remove_prefix(size);
   }
   return decimal_digits(limbs);

@@ -34,7 +34,7 @@ namespace {
 using texto::to_utf_16;
 using texto::unit_of;
 
-bundle::entry* find_in(const bundle_store* store, std::wstring_view folded) {
+bundle::entry* find_folded(const bundle_store* store, std::wstring_view folded) {
   return store ? store->find(key_view(folded)) : nullptr;
 }
 
@@ -112,7 +112,7 @@ const xvar& bundle::operator[](const wchar_t* key) const { return at(std::wstrin
 const xvar& bundle::operator[](const char* key) const { return at(std::string(key ? key : "")); }
 
 const xvar& bundle::at(const std::wstring& key) const {
-  const entry* const found = find_in(store_, folded_key(key).view());
+  const entry* const found = find_folded(store_, folded_key(key).view());
   if (!found) throw detail::missing_key(key);
   return found->second;
 }
@@ -123,7 +123,7 @@ bundle::iterator bundle::nth(unsigned long long n) noexcept {
 }
 
 bundle::iterator bundle::find(const std::wstring& key) {
-  return {store_, find_in(store_, folded_key(key).view()), 0};
+  return {store_, find_folded(store_, folded_key(key).view()), 0};
 }
 bundle::iterator bundle::find(const std::string& key) { return find(to_utf_16(key)); }
 bundle::const_iterator bundle::find(const std::wstring& key) const {
@@ -134,7 +134,7 @@ bundle::size_type bundle::count(const std::wstring& key) const { return find(key
 bundle::size_type bundle::count(const std::string& key) const { return count(to_utf_16(key)); }
 
 bundle::size_type bundle::erase(const std::wstring& key) {
-  entry* const found = find_in(store_, folded_key(key).view());
+  entry* const found = find_folded(store_, folded_key(key).view());
   if (found) store_->erase(found);
   return found ? 1 : 0;
 }
@@ -164,11 +164,11 @@ const xvar* bundle::get_ptr(const std::wstring& path, char separator) const {
   std::wstring_view rest = folded.view(), head;
   const bundle_store* in = store_;
   while (split_head(rest, unit_of(separator), head)) {
-    const entry* const found = find_in(in, head);
+    const entry* const found = find_folded(in, head);
     if (!found || cell::kind_of(found->second) != kind::bundle) return nullptr;
     in = bundle_access::store(cell::as_bundle(found->second));
   }
-  const entry* const found = find_in(in, rest);
+  const entry* const found = find_folded(in, rest);
   return found ? &found->second : nullptr;
 }
 
