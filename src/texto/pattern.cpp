@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "base/ascii.hpp"
-#include "texto/regex.hpp"
+#include "texto/regex/match.hpp"
 
 namespace ruvo::texto {
 

@@ -1,11 +1,11 @@
 // Alternatives with fewer ways to try: what many of them begin with is matched once.
 
+#include "texto/regex/ast.hpp"
+
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
 #include <vector>
-
-#include "texto/regex_ast.hpp"
 
 namespace ruvo::texto::regex {
 

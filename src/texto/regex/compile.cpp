@@ -2,7 +2,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "texto/regex.hpp"
+#include "texto/regex/match.hpp"
 
 namespace ruvo::texto::regex {
 

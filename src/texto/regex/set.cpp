@@ -4,7 +4,7 @@
 
 #include "base/ascii.hpp"
 #include "base/unicode.hpp"
-#include "texto/regex_ast.hpp"
+#include "texto/regex/ast.hpp"
 
 namespace ruvo::texto::regex {
 

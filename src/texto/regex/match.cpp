@@ -1,9 +1,10 @@
+#include "texto/regex/match.hpp"
+
 #include <algorithm>
 #include <new>
 
 #include "base/limits.hpp"
 #include "base/unicode.hpp"
-#include "texto/regex.hpp"
 
 namespace ruvo::texto::regex {
 

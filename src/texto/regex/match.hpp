@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "base/find.hpp"
-#include "texto/regex_ast.hpp"
+#include "texto/regex/ast.hpp"
 
 namespace ruvo::texto::regex {
 

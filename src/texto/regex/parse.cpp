@@ -2,7 +2,7 @@
 #include <cstddef>
 
 #include "base/ascii.hpp"
-#include "texto/regex_ast.hpp"
+#include "texto/regex/ast.hpp"
 
 namespace ruvo::texto::regex {
 
