@@ -1,42 +1,45 @@
-#include <algorithm>
+// From the text of a pattern to its tree.
+
+#include "texto/regex/parse.hpp"
+
 #include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "base/ascii.hpp"
-#include "texto/regex/ast.hpp"
+#include "texto/regex/fault.hpp"
 
 namespace ruvo::texto::regex {
-
-namespace codes = std::regex_constants;
-
-void fail(codes::error_type code) { throw std::regex_error(code); }
 
 namespace {
 
 constexpr std::uint32_t greatest_count = 0x7FFFFFFF;
 
 /// Nested brackets are kept on a stack of our own, so that no pattern runs out of the thread's.
-class Parser {
+class parser {
  public:
-  explicit Parser(std::wstring_view pattern) : pattern_(pattern) {}
+  explicit parser(std::wstring_view pattern) : pattern_(pattern) {}
 
-  Ast parse() {
+  ast parse() {
     open_.push_back({});
     while (at_ < pattern_.size()) step();
-    if (open_.size() > 1) fail(codes::error_paren);
-    ast_.root = close_alternatives();
-    ast_.groups = static_cast<std::uint32_t>(closed_.size());
-    return std::move(ast_);
+    if (open_.size() > 1) fail(fault::paren);
+    tree_.root = close_alternatives();
+    tree_.groups = static_cast<std::uint32_t>(closed_.size());
+    return std::move(tree_);
   }
 
  private:
-  struct List {
-    std::int32_t first = -1, last = -1;
+  struct chain {
+    std::uint32_t first = none, last = none;
   };
 
   /// A bracket whose end is not reached yet.
-  struct Open {
-    Node node;  // Kind::empty for (?:
-    List alternatives, items;
+  struct open_bracket {
+    node made;  // empty for (?:
+    chain alternatives, items;
   };
 
   bool at(std::wstring_view text) const { return pattern_.substr(at_, text.size()) == text; }
@@ -47,46 +50,58 @@ class Parser {
     return true;
   }
 
-  std::int32_t add(const Node& node) {
-    if (ast_.nodes.size() >= max_parts) fail(codes::error_space);
-    ast_.nodes.push_back(node);
-    return static_cast<std::int32_t>(ast_.nodes.size()) - 1;
+  std::uint32_t add(node made) {
+    if (tree_.nodes.size() >= max_parts) fail(fault::space);
+    made.can_be_empty = can_be_empty(made);
+    tree_.nodes.push_back(made);
+    return static_cast<std::uint32_t>(tree_.nodes.size() - 1);
   }
 
-  std::int32_t add_set(CharSet set) {
-    ast_.sets.push_back(std::move(set));
-    return add(
-        {.kind = Kind::set, .can_be_empty = false, .a = static_cast<std::uint32_t>(ast_.sets.size() - 1)});
+  bool can_be_empty(const node& made) const {
+    if (made.kind == node_kind::group) return tree_[made.child].can_be_empty;
+    if (made.kind == node_kind::repeat) return made.a == 0 || tree_[made.child].can_be_empty;
+    if (made.kind == node_kind::sequence) return !any_child(made, false);
+    if (made.kind == node_kind::alternatives) return any_child(made, true);
+    return !made.is_unit();
   }
 
-  std::int32_t add_character(wchar_t c) {
-    return add({.kind = Kind::character, .can_be_empty = false, .a = static_cast<char16_t>(c)});
+  /// Whether there is a child of which it is or is not true that it can be empty.
+  bool any_child(const node& made, bool can_be_empty) const {
+    for (std::uint32_t i = made.child; i != none; i = tree_[i].next)
+      if (tree_[i].can_be_empty == can_be_empty) return true;
+    return false;
   }
 
-  void append(List& list, std::int32_t node) {
-    (list.first < 0 ? list.first : ast_.nodes[static_cast<std::size_t>(list.last)].next) = node;
-    list.last = node;
+  std::uint32_t add_set(char_set set) {
+    return add({.kind = node_kind::set, .a = tree_.add(std::move(set))});
   }
 
-  Node& node(std::int32_t index) { return ast_.nodes[static_cast<std::size_t>(index)]; }
+  std::uint32_t add_character(wchar_t c) {
+    return add({.kind = node_kind::character, .a = static_cast<char16_t>(c)});
+  }
+
+  void append(chain& to, std::uint32_t made) {
+    (to.first == none ? to.first : tree_[to.last].next) = made;
+    to.last = made;
+  }
 
   void step() {
     switch (const wchar_t c = pattern_[at_++]; c) {
       case L'(':
-        return open_bracket();
+        return begin_bracket();
       case L')':
-        return close_bracket();
+        return end_bracket();
       case L'|':
         return append(open_.back().alternatives, close_sequence());
       case L'^':
-        return assertion({.kind = Kind::text_begin});
+        return assertion({.kind = node_kind::text_begin});
       case L'$':
-        return assertion({.kind = Kind::text_end});
+        return assertion({.kind = node_kind::text_end});
       case L'*':
       case L'+':
       case L'?':
       case L'{':
-        fail(codes::error_badrepeat);
+        fail(fault::badrepeat);
       case L'[':
         return atom(add_set(parse_set(pattern_, at_)));
       case L'.':
@@ -98,24 +113,24 @@ class Parser {
     }
   }
 
-  static CharSet any() {
-    CharSet set;
-    for (const char16_t end : {u'\n', u'\r', u'\u2028', u'\u2029'}) set.add(end, end);
+  static char_set any() {
+    char_set set;
+    for (const char16_t end : {u'\n', u'\r', u'\u2028', u'\u2029'}) set.add(end);
     set.invert();
     return set;
   }
 
-  void assertion(const Node& made) { append(open_.back().items, add(made)); }
+  void assertion(const node& made) { append(open_.back().items, add(made)); }
 
-  void atom(std::int32_t made) { append(open_.back().items, quantified(made)); }
+  void atom(std::uint32_t made) { append(open_.back().items, quantified(made)); }
 
   void escape() {
-    if (at_ == pattern_.size()) fail(codes::error_escape);
+    if (at_ == pattern_.size()) fail(fault::escape);
     const wchar_t c = pattern_[at_];
     if (c == L'b' || c == L'B') {
       ++at_;
-      assertion({.kind = Kind::word_limit, .negative = c == L'B'});
-    } else if (std::wstring_view(L"dDwWsS").find(c) != std::wstring_view::npos) {
+      assertion({.kind = node_kind::word_limit, .negative = c == L'B'});
+    } else if (names_class(c)) {
       ++at_;
       atom(add_set(escaped_class(c)));
     } else if (is_digit(c) && c != L'0') {
@@ -126,13 +141,13 @@ class Parser {
   }
 
   void back_reference() {
-    const std::uint32_t group = number(codes::error_backref);
-    if (group >= closed_.size() || !closed_[group]) fail(codes::error_backref);
-    ast_.back_references = true;
-    atom(add({.kind = Kind::back_reference, .a = group}));
+    const std::uint32_t group = number(fault::backref);
+    if (group >= closed_.size() || !closed_[group]) fail(fault::backref);
+    tree_.back_references = true;
+    atom(add({.kind = node_kind::back_reference, .a = group}));
   }
 
-  std::uint32_t number(codes::error_type error) {
+  std::uint32_t number(fault error) {
     std::uint64_t value = 0;
     if (at_ == pattern_.size() || !is_digit(pattern_[at_])) fail(error);
     for (; at_ < pattern_.size() && is_digit(pattern_[at_]); ++at_) {
@@ -142,63 +157,59 @@ class Parser {
     return static_cast<std::uint32_t>(value);
   }
 
-  void open_bracket() {
-    Open made;
+  std::uint32_t groups_so_far() const { return static_cast<std::uint32_t>(closed_.size()); }
+
+  void begin_bracket() {
+    open_bracket opened;
+    opened.made.a = groups_so_far();
     if (skip(L"?=") || skip(L"?!")) {
-      made.node = {.kind = Kind::look_ahead,
-                   .negative = pattern_[at_ - 1] == L'!',
-                   .a = static_cast<std::uint32_t>(closed_.size())};
+      opened.made.kind = node_kind::look_ahead;
+      opened.made.negative = pattern_[at_ - 1] == L'!';
     } else if (!skip(L"?:")) {
-      if (at(L"?")) fail(codes::error_paren);
-      made.node = {.kind = Kind::group, .a = static_cast<std::uint32_t>(closed_.size())};
+      if (at(L"?")) fail(fault::paren);
+      opened.made.kind = node_kind::group;
       closed_.push_back(false);
     }
-    if (open_.size() >= max_parts) fail(codes::error_stack);
-    open_.push_back(made);
+    if (open_.size() >= max_parts) fail(fault::stack);
+    open_.push_back(opened);
   }
 
-  void close_bracket() {
-    if (open_.size() == 1) fail(codes::error_paren);
-    const std::int32_t body = close_alternatives();
-    Node made = open_.back().node;
+  void end_bracket() {
+    if (open_.size() == 1) fail(fault::paren);
+    const std::uint32_t body = close_alternatives();
+    node made = open_.back().made;
     open_.pop_back();
-    if (made.kind == Kind::empty) return atom(body);
+    if (made.kind == node_kind::empty) return atom(body);
     made.child = body;
-    if (made.kind == Kind::look_ahead) {
-      made.b = static_cast<std::uint32_t>(closed_.size());
+    if (made.kind == node_kind::look_ahead) {
+      made.b = groups_so_far();
       return assertion(made);
     }
     closed_[made.a] = true;
-    made.can_be_empty = node(body).can_be_empty;
     atom(add(made));
   }
 
   /// What stands between two '|'.
-  std::int32_t close_sequence() {
-    const List items = std::exchange(open_.back().items, {});
-    if (items.first < 0) return add({});
+  std::uint32_t close_sequence() {
+    const chain items = std::exchange(open_.back().items, {});
+    if (items.first == none) return add({});
     if (items.first == items.last) return items.first;
-    bool can_be_empty = true;
-    for (std::int32_t i = items.first; i >= 0; i = node(i).next) can_be_empty &= node(i).can_be_empty;
-    return add({.kind = Kind::sequence, .can_be_empty = can_be_empty, .child = items.first});
+    return add({.kind = node_kind::sequence, .child = items.first});
   }
 
-  std::int32_t close_alternatives() {
-    List all = open_.back().alternatives;
-    const std::int32_t last = close_sequence();
-    if (all.first < 0) return last;
+  std::uint32_t close_alternatives() {
+    chain all = open_.back().alternatives;
+    const std::uint32_t last = close_sequence();
+    if (all.first == none) return last;
     append(all, last);
-    bool can_be_empty = false;
-    for (std::int32_t i = all.first; i >= 0; i = node(i).next) can_be_empty |= node(i).can_be_empty;
-    return add({.kind = Kind::alternatives, .can_be_empty = can_be_empty, .child = all.first});
+    return add({.kind = node_kind::alternatives, .child = all.first});
   }
 
   /// `body` with the quantifiers that follow it; more than one may.
-  std::int32_t quantified(std::int32_t body) {
-    Node made{.kind = Kind::repeat};
+  std::uint32_t quantified(std::uint32_t body) {
+    node made{.kind = node_kind::repeat};
     while (quantifier(made.a, made.b)) {
       made.lazy = skip(L"?");
-      made.can_be_empty = made.a == 0 || node(body).can_be_empty;
       made.child = body;
       body = add(made);
     }
@@ -212,24 +223,22 @@ class Parser {
     if (!skip(L"{")) return false;
     least = greatest = count();
     if (skip(L",")) greatest = at(L"}") ? unbounded : count();
-    if (at_ == pattern_.size()) fail(codes::error_brace);
-    if (!skip(L"}") || greatest < least) fail(codes::error_badbrace);
+    if (at_ == pattern_.size()) fail(fault::brace);
+    if (!skip(L"}") || greatest < least) fail(fault::badbrace);
     return true;
   }
 
-  std::uint32_t count() {
-    return number(at_ == pattern_.size() ? codes::error_brace : codes::error_badbrace);
-  }
+  std::uint32_t count() { return number(at_ == pattern_.size() ? fault::brace : fault::badbrace); }
 
   std::wstring_view pattern_;
   std::size_t at_ = 0;
-  Ast ast_;
-  std::vector<Open> open_;
+  ast tree_;
+  std::vector<open_bracket> open_;
   std::vector<bool> closed_{true};  // for each group whether its end was read; 0 is no group to refer to
 };
 
 }  // namespace
 
-Ast parse(std::wstring_view pattern) { return Parser(pattern).parse(); }
+ast parse(std::wstring_view pattern) { return parser(pattern).parse(); }
 
 }  // namespace ruvo::texto::regex

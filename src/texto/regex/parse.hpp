@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string_view>
+
+#include "texto/regex/ast.hpp"
+
+namespace ruvo::texto::regex {
+
+/// Parses without recursion. Throws std::regex_error.
+ast parse(std::wstring_view pattern);
+
+}  // namespace ruvo::texto::regex
