@@ -32,6 +32,7 @@ need() {
 }
 
 need_host_tools() { need cmake ninja-build clang libclang-rt-dev llvm libstdc++-12-dev googletest python3 gdb; }
+need_peers() { need nlohmann-json3-dev rapidjson-dev librapidxml-dev libboost1.81-dev libhowardhinnant-date-dev; }
 need_build_tools() { need cmake ninja-build g++-mingw-w64-x86-64-posix wine64 googletest python3 pkgconf gdb; }
 
 # build_targets TARGET...: configures with the preset and the options in configure_options, and builds.
@@ -43,6 +44,11 @@ build_targets() {
   cmake --preset "$preset" "${configure_options[@]}" >/dev/null
   cmake --build --preset "$preset" --target "$@" "${quiet[@]}"
   cd "$OLDPWD" || exit
+}
+
+# need_compile_commands: build/lint has the commands of all sources, for those who read them.
+need_compile_commands() {
+  cmake -S "$project" --preset mingw-release -B "$project/build/lint" -D KESTA_TESTS=ON -D KESTA_BENCH=ON >/dev/null
 }
 
 # as_windows FILE...: their full paths as a Windows program under Wine knows them, one a line.
