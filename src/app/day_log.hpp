@@ -1,5 +1,7 @@
 #pragma once
 
+// Log files, one for each day.
+
 #include <ruvo/file.hpp>
 
 #include <mutex>

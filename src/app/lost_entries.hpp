@@ -1,5 +1,7 @@
 #pragma once
 
+// How many log entries were lost.
+
 namespace ruvo::reg {
 
 /// Counts an entry of a log that nobody took.

@@ -1,5 +1,7 @@
 #pragma once
 
+// Numbers and identifiers through patterns of printf.
+
 #include <initializer_list>
 #include <string>
 #include <string_view>

@@ -1,5 +1,7 @@
 #pragma once
 
+// Objects that outlive all others.
+
 #include <new>
 
 namespace ruvo {

@@ -1,5 +1,7 @@
 #pragma once
 
+// Work whose failures are dropped.
+
 namespace ruvo {
 
 /// Runs a body whose failures must not reach the caller: they are dropped.

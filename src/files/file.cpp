@@ -50,7 +50,7 @@ void limpia_ruta_inicio(std::wstring& path) {
     const bool climbs = absolute && (rest.starts_with(L"..\\") || rest == L"..");
     if (!climbs && !rest.starts_with(L".\\")) break;
     const std::size_t next = rest.find_first_not_of(L'\\', climbs ? 2 : 1);
-    if (next == rest.npos && !absolute) break;             // nothing else: "." stays
+    if (next == rest.npos && !absolute) break;                    // nothing else: "." stays
     if (root == 0 && texto::has_drive(rest.substr(next))) break;  // a name that only looks like a drive
     from = next == rest.npos ? path.size() : from + next;
   }

@@ -1,5 +1,7 @@
 #pragma once
 
+// Names for files that do not exist yet.
+
 #include <ruvo/file.hpp>
 
 #include <string>

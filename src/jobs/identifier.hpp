@@ -1,5 +1,7 @@
 #pragma once
 
+// Identifiers for tasks.
+
 #include <string>
 
 namespace ruvo::jobs {

@@ -16,8 +16,8 @@
 #include <typeinfo>
 #include <utility>
 
-#include "base/numbers.hpp"
 #include "base/ascii.hpp"
+#include "base/numbers.hpp"
 #include "base/utf.hpp"
 #include "values/cell.hpp"
 #include "values/kinds.hpp"
