@@ -1,7 +1,7 @@
 #pragma once
 
 // ruvo::armonia, colours that go together: each harmony turns the hue of a base colour and keeps its
-// saturation and luminosity. All members come by way of HSL, the base colour's too, so they are opaque.
+// saturation and luminosity. All members are computed through HSL, the base colour too, so they are opaque.
 
 #include <ruvo/color.hpp>
 

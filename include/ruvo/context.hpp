@@ -146,7 +146,7 @@ class KESTA_API context {
   void set_locale(const std::string& name);
   const std::string& get_locale() const noexcept { return locale_; }
 
-  /// Settles the separators, whoever the user is; 0 means the user's again. An override of the services has
+  /// Fixes the separators for every user; 0 means the user's again. An override of the services has
   /// the last word.
   void set_separators(wchar_t decimal, wchar_t thousands) noexcept;
   /// Settles those of get_locale(), and so of application::init(), which leaves them alone. False when the

@@ -1,6 +1,6 @@
 #pragma once
 
-// Fences: what would compile by way of a conversion to bool, char or a number and can only be a mistake is
+// Fences: what would compile through a conversion to bool, char or a number and can only be a mistake is
 // refused. Values that are meant so are cast: `static_cast<long>(day) + 1`.
 
 #include <ruvo/api.hpp>

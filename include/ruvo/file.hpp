@@ -26,7 +26,7 @@ class KESTA_API file {
   /// The empty path.
   file();
   file(std::nullptr_t) : file() {}
-  /// From a path in whatever form, with `\` or `/` between its components.
+  /// From a path in any form, with `\` or `/` between its components.
   file(const char* path);
   file(const wchar_t* path);
   file(const std::string& path);
@@ -105,11 +105,11 @@ class KESTA_API file {
   bool is_executable() const;
   /// Whether the file or folder is marked as hidden.
   bool is_hidden() const;
-  /// Whether the rights allow to read the file, or to list the folder, whoever has it open. False for a path
-  /// that leads to nothing.
+  /// Whether the rights allow to read the file, or to list the folder, no matter who has it open. False for a
+  /// path that leads to nothing.
   bool can_be_read() const;
-  /// Whether the rights allow to write the file, or to add files to the folder, whoever has it open. False
-  /// for a file that is marked as read-only, and for a path that leads to nothing.
+  /// Whether the rights allow to write the file, or to add files to the folder, no matter who has it open.
+  /// False for a file that is marked as read-only, and for a path that leads to nothing.
   bool can_be_write() const;
   /// Whether somebody, this process counted, has the file open; false for a folder.
   bool is_locked() const;

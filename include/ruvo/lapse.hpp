@@ -92,7 +92,7 @@ class KESTA_API lapse {
   /// A blank in the format stands for any number of blanks. Fields that the format lacks are those of
   /// 1970-01-01 00:00:00. Names are read in any case and in `locale` ("es_ES", "es-ES"; English for "C" and
   /// names the system does not know); an empty one means the locale of the thread's context. `y` means 1969
-  /// to 2068; `H` goes before `I`; `z` sets the instant whatever the mode.
+  /// to 2068; `H` has precedence over `I`; `z` sets the instant whatever the mode.
   bool parse(const std::wstring& text, const std::wstring& format, exception& err,
              const std::string& locale = {});
   bool parse(const std::wstring& text, const std::string& format, exception& err,

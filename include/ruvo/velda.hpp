@@ -20,7 +20,7 @@ namespace ruvo::velda {
 /// What ruvo::date and ruvo::lapse offer beyond the members below (texts, comparisons, the conversion to a
 /// number) works on the instant, which is kept in step: 04:04:04 of the day that was last set. Only the
 /// instant needs the context: where that refuses, the instant stays as it was, null in a new value, and the
-/// day is right all the same. Changing the instant itself, by set_lapso() for instance, leaves the number.
+/// day is still right. Changing the instant itself, by set_lapso() for instance, leaves the number.
 /// @quirk Number and fields are each other's inverse from 2000-03-01 to 2100-02-28, and in these hundred
 /// years moved by multiples of 400. A day set between them reads as the next one, and add() and the set_
 /// functions, which read and set, move it on at every call.
@@ -82,7 +82,7 @@ class KESTA_API date : public ruvo::date {
   /// Replaces DAYS, MONTHS or YEARS; other units change nothing. False: it cannot fail.
   bool set(int n, times::UNITS unit, exception* err = nullptr) override;
   /// Moves DAYS, MONTHS or YEARS by n.
-  /// @quirk False always. Other units move nothing, but the day is read and set all the same.
+  /// @quirk False always. Other units move nothing, but the day is still read and set.
   bool add(int n, times::UNITS unit, exception* err = nullptr) override;
 
   /// Replace a field, as set().

@@ -114,7 +114,7 @@ struct logger::state {
 
  private:
   /// False when the entry comes from the callback itself, or the callback throws. What it does with the
-  /// others is its own affair.
+  /// others is not looked at.
   bool call(IOnLog& to, long entry_level, const std::wstring& first, const std::wstring& second) noexcept {
     const visit here(&callback);
     if (!here.is_first()) return false;

@@ -1,6 +1,6 @@
 #pragma once
 
-// New files that are to take the place of others, and copies that are made by way of one.
+// New files that are to take the place of others, and copies that are made through one.
 
 #include <ruvo/file.hpp>
 

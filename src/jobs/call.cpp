@@ -49,7 +49,7 @@ void call::work(const xvar& input) {
   }
   try {
     end_run();
-  } catch (...) {  // the listener's own affair
+  } catch (...) {  // what the listener throws is dropped
   }
 }
 

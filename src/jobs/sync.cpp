@@ -210,7 +210,7 @@ template <class In, class Progress, class Out>
 void issueable<In, Progress, Out>::end_quietly() noexcept {
   try {
     end_run();
-  } catch (...) {  // the listener's own affair
+  } catch (...) {  // what the listener throws is dropped
   }
 }
 

@@ -72,7 +72,7 @@ void take_date(datetime& date, const bundle& values) {
 bool is_text(const xvar& value) { return value.instanceof (typeid(std::wstring)); }
 
 /// Takes the address that a value of the bundle form holds: a bundle, an address or a text. True when it
-/// has a mail, be it empty.
+/// has a mail, even an empty one.
 bool read_who(address& who, const xvar* value) {
   if (value && value->instanceof (typeid(bundle))) {
     bundle fields;

@@ -26,7 +26,7 @@ struct address_text {
   std::wstring_view name, mail;
 };
 
-/// The name and what stands in "<>" behind it at the end of the text, be it a mail address or not.
+/// The name and what stands in "<>" behind it at the end of the text, whether or not that is a mail address.
 std::optional<address_text> split_address(std::wstring_view text) noexcept;
 
 /// ^<MAIL>$ or ^\"*.*\"*\s<MAIL>$, where MAIL is the pattern of texto::is_email

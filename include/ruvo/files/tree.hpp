@@ -147,7 +147,7 @@ class KESTA_API RelayCallBack : public fileCallback {
   explicit RelayCallBack(fileCallback* to);
   /// Whether it has to stop.
   bool stops() noexcept;
-  /// Works on the folders of a tree by way of what holds them open. Without, a tree is held from the folder
+  /// Works on the folders of a tree through what holds them open. Without, a tree is held from the folder
   /// on that has the first entry.
   void work_on(std::shared_ptr<held_tree> tree);
   const std::shared_ptr<held_tree>& tree_of(const file& entry);

@@ -38,7 +38,7 @@ KESTA_API std::wstring to_roman(unsigned int number);
 /// the sign that format() keeps, when nothing remains. Twenty-one to twenty-nine are one word. The last
 /// number keeps its long form ("Uno"), for no noun is known; the others are shortened ("Un", "Veintiún").
 /// "Número no soportado" from 10^15 on and for NaN.
-/// @quirk Good Spanish goes before one word for each figure: "Mil", not "Uno Mil"; "Un", "Veintiún",
+/// @quirk Good Spanish has precedence over one word for each figure: "Mil", not "Uno Mil"; "Un", "Veintiún",
 /// "Millón" and "Billón" where the language has them; "Millones" once, behind the thousands of them ("Dos Mil
 /// Dos Millones").
 KESTA_API std::wstring cifras_letras(double amount);
