@@ -7,9 +7,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
-#include <cstdio>
-#include <cstdlib>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -71,33 +68,6 @@ class scripted : public ruvo::task::async {
 
  private:
   script of_;
-};
-
-/// Ends the program when the test takes longer: a test that hangs fails.
-class watchdog {
- public:
-  explicit watchdog(std::chrono::seconds limit) : thread_([this, limit] { wait(limit); }) {}
-  ~watchdog() {
-    {
-      const std::lock_guard lock(guard_);
-      done_ = true;
-    }
-    changed_.notify_all();
-    thread_.join();
-  }
-
- private:
-  void wait(std::chrono::seconds limit) {
-    std::unique_lock lock(guard_);
-    if (changed_.wait_for(lock, limit, [this] { return done_; })) return;
-    std::fprintf(stderr, "watchdog: not done within %ld seconds\n", static_cast<long>(limit.count()));
-    std::_Exit(3);
-  }
-
-  std::mutex guard_;
-  std::condition_variable changed_;
-  bool done_ = false;
-  std::thread thread_;
 };
 
 /// Waits until it is so; false after ten seconds.

@@ -140,7 +140,6 @@ constexpr unsigned least = 10000;
 #endif
 
 TEST_F(stress, every_job_is_deleted_once_and_no_thread_is_left) {
-  const watchdog limit(std::chrono::seconds(240));
   pass_by();
   const unsigned long long before = job::alive();
   for (unsigned seed = 0; seed < rounds(); ++seed) {
@@ -154,7 +153,6 @@ TEST_F(stress, every_job_is_deleted_once_and_no_thread_is_left) {
 }
 
 TEST_F(stress, many_threads_share_a_pool) {
-  const watchdog limit(std::chrono::seconds(240));
   const unsigned long long before = job::alive();
   std::atomic<int> ended{0};
   {

@@ -22,12 +22,6 @@ using namespace std::string_literals;
 
 constexpr wchar_t thread_failure[] = L"failure 8/1 Error indeterminado en la Ejecución de hilos";
 
-/// Each test ends within its time.
-class task_alone : public testing::Test {
-  const watchdog limit_{std::chrono::seconds(120)};
-};
-using call_alone = task_alone;
-
 struct course {
   const char* name;
   scripted::script body;
@@ -136,7 +130,7 @@ const course courses[] = {
      L"start, finish 1, start, finish 2, start, finish 3", 3},
 };
 
-TEST_F(task_alone, tells_its_callback_and_its_listener) {
+TEST(task_alone, tells_its_callback_and_its_listener) {
   for (const course& each : courses) {
     SCOPED_TRACE(each.name);
     recorder callback;
@@ -153,7 +147,7 @@ TEST_F(task_alone, tells_its_callback_and_its_listener) {
   }
 }
 
-TEST_F(task_alone, a_callback_that_throws_becomes_a_failure) {
+TEST(task_alone, a_callback_that_throws_becomes_a_failure) {
   recorder callback;
   callback.then = [](const std::wstring& what) {
     if (what != L"start") throw 1;
@@ -171,7 +165,7 @@ TEST_F(task_alone, a_callback_that_throws_becomes_a_failure) {
   EXPECT_EQ(callback.told(), L"cancel, "s + thread_failure + L", cancel, " + thread_failure);
 }
 
-TEST_F(task_alone, the_listener_is_told_even_when_the_callback_throws) {
+TEST(task_alone, the_listener_is_told_even_when_the_callback_throws) {
   recorder callback;
   listener over;
   callback.then = [](const std::wstring& what) {
@@ -194,7 +188,7 @@ TEST_F(task_alone, the_listener_is_told_even_when_the_callback_throws) {
   EXPECT_EQ(over.count, 1);
 }
 
-TEST_F(task_alone, a_start_that_throws_leaves_nothing_running) {
+TEST(task_alone, a_start_that_throws_leaves_nothing_running) {
   recorder callback;
   listener over;
   callback.then = [](const std::wstring&) { throw std::runtime_error("no"); };
@@ -205,7 +199,7 @@ TEST_F(task_alone, a_start_that_throws_leaves_nothing_running) {
   EXPECT_EQ(over.count, 0);
 }
 
-TEST_F(task_alone, works_on_a_copy_of_its_input_and_keeps_copies_of_its_values) {
+TEST(task_alone, works_on_a_copy_of_its_input_and_keeps_copies_of_its_values) {
   std::atomic<bool> gone{false};
   recorder callback;
   const xvar* result = nullptr;
@@ -235,7 +229,7 @@ TEST_F(task_alone, works_on_a_copy_of_its_input_and_keeps_copies_of_its_values) 
   EXPECT_NE(result, nullptr);
 }
 
-TEST_F(task_alone, many_threads_may_join_and_cancel) {
+TEST(task_alone, many_threads_may_join_and_cancel) {
   for (int round = 0; round < 20; ++round) {
     std::atomic<bool> ended{false};
     std::atomic<int> early{0};
@@ -258,7 +252,7 @@ TEST_F(task_alone, many_threads_may_join_and_cancel) {
   }
 }
 
-TEST_F(task_alone, a_detached_thread_is_not_waited_for) {
+TEST(task_alone, a_detached_thread_is_not_waited_for) {
   // Nothing tells when such a thread has left the task for good, so these outlive the test.
   static std::atomic<bool> go{false};
   static listener over;
@@ -277,7 +271,7 @@ TEST_F(task_alone, a_detached_thread_is_not_waited_for) {
 }
 
 // Threads that are detached as they end have ended the process here, in the runtime's own code.
-TEST_F(task_alone, a_thread_may_be_let_go_as_it_ends) {
+TEST(task_alone, a_thread_may_be_let_go_as_it_ends) {
   static std::atomic<int> ended{0};
   ruvo::detail::worker worker;
   for (int round = 0; round < 500; ++round) {
@@ -293,7 +287,7 @@ TEST_F(task_alone, a_thread_may_be_let_go_as_it_ends) {
   EXPECT_TRUE(worker.join());
 }
 
-TEST_F(task_alone, orders_downwards_by_its_identifier) {
+TEST(task_alone, orders_downwards_by_its_identifier) {
   std::vector<std::unique_ptr<scripted>> tasks;
   for (int i = 0; i < 30; ++i) tasks.push_back(std::make_unique<scripted>(finish));
   for (const auto& a : tasks) {
@@ -319,7 +313,7 @@ class poor_app : public ruvo::kesta::app {
   mutable std::wstring asked;
 };
 
-TEST_F(task_alone, is_told_apart_even_where_the_application_has_no_identifiers) {
+TEST(task_alone, is_told_apart_even_where_the_application_has_no_identifiers) {
   poor_app app;
   const ruvo::thread_scope scope(app);
   const scripted a(finish), b(finish);
@@ -351,7 +345,7 @@ struct bundle_sizes : ruvo::task::ibunlistener {
   std::vector<std::size_t> sizes;
 };
 
-TEST_F(task_alone, takes_bundles) {
+TEST(task_alone, takes_bundles) {
   bundle_sizes told;
   {
     bundled task(&told);
@@ -370,7 +364,7 @@ struct ending {
   std::wstring told;
 };
 
-TEST_F(call_alone, ends_in_a_result_or_in_a_failure) {
+TEST(call_alone, ends_in_a_result_or_in_a_failure) {
   const std::vector<ending> all = {
       {"result", [](const xvar& input) { return input; }, L"finish entrada"},
       {"own exception", [](const xvar&) -> xvar { throw ruvo::exc::OutOfRange(); },
@@ -400,7 +394,7 @@ TEST_F(call_alone, ends_in_a_result_or_in_a_failure) {
   }
 }
 
-TEST_F(call_alone, that_is_canceled_says_so) {
+TEST(call_alone, that_is_canceled_says_so) {
   for (const bool throwing : {true, false}) {
     std::wstring told;
     std::atomic<int> steps{0};
@@ -430,7 +424,7 @@ TEST_F(call_alone, that_is_canceled_says_so) {
   }
 }
 
-TEST_F(call_alone, canceled_before_its_start_skips_the_body) {
+TEST(call_alone, canceled_before_its_start_skips_the_body) {
   bool ran = false;
   int failures = 0;
   ruvo::task::call task(
@@ -448,7 +442,7 @@ TEST_F(call_alone, canceled_before_its_start_skips_the_body) {
   EXPECT_EQ(failures, 1);
 }
 
-TEST_F(call_alone, destroyed_at_once_still_tells_its_end) {
+TEST(call_alone, destroyed_at_once_still_tells_its_end) {
   for (int round = 0; round < 100; ++round) {
     std::atomic<int> finished{0}, failed{0};
     {
@@ -461,7 +455,7 @@ TEST_F(call_alone, destroyed_at_once_still_tells_its_end) {
   }
 }
 
-TEST_F(call_alone, survives_handlers_that_throw_and_none_at_all) {
+TEST(call_alone, survives_handlers_that_throw_and_none_at_all) {
   listener over;
   int failures = 0;
   const auto one = [](const xvar&, ruvo::task::steps) -> xvar { return 1; };
@@ -483,7 +477,7 @@ TEST_F(call_alone, survives_handlers_that_throw_and_none_at_all) {
   EXPECT_EQ(failures, 3);  // the end of the first, its cancellation, the empty body
 }
 
-TEST_F(call_alone, silence_silences_its_handlers) {
+TEST(call_alone, silence_silences_its_handlers) {
   int told = 0;
   ruvo::task::call task([](const xvar&, ruvo::task::steps) -> xvar { return 1; },
                         {.finish = [&told](const xvar&) { ++told; }});
@@ -524,7 +518,7 @@ class whereabouts {
 };
 
 // Body, progress, finish or failure (x), cancel (on a thread that belongs to nobody).
-TEST_F(call_alone, runs_in_the_application_that_it_was_started_in) {
+TEST(call_alone, runs_in_the_application_that_it_was_started_in) {
   auto app = std::make_unique<ruvo::kesta::app>();
   ruvo::kesta::app other;
   whereabouts seen(*app);

@@ -115,15 +115,6 @@ class allocation : public testing::Test {
   std::wstring text_;
 };
 
-TEST_F(allocation, reading) {
-  const long long allocations = fail_everywhere([&] {
-    json j;
-    bundle b;
-    j.deserialize(b, document, nullptr);
-  });
-  EXPECT_GT(allocations, 10);
-}
-
 TEST_F(allocation, copying_and_assigning_leave_the_target_as_it_was) {
   bundle target = {{L"before", 1}};
   fail_everywhere([&] { target = sample_; },

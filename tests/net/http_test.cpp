@@ -4,6 +4,7 @@
 #include <chrono>
 #include <map>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <type_traits>
@@ -12,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include "support/dice.hpp"
+#include "support/held.hpp"
 
 namespace {
 
@@ -65,19 +67,13 @@ TYPED_TEST(message_headers, names_ignore_case_wide_and_narrow) {
   TypeParam m;
   const TypeParam& c = m;
   EXPECT_EQ(m.size(), 2u);
-  EXPECT_EQ(m.find(L"content-type")->first, L"Content-Type");
-  EXPECT_EQ(c.find("CONTENT-TYPE")->first, L"Content-Type");
-  EXPECT_EQ(m.at("accept"), L"*/*");
-  EXPECT_EQ(c.at(std::wstring(L"aCCept")), L"*/*");
-  m[L"ACCEPT"] = L"text/html";
-  EXPECT_EQ(m.begin()->first, L"Accept");  // the first spelling stays
-  EXPECT_EQ(m.cbegin()->second, L"text/html");
-  m.at(L"accept") += L", */*";
-  EXPECT_EQ(c.at("Accept"), L"text/html, */*");
-  EXPECT_EQ(m.erase("ACCEPT"), 1u);
-  EXPECT_EQ(m.erase(L"Accept"), 0u);
-  EXPECT_TRUE(m.find("accept") == m.end());
-  EXPECT_TRUE(c.find(L"accept") == c.cend());
+  EXPECT_EQ(m.find(L"content-type")->first + c.find("CONTENT-TYPE")->first, L"Content-TypeContent-Type");
+  m.at("accept") += L", x";
+  EXPECT_EQ(c.at(std::wstring(L"aCCept")), L"*/*, x");
+  EXPECT_EQ(m.cbegin()->second, L"*/*, x");
+  EXPECT_TRUE(m.find("no") == m.end() && c.find(L"no") == c.cend());
+  EXPECT_THROW(static_cast<void>(m.at("no")), std::out_of_range);
+  EXPECT_THROW(static_cast<void>(c.at(L"no")), std::out_of_range);
 
   const std::string narrow = "\xC3\x91-\xF0\x9F\x98\x80-name";  // "Ñ-😀-name"
   EXPECT_EQ(m[narrow], L"");
@@ -182,23 +178,10 @@ TYPED_TEST(message_headers, travels_in_an_xvar) {
   TypeParam m;
   m[L"X"] = L"1";
   m.set_body(L"body");
-  const xvar value = m;
-  EXPECT_TRUE(value.instanceof (typeid(TypeParam)));
-  EXPECT_EQ(value.to_string(), m.to_string());
-  ruvo::bundle document;
-  document[L"mensaje"] = m;
-  m.clear();
+  expect_held(m, [](const TypeParam& message) { return message.to_string(); });
   TypeParam back;
-  back = document[L"mensaje"];
-  EXPECT_EQ(back.at("x") + back.get_body(), L"1body");
-
   using other_message = std::conditional_t<std::is_same_v<TypeParam, request>, response, request>;
-  back = xvar();
-  for (const xvar& wrong :
-       {xvar(L"X: 1"), xvar(5), xvar(other_message()), xvar(ruvo::color()), xvar(document)}) {
-    EXPECT_THROW(back = wrong, std::bad_cast);
-  }
-  EXPECT_EQ(back.at("x") + back.get_body(), L"1body");
+  EXPECT_THROW(back = xvar(other_message()), std::bad_cast);
 }
 
 /// With a NUL for each '#'.

@@ -1,5 +1,4 @@
-#include <ruvo/armonia.hpp>
-#include <ruvo/color.hpp>
+#include <ruvo/ruvo.hpp>
 
 #include <cmath>
 #include <cstdio>
@@ -12,10 +11,13 @@
 #include <gtest/gtest.h>
 
 #include "support/dice.hpp"
+#include "support/held.hpp"
 
 namespace {
 
 using ruvo::color;
+using ruvo::var;
+using ruvo::xvar;
 namespace armonia = ruvo::armonia;
 
 // --- the conversions once more, around a table of the six sectors of the hue
@@ -333,6 +335,40 @@ TEST(color, any_number_is_taken) {
   }
   EXPECT_EQ(color(0u, 0u, 0u, 2.0f).get_integer_alpha(), 510u);
   EXPECT_EQ(color(0u, 0u, 0u, -1.0f).to_string(), L"#00000000");
+}
+
+// --- colours in values
+
+TEST(color_value, is_held_as_a_colour) {
+  const color translucent = color(10u, 20u, 300u, 0.25f).set_amount(3);
+  const xvar value = translucent;
+  EXPECT_TRUE(static_cast<const var&>(xvar(translucent)) == value);
+  EXPECT_TRUE(value.instanceof (typeid(color)));
+  EXPECT_EQ(*value.get_type(), typeid(color));
+  EXPECT_EQ(value.to_string(), translucent.to_string());
+  EXPECT_EQ(static_cast<std::wstring>(value), L"#0A142C3F");
+  EXPECT_FALSE(value.is_primitive() || value.is_number() || value.is_charsquence() || value.is_lapse());
+  EXPECT_FALSE(value.var::empty() || value.can_be_number() || value.can_be_boolean());
+  EXPECT_THROW(static_cast<void>(static_cast<long>(value)), std::bad_cast);
+  EXPECT_THROW(static_cast<void>(static_cast<double>(value)), std::bad_cast);
+  EXPECT_THROW(static_cast<void>(static_cast<bool>(value)), std::bad_cast);
+  EXPECT_THROW(static_cast<void>(static_cast<ruvo::date>(value)), std::bad_cast);
+  EXPECT_EQ(static_cast<ruvo::memo>(value).to_string(), L"#0A142C3F");
+
+  expect_held(translucent, [](const color& c) {  // all of it, which the text does not say
+    std::wostringstream out;
+    out << c << L' ' << c.get_blue() << L' ' << c.get_alpha() << L' ' << c.get_amount();
+    return out.str();
+  });
+  EXPECT_TRUE(xvar(color(L"")).var::empty());
+}
+
+TEST(color_value, compares_by_type_and_text) {
+  const xvar red = color(color::RED), same = color(255, 0, 0), blue = color(color::BLUE);
+  EXPECT_TRUE(static_cast<const var&>(red) == same);
+  EXPECT_FALSE(static_cast<const var&>(red) == blue);
+  EXPECT_FALSE(static_cast<const var&>(red) == var(color::RED));  // a text
+  EXPECT_TRUE(static_cast<const var&>(blue) < red);
 }
 
 // --- names

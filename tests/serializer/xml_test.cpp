@@ -39,24 +39,17 @@ TEST(xml_reader, reads) {
     const char* name;
     const wchar_t *text, *store;
   } const rows[] = {
-      {"text", L"<a>1</a>", L"{\"a\":\"1\"}"},
       {"after a repetition all is listed", L"<r><b>1</b><a>2</a><B>3</B><c>4</c></r>",
        L"{\"r\":[{\"a\":\"2\"},{\"b\":\"1\"},{\"b\":\"3\"},{\"c\":\"4\"}]}"},
       {"repetition of containers", L"<r><a><x>1</x></a><a><x>2</x><x>3</x></a></r>",
        L"{\"r\":[{\"a\":{\"x\":\"1\"}},{\"a\":[{\"x\":\"2\"},{\"x\":\"3\"}]}]}"},
-      {"on top the last one stays", L"<a><x>1</x></a><a>2</a>", L"{\"a\":\"2\"}"},
-      {"declaration, comment", L"<?xml version=\"1.0\"?><!-- <b>x</b> --><a>1</a>", L"{\"a\":\"1\"}"},
       {"comment beside text", L"<a>1<!-- x --></a>", L"{\"a\":\"1\"}"},
-      {"CDATA is dropped", L"<a>1<![CDATA[ <b>x</b> ]]></a><c>2</c>", L"{\"a\":\"1\", \"c\":\"2\"}"},
       {"more marks than two", L"<!-- x ---><a>1<![CDATA[ ]]]></a>", L"{\"a\":\"1\"}"},
       {"a single > in a comment", L"<!-- a -> b > <x>1</x> --><a>1</a>", L"{\"a\":\"1\"}"},
       {"blanks around text", L"<a> \t\r\n 1 2\n</a>", L"{\"a\":\"1 2\"}"},
       {"line breaks in tags", L"<\n a\n>1</a\n>", L"{\"a\":\"1\"}"},
       {"entities", L"<a>&lt;b&gt; &apos;&qout;&&amp;lt;</a>", L"{\"a\":\"<b> '\\\"&lt;\"}"},
-      {"empty elements", L"<r><a/><b></b><c x=\"1\"/></r>", L"{\"r\":{\"a\":\"\", \"b\":\"\", \"c\":\"\"}}"},
       {"empty outermost element", L"<a/><b>1</b>", L"{\"a\":\"\", \"b\":\"1\"}"},
-      {"end tag with a blank", L"<r><a>1</a ><b x=\"1\"></b></r>", L"{\"r\":{\"a\":{\"a\":\"\"}}}"},
-      {"processing instruction inside", L"<r><?x?><b>1</b></r>", L"{\"r\":{\"?x?\":{\"b\":\"1\"}}}"},
       {"line break before an attribute", L"<a\nx=\"1\">2</a>", L"{\"ax=\"1\"\":\"2\"}"},
       {"nameless", L"<r><>1</r><a>2</a>", L"{\"a\":\"2\", \"r\":\"1\"}"},
       {"nothing open", L"<>1</a></b><c>2</c>", L"{\"c\":\"2\"}"},
@@ -81,15 +74,11 @@ TEST(xml_reader, attributes_become_qualities) {
     const char* name;
     const wchar_t *text, *qualities;
   } const rows[] = {
-      {"as they stand", L"<a x=\" &lt;2&&amp; \">t</a>", L"x= &lt;2&&amp; "},
-      {"blanks around", L"<a  x = \"1\"\n y= \"2\"\t>t</a>", L"x=1; y=2"},
-      {"without quotes", L"<a x=1 y=2>t</a><a x=\"3\">t</a>", L"x=1y=2>t</a><ax=3"},
       {"quotes in the middle", L"<a x=1\"2\">t</a>", L"x=12"},
       {"single quotes", L"<a x='1'>t</a><b y=\"2\">", L"x='1'>t</a><by=2"},
       {"backslashes", L"<a x=\"1\\\\2\\n\">t</a>", L"x=12n"},
       {"blanks in names", L"<a x y=\"1\">t</a>", L"xy=1"},
       {"no name", L"<a =\"1\">t</a>", L"=1"},
-      {"twice", L"<a Xy=\"1\" xY=\"2\">t</a>", L"Xy=2"},
       {"empty element", L"<a x=\"1\"/>", L"x=1"},
       {"of an element with children", L"<a x=\"1\"><b>2</b></a>", L"x=1"},
       {"on top a fresh start", L"<a x=\"1\">t</a><a y=\"2\">t</a>", L"y=2"},
@@ -121,7 +110,6 @@ TEST(xml_reader, failures) {
     unsigned code;
     std::wstring message, store;
   } rows[] = {
-      {"end tag in another case", L"<A>1</a>", 7002, read_wrongly + L"8 en el nudo:0", L"{\"a\":\"1\"}"},
       {"end tag without a name", L"<a>1</>", 7002, read_wrongly + L"7 en el nudo:0", L"{\"a\":\"1\"}"},
       {"namespace in the opening tag only", L"<n:a>1</a>", 7002, read_wrongly + L"10 en el nudo:0",
        L"{\"n:a\":\"1\"}"},
@@ -232,7 +220,6 @@ TEST(xml_writer, writes) {
     const wchar_t* text;
   } const rows[] = {
       {"nothing", {}, L""},
-      {"scalars", {{L"b", L"x"}, {L"a", 1}}, L"<a>1</a><b>x</b>"},
       {"kinds",
        {{L"a", xvar()},
         {L"b", true},
@@ -246,8 +233,6 @@ TEST(xml_writer, writes) {
       {"memo and binary",
        {{L"a", ruvo::memo(L" <m> ")}, {L"b", ruvo::binary(L" <b> ")}},
        L"<a>&lt;m&gt;</a><b>&lt;b&gt;</b>"},
-      {"bundles", {{L"r", bundle{{L"b", 1}, {L"a", bundle()}}}}, L"<r><a></a><b>1</b></r>"},
-      {"list", {{L"k", list{1, 2}}}, L"<k><item>1</item><item>2</item></k>"},
       {"lists in lists",
        {{L"k", list{list{1, list{}}, xvar()}}},
        L"<k><item><item>1</item><item></item></item><item></item></k>"},

@@ -188,16 +188,6 @@ TEST(hex, long_numbers_to_decimal) {
   }
 }
 
-TEST(web, encode) {
-  const std::pair<std::wstring, std::wstring> rows[] = {
-      {L"", L""},
-      {L"a b+c/d?e=f&g", L"a%20b%2Bc%2Fd%3Fe%3Df%26g"},
-      {L"año €", L"a%C3%B1o%20%E2%82%AC"},
-      {L"\xD83D\xDE00", L"%F0%9F%98%80"},
-  };
-  for (const auto& [text, address] : rows) EXPECT_EQ(texto::web_encode(text), address);
-}
-
 TEST(web, every_unit_comes_back) {
   const std::wstring unreserved = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
   for (std::uint32_t unit = 0; unit < 0x10000; ++unit) {

@@ -56,12 +56,6 @@ TEST(html, entities) {
   EXPECT_EQ(in_place(texto::escaped_from_html, L"&&eacute;&EACUTE;&eacute&amp;"), L"&é&EACUTE;&eacute&amp;");
 }
 
-TEST(html, line_ends) {
-  EXPECT_EQ(texto::to_html_(L"a\r\nb\n\rc\r\r\né"), L"a<br/>b<br/>\rc\r<br/>&eacute;");
-  EXPECT_EQ(in_place(texto::to_html, L"\n\n"), L"<br/><br/>");
-  EXPECT_EQ(texto::to_plain_(texto::to_html_(L"año\r\nñu\r\n")), L"año\r\nñu\r\n");
-}
-
 TEST(html, tags_agree_with_the_pattern) {
   const std::wregex tag(L"<[^>]*>");
   std::vector<std::wstring> tags = pieces(L"< > / a <br/> </br> &eacute; &eacute");

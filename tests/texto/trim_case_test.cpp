@@ -55,23 +55,6 @@ TEST(letter_case, every_unit_follows_the_tables) {
   EXPECT_EQ(texto::to_lowercase(text), L"ñu");
 }
 
-TEST(letter_case, texts_of_every_length) {
-  const std::wstring source = L"[ÑAZ@×Þß`az{÷ÿñ\x0141\x8041\xFFC1\x4100";
-  for (std::size_t size = 0; size < 40; ++size) {
-    for (std::size_t first = 0; first < source.size(); ++first) {
-      std::wstring text, lower, upper;
-      for (std::size_t i = 0; i < size; ++i) {
-        text += source[(first + i) % source.size()];
-        lower += texto::to_lowercase(text.back());
-        upper += texto::to_uppercase(text.back());
-      }
-      ASSERT_EQ(texto::to_lowercase_(text), lower);
-      ASSERT_EQ(texto::to_uppercase_(text), upper);
-      ASSERT_EQ(texto::to_lowercase(text), lower);
-    }
-  }
-}
-
 TEST(checks, integers) {
   const struct {
     const wchar_t* text;
@@ -85,10 +68,4 @@ TEST(checks, integers) {
     EXPECT_EQ(texto::is_integer_positive(row.text), row.positive) << row.text;
   }
   EXPECT_TRUE(texto::is_integer(L"-" + std::wstring(1000000, L'9')));
-}
-
-TEST(checks, safe_non_empty) {
-  EXPECT_EQ(texto::safe_non_empty(std::wstring(L"a"), std::wstring(L"b")), L"a");
-  EXPECT_EQ(texto::safe_non_empty(L"", L"b"), L"b");
-  EXPECT_EQ(texto::safe_non_empty("", "a\xC3\xB1o"), L"año");
 }

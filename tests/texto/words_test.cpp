@@ -236,11 +236,6 @@ TEST(cleaning, special_characters) {
     ASSERT_NE(once.find(static_cast<wchar_t>(unit)), once.npos) << unit;
 }
 
-TEST(cleaning, clear) {
-  EXPECT_EQ(texto::clear(L"\ta\r\nb c\v\n"), L"ab c\v");
-  EXPECT_EQ(texto::clear(std::wstring(L"\0\t\0", 3)), std::wstring(2, L'\0'));
-}
-
 TEST(words, long_and_strange_texts) {
   const std::wstring all = all_units();
   for (const std::wstring& text :

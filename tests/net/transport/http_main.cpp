@@ -16,11 +16,6 @@ namespace {
 using ruvo::http::request;
 using ruvo::http::response;
 
-struct place {
-  std::string host;
-  unsigned short port;
-};
-
 // --- a transport: what an application brings along
 
 /// The text form of the message as it goes over the wire: without the line end behind the body.
@@ -49,8 +44,9 @@ void receive_status(transport::connection& peer, response& answer) {
     answer.set_exception(ruvo::exception(ruvo::texto::to_utf_16(line.substr(blank + 1)), code, 0, 3000));
 }
 
-void exchange(const place& server, const std::string& method, const request& message, response& answer) {
-  transport::connection peer(server.host, server.port);
+void exchange(const transport::place& server, const std::string& method, const request& message,
+              response& answer) {
+  transport::connection peer(server);
   request sent(message);
   sent[L"Host"] = ruvo::texto::to_utf_16(server.host + ":" + std::to_string(server.port));
   sent[L"Content-Length"] = std::to_wstring(ruvo::texto::to_utf_8(message.get_body()).size());
@@ -66,7 +62,7 @@ void exchange(const place& server, const std::string& method, const request& mes
 }
 
 /// What the network fails at becomes the answer's status, too.
-response fetch(const place& server, const std::string& method, const request& message) {
+response fetch(const transport::place& server, const std::string& method, const request& message) {
   response answer;
   try {
     exchange(server, method, message, answer);
@@ -102,7 +98,7 @@ std::wstring order() {
   return text;
 }
 
-bool run(const place& server) {
+bool run(const transport::place& server) {
   const std::wstring root = L"http://" + ruvo::texto::to_utf_16(server.host);
   bool good = true;
 
@@ -139,12 +135,4 @@ bool run(const place& server) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  if (argc != 3) return 1;
-  try {
-    return run({argv[1], static_cast<unsigned short>(std::strtoul(argv[2], nullptr, 10))}) ? 0 : 1;
-  } catch (const std::exception& error) {
-    std::printf("failed: %s\n", error.what());
-    return 1;
-  }
-}
+int main(int argc, char** argv) { return transport::run(argc, argv, run); }

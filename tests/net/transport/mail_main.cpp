@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <sstream>
 #include <string>
-#include <string_view>
 
 #include "socket_transport.hpp"
 
@@ -21,47 +20,6 @@ using ruvo::smtp::response;
 namespace texto = ruvo::texto;
 
 // --- a transport: what an application brings along
-
-/// Latin-1, with character references for what is beyond.
-std::string latin_1(const std::wstring& text) {
-  std::string out;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    auto code = static_cast<unsigned>(static_cast<char16_t>(text[i]));
-    if (code >= 0xD800 && code < 0xDC00 && i + 1 < text.size())
-      code = 0x10000 + ((code - 0xD800) << 10) + (static_cast<unsigned>(text[++i]) - 0xDC00);
-    if (code < 256)
-      out.push_back(static_cast<char>(code));
-    else
-      out += "&#" + std::to_string(code) + ";";
-  }
-  return out;
-}
-
-/// RFC 2045, 6.7. Line ends of the text stay.
-std::string quoted_printable(std::string_view text) {
-  std::string out;
-  std::size_t line = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text.substr(i, 2) == "\r\n") {
-      out += text.substr(i++, 2);
-      line = out.size();
-      continue;
-    }
-    if (out.size() - line > 72) {
-      out += "=\r\n";
-      line = out.size();
-    }
-    const auto c = static_cast<unsigned char>(text[i]);
-    const bool blank_at_end = c == ' ' && (i + 1 == text.size() || text[i + 1] == '\r');
-    if (c >= ' ' && c < 127 && c != '=' && !blank_at_end) {
-      out.push_back(text[i]);
-    } else {
-      constexpr char digits[] = "0123456789ABCDEF";
-      out += {'=', digits[c >> 4], digits[c & 15]};
-    }
-  }
-  return out;
-}
 
 std::string base64_lines(const std::string& text) {
   std::string all, out;
@@ -81,7 +39,7 @@ std::string field(const std::string& name, const std::string& value) {
 }
 
 /// The lines of the library's block that are ready to be sent, and the others encoded. Blind recipients are
-/// not told.
+/// left out.
 std::string header(const email& message) {
   std::wostringstream block;
   message.serialize_headers(block);
@@ -98,30 +56,19 @@ std::string header(const email& message) {
 
 std::string content(const email& message) {
   const std::string boundary = "part-" + texto::to_utf_8(message.get_uuid()), next = "\r\n--" + boundary;
+  const auto part = [&next](const char* kind, const std::wstring& text) {
+    return next + "\r\nContent-Type: text/" + kind +
+           "; charset=utf-8\r\nContent-Transfer-Encoding: base64\r\n\r\n" +
+           base64_lines(texto::to_utf_8(text));
+  };
   return header(message) + "MIME-Version: 1.0\r\nContent-Type: multipart/alternative; boundary=\"" +
-         boundary + "\"\r\n" + next +
-         "\r\nContent-Type: text/plain; charset=utf-8\r\nContent-Transfer-Encoding: base64\r\n\r\n" +
-         base64_lines(texto::to_utf_8(message.get_plain_post())) + next +
-         "\r\nContent-Type: text/html; charset=iso-8859-1\r\nContent-Transfer-Encoding: "
-         "quoted-printable\r\n\r\n" +
-         quoted_printable(latin_1(message.get_hmtl_post())) + next + "--\r\n";
-}
-
-/// RFC 5321, 4.5.2: a line that begins with a dot gets another one.
-std::string dot_stuffed(const std::string& text) {
-  std::string out;
-  bool at_start = true;
-  for (const char c : text) {
-    if (at_start && c == '.') out.push_back('.');
-    out.push_back(c);
-    at_start = c == '\n';
-  }
-  return out;
+         boundary + "\"\r\n" + part("plain", message.get_plain_post()) +
+         part("html", message.get_hmtl_post()) + next + "--\r\n";
 }
 
 class session {
  public:
-  session(const std::string& host, unsigned short port) : peer_(host, port) {
+  explicit session(const transport::place& server) : peer_(server) {
     demand(220, receive());
     demand(250, ask("EHLO client.example"));
   }
@@ -136,7 +83,7 @@ class session {
       demand(250, ask("RSET"));
     } else {
       demand(354, ask("DATA"));
-      demand(250, ask(dot_stuffed(content(message)) + "."));
+      demand(250, ask(content(message) + "."));
     }
     return outcome;
   }
@@ -199,7 +146,7 @@ email compose() {
   return message;
 }
 
-bundle told(const email& message, const response& outcome) {
+bundle report_of(const email& message, const response& outcome) {
   bundle values;
   values[L"message"] = bundle(message);
   values[L"id"] = message.get_message_id();
@@ -210,8 +157,8 @@ bundle told(const email& message, const response& outcome) {
   return values;
 }
 
-bool run(const std::string& host, unsigned short port) {
-  session mails(host, port);
+bool run(const transport::place& server) {
+  session mails(server);
   const email message = compose();
   const response sent = mails.send(message);
   email other(L"jose@ruvo.es", L"a nadie");
@@ -221,7 +168,7 @@ bool run(const std::string& host, unsigned short port) {
 
   std::wstring json;
   ruvo::serializer::json().serialize(
-      json, bundle({{L"sent", told(message, sent)}, {L"failed", told(other, failed)}}));
+      json, bundle({{L"sent", report_of(message, sent)}, {L"failed", report_of(other, failed)}}));
   const std::string text = texto::to_utf_8(json);
   std::fwrite(text.data(), 1, text.size(), stdout);
   return sent.OK() && failed.WRONG();
@@ -229,12 +176,4 @@ bool run(const std::string& host, unsigned short port) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  if (argc != 3) return 1;
-  try {
-    return run(argv[1], static_cast<unsigned short>(std::strtoul(argv[2], nullptr, 10))) ? 0 : 1;
-  } catch (const std::exception& error) {
-    std::printf("failed: %s\n", error.what());
-    return 1;
-  }
-}
+int main(int argc, char** argv) { return transport::run(argc, argv, run); }

@@ -3,6 +3,9 @@
 #include <ruvo/exc.hpp>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <string>
 #include <utility>
 
@@ -98,8 +101,18 @@ handle native(std::uintptr_t s) noexcept { return static_cast<handle>(s); }
 
 }  // namespace
 
-connection::connection(const std::string& host, unsigned short port)
-    : socket_(static_cast<std::uintptr_t>(opened(host, port))) {}
+int run(int argc, char** argv, bool (*client)(const place& server)) {
+  if (argc != 3) return 1;
+  try {
+    return client({argv[1], static_cast<unsigned short>(std::strtoul(argv[2], nullptr, 10))}) ? 0 : 1;
+  } catch (const std::exception& error) {
+    std::printf("failed: %s\n", error.what());
+    return 1;
+  }
+}
+
+connection::connection(const place& server)
+    : socket_(static_cast<std::uintptr_t>(opened(server.host, server.port))) {}
 
 connection::~connection() { close_handle(native(socket_)); }
 

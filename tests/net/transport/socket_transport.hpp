@@ -8,11 +8,19 @@
 
 namespace transport {
 
+struct place {
+  std::string host;  // in digits: "127.0.0.1"
+  unsigned short port;
+};
+
+/// Runs a client's program: its arguments are HOST and PORT. The exit code is 0 when `client` is content.
+int run(int argc, char** argv, bool (*client)(const place& server));
+
 /// A connection, closed at the end of its life. Every failure, a silence of 20 seconds included, throws
 /// ruvo::exc::RunTime.
 class connection {
  public:
-  connection(const std::string& host, unsigned short port);  ///< `host` in digits: "127.0.0.1".
+  explicit connection(const place& server);
   connection(const connection&) = delete;
   connection& operator=(const connection&) = delete;
   ~connection();
