@@ -21,7 +21,7 @@ std::wstring replaced(const std::wstring& text, const std::wstring& from, const 
   return out.append(text, at);
 }
 
-/// Row by row: fits[j] tells whether the mask so far fits the first j units.
+/// Row by row: fits[j] is whether the mask so far fits the first j units.
 bool fits(const std::wstring& text, const std::wstring& mask) {
   std::vector<char> row(text.size() + 1, 0);
   row[0] = 1;

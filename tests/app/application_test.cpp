@@ -219,15 +219,6 @@ TEST(application, failed_boot_leaves_the_thread_free) {
   EXPECT_EQ(ruvo::application::theApp(), nullptr);
 }
 
-TEST(application, destroyed_one_is_forgotten) {
-  {
-    shifted_app app;
-    app.check_in(ruvo::application::threadID());
-    EXPECT_EQ(ruvo::application::theApp(), &app);
-  }
-  EXPECT_EQ(ruvo::application::theApp(), nullptr);
-}
-
 TEST(application, one_thread_may_register_another) {
   shifted_app app;
   std::atomic<unsigned long> id{0};
@@ -390,12 +381,12 @@ TEST(fake_context, lists_folders_that_do_not_exist) {
   } only_text;
   struct : ruvo::fileCallback {
     void onRead(const ruvo::file& entry) override {
-      told += entry.get_name() + L' ';
+      noted += entry.get_name() + L' ';
       if (entry.get_name() == L"b.txt") terminate();
     }
-    void onFailure(const ruvo::exception& error) override { told += error.get_mensaje() + L' '; }
-    void onFinish() override { told += L'.'; }
-    std::wstring told;
+    void onFailure(const ruvo::exception& error) override { noted += error.get_mensaje() + L' '; }
+    void onFinish() override { noted += L'.'; }
+    std::wstring noted;
   } listener;
   ruvo::fake_context fake;
   const ruvo::thread_scope scope(fake);
@@ -407,7 +398,7 @@ TEST(fake_context, lists_folders_that_do_not_exist) {
   EXPECT_FALSE(ruvo::files::directory_list("C:/b", err, nullptr, &listener, nullptr));
   EXPECT_EQ(err.get_mensaje(), L"Archivo o directorio no encontrado: C:\\b");
   EXPECT_TRUE(ruvo::files::directory_list("C:/a", err, only_text, listener));
-  EXPECT_EQ(listener.told, L"Archivo o directorio no encontrado: C:\\b .a.txt b.txt .");
+  EXPECT_EQ(listener.noted, L"Archivo o directorio no encontrado: C:\\b .a.txt b.txt .");
   found.clear();
   EXPECT_TRUE(ruvo::files::directory_list("C:/a", err, only_text, found));
   EXPECT_EQ(found, (std::vector<ruvo::file>{"C:/a/a.txt", "C:/a/b.txt", "C:/a/c.txt"}));
@@ -533,20 +524,6 @@ TEST(application, writes_numbers_alike_on_all_its_threads) {
   task.start(0);
   task.join();
   EXPECT_EQ(written, L"1.349,54 1.349,54");
-}
-
-TEST(context, named_values) {
-  ruvo::context services;
-  EXPECT_TRUE(services.empty());
-  services[L"Clave"] = 5;
-  services["ñ"] = L"x";
-  EXPECT_EQ(services.size(), 2u);
-  EXPECT_EQ(static_cast<int>(services.at("Clave")), 5);
-  EXPECT_EQ(services.count(L"clave"), 0u);  // the case counts here
-  EXPECT_NE(services.find(L"ñ"), services.end());
-  EXPECT_THROW(services.at(L"no"), std::out_of_range);
-  EXPECT_EQ(services.erase("Clave"), 1u);
-  EXPECT_EQ(services.begin()->first, L"ñ");
 }
 
 }  // namespace

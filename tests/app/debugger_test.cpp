@@ -1,4 +1,4 @@
-// What developers are told through the debugger.
+// What developers read in the debugger.
 
 #include <ruvo/datetime.hpp>
 #include <ruvo/fake_context.hpp>
@@ -24,7 +24,7 @@ void use_values() {
   for (int i = 0; i < 3; ++i) EXPECT_EQ(ruvo::datetime(0LL).get_hour(), 0);
 }
 
-TEST(debugger, is_told_once_of_a_thread_without_application) {
+TEST(debugger, hears_once_of_a_thread_without_application) {
   if (!debug_lines::works) GTEST_SKIP() << "no debugger's lines here";
   EXPECT_TRUE(said_on_a_thread(use_values).empty());  // a program that does without an application
   ruvo::fake_context app;
@@ -42,10 +42,10 @@ TEST(debugger, is_told_once_of_a_thread_without_application) {
   EXPECT_TRUE(checked_in.empty());
 }
 
-TEST(debugger, is_told_at_the_end_of_entries_that_nobody_took) {
+TEST(debugger, hears_at_the_end_of_entries_that_nobody_took) {
   if (!debug_lines::works) GTEST_SKIP() << "no debugger's lines here";
   {
-    ruvo::fake_context earlier;  // tells of those of other tests
+    ruvo::fake_context earlier;  // reports those of other tests
   }
   ruvo::fake_context app;
   const ruvo::thread_scope scope(app);

@@ -1,3 +1,5 @@
+// Exceptions: codes, messages, reports and details, and what a raised copy is.
+
 #include <ruvo/ruvo.hpp>
 
 #include <algorithm>
@@ -32,16 +34,16 @@ struct row {
 
 std::exception_ptr held(auto thrown) { return std::make_exception_ptr(thrown); }
 
-/// Codes and messages on the page, with the texts that the classes of the catalogue are told here.
+/// Codes and messages on the page, with the texts that the classes of the catalogue are given here.
 std::map<unsigned long, std::vector<std::wstring>> page_messages() {
   std::map<unsigned long, std::vector<std::wstring>> found;
-  const std::wstring told[] = {L"31", L"5", system_texts::winerror_message(5)};
+  const std::wstring given[] = {L"31", L"5", system_texts::winerror_message(5)};
   std::ifstream in(KESTA_SOURCE_DIR "/docs/ERRORS.md", std::ios::binary);
   for (std::string line; std::getline(in, line);) {
     if (!line.starts_with("| `")) continue;
     const auto columns = ruvo::texto::split(ruvo::texto::to_utf_16(line), L" | ");
     std::wstring message = columns.at(5);
-    for (int n = 0; n < 3; ++n) ruvo::texto::safe_replace(message, L"%" + std::to_wstring(n + 1), told[n]);
+    for (int n = 0; n < 3; ++n) ruvo::texto::safe_replace(message, L"%" + std::to_wstring(n + 1), given[n]);
     found[std::stoul(columns[1], nullptr, 16)].push_back(message);
   }
   for (auto& [code, messages] : found) std::ranges::sort(messages);
@@ -115,7 +117,7 @@ TEST(exception, families_are_bases_of_their_leaves) {
   }
 }
 
-TEST(exception, code_tells_its_parts) {
+TEST(exception, code_has_its_parts) {
   const ruvo::exception error(L"x", 42, 7, 3001);
   EXPECT_EQ(error.get_code(), 42u);
   EXPECT_EQ(error.get_rango(), 7u);

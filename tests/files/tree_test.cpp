@@ -42,7 +42,7 @@ bool is_at(const std::wstring& path, const std::wstring& place) {
   return path.starts_with(place) && (path.size() == place.size() || path[place.size()] == L'\\');
 }
 
-/// Keeps what it is told, in order.
+/// Keeps what is reported to it, in order.
 struct recorder : ruvo::fileCallback {
   explicit recorder(file folder = {}) : base(std::move(folder)) {}
   void onRead(const file& entry) override {
@@ -92,14 +92,14 @@ std::set<std::wstring> places(const tree& all) {
 /// What is really below a folder.
 tree read_tree(const file& folder) {
   tree out;
-  recorder told(folder);
-  told.does = [&](const file& entry) { out[entry.crop(folder)] = nature(entry); };
-  files::RecursiveCallBack recursive(told);
+  recorder record(folder);
+  record.does = [&](const file& entry) { out[entry.crop(folder)] = nature(entry); };
+  files::RecursiveCallBack recursive(record);
   exception err;
   EXPECT_TRUE(files::directory_list(folder, err, recursive)) << err.what();
-  EXPECT_TRUE(told.failures.empty());
-  EXPECT_EQ(told.finished, 1);
-  EXPECT_EQ(out.size(), told.order.size());
+  EXPECT_TRUE(record.failures.empty());
+  EXPECT_EQ(record.finished, 1);
+  EXPECT_EQ(out.size(), record.order.size());
   return out;
 }
 
@@ -252,10 +252,12 @@ TEST_F(trees, are_taken_without_what_a_filter_refuses) {
       // What was refused stays, and so do the folders around it.
       EXPECT_TRUE(files::erase(root, err, filter)) << err.what();
       tree kept;
-      for (const auto& [place, kind] : model)
-        for (const auto& [refused, unused] : model)
+      for (const auto& [place, kind] : model) {
+        for (const auto& [refused, unused] : model) {
           if (!taken.contains(refused) && (is_at(place, refused) || is_at(refused, place)))
             kept.emplace(place, kind);
+        }
+      }
       EXPECT_EQ(root.exists(), !kept.empty());
       if (root.exists()) {
         EXPECT_EQ(read_tree(root), kept);
@@ -265,11 +267,12 @@ TEST_F(trees, are_taken_without_what_a_filter_refuses) {
   }
 }
 
-TEST_F(trees, differences_are_told) {
-  for (const auto& [place, kind] :
-       tree{{L"a", a_folder}, {L"a\\1", 5}, {L"a\\2", 5}, {L"b", a_folder}, {L"c", 0}, {L"d", 9}, {L"e", 1}})
+TEST_F(trees, differences_are_reported) {
+  for (const auto& [place, kind] : tree{
+           {L"a", a_folder}, {L"a\\1", 5}, {L"a\\2", 5}, {L"b", a_folder}, {L"c", 0}, {L"d", 9}, {L"e", 1}}) {
     kind == a_folder ? void(below(root, place).mkdir(nullptr))
                      : write(L"origen\\" + place, static_cast<std::size_t>(kind));
+  }
   exception err;
   EXPECT_TRUE(files::copy_folder(root, other, err));
   write(L"destino\\a\\2", 6);
@@ -279,17 +282,17 @@ TEST_F(trees, differences_are_told) {
   below(other, L"c").mkdir(nullptr);
   below(other, L"d").erase();
   write(L"destino\\a\\de más", 1);
-  recorder told(root);
-  EXPECT_FALSE(files::verify(root, other, err, told));
+  recorder record(root);
+  EXPECT_FALSE(files::verify(root, other, err, record));
   const std::set<std::wstring> expected{
       ruvo::exc::fileStrageFileSize(below(other, L"a\\2")).get_mensaje(),
       ruvo::exc::fileExpectedFolder(below(other, L"b")).get_mensaje(),
       ruvo::exc::fileExpectedFile(below(other, L"c")).get_mensaje(),
       ruvo::exc::fileNotFound(below(other, L"d")).get_mensaje(),
   };
-  EXPECT_EQ(std::set(told.failures.begin(), told.failures.end()), expected);
-  EXPECT_EQ(told.failures.front(), err.get_mensaje());
-  EXPECT_EQ(told.seen(), (std::set<std::wstring>{L"a", L"a\\1", L"e"}));
+  EXPECT_EQ(std::set(record.failures.begin(), record.failures.end()), expected);
+  EXPECT_EQ(record.failures.front(), err.get_mensaje());
+  EXPECT_EQ(record.seen(), (std::set<std::wstring>{L"a", L"a\\1", L"e"}));
 
   // A copy goes on where it can.
   recorder copied(root);
@@ -310,20 +313,20 @@ TEST_F(trees, differences_are_told) {
 /// Each operation, on `root` and from there to `other`.
 struct operation {
   const char* name;
-  bool (*run)(const file& root, const file& other, exception& err, recorder& told);
+  bool (*run)(const file& root, const file& other, exception& err, recorder& record);
 };
 const operation operations[] = {
     {"list",
-     [](const file& root, const file&, exception& err, recorder& told) {
-       files::RecursiveCallBack recursive(told);
+     [](const file& root, const file&, exception& err, recorder& record) {
+       files::RecursiveCallBack recursive(record);
        return files::directory_list(root, err, recursive);
      }},
     {"copy", [](const file& root, const file& other, exception& err,
-                recorder& told) { return files::copy_folder(root, other, err, told); }},
+                recorder& record) { return files::copy_folder(root, other, err, record); }},
     {"verify", [](const file& root, const file& other, exception& err,
-                  recorder& told) { return files::verify(root, other, err, told); }},
+                  recorder& record) { return files::verify(root, other, err, record); }},
     {"erase", [](const file& root, const file&, exception& err,
-                 recorder& told) { return files::erase(root, err, told); }},
+                 recorder& record) { return files::erase(root, err, record); }},
 };
 
 TEST_F(trees, operations_stop_when_they_are_asked_to) {
@@ -337,14 +340,14 @@ TEST_F(trees, operations_stop_when_they_are_asked_to) {
       if (name == "verify") {
         EXPECT_TRUE(files::copy_folder(root, other, err));
       }
-      recorder told(root);
-      told.stops_at = n;
-      EXPECT_TRUE(one.run(root, other, err, told)) << name << n;
-      EXPECT_EQ(told.order.size(), n) << name;
-      EXPECT_EQ(told.finished, 1) << name << n;
-      EXPECT_TRUE(told.failures.empty()) << name << n;
-      // What was told was done, and nothing else.
-      const std::set<std::wstring> done = told.seen();
+      recorder record(root);
+      record.stops_at = n;
+      EXPECT_TRUE(one.run(root, other, err, record)) << name << n;
+      EXPECT_EQ(record.order.size(), n) << name;
+      EXPECT_EQ(record.finished, 1) << name << n;
+      EXPECT_TRUE(record.failures.empty()) << name << n;
+      // What was reported was done, and nothing else.
+      const std::set<std::wstring> done = record.seen();
       if (name == "copy") {
         EXPECT_EQ(places(read_tree(other)), done);
       }
@@ -371,12 +374,12 @@ TEST_F(trees, what_a_callback_throws_comes_through) {
       if (one.name == std::string("verify")) {
         EXPECT_TRUE(files::copy_folder(root, other, err));
       }
-      recorder told(root);
-      told.does = [&](const file&) {
-        if (told.order.size() == n) throw ruvo::exc::BadArgument(L"n");
+      recorder record(root);
+      record.does = [&](const file&) {
+        if (record.order.size() == n) throw ruvo::exc::BadArgument(L"n");
       };
-      EXPECT_THROW(one.run(root, other, err, told), ruvo::exc::BadArgument) << one.name << n;
-      EXPECT_TRUE(told.order.size() == n && !told.finished && told.failures.empty()) << one.name << n;
+      EXPECT_THROW(one.run(root, other, err, record), ruvo::exc::BadArgument) << one.name << n;
+      EXPECT_TRUE(record.order.size() == n && !record.finished && record.failures.empty()) << one.name << n;
       clear();  // would fail if a folder were still being read
     }
   }
@@ -386,23 +389,23 @@ TEST_F(trees, a_folder_may_vanish_while_they_are_walked) {
   tree model = grow(8, 30);
   for (const wchar_t* const place : {L"se va", L"se va\\dentro", L"se queda", L"se queda\\se va"})
     add(model, place, a_folder);
-  recorder told(root);
+  recorder record(root);
   std::set<std::wstring> gone;
-  told.does = [&](const file& entry) {
+  record.does = [&](const file& entry) {
     if (entry.get_name() != L"se va") return;
     exception err;
     EXPECT_TRUE(files::erase(entry, err)) << err.what();
     gone.insert(ruvo::exc::fileNotFound(entry).get_mensaje());
   };
-  files::RecursiveCallBack recursive(told);
+  files::RecursiveCallBack recursive(record);
   exception err;
   EXPECT_FALSE(files::directory_list(root, err, recursive));
-  EXPECT_EQ(err.get_mensaje(), told.failures.front());
+  EXPECT_EQ(err.get_mensaje(), record.failures.front());
   EXPECT_EQ(gone.size(), 2u);
-  EXPECT_EQ(std::set(told.failures.begin(), told.failures.end()), gone);
-  EXPECT_EQ(recursive.get_failure().get_mensaje(), told.failures.front());
+  EXPECT_EQ(std::set(record.failures.begin(), record.failures.end()), gone);
+  EXPECT_EQ(recursive.get_failure().get_mensaje(), record.failures.front());
   model.erase(L"se va\\dentro");
-  EXPECT_EQ(told.seen(), places(model));
+  EXPECT_EQ(record.seen(), places(model));
 }
 
 TEST_F(trees, failures) {
@@ -437,27 +440,27 @@ TEST_F(trees, failures) {
   };
   for (const row& r : rows) {
     const auto found = std::ranges::find(operations, std::string(r.operation), &operation::name);
-    recorder told;
+    recorder record;
     exception err;
-    EXPECT_FALSE(found->run(r.from, r.to, err, told)) << r.operation << r.from.c_str();
+    EXPECT_FALSE(found->run(r.from, r.to, err, record)) << r.operation << r.from.c_str();
     EXPECT_EQ(err.get_mensaje(), r.expected.get_mensaje());
     EXPECT_EQ(err, r.expected);
-    EXPECT_EQ(told.failures, std::vector{r.expected.get_mensaje()});
-    EXPECT_TRUE(told.order.empty() && told.finished == 1);
+    EXPECT_EQ(record.failures, std::vector{r.expected.get_mensaje()});
+    EXPECT_TRUE(record.order.empty() && record.finished == 1);
   }
   EXPECT_FALSE(other.exists() || missing.exists());
   EXPECT_EQ(read_tree(root), (tree{{L"f", 1}}));
 }
 
-TEST_F(trees, an_erasure_by_hand_tells_what_stays) {
+TEST_F(trees, an_erasure_by_hand_reports_what_stays) {
   EXPECT_TRUE(file(root, L"a").mkdirs(nullptr));
   write(L"origen\\a\\fichero", 1);
-  recorder told(base);
-  files::DeleteCallBack eraser(told);
+  recorder record(base);
+  files::DeleteCallBack eraser(record);
   for (const wchar_t* const place : {L"origen\\b", L"origen\\a", L"origen"}) eraser.onRead(file(base, place));
   eraser.onFinish();  // the top of the tree first
-  EXPECT_EQ(told.failures.size(), 3U);
-  EXPECT_TRUE(told.order.empty());
+  EXPECT_EQ(record.failures.size(), 3U);
+  EXPECT_TRUE(record.order.empty());
   EXPECT_TRUE(file(root, L"a\\fichero").is_file());
 }
 
@@ -468,18 +471,18 @@ TEST_F(trees, other_names_of_a_folder) {
   fs::current_path("arbol/origen");
   for (const wchar_t* const here : {L".", L"..\\origen", L"..\\..\\arbol\\.\\origen"}) {
     EXPECT_TRUE(files::copy_folder(here, L"..\\destino", err)) << err.what();
-    recorder told;
-    EXPECT_TRUE(files::verify(here, L"..\\destino", err, told)) << err.what();
-    EXPECT_EQ(told.order.size(), model.size()) << here;
+    recorder record;
+    EXPECT_TRUE(files::verify(here, L"..\\destino", err, record)) << err.what();
+    EXPECT_EQ(record.order.size(), model.size()) << here;
     EXPECT_FALSE(files::copy_folder(here, L"nuevo", err));
   }
   // A folder that keeps something is no failure, by whatever name.
   EXPECT_TRUE(files::write(L"x", L"se queda", err));
   refusing filter({L"se queda"});
   for (const wchar_t* const here : {L".", L"..\\origen"}) {
-    recorder told;
-    EXPECT_TRUE(files::erase(here, err, filter, told)) << err.what();
-    EXPECT_TRUE(told.failures.empty()) << here;
+    recorder record;
+    EXPECT_TRUE(files::erase(here, err, filter, record)) << err.what();
+    EXPECT_TRUE(record.failures.empty()) << here;
   }
   EXPECT_EQ(read_tree(L"."), (tree{{L"se queda", 1}}));
   fs::current_path("../..");
@@ -514,11 +517,11 @@ TEST_F(trees, what_is_read_only_is_erased_and_what_is_held_stays) {
 #ifdef _WIN32
   {
     const std::ifstream held("arbol/origen/zona");
-    recorder told(root);
+    recorder record(root);
     exception err;
-    EXPECT_FALSE(files::erase(root, err, told));
+    EXPECT_FALSE(files::erase(root, err, record));
     EXPECT_EQ(err.get_mensaje(), ruvo::exc::fileUnDeleted(below(root, L"zona")).get_mensaje());
-    EXPECT_EQ(told.failures, std::vector{err.get_mensaje()});
+    EXPECT_EQ(record.failures, std::vector{err.get_mensaje()});
     EXPECT_EQ(read_tree(root), (tree{{L"zona", 1}}));
   }
 #endif
@@ -528,8 +531,8 @@ TEST_F(trees, what_is_read_only_is_erased_and_what_is_held_stays) {
 }
 
 // Only the host build and Windows prove that of a link the link is erased: Wine would remove what it leads
-// to, so there it is told as a failure. Only Windows proves that nobody can swap a folder as long as it is
-// held, and that the rename which ends a copy stays in the folder that is held.
+// to, so there it is reported as a failure. Only Windows proves that nobody can swap a folder as long as it
+// is held, and that the rename which ends a copy stays in the folder that is held.
 class linked_trees : public trees {
  protected:
   linked_trees() {
@@ -560,9 +563,9 @@ TEST_F(linked_trees, links_are_not_followed) {
   if (!links::make("../fuera", "arbol/origen/enlace")) GTEST_SKIP() << "no links here";
   EXPECT_EQ(read_tree(root), (tree{{L"enlace", a_folder}}));
   exception err;
-  recorder told(root);
-  EXPECT_FALSE(files::copy_folder(root, other, err, told));
-  EXPECT_EQ(told.failures, std::vector{ruvo::exc::fileOsStream(below(other, L"enlace")).get_mensaje()});
+  recorder record(root);
+  EXPECT_FALSE(files::copy_folder(root, other, err, record));
+  EXPECT_EQ(record.failures, std::vector{ruvo::exc::fileOsStream(below(other, L"enlace")).get_mensaje()});
   const bool is_erased = files::erase(root, err);
   EXPECT_EQ(is_erased, !root.exists());
   if (!is_erased) {  // Wine would remove what the link leads to
@@ -585,10 +588,10 @@ TEST_F(linked_trees, links_in_the_target_of_a_copy_are_refused) {
   other.mkdir(nullptr);
   if (!links::make("../fuera", "arbol/destino/carpeta")) GTEST_SKIP() << "no links here";
   exception err;
-  recorder told(root);
-  EXPECT_FALSE(files::copy_folder(root, other, err, told));
+  recorder record(root);
+  EXPECT_FALSE(files::copy_folder(root, other, err, record));
   EXPECT_EQ(err, ruvo::exc::fileExpectedFolder(below(other, L"carpeta")));
-  EXPECT_EQ(told.failures.size(), 2 + names().size());
+  EXPECT_EQ(record.failures.size(), 2 + names().size());
   // A target that the caller names is followed.
   EXPECT_TRUE(
       files::copy_folder(below(root, L"carpeta\\dentro"), below(base, L"destino\\carpeta\\dentro"), err));
@@ -608,17 +611,17 @@ TEST_F(linked_trees, a_folder_that_a_link_replaces_is_left) {
         exception err;
         EXPECT_TRUE(files::copy_folder(root, other, err)) << err.what();
       }
-      recorder told(root);
+      recorder record(root);
       bool is_swapped = false;
-      told.does = [&](const file&) {
-        if (told.order.size() == when) is_swapped = links::swap("../fuera", "arbol/origen/carpeta");
+      record.does = [&](const file&) {
+        if (record.order.size() == when) is_swapped = links::swap("../fuera", "arbol/origen/carpeta");
       };
       exception err;
-      const bool done = one.run(root, other, err, told);
+      const bool done = one.run(root, other, err, record);
       if (!is_swapped) GTEST_SKIP() << "no links here";
       // What is listed already is no longer the link's.
       EXPECT_EQ(done, when == 4 && (name == "list" || name == "verify")) << name << when;
-      EXPECT_EQ(told.failures.empty(), done) << name << when;
+      EXPECT_EQ(record.failures.empty(), done) << name << when;
       EXPECT_EQ(read_tree(below(base, L"fuera")), outside) << name << when;
       for (const auto& [place, kind] : other.exists() ? read_tree(other) : tree())
         EXPECT_NE(kind, 4) << place.c_str();
@@ -655,11 +658,11 @@ TEST_F(trees, a_listing_of_ones_own_has_folders) {
   invented service;
   const ruvo::thread_scope scope(service);
   const file cloud(L"V:\\nube");
-  recorder told(cloud);
-  files::RecursiveCallBack recursive(told);
+  recorder record(cloud);
+  files::RecursiveCallBack recursive(record);
   exception err;
   EXPECT_TRUE(files::directory_list(cloud, err, recursive)) << err.what();
-  EXPECT_EQ(told.order, (std::vector<std::wstring>{L"a", L"b", L"a\\a", L"a\\b"}));
+  EXPECT_EQ(record.order, (std::vector<std::wstring>{L"a", L"b", L"a\\a", L"a\\b"}));
 }
 
 TEST_F(trees, files_being_written_are_left_out) {
@@ -674,13 +677,13 @@ TEST_F(trees, files_being_written_are_left_out) {
     for (const operation& one : operations) {
       const std::string name(one.name);
       if (name != "copy" && name != "verify") continue;
-      recorder told(root);
-      told.does = [&](const file&) {
+      recorder record(root);
+      record.does = [&](const file&) {
         if (vanishes && name == "copy") fs::remove("arbol/origen/~99_2.tmp");
       };
       exception err;
-      EXPECT_TRUE(one.run(root, other, err, told)) << name << err.what();
-      std::set<std::wstring> seen = told.seen();
+      EXPECT_TRUE(one.run(root, other, err, record)) << name << err.what();
+      std::set<std::wstring> seen = record.seen();
       seen.erase(L"~99_2.tmp");  // which the system may list first
       EXPECT_EQ(seen, expected) << name;
     }
@@ -703,7 +706,7 @@ struct secretive : ruvo::fake_context {
   bool explains = true;
 };
 
-TEST_F(trees, a_listing_that_tells_nothing_is_a_failure) {
+TEST_F(trees, a_listing_that_reports_nothing_is_a_failure) {
   tree model;
   for (const wchar_t* const place : {L"a", L"a\\b", L"c"}) add(model, place, a_folder);
   add(model, L"a\\b\\f", 1);
@@ -722,23 +725,23 @@ TEST_F(trees, a_listing_that_tells_nothing_is_a_failure) {
         r.explains ? exception(ruvo::exc::fileInvalidFolder(r.folder)) : exception::incorrect();
     for (const operation& one : operations) {
       const std::string name(one.name);
-      if (name == "list" && r.folder == root) continue;  // the caller is told
+      if (name == "list" && r.folder == root) continue;  // the caller knows
       if (name == "verify") other.mkdirs(nullptr);
-      recorder told(root);
+      recorder record(root);
       exception err;
-      const bool done = one.run(root, other, err, told);
+      const bool done = one.run(root, other, err, record);
       EXPECT_FALSE(done) << name;
       EXPECT_EQ(err, expected) << name;
-      ASSERT_FALSE(told.failures.empty()) << name;
-      EXPECT_EQ(told.failures.front(), expected.get_mensaje()) << name;
-      EXPECT_EQ(told.finished, 1) << name;
+      ASSERT_FALSE(record.failures.empty()) << name;
+      EXPECT_EQ(record.failures.front(), expected.get_mensaje()) << name;
+      EXPECT_EQ(record.finished, 1) << name;
       EXPECT_TRUE(below(root, L"a\\b\\f").is_file()) << name;
     }
-    // A failure that was told is not told again.
-    recorder told(root);
+    // A failure is reported once.
+    recorder record(root);
     exception err;
-    EXPECT_FALSE(files::copy_folder(below(base, L"nada"), other, err, told));
-    EXPECT_EQ(told.failures.size(), 1u);
+    EXPECT_FALSE(files::copy_folder(below(base, L"nada"), other, err, record));
+    EXPECT_EQ(record.failures.size(), 1u);
     service.refused.clear();
     EXPECT_TRUE(files::erase(other, err) && below(root, L"c").mkdir());
   }

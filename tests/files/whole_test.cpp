@@ -141,11 +141,12 @@ TEST_F(whole, what_must_stay_makes_way) {
 TEST_F(whole, names_are_claimed_once) {
   std::atomic<int> failures{0};
   std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t)
+  for (int t = 0; t < 4; ++t) {
     threads.emplace_back([&failures] {
       for (int i = 0; i < 10; ++i)
         if (thrown([] { files::write(L"x", path(L"a.txt"), false); })) ++failures;
     });
+  }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(failures, 0);
   EXPECT_EQ(names().size(), 40u);
@@ -312,7 +313,7 @@ TEST_F(whole, what_is_replaced_keeps_its_rights) {
   put(path(L"a.txt"), "viejo");
   put(path(L"b.txt"), "copia");
   const auto is_private = [] {
-    if (links::can_ask()) return links::ask("private scratch/a.txt");  // Wine tells programs nothing of them
+    if (links::can_ask()) return links::ask("private scratch/a.txt");  // Wine shows programs nothing of them
     return (fs::status("scratch/a.txt").permissions() & fs::perms::others_all) == fs::perms::none;
   };
   if (links::can_ask())

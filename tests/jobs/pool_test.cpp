@@ -32,9 +32,10 @@ class jobs : public testing::Test {
 /// Tasks that wait for a signal, and note in which order and how many at once they run.
 struct crowd {
   explicit crowd(int count, bool at_once = true) : open(at_once) {
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
       tasks.push_back(
           std::make_unique<scripted>([this](scripted& task, const xvar& input) { run(task, input); }));
+    }
   }
   ~crowd() { open = true; }
 
@@ -174,7 +175,7 @@ TEST_F(jobs, end_with_a_pool_that_is_canceled_or_destroyed_while_busy) {
          of.reset();
        }},
   };
-  for (const auto& each : all)
+  for (const auto& each : all) {
     for (const bool obedient : {true, false}) {
       SCOPED_TRACE(each.name);
       recorder callbacks[6];
@@ -198,11 +199,12 @@ TEST_F(jobs, end_with_a_pool_that_is_canceled_or_destroyed_while_busy) {
       workers.reset();
       for (int i = 0; i < 6; ++i) {
         EXPECT_FALSE(tasks[static_cast<std::size_t>(i)]->joinable());
-        EXPECT_EQ(callbacks[i].told(), i >= 3     ? L""
-                                       : obedient ? L"start, cancel"
-                                                  : L"start, finish tarde, cancel");
+        EXPECT_EQ(callbacks[i].noted(), i >= 3     ? L""
+                                        : obedient ? L"start, cancel"
+                                                   : L"start, finish tarde, cancel");
       }
     }
+  }
 }
 
 TEST_F(jobs, free_their_slots_however_the_task_ends) {
@@ -270,7 +272,7 @@ TEST_F(jobs, that_cannot_start_are_not_in_the_pool) {
   pool one(1);
   callback.then = [&one](const std::wstring& what) {
     if (what == L"start") throw std::runtime_error("no");
-    EXPECT_EQ(one.running(), 1U);  // who waits for the pool finds the failure told
+    EXPECT_EQ(one.running(), 1U);  // who waits for the pool finds the failure noted
   };
   scripted task([](scripted&, const xvar&) { ADD_FAILURE(); }, &callback);
   EXPECT_THROW(one.execute_job(task, 1), std::runtime_error);
@@ -278,7 +280,7 @@ TEST_F(jobs, that_cannot_start_are_not_in_the_pool) {
   one.store_job(task, 1);
   one.start();
   one.join();  // where nobody can catch it, it is a failure
-  EXPECT_EQ(callback.told(), L"start, start, failure 8/1 Error indeterminado en la Ejecución de hilos");
+  EXPECT_EQ(callback.noted(), L"start, start, failure 8/1 Error indeterminado en la Ejecución de hilos");
 }
 
 TEST_F(jobs, may_use_their_pool_in_callbacks) {
@@ -286,7 +288,7 @@ TEST_F(jobs, may_use_their_pool_in_callbacks) {
     const char* name;
     const wchar_t* at;
     std::function<void(std::unique_ptr<pool>&, scripted&)> act;
-    const wchar_t* told;
+    const wchar_t* noted;
   } all[] = {
       {"one more", L"finish 1", [](std::unique_ptr<pool>& of, scripted& next) { of->execute_job(next, 2); },
        L"start, finish 1"},
@@ -321,7 +323,7 @@ TEST_F(jobs, may_use_their_pool_in_callbacks) {
     EXPECT_TRUE(comes_true([&] { return ended && (!workers || workers->empty()); }));
     task.join();
     next.join();
-    EXPECT_EQ(callback.told(), each.told);
+    EXPECT_EQ(callback.noted(), each.noted);
   }
 }
 
@@ -354,7 +356,7 @@ TEST_F(jobs, refuse_to_wait_for_themselves) {
     workers.execute_job(task, 1);
     workers.cancel();
     EXPECT_EQ(refusal, std::errc::resource_deadlock_would_occur);
-    EXPECT_EQ(callback.told(), L"start, finish 1, cancel");
+    EXPECT_EQ(callback.noted(), L"start, finish 1, cancel");
     EXPECT_TRUE(workers.empty());
   }
 }
@@ -416,7 +418,7 @@ TEST_F(jobs, put_in_again_when_canceled_keep_their_slots) {
     open = true;
     two.join();
     task.join();
-    EXPECT_EQ(callback.told(), L"start, cancel, start, finish 2");
+    EXPECT_EQ(callback.noted(), L"start, cancel, start, finish 2");
   }
 }
 
@@ -443,7 +445,7 @@ TEST_F(jobs, over_and_gone_are_left_alone_by_a_cancel_under_way) {
   EXPECT_EQ(two.running(), 1U);
   slow_may_end = true;
   canceling.join();
-  EXPECT_EQ(callback.told(), L"start, start, finish 1, finish 1, cancel");
+  EXPECT_EQ(callback.noted(), L"start, start, finish 1, finish 1, cancel");
 }
 
 /// An application that notes under which thread jobs are kept.
@@ -476,7 +478,7 @@ TEST_F(jobs, are_kept_under_the_thread_of_the_application) {
   }
 }
 
-TEST_F(jobs, by_themselves_tell_their_listener) {
+TEST_F(jobs, by_themselves_call_their_listener) {
   listener over;
   scripted task(finish);
   job mine(task, L"p");

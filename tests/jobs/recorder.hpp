@@ -1,6 +1,6 @@
 #pragma once
 
-// What the tests of tasks and pools share: a callback that writes down what it is told, and a limit of time.
+// What the tests of tasks and pools share: a callback that notes its calls, and scripted tasks.
 
 #include <ruvo/exc.hpp>
 #include <ruvo/jobs.hpp>
@@ -13,7 +13,7 @@
 #include <thread>
 #include <utility>
 
-/// Writes down what it is told, in words.
+/// Notes its calls, in words.
 class recorder : public ruvo::task::ilistener {
  public:
   void on_start() override { add(L"start"); }
@@ -28,9 +28,9 @@ class recorder : public ruvo::task::ilistener {
         error.get_mensaje());
   }
 
-  std::wstring told() const {
+  std::wstring noted() const {
     const std::lock_guard lock(guard_);
-    return told_;
+    return noted_;
   }
 
   /// Called after each note, with the note.
@@ -40,13 +40,13 @@ class recorder : public ruvo::task::ilistener {
   void add(const std::wstring& what) {
     {
       const std::lock_guard lock(guard_);
-      told_ += (told_.empty() ? L"" : L", ") + what;
+      noted_ += (noted_.empty() ? L"" : L", ") + what;
     }
     if (then) then(what);
   }
 
   mutable std::mutex guard_;
-  std::wstring told_;
+  std::wstring noted_;
 };
 
 /// A task over a function that sees the protected operations.
@@ -91,7 +91,7 @@ inline void finish(scripted& task, const ruvo::xvar& input) {
   task.set_mensaje(result);
 }
 
-/// Told how often, and by which identifier last, a task was over.
+/// Knows how often, and by which identifier last, a task was over.
 struct listener : ruvo::sync::on_round_off {
   void on_run_off(std::wstring uuid) override {
     last = std::move(uuid);

@@ -30,7 +30,7 @@ void pass_by() {
   static_cast<void>(&once);
 }
 
-/// What the callbacks of a burst are told, as counts; some throw.
+/// The calls of the callbacks of a burst, as counts; some throw.
 struct tally {
   std::atomic<long> begun{0}, results{0}, failures{0}, cancels{0};
   std::atomic<unsigned> calls{0};
@@ -54,21 +54,21 @@ plan draw(std::mt19937& random) {
           (bits >> 15) % 16 == 0};
 }
 
-std::unique_ptr<ruvo::task::call> make(const plan& of, tally& told) {
+std::unique_ptr<ruvo::task::call> make(const plan& of, tally& counts) {
   auto made = std::make_unique<ruvo::task::call>(
-      [of, &told](const xvar& input, ruvo::task::steps tell) -> xvar {
+      [of, &counts](const xvar& input, ruvo::task::steps report) -> xvar {
         pass_by();
-        ++told.begun;
+        ++counts.begun;
         for (unsigned i = 0; i < of.steps; ++i) {
-          tell.advance(i);
+          report.advance(i);
           std::this_thread::yield();
         }
         if (of.fails) throw ruvo::exc::NotImplemented();
         return input;
       },
-      ruvo::task::handlers{.finish = [&told](const xvar&) { told.note(told.results); },
-                           .failure = [&told](const ruvo::exception&) { told.note(told.failures); },
-                           .cancel = [&told] { told.note(told.cancels); }});
+      ruvo::task::handlers{.finish = [&counts](const xvar&) { counts.note(counts.results); },
+                           .failure = [&counts](const ruvo::exception&) { counts.note(counts.failures); },
+                           .cancel = [&counts] { counts.note(counts.cancels); }});
   if (of.silenced) made->silence();
   return made;
 }
@@ -77,12 +77,12 @@ class stress : public generated_inputs {
  protected:
   /// A pool for one or two bursts, which ends in one of several ways.
   void round(std::mt19937& random, unsigned slots, unsigned tasks) {
-    tally told;
+    tally counts;
     std::vector<std::unique_ptr<ruvo::task::call>> all;
     auto workers = std::make_unique<pool>(slots);
     const unsigned bursts = 1 + random() % 2;
     for (unsigned burst = 0; burst < bursts; ++burst) {
-      fill(random, *workers, all, told, tasks / bursts);
+      fill(random, *workers, all, counts, tasks / bursts);
       if (burst + 1 < bursts) settle(random, *workers);
     }
     switch (random() % 3) {
@@ -99,14 +99,14 @@ class stress : public generated_inputs {
     }
     workers.reset();
     all.clear();
-    EXPECT_LE(told.results, told.begun);
+    EXPECT_LE(counts.results, counts.begun);
   }
 
-  void fill(std::mt19937& random, pool& of, std::vector<std::unique_ptr<ruvo::task::call>>& all, tally& told,
-            unsigned tasks) {
+  void fill(std::mt19937& random, pool& of, std::vector<std::unique_ptr<ruvo::task::call>>& all,
+            tally& counts, unsigned tasks) {
     for (unsigned i = 0; i < tasks; ++i, ++inputs) {
       const plan mine = draw(random);
-      all.push_back(make(mine, told));
+      all.push_back(make(mine, counts));
       if (random() % 4 == 0)
         of.store_job(*all.back(), i);
       else
@@ -158,7 +158,7 @@ TEST_F(stress, many_threads_share_a_pool) {
   {
     pool workers(8);
     std::vector<std::thread> users;
-    for (unsigned user = 0; user < 6; ++user)
+    for (unsigned user = 0; user < 6; ++user) {
       users.emplace_back([&workers, &ended, user] {
         std::mt19937 random(user);
         for (int burst = 0; burst < 4; ++burst) {
@@ -178,6 +178,7 @@ TEST_F(stress, many_threads_share_a_pool) {
           ended += done;
         }
       });
+    }
     for (std::thread& each : users) each.join();
     workers.join();
     EXPECT_TRUE(workers.empty());

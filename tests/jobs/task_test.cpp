@@ -1,4 +1,4 @@
-// Tasks by themselves: who is told what, in which order, and how tasks end.
+// Tasks by themselves: which calls come in which order, and how tasks end.
 
 #include <ruvo/application.hpp>
 
@@ -26,8 +26,8 @@ struct course {
   const char* name;
   scripted::script body;
   std::function<void(scripted&)> drive;
-  std::wstring told;
-  int over;  // how often the listener is told
+  std::wstring noted;
+  int over;  // how often the listener is called
 };
 
 const course courses[] = {
@@ -130,7 +130,7 @@ const course courses[] = {
      L"start, finish 1, start, finish 2, start, finish 3", 3},
 };
 
-TEST(task_alone, tells_its_callback_and_its_listener) {
+TEST(task_alone, calls_its_callback_and_its_listener) {
   for (const course& each : courses) {
     SCOPED_TRACE(each.name);
     recorder callback;
@@ -138,7 +138,7 @@ TEST(task_alone, tells_its_callback_and_its_listener) {
     scripted task(each.body, &callback);
     task.set_listener(&over);
     each.drive(task);
-    EXPECT_EQ(callback.told(), each.told);
+    EXPECT_EQ(callback.noted(), each.noted);
     EXPECT_EQ(over.count, each.over);
     if (each.over > 0) {
       EXPECT_EQ(over.last, task.get_uuid());
@@ -154,7 +154,7 @@ TEST(task_alone, a_callback_that_throws_becomes_a_failure) {
   };
   scripted task(until_canceled, &callback);
   task.cancel();  // on_cancel throws, and on_failure after it
-  EXPECT_EQ(callback.told(), L"cancel, "s + thread_failure);
+  EXPECT_EQ(callback.noted(), L"cancel, "s + thread_failure);
   {
     recorder mine;
     scripted running(until_canceled, &callback);
@@ -162,10 +162,10 @@ TEST(task_alone, a_callback_that_throws_becomes_a_failure) {
     running.start(1);
     running.set_callback(callback);
   }
-  EXPECT_EQ(callback.told(), L"cancel, "s + thread_failure + L", cancel, " + thread_failure);
+  EXPECT_EQ(callback.noted(), L"cancel, "s + thread_failure + L", cancel, " + thread_failure);
 }
 
-TEST(task_alone, the_listener_is_told_even_when_the_callback_throws) {
+TEST(task_alone, the_listener_is_called_even_when_the_callback_throws) {
   recorder callback;
   listener over;
   callback.then = [](const std::wstring& what) {
@@ -224,7 +224,7 @@ TEST(task_alone, works_on_a_copy_of_its_input_and_keeps_copies_of_its_values) {
   }
   gone = true;
   task.join();
-  EXPECT_EQ(callback.told(), L"start, progress 1*, progress 2, finish texto");
+  EXPECT_EQ(callback.noted(), L"start, progress 1*, progress 2, finish texto");
   EXPECT_FALSE(qualified);
   EXPECT_NE(result, nullptr);
 }
@@ -240,12 +240,13 @@ TEST(task_alone, many_threads_may_join_and_cancel) {
     });
     task.start(1);
     std::vector<std::thread> others;
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
       others.emplace_back([&, i] {
         if (i == 0) task.cancel();
         task.join();
         if (!ended) ++early;
       });
+    }
     for (std::thread& each : others) each.join();
     EXPECT_EQ(early, 0);
     EXPECT_FALSE(task.joinable());
@@ -253,7 +254,7 @@ TEST(task_alone, many_threads_may_join_and_cancel) {
 }
 
 TEST(task_alone, a_detached_thread_is_not_waited_for) {
-  // Nothing tells when such a thread has left the task for good, so these outlive the test.
+  // Nothing shows when such a thread has left the task for good, so these outlive the test.
   static std::atomic<bool> go{false};
   static listener over;
   static scripted task([](scripted& of, const xvar& input) {
@@ -313,7 +314,7 @@ class poor_app : public ruvo::kesta::app {
   mutable std::wstring asked;
 };
 
-TEST(task_alone, is_told_apart_even_where_the_application_has_no_identifiers) {
+TEST(task_alone, has_a_name_even_where_the_application_has_no_identifiers) {
   poor_app app;
   const ruvo::thread_scope scope(app);
   const scripted a(finish), b(finish);
@@ -346,14 +347,14 @@ struct bundle_sizes : ruvo::task::ibunlistener {
 };
 
 TEST(task_alone, takes_bundles) {
-  bundle_sizes told;
+  bundle_sizes noted;
   {
-    bundled task(&told);
+    bundled task(&noted);
     ruvo::bundle input;
     input["a"] = 1;
     task.start(input);
   }
-  EXPECT_EQ(told.sizes, (std::vector<std::size_t>{1, 1, 2}));
+  EXPECT_EQ(noted.sizes, (std::vector<std::size_t>{1, 1, 2}));
 }
 
 // --- tasks made of lambdas
@@ -361,7 +362,7 @@ TEST(task_alone, takes_bundles) {
 struct ending {
   const char* name;
   std::function<xvar(const xvar&)> body;
-  std::wstring told;
+  std::wstring noted;
 };
 
 TEST(call_alone, ends_in_a_result_or_in_a_failure) {
@@ -380,44 +381,44 @@ TEST(call_alone, ends_in_a_result_or_in_a_failure) {
   };
   for (const ending& each : all) {
     SCOPED_TRACE(each.name);
-    std::wstring told;
+    std::wstring noted;
     listener over;
     ruvo::task::call task(
         [&each](const xvar& input, ruvo::task::steps) { return each.body(input); },
-        {.finish = [&told](const xvar& result) { told += L"finish " + result.to_string(); },
-         .failure = [&told](const ruvo::exception& error) { told += L"failure " + error.get_mensaje(); }});
+        {.finish = [&noted](const xvar& result) { noted += L"finish " + result.to_string(); },
+         .failure = [&noted](const ruvo::exception& error) { noted += L"failure " + error.get_mensaje(); }});
     task.set_listener(&over);
     task.start(L"entrada");
     task.join();
-    EXPECT_EQ(told, each.told);
+    EXPECT_EQ(noted, each.noted);
     EXPECT_EQ(over.count, 1);
   }
 }
 
 TEST(call_alone, that_is_canceled_says_so) {
   for (const bool throwing : {true, false}) {
-    std::wstring told;
+    std::wstring noted;
     std::atomic<int> steps{0};
     listener over;
     {
       ruvo::task::call task(
-          [&steps, throwing](const xvar&, ruvo::task::steps tell) -> xvar {
+          [&steps, throwing](const xvar&, ruvo::task::steps report) -> xvar {
             for (;; ++steps) {
               if (throwing)
-                tell.advance(steps.load());
-              else if (!tell(steps.load()))
-                return tell.canceled();
+                report.advance(steps.load());
+              else if (!report(steps.load()))
+                return report.canceled();
             }
           },
-          {.finish = [&told](const xvar& result) { told += L"finish " + result.to_string(); },
-           .failure = [&told](const ruvo::exception& error) { told += error.get_mensaje(); },
+          {.finish = [&noted](const xvar& result) { noted += L"finish " + result.to_string(); },
+           .failure = [&noted](const ruvo::exception& error) { noted += error.get_mensaje(); },
            .progress = nullptr,
-           .cancel = [&told] { told += L", cancel"; }});
+           .cancel = [&noted] { noted += L", cancel"; }});
       task.set_listener(&over);
       task.start(0);
       EXPECT_TRUE(comes_true([&steps] { return steps > 2; }));
     }  // the destructor cancels and joins
-    EXPECT_EQ(told,
+    EXPECT_EQ(noted,
               (throwing ? ruvo::exc::ProcessCanceled().get_mensaje() : L"finish " + xvar(true).to_string()) +
                   L", cancel");
     EXPECT_EQ(over.count, 1);
@@ -442,7 +443,7 @@ TEST(call_alone, canceled_before_its_start_skips_the_body) {
   EXPECT_EQ(failures, 1);
 }
 
-TEST(call_alone, destroyed_at_once_still_tells_its_end) {
+TEST(call_alone, destroyed_at_once_still_reports_its_end) {
   for (int round = 0; round < 100; ++round) {
     std::atomic<int> finished{0}, failed{0};
     {
@@ -478,18 +479,18 @@ TEST(call_alone, survives_handlers_that_throw_and_none_at_all) {
 }
 
 TEST(call_alone, silence_silences_its_handlers) {
-  int told = 0;
+  int noted = 0;
   ruvo::task::call task([](const xvar&, ruvo::task::steps) -> xvar { return 1; },
-                        {.finish = [&told](const xvar&) { ++told; }});
+                        {.finish = [&noted](const xvar&) { ++noted; }});
   task.silence();
   task.start(1);
   task.join();
-  EXPECT_EQ(told, 0);
+  EXPECT_EQ(noted, 0);
   recorder callback;
   task.set_callback(callback);
   task.start(1);
   task.join();
-  EXPECT_EQ(callback.told(), L"start, finish 1");
+  EXPECT_EQ(callback.noted(), L"start, finish 1");
 }
 
 /// Where a run of a task was seen: one letter for each step of it, in capitals within the application.
@@ -523,7 +524,7 @@ TEST(call_alone, runs_in_the_application_that_it_was_started_in) {
   ruvo::kesta::app other;
   whereabouts seen(*app);
   std::atomic<bool> go{true};
-  const auto body = [&](const xvar& input, ruvo::task::steps tell) -> xvar {
+  const auto body = [&](const xvar& input, ruvo::task::steps report) -> xvar {
     while (!go) std::this_thread::yield();
     seen.note('b');
     if (input.is_charsquence()) throw ruvo::exc::OutOfRange();
@@ -533,7 +534,7 @@ TEST(call_alone, runs_in_the_application_that_it_was_started_in) {
       EXPECT_EQ(ruvo::application::theApp(), &other);
       EXPECT_FALSE(app->check_in(ruvo::application::threadID()));
     }
-    tell(1);
+    report(1);
     return 1;
   };
   ruvo::task::call task(body, seen.handlers());
@@ -547,7 +548,7 @@ TEST(call_alone, runs_in_the_application_that_it_was_started_in) {
     const ruvo::thread_scope scope(*app);
     EXPECT_EQ(run(1), "BPF");
     EXPECT_EQ(run(L"fails"), "BX");
-    EXPECT_EQ(run(xvar()), "BPF");  // was checked in elsewhere meanwhile, not while it told
+    EXPECT_EQ(run(xvar()), "BPF");  // was checked in elsewhere meanwhile, not while it reported
     ruvo::jobs::pool one(1);
     ruvo::task::call first(body, seen.handlers()), second(body, seen.handlers());
     go = false;

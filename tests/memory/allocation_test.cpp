@@ -129,7 +129,7 @@ TEST_F(allocation, copying_and_assigning_leave_the_target_as_it_was) {
 }
 
 TEST_F(allocation, inserting) {
-  for (const int size : {0, 1, 4, 20, 128, 129, 600})
+  for (const int size : {0, 1, 4, 20, 128, 129, 600}) {
     for (const std::size_t room : {0, 200, 1000}) {
       bundle b;
       b.reserve(room);
@@ -144,6 +144,7 @@ TEST_F(allocation, inserting) {
                       });
       fail_everywhere([&] { b.reserve(2 * room + 200); }, [&] { EXPECT_EQ(b.to_string(), before); });
     }
+  }
 }
 
 TEST_F(allocation, a_value_that_is_moved_is_not_lost) {

@@ -1,3 +1,5 @@
+// Mail messages: recipients, header lines and bodies, there and back, and hostile ones.
+
 #include <ruvo/ruvo.hpp>
 
 #include <limits>
@@ -25,20 +27,20 @@ namespace texto = ruvo::texto;
 /// All that a message holds, as text. Names too, which comparisons of addresses leave out.
 std::wstring all_of(const email& message) {
   std::wostringstream out;
-  const auto tell = [&out](const std::wstring& part) { out << part.size() << L':' << part << L'|'; };
+  const auto put = [&out](const std::wstring& part) { out << part.size() << L':' << part << L'|'; };
   for (const auto& part :
        {message.get_uuid(), message.get_subject(), message.get_body(), message.get_signature()})
-    tell(part);
+    put(part);
   for (const address* who : {&message.get_from(), &message.get_sender()}) {
-    tell(who->get_name());
-    tell(who->get_mail());
+    put(who->get_name());
+    put(who->get_mail());
   }
   for (const auto& [recipient, role] : message) {
-    tell(recipient.get_name());
-    tell(recipient.get_mail());
+    put(recipient.get_name());
+    put(recipient.get_mail());
     out << role << L'|';
   }
-  for (const ruvo::file& attached : message.get_attach()) tell(attached);
+  for (const ruvo::file& attached : message.get_attach()) put(attached);
   out << message.get_date().get_lapso();
   return out.str();
 }

@@ -1,3 +1,5 @@
+// HTTP messages: the header table that both share, then requests and responses.
+
 #include <ruvo/ruvo.hpp>
 
 #include <algorithm>

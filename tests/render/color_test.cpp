@@ -1,3 +1,5 @@
+// Colours against the conversions once more: ways in, harmonies, steps, values and names.
+
 #include <ruvo/ruvo.hpp>
 
 #include <cmath>
@@ -97,9 +99,10 @@ void expect_from_hsl(const color& c, hsl forms) {
 
 template <class Use>
 void for_each_rgb(unsigned step, Use use) {
-  for (unsigned r = 0; r <= 255; r += step)
+  for (unsigned r = 0; r <= 255; r += step) {
     for (unsigned g = 0; g <= 255; g += step)
       for (unsigned b = 0; b <= 255; b += step) use(rgb{{r, g, b}});
+  }
 }
 
 // --- sweeps
@@ -161,12 +164,14 @@ TEST(color, every_hue) {
 }
 
 TEST(color, saturation_and_luminosity) {
-  for (float s = 0; s <= 1; s += 0.0625f)
-    for (float l = 0; l <= 1; l += 0.03125f)
+  for (float s = 0; s <= 1; s += 0.0625f) {
+    for (float l = 0; l <= 1; l += 0.03125f) {
       for (float h = 0; h < 360; h += 7.5f) {
         expect_from_hsl(color(ruvo::HSLColor(h, s, l)), {h, s, l});
         expect_from_hsl(color().set_hue(h).set_saturation(s).set_luminosity(l), {h, s, l});
       }
+    }
+  }
 }
 
 // Complementary colours that come out otherwise when a step is computed in 64 bits; from another program.

@@ -81,7 +81,7 @@ TEST(json_check, departures_of_one_kind) {
        {LR"("¦\ud83d ¦\udc00¦\udc01¦\ud83d\ud83d\ude00")", L"\"¦\xD83D\xD83D\xDE00¦\xDE00¦\\ude00\"",
         L"\"¦\xD83D¦\\ude00\""}},
   };
-  for (const auto& row : rows)
+  for (const auto& row : rows) {
     for (std::wstring text : row.texts) {
       std::vector<std::size_t> marks;
       for (std::size_t at; (at = text.find(L'¦')) != text.npos; text.erase(at, 1)) marks.push_back(at + 1);
@@ -92,6 +92,7 @@ TEST(json_check, departures_of_one_kind) {
       }
       EXPECT_EQ(check(text), expected) << testing::PrintToString(text);
     }
+  }
 }
 
 TEST(json_check, clean_texts_and_departures_of_several_kinds) {
@@ -252,9 +253,10 @@ TEST_F(json_check_generated, documents_are_clean_and_single_changes_are_found) {
   for (unsigned round = 0; round < 600 * rounds() && !HasFailure(); ++round) {
     const std::vector<json_part> parts = g.parts();
     ASSERT_TRUE(check_json(text_of(parts)).empty()) << testing::PrintToString(text_of(parts));
-    for (std::size_t n = 0; n < parts.size(); ++n)
+    for (std::size_t n = 0; n < parts.size(); ++n) {
       for (const change& c : changes)
         if (parts[n].kind == c.kinds[0]) try_change(parts, n, c);
+    }
   }
 }
 

@@ -1,3 +1,5 @@
+// The reader and the writers of JSON.
+
 #include <ruvo/ruvo.hpp>
 
 #include <limits>

@@ -75,19 +75,19 @@ TEST_F(reading, positions_agree_with_lines_cut_out) {
   }
 }
 
-struct told {
+struct finding {
   unsigned long code;
   std::uint64_t position;
   std::size_t line, column;
-  bool operator==(const told&) const = default;
+  bool operator==(const finding&) const = default;
 };
 
-std::ostream& operator<<(std::ostream& out, const told& t) {
+std::ostream& operator<<(std::ostream& out, const finding& t) {
   return out << t.code << '@' << t.position << '=' << t.line << ':' << t.column;
 }
 
-std::vector<told> short_form(const std::vector<reading_failure>& failures) {
-  std::vector<told> out;
+std::vector<finding> short_form(const std::vector<reading_failure>& failures) {
+  std::vector<finding> out;
   for (const reading_failure& f : failures) {
     const unsigned long code = f.error.get_rango() * 1000 + f.error.get_code();
     out.push_back({code, f.position, f.line, f.column});
@@ -96,14 +96,14 @@ std::vector<told> short_form(const std::vector<reading_failure>& failures) {
 }
 
 template <class Reader>
-std::vector<told> failures_of(std::wstring_view text, std::size_t most = 100) {
+std::vector<finding> failures_of(std::wstring_view text, std::size_t most = 100) {
   Reader reader;
   bundle out;
   return short_form(read_all(reader, out, text, most));
 }
 
-TEST_F(reading, json_tells_every_failure_once) {
-  using list = std::vector<told>;
+TEST_F(reading, json_reports_every_failure_once) {
+  using list = std::vector<finding>;
   EXPECT_EQ(failures_of<json_reader>(L"{\"a\":1}"), list{});
   EXPECT_EQ(failures_of<json_reader>(L"{\"o\":{\"\":\"x\",\n\"b\":{\"\":true}}}"),
             (list{{6002, 12, 1, 12}, {6002, 26, 2, 12}}));
@@ -118,14 +118,14 @@ TEST_F(reading, an_exception_of_the_reader_is_the_last_failure) {
   json_reader reader;
   bundle out;
   const auto failures = read_all(reader, out, L"{\"o\":{\"\":2,\"n\":\n99999999999999999999,\"b\":1}", 1);
-  EXPECT_EQ(short_form(failures), (std::vector<told>{{6002, 11, 1, 11}, {12, 37, 2, 21}}));
+  EXPECT_EQ(short_form(failures), (std::vector<finding>{{6002, 11, 1, 11}, {12, 37, 2, 21}}));
   EXPECT_EQ(reader.position(), 0U);
   EXPECT_FALSE(out.has(L"b"));
 }
 
-TEST_F(reading, xml_tells_every_failure) {
+TEST_F(reading, xml_reports_every_failure) {
   const std::wstring text = L"<a>\r\n<b>1</c><d>2</e></a>";
-  EXPECT_EQ(failures_of<xml_reader>(text), (std::vector<told>{{7002, 13, 2, 8}, {7002, 21, 2, 16}}));
+  EXPECT_EQ(failures_of<xml_reader>(text), (std::vector<finding>{{7002, 13, 2, 8}, {7002, 21, 2, 16}}));
 }
 
 /// What is read and the last failure are those of deserialize().

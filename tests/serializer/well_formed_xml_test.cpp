@@ -1,3 +1,5 @@
+// The strict reader of XML: what it takes, and where it refuses what it does not take.
+
 #include <ruvo/ruvo.hpp>
 
 #include <string>
@@ -203,7 +205,7 @@ TEST(well_formed_xml, declarations_refused) {
     expect_refused(L"<!DOCTYPE r [<!" + text + L">]><r/>");
 }
 
-TEST(well_formed_xml, failures_tell_what_and_leave_the_rest) {
+TEST(well_formed_xml, failures_say_what_and_leave_the_rest) {
   const std::wstring wrong_end = L"<r>\r\n <a><b>1</b></r>", unknown = L"<r><a x='&b;'/></r>";
   bundle out = {{L"k", 1}};
   ruvo::exception error;

@@ -1,3 +1,5 @@
+// The lenient reader and the writers of XML, and the tables of docs/XML.md.
+
 #include <ruvo/ruvo.hpp>
 
 #include <memory>

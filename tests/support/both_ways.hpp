@@ -18,7 +18,7 @@ struct outcome {
 template <class Format, class Reader, bool throwing = false>
 class both_ways {
  public:
-  /// `shown` tells a store as text; the others make the format.
+  /// `shown` gives a store as text; the others make the format.
   template <class... Arguments>
   explicit both_ways(std::wstring (*shown)(const ruvo::bundle&), Arguments... arguments)
       : shown_(shown), format_(arguments...) {}

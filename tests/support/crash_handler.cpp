@@ -40,7 +40,7 @@ const char* name_of(DWORD code) {
 
 LONG CALLBACK on_exception(EXCEPTION_POINTERS* pointers) {
   const EXCEPTION_RECORD& record = *pointers->ExceptionRecord;
-  // Errors of the system only: what C++ throws and what debuggers are told has other leading bits.
+  // Errors of the system only: what C++ throws and what goes to debuggers has other leading bits.
   if (record.ExceptionCode >> 28 != 0xC) return EXCEPTION_CONTINUE_SEARCH;
 
   add("\nCRASH: ");

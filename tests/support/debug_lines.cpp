@@ -11,7 +11,7 @@
 
 namespace {
 
-// The system tells debuggers by raising exceptions, first with the wide text and, unless that was taken, with
+// The system calls debuggers by raising exceptions, first with the wide text and, unless that was taken, with
 // the narrow one.
 constexpr DWORD wide_text = 0x4001000A, narrow_text = 0x40010006;
 

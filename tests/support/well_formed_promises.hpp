@@ -28,7 +28,7 @@ inline const char* broken(const std::wstring& text) {
     if (error.WRONG()) return "success leaves the error alone";
     return out.size() == 1 ? nullptr : "a document has one member";
   }
-  if (error.OK()) return "a failure is told";
+  if (error.OK()) return "a failure is reported";
   if (out.to_string() != L"{\"k\":1, \"l\":2}") return "a failure leaves what was there";
   const std::size_t position = refused_at(text);
   if (position < 1 || position > text.size() + 1) return "the position is in the text";

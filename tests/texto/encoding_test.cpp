@@ -1,3 +1,5 @@
+// Base64, hexadecimal, addresses of the web, words of mail headers, code pages.
+
 #include <ruvo/texto.hpp>
 
 #include <cstdint>
@@ -63,7 +65,7 @@ TEST(base64, known_vectors) {
   EXPECT_EQ(encoded("\xFB\xFF", true), "-_8=");
 }
 
-/// Every byte and every unit in a long run of digits, where vectors have to tell it from a digit.
+/// Every byte and every unit in a long run of digits, where vectors must not take it for a digit.
 TEST(base64, every_character_among_digits) {
   const std::string run(48, 'Q');
   for (std::uint32_t unit = 0; unit < 0x10000; ++unit) {
@@ -178,9 +180,10 @@ TEST(hex, long_numbers_to_decimal) {
     const std::string decimal = texto::hex_to_dec(hex);
     for (const unsigned long long modulus : {4294967291u, 999999937u, 1000003u}) {
       unsigned long long from_hex = 0, from_decimal = 0;
-      for (const char c : hex)
+      for (const char c : hex) {
         from_hex = (from_hex * 16 + static_cast<unsigned>(texto::hex_char_to_int(static_cast<wchar_t>(c)))) %
                    modulus;
+      }
       for (const char c : decimal)
         from_decimal = (from_decimal * 10 + static_cast<unsigned>(c - '0')) % modulus;
       ASSERT_EQ(from_hex, from_decimal) << size;

@@ -1,3 +1,5 @@
+// Identity numbers, accounts and cards against their control sums.
+
 #include <ruvo/texto.hpp>
 
 #include <climits>

@@ -1,3 +1,5 @@
+// SQL, HTML, JSON in texts and bundles, and stored memos.
+
 #include <ruvo/ruvo.hpp>
 
 #include <numeric>

@@ -1,3 +1,5 @@
+// Numbers as text: formats, sizes, numerals, amounts in words, and texts that are numbers.
+
 #include <ruvo/ruvo.hpp>
 
 #include <bit>
@@ -95,9 +97,10 @@ TEST(format, as_a_wide_stream_prints) {
     const ruvo::thread_scope scope(app);
     marked_stream expected(row.decimal, row.thousands);
     for (short decimals = 0; decimals <= 20; ++decimals) {
-      for (const double special : specials)
+      for (const double special : specials) {
         for (const double value : {special, -special})
           ASSERT_EQ(texto::format(value, decimals), expected(value, decimals)) << value << ' ' << decimals;
+      }
       for (int i = 0; i < 400; ++i) {
         const double value = any_double(random);
         if (std::isnan(value)) continue;  // streams differ in its sign
@@ -294,9 +297,10 @@ TEST(amounts, are_put_together_from_their_parts) {
     if (whole + cents == 0) continue;
     check(-(static_cast<double>(whole) + static_cast<double>(cents) / parts), whole, cents * (100 / parts));
   }
-  for (long long power = 1; power <= 100000000000000; power *= 10)
+  for (long long power = 1; power <= 100000000000000; power *= 10) {
     for (const long long whole : {power, power + 1, power - 1, 2 * power, 101 * (power / 1000) * 10})
       check(static_cast<double>(whole), whole);
+  }
 }
 
 TEST(numbers, of_any_size_stand_in_documents_as_their_text) {

@@ -1,3 +1,5 @@
+// Replacing, splitting, masks and the fixed patterns.
+
 #include <ruvo/texto.hpp>
 
 #include <regex>
@@ -77,9 +79,10 @@ TEST(mask, modes_without_wildcards) {
               {L"abcd", L"bc", L"359"},     {L"abc", L"B", L""},      {L"", L"", L"0123459"},
               {L"abc", L"", L"12359"},      {L"", L"a", L""}};
   for (const auto& row : rows) {
-    for (const wchar_t mode : std::wstring(L"0123459"))
+    for (const wchar_t mode : std::wstring(L"0123459")) {
       EXPECT_EQ(texto::match_mask(row.text, row.mask, mode - L'0'), texto::contains(row.modes, {mode}))
           << row.text << L" " << row.mask << L" " << std::wstring(1, mode);
+    }
   }
   const std::wstring large(5000000, L'a');
   EXPECT_FALSE(texto::match_mask(large, L"a*a*a*a*b", 0));

@@ -1,3 +1,5 @@
+// Blanks at the ends, capital and small letters, and texts that are integers.
+
 #include <ruvo/texto.hpp>
 
 #include <cstdint>

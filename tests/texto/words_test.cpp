@@ -1,3 +1,5 @@
+// Words, names of persons and places, and cleaning.
+
 #include <ruvo/texto.hpp>
 
 #include <algorithm>

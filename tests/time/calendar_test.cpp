@@ -192,12 +192,6 @@ TEST(calendar, fields_are_moved_and_set_with_carry) {
   EXPECT_EQ(ruvo::time(1, 2, 3).set_hour(4).set_minutes(5).set_seconds(6), 40506);
 }
 
-TEST(calendar, last_days) {
-  EXPECT_EQ(date::get_last_day(2023, 12), 20231231);
-  EXPECT_EQ(date::get_last_day(2024, 2), 20240229);
-  EXPECT_EQ(date::get_last_day(1900, 2), 19000228);
-}
-
 TEST(calendar, comparing) {
   const date early(20240228), late(20240229);
   EXPECT_EQ(early.compare(late), 2);

@@ -15,7 +15,7 @@ namespace {
 
 class failing_context : public ruvo::fake_context {
  public:
-  enum { works, tells, throws_own, throws_foreign } manner = tells;
+  enum { works, reports, throws_own, throws_foreign } manner = reports;
 
   bool sistem_gmt_time(std::tm* record, long long seconds, ruvo::exception* err) const override {
     return ready(err) && fake_context::sistem_gmt_time(record, seconds, err);
@@ -24,7 +24,7 @@ class failing_context : public ruvo::fake_context {
     return ready(err) && fake_context::sistem_gmt_lapse(seconds, record, err);
   }
   long long get_system_ticks() const override {
-    if (manner != tells) ready(nullptr);
+    if (manner != reports) ready(nullptr);
     return fake_context::get_system_ticks();
   }
 
@@ -32,7 +32,7 @@ class failing_context : public ruvo::fake_context {
   bool ready(ruvo::exception* err) const {
     if (manner == throws_own) throw ruvo::exc::NullPointer();
     if (manner == throws_foreign) throw std::runtime_error("parado");
-    if (manner == tells) ruvo::exc::CalendarException(7, L"parado").copy_on(err);
+    if (manner == reports) ruvo::exc::CalendarException(7, L"parado").copy_on(err);
     return manner == works;
   }
 };
@@ -75,7 +75,7 @@ TEST(services, their_failures_come_through) {
   EXPECT_THROW(value.to_string(), ruvo::exc::CalendarException);
 }
 
-TEST(services, a_failure_that_an_override_tells_is_the_one_that_is_thrown) {
+TEST(services, a_failure_that_an_override_reports_is_the_one_that_is_thrown) {
   struct working_days : ruvo::date {
     using date::date;
     bool add(int n, times::UNITS unit, ruvo::exception* err) override {
@@ -100,7 +100,7 @@ TEST(services, what_they_throw_is_a_failure_of_the_library) {
   ruvo::date day(20240229);
   ruvo::time hour(100000);
   ruvo::exception err;
-  const auto tells = [&err](bool failed) {
+  const auto raise = [&err](bool failed) {
     if (failed) err.raise();
   };
   std::tm record{};
@@ -117,11 +117,11 @@ TEST(services, what_they_throw_is_a_failure_of_the_library) {
       [&] { ruvo::datetime(day, hour); },
       [&] { ruvo::dates::diff_days(day, day); },
       [&] { ruvo::times::diff_hours(hour, hour); },
-      [&] { tells(value.add(1, times::DAYS, &err)); },
-      [&] { tells(value.gmt(record, err)); },
-      [&] { tells(!value.parse(L"29-02-2024", "%d-%m-%Y", err)); },
+      [&] { raise(value.add(1, times::DAYS, &err)); },
+      [&] { raise(value.gmt(record, err)); },
+      [&] { raise(!value.parse(L"29-02-2024", "%d-%m-%Y", err)); },
   };
-  for (const auto manner : {failing_context::throws_own, failing_context::throws_foreign})
+  for (const auto manner : {failing_context::throws_own, failing_context::throws_foreign}) {
     for (const auto& operation : operations) {
       fake.manner = manner;
       const auto number = &operation - operations;
@@ -136,12 +136,13 @@ TEST(services, what_they_throw_is_a_failure_of_the_library) {
       }
       EXPECT_EQ(ruvo::var(day).to_string(), L"1709179444");  // the text of a value is there all the same
     }
+  }
 }
 
 TEST(services, the_day_count_needs_none) {
   failing_context fake;
   const ruvo::thread_scope scope(fake);
-  for (const auto manner : {failing_context::tells, failing_context::throws_own}) {
+  for (const auto manner : {failing_context::reports, failing_context::throws_own}) {
     fake.manner = manner;
     ruvo::velda::date day(20240228L);
     EXPECT_TRUE(day.is_null());

@@ -162,7 +162,7 @@ TEST(reading, texts_that_do_not_fit) {
       {"%Q", {L"10"}},
       {"%d %m", {L"10"}},
   };
-  for (const auto& row : rows)
+  for (const auto& row : rows) {
     for (const wchar_t* const text : row.texts) {
       datetime value(7LL);
       ruvo::exception err;
@@ -170,6 +170,7 @@ TEST(reading, texts_that_do_not_fit) {
       EXPECT_EQ(err.get_raw_code(), 0xEBB90BB9ul) << text;
       EXPECT_EQ(value.get_lapso(), 7) << text;
     }
+  }
 }
 
 TEST(reading, constructors_and_assignments) {

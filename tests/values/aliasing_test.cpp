@@ -20,7 +20,7 @@ namespace serializer = ruvo::serializer;
 
 std::wstring shown(const bundle& value) {
   std::wstring out;
-  serializer::xml(true, false).serialize(out, value);  // tells the qualities
+  serializer::xml(true, false).serialize(out, value);  // shows the qualities
   return value.to_string() + out;
 }
 std::wstring shown(const list& value) { return value.to_string(); }
@@ -115,10 +115,12 @@ TEST(aliasing, texts_inside_of_a_bundle) {
       {"memo decoded", document,
        [](bundle& b, const std::wstring& t) { ruvo::texto::decodifica_memo(b, t); }},
   };
-  for (const auto& row : rows)
-    for (const auto place : {in_a_memo, in_a_text, in_a_list, in_a_key, in_a_quality})
+  for (const auto& row : rows) {
+    for (const auto place : {in_a_memo, in_a_text, in_a_list, in_a_key, in_a_quality}) {
       same_as_with_a_copy<bundle>(
           row.name, [&](bundle& b) -> const std::wstring& { return place(b, row.text); }, row.run);
+    }
+  }
   bundle b;
   b[key][key] = 1;
   EXPECT_EQ(b[key].erase(b[key].begin()->first), 1U);
@@ -175,9 +177,10 @@ TEST(aliasing, elements_of_a_list) {
       {"quality =", [](list& l, const xvar& v) { l[0][L"a"] = v; }},
       {"its qualities", [](list& l, const xvar& v) { l[0].add_qualities(v.get_qualities()); }},
   };
-  for (const auto& row : rows)
+  for (const auto& row : rows) {
     for (const auto fill : {first_of, first_with_room, inside_of_first})
       same_as_with_a_copy<list>(row.name, fill, row.run);
+  }
 }
 
 /// What is moved or whose qualities are taken may be inside one of the qualities that are replaced.

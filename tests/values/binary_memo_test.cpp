@@ -1,3 +1,5 @@
+// The two values that are rows of bytes and of characters.
+
 #include <ruvo/binary.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/memo.hpp>
@@ -86,13 +88,14 @@ TEST(binary, works_as_a_vector) {
 
 TEST(binary, orders_unsigned_bytes) {
   const char* const ordered[] = {"", "\x01", "\x01\x01", "\x7F", "\x80", "\xFF", "\xFF\x01"};
-  for (const char* a : ordered)
+  for (const char* a : ordered) {
     for (const char* b : ordered) {
       EXPECT_EQ(binary(a) < binary(b), std::string(a) < std::string(b));
       EXPECT_EQ(binary(a).compare(b) < 0, std::string(a) < std::string(b));
       EXPECT_EQ(binary(a) == binary(b), std::string(a) == b);
       EXPECT_EQ(binary(a) != binary(b), std::string(a) != b);
     }
+  }
 }
 
 TEST(binary, shows_text_or_base64) {

@@ -1,3 +1,5 @@
+// Qualities, lists and bundles.
+
 #include <ruvo/ruvo.hpp>
 
 #include <algorithm>

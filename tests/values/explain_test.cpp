@@ -1,4 +1,4 @@
-// What a bundle tells of a path, and that it agrees with the getters.
+// What a bundle says of a path, and that it agrees with the getters.
 
 #include <ruvo/ruvo.hpp>
 
@@ -113,19 +113,19 @@ TEST(explain, narrow_getters) {
     bundle b;
     b[L"v"] = value;
     const std::wstring text = b.explain(L"v");
-    const auto tells = [&text](const std::wstring& part) { return text.find(part) != std::wstring::npos; };
+    const auto says = [&text](const std::wstring& part) { return text.find(part) != std::wstring::npos; };
     const long long whole = b.get_xlong(L"v");
     for (const auto& [type, given] :
          {std::pair<std::wstring, long long>(L" en long (", b.get_long(L"v")),
           std::pair<std::wstring, long long>(L" en short (", b.get_short(L"v"))}) {
-      EXPECT_EQ(tells(type), given != whole) << testing::PrintToString(text);
-      EXPECT_EQ(tells(type + L"da " + std::to_wstring(given) + L")"), given != whole)
+      EXPECT_EQ(says(type), given != whole) << testing::PrintToString(text);
+      EXPECT_EQ(says(type + L"da " + std::to_wstring(given) + L")"), given != whole)
           << testing::PrintToString(text);
     }
     const double real = b.get_double(L"v");
-    EXPECT_EQ(tells(L" en long long ("), real > 9.3e18 || real < -9.3e18) << testing::PrintToString(text);
-    EXPECT_EQ(tells(L" en float (da infinito)"), real == 1e39);
-    EXPECT_EQ(tells(L" en float (da -infinito)"), real == -1e300);
+    EXPECT_EQ(says(L" en long long ("), real > 9.3e18 || real < -9.3e18) << testing::PrintToString(text);
+    EXPECT_EQ(says(L" en float (da infinito)"), real == 1e39);
+    EXPECT_EQ(says(L" en float (da -infinito)"), real == -1e300);
   }
 }
 
@@ -146,11 +146,11 @@ TEST_F(explain_generated, agrees_with_the_getters) {
     for (int n = 0; n < 6; ++n) b.putOn(any_path(), values[random() % values.size()], 'x');
     const char separator = random() % 4 ? 'x' : 'X';  // paths are folded, separators are not
     const std::wstring path = any_path(), text = b.explain(path, separator);
-    const auto tells = [&text](const wchar_t* part) { return text.find(part) != std::wstring::npos; };
+    const auto says = [&text](const wchar_t* part) { return text.find(part) != std::wstring::npos; };
     ++inputs;
-    EXPECT_EQ(tells(L"no existe") || tells(L"sólo sigue"), !b.has(path, separator))
+    EXPECT_EQ(says(L"no existe") || says(L"sólo sigue"), !b.has(path, separator))
         << testing::PrintToString(text);
-    EXPECT_EQ(tells(L" es nulo."), b.has(path, separator) && b.get(path, separator).is_null());
+    EXPECT_EQ(says(L" es nulo."), b.has(path, separator) && b.get(path, separator).is_null());
     const std::size_t denied = std::min(text.find(L"No se lee"), text.size());
     const auto reads = [&](const wchar_t* as) { return text.find(as) < denied; };
     EXPECT_EQ(reads(L"entero,") || reads(L"entero."),

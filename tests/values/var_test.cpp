@@ -1,3 +1,5 @@
+// The kinds of a value, their copies, conversions and order.
+
 #include <ruvo/ruvo.hpp>
 
 #include <cmath>
