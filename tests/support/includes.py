@@ -64,7 +64,7 @@ def included(path):
 
 def main():
     found = 0
-    for path in sorted([*Path("include").rglob("*.hpp"), *Path("src").rglob("*.[ch]pp")]):
+    for path in sorted([*Path("include").rglob("*.hpp"), *Path("src").rglob("*.[ch]pp"), *Path("apps").rglob("*.[ch]pp")]):
         here = included(path)
         for header in [h for h in here if h.endswith(".hpp")]:
             here |= included(Path("include") / header) | included(Path("src") / header)
