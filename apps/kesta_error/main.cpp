@@ -6,13 +6,16 @@
 // digits (without 0x, too, if they are eight and one is a letter), or RANGE.NUMBER of an error of the
 // library. Prints the parts of the code, the classes that have it and their messages; of other codes, what
 // the system says; an empty line between two codes. Ends with 0, with 1 if nothing is known of a code, with 2
-// if an argument is none: it is named among the errors, and the others are told all the same.
+// if an argument is none: it is named among the errors, and the others are printed all the same.
 
+#include <ruvo/exc_table.hpp>
 #include <ruvo/ruvo.hpp>
 
 #include <charconv>
 #include <cstdio>
+#include <cwchar>
 #include <exception>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,66 +28,9 @@ const char usage[] =
     "uso: kesta-error VALOR...\n"
     "  VALOR: decimal (3954770921, -340196375), hexadecimal (0xEBB903E9, EBB903E9) o RANGO.ORDEN (1.1)\n";
 
-namespace ranges {
-#define KESTA_EXC_RANGE(name, range) constexpr unsigned long name = range;
-KESTA_EXC_FAMILIES(KESTA_EXC_RANGE)
-#undef KESTA_EXC_RANGE
-}  // namespace ranges
-
-struct row {
-  const wchar_t* name;
-  const wchar_t* base;
-  unsigned long range, number;
-  const wchar_t *text, *after;
-};
-
-// clang-format off
-const row rows[] = {
-#define ROW(name, number, text) {L"" #name, L"ruvo::exception", 0, number, text, L""},
-  KESTA_EXC_GENERAL(ROW)
-  KESTA_EXC_GENERAL_TOLD(ROW)
-  KESTA_EXC_HOOK(ROW)
-#undef ROW
-#define ROW(name, text) {L"" #name, L"kesta::exception", ranges::name, 1, text, L""},
-  KESTA_EXC_UNDETERMINED(ROW)
-#undef ROW
-#define ROW(name, family, number, text) {L"" #name, L"" #family, ranges::family, number, text, L""},
-  KESTA_EXC_PLAIN(ROW)
-  KESTA_EXC_FILE(ROW)
-  KESTA_EXC_NUMBERED(ROW)
-#undef ROW
-#define ROW(name, family, number, text, after) {L"" #name, L"" #family, ranges::family, number, text, after},
-  KESTA_EXC_NAMED(ROW)
-#undef ROW
-#define ROW(name, family, number, text) {L"" #name, L"" #family, ranges::family, number, text, L":%1 en el nudo:%2"},
-  KESTA_EXC_KNOT(ROW)
-#undef ROW
-#define ROW(name, range, number, text) {L"" #name, L"kesta::exception", range, number, text, L""},
-  KESTA_EXC_ACTION(ROW)
-#undef ROW
-#define ROW(name, number, text) {L"" #name L"(" #number L")", L"kesta::exception", ranges::name, number, text, L""},
-  KESTA_EXC_CONSOLE(ROW)
-#undef ROW
-#define ROW(name, family, number) {L"" #name, L"" #family, ranges::family, number, L"" #name L": %1", L""},
-  KESTA_EXC_MESSAGE(ROW)
-  KESTA_EXC_PLACES(ROW)
-#undef ROW
-#define ROW(name, family, number) {L"" #name, L"" #family, ranges::family, number, L"" #name L": %1 (%2: %3)", L""},
-  KESTA_EXC_WINDOWS(ROW)
-#undef ROW
-};
-// clang-format on
-
-struct family {
-  const wchar_t* name;
-  unsigned long range;
-};
-
-const family families[] = {
-#define ROW(name, range) {L"" #name, range},
-    KESTA_EXC_FAMILIES(ROW)
-#undef ROW
-};
+namespace detail = ruvo::detail;
+using detail::error_row;
+using detail::error_shape;
 
 struct system_texts : ruvo::exception {
   using ruvo::exception::winerror_message;
@@ -98,12 +44,6 @@ std::optional<unsigned long long> number(std::string_view digits, int base = 10)
   return value;
 }
 
-unsigned long made_code(unsigned long long range, unsigned long long number) {
-  const unsigned long low = static_cast<unsigned long>(range * 1000 + number);
-  return range ? ruvo::kesta::exception(low, L"", 0).get_raw_code()
-               : ruvo::exception(L"", low, 0, 3000).get_raw_code();
-}
-
 /// Nothing if it is no code.
 std::optional<unsigned long> code_of(std::string_view text) {
   constexpr unsigned long long most = 0xFFFFFFFF;
@@ -113,7 +53,9 @@ std::optional<unsigned long> code_of(std::string_view text) {
     const auto in_range = number(text.substr(dot + 1));
     if (!range || !in_range || *range > 65 || *in_range > 999 || *range * 1000 + *in_range > 0xFFFF)
       return {};
-    return made_code(*range, *in_range);
+    const unsigned long facility = *range ? detail::module_facility : detail::general_facility;
+    return detail::raw_code(facility, static_cast<unsigned long>(*range),
+                            static_cast<unsigned long>(*in_range));
   }
   if (text.starts_with("0x") || text.starts_with("0X")) {
     code = number(text.substr(2), 16);
@@ -129,38 +71,32 @@ std::optional<unsigned long> code_of(std::string_view text) {
   return static_cast<unsigned long>(*code);
 }
 
-std::wstring in_hex(unsigned long value) {
-  std::wstring digits(8, L'0');
-  for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit, value >>= 4) {
-    *digit = L"0123456789ABCDEF"[value & 15];
-  }
-  return L"0x" + digits;
-}
-
 void line(std::wstring& out, const wchar_t* label, const std::wstring& text) {
   out.append(label).append(L": ").append(text).append(L"\r\n");
 }
 
 bool is_of_library(const ruvo::exception& code) {
   const unsigned long facility = code.get_facility();
-  return code.get_severity() == 3 && code.get_customer() == 1 && (facility == 3000 || facility == 3001);
+  return code.get_severity() == 3 && code.get_customer() == 1 &&
+         (facility == detail::general_facility || facility == detail::module_facility);
 }
 
-/// What an argument follows ends in a blank.
-std::wstring message(const row& r) {
-  std::wstring text = r.text;
-  if (text.ends_with(L' ')) text += L"%1";
-  return text + r.after;
+/// A family's own code is shown as what makes it. Empty for what has no class.
+std::wstring class_of(const error_row& row) {
+  std::wstring name(row.name);
+  if (row.shape != error_shape::place) return name;
+  if (name == L"Incorrect") return {};
+  return row.is_general() ? name : name + L"(" + std::to_wstring(row.number) + L")";
 }
 
 /// The classes that have the code; whether there are any.
-bool tell_classes(std::wstring& out, const ruvo::exception& code) {
+bool add_classes(std::wstring& out, const ruvo::exception& code) {
   bool found = false;
-  for (const row& r : rows) {
-    if (made_code(r.range, r.number) != code.get_raw_code()) continue;
-    const std::wstring_view name = r.name;
-    if (name != L"Incorrect") line(out, L"CLASS", std::wstring(name) + L" : " + r.base);
-    line(out, L"MESSAGE", message(r));
+  for (const error_row& row : detail::errors) {
+    if (row.text.empty() || code != row.code()) continue;
+    const std::wstring name = class_of(row);
+    if (!name.empty()) line(out, L"CLASS", name + L" : " + std::wstring(row.base));
+    line(out, L"MESSAGE", std::wstring(row.text));
     found = true;
   }
   return found;
@@ -168,9 +104,10 @@ bool tell_classes(std::wstring& out, const ruvo::exception& code) {
 
 std::wstring range_of(const ruvo::exception& code) {
   std::wstring text = std::to_wstring(code.get_rango());
-  if (code.get_facility() != 3001) return text;
-  for (const family& f : families) {
-    if (f.range == code.get_rango()) text += std::wstring(L" (") + f.name + L")";
+  if (code.get_facility() != detail::module_facility) return text;
+  for (const error_row& row : detail::errors) {
+    const bool is_its_family = row.shape == error_shape::family && row.range == code.get_rango();
+    if (is_its_family) text.append(L" (").append(row.name).push_back(L')');
   }
   return text;
 }
@@ -184,10 +121,12 @@ std::wstring system_text(unsigned long raw) {
 }
 
 /// Whether something is known of the code.
-bool tell(std::wstring& out, unsigned long raw) {
+bool describe(std::wstring& out, unsigned long raw) {
   const ruvo::exception code(raw, L"");
   const bool own = is_of_library(code);
-  line(out, L"RAW", in_hex(raw) + L" (" + std::to_wstring(raw) + L")");
+  wchar_t shown[32];
+  std::swprintf(shown, std::size(shown), L"0x%08lX (%lu)", raw, raw);
+  line(out, L"RAW", shown);
   if (own) {
     line(out, L"CODE", std::to_wstring(code.get_code()));
     line(out, L"RANGE", range_of(code));
@@ -196,7 +135,7 @@ bool tell(std::wstring& out, unsigned long raw) {
   line(out, L"CUSTOMER", std::to_wstring(code.get_customer()));
   line(out, L"SEVERITY", std::to_wstring(code.get_severity()));
   if (own) {
-    if (tell_classes(out, code)) return true;
+    if (add_classes(out, code)) return true;
     line(out, L"MESSAGE", code.OK() ? L"correcto: el número es 0" : L"ninguna clase tiene este código");
     return code.OK();
   }
@@ -212,7 +151,7 @@ int run(int argc, wchar_t** argv) {
     const std::string text = ruvo::texto::to_utf_8(argv[n]);
     if (const auto code = code_of(text)) {
       if (!out.empty()) out += L"\r\n";
-      known &= tell(out, *code);
+      known &= describe(out, *code);
     } else {
       std::fprintf(stderr, "kesta-error: '%s' no es un VALOR\n", text.c_str());
       good = false;

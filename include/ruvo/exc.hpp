@@ -3,7 +3,6 @@
 // ruvo::exc, the classes of errors. Codes and messages stand in <ruvo/exc_catalogue.hpp>, from which most of
 // the classes are made; in the reference each of those shows its own.
 
-#include <ruvo/exc_catalogue.hpp>
 #include <ruvo/exception.hpp>
 #include <ruvo/fwd.hpp>
 
@@ -28,12 +27,7 @@ namespace ruvo::exc {
     ~name() override;                    \
   };
 
-// General errors
-
-#define KESTA_EXC_DECLARE(name, code, message) KESTA_EXC_CLASS(name, ruvo::exception, name())
-/// A general error, range 0.
-KESTA_EXC_GENERAL(KESTA_EXC_DECLARE)
-#undef KESTA_EXC_DECLARE
+// --- general errors
 
 /// An error that nobody handled. Range 0, number 5.
 class KESTA_API UnCatch : public ruvo::exception {
@@ -62,110 +56,134 @@ class KESTA_API RunTime : public ruvo::exception {
   ~RunTime() override;
 };
 
-/// A general error, range 0. The name of the argument follows the message.
-KESTA_EXC_CLASS(EmptyArgument, ruvo::exception, explicit EmptyArgument(const std::wstring& name))
-KESTA_EXC_CLASS(BadArgument, ruvo::exception, explicit BadArgument(const std::wstring& name))
+// --- families
 
-// Families
-
-#define KESTA_EXC_FAMILY(name) \
-  KESTA_EXC_CLASS(name, kesta::exception, name(unsigned long code, const std::wstring& message))
 /// The errors of range 1, files and folders, made of the number within it and the message.
-KESTA_EXC_FAMILY(FileException)
+KESTA_EXC_CLASS(FileException, kesta::exception,
+                FileException(unsigned long code, const std::wstring& message))
 
 /// The errors of range 2, the system and the account, made of the number within it and the message.
-KESTA_EXC_FAMILY(SystemException)
+KESTA_EXC_CLASS(SystemException, kesta::exception,
+                SystemException(unsigned long code, const std::wstring& message))
+
+/// The errors of range 3, dates and times.
+class KESTA_API CalendarException : public kesta::exception {
+ public:
+  /// A failure that is not known further: number 1.
+  CalendarException();
+  ~CalendarException() override;
+  /// Made of the number within the range and the message.
+  CalendarException(unsigned long code, const std::wstring& message);
+};
+
+/// The errors of range 4, the registry of Windows, made of the number within it, the message and the error
+/// number of Windows. " (number: the system's text)" is appended to the message, not to the report.
+KESTA_EXC_CLASS(winregistryException, kesta::exception,
+                winregistryException(unsigned long code, const std::wstring& message,
+                                     unsigned long windows_error))
 
 /// The errors of range 5, compressed archives, made of the number within it and the message.
-KESTA_EXC_FAMILY(ZipException)
+KESTA_EXC_CLASS(ZipException, kesta::exception, ZipException(unsigned long code, const std::wstring& message))
+
+/// The errors of range 6, reading JSON.
+class KESTA_API JSONException : public kesta::exception {
+ public:
+  /// A failure that is not known further: number 1.
+  JSONException();
+  ~JSONException() override;
+
+ protected:
+  /// Made of the number within the range and the message.
+  JSONException(unsigned long code, const std::wstring& message);
+};
+
+/// The errors of range 7, reading XML.
+class KESTA_API XMLException : public kesta::exception {
+ public:
+  /// A failure that is not known further: number 1.
+  XMLException();
+  ~XMLException() override;
+
+ protected:
+  /// Made of the number within the range and the message.
+  XMLException(unsigned long code, const std::wstring& message);
+};
+
+/// The errors of range 8, tasks and threads.
+class KESTA_API ThreadException : public kesta::exception {
+ public:
+  /// A failure that is not known further: number 1.
+  ThreadException();
+  ~ThreadException() override;
+  /// Made of the number within the range and the message.
+  ThreadException(unsigned long code, const std::wstring& message);
+};
 
 /// The errors of range 9, styles, made of the number within it and the message.
-KESTA_EXC_FAMILY(StyleException)
+KESTA_EXC_CLASS(StyleException, kesta::exception,
+                StyleException(unsigned long code, const std::wstring& message))
 
 /// The errors of range 10, drawing, made of the number within it and the message.
-KESTA_EXC_FAMILY(RenderException)
+KESTA_EXC_CLASS(RenderException, kesta::exception,
+                RenderException(unsigned long code, const std::wstring& message))
 
 /// The errors of range 11, modules that are loaded by name, made of the number within it and the message.
-KESTA_EXC_FAMILY(InterfaceException)
+KESTA_EXC_CLASS(InterfaceException, kesta::exception,
+                InterfaceException(unsigned long code, const std::wstring& message))
+
+/// The errors of range 12, calls of Windows, made of the number within it, the message and the error number
+/// of Windows. " (number: the system's text)" is appended to the message, not to the report.
+KESTA_EXC_CLASS(winException, kesta::exception,
+                winException(unsigned long code, const std::wstring& message, unsigned long windows_error))
 
 /// The errors of range 13, XML documents of others, made of the number within it and the message.
-KESTA_EXC_FAMILY(xmlException)
+KESTA_EXC_CLASS(xmlException, kesta::exception, xmlException(unsigned long code, const std::wstring& message))
 
 /// The errors of range 14, managed code, made of the number within it and the message.
-KESTA_EXC_FAMILY(dotnetException)
-#undef KESTA_EXC_FAMILY
+KESTA_EXC_CLASS(dotnetException, kesta::exception,
+                dotnetException(unsigned long code, const std::wstring& message))
 
-#define KESTA_EXC_FAMILY(name)                             \
-  class KESTA_API name : public kesta::exception {         \
-   public:                                                 \
-    name();                                                \
-    name(unsigned long code, const std::wstring& message); \
-    ~name() override;                                      \
-  };
-/// The errors of range 3, dates and times, made of the number within it and the message,
-/// or of nothing: a failure that is not known further, number 1.
-KESTA_EXC_FAMILY(CalendarException)
+// --- the classes of the catalogue that need no more than their row, by the shape of the row
 
-/// The errors of range 8, tasks and threads, made of the number within it and the message,
-/// or of nothing: a failure that is not known further, number 1.
-KESTA_EXC_FAMILY(ThreadException)
-#undef KESTA_EXC_FAMILY
+#define KESTA_EXC_own(name, base)
+#define KESTA_EXC_family(name, base)
+#define KESTA_EXC_place(name, base)
 
-#define KESTA_EXC_FAMILY(name)                             \
-  class KESTA_API name : public kesta::exception {         \
-   public:                                                 \
-    name();                                                \
-    ~name() override;                                      \
-                                                           \
-   protected:                                              \
-    name(unsigned long code, const std::wstring& message); \
-  };
-/// The errors of range 6, reading JSON, made of the number within it and the message,
-/// or of nothing: a failure that is not known further, number 1.
-KESTA_EXC_FAMILY(JSONException)
+/// An error with one message.
+#define KESTA_EXC_plain(name, base) KESTA_EXC_CLASS(name, base, name())
 
-/// The errors of range 7, reading XML, made of the number within it and the message,
-/// or of nothing: a failure that is not known further, number 1.
-KESTA_EXC_FAMILY(XMLException)
-#undef KESTA_EXC_FAMILY
-
-#define KESTA_EXC_WINDOWS_FAMILY(name)    \
-  KESTA_EXC_CLASS(name, kesta::exception, \
-                  name(unsigned long code, const std::wstring& message, unsigned long windows_error))
-/// The errors of range 12, calls of Windows, made of the number within it, the message and the number that
-/// Windows tells. " (number: the system's text)" is appended to the message, not to the report.
-KESTA_EXC_WINDOWS_FAMILY(winException)
-
-/// The errors of range 4, the registry of Windows, made of the number within it, the message and the number
-/// that Windows tells. " (number: the system's text)" is appended to the message, not to the report.
-KESTA_EXC_WINDOWS_FAMILY(winregistryException)
-#undef KESTA_EXC_WINDOWS_FAMILY
-
-// Leaves
-
-#define KESTA_EXC_DECLARE(name, family, code, message) KESTA_EXC_CLASS(name, family, name())
-/// An error of its family, with one message.
-KESTA_EXC_PLAIN(KESTA_EXC_DECLARE)
-#undef KESTA_EXC_DECLARE
-
-#define KESTA_EXC_DECLARE(name, family, code, message) \
-  KESTA_EXC_CLASS(name, family, explicit name(const file& path))
 /// An error of a path, which follows the message.
-KESTA_EXC_FILE(KESTA_EXC_DECLARE)
-#undef KESTA_EXC_DECLARE
+#define KESTA_EXC_path(name, base) KESTA_EXC_CLASS(name, base, explicit name(const file& path))
 
-#define KESTA_EXC_DECLARE(name, family, code, before, after) \
-  KESTA_EXC_CLASS(name, family, explicit name(const std::wstring& subject))
 /// An error of something that has a name, which stands in the message.
-KESTA_EXC_NAMED(KESTA_EXC_DECLARE)
-#undef KESTA_EXC_DECLARE
+#define KESTA_EXC_named(name, base) KESTA_EXC_CLASS(name, base, explicit name(const std::wstring& subject))
 
-#define KESTA_EXC_DECLARE(name, family, code, message) \
-  KESTA_EXC_CLASS(name, family, name(unsigned long long position, unsigned long long knot))
 /// A text that cannot be read. The position, in characters read, and the knot, the number of open nodes,
 /// follow the message.
-KESTA_EXC_KNOT(KESTA_EXC_DECLARE)
-#undef KESTA_EXC_DECLARE
+#define KESTA_EXC_knot(name, base) \
+  KESTA_EXC_CLASS(name, base, name(unsigned long long position, unsigned long long knot))
+
+/// An error of its family, with the message of who throws it.
+#define KESTA_EXC_message(name, base) KESTA_EXC_CLASS(name, base, explicit name(const std::wstring& message))
+
+/// An error of its family, with the message of who throws it and the error number of Windows.
+#define KESTA_EXC_windows(name, base) \
+  KESTA_EXC_CLASS(name, base, name(const std::wstring& message, unsigned long windows_error))
+
+#define KESTA_ERROR(name, base, range, number, shape, text) KESTA_EXC_##shape(name, base)
+#include <ruvo/exc_catalogue.hpp>
+
+#undef KESTA_EXC_own
+#undef KESTA_EXC_family
+#undef KESTA_EXC_place
+#undef KESTA_EXC_plain
+#undef KESTA_EXC_path
+#undef KESTA_EXC_named
+#undef KESTA_EXC_knot
+#undef KESTA_EXC_message
+#undef KESTA_EXC_windows
+
+// --- those with a constructor of their own
 
 /// A text that cannot be read. The position, in characters read, follows the message.
 KESTA_EXC_CLASS(jsonBadFormated, JSONException, explicit jsonBadFormated(const unsigned long long& position))
@@ -177,18 +195,6 @@ KESTA_EXC_CLASS(systemErrorCode, SystemException, explicit systemErrorCode(unsig
 KESTA_EXC_CLASS(applicationAlreadyRegistered, SystemException,
                 explicit applicationAlreadyRegistered(unsigned long thread_id))
 
-#define KESTA_EXC_DECLARE(name, family, code) \
-  KESTA_EXC_CLASS(name, family, explicit name(const std::wstring& message))
-/// An error of its family, with the message of who throws it.
-KESTA_EXC_MESSAGE(KESTA_EXC_DECLARE)
-#undef KESTA_EXC_DECLARE
-
-#define KESTA_EXC_DECLARE(name, family, code) \
-  KESTA_EXC_CLASS(name, family, name(const std::wstring& message, unsigned long windows_error))
-/// An error of its family, with the message of who throws it and the number that Windows tells.
-KESTA_EXC_WINDOWS(KESTA_EXC_DECLARE)
-#undef KESTA_EXC_DECLARE
-
 /// A call into managed code that failed. The number within the range is 2 or 3, by the place that failed.
 KESTA_EXC_CLASS(invocaError, dotnetException, invocaError(unsigned long code, const std::wstring& message))
 
@@ -197,7 +203,7 @@ KESTA_EXC_CLASS(actionNotFound, kesta::exception, explicit actionNotFound(std::w
 
 #undef KESTA_EXC_CLASS
 
-// Failures that are those of the language, and say what they are about
+// --- failures that are those of the language, and say what they are about
 
 /// A key, an index or a name that is not there, as a std::out_of_range. Its what() says what kind of thing
 /// was looked for ("invalid map<K, T> key", "invalid vector subscript"), the detail which.

@@ -1,158 +1,131 @@
-#pragma once
+// The catalogue of errors: every class with its code and its message, a row each, in the order of the codes.
+// No header of its own: who includes it defines KESTA_ERROR(class, base, range, number, shape, text) before,
+// which is made of every row. cmake/errors.cmake and docs/site/exceptions.py read the rows as well: each
+// stands in one line, its text without quotation marks, backslashes, semicolons, bars and square brackets.
+//
+// The raw code is 0xE0000000 | facility << 16 | (range * 1000 + number), the facility 3000 where the base is
+// ruvo::exception, else 3001. The shape, of detail::error_shape in <ruvo/exc_table.hpp>, says what an object
+// of the class is made with, and so what stands for %1, %2 and %3 of the text. docs/ERRORS.md, kesta-error
+// and the message table of kesta.dll show the text as it is. A family without a text is no error of its own.
 
-// The catalogue of errors: every class with its code and message, once. <ruvo/exc.hpp> makes the classes from
-// these lists, cmake/errors.cmake the message table of kesta.dll and docs/ERRORS.md: one row a line, texts
-// without quotation marks, backslashes, semicolons, bars and square brackets. The raw code of a row is
-// 0xE0000000 | facility << 16 | (range * 1000 + code).
+#ifndef KESTA_ERROR
+#  error "KESTA_ERROR(class, base, range, number, shape, text) is defined before the rows are included"
+#endif
 
 // clang-format off
 
-// General errors: facility 3000, range 0. X(class, code, message)
-#define KESTA_EXC_GENERAL(X) \
-  X(OkResult, 0, L"CORRECTO") \
-  X(ClassCast, 2, L"Se ha utilizado una clase incompatible con el método. Notifique este problema.") \
-  X(NotImplemented, 3, L"Método sin implementar. Posiblemente sea necesaria una actualización") \
-  X(NullPointer, 4, L"Puntero nulo. Notifique este problema. Reinicie el programa.") \
-  X(OutOfRange, 7, L"Fuera de rango. Notifique este problema.") \
-  X(ExternalLib, 8, L"Excepción en Librería. Notifique este problema.") \
-  X(LostLib, 9, L"No se ha podido localizar el módulo en su ubicación. Necesita instalar el módulo en la ubicación correcta") \
-  X(BadFormat, 10, L"El valor no cumple con el formato acordado. Revise su formato.") \
-  X(ReleaseMemory, 11, L"No se puede acceder a la memoria. Notifique este problema.") \
-  X(InvalidChar, 13, L"Caracter incorrecto") \
-  X(ProcessCanceled, 16, L"Se canceló el proceso")
+KESTA_ERROR(OkResult, ruvo::exception, 0, 0, plain, L"CORRECTO")
+KESTA_ERROR(Incorrect, ruvo::exception, 0, 1, place, L"Error indeterminado")
+KESTA_ERROR(ClassCast, ruvo::exception, 0, 2, plain, L"Se ha utilizado una clase incompatible con el método. Notifique este problema.")
+KESTA_ERROR(NotImplemented, ruvo::exception, 0, 3, plain, L"Método sin implementar. Posiblemente sea necesaria una actualización")
+KESTA_ERROR(NotImplemented, ruvo::exception, 0, 3, place, L"El método debe sobrecargarse a nivel de apllicación: %1")
+KESTA_ERROR(NullPointer, ruvo::exception, 0, 4, plain, L"Puntero nulo. Notifique este problema. Reinicie el programa.")
+KESTA_ERROR(UnCatch, ruvo::exception, 0, 5, own, L"Error sin capturar. Es posible que sea ocasional. Reinicie el programa.")
+KESTA_ERROR(UnKnown, ruvo::exception, 0, 6, own, L"Error desconocido. Es posible que sea ocasional. Reinicie el programa.")
+KESTA_ERROR(OutOfRange, ruvo::exception, 0, 7, plain, L"Fuera de rango. Notifique este problema.")
+KESTA_ERROR(ExternalLib, ruvo::exception, 0, 8, plain, L"Excepción en Librería. Notifique este problema.")
+KESTA_ERROR(LostLib, ruvo::exception, 0, 9, plain, L"No se ha podido localizar el módulo en su ubicación. Necesita instalar el módulo en la ubicación correcta")
+KESTA_ERROR(BadFormat, ruvo::exception, 0, 10, plain, L"El valor no cumple con el formato acordado. Revise su formato.")
+KESTA_ERROR(ReleaseMemory, ruvo::exception, 0, 11, plain, L"No se puede acceder a la memoria. Notifique este problema.")
+KESTA_ERROR(RunTime, ruvo::exception, 0, 12, own, L"Excepción en tiempo de ejecución. Notifique este problema")
+KESTA_ERROR(InvalidChar, ruvo::exception, 0, 13, plain, L"Caracter incorrecto")
+KESTA_ERROR(EmptyArgument, ruvo::exception, 0, 14, named, L"Argumento vacío: %1")
+KESTA_ERROR(BadArgument, ruvo::exception, 0, 15, named, L"Argumento incorrecto: %1")
+KESTA_ERROR(ProcessCanceled, ruvo::exception, 0, 16, plain, L"Se canceló el proceso")
 
-// The same, with a constructor of their own: the message stands when the constructor is told nothing, or comes
-// before what it is told. The first row has no class.
-#define KESTA_EXC_GENERAL_TOLD(X) \
-  X(Incorrect, 1, L"Error indeterminado") \
-  X(UnCatch, 5, L"Error sin capturar. Es posible que sea ocasional. Reinicie el programa.") \
-  X(UnKnown, 6, L"Error desconocido. Es posible que sea ocasional. Reinicie el programa.") \
-  X(RunTime, 12, L"Excepción en tiempo de ejecución. Notifique este problema") \
-  X(EmptyArgument, 14, L"Argumento vacío: ") \
-  X(BadArgument, 15, L"Argumento incorrecto: ")
+KESTA_ERROR(FileException, kesta::exception, 1, 0, family, L"")
+KESTA_ERROR(fileNotFound, FileException, 1, 1, path, L"Archivo o directorio no encontrado: %1")
+KESTA_ERROR(fileInvalidFolder, FileException, 1, 2, path, L"La ruta no es un directorio: %1")
+KESTA_ERROR(fileOsStream, FileException, 1, 3, path, L"No se ha podido grabar el fichero: %1")
+KESTA_ERROR(fileUnCreateFolder, FileException, 1, 4, path, L"No se ha podido crear el directorio: %1")
+KESTA_ERROR(fileStrageFileSize, FileException, 1, 5, path, L"Se esperaba un tamaño distinto para el fichero %1")
+KESTA_ERROR(fileExpectedFolder, FileException, 1, 6, path, L"Se esperaba un directorio para la ruta: %1")
+KESTA_ERROR(fileExpectedFile, FileException, 1, 7, path, L"Se esperaba un fichero para la ruta: %1")
+KESTA_ERROR(fileUnDeleted, FileException, 1, 8, path, L"No se ha podido eliminar la ruta: %1")
 
-// The code of a class with another message: of the hooks of an application that are not overridden.
-// The name of the hook follows. X(class, code, message)
-#define KESTA_EXC_HOOK(X) \
-  X(NotImplemented, 3, L"El método debe sobrecargarse a nivel de apllicación: ")
+KESTA_ERROR(SystemException, kesta::exception, 2, 0, family, L"")
+KESTA_ERROR(systemEnviromentVarNotFound, SystemException, 2, 1, named, L"Variable de entorno no encontrada: %1")
+KESTA_ERROR(systemErrorCode, SystemException, 2, 2, own, L"Error del sistema operativo código: %1")
+KESTA_ERROR(systemUserDomain, SystemException, 2, 4, plain, L"Error al determinar usuario y dominio")
+KESTA_ERROR(levelTooLow, SystemException, 2, 6, plain, L"El nivel de permisos es insuficiente")
+KESTA_ERROR(applicationAlreadyRegistered, SystemException, 2, 10, own, L"Ya se ha registrado una aplicación en este hilo: %1")
+KESTA_ERROR(SystemException, kesta::exception, 2, 11, place, L"No se ha podido abrir la consola. Comprueba su configuración de Firewall")
 
-// Families: facility 3001. X(class, range)
-#define KESTA_EXC_FAMILIES(X) \
-  X(FileException, 1) \
-  X(SystemException, 2) \
-  X(CalendarException, 3) \
-  X(winregistryException, 4) \
-  X(ZipException, 5) \
-  X(JSONException, 6) \
-  X(XMLException, 7) \
-  X(ThreadException, 8) \
-  X(StyleException, 9) \
-  X(RenderException, 10) \
-  X(InterfaceException, 11) \
-  X(winException, 12) \
-  X(xmlException, 13) \
-  X(dotnetException, 14)
+KESTA_ERROR(CalendarException, kesta::exception, 3, 1, family, L"Error indeterminado de calendario")
 
-// What a family tells, with code 1, of a failure that it does not know. X(class, message)
-#define KESTA_EXC_UNDETERMINED(X) \
-  X(CalendarException, L"Error indeterminado de calendario") \
-  X(JSONException, L"Error indeterminado en la interpretación del JSON") \
-  X(XMLException, L"Error indeterminado en la interpretación del XML") \
-  X(ThreadException, L"Error indeterminado en la Ejecución de hilos")
+KESTA_ERROR(winregistryException, kesta::exception, 4, 0, family, L"")
+KESTA_ERROR(winregCreate, winregistryException, 4, 1, windows, L"winregCreate: %1 (%2: %3)")
+KESTA_ERROR(winregOpen, winregistryException, 4, 2, windows, L"winregOpen: %1 (%2: %3)")
+KESTA_ERROR(winregClose, winregistryException, 4, 3, windows, L"winregClose: %1 (%2: %3)")
+KESTA_ERROR(winregDelete, winregistryException, 4, 4, windows, L"winregDelete: %1 (%2: %3)")
+KESTA_ERROR(winregWrite, winregistryException, 4, 5, windows, L"winregWrite: %1 (%2: %3)")
+KESTA_ERROR(winregRead, winregistryException, 4, 6, windows, L"winregRead: %1 (%2: %3)")
+KESTA_ERROR(winregWrongType, winregistryException, 4, 7, windows, L"winregWrongType: %1 (%2: %3)")
 
-// The message is all. X(class, family, code, message)
-#define KESTA_EXC_PLAIN(X) \
-  X(systemUserDomain, SystemException, 4, L"Error al determinar usuario y dominio") \
-  X(levelTooLow, SystemException, 6, L"El nivel de permisos es insuficiente") \
-  X(zipCreateOpenError, ZipException, 3, L"Error al crear el archivo comprimido") \
-  X(NullDrawer, RenderException, 1, L"No se ha fijado un dibujante")
+KESTA_ERROR(ZipException, kesta::exception, 5, 0, family, L"")
+KESTA_ERROR(zipNoOrigen, ZipException, 5, 1, message, L"zipNoOrigen: %1")
+KESTA_ERROR(zipNoDestino, ZipException, 5, 2, message, L"zipNoDestino: %1")
+KESTA_ERROR(zipCreateOpenError, ZipException, 5, 3, plain, L"Error al crear el archivo comprimido")
 
-// The path of a file follows the message. X(class, family, code, message)
-#define KESTA_EXC_FILE(X) \
-  X(fileNotFound, FileException, 1, L"Archivo o directorio no encontrado: ") \
-  X(fileInvalidFolder, FileException, 2, L"La ruta no es un directorio: ") \
-  X(fileOsStream, FileException, 3, L"No se ha podido grabar el fichero: ") \
-  X(fileUnCreateFolder, FileException, 4, L"No se ha podido crear el directorio: ") \
-  X(fileStrageFileSize, FileException, 5, L"Se esperaba un tamaño distinto para el fichero ") \
-  X(fileExpectedFolder, FileException, 6, L"Se esperaba un directorio para la ruta: ") \
-  X(fileExpectedFile, FileException, 7, L"Se esperaba un fichero para la ruta: ") \
-  X(fileUnDeleted, FileException, 8, L"No se ha podido eliminar la ruta: ")
+KESTA_ERROR(JSONException, kesta::exception, 6, 1, family, L"Error indeterminado en la interpretación del JSON")
+KESTA_ERROR(jsonBadFormated, JSONException, 6, 1, own, L"Lectura incorrecta cerca del caracter %1")
+KESTA_ERROR(jsonEmptyKey, JSONException, 6, 2, knot, L"Asignación de un elemento con una clave vacía cerca del caracter:%1 en el nudo:%2")
+KESTA_ERROR(jsonFalseKnot, JSONException, 6, 2, knot, L"Asignación de un elemento sobre un valor primitivo cerca del caracter:%1 en el nudo:%2")
+KESTA_ERROR(jsonUnKnowValue, JSONException, 6, 3, knot, L"El valor recibido es desconocido cerca del carcter:%1 en el nudo:%2")
 
-// A name stands between the two parts of the message. X(class, family, code, before, after)
-#define KESTA_EXC_NAMED(X) \
-  X(systemEnviromentVarNotFound, SystemException, 1, L"Variable de entorno no encontrada: ", L"") \
-  X(UnKnowInterface, InterfaceException, 1, L"Módulo ", L" desconocido") \
-  X(CreateInterface, InterfaceException, 2, L"No se ha podido cargar el módulo ", L"") \
-  X(BadCastInterface, InterfaceException, 3, L"interface solicitada no concuerda con la derivada. Revise el método. ", L"") \
-  X(UnLoadModule, InterfaceException, 3, L"No se ha podido cargar el módulo ", L"")
+KESTA_ERROR(XMLException, kesta::exception, 7, 1, family, L"Error indeterminado en la interpretación del XML")
+KESTA_ERROR(xmlBadFormated, XMLException, 7, 1, knot, L"Lectura incorrecta cerca del caracter:%1 en el nudo:%2")
+KESTA_ERROR(xmlCachePointer, XMLException, 7, 2, knot, L"Lectura incorrecta cerca del caracter:%1 en el nudo:%2")
+KESTA_ERROR(xmlEmptyKey, XMLException, 7, 3, knot, L"Solicitud de un nuevo elemento, para una clave vacía cerca del caracter:%1 en el nudo:%2")
+KESTA_ERROR(xmlFalseKnot, XMLException, 7, 4, knot, L"Creación de un nodo con un elemento que tiene un valor asignado, para una clave vacía cerca del caracter:%1 en el nudo:%2")
 
-// A number follows the message. X(class, family, code, message)
-#define KESTA_EXC_NUMBERED(X) \
-  X(systemErrorCode, SystemException, 2, L"Error del sistema operativo código: ") \
-  X(applicationAlreadyRegistered, SystemException, 10, L"Ya se ha registrado una aplicación en este hilo: ") \
-  X(jsonBadFormated, JSONException, 1, L"Lectura incorrecta cerca del caracter ")
+KESTA_ERROR(ThreadException, kesta::exception, 8, 1, family, L"Error indeterminado en la Ejecución de hilos")
 
-// ":position en el nudo:knot" follows the message. X(class, family, code, message)
-#define KESTA_EXC_KNOT(X) \
-  X(jsonEmptyKey, JSONException, 2, L"Asignación de un elemento con una clave vacía cerca del caracter") \
-  X(jsonFalseKnot, JSONException, 2, L"Asignación de un elemento sobre un valor primitivo cerca del caracter") \
-  X(jsonUnKnowValue, JSONException, 3, L"El valor recibido es desconocido cerca del carcter") \
-  X(xmlBadFormated, XMLException, 1, L"Lectura incorrecta cerca del caracter") \
-  X(xmlCachePointer, XMLException, 2, L"Lectura incorrecta cerca del caracter") \
-  X(xmlEmptyKey, XMLException, 3, L"Solicitud de un nuevo elemento, para una clave vacía cerca del caracter") \
-  X(xmlFalseKnot, XMLException, 4, L"Creación de un nodo con un elemento que tiene un valor asignado, para una clave vacía cerca del caracter")
+KESTA_ERROR(StyleException, kesta::exception, 9, 0, family, L"")
+KESTA_ERROR(ShortWidth, StyleException, 9, 1, message, L"ShortWidth: %1")
 
-// Range 13 without its family. X(class, range, code, message before the name of the action)
-#define KESTA_EXC_ACTION(X) \
-  X(actionNotFound, 13, 2, L"La acción de exportación no está contemplada: ")
+KESTA_ERROR(RenderException, kesta::exception, 10, 0, family, L"")
+KESTA_ERROR(NullDrawer, RenderException, 10, 1, plain, L"No se ha fijado un dibujante")
 
-// The family itself, when the console does not open. X(family, code, message)
-#define KESTA_EXC_CONSOLE(X) \
-  X(SystemException, 11, L"No se ha podido abrir la consola. Comprueba su configuración de Firewall")
+KESTA_ERROR(InterfaceException, kesta::exception, 11, 0, family, L"")
+KESTA_ERROR(UnKnowInterface, InterfaceException, 11, 1, named, L"Módulo %1 desconocido")
+KESTA_ERROR(CreateInterface, InterfaceException, 11, 2, named, L"No se ha podido cargar el módulo %1")
+KESTA_ERROR(BadCastInterface, InterfaceException, 11, 3, named, L"interface solicitada no concuerda con la derivada. Revise el método. %1")
+KESTA_ERROR(UnLoadModule, InterfaceException, 11, 3, named, L"No se ha podido cargar el módulo %1")
 
-// Who throws gives the message. X(class, family, code)
-#define KESTA_EXC_MESSAGE(X) \
-  X(zipNoOrigen, ZipException, 1) \
-  X(zipNoDestino, ZipException, 2) \
-  X(ShortWidth, StyleException, 1) \
-  X(xmlCreateDOMDocument, xmlException, 1) \
-  X(xmlLoadException, xmlException, 2) \
-  X(xmlParseException, xmlException, 3) \
-  X(xmlSaveException, xmlException, 4) \
-  X(xmlCreateDOMValidator, xmlException, 5) \
-  X(xmlLoadXSD, xmlException, 6) \
-  X(xmlAssociateXSD, xmlException, 7) \
-  X(xmlValidateXSD, xmlException, 8) \
-  X(nodeNotFound, xmlException, 9) \
-  X(xmlEmpty, xmlException, 10) \
-  X(dotnetParamError, dotnetException, 1) \
-  X(CLRCreateInstance, dotnetException, 4) \
-  X(ICLRMetaHost, dotnetException, 5) \
-  X(ICLRRuntimeInfo_IsLoadable, dotnetException, 6) \
-  X(unLoadableCLR, dotnetException, 7) \
-  X(ICLRRuntimeInfo_GetInterface, dotnetException, 8) \
-  X(startError, dotnetException, 9) \
-  X(getDefaultDomain, dotnetException, 10) \
-  X(getDefaultDomain_1, dotnetException, 11) \
-  X(loadDLLException, dotnetException, 13) \
-  X(getObjectException, dotnetException, 14) \
-  X(getObjectTypeException, dotnetException, 14)
+KESTA_ERROR(winException, kesta::exception, 12, 0, family, L"")
+KESTA_ERROR(noMemoryException, winException, 12, 6, windows, L"noMemoryException: %1 (%2: %3)")
+KESTA_ERROR(ShellExecuteException, winException, 12, 20, windows, L"ShellExecuteException: %1 (%2: %3)")
 
-// The same, for a class that is thrown at several places, a code for each. X(class, family, code)
-#define KESTA_EXC_PLACES(X) \
-  X(invocaError, dotnetException, 2) \
-  X(invocaError, dotnetException, 3)
+KESTA_ERROR(xmlException, kesta::exception, 13, 0, family, L"")
+KESTA_ERROR(xmlCreateDOMDocument, xmlException, 13, 1, message, L"xmlCreateDOMDocument: %1")
+KESTA_ERROR(actionNotFound, kesta::exception, 13, 2, own, L"La acción de exportación no está contemplada: %1")
+KESTA_ERROR(xmlLoadException, xmlException, 13, 2, message, L"xmlLoadException: %1")
+KESTA_ERROR(xmlParseException, xmlException, 13, 3, message, L"xmlParseException: %1")
+KESTA_ERROR(xmlSaveException, xmlException, 13, 4, message, L"xmlSaveException: %1")
+KESTA_ERROR(xmlCreateDOMValidator, xmlException, 13, 5, message, L"xmlCreateDOMValidator: %1")
+KESTA_ERROR(xmlLoadXSD, xmlException, 13, 6, message, L"xmlLoadXSD: %1")
+KESTA_ERROR(xmlAssociateXSD, xmlException, 13, 7, message, L"xmlAssociateXSD: %1")
+KESTA_ERROR(xmlValidateXSD, xmlException, 13, 8, message, L"xmlValidateXSD: %1")
+KESTA_ERROR(nodeNotFound, xmlException, 13, 9, message, L"nodeNotFound: %1")
+KESTA_ERROR(xmlEmpty, xmlException, 13, 10, message, L"xmlEmpty: %1")
 
-// The same, with a Windows error number. X(class, family, code)
-#define KESTA_EXC_WINDOWS(X) \
-  X(winregCreate, winregistryException, 1) \
-  X(winregOpen, winregistryException, 2) \
-  X(winregClose, winregistryException, 3) \
-  X(winregDelete, winregistryException, 4) \
-  X(winregWrite, winregistryException, 5) \
-  X(winregRead, winregistryException, 6) \
-  X(winregWrongType, winregistryException, 7) \
-  X(noMemoryException, winException, 6) \
-  X(ShellExecuteException, winException, 20)
+KESTA_ERROR(dotnetException, kesta::exception, 14, 0, family, L"")
+KESTA_ERROR(dotnetParamError, dotnetException, 14, 1, message, L"dotnetParamError: %1")
+KESTA_ERROR(invocaError, dotnetException, 14, 2, own, L"invocaError: %1")
+KESTA_ERROR(invocaError, dotnetException, 14, 3, own, L"invocaError: %1")
+KESTA_ERROR(CLRCreateInstance, dotnetException, 14, 4, message, L"CLRCreateInstance: %1")
+KESTA_ERROR(ICLRMetaHost, dotnetException, 14, 5, message, L"ICLRMetaHost: %1")
+KESTA_ERROR(ICLRRuntimeInfo_IsLoadable, dotnetException, 14, 6, message, L"ICLRRuntimeInfo_IsLoadable: %1")
+KESTA_ERROR(unLoadableCLR, dotnetException, 14, 7, message, L"unLoadableCLR: %1")
+KESTA_ERROR(ICLRRuntimeInfo_GetInterface, dotnetException, 14, 8, message, L"ICLRRuntimeInfo_GetInterface: %1")
+KESTA_ERROR(startError, dotnetException, 14, 9, message, L"startError: %1")
+KESTA_ERROR(getDefaultDomain, dotnetException, 14, 10, message, L"getDefaultDomain: %1")
+KESTA_ERROR(getDefaultDomain_1, dotnetException, 14, 11, message, L"getDefaultDomain_1: %1")
+KESTA_ERROR(loadDLLException, dotnetException, 14, 13, message, L"loadDLLException: %1")
+KESTA_ERROR(getObjectException, dotnetException, 14, 14, message, L"getObjectException: %1")
+KESTA_ERROR(getObjectTypeException, dotnetException, 14, 14, message, L"getObjectTypeException: %1")
 
 // clang-format on
+
+#undef KESTA_ERROR

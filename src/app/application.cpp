@@ -3,6 +3,7 @@
 #include <ruvo/application.hpp>
 #include <ruvo/binary.hpp>
 #include <ruvo/exc.hpp>
+#include <ruvo/exc_table.hpp>
 
 #include <atomic>
 #include <utility>
@@ -13,6 +14,7 @@
 #include "base/numbers.hpp"
 #include "base/quietly.hpp"
 #include "base/services.hpp"
+#include "exc/classes.hpp"
 #include "exc/detail.hpp"
 #include "system/errors.hpp"
 #include "system/process.hpp"
@@ -42,9 +44,9 @@ context& default_context() noexcept {
 }
 
 exception hook_missing(const wchar_t* name) {
-#define KESTA_EXC_ROW(class_name, code, message) exception(message + std::wstring(name), code, 0, 3000)
-  return detail::about(KESTA_EXC_HOOK(KESTA_EXC_ROW), [name] { return std::wstring(name); });
-#undef KESTA_EXC_ROW
+  constexpr const detail::error_row* row = detail::row_of(L"NotImplemented", detail::error_shape::place);
+  return detail::about(exception(row->code(), detail::filled(row->text, {name})),
+                       [name] { return std::wstring(name); });
 }
 
 const wchar_t* folder_name(folder_type type) noexcept {

@@ -4,7 +4,7 @@
 
 #include <ruvo/console.hpp>
 #include <ruvo/exc.hpp>
-#include <ruvo/exc_catalogue.hpp>
+#include <ruvo/exc_table.hpp>
 
 #include <mutex>
 
@@ -15,9 +15,8 @@ namespace ruvo {
 namespace {
 
 exc::SystemException no_console() {
-#define KESTA_EXC_ROW(family, code, message) return {code, message};
-  KESTA_EXC_CONSOLE(KESTA_EXC_ROW)
-#undef KESTA_EXC_ROW
+  constexpr const detail::error_row* row = detail::row_of(L"SystemException", detail::error_shape::place);
+  return {row->number, std::wstring(row->text)};
 }
 
 }  // namespace

@@ -1,42 +1,54 @@
 #pragma once
 
-// Which class of ruvo::exc a failure was made as: a number that goes along with its copies.
+// What the classes of errors are made with: their rows of the catalogue, and what a failure keeps beside its
+// texts.
 
-#include <ruvo/exc.hpp>
+#include <ruvo/exc_table.hpp>
+#include <ruvo/exception.hpp>
+#include <ruvo/fwd.hpp>
 
+#include <cstddef>
 #include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <string_view>
 
-/// X(class, ...) for every class of errors. One of them, Incorrect, is none: nobody has its number.
-#define KESTA_EXC_EVERY(X)  \
-  KESTA_EXC_GENERAL(X)      \
-  KESTA_EXC_GENERAL_TOLD(X) \
-  KESTA_EXC_FAMILIES(X)     \
-  KESTA_EXC_PLAIN(X)        \
-  KESTA_EXC_FILE(X)         \
-  KESTA_EXC_NAMED(X)        \
-  KESTA_EXC_NUMBERED(X)     \
-  KESTA_EXC_KNOT(X)         \
-  KESTA_EXC_ACTION(X)       \
-  KESTA_EXC_MESSAGE(X)      \
-  KESTA_EXC_WINDOWS(X)      \
-  X(invocaError)
+#include "base/numbers.hpp"
 
 namespace ruvo::detail {
 
-enum class error_id : std::uint32_t {
-  none,
-  module_error,  // kesta::exception
-#define KESTA_EXC_ID(name, ...) name,
-  KESTA_EXC_EVERY(KESTA_EXC_ID)
-#undef KESTA_EXC_ID
+/// What only the library sees of a failure; it goes along with copies.
+struct error_class {
+  /// Which class the failure was made as, for raise().
+  static void mark(exception& error, const error_row* row) noexcept {
+    error.class_ = static_cast<std::uint32_t>(row - errors + 1);
+  }
 };
 
-struct error_class {
-  static void mark(exception& error, error_id id) noexcept { error.class_ = static_cast<std::uint32_t>(id); }
-  static error_id of(const exception& error) noexcept { return static_cast<error_id>(error.class_); }
+/// A number as text.
+class decimal {
+ public:
+  explicit decimal(unsigned long long number) noexcept : end_(texto::print_unsigned(digits_, number)) {}
+  decimal(const decimal&) = delete;
+  decimal& operator=(const decimal&) = delete;
+  operator std::wstring_view() const noexcept { return {digits_, static_cast<std::size_t>(end_ - digits_)}; }
+
+ private:
+  wchar_t digits_[texto::most_number_units];
+  const wchar_t* end_;
 };
+
+/// The text with the arguments in place of %1, %2 and %3.
+std::wstring filled(std::wstring_view text, std::initializer_list<std::wstring_view> arguments);
+
+/// What this room asks of files, which stand above it.
+const std::wstring& text_of(const file& path) noexcept;
+const file& no_path();
 
 }  // namespace ruvo::detail
 
-/// In the bodies of the constructors of the class.
-#define KESTA_EXC_MARK(name) ::ruvo::detail::error_class::mark(*this, ::ruvo::detail::error_id::name)
+/// rows::name, the row of a class.
+#define KESTA_EXC_ROW(name, shape)                                                                 \
+  namespace rows {                                                                                 \
+  constexpr const detail::error_row* name = detail::row_of(L"" #name, detail::error_shape::shape); \
+  }

@@ -8,6 +8,7 @@
 
 #include "base/numbers.hpp"
 #include "base/utf.hpp"
+#include "exc/classes.hpp"
 #include "system/errors.hpp"
 
 namespace ruvo {
@@ -15,7 +16,6 @@ namespace ruvo {
 namespace {
 
 constexpr std::uint32_t success = 0xEBB80000;
-constexpr unsigned long module_facility = 3001;
 
 void add_line(std::string& report, std::string_view label, unsigned long value) {
   char digits[16];
@@ -50,7 +50,7 @@ exception::exception() : code_(success) {
 
 exception::exception(const std::wstring& mensaje, unsigned long code, unsigned long rango,
                      unsigned long facility)
-    : exception(0xE0000000 | facility << 16 | ((rango * 1000 + code) & 0xFFFF), mensaje) {}
+    : exception(detail::raw_code(facility, rango, code), mensaje) {}
 
 exception::exception(unsigned long raw, const std::wstring& mensaje)
     : code_(static_cast<std::uint32_t>(raw)) {
@@ -112,7 +112,7 @@ std::wostream& operator<<(std::wostream& out, const exception& error) { return o
 namespace kesta {
 
 exception::exception(unsigned long code, const std::wstring& mensaje, unsigned long rango)
-    : ruvo::exception(mensaje, code, rango, module_facility) {}
+    : ruvo::exception(mensaje, code, rango, detail::module_facility) {}
 exception::exception(const exception& other) noexcept = default;
 exception& exception::operator=(const exception& other) noexcept = default;
 exception::~exception() = default;

@@ -1,29 +1,19 @@
-// The errors of the library's own modules: facility 3001.
+// The errors of the library's own modules: the families, and what has a constructor of its own.
 
 #include <ruvo/exc.hpp>
-#include <ruvo/file.hpp>
 
 #include <string>
-#include <string_view>
 
-#include "base/numbers.hpp"
 #include "exc/classes.hpp"
 #include "exc/detail.hpp"
 
 namespace ruvo::exc {
 
+using detail::decimal;
+using detail::error_class;
+using detail::filled;
+
 namespace {
-
-namespace ranges {
-#define KESTA_EXC_RANGE(name, range) constexpr unsigned long name = range;
-KESTA_EXC_FAMILIES(KESTA_EXC_RANGE)
-#undef KESTA_EXC_RANGE
-}  // namespace ranges
-
-std::wstring numbered(std::wstring text, unsigned long long number) {
-  texto::append_unsigned(text, number);
-  return text;
-}
 
 std::wstring in_hex(unsigned long number) {
   std::wstring digits;
@@ -32,24 +22,15 @@ std::wstring in_hex(unsigned long number) {
   return digits;
 }
 
-std::wstring at_knot(std::wstring_view message, unsigned long long position, unsigned long long knot) {
-  std::wstring text;
-  text.reserve(message.size() + 56);  // two numbers of 20 digits and what stands between
-  text.append(message).push_back(L':');
-  texto::append_unsigned(text, position);
-  text.append(L" en el nudo:");
-  texto::append_unsigned(text, knot);
-  return text;
-}
-
 }  // namespace
 
-// Families
+// --- families
 
 #define KESTA_EXC_FAMILY(name)                                \
+  KESTA_EXC_ROW(name, family)                                 \
   name::name(unsigned long code, const std::wstring& message) \
-      : kesta::exception(code, message, ranges::name) {       \
-    KESTA_EXC_MARK(name);                                     \
+      : kesta::exception(code, message, rows::name->range) {  \
+    error_class::mark(*this, rows::name);                     \
   }                                                           \
   name::~name() = default;
 KESTA_EXC_FAMILY(FileException)
@@ -66,120 +47,66 @@ KESTA_EXC_FAMILY(xmlException)
 KESTA_EXC_FAMILY(dotnetException)
 #undef KESTA_EXC_FAMILY
 
-#define KESTA_EXC_DEFINE(name, message) \
-  name::name() : name(1, message) {}
-KESTA_EXC_UNDETERMINED(KESTA_EXC_DEFINE)
+#define KESTA_EXC_DEFINE(name) \
+  name::name() : name(rows::name->number, std::wstring(rows::name->text)) {}
+KESTA_EXC_DEFINE(CalendarException)
+KESTA_EXC_DEFINE(JSONException)
+KESTA_EXC_DEFINE(XMLException)
+KESTA_EXC_DEFINE(ThreadException)
 #undef KESTA_EXC_DEFINE
 
-#define KESTA_EXC_WINDOWS_FAMILY(name)                                                                  \
-  name::name(unsigned long code, const std::wstring& message, unsigned long windows_error)              \
-      : kesta::exception(code, message, ranges::name) {                                                 \
-    KESTA_EXC_MARK(name);                                                                               \
-    append_to_mensaje(numbered(L" (", windows_error) + L": " + winerror_message(windows_error) + L")"); \
-    detail::add_detail(*this, [&] { return winerror_message(windows_error); });                         \
-  }                                                                                                     \
+#define KESTA_EXC_WINDOWS_FAMILY(name)                                                     \
+  KESTA_EXC_ROW(name, family)                                                              \
+  name::name(unsigned long code, const std::wstring& message, unsigned long windows_error) \
+      : kesta::exception(code, message, rows::name->range) {                               \
+    error_class::mark(*this, rows::name);                                                  \
+    const std::wstring system_text = winerror_message(windows_error);                      \
+    append_to_mensaje(filled(L" (%1: %2)", {decimal(windows_error), system_text}));        \
+    set_detail(system_text);                                                               \
+  }                                                                                        \
   name::~name() = default;
-KESTA_EXC_WINDOWS_FAMILY(winException)
 KESTA_EXC_WINDOWS_FAMILY(winregistryException)
+KESTA_EXC_WINDOWS_FAMILY(winException)
 #undef KESTA_EXC_WINDOWS_FAMILY
 
-// Leaves
+// --- constructors of their own
 
-#define KESTA_EXC_DEFINE(name, family, code, message)            \
-  name::name() : family(code, message) { KESTA_EXC_MARK(name); } \
-  name::~name() = default;
-KESTA_EXC_PLAIN(KESTA_EXC_DEFINE)
-#undef KESTA_EXC_DEFINE
-
-#define KESTA_EXC_DEFINE(name, family, code, message)                         \
-  name::name(const file& path) : family(code, message + std::wstring(path)) { \
-    KESTA_EXC_MARK(name);                                                     \
-    set_detail(path);                                                         \
-  }                                                                           \
-  name::~name() = default;
-KESTA_EXC_FILE(KESTA_EXC_DEFINE)
-#undef KESTA_EXC_DEFINE
-
-#define KESTA_EXC_DEFINE(name, family, code, before, after)                          \
-  name::name(const std::wstring& subject) : family(code, before + subject + after) { \
-    KESTA_EXC_MARK(name);                                                            \
-    set_detail(subject);                                                             \
-  }                                                                                  \
-  name::~name() = default;
-KESTA_EXC_NAMED(KESTA_EXC_DEFINE)
-#undef KESTA_EXC_DEFINE
-
-#define KESTA_EXC_DEFINE(name, family, code, message)              \
-  name::name(unsigned long long position, unsigned long long knot) \
-      : family(code, at_knot(message, position, knot)) {           \
-    KESTA_EXC_MARK(name);                                          \
-  }                                                                \
-  name::~name() = default;
-KESTA_EXC_KNOT(KESTA_EXC_DEFINE)
-#undef KESTA_EXC_DEFINE
-
-#define KESTA_EXC_DEFINE(name, family, code)                                                \
-  name::name(const std::wstring& message) : family(code, message) { KESTA_EXC_MARK(name); } \
-  name::~name() = default;
-KESTA_EXC_MESSAGE(KESTA_EXC_DEFINE)
-#undef KESTA_EXC_DEFINE
-
-#define KESTA_EXC_DEFINE(name, family, code)                           \
-  name::name(const std::wstring& message, unsigned long windows_error) \
-      : family(code, message, windows_error) {                         \
-    KESTA_EXC_MARK(name);                                              \
-  }                                                                    \
-  name::~name() = default;
-KESTA_EXC_WINDOWS(KESTA_EXC_DEFINE)
-#undef KESTA_EXC_DEFINE
-
-namespace {
-
-struct row {
-  unsigned long code;
-  const wchar_t* message;
-};
-
-namespace rows {
-#define KESTA_EXC_ROW(name, family, code, message) constexpr row name{code, message};
-KESTA_EXC_NUMBERED(KESTA_EXC_ROW)
-#undef KESTA_EXC_ROW
-}  // namespace rows
-
-}  // namespace
-
+KESTA_EXC_ROW(systemErrorCode, own)
 systemErrorCode::systemErrorCode(unsigned long number)
-    : SystemException(rows::systemErrorCode.code, numbered(rows::systemErrorCode.message, number)) {
-  KESTA_EXC_MARK(systemErrorCode);
+    : SystemException(rows::systemErrorCode->number, filled(rows::systemErrorCode->text, {decimal(number)})) {
+  error_class::mark(*this, rows::systemErrorCode);
   detail::add_detail(*this, [number] { return winerror_message(number); });
 }
 systemErrorCode::~systemErrorCode() = default;
 
+KESTA_EXC_ROW(applicationAlreadyRegistered, own)
 applicationAlreadyRegistered::applicationAlreadyRegistered(unsigned long thread_id)
-    : SystemException(rows::applicationAlreadyRegistered.code,
-                      rows::applicationAlreadyRegistered.message + in_hex(thread_id)) {
-  KESTA_EXC_MARK(applicationAlreadyRegistered);
+    : SystemException(rows::applicationAlreadyRegistered->number,
+                      filled(rows::applicationAlreadyRegistered->text, {in_hex(thread_id)})) {
+  error_class::mark(*this, rows::applicationAlreadyRegistered);
 }
 applicationAlreadyRegistered::~applicationAlreadyRegistered() = default;
 
+KESTA_EXC_ROW(jsonBadFormated, own)
 jsonBadFormated::jsonBadFormated(const unsigned long long& position)
-    : JSONException(rows::jsonBadFormated.code, numbered(rows::jsonBadFormated.message, position)) {
-  KESTA_EXC_MARK(jsonBadFormated);
+    : JSONException(rows::jsonBadFormated->number, filled(rows::jsonBadFormated->text, {decimal(position)})) {
+  error_class::mark(*this, rows::jsonBadFormated);
 }
 jsonBadFormated::~jsonBadFormated() = default;
 
+KESTA_EXC_ROW(invocaError, own)
 invocaError::invocaError(unsigned long code, const std::wstring& message) : dotnetException(code, message) {
-  KESTA_EXC_MARK(invocaError);
+  error_class::mark(*this, rows::invocaError);
 }
 invocaError::~invocaError() = default;
 
-#define KESTA_EXC_DEFINE(name, range, code, message)                                  \
-  name::name(std::wstring action) : kesta::exception(code, message + action, range) { \
-    KESTA_EXC_MARK(name);                                                             \
-    set_detail(action);                                                               \
-  }                                                                                   \
-  name::~name() = default;
-KESTA_EXC_ACTION(KESTA_EXC_DEFINE)
-#undef KESTA_EXC_DEFINE
+KESTA_EXC_ROW(actionNotFound, own)
+actionNotFound::actionNotFound(std::wstring action)
+    : kesta::exception(rows::actionNotFound->number, filled(rows::actionNotFound->text, {action}),
+                       rows::actionNotFound->range) {
+  error_class::mark(*this, rows::actionNotFound);
+  set_detail(action);
+}
+actionNotFound::~actionNotFound() = default;
 
 }  // namespace ruvo::exc

@@ -1,8 +1,14 @@
 // A failure thrown as its own class again.
 
-#include <ruvo/file.hpp>
+#include <ruvo/exc.hpp>
+#include <ruvo/exc_table.hpp>
 
+#include <algorithm>
+#include <exception>
+#include <iterator>
 #include <new>
+#include <string>
+#include <string_view>
 #include <type_traits>
 
 #include "exc/classes.hpp"
@@ -11,7 +17,12 @@ namespace ruvo {
 
 namespace {
 
-using detail::error_id;
+using detail::error_row;
+using detail::error_shape;
+using detail::errors;
+
+/// The two bases of all, which have no rows.
+constexpr std::wstring_view general = L"ruvo::exception", module = L"kesta::exception";
 
 /// An object of the class, whatever it says.
 template <class Class>
@@ -21,6 +32,8 @@ Class blank() {
     return Class();
   else if constexpr (std::is_constructible_v<Class, text>)
     return Class(text());
+  else if constexpr (std::is_constructible_v<Class, const file&>)
+    return Class(detail::no_path());
   else if constexpr (std::is_constructible_v<Class, const std::exception*>)
     return Class(static_cast<const std::exception*>(nullptr));
   else if constexpr (std::is_constructible_v<Class, int>)
@@ -47,88 +60,57 @@ using namespace exc;
 using Incorrect = exception;
 }  // namespace classes
 
-constexpr void (*raisers[])(const exception&) = {raise_as<exception>, raise_as<kesta::exception>,
-#define KESTA_EXC_RAISER(name, ...) raise_as<classes::name>,
-                                                 KESTA_EXC_EVERY(KESTA_EXC_RAISER)
-#undef KESTA_EXC_RAISER
+using raiser = void (*)(const exception&);
+
+/// One for each row of the catalogue.
+constexpr raiser raisers[] = {
+#define KESTA_ERROR(name, ...) raise_as<classes::name>,
+#include <ruvo/exc_catalogue.hpp>
 };
 
-namespace ranges {
-#define KESTA_EXC_RANGE(name, range) constexpr unsigned long name = range;
-KESTA_EXC_FAMILIES(KESTA_EXC_RANGE)
-#undef KESTA_EXC_RANGE
-}  // namespace ranges
+const error_row* find(std::wstring_view name) {
+  const auto* const row = std::ranges::find(errors, name, &error_row::name);
+  return row == std::end(errors) ? nullptr : row;
+}
 
-constexpr unsigned long general = 0xEBB80000, module = 0xEBB90000;
+std::wstring_view base_of(std::wstring_view name) {
+  const error_row* const row = find(name);
+  return row ? row->base : general;
+}
 
-struct row {
-  unsigned long code;
-  error_id id, base;
-};
-
-// clang-format off
-constexpr row rows[] = {
-#define ROW(name, number, message) {general + number, error_id::name, error_id::none},
-  KESTA_EXC_GENERAL(ROW)
-  KESTA_EXC_GENERAL_TOLD(ROW)
-#undef ROW
-#define ROW(name, message) {module + ranges::name * 1000 + 1, error_id::name, error_id::name},
-  KESTA_EXC_UNDETERMINED(ROW)
-#undef ROW
-#define ROW(name, number, message) {module + ranges::name * 1000 + number, error_id::name, error_id::name},
-  KESTA_EXC_CONSOLE(ROW)
-#undef ROW
-#define ROW(name, family, number, ...) \
-  {module + ranges::family * 1000 + number, error_id::name, error_id::family},
-  KESTA_EXC_PLAIN(ROW)
-  KESTA_EXC_FILE(ROW)
-  KESTA_EXC_NAMED(ROW)
-  KESTA_EXC_NUMBERED(ROW)
-  KESTA_EXC_KNOT(ROW)
-  KESTA_EXC_MESSAGE(ROW)
-  KESTA_EXC_PLACES(ROW)
-  KESTA_EXC_WINDOWS(ROW)
-#undef ROW
-#define ROW(name, range, number, message) {module + range * 1000 + number, error_id::name, error_id::module_error},
-  KESTA_EXC_ACTION(ROW)
-#undef ROW
-};
-// clang-format on
-
-/// The family of a range.
-error_id family_of(unsigned long range) {
-  switch (range) {
-#define KESTA_EXC_FAMILY(name, range) \
-  case range:                         \
-    return error_id::name;
-    KESTA_EXC_FAMILIES(KESTA_EXC_FAMILY)
-#undef KESTA_EXC_FAMILY
-    default:
-      return error_id::module_error;
-  }
+bool is_a(std::wstring_view name, std::wstring_view base) {
+  while (name != base && name != general) name = base_of(name);
+  return name == base;
 }
 
 /// The class that alone has the code, else what those have in common that have it.
-error_id class_of(const exception& failure) {
-  const row* found = nullptr;
-  error_id id = error_id::none;
-  for (const row& r : rows) {
-    if (failure != r.code) continue;
-    const bool is_relative = found && found->base == r.base;
-    id = !found ? r.id : is_relative ? r.base : error_id::module_error;
-    found = &r;
+std::wstring_view class_of(const exception& failure) {
+  std::wstring_view found;
+  for (const error_row& row : errors) {
+    if (failure != row.code() || row.shape == error_shape::place) continue;
+    if (found.empty()) found = row.name;
+    while (!is_a(row.name, found)) found = base_of(found);
   }
-  if (found) return id;
-  return (failure.get_raw_code() & 0xFFFF0000) == module ? family_of(failure.get_rango()) : error_id::none;
+  if (!found.empty()) return found;
+  if (failure.get_raw_code() >> 16 != detail::raw_code(detail::module_facility, 0, 0) >> 16) return general;
+  for (const error_row& row : errors) {
+    if (row.shape == error_shape::family && row.range == failure.get_rango()) return row.name;
+  }
+  return module;
+}
+
+raiser raiser_of(std::wstring_view name) {
+  const error_row* const row = find(name);
+  if (row) return raisers[row - errors];
+  return name == module ? raise_as<kesta::exception> : raise_as<exception>;
 }
 
 }  // namespace
 
 void exception::raise() const {
-  const error_id made_as = detail::error_class::of(*this);
-  const error_id id = made_as == error_id::none ? class_of(*this) : made_as;
+  const raiser raise_own = class_ != 0 ? raisers[class_ - 1] : raiser_of(class_of(*this));
   try {
-    raisers[static_cast<std::uint32_t>(id)](*this);
+    raise_own(*this);
   } catch (const std::bad_alloc&) {  // no memory for an object of the class
   }
   throw exception(*this);

@@ -7,7 +7,9 @@
 #include <utility>
 
 #include "base/ascii.hpp"
+#include "base/immortal.hpp"
 #include "base/utf.hpp"
+#include "exc/classes.hpp"
 
 namespace ruvo {
 
@@ -78,6 +80,9 @@ bool same_folded(std::wstring_view a, std::wstring_view b) {
 }
 
 }  // namespace
+
+const std::wstring& detail::text_of(const file& path) noexcept { return path; }
+const file& detail::no_path() { return immortal<file>(); }
 
 file::file() = default;
 file::file(const char* path) { set_path(path); }

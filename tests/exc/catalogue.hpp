@@ -3,12 +3,16 @@
 // The classes of the catalogue, made.
 
 #include <ruvo/exc.hpp>
+#include <ruvo/exc_table.hpp>
 #include <ruvo/file.hpp>
+#include <ruvo/texto.hpp>
 
 #include <algorithm>
 #include <map>
 #include <string>
+#include <type_traits>
 #include <typeindex>
+#include <typeinfo>
 #include <vector>
 
 struct system_texts : ruvo::exception {
@@ -21,55 +25,53 @@ struct class_sample {
   std::wstring prefix;  // what its text begins with in the message table and on the page
 };
 
-/// Every class of the catalogue, told 31 and 5 where it is told something.
-inline std::vector<class_sample> every_class() {
-  const std::wstring subject = L"31";
-  std::vector<class_sample> all;
-  const auto add = [&](const ruvo::exception& error, const std::wstring& prefix = L"") {
-    all.push_back({error, typeid(error), prefix});
+/// A failure of the row, made with 31 and 5 where it is made with something; the rows with a constructor of
+/// their own aside.
+template <class Class, ruvo::detail::error_shape Shape>
+void add_sample(std::vector<class_sample>& all, const ruvo::detail::error_row& row) {
+  using enum ruvo::detail::error_shape;
+  const std::wstring subject = L"31", prefix = std::wstring(row.name) + L": ";
+  const auto add = [&](const ruvo::exception& error, const std::wstring& before = L"") {
+    all.push_back({error, typeid(Class), before});
   };
-#define ADD(name, ...) add(ruvo::exc::name());
-  KESTA_EXC_GENERAL(ADD)
-  KESTA_EXC_UNDETERMINED(ADD)
-  KESTA_EXC_PLAIN(ADD)
-#undef ADD
-#define ADD(name, ...) add(ruvo::exc::name(ruvo::file(subject)));
-  KESTA_EXC_FILE(ADD)
-#undef ADD
-#define ADD(name, ...) add(ruvo::exc::name(subject));
-  KESTA_EXC_NAMED(ADD)
-#undef ADD
-#define ADD(name, ...) add(ruvo::exc::name(31, 5));
-  KESTA_EXC_KNOT(ADD)
-#undef ADD
-#define ADD(name, ...) add(ruvo::exc::name(subject));
-  KESTA_EXC_ACTION(ADD)
-#undef ADD
-#define ADD(name, ...) add(ruvo::exc::name(subject), std::wstring(L"" #name) + L": ");
-  KESTA_EXC_MESSAGE(ADD)
-#undef ADD
-#define ADD(name, family, code) add(ruvo::exc::name(code, subject), std::wstring(L"" #name) + L": ");
-  KESTA_EXC_PLACES(ADD)
-#undef ADD
-#define ADD(name, ...) add(ruvo::exc::name(subject, 5), std::wstring(L"" #name) + L": ");
-  KESTA_EXC_WINDOWS(ADD)
-#undef ADD
-#define ADD(name, code, message) add(ruvo::exc::name(code, message));
-  KESTA_EXC_CONSOLE(ADD)
-#undef ADD
-#define ADD(name, code, message) \
-  all.push_back({ruvo::exception(message + subject, code, 0, 3000), typeid(ruvo::exc::name), L""});
-  KESTA_EXC_HOOK(ADD)
-#undef ADD
-  add(ruvo::exception::incorrect());
-  add(ruvo::exc::UnCatch(nullptr));
-  add(ruvo::exc::UnKnown(nullptr));
-  add(ruvo::exc::RunTime(std::wstring()));
-  add(ruvo::exc::EmptyArgument(subject));
-  add(ruvo::exc::BadArgument(subject));
-  add(ruvo::exc::systemErrorCode(31));
-  add(ruvo::exc::applicationAlreadyRegistered(0x31));
-  add(ruvo::exc::jsonBadFormated(31));
+  if constexpr (Shape == place) {
+    std::wstring text(row.text);
+    ruvo::texto::safe_replace(text, L"%1", subject);
+    add(ruvo::exception(row.code(), text));
+  } else if constexpr (Shape == path) {
+    add(Class(ruvo::file(subject)));
+  } else if constexpr (Shape == named) {
+    add(Class(subject));
+  } else if constexpr (Shape == knot) {
+    add(Class(31, 5));
+  } else if constexpr (Shape == message) {
+    add(Class(subject), prefix);
+  } else if constexpr (Shape == windows) {
+    add(Class(subject, 5), prefix);
+  } else if constexpr (std::is_default_constructible_v<Class>) {
+    add(Class());
+  } else if constexpr (std::is_constructible_v<Class, unsigned long, std::wstring>) {
+    if (Shape == own) add(Class(row.number, subject), prefix);
+  }
+}
+
+/// Every class of the catalogue, made with 31 and 5 where it is made with something.
+inline std::vector<class_sample> every_class() {
+  using namespace ruvo::exc;
+  using Incorrect = ruvo::exception;
+  std::vector<class_sample> all;
+  const ruvo::detail::error_row* row = ruvo::detail::errors;
+#define KESTA_ERROR(name, base, range, number, shape, text) \
+  add_sample<name, ruvo::detail::error_shape::shape>(all, *row++);
+#include <ruvo/exc_catalogue.hpp>
+  const auto add = [&](const auto& error) { all.push_back({error, typeid(error), L""}); };
+  add(UnCatch(nullptr));
+  add(UnKnown(nullptr));
+  add(RunTime(std::wstring()));
+  add(systemErrorCode(31));
+  add(applicationAlreadyRegistered(0x31));
+  add(jsonBadFormated(31));
+  add(actionNotFound(L"31"));
   return all;
 }
 
