@@ -1,6 +1,6 @@
 #pragma once
 
-// ruvo::exception, the one value that tells of a failure. It is thrown, and it is handed back through
+// ruvo::exception, the one value that reports a failure. It is thrown, and it is handed back through
 // references and pointers by operations that return bool; with a code of 0 it stands for success.
 
 #include <ruvo/api.hpp>
@@ -123,8 +123,8 @@ class KESTA_API exception : public std::exception {
   friend struct detail::error_class;
 
   std::uint32_t code_;
-  std::uint32_t class_ = 0;             // what raise() throws; 0 is told by the code
-  std::shared_ptr<const texts> texts_;  // never null, never changed while shared
+  std::uint32_t class_ = 0;       // what raise() throws; 0 leaves it to the code
+  std::shared_ptr<texts> texts_;  // never null, never changed while shared
 };
 
 /// Writes the report text.

@@ -34,8 +34,9 @@ struct text_place {
 /// combining marks and a byte order mark are one column each. Takes time linear in `position`.
 KESTA_API text_place position_of(std::wstring_view text, std::uint64_t position) noexcept;
 
-/// The position that the message of a failure of json or xml carries; 0 when it carries none, or one above
-/// 2^64-1.
+/// The position of a failure of json or xml, which its message shows too; 0 for a failure without one. It
+/// goes along with copies and into an exc::RunTime, exc::UnCatch or exc::UnKnown that is made of the failure,
+/// but not with the message as a text.
 KESTA_API std::uint64_t failure_position(const exception& failure);
 
 /// A failure and the character at which it was found.

@@ -68,8 +68,9 @@ using detail::text_of;
 #define KESTA_EXC_named(name, base)                                                     \
   KESTA_EXC_MAKE(name, base, named, (const std::wstring& subject), set_detail(subject), \
                  filled(rows::name->text, {subject}))
-#define KESTA_EXC_knot(name, base)                                                           \
-  KESTA_EXC_MAKE(name, base, knot, (unsigned long long position, unsigned long long knot), , \
+#define KESTA_EXC_knot(name, base)                                                         \
+  KESTA_EXC_MAKE(name, base, knot, (unsigned long long position, unsigned long long knot), \
+                 error_class::set_position(*this, position),                               \
                  filled(rows::name->text, {decimal(position), decimal(knot)}))
 #define KESTA_EXC_message(name, base) \
   KESTA_EXC_MAKE(name, base, message, (const std::wstring& message), , message)

@@ -23,6 +23,10 @@ struct error_class {
   static void mark(exception& error, const error_row* row) noexcept {
     error.class_ = static_cast<std::uint32_t>(row - errors + 1);
   }
+  /// The position in a text that could not be read, counted from 1; 0 for a failure without one.
+  static std::uint64_t position(const exception& error) noexcept;
+  /// Only for a failure that is being made, which has no copies yet.
+  static void set_position(exception& error, std::uint64_t position) noexcept;
 };
 
 /// A number as text.

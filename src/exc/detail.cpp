@@ -6,6 +6,7 @@
 
 #include "base/numbers.hpp"
 #include "base/utf.hpp"
+#include "exc/classes.hpp"
 
 namespace ruvo {
 
@@ -77,6 +78,23 @@ std::wstring detail_of(const std::exception_ptr& error) {
     return with_detail(null_value, held.get_detail());
   } catch (...) {
     return {};
+  }
+}
+
+void take_after(exception& failure, const std::exception& cause) noexcept {
+  add_detail(failure, [&cause] { return detail_of(cause); });
+  if (const auto* const own = dynamic_cast<const exception*>(&cause)) {
+    error_class::set_position(failure, error_class::position(*own));
+  }
+}
+
+void take_after(exception& failure, const std::exception_ptr& cause) noexcept {
+  try {
+    if (cause) std::rethrow_exception(cause);
+  } catch (const std::exception& held) {
+    take_after(failure, held);
+  } catch (...) {
+    add_detail(failure, [&cause] { return detail_of(cause); });
   }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// The details of failures. Making one may fail for lack of memory; the failure is then told without it.
+// The details of failures. Making one may fail for lack of memory; the failure then goes without it.
 
 #include <ruvo/exc.hpp>
 
@@ -35,6 +35,10 @@ std::wstring in_flight();
 /// The detail of an exception, if it has one.
 std::wstring detail_of(const std::exception& error);
 std::wstring detail_of(const std::exception_ptr& error);
+
+/// Gives the failure the detail of its cause and, of a text that could not be read, the position.
+void take_after(exception& failure, const std::exception& cause) noexcept;
+void take_after(exception& failure, const std::exception_ptr& cause) noexcept;
 
 /// The text and, where it does not say it already, the detail in brackets.
 std::wstring with_detail(std::wstring text, const std::wstring& detail);

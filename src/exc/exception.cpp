@@ -41,10 +41,18 @@ struct exception::texts {
   std::string mensaje;
   std::string report;
   std::wstring detail;
+  std::uint64_t position = 0;
 };
 
+std::uint64_t detail::error_class::position(const exception& error) noexcept {
+  return error.texts_->position;
+}
+void detail::error_class::set_position(exception& error, std::uint64_t position) noexcept {
+  error.texts_->position = position;
+}
+
 exception::exception() : code_(success) {
-  static const std::shared_ptr<const texts> ok = exception(success, L"OK").texts_;
+  static const std::shared_ptr<texts> ok = exception(success, L"OK").texts_;
   texts_ = ok;
 }
 
@@ -56,7 +64,7 @@ exception::exception(unsigned long raw, const std::wstring& mensaje)
     : code_(static_cast<std::uint32_t>(raw)) {
   std::string text = texto::to_utf_8(std::wstring_view(mensaje));
   std::string report = report_of(*this, text);
-  texts_ = std::make_shared<texts>(texts{std::move(text), std::move(report), {}});
+  texts_ = std::make_shared<texts>(texts{std::move(text), std::move(report), {}, 0});
 }
 
 exception::exception(const exception& other) noexcept = default;
@@ -75,7 +83,9 @@ std::wstring exception::get_detail() const {
 
 void exception::set_detail(const std::wstring& detail) noexcept {
   try {
-    texts_ = std::make_shared<texts>(texts{texts_->mensaje, texts_->report, detail});
+    const auto changed = std::make_shared<texts>(*texts_);
+    changed->detail = detail;
+    texts_ = changed;
   } catch (const std::bad_alloc&) {  // the message says enough
   }
 }
@@ -88,18 +98,21 @@ void exception::copy_on(exception& target) const noexcept { target = *this; }
 void exception::clear() { *this = exception(); }
 
 void exception::set_mensaje(std::wstring mensaje) {
-  texts_ = std::make_shared<texts>(
-      texts{texto::to_utf_8(std::wstring_view(mensaje)), texts_->report, texts_->detail});
+  const auto changed = std::make_shared<texts>(*texts_);
+  changed->mensaje = texto::to_utf_8(std::wstring_view(mensaje));
+  texts_ = changed;
 }
 
 void exception::append_to_mensaje(std::wstring tail) {
-  std::string mensaje = texts_->mensaje;
-  texto::append_utf_8(mensaje, tail);
-  texts_ = std::make_shared<texts>(texts{std::move(mensaje), texts_->report, texts_->detail});
+  const auto changed = std::make_shared<texts>(*texts_);
+  texto::append_utf_8(changed->mensaje, tail);
+  texts_ = changed;
 }
 
 void exception::copy_what() {
-  texts_ = std::make_shared<texts>(texts{texts_->mensaje, report_of(*this, texts_->mensaje), texts_->detail});
+  const auto changed = std::make_shared<texts>(*texts_);
+  changed->report = report_of(*this, texts_->mensaje);
+  texts_ = changed;
 }
 
 std::wstring exception::winerror_message(unsigned long number) {

@@ -59,14 +59,14 @@ std::wstring text_of(std::exception_ptr error) {
 UnCatch::UnCatch(const std::exception* error)
     : ruvo::exception(rows::UnCatch->code(), text_of(error, rows::UnCatch)) {
   error_class::mark(*this, rows::UnCatch);
-  if (error) detail::add_detail(*this, [error] { return detail::detail_of(*error); });
+  if (error) detail::take_after(*this, *error);
 }
 UnCatch::~UnCatch() = default;
 
 UnKnown::UnKnown(const std::exception* error)
     : ruvo::exception(rows::UnKnown->code(), text_of(error, rows::UnKnown)) {
   error_class::mark(*this, rows::UnKnown);
-  if (error) detail::add_detail(*this, [error] { return detail::detail_of(*error); });
+  if (error) detail::take_after(*this, *error);
 }
 UnKnown::UnKnown(const std::string& text)
     : ruvo::exception(rows::UnKnown->code(),
@@ -81,7 +81,7 @@ RunTime::RunTime(const std::wstring& text)
 }
 RunTime::RunTime(std::exception_ptr error) : ruvo::exception(rows::RunTime->code(), text_of(error)) {
   error_class::mark(*this, rows::RunTime);
-  detail::add_detail(*this, [&error] { return detail::detail_of(error); });
+  detail::take_after(*this, error);
 }
 RunTime::~RunTime() = default;
 

@@ -91,6 +91,7 @@ KESTA_EXC_ROW(jsonBadFormated, own)
 jsonBadFormated::jsonBadFormated(const unsigned long long& position)
     : JSONException(rows::jsonBadFormated->number, filled(rows::jsonBadFormated->text, {decimal(position)})) {
   error_class::mark(*this, rows::jsonBadFormated);
+  error_class::set_position(*this, position);
 }
 jsonBadFormated::~jsonBadFormated() = default;
 

@@ -8,7 +8,7 @@
 #include <new>
 #include <string>
 
-#include "base/ascii.hpp"
+#include "exc/classes.hpp"
 #include "serializer/deserialize.hpp"
 #include "serializer/places.hpp"
 
@@ -19,21 +19,7 @@ text_place position_of(std::wstring_view text, std::uint64_t position) noexcept 
   return place_walker(text).at(static_cast<std::size_t>(std::min<std::uint64_t>(offset, text.size())));
 }
 
-std::uint64_t failure_position(const exception& failure) {
-  const std::wstring message = failure.get_mensaje();
-  const std::size_t end = message.rfind(L" en el nudo:");
-  if (end == std::wstring::npos) return 0;
-  std::size_t from = end;
-  while (from > 0 && texto::is_digit(message[from - 1])) --from;
-  if (from == 0 || message[from - 1] != L':') return 0;
-  std::uint64_t position = 0;
-  for (; from < end; ++from) {
-    const auto digit = static_cast<std::uint64_t>(message[from] - L'0');
-    if (position > (UINT64_MAX - digit) / 10) return 0;
-    position = position * 10 + digit;
-  }
-  return position;
-}
+std::uint64_t failure_position(const exception& failure) { return detail::error_class::position(failure); }
 
 namespace {
 
