@@ -73,10 +73,10 @@ bool fake_context::directory_list(const ruvo::file& folder, exception& err, file
     files::listed_file entry;
     for (const std::wstring& name : found->second) {
       const ruvo::file path(folder, name);
-      platform::found_facts facts;
+      platform::entry_facts facts;
       if (folders.contains(path))
         facts.is_folder = true;
-      else if (!platform::look_at(path, facts))
+      else if (!platform::read_facts(path, platform::links::keep, facts))
         facts = {};
       entry.set(path, facts);
       if (callback && callback->can_stop()) break;

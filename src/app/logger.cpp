@@ -254,7 +254,7 @@ bool logger::erase(const date& day) noexcept {
   bool erased = false;
   quietly([&] {
     state_->days.let_go();
-    erased = !get_path().empty() && platform::erase_file(file(day));
+    erased = !get_path().empty() && platform::remove_file(file(day));
   });
   return erased;
 }
@@ -270,7 +270,7 @@ std::size_t logger::clean_week() noexcept {
     current_context().directory_list(folder, err, nullptr, nullptr, &entries);
     for (const ruvo::file& entry : entries) {
       const long day = reg::day_of_name(entry.get_name());
-      if (day && day < oldest_kept && platform::erase_file(entry)) ++erased;
+      if (day && day < oldest_kept && platform::remove_file(entry)) ++erased;
     }
   });
   return erased;

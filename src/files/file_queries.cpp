@@ -19,7 +19,7 @@ namespace {
 
 platform::entry_facts existing_facts(const file& path) {
   platform::entry_facts out;
-  if (!platform::read_facts(path, out)) throw exc::fileNotFound(path);
+  if (!platform::read_facts(path, platform::links::follow, out)) throw exc::fileNotFound(path);
   return out;
 }
 
@@ -40,9 +40,20 @@ bool made_or_reported(bool made, const file& path, exception* err) {
 std::wstring file::time_stamp() const { return last_modified().to_string(); }
 std::wstring file::get_mimetype() const { return files::get_mimetype(path_); }
 
-bool file::exists() const { return platform::kind_of(path_) != platform::entry_kind::none; }
-bool file::is_directory() const { return platform::kind_of(path_) == platform::entry_kind::folder; }
-bool file::is_file() const { return platform::kind_of(path_) == platform::entry_kind::file; }
+bool file::exists() const {
+  platform::entry_facts found;
+  return platform::read_facts(path_, platform::links::keep, found);
+}
+
+bool file::is_directory() const {
+  platform::entry_facts found;
+  return platform::read_facts(path_, platform::links::keep, found) && found.is_folder;
+}
+
+bool file::is_file() const {
+  platform::entry_facts found;
+  return platform::read_facts(path_, platform::links::keep, found) && !found.is_folder;
+}
 
 bool file::is_executable() const {
   constexpr std::wstring_view endings[] = {L".exe", L".com", L".bat", L".cmd"};
@@ -54,7 +65,7 @@ bool file::is_executable() const {
 
 bool file::is_hidden() const {
   platform::entry_facts facts;
-  return platform::read_facts(path_, facts) && facts.hidden;
+  return platform::read_facts(path_, platform::links::follow, facts) && facts.hidden;
 }
 
 bool file::can_be_read() const { return platform::may_read(path_); }
@@ -62,8 +73,8 @@ bool file::can_be_read() const { return platform::may_read(path_); }
 // On a folder the read-only mark has no effect.
 bool file::can_be_write() const {
   platform::entry_facts facts;
-  if (!platform::read_facts(path_, facts)) return false;
-  return !(facts.read_only && facts.kind == platform::entry_kind::file) && platform::may_write(path_);
+  if (!platform::read_facts(path_, platform::links::follow, facts)) return false;
+  return !(facts.read_only && !facts.is_folder) && platform::may_write(path_);
 }
 
 bool file::is_locked() const { return is_file() && platform::is_held(path_); }
@@ -73,7 +84,7 @@ unsigned long file::get_owner_group() const { return owner_of(*this).group; }
 
 unsigned long long file::size() const {
   const platform::entry_facts facts = existing_facts(*this);
-  if (facts.kind == platform::entry_kind::folder) throw exc::fileExpectedFile(*this);
+  if (facts.is_folder) throw exc::fileExpectedFile(*this);
   return facts.size;
 }
 
@@ -93,7 +104,7 @@ bool file::mkdirs(exception* err) const {
 }
 
 void file::erase() const {
-  if (platform::erase_entry(path_)) return;
+  if (is_directory() ? platform::remove_folder(path_) : platform::remove_file(path_)) return;
   if (exists()) throw exc::fileUnDeleted(*this);
   throw exc::fileNotFound(*this);
 }

@@ -38,8 +38,8 @@ std::shared_ptr<const platform::held_folder> hold(const file& folder) {
 }
 
 exception refusal(const file& folder) {
-  platform::found_facts found;
-  if (platform::look_at(folder, found)) return exc::fileInvalidFolder(folder);
+  platform::entry_facts found;
+  if (platform::read_facts(folder, platform::links::keep, found)) return exc::fileInvalidFolder(folder);
   return exc::fileNotFound(folder);
 }
 
@@ -64,7 +64,7 @@ bool read_entries(const file& folder, fileFilter* filter, fileCallback* callback
 
 }  // namespace
 
-void listed_file::set(const std::wstring& path, const platform::found_facts& found) {
+void listed_file::set(const std::wstring& path, const platform::entry_facts& found) {
   set_path(path);
   found_ = &found;
 }
@@ -94,13 +94,13 @@ std::wstring prefix_of(const file& folder) {
   return out;
 }
 
-bool look_at(const file& entry, platform::found_facts& out) {
+bool look_at(const file& entry, platform::entry_facts& out) {
   if (const auto* const listed = dynamic_cast<const listed_file*>(&entry)) {
     out = listed->found();
     return true;
   }
   out = {};
-  const bool is_there = platform::look_at(entry, out);
+  const bool is_there = platform::read_facts(entry, platform::links::keep, out);
   if (!out.is_link) out.is_folder = entry.is_directory();
   return is_there || out.is_folder || entry.is_file();
 }

@@ -16,15 +16,15 @@ namespace ruvo::files {
 class listed_file final : public file {
  public:
   /// Takes the place of the former entry.
-  void set(const std::wstring& path, const platform::found_facts& found);
-  const platform::found_facts& found() const noexcept { return *found_; }
+  void set(const std::wstring& path, const platform::entry_facts& found);
+  const platform::entry_facts& found() const noexcept { return *found_; }
 
   bool is_directory() const override { return found_->is_folder; }
   bool is_file() const override { return !found_->is_folder; }
   unsigned long long size() const override;
 
  private:
-  const platform::found_facts* found_ = nullptr;
+  const platform::entry_facts* found_ = nullptr;
 };
 
 /// A folder to be listed that is held open already, which services that have a listing of their own take for
@@ -48,6 +48,6 @@ std::wstring prefix_of(const file& folder);
 
 /// What the listing found, or else the system now; of an entry that a service made, what the entry says.
 /// False when there is nothing.
-bool look_at(const file& entry, platform::found_facts& out);
+bool look_at(const file& entry, platform::entry_facts& out);
 
 }  // namespace ruvo::files

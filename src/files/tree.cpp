@@ -134,7 +134,7 @@ RecursiveCallBack::~RecursiveCallBack() = default;
 void RecursiveCallBack::onRead(const file& entry) {
   if (stops() || (filter_ && !filter_->accept(entry))) return;
   if (out_) out_->push_back(entry);
-  platform::found_facts found;
+  platform::entry_facts found;
   if (look_at(entry, found) && found.is_folder && !found.is_link) pending_.push_back(entry);
   RelayCallBack::onRead(entry);
 }
@@ -241,7 +241,7 @@ bool CopyFolderCallBack::copy(const file& entry) {
   const file place = counterpart(entry, source_, target_);
   if (place.empty()) throw exc::BadArgument(entry);
   if (is_passing(entry)) return false;
-  platform::found_facts found;
+  platform::entry_facts found;
   if (!look_at(entry, found)) throw exc::fileNotFound(entry);
   if (found.is_link) throw exc::fileOsStream(place);
   if (found.is_folder) {
@@ -328,9 +328,9 @@ void VerifyFolderCallBack::onFailure(const exception& error) { RelayCallBack::on
 void VerifyFolderCallBack::compare(const file& entry) const {
   const file place = counterpart(entry, source_, target_);
   if (place.empty()) throw exc::BadArgument(entry);
-  platform::found_facts expected, found;
+  platform::entry_facts expected, found;
   if (!look_at(entry, expected)) throw exc::fileNotFound(entry);
-  if (!platform::look_at(place, found)) throw exc::fileNotFound(place);
+  if (!platform::read_facts(place, platform::links::keep, found)) throw exc::fileNotFound(place);
   if (expected.is_folder && !found.is_folder) throw exc::fileExpectedFolder(place);
   if (!expected.is_folder && found.is_folder) throw exc::fileExpectedFile(place);
   if (expected.is_link || expected.size == found.size) return;
@@ -341,8 +341,8 @@ void VerifyFolderCallBack::compare(const file& entry) const {
 
 bool verify(const file& from, file to, exception& err, fileCallback& callback, fileFilter* filter) {
   VerifyFolderCallBack comparer(from, to, callback);
-  platform::found_facts found;
-  if (!platform::look_at(to, found))
+  platform::entry_facts found;
+  if (!platform::read_facts(to, platform::links::keep, found))
     refuse(comparer, exc::fileNotFound(to));
   else if (!found.is_folder)
     refuse(comparer, exc::fileExpectedFolder(to));
@@ -359,7 +359,7 @@ DeleteCallBack::~DeleteCallBack() = default;
 
 void DeleteCallBack::onRead(const file& entry) {
   if (stops()) return;
-  platform::found_facts found;
+  platform::entry_facts found;
   if (!look_at(entry, found))
     onFailure(exc::fileNotFound(entry));
   else if (found.is_folder && !found.is_link)
@@ -395,28 +395,28 @@ void DeleteCallBack::remove(const file& entry, bool is_folder, bool is_link) {
 }
 
 bool DeleteCallBack::is_removed(const file& entry, bool is_folder, bool is_link) {
-  platform::found_facts found;
-  found.is_folder = is_folder;
-  found.is_link = is_link;
+  const platform::entry_kind found{is_folder, is_link};
   held_tree& tree = *tree_of(entry);
   if (entry == tree.top()) {
     tree.release();
-    const bool removed = platform::remove_entry(entry, found, tree.identity());
+    const bool removed = platform::remove_found(entry, found, tree.identity());
     work_on(nullptr);  // who goes on after a failure has to reach it anew
     return removed;
   }
   const file folder = folder_of(entry);
-  if (!tree.covers(folder)) return platform::remove_entry(entry, found, nullptr);
+  if (!tree.covers(folder)) return platform::remove_found(entry, found, nullptr);
   const std::shared_ptr<const held_folder> held = tree.reach(folder);
   if (held) return held->remove(entry.get_name(), found);
-  return tree.reason() == held_folder::outcome::missing && !platform::look_at(entry, found);
+  platform::entry_facts left;
+  return tree.reason() == held_folder::outcome::missing &&
+         !platform::read_facts(entry, platform::links::keep, left);
 }
 
 bool erase(file path, exception& err, fileFilter* filter, fileCallback* callback) {
   on_tree<DeleteCallBack> eraser(callback);
   noting_filter noting(filter, eraser);
-  platform::found_facts found;
-  if (!platform::look_at(path, found)) {
+  platform::entry_facts found;
+  if (!platform::read_facts(path, platform::links::keep, found)) {
     refuse(eraser, exc::fileNotFound(path));
     return conclude(eraser, err);
   }

@@ -54,9 +54,9 @@ auto within_memory(const file& path, Body body) {
 }
 
 void expect_file(const file& path) {
-  const platform::entry_kind kind = platform::kind_of(path);
-  if (kind == platform::entry_kind::none) throw exc::fileNotFound(path);
-  if (kind == platform::entry_kind::folder) throw exc::fileExpectedFile(path);
+  platform::entry_facts found;
+  if (!platform::read_facts(path, platform::links::keep, found)) throw exc::fileNotFound(path);
+  if (found.is_folder) throw exc::fileExpectedFile(path);
 }
 
 /// A file of a size known from the start, read from its first byte to its last.
@@ -219,7 +219,8 @@ class stand_in {
     make([](platform::open_file& out) { return out.keep(); });
     if (!platform::copy_content(from, path_)) throw exc::fileOsStream(target_);
     platform::entry_facts wanted, made;
-    if (!platform::read_facts(from, wanted) || !platform::read_facts(path_, made) || wanted.size != made.size)
+    if (!platform::read_facts(from, platform::links::follow, wanted) ||
+        !platform::read_facts(path_, platform::links::follow, made) || wanted.size != made.size)
       throw exc::fileStrageFileSize(target_);
   }
 
@@ -228,9 +229,9 @@ class stand_in {
     constexpr int attempts = 1000;
     for (int i = 0; i < attempts; ++i) {
       file place = replaces_ ? target_ : autorename(target_);
-      const platform::creation result = platform::rename_file(path_, place, replaces_);
-      if (result == platform::creation::refused) break;
-      if (result == platform::creation::taken) continue;
+      const platform::renaming result = platform::rename_file(path_, place, replaces_);
+      if (result == platform::renaming::refused) break;
+      if (result == platform::renaming::taken) continue;
       path_ = file();
       return place;
     }
@@ -258,7 +259,7 @@ class stand_in {
   void discard() noexcept {
     if (path_.empty()) return;
     try {
-      platform::discard_file(path_);
+      platform::remove_file(path_, true);
     } catch (const std::bad_alloc&) {
       // The file stays.
     }
@@ -302,8 +303,8 @@ bool read_name(std::wstring_view name, unsigned long long& process, unsigned lon
 
 void expect_writable(const file& path, bool overwrite) {
   platform::entry_facts found;
-  if (!platform::read_facts(path, found)) return;
-  if (found.kind == platform::entry_kind::folder) throw exc::fileExpectedFile(path);
+  if (!platform::read_facts(path, platform::links::follow, found)) return;
+  if (found.is_folder) throw exc::fileExpectedFile(path);
   if (found.read_only && overwrite) throw exc::fileOsStream(path);
 }
 

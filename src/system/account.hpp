@@ -6,7 +6,7 @@
 
 namespace ruvo::platform {
 
-/// The account of the process; false when the system does not tell.
+/// The account of the process; false when the system does not say.
 bool current_account(std::wstring& user, std::wstring& domain, std::wstring& sid);
 
 }  // namespace ruvo::platform

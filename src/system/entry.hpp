@@ -7,20 +7,30 @@
 
 namespace ruvo::platform {
 
-enum class entry_kind { none, file, folder };
+struct entry_kind {
+  bool is_folder = false;
+  bool is_link = false;  // leads elsewhere: a symbolic link, a junction, a mounted volume
+  bool operator==(const entry_kind&) const = default;
+};
 
-/// What stands at the path; `none` also when the system does not tell.
-entry_kind kind_of(const std::wstring& path);
-
-struct entry_facts {
-  entry_kind kind = entry_kind::none;
+struct entry_facts : entry_kind {
   bool read_only = false;
   bool hidden = false;
   unsigned long long size = 0;                        // of a file
   long long modified = 0, accessed = 0, changed = 0;  // seconds since 1970-01-01 00:00:00 UTC
 };
-/// False when there is nothing, or the system does not tell.
-bool read_facts(const std::wstring& path, entry_facts& out);
+
+/// Whether a question about a link is one about what it leads to, or about the link.
+enum class links { follow, keep };
+
+/// What stands at the path. False when there is nothing, or the system does not say.
+bool read_facts(const std::wstring& path, links how, entry_facts& out);
+
+/// What distinguishes a file or folder from all others.
+struct entry_identity {
+  unsigned long long volume = 0, index = 0;
+  bool operator==(const entry_identity&) const = default;
+};
 
 struct owner_numbers {
   unsigned long user = 0, group = 0;
@@ -33,21 +43,6 @@ bool may_write(const std::wstring& path);
 /// Whether somebody, this process counted, has the file open.
 bool is_held(const std::wstring& path);
 
-/// What a folder knows of an entry.
-struct found_facts {
-  bool is_folder = false;
-  bool is_link = false;         // leads elsewhere: a symbolic link, a junction, a mounted volume
-  unsigned long long size = 0;  // of a file
-};
-
-/// What tells a file or folder from all others.
-struct entry_identity {
-  unsigned long long volume = 0, index = 0;
-  bool operator==(const entry_identity&) const = default;
-};
-
-/// What stands at the path, links not followed; false when there is nothing.
-bool look_at(const std::wstring& path, found_facts& out);
 /// Whether a path, which need not exist, is a folder or lies below it, under whatever name.
 bool is_inside(const std::wstring& path, const std::wstring& folder);
 

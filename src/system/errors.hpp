@@ -1,8 +1,7 @@
 #pragma once
 
-// What the system says of failures.
-
-// Nothing in this room throws for a refusal of the system; the results say so.
+// What the system says of failures. Nothing in this room throws for a refusal of the system; the results say
+// so.
 
 #include <string>
 

@@ -10,7 +10,7 @@
 
 namespace ruvo::platform {
 
-/// A file opened to be read, or a new one to be written, which nobody else may write or erase meanwhile, and
+/// A file opened to be read, or a new one to be written, which nobody else may write or remove meanwhile, and
 /// which where the system can vanishes with the process until it is kept.
 class open_file {
  public:
@@ -36,22 +36,19 @@ class open_file {
   [[maybe_unused]] bool is_marked_ = false;  // to be deleted when it is closed
 };
 
-enum class creation { done, taken, refused };
-
 /// Copies the content of a file, its attributes and its time of modification to another file.
 bool copy_content(const std::wstring& from, const std::wstring& to);
 /// Hides `to` if `from` is hidden, and the like, beside what `to` is already; where nothing stands at `from`,
 /// nothing happens. False when `from` is encrypted and `to` cannot be.
 bool copy_attributes(const std::wstring& from, const std::wstring& to);
+
+enum class renaming { done, taken, refused };
 /// Renames a file within its folder in one step that others see whole, and that is on the disk afterwards.
 /// `taken` only when `replace` is false.
-creation rename_file(const std::wstring& from, const std::wstring& to, bool replace);
-/// Removes a file or an empty folder; a link itself, not what it leads to.
-bool erase_entry(const std::wstring& path);
-/// Removes a file, even one that is marked as read-only.
-void discard_file(const std::wstring& path);
+renaming rename_file(const std::wstring& from, const std::wstring& to, bool replace);
 
-/// Not a folder. False when it is not there or cannot be erased.
-bool erase_file(const std::wstring& path);
+/// Removes a file, or a link to one; not a folder. What is marked as read-only stays unless that too is to
+/// go. False when it was not there or could not be removed.
+bool remove_file(const std::wstring& path, bool even_read_only = false);
 
 }  // namespace ruvo::platform

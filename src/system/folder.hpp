@@ -1,7 +1,6 @@
 #pragma once
 
-// Folders, which may be held open: what is done then is done in that folder, whatever stands under its name
-// meanwhile.
+// Folders, which may be held open.
 
 #include <string>
 
@@ -12,6 +11,8 @@ namespace ruvo::platform {
 
 /// True when the folder is there afterwards.
 bool make_folder(const std::wstring& path);
+/// Removes an empty folder, or a link to one. False when it was not there or could not be removed.
+bool remove_folder(const std::wstring& path);
 /// The user's folder for temporary files; empty when the system names none.
 std::wstring temporary_folder();
 
@@ -29,7 +30,7 @@ class held_folder {
   /// wanted and nothing has the name.
   held_folder(const held_folder& parent, const std::wstring& name, bool makes);
 
-  explicit operator bool() const noexcept { return result_ == outcome::held; }
+  explicit operator bool() const noexcept { return static_cast<bool>(folder_); }
   outcome result() const noexcept { return result_; }
   /// The system's handle; null unless it is held.
   void* get() const noexcept { return folder_.get(); }
@@ -38,7 +39,7 @@ class held_folder {
   bool is_at(const std::wstring& path) const;
   /// Removes what has a name in this folder and is of the kind that was found: a file, an empty folder, or a
   /// link; also what is marked as read-only. True when nothing has the name afterwards.
-  bool remove(const std::wstring& name, const found_facts& found) const;
+  bool remove(const std::wstring& name, const entry_kind& found) const;
 
  private:
   handle folder_;
@@ -60,6 +61,6 @@ class held_file {
 };
 
 /// Removes what is at a path, as held_folder::remove() does; if an identity is given, only what has it.
-bool remove_entry(const std::wstring& path, const found_facts& found, const entry_identity* expected);
+bool remove_found(const std::wstring& path, const entry_kind& found, const entry_identity* expected);
 
 }  // namespace ruvo::platform

@@ -9,7 +9,7 @@
 
 namespace ruvo::platform {
 
-struct found_entry : found_facts {
+struct found_entry : entry_facts {
   std::wstring name;
 };
 

@@ -21,10 +21,10 @@ struct system_facts {
   bool workstation = false;
   bool console_program = false;  // this process
 };
-/// False when the system does not tell.
+/// False when the system does not say.
 bool read_system_facts(system_facts& out);
 
-/// The file of a module, or of the program for a null handle; empty when the system does not tell.
+/// The file of a module, or of the program for a null handle; empty when the system does not say.
 std::wstring module_path(void* module);
 
 }  // namespace ruvo::platform

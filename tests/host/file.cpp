@@ -1,5 +1,5 @@
-// The host's files. The environment's KESTA_FAIL_FILE_STEP = n
-// makes the n-th step of writing or copying fail, and those after it.
+// The host's files. The environment's KESTA_FAIL_FILE_STEP = n makes the n-th step of writing or copying
+// fail, and those after it.
 
 #include "system/file.hpp"
 
@@ -35,7 +35,8 @@ bool step_fails() {
 
 open_file::open_file(const std::wstring& path, mode how, const std::wstring& like) {
   const int flags = how == to_create ? O_WRONLY | O_CREAT | O_EXCL : O_RDONLY;
-  if (how == to_create ? step_fails() : kind_of(path) == entry_kind::folder) return;
+  entry_facts there;
+  if (how == to_create ? step_fails() : read_facts(path, links::follow, there) && there.is_folder) return;
   file_ = handle(handle_of(open(host_name(path).c_str(), flags | O_CLOEXEC, 0666)));
   struct stat found;
   if (file_ && !like.empty() && stat(host_name(like).c_str(), &found) == 0)
@@ -89,25 +90,19 @@ bool copy_attributes(const std::wstring& from, const std::wstring& to) {
   return true;
 }
 
-creation rename_file(const std::wstring& from, const std::wstring& to, bool replace) {
+renaming rename_file(const std::wstring& from, const std::wstring& to, bool replace) {
   const std::string source = host_name(from), target = host_name(to);
-  if (target.empty() || step_fails()) return creation::refused;
-  if (replace) return rename(source.c_str(), target.c_str()) == 0 ? creation::done : creation::refused;
-  if (link(source.c_str(), target.c_str()) != 0) return errno == EEXIST ? creation::taken : creation::refused;
+  if (target.empty() || step_fails()) return renaming::refused;
+  if (replace) return rename(source.c_str(), target.c_str()) == 0 ? renaming::done : renaming::refused;
+  if (link(source.c_str(), target.c_str()) != 0) return errno == EEXIST ? renaming::taken : renaming::refused;
   unlink(source.c_str());
-  return creation::done;
+  return renaming::done;
 }
 
-void discard_file(const std::wstring& path) { unlink(host_name(path).c_str()); }
-
-bool erase_entry(const std::wstring& path) {
-  const std::string name = host_name(path);
-  entry_facts facts;
-  if (!read_facts(path, facts)) return unlink(name.c_str()) == 0;
-  if (facts.kind == entry_kind::folder) return rmdir(name.c_str()) == 0 || unlink(name.c_str()) == 0;
-  return !facts.read_only && unlink(name.c_str()) == 0;
+bool remove_file(const std::wstring& path, bool even_read_only) {
+  entry_facts found;
+  return read_facts(path, links::keep, found) && (found.is_link || even_read_only || !found.read_only) &&
+         unlink(host_name(path).c_str()) == 0;
 }
-
-bool erase_file(const std::wstring& path) { return unlink(host_name(path).c_str()) == 0; }
 
 }  // namespace ruvo::platform

@@ -39,7 +39,7 @@ bool leads_to(const std::wstring& path, void* handle) {
   return stat(host_name(path).c_str(), &found) == 0 && identity_of(found) == identity_of(handle);
 }
 
-bool remove_from(int folder, const std::string& name, const found_facts& expected,
+bool remove_from(int folder, const std::string& name, const entry_kind& expected,
                  const entry_identity* identity) {
   struct stat found {};
   if (name.empty()) return false;
@@ -55,8 +55,14 @@ bool remove_from(int folder, const std::string& name, const found_facts& expecte
 }  // namespace
 
 bool make_folder(const std::wstring& path) {
+  entry_facts found;
+  return mkdir(host_name(path).c_str(), 0777) == 0 ||
+         (read_facts(path, links::keep, found) && found.is_folder);
+}
+
+bool remove_folder(const std::wstring& path) {
   const std::string name = host_name(path);
-  return mkdir(name.c_str(), 0777) == 0 || kind_of(path) == entry_kind::folder;
+  return rmdir(name.c_str()) == 0 || (errno == ENOTDIR && unlink(name.c_str()) == 0);
 }
 
 std::wstring temporary_folder() {
@@ -88,7 +94,7 @@ entry_identity held_folder::identity() const { return identity_of(get()); }
 
 bool held_folder::is_at(const std::wstring& path) const { return leads_to(path, get()); }
 
-bool held_folder::remove(const std::wstring& name, const found_facts& found) const {
+bool held_folder::remove(const std::wstring& name, const entry_kind& found) const {
   return remove_from(descriptor_of(get()), host_name(name), found, nullptr);
 }
 
@@ -98,7 +104,7 @@ held_file::held_file(const held_folder& parent, const std::wstring& name)
 
 bool held_file::is_at(const std::wstring& path) const { return leads_to(path, file_.get()); }
 
-bool remove_entry(const std::wstring& path, const found_facts& found, const entry_identity* expected) {
+bool remove_found(const std::wstring& path, const entry_kind& found, const entry_identity* expected) {
   return remove_from(AT_FDCWD, host_name(path), found, expected);
 }
 

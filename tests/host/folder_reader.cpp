@@ -34,13 +34,8 @@ bool folder_reader::next(found_entry& out) {
     if (!found) return false;
     const std::string_view name = found->d_name;
     if (name == "." || name == "..") continue;
-    struct stat facts;
-    if (fstatat(dirfd(state_->folder), found->d_name, &facts, AT_SYMLINK_NOFOLLOW) != 0) continue;
+    if (!read_entry(dirfd(state_->folder), found->d_name, out)) continue;
     out.name = texto::to_utf_16(name);
-    out.is_link = S_ISLNK(facts.st_mode);
-    if (out.is_link && fstatat(dirfd(state_->folder), found->d_name, &facts, 0) != 0) facts.st_mode = S_IFREG;
-    out.is_folder = S_ISDIR(facts.st_mode);
-    out.size = out.is_folder || out.is_link ? 0 : static_cast<unsigned long long>(facts.st_size);
     return true;
   }
   return false;

@@ -1,11 +1,15 @@
 #pragma once
 
-// Names and handles of the host.
+// Names, handles and facts of the host.
 
 #include <cstdint>
 #include <string>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include "base/utf.hpp"
+#include "system/entry.hpp"
 
 namespace ruvo::platform {
 
@@ -24,6 +28,28 @@ inline void* handle_of(int descriptor) {
 }
 inline int descriptor_of(void* handle) {
   return static_cast<int>(reinterpret_cast<std::intptr_t>(handle) - 1);
+}
+
+inline entry_facts facts_of(const struct stat& found) {
+  constexpr mode_t writers = S_IWUSR | S_IWGRP | S_IWOTH;
+  entry_facts out;
+  out.is_folder = S_ISDIR(found.st_mode);
+  out.is_link = S_ISLNK(found.st_mode);
+  out.read_only = !(found.st_mode & writers);
+  out.size = S_ISREG(found.st_mode) ? static_cast<unsigned long long>(found.st_size) : 0;
+  out.modified = found.st_mtime;
+  out.accessed = found.st_atime;
+  out.changed = found.st_ctime;
+  return out;
+}
+
+/// What a folder knows of a name in it. A link to a folder is a folder too.
+inline bool read_entry(int folder, const char* name, entry_facts& out) {
+  struct stat found;
+  if (fstatat(folder, name, &found, AT_SYMLINK_NOFOLLOW) != 0) return false;
+  out = facts_of(found);
+  if (out.is_link) out.is_folder = fstatat(folder, name, &found, 0) == 0 && S_ISDIR(found.st_mode);
+  return true;
 }
 
 }  // namespace ruvo::platform

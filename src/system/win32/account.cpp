@@ -1,9 +1,10 @@
 #include "system/account.hpp"
 
 #include <cstddef>
-#include <memory>
 #include <vector>
 
+#include "system/handle.hpp"
+#include "system/win32/text.hpp"
 #include "system/win32/win32.hpp"
 
 namespace ruvo::platform {
@@ -11,13 +12,13 @@ namespace ruvo::platform {
 namespace {
 
 std::vector<std::byte> token_user() {
-  HANDLE token = nullptr;
-  if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return {};
+  HANDLE opened = nullptr;
+  if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &opened)) return {};
+  const handle token(opened);
   DWORD size = 0;
-  GetTokenInformation(token, TokenUser, nullptr, 0, &size);
+  GetTokenInformation(token.get(), TokenUser, nullptr, 0, &size);
   std::vector<std::byte> out(size);
-  const bool known = size && GetTokenInformation(token, TokenUser, out.data(), size, &size);
-  CloseHandle(token);
+  const bool known = size && GetTokenInformation(token.get(), TokenUser, out.data(), size, &size);
   if (!known) out.clear();
   return out;
 }
@@ -40,7 +41,7 @@ bool account_of(PSID sid, std::wstring& user, std::wstring& domain) {
 std::wstring text_of(PSID sid) {
   wchar_t* made = nullptr;
   if (!ConvertSidToStringSidW(sid, &made)) return {};
-  const std::unique_ptr<wchar_t, decltype(&LocalFree)> owner(made, LocalFree);
+  const local_text owner(made, LocalFree);
   return made;
 }
 

@@ -1,7 +1,6 @@
 #include "system/errors.hpp"
 
-#include <memory>
-
+#include "system/win32/text.hpp"
 #include "system/win32/win32.hpp"
 
 namespace ruvo::platform {
@@ -13,7 +12,7 @@ std::wstring system_message(unsigned long number) {
   wchar_t* made = nullptr;
   const DWORD length =
       FormatMessageW(flags, nullptr, number, user_language, reinterpret_cast<wchar_t*>(&made), 0, nullptr);
-  const std::unique_ptr<wchar_t, decltype(&LocalFree)> owner(made, LocalFree);
+  const local_text owner(made, LocalFree);
   return made ? std::wstring(made, length) : std::wstring();
 }
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "system/win32/facts.hpp"
 #include "system/win32/open.hpp"
 #include "system/win32/path.hpp"
 #include "system/win32/win32.hpp"
@@ -12,15 +13,10 @@ namespace ruvo::platform {
 
 namespace {
 
-/// The access rights of a file; empty when it has none, or the system does not tell.
+/// The access rights of a file; empty when it has none, or the system does not say.
 std::vector<unsigned char> rights_of(const std::wstring& path) {
   const handle file = open_existing(system_path(path), READ_CONTROL);
-  if (!file) return {};
-  DWORD size = 0;
-  GetKernelObjectSecurity(file.get(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
-  std::vector<unsigned char> out(size);
-  if (!GetKernelObjectSecurity(file.get(), DACL_SECURITY_INFORMATION, out.data(), size, &size)) out.clear();
-  return out;
+  return file ? security_of(file.get(), DACL_SECURITY_INFORMATION) : std::vector<unsigned char>();
 }
 
 bool is_encrypted(const std::wstring& path) {
@@ -85,11 +81,10 @@ bool copy_content(const std::wstring& from, const std::wstring& to) {
   constexpr DWORD copied = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
                            FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
   const std::wstring source = system_path(from), target = system_path(to);
+  const auto copy = [&] { return error_of(CopyFileW(source.c_str(), target.c_str(), FALSE)); };
   // Another process may just look whether the target is being written.
-  for (DWORD wait = 1; !CopyFileW(source.c_str(), target.c_str(), FALSE); wait *= 2) {
-    if (GetLastError() != ERROR_SHARING_VIOLATION || wait > 16) return false;
-    Sleep(wait);
-  }
+  if (insist(copy, [](DWORD error) { return error == ERROR_SHARING_VIOLATION; }) != ERROR_SUCCESS)
+    return false;
   // Wine leaves an existing file's attributes as they are.
   const DWORD wanted = GetFileAttributesW(source.c_str()), own = GetFileAttributesW(target.c_str());
   if (wanted == INVALID_FILE_ATTRIBUTES || own == INVALID_FILE_ATTRIBUTES) return false;
@@ -113,33 +108,22 @@ bool copy_attributes(const std::wstring& from, const std::wstring& to) {
 }
 
 // A target that somebody reads, or that a scanner looks at, may be free a moment later.
-creation rename_file(const std::wstring& from, const std::wstring& to, bool replace) {
+renaming rename_file(const std::wstring& from, const std::wstring& to, bool replace) {
   const std::wstring old_name = system_path(from), new_name = system_path(to);
   const DWORD flags = MOVEFILE_WRITE_THROUGH | (replace ? MOVEFILE_REPLACE_EXISTING : 0);
-  for (DWORD wait = 1;; wait *= 2) {
-    if (MoveFileExW(old_name.c_str(), new_name.c_str(), flags)) return creation::done;
-    const DWORD error = GetLastError();
-    if (!replace && (error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS)) return creation::taken;
-    const bool may_pass = error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
-    if (!may_pass || wait > 16) return creation::refused;
-    Sleep(wait);
-  }
+  const DWORD error =
+      insist([&] { return error_of(MoveFileExW(old_name.c_str(), new_name.c_str(), flags)); },
+             [](DWORD found) { return found == ERROR_ACCESS_DENIED || found == ERROR_SHARING_VIOLATION; });
+  if (error == ERROR_SUCCESS) return renaming::done;
+  const bool is_taken = error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS;
+  return is_taken && !replace ? renaming::taken : renaming::refused;
 }
 
-void discard_file(const std::wstring& path) {
+bool remove_file(const std::wstring& path, bool even_read_only) {
   const std::wstring name = system_path(path);
-  if (DeleteFileW(name.c_str())) return;
-  SetFileAttributesW(name.c_str(), FILE_ATTRIBUTE_NORMAL);
-  DeleteFileW(name.c_str());
+  if (DeleteFileW(name.c_str())) return true;
+  return even_read_only && SetFileAttributesW(name.c_str(), FILE_ATTRIBUTE_NORMAL) &&
+         DeleteFileW(name.c_str());
 }
-
-bool erase_entry(const std::wstring& path) {
-  const std::wstring name = system_path(path);
-  const DWORD attributes = GetFileAttributesW(name.c_str());
-  if (attributes == INVALID_FILE_ATTRIBUTES) return false;
-  return attributes & FILE_ATTRIBUTE_DIRECTORY ? RemoveDirectoryW(name.c_str()) : DeleteFileW(name.c_str());
-}
-
-bool erase_file(const std::wstring& path) { return DeleteFileW(system_path(path).c_str()) != 0; }
 
 }  // namespace ruvo::platform

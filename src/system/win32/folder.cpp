@@ -4,9 +4,11 @@
 
 #include <utility>
 
+#include "system/win32/facts.hpp"
 #include "system/win32/nt.hpp"
 #include "system/win32/open.hpp"
 #include "system/win32/path.hpp"
+#include "system/win32/text.hpp"
 #include "system/win32/win32.hpp"
 
 namespace ruvo::platform {
@@ -58,7 +60,7 @@ struct place {
   DWORD open(DWORD access, DWORD sharing, handle& out) const {
     if (folder) return nt::open(folder, name, {access, sharing, FILE_OPEN, 0}, out);
     out = open_existing(name, access, sharing, FILE_FLAG_OPEN_REPARSE_POINT);
-    return out ? ERROR_SUCCESS : GetLastError();
+    return error_of(static_cast<bool>(out));
   }
   bool holds(HANDLE opened) const {
     return folder ? nt::is_what_is_named(folder, name, opened) : nt::is_what_is_at(name, opened);
@@ -71,13 +73,12 @@ DWORD mark_removed(HANDLE opened) noexcept {
   // FileDispositionInfoEx, with the bits for deletion, for the name to go at once, and for read-only files.
   constexpr auto extended = static_cast<FILE_INFO_BY_HANDLE_CLASS>(21);
   DWORD bits = 0x1 | 0x2 | 0x10;
-  if (SetFileInformationByHandle(opened, extended, &bits, sizeof bits)) return ERROR_SUCCESS;
-  const DWORD error = GetLastError();
-  // What really stands in the way is told by the older call as well.
-  if (error == ERROR_DIR_NOT_EMPTY || error == ERROR_SHARING_VIOLATION) return error;
+  const DWORD error = error_of(SetFileInformationByHandle(opened, extended, &bits, sizeof bits));
+  // What really stands in the way is what the older call reports as well.
+  if (error == ERROR_SUCCESS || error == ERROR_DIR_NOT_EMPTY || error == ERROR_SHARING_VIOLATION)
+    return error;
   FILE_DISPOSITION_INFO removed{TRUE};
-  return SetFileInformationByHandle(opened, FileDispositionInfo, &removed, sizeof removed) ? ERROR_SUCCESS
-                                                                                           : GetLastError();
+  return error_of(SetFileInformationByHandle(opened, FileDispositionInfo, &removed, sizeof removed));
 }
 
 /// The older call refuses what is marked as read-only.
@@ -97,7 +98,7 @@ DWORD mark_removed_unprotected(HANDLE opened) noexcept {
 }
 
 /// ERROR_SUCCESS when it is removed, or was not there.
-DWORD try_to_remove(const place& where, const found_facts& found, const entry_identity* expected,
+DWORD try_to_remove(const place& where, const entry_kind& found, const entry_identity* expected,
                     bool unprotects) {
   handle opened;
   const DWORD access = DELETE | FILE_READ_ATTRIBUTES | (unprotects ? FILE_WRITE_ATTRIBUTES : 0);
@@ -105,20 +106,16 @@ DWORD try_to_remove(const place& where, const found_facts& found, const entry_id
   if (error != ERROR_SUCCESS) return is_missing(error) ? ERROR_SUCCESS : error;
   entry_identity identity;
   const bool is_expected = !expected || (nt::identify(opened.get(), identity) && identity == *expected);
-  const found_facts now = nt::facts_of(opened.get());
-  if (!is_expected || now.is_folder != found.is_folder || now.is_link != found.is_link ||
-      !where.holds(opened.get()))
+  if (!is_expected || kind_of(opened.get()) != found || !where.holds(opened.get()))
     return ERROR_INVALID_REPARSE_DATA;
   return unprotects ? mark_removed_unprotected(opened.get()) : mark_removed(opened.get());
 }
 
-// A folder that somebody else erases too, and holds for it, may be free a moment later.
-bool remove_at(const place& where, const found_facts& found, const entry_identity* expected) {
-  DWORD error = try_to_remove(where, found, expected, false);
-  for (DWORD wait = 1; found.is_folder && error == ERROR_SHARING_VIOLATION && wait <= 16; wait *= 2) {
-    Sleep(wait);
-    error = try_to_remove(where, found, expected, false);
-  }
+// A folder that somebody else removes too, and holds for it, may be free a moment later.
+bool remove_at(const place& where, const entry_kind& found, const entry_identity* expected) {
+  const DWORD error =
+      insist([&] { return try_to_remove(where, found, expected, false); },
+             [&](DWORD reason) { return found.is_folder && reason == ERROR_SHARING_VIOLATION; });
   return error == ERROR_SUCCESS ||
          (error == ERROR_ACCESS_DENIED && try_to_remove(where, found, expected, true) == ERROR_SUCCESS);
 }
@@ -126,17 +123,15 @@ bool remove_at(const place& where, const found_facts& found, const entry_identit
 }  // namespace
 
 bool make_folder(const std::wstring& path) {
-  return CreateDirectoryW(system_path(path).c_str(), nullptr) || kind_of(path) == entry_kind::folder;
+  entry_facts found;
+  return CreateDirectoryW(system_path(path).c_str(), nullptr) ||
+         (read_facts(path, links::keep, found) && found.is_folder);
 }
 
+bool remove_folder(const std::wstring& path) { return RemoveDirectoryW(system_path(path).c_str()); }
+
 std::wstring temporary_folder() {
-  std::wstring out(MAX_PATH, L'\0');
-  for (;;) {
-    const DWORD length = GetTempPathW(static_cast<DWORD>(out.size()), out.data());
-    const bool fits = length < out.size();
-    out.resize(length);
-    if (fits) return out;
-  }
+  return text_from([](wchar_t* out, DWORD size) { return GetTempPathW(size, out); });
 }
 
 held_folder::held_folder(const std::wstring& path, bool follows, purpose use) {
@@ -145,12 +140,12 @@ held_folder::held_folder(const std::wstring& path, bool follows, purpose use) {
   if (name.empty()) return;
   handle opened;
   const DWORD flags = follows ? 0 : FILE_FLAG_OPEN_REPARSE_POINT;
-  result_ = outcome_of(open_folder(use == purpose::listing, [&](DWORD access, DWORD sharing) -> DWORD {
+  result_ = outcome_of(open_folder(use == purpose::listing, [&](DWORD access, DWORD sharing) {
     opened = open_existing(name, access, sharing, flags);
-    return opened ? ERROR_SUCCESS : GetLastError();
+    return error_of(static_cast<bool>(opened));
   }));
   if (result_ != outcome::held) return;
-  const found_facts found = nt::facts_of(opened.get());
+  const entry_kind found = kind_of(opened.get());
   if (!found.is_folder)
     result_ = outcome::file;
   else if (!follows && (found.is_link || !nt::is_what_is_at(name, opened.get())))
@@ -171,7 +166,7 @@ held_folder::held_folder(const held_folder& parent, const std::wstring& name, bo
       error == ERROR_DIRECTORY || error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS;
   result_ = is_file ? outcome::file : outcome_of(error);
   if (result_ != outcome::held) return;
-  if (nt::facts_of(opened.get()).is_link || !nt::is_what_is_named(parent.get(), name, opened.get()))
+  if (kind_of(opened.get()).is_link || !nt::is_what_is_named(parent.get(), name, opened.get()))
     result_ = outcome::link;
   else
     folder_ = std::move(opened);
@@ -185,7 +180,7 @@ entry_identity held_folder::identity() const {
 
 bool held_folder::is_at(const std::wstring& path) const { return leads_to(path, get()); }
 
-bool held_folder::remove(const std::wstring& name, const found_facts& found) const {
+bool held_folder::remove(const std::wstring& name, const entry_kind& found) const {
   return remove_at({get(), name}, found, nullptr);
 }
 
@@ -196,13 +191,13 @@ held_file::held_file(const held_folder& parent, const std::wstring& name) {
     const nt::manner how{FILE_READ_DATA | FILE_READ_ATTRIBUTES, sharing, FILE_OPEN, FILE_NON_DIRECTORY_FILE};
     if (nt::open(folder, name, how, opened) != ERROR_SHARING_VIOLATION) break;
   }
-  if (opened && !nt::facts_of(opened.get()).is_link && nt::is_what_is_named(folder, name, opened.get()))
+  if (opened && !kind_of(opened.get()).is_link && nt::is_what_is_named(folder, name, opened.get()))
     file_ = std::move(opened);
 }
 
 bool held_file::is_at(const std::wstring& path) const { return leads_to(path, file_.get()); }
 
-bool remove_entry(const std::wstring& path, const found_facts& found, const entry_identity* expected) {
+bool remove_found(const std::wstring& path, const entry_kind& found, const entry_identity* expected) {
   const std::wstring name = system_path(path);
   return !name.empty() && remove_at({nullptr, name}, found, expected);
 }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "system/win32/facts.hpp"
 #include "system/win32/nt.hpp"
 #include "system/win32/win32.hpp"
 
@@ -11,18 +12,25 @@ namespace ruvo::platform {
 
 namespace {
 
+entry_facts facts_of(const nt::folder_record& found) noexcept {
+  const auto& [created, accessed, written, changed] = found.times;
+  return platform::facts_of(entry_record{found.attributes, found.tag,
+                                         static_cast<unsigned long long>(found.size.QuadPart),
+                                         accessed.QuadPart, written.QuadPart, changed.QuadPart});
+}
+
 bool is_dots(std::wstring_view name) noexcept { return name == L"." || name == L".."; }
 
 }  // namespace
 
 struct folder_reader::state {
-  const nt::entry_record* first() const noexcept {
-    return reinterpret_cast<const nt::entry_record*>(buffer.data());
+  const nt::folder_record* first() const noexcept {
+    return reinterpret_cast<const nt::folder_record*>(buffer.data());
   }
   /// The next record; null behind the last one.
-  const nt::entry_record* next() noexcept {
+  const nt::folder_record* next() noexcept {
     if (at && at->next)
-      at = reinterpret_cast<const nt::entry_record*>(reinterpret_cast<const std::byte*>(at) + at->next);
+      at = reinterpret_cast<const nt::folder_record*>(reinterpret_cast<const std::byte*>(at) + at->next);
     else
       at = read() ? first() : nullptr;
     return at;
@@ -37,8 +45,8 @@ struct folder_reader::state {
   }
 
   HANDLE folder = nullptr;
-  alignas(nt::entry_record) std::array<std::byte, 1 << 15> buffer;
-  const nt::entry_record* at = nullptr;
+  alignas(nt::folder_record) std::array<std::byte, 1 << 15> buffer;
+  const nt::folder_record* at = nullptr;
   bool is_new = true;
   DWORD error = ERROR_SUCCESS;
 };
@@ -48,12 +56,11 @@ folder_reader::folder_reader(const held_folder& folder) : state_(new state) { st
 folder_reader::~folder_reader() = default;
 
 bool folder_reader::next(found_entry& out) {
-  while (const nt::entry_record* const record = state_->next()) {
+  while (const nt::folder_record* const record = state_->next()) {
     const std::wstring_view name(record->name, record->name_bytes / sizeof(wchar_t));
     if (is_dots(name)) continue;
     out.name.assign(name);
-    nt::set_facts(record->attributes, record->tag, static_cast<unsigned long long>(record->size.QuadPart),
-                  out);
+    static_cast<entry_facts&>(out) = facts_of(*record);
     return true;
   }
   return false;

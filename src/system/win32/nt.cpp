@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <memory>
 
+#include "system/win32/facts.hpp"
+
 namespace ruvo::platform::nt {
 
 namespace {
@@ -28,7 +30,7 @@ struct calls {
   read_call read = find<read_call>("NtQueryDirectoryFile");
   ask_call ask = find<ask_call>("NtQueryInformationFile");
   error_call error = find<error_call>("RtlNtStatusToDosError");
-  // Wine opens what a link leads to, even when it is told to open the link.
+  // Wine opens what a link leads to, even when the link itself is asked for.
   bool follows_links = find<void (*)()>("wine_get_version") != nullptr;
 };
 
@@ -74,7 +76,7 @@ bool read_index(HANDLE opened, unsigned long long& out) noexcept {
 
 /// A folder's own word on what has a name in it: no link, and the very folder that is open.
 bool lists_as_itself(HANDLE folder, const std::wstring& name, HANDLE opened) {
-  handle fresh;  // a folder that was read already tells what it was
+  handle fresh;  // a folder that was read already gives what it was
   const manner to_list{FILE_LIST_DIRECTORY | SYNCHRONIZE, manner().sharing, FILE_OPEN, FILE_DIRECTORY_FILE};
   UNICODE_STRING mask;
   alignas(identified_record) std::array<std::byte, 1024> buffer;
@@ -140,43 +142,15 @@ DWORD read_records(HANDLE folder, void* buffer, ULONG size, bool from_start) {
   return query(folder, buffer, size, full_records, nullptr, from_start);
 }
 
-bool leads_elsewhere(DWORD attributes, DWORD tag) noexcept {
-  return attributes & FILE_ATTRIBUTE_REPARSE_POINT && (!tag || IsReparseTagNameSurrogate(tag));
-}
-
-void set_facts(DWORD attributes, DWORD tag, unsigned long long size, found_facts& out) noexcept {
-  out.is_folder = attributes & FILE_ATTRIBUTE_DIRECTORY;
-  out.is_link = leads_elsewhere(attributes, tag);
-  out.size = out.is_folder ? 0 : size;
-}
-
-found_facts facts_of(HANDLE opened) noexcept {
-  FILE_ATTRIBUTE_TAG_INFO found{FILE_ATTRIBUTE_REPARSE_POINT, 0};
-  if (!GetFileInformationByHandleEx(opened, FileAttributeTagInfo, &found, sizeof found)) {
-    BY_HANDLE_FILE_INFORMATION older;
-    if (GetFileInformationByHandle(opened, &older)) found.FileAttributes = older.dwFileAttributes;
-  }
-  found_facts out;
-  out.is_folder = found.FileAttributes & FILE_ATTRIBUTE_DIRECTORY;
-  out.is_link = leads_elsewhere(found.FileAttributes, found.ReparseTag);
-  return out;
-}
-
 // Wine asks another process for the volume's number, which takes longer than all the rest.
 bool identify(HANDLE opened, entry_identity& out) noexcept {
-  if (!opened) return false;
-  if (system().follows_links) return read_index(opened, out.index);
-  BY_HANDLE_FILE_INFORMATION found;
-  if (!GetFileInformationByHandle(opened, &found)) return false;
-  out.volume = found.dwVolumeSerialNumber;
-  out.index = static_cast<unsigned long long>(found.nFileIndexHigh) << 32 | found.nFileIndexLow;
-  return true;
+  return system().follows_links ? opened && read_index(opened, out.index) : read_identity(opened, out);
 }
 
 bool is_what_is_named(HANDLE folder, const std::wstring& name, HANDLE opened) {
   if (!system().follows_links) return true;
-  return facts_of(opened).is_folder ? lists_as_itself(folder, name, opened)
-                                    : is_named_so(folder, name, opened);
+  return kind_of(opened).is_folder ? lists_as_itself(folder, name, opened)
+                                   : is_named_so(folder, name, opened);
 }
 
 bool is_what_is_at(const std::wstring& path, HANDLE opened) {

@@ -23,7 +23,7 @@ struct manner {
 DWORD open(HANDLE folder, const std::wstring& name, const manner& how, handle& out);
 
 /// What a folder says of one entry.
-struct entry_record {
+struct folder_record {
   ULONG next;
   ULONG index;
   LARGE_INTEGER times[4];
@@ -38,18 +38,11 @@ struct entry_record {
 /// Reads the next records of a folder. Gives ERROR_SUCCESS, ERROR_NO_MORE_FILES or the number of the failure.
 DWORD read_records(HANDLE folder, void* buffer, ULONG size, bool from_start);
 
-/// Whether the attributes and the tag are those of what leads elsewhere. Other reparse points stand for what
-/// they hold: files kept in a cloud, or compressed.
-bool leads_elsewhere(DWORD attributes, DWORD tag) noexcept;
-
-void set_facts(DWORD attributes, DWORD tag, unsigned long long size, found_facts& out) noexcept;
-
-/// What an open file or folder is, with no size; something that leads elsewhere if the system does not tell.
-found_facts facts_of(HANDLE opened) noexcept;
+/// What is open; under Wine its volume is left out.
 bool identify(HANDLE opened, entry_identity& out) noexcept;
 
 /// Whether what was opened under a name in a folder is what has the name there: not so if the system has
-/// followed a link although it was told not to, as Wine does.
+/// followed a link although it was asked not to, as Wine does.
 bool is_what_is_named(HANDLE folder, const std::wstring& name, HANDLE opened);
 /// The same of a full path.
 bool is_what_is_at(const std::wstring& path, HANDLE opened);

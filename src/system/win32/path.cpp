@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "base/ascii.hpp"
+#include "system/win32/text.hpp"
 #include "system/win32/win32.hpp"
 
 namespace ruvo::platform {
@@ -20,13 +21,7 @@ bool is_full(std::wstring_view path) {
 
 /// The system's full name of a short relative path.
 std::wstring full_path(const wchar_t* path) {
-  std::wstring out(MAX_PATH, L'\0');
-  for (;;) {
-    const DWORD length = GetFullPathNameW(path, static_cast<DWORD>(out.size()), out.data(), nullptr);
-    const bool fits = length < out.size();
-    out.resize(length);
-    if (fits) return out;
-  }
+  return text_from([path](wchar_t* out, DWORD size) { return GetFullPathNameW(path, size, out, nullptr); });
 }
 
 /// The folder that a relative path starts from.

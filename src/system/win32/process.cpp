@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "system/win32/text.hpp"
 #include "system/win32/win32.hpp"
 
 namespace ruvo::platform {
@@ -25,20 +26,16 @@ unsigned long process_id() noexcept { return GetCurrentProcessId(); }
 void init_com() noexcept { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
 
 bool environment_variable(const std::wstring& name, std::wstring& value) {
-  std::wstring out(128, L'\0');
-  for (;;) {
+  std::wstring out = text_from([&](wchar_t* room, DWORD size) {
     SetLastError(ERROR_SUCCESS);
-    const DWORD length = GetEnvironmentVariableW(name.c_str(), out.data(), static_cast<DWORD>(out.size()));
-    if (!length && GetLastError() != ERROR_SUCCESS) return false;
-    const bool fits = length < out.size();
-    out.resize(length);
-    if (fits) break;
-  }
+    return GetEnvironmentVariableW(name.c_str(), room, size);
+  });
+  if (out.empty() && GetLastError() != ERROR_SUCCESS) return false;
   value = std::move(out);
   return true;
 }
 
-// GetVersionEx tells what the program's manifest asks for; this one tells the truth, and has no import
+// GetVersionEx gives what the program's manifest asks for; this one gives the truth, and has no import
 // library.
 bool read_system_facts(system_facts& out) {
   using read_version = LONG(WINAPI*)(OSVERSIONINFOEXW*);
@@ -58,18 +55,10 @@ bool read_system_facts(system_facts& out) {
 }
 
 std::wstring module_path(void* module) {
-  constexpr std::size_t longest = 32768;
-  std::wstring out(MAX_PATH, L'\0');
-  for (;;) {
-    const DWORD size = static_cast<DWORD>(out.size());
-    const DWORD length = GetModuleFileNameW(static_cast<HMODULE>(module), out.data(), size);
-    if (!length) return {};
-    if (length < size || out.size() >= longest) {
-      out.resize(length);
-      return out;
-    }
-    out.resize(longest);
-  }
+  return text_from([module](wchar_t* out, DWORD size) {
+    const DWORD length = GetModuleFileNameW(static_cast<HMODULE>(module), out, size);
+    return length < size ? length : 2 * size;  // a path that does not fit is cut off
+  });
 }
 
 }  // namespace ruvo::platform
