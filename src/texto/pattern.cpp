@@ -3,6 +3,7 @@
 #include <ruvo/texto.hpp>
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
