@@ -163,7 +163,7 @@ TEST_F(patterns_and_texts, all_small_ones) {
 
 TEST_F(patterns_and_texts, random_ones) {
   dice chance(20240517);
-  for (unsigned i = 0; i < 4000 * rounds(); ++i) {
+  for (unsigned i = 0; i < 2500 * rounds(); ++i) {
     const part made = random_pattern(chance, 3);
     const texts all = {random_text(chance, 4), random_text(chance, 9), random_text(chance, 9)};
     const std::wstring with = chance.joined(
