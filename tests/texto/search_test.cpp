@@ -85,6 +85,10 @@ TEST(mask, modes_without_wildcards) {
     }
   }
   const std::wstring large(5000000, L'a');
+  for (const wchar_t* const mask : {L"ab*", L"ab**", L"*", L"a*b*", L"*?b", L"??"})
+    EXPECT_TRUE(texto::match_mask(L"ab", mask, 0)) << mask;
+  for (const wchar_t* const mask : {L"ab?", L"a*a", L"?", L"*b?", L"b*"})
+    EXPECT_FALSE(texto::match_mask(L"ab", mask, 0)) << mask;
   EXPECT_FALSE(texto::match_mask(large, L"a*a*a*a*b", 0));
   EXPECT_TRUE(texto::match_mask(large + L"b", L"a*a*a*a*b", 0));
 }
