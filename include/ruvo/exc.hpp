@@ -15,7 +15,7 @@
 /// selects on.
 /// @quirk Some numbers stand for two classes (jsonEmptyKey and jsonFalseKnot, BadCastInterface and
 /// UnLoadModule, getObjectException and getObjectTypeException, actionNotFound and xmlLoadException): callers
-/// tell them apart by type, and exception::raise() gives a copy its type again.
+/// distinguish them by type, and exception::raise() gives a copy its type again.
 /// @quirk The messages of jsonUnKnowValue ("carcter") and of a hook without an override ("apllicación") are
 /// spelled so, and those of xmlBadFormated and xmlCachePointer are the same.
 namespace ruvo::exc {

@@ -1,3 +1,5 @@
+// How the details of failures are made and added to texts.
+
 #include "exc/detail.hpp"
 
 #include <memory>

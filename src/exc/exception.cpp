@@ -1,3 +1,5 @@
+// The one type of errors: its code, its message and its report.
+
 #include <ruvo/exception.hpp>
 
 #include <charconv>
