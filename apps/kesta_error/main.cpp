@@ -82,7 +82,7 @@ bool is_of_library(const ruvo::exception& code) {
 }
 
 /// A family's own code is shown as what makes it. Empty for what has no class.
-std::wstring class_of(const error_row& row) {
+std::wstring shown_class(const error_row& row) {
   std::wstring name(row.name);
   if (row.shape != error_shape::place) return name;
   if (name == L"Incorrect") return {};
@@ -94,7 +94,7 @@ bool add_classes(std::wstring& out, const ruvo::exception& code) {
   bool found = false;
   for (const error_row& row : detail::errors) {
     if (row.text.empty() || code != row.code()) continue;
-    const std::wstring name = class_of(row);
+    const std::wstring name = shown_class(row);
     if (!name.empty()) line(out, L"CLASS", name + L" : " + std::wstring(row.base));
     line(out, L"MESSAGE", std::wstring(row.text));
     found = true;

@@ -16,7 +16,7 @@ namespace {
 
 using shared_text = std::shared_ptr<const std::wstring>;
 
-std::wstring text_of(const shared_text& text) { return text ? *text : std::wstring(); }
+std::wstring text_or_empty(const shared_text& text) { return text ? *text : std::wstring(); }
 
 void replace(shared_text& text, const std::wstring& by) noexcept {
   try {
@@ -33,14 +33,14 @@ MissingElement::MissingElement(const char* what) : std::out_of_range(what) {}
 MissingElement::MissingElement(const MissingElement& other) noexcept = default;
 MissingElement& MissingElement::operator=(const MissingElement& other) noexcept = default;
 MissingElement::~MissingElement() = default;
-std::wstring MissingElement::get_detail() const { return text_of(detail_); }
+std::wstring MissingElement::get_detail() const { return text_or_empty(detail_); }
 void MissingElement::set_detail(const std::wstring& detail) noexcept { replace(detail_, detail); }
 
 NullValue::NullValue() noexcept = default;
 NullValue::NullValue(const NullValue& other) noexcept = default;
 NullValue& NullValue::operator=(const NullValue& other) noexcept = default;
 NullValue::~NullValue() = default;
-std::wstring NullValue::get_detail() const { return text_of(detail_); }
+std::wstring NullValue::get_detail() const { return text_or_empty(detail_); }
 void NullValue::set_detail(const std::wstring& detail) noexcept { replace(detail_, detail); }
 
 }  // namespace exc
@@ -57,7 +57,7 @@ std::wstring quoted(std::wstring_view text) {
   if (text.size() <= most) {
     out.append(text);
   } else {
-    const bool between_surrogates = (text[most] & 0xFC00) == 0xDC00;
+    const bool between_surrogates = texto::is_low_surrogate(text[most]);
     out.append(text.substr(0, between_surrogates ? most - 1 : most)).push_back(L'\x2026');
   }
   out.push_back(L'"');

@@ -68,13 +68,13 @@ constexpr raiser raisers[] = {
 #include <ruvo/exc_catalogue.hpp>
 };
 
-const error_row* find(std::wstring_view name) {
+const error_row* row_of(std::wstring_view name) {
   const auto* const row = std::ranges::find(errors, name, &error_row::name);
   return row == std::end(errors) ? nullptr : row;
 }
 
 std::wstring_view base_of(std::wstring_view name) {
-  const error_row* const row = find(name);
+  const error_row* const row = row_of(name);
   return row ? row->base : general;
 }
 
@@ -100,7 +100,7 @@ std::wstring_view class_of(const exception& failure) {
 }
 
 raiser raiser_of(std::wstring_view name) {
-  const error_row* const row = find(name);
+  const error_row* const row = row_of(name);
   if (row) return raisers[row - errors];
   return name == module ? raise_as<kesta::exception> : raise_as<exception>;
 }

@@ -1,3 +1,5 @@
+// The moment of a clock change in a year.
+
 #include "system/zone_rules.hpp"
 
 #include "base/civil.hpp"

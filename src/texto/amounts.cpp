@@ -26,7 +26,7 @@ constexpr row hundreds = {L"",           L"Ciento",      L"Doscientos",  L"Tresc
 /// Whether a number stands alone or before a noun, where a final "uno" is shortened.
 enum class place { alone, before_noun };
 
-void add(std::wstring& out, const wchar_t* word) {
+void append_word(std::wstring& out, const wchar_t* word) {
   if (!out.empty()) out.push_back(L' ');
   out.append(word);
 }
@@ -35,31 +35,31 @@ void add(std::wstring& out, const wchar_t* word) {
 void add_below_hundred(std::wstring& out, unsigned int n, place where) {
   const unsigned int ten = n / 10, unit = n % 10;
   const bool shorten = unit == 1 && where == place::before_noun;
-  if (ten == 2) return add(out, shorten ? L"Veintiún" : twenties[unit]);
-  if (ten == 1) return add(out, unit ? teens[unit] : tens[1]);
-  if (ten) add(out, tens[ten]);
-  if (ten && unit) add(out, L"y");
-  if (unit) add(out, shorten ? L"Un" : units[unit]);
+  if (ten == 2) return append_word(out, shorten ? L"Veintiún" : twenties[unit]);
+  if (ten == 1) return append_word(out, unit ? teens[unit] : tens[1]);
+  if (ten) append_word(out, tens[ten]);
+  if (ten && unit) append_word(out, L"y");
+  if (unit) append_word(out, shorten ? L"Un" : units[unit]);
 }
 
 /// 0 to 999; nothing for 0.
 void add_group(std::wstring& out, unsigned int n, place where) {
-  if (n == 100) return add(out, L"Cien");
-  if (n >= 100) add(out, hundreds[n / 100]);
+  if (n == 100) return append_word(out, L"Cien");
+  if (n >= 100) append_word(out, hundreds[n / 100]);
   if (n % 100) add_below_hundred(out, n % 100, where);
 }
 
 /// 0 to 999999; nothing for 0.
 void add_below_million(std::wstring& out, unsigned int n, place where) {
   if (n >= 2000) add_group(out, n / 1000, place::before_noun);
-  if (n >= 1000) add(out, L"Mil");
+  if (n >= 1000) append_word(out, L"Mil");
   add_group(out, n % 1000, where);
 }
 
 /// A number of something, itself below a million; nothing for 0.
 void add_counted(std::wstring& out, unsigned int n, const wchar_t* one, const wchar_t* many) {
   add_below_million(out, n, place::before_noun);
-  if (n) add(out, n == 1 ? one : many);
+  if (n) append_word(out, n == 1 ? one : many);
 }
 
 }  // namespace
@@ -76,11 +76,11 @@ std::wstring cifras_letras(double amount) {
 
   constexpr unsigned long long million = 1000000;
   std::wstring out = amount < 0 ? L"Menos" : L"";
-  if (whole == 0) add(out, L"Cero");
+  if (whole == 0) append_word(out, L"Cero");
   add_counted(out, static_cast<unsigned int>(whole / million / million), L"Billón", L"Billones");
   add_counted(out, static_cast<unsigned int>(whole / million % million), L"Millón", L"Millones");
   add_below_million(out, static_cast<unsigned int>(whole % million), place::alone);
-  if (cents) add(out, L"con");
+  if (cents) append_word(out, L"con");
   add_counted(out, cents, L"Céntimo", L"Céntimos");
   return out;
 }

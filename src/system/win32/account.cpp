@@ -1,3 +1,5 @@
+// The account of the process: its name, its domain and its identifier.
+
 #include "system/account.hpp"
 
 #include <cstddef>
@@ -38,7 +40,7 @@ bool account_of(PSID sid, std::wstring& user, std::wstring& domain) {
   return known;
 }
 
-std::wstring text_of(PSID sid) {
+std::wstring sid_text(PSID sid) {
   wchar_t* made = nullptr;
   if (!ConvertSidToStringSidW(sid, &made)) return {};
   const local_text owner(made, LocalFree);
@@ -52,7 +54,7 @@ bool current_account(std::wstring& user, std::wstring& domain, std::wstring& sid
   if (token.empty()) return false;
   const PSID account = reinterpret_cast<TOKEN_USER*>(token.data())->User.Sid;
   if (!account_of(account, user, domain)) return false;
-  sid = text_of(account);
+  sid = sid_text(account);
   return !sid.empty();
 }
 

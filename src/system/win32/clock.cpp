@@ -1,3 +1,5 @@
+// The system's clocks.
+
 #include "system/clock.hpp"
 
 #include "system/win32/win32.hpp"

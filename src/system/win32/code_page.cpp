@@ -1,3 +1,5 @@
+// Conversions by the system's code pages.
+
 #include "system/code_page.hpp"
 
 #include <cstddef>

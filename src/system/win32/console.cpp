@@ -1,3 +1,5 @@
+// The standard outputs, and a console where there is none.
+
 #include "system/console.hpp"
 
 #include <algorithm>

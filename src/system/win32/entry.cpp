@@ -1,3 +1,5 @@
+// What stands at a path, by the system's records.
+
 #include "system/entry.hpp"
 
 #include <vector>

@@ -1,3 +1,5 @@
+// Error numbers, their texts, and lines for a debugger.
+
 #include "system/errors.hpp"
 
 #include "system/win32/text.hpp"

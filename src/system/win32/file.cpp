@@ -1,3 +1,5 @@
+// Files read, written, copied, renamed and removed.
+
 #include "system/file.hpp"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// The entries of a folder, read in blocks.
+
 #include "system/folder_reader.hpp"
 
 #include <array>

@@ -1,3 +1,5 @@
+// Identifiers from the system.
+
 #include "system/guid.hpp"
 
 #include <algorithm>

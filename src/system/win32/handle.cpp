@@ -1,3 +1,5 @@
+// What the system holds open, closed once.
+
 #include "system/handle.hpp"
 
 #include "system/win32/win32.hpp"

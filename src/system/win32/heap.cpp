@@ -1,3 +1,5 @@
+// Whether two modules take their memory from one heap.
+
 #include <ruvo/heap.hpp>
 
 #if !defined(KESTA_STATIC)

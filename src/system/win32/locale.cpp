@@ -1,3 +1,5 @@
+// Separators, names of days and months by the system's locales.
+
 #include "system/locale.hpp"
 
 #include <cstddef>

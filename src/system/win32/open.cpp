@@ -1,3 +1,5 @@
+// Files and folders opened by name, and bytes written whole.
+
 #include "system/win32/open.hpp"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Paths in the form that takes any length and any name.
+
 #include "system/win32/path.hpp"
 
 #include <algorithm>
@@ -25,7 +27,7 @@ std::wstring full_path(const wchar_t* path) {
 }
 
 /// The folder that a relative path starts from.
-std::wstring base_of(std::wstring_view path) {
+std::wstring starting_folder(std::wstring_view path) {
   if (path.starts_with(L'\\')) return full_path(L"\\");
   if (!texto::has_drive(path)) return full_path(L".");
   const wchar_t current[] = {path[0], L':', L'.', L'\0'};
@@ -77,7 +79,7 @@ std::wstring system_path(std::wstring_view path) {
   const std::wstring_view tail = path.substr(texto::has_drive(path) ? 2 : 0);
   if (tail.find(L':') != tail.npos) return {};
   if (is_full(path)) return with_prefix(path);
-  std::wstring base = base_of(path);
+  std::wstring base = starting_folder(path);
   if (!is_full(base)) return {};
   base.append(L"\\").append(tail);
   return base.starts_with(verbatim) ? base : with_prefix(base);

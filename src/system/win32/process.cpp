@@ -1,3 +1,5 @@
+// The process, its module and the version of the system.
+
 #include "system/process.hpp"
 
 #include <cstddef>

@@ -1,3 +1,5 @@
+// A thread's pointer in a fiber slot.
+
 #include "system/thread_slot.hpp"
 
 #include "system/win32/win32.hpp"

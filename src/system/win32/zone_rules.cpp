@@ -1,3 +1,5 @@
+// The rules of the user's zone for a year, kept for a second.
+
 #include "system/zone_rules.hpp"
 
 #include <algorithm>

@@ -1,5 +1,7 @@
 #pragma once
 
+// What can be wrong with a pattern.
+
 #include <cstdint>
 
 namespace ruvo::texto::regex {

@@ -1,5 +1,7 @@
 #pragma once
 
+// The first stage of the engine: from a pattern to its tree.
+
 #include <string_view>
 
 #include "texto/regex/ast.hpp"
