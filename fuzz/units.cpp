@@ -17,6 +17,7 @@
 #include "fuzz.hpp"
 #include "memory/text_sink.hpp"
 #include "serializer/scan.hpp"
+#include "serializer/xml/grammar.hpp"
 #include "support/plain_utf.hpp"
 #include "texto/case_units.hpp"
 

@@ -14,13 +14,9 @@
 
 #include <ruvo/serializer.hpp>
 
-#include <cstddef>
-#include <cstdint>
 #include <iosfwd>
 #include <memory>
 #include <string>
-#include <string_view>
-#include <vector>
 
 namespace ruvo::serializer {
 
@@ -109,75 +105,13 @@ class KESTA_API xml_reader : public ireader {
 
  private:
   friend class xml;
-  friend struct xml_reading;
-
-  enum class state : std::int32_t {
-    start,
-    metadata,
-    tag,
-    key,
-    quality_key,
-    quality_value,
-    value,
-    comment,
-    cdata
-  };
-  enum class tag : std::int32_t { start, qualified_start, end, empty, qualified_empty };
-
-  struct open_node {
-    std::size_t name;  // where it begins in open_names_
-    xvar* value;
-  };
-
-  /// Resolves the entities.
-  static void unescape(std::wstring& out, std::wstring_view text);
-
-  void on_start(wchar_t c);
-  void on_metadata(wchar_t c);
-  void on_tag(wchar_t c, exception& result);
-  void on_key(wchar_t c, exception& result);
-  void on_tag_end(exception& result);
-  void on_quality_key(wchar_t c);
-  void on_quality_value(wchar_t c);
-  void on_value(wchar_t c);
-  void on_comment(wchar_t c);
-  void on_cdata(wchar_t c);
-  /// Comments and CDATA sections end at '>' behind two of `mark`, which are collected in name_text_.
-  void on_section(wchar_t c, wchar_t mark);
-
-  /// Makes the element that name_text_ names, if any, and forgets the name.
-  void create_element(exception& result);
-  /// The element that was opened last gets children.
-  void push_current();
-  /// Where an element with this name belongs; a value that was there before is gone.
-  xvar& place(std::wstring_view name);
-  /// How many children the innermost element may get: as many as the last one at its depth.
-  std::size_t expected_size() const noexcept;
-  /// Remembers the size of an element that is complete, and gives back the room that it doesn't need.
-  void note_size();
-  static void become_list(xvar& repeated);
-  void store_quality();
-  void fix_value();
-  void close(std::wstring_view name, exception& result);
-  void clear_element() noexcept;
-  std::wstring_view innermost_name() const noexcept;
-  void pop_node() noexcept;
+  class machine;
 
   /// Takes as much as it can at once, with the outcome of on_char for each character, and returns the first
   /// character that it leaves to on_char.
   const wchar_t* take_tokens(const wchar_t* at, const wchar_t* end);
 
-  std::vector<open_node> open_nodes_;  // the outermost first
-  std::wstring open_names_;            // of all of them, one after the other
-  bool backslash_seen_ = false;
-  xvar* current_ = nullptr;  // the element whose start tag was read last, while it has no children
-  std::wstring current_key_;
-  tag tag_kind_ = tag::start;
-  std::wstring value_text_, name_text_, attribute_name_, attribute_value_;
-  wchar_t quote_ = L'\0';  // inside an attribute's value
-  state state_ = state::start;
-  std::wstring scratch_;
-  std::vector<std::uint32_t> sizes_;  // by depth, of the element completed last
+  std::unique_ptr<machine> machine_;
 };
 
 /// Reads and writes XML. An object is used by one thread at a time and may be used again and again.

@@ -29,7 +29,7 @@ namespace {
 
 constexpr std::size_t most_expected = 64;  // values for which a new container makes room at once
 
-const wchar_t* skip_blanks(const wchar_t* at, const wchar_t* end) noexcept {
+const wchar_t* skip_meaningless(const wchar_t* at, const wchar_t* end) noexcept {
   while (at != end && (*at < 34 || *at >= 126)) ++at;
   return at;
 }
@@ -111,7 +111,7 @@ struct json_reading {
     if (last == first || last == end || *last != L'"') return false;
     const wchar_t* const colon = find_either(last + 1, end, L'"', L':');
     if (colon == end || *colon != L':') return false;
-    at = skip_blanks(colon + 1, end);
+    at = skip_meaningless(colon + 1, end);
     const folded_key key(std::wstring_view(first, static_cast<std::size_t>(last - first)));
     const auto target = [&]() -> xvar& {
       return bundle_access::made_store(in, expected(4)).put(key_view(key.view()))->second;
@@ -123,7 +123,7 @@ struct json_reading {
   bool elements() {
     list& in = cell::as_list(*reader.open_nodes_.back());
     const auto target = [&in]() -> xvar& { return in.on_back(); };
-    while ((at = skip_blanks(at, end)) != end) {
+    while ((at = skip_meaningless(at, end)) != end) {
       if (*at == L']' || *at == L'}') {
         close();
         return true;

@@ -8,12 +8,6 @@ namespace ruvo::serializer {
 
 namespace {
 
-/// The characters of public identifiers (XML 1.0, section 2.3).
-constexpr bool is_public(wchar_t c) noexcept {
-  return texto::is_alnum(c) ||
-         std::wstring_view(L" \r\n-'()+,./:=?;!*#@$_%").find(c) != std::wstring_view::npos;
-}
-
 /// Passes over a document type declaration (XML 1.0, section 2.8); nothing of it is kept. References between
 /// the declarations and in the values of entities only have to be written well.
 class document_type_reader : xml_cursor {

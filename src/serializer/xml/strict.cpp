@@ -3,11 +3,13 @@
 #include <ruvo/well_formed_xml.hpp>
 
 #include <algorithm>
+#include <cstddef>
+#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "base/ascii.hpp"
-#include "serializer/scan.hpp"
 #include "serializer/xml/dtd.hpp"
 #include "serializer/xml/strict_cursor.hpp"
 #include "serializer/xml/tree.hpp"
@@ -28,6 +30,39 @@ bool is_encoding(std::wstring_view value) noexcept {
 }
 bool is_standalone(std::wstring_view value) noexcept { return value == L"yes" || value == L"no"; }
 
+/// The text of an element while it is read.
+class xml_text {
+ public:
+  void clear() noexcept {
+    text_.clear();
+    solid_ = 0;
+  }
+  /// Blanks at the ends are lost.
+  void add(std::wstring_view part) {
+    const wchar_t* const end = part.data() + part.size();
+    if (solid_ == 0) part = between(skip_blanks(part.data(), end), end);
+    text_ += part;
+    std::size_t size = part.size();
+    while (size > 0 && is_blank(part[size - 1])) --size;
+    if (size > 0) solid_ = text_.size() - (part.size() - size);
+  }
+  /// What is added here until end_verbatim() is kept as it is.
+  std::wstring& verbatim() noexcept {
+    verbatim_from_ = text_.size();
+    return text_;
+  }
+  void end_verbatim() noexcept {
+    if (text_.size() > verbatim_from_) solid_ = text_.size();
+  }
+
+  std::wstring_view text() const noexcept { return std::wstring_view(text_).substr(0, solid_); }
+
+ private:
+  std::wstring text_;
+  std::size_t solid_ = 0;  // without the blanks at the end that may be lost
+  std::size_t verbatim_from_ = 0;
+};
+
 /// Reads a document once. What is not well-formed is thrown as a kind of exc::XMLException.
 class document_reader : xml_cursor {
  public:
@@ -47,12 +82,12 @@ class document_reader : xml_cursor {
     while (depth_ > 0) content();
     miscellany();
     if (at_ != end_) refuse(at_);
-    return tree_.take_document();
+    return std::move(document_);
   }
 
  private:
   void declaration() {
-    if (!rest().starts_with(L"<?xml") || rest().size() == 5 || !is_xml_blank(at_[5])) return;
+    if (!rest().starts_with(L"<?xml") || rest().size() == 5 || !is_blank(at_[5])) return;
     at_ += 5;
     skip_blanks();
     declared(L"version", is_version);
@@ -79,9 +114,10 @@ class document_reader : xml_cursor {
 
   /// A tag with what follows it, up to its end.
   void start_tag() {
-    tree_.open(name());
+    tree_.open(document_, name());
     ++depth_;
     text_.clear();
+    aliases_.clear();
     for (;;) {
       const bool apart = skip_blanks();
       if (take(L'>')) return;
@@ -99,7 +135,8 @@ class document_reader : xml_cursor {
     equals_sign();
     value_.clear();
     attribute_value(value_);
-    if (!tree_.set_attribute(its_name, value_)) refuse(its_name.data());
+    const auto [stored_as, is_new] = tree_.set_attribute(its_name, value_);
+    if (!is_new && (stored_as == its_name || !aliases_.insert(its_name).second)) refuse(its_name.data());
   }
 
   void content() {
@@ -148,13 +185,16 @@ class document_reader : xml_cursor {
   }
 
   void close() {
-    tree_.close(text_.text());
+    if (tree_.leaf()) tree_.set_text(text_.text());
+    tree_.close();
     --depth_;
   }
 
+  bundle document_;
   xml_tree tree_;
-  xml_text text_;       // since the last tag
-  std::wstring value_;  // of the attribute that was read last
+  std::set<std::wstring_view> aliases_;  // attributes of the leaf that took the place of another one
+  xml_text text_;                        // since the last tag
+  std::wstring value_;                   // of the attribute that was read last
 };
 
 }  // namespace

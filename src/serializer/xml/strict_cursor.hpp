@@ -10,65 +10,13 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "base/ascii.hpp"
 #include "serializer/places.hpp"
-#include "serializer/scan.hpp"
+#include "serializer/xml/grammar.hpp"
 
 namespace ruvo::serializer {
-
-struct range {
-  char16_t first, last;
-};
-
-template <std::size_t count>
-constexpr bool is_in(const range (&ranges)[count], wchar_t c) noexcept {
-  const auto unit = static_cast<char16_t>(c);
-  for (const range& r : ranges)
-    if (unit <= r.last) return unit >= r.first;
-  return false;
-}
-
-// The names of XML 1.0, section 2.3, below U+10000.
-inline constexpr range name_starts[] = {
-    {':', ':'},       {'A', 'Z'},       {'_', '_'},       {'a', 'z'},       {0xC0, 0xD6},
-    {0xD8, 0xF6},     {0xF8, 0x2FF},    {0x370, 0x37D},   {0x37F, 0x1FFF},  {0x200C, 0x200D},
-    {0x2070, 0x218F}, {0x2C00, 0x2FEF}, {0x3001, 0xD7FF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD}};
-inline constexpr range name_others[] = {
-    {'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040}};
-
-constexpr bool starts_name(wchar_t c) noexcept { return texto::is_alpha(c) || is_in(name_starts, c); }
-constexpr bool continues_name(wchar_t c) noexcept { return starts_name(c) || is_in(name_others, c); }
-
-/// Whether every document may hold the character, which is no surrogate.
-constexpr bool is_allowed(wchar_t c) noexcept {
-  const auto unit = static_cast<char16_t>(c);
-  return unit >= 0x20 ? unit < 0xFFFE : is_xml_blank(c);
-}
-
-constexpr bool stands_for_itself(wchar_t c) noexcept {
-  const auto unit = static_cast<char16_t>(c);
-  return unit >= 0x20 && unit < 0xD800 && c != L'<' && c != L'&';
-}
-
-inline constexpr std::uint32_t beyond_unicode = 0x110000;
-
-struct entity {
-  std::wstring_view name;
-  wchar_t meant;
-};
-inline constexpr entity entities[] = {
-    {L"amp", L'&'}, {L"lt", L'<'}, {L"gt", L'>'}, {L"apos", L'\''}, {L"quot", L'"'}};
-
-inline std::wstring_view between(const wchar_t* first, const wchar_t* last) noexcept {
-  return {first, static_cast<std::size_t>(last - first)};
-}
-
-/// xml in any case, which no processing instruction may be called.
-inline bool is_reserved(std::wstring_view name) noexcept {
-  return name.size() == 3 && texto::to_lower(name[0]) == L'x' && texto::to_lower(name[1]) == L'm' &&
-         texto::to_lower(name[2]) == L'l';
-}
 
 /// A place in a text. What cannot stand there is thrown as exc::xmlBadFormated.
 class xml_cursor {
@@ -104,8 +52,7 @@ class xml_cursor {
     return between(from, at_);
   }
   bool skip_blanks() noexcept {
-    const wchar_t* const from = at_;
-    while (at_ != end_ && is_xml_blank(*at_)) ++at_;
+    const wchar_t* const from = std::exchange(at_, serializer::skip_blanks(at_, end_));
     return at_ != from;
   }
   void expect_blanks() {
@@ -206,7 +153,7 @@ class xml_cursor {
         reference(out);
       } else {
         const std::wstring_view one = character();
-        out += is_xml_blank(one[0]) ? std::wstring_view(L" ") : one;
+        out += is_blank(one[0]) ? std::wstring_view(L" ") : one;
       }
     }
   }
@@ -233,8 +180,8 @@ class xml_cursor {
     if (take(L'#')) return character_reference(out, from);
     const std::wstring_view its_name = name();
     expect(L";");
-    for (const entity& e : entities)
-      if (e.name == its_name) return out.push_back(e.meant);
+    for (const xml_entity& entity : xml_entities)
+      if (entity.name == its_name) return out.push_back(entity.meant);
     refuse(from);
   }
 

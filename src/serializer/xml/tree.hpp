@@ -1,110 +1,101 @@
 #pragma once
 
-// What a reader of XML makes of elements: members, lists of what repeats, qualities, texts.
+// What the readers of XML make of elements: members, lists of what repeats, qualities, texts.
 
 #include <ruvo/bundle.hpp>
 #include <ruvo/list.hpp>
 
-#include <set>
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include "serializer/scan.hpp"
+#include "serializer/usual_sizes.hpp"
 #include "values/bundle_store.hpp"
 #include "values/cell.hpp"
 
 namespace ruvo::serializer {
 
-/// The text of an element while it is read.
-class xml_text {
- public:
-  void clear() noexcept {
-    text_.clear();
-    solid_ = 0;
-  }
-  /// Blanks at the ends are lost.
-  void add(std::wstring_view part) {
-    std::size_t blanks = 0;
-    if (solid_ == 0) {
-      while (blanks < part.size() && is_xml_blank(part[blanks])) ++blanks;
-      part.remove_prefix(blanks);
-    }
-    text_ += part;
-    std::size_t size = part.size();
-    while (size > 0 && is_xml_blank(part[size - 1])) --size;
-    if (size > 0) solid_ = text_.size() - (part.size() - size);
-  }
-  /// What is added here until end_verbatim() is kept as it is.
-  std::wstring& verbatim() noexcept {
-    verbatim_from_ = text_.size();
-    return text_;
-  }
-  void end_verbatim() noexcept {
-    if (text_.size() > verbatim_from_) solid_ = text_.size();
-  }
-
-  std::wstring_view text() const noexcept { return std::wstring_view(text_).substr(0, solid_); }
-
- private:
-  std::wstring text_;
-  std::size_t solid_ = 0;  // without the blanks at the end that may be lost
-  std::size_t verbatim_from_ = 0;
-};
-
-/// Makes the elements. A document that is given up is destroyed with it.
+/// The elements that are open. The one that was opened last is a leaf until another one is opened inside it:
+/// it has a text or nothing. All of them are the caller's.
 class xml_tree {
  public:
+  void clear() noexcept {
+    open_.clear();
+    names_.clear();
+    has_leaf_ = false;
+  }
+
+  bool empty() const noexcept { return open_.empty(); }
+  /// How many elements are open, without the leaf.
+  std::size_t depth() const noexcept { return open_.size() - (has_leaf_ ? 1 : 0); }
+  /// The value of the leaf, or null.
+  xvar* leaf() const noexcept { return has_leaf_ ? open_.back().value : nullptr; }
   /// The name of the innermost element.
-  std::wstring_view name() const noexcept { return open_.back().name; }
-
-  /// `name` must outlive the element.
-  void open(std::wstring_view name) {
-    xvar& element = place(name);
-    open_.push_back({name, &element});
-    aliases_.clear();
+  std::wstring_view name() const noexcept {
+    return std::wstring_view(names_).substr(open_.back().name, open_.back().length);
   }
 
-  /// False when the innermost element has the attribute already.
-  bool set_attribute(std::wstring_view name, std::wstring_view value) {
-    xvar::qualities_map& qualities = open_.back().value->hack_qualities();
-    const auto [at, made] = qualities.try_emplace(std::wstring(name));
-    if (!made && (at->first == name || !aliases_.insert(name).second)) return false;
-    at->second.clear();
-    detail::cell::set_text(at->second, value);
-    return true;
+  /// An element inside the innermost one, whose text is lost. Outside of all it becomes a member of
+  /// `document` in place of what had its name.
+  void open(bundle& document, std::wstring_view name) {
+    if (has_leaf_) detail::cell::on_bundle(*leaf());
+    has_leaf_ = false;
+    const std::size_t from = names_.size();
+    names_ += name;
+    open_.push_back({from, name.size(), &place(document, name)});
+    has_leaf_ = true;
   }
 
-  /// The innermost element is complete; `text` is its value unless it got children.
-  void close(std::wstring_view text) {
-    var& value = *open_.back().value;
-    if (detail::cell::kind_of(value) == detail::kind::null) {
-      detail::cell::set_text(value, text);
-    } else if (detail::cell::kind_of(value) == detail::kind::bundle) {
-      bundle& children = detail::cell::as_bundle(value);
-      detail::bundle_access::set(children,
-                                 detail::bundle_store::fitted(detail::bundle_access::store(children)));
-    }
+  void set_text(std::wstring_view text) {
+    var& value = *leaf();
+    value.clear();
+    detail::cell::set_text(value, text);
+  }
+
+  /// Sets an attribute of the leaf. Names that differ in case only are one: the name that the leaf has it
+  /// under, and whether it is new.
+  std::pair<std::wstring_view, bool> set_attribute(std::wstring_view name, std::wstring_view text) {
+    xvar::qualities_map& qualities = leaf()->hack_qualities();
+    const std::size_t before = qualities.size();
+    auto& [key, value] = *qualities.try_emplace(qualities.end(), std::wstring(name));
+    value.clear();
+    detail::cell::set_text(value, text);
+    return {key, qualities.size() > before};
+  }
+
+  /// The innermost element is complete.
+  void close() {
+    var& complete = *open_.back().value;
+    if (!has_leaf_ && detail::cell::kind_of(complete) == detail::kind::bundle)
+      sizes_.fit(depth(), detail::cell::as_bundle(complete));
+    has_leaf_ = false;
+    names_.resize(open_.back().name);
     open_.pop_back();
   }
 
-  bundle take_document() noexcept { return std::move(document_); }
-
  private:
   struct open_element {
-    std::wstring_view name;
+    std::size_t name, length;  // where its name is in names_
     xvar* value;
   };
 
   /// Where an element with this name belongs.
-  xvar& place(std::wstring_view name) {
+  xvar& place(bundle& document, std::wstring_view name) {
     const detail::folded_key folded(name);
     const detail::key_view key(folded.view());
-    if (open_.empty()) return detail::bundle_access::made_store(document_, 1).add(key)->second;
+    if (open_.empty()) {
+      xvar& outermost = detail::bundle_access::made_store(document, 1).put(key)->second;
+      static_cast<var&>(outermost).clear();
+      outermost.clear_qualities();
+      return outermost;
+    }
     xvar& parent = *open_.back().value;
     if (detail::cell::kind_of(parent) != detail::kind::list) {
-      detail::bundle_store& children = detail::bundle_access::made_store(detail::cell::on_bundle(parent));
+      const std::size_t room = std::max<std::size_t>(sizes_.at(depth(), 4), 1);
+      detail::bundle_store& children =
+          detail::bundle_access::made_store(detail::cell::on_bundle(parent), room);
       if (!children.find(key)) return children.add(key)->second;
       become_list(parent);
     }
@@ -116,20 +107,26 @@ class xml_tree {
   }
 
   static void become_list(var& repeated) {
-    list items;
-    for (auto& [key, child] : detail::cell::as_bundle(repeated)) {
-      xvar& item = add_item(items, detail::key_view(key));
-      static_cast<var&>(item) = static_cast<var&&>(child);
-      std::swap(detail::cell::qualities(item), detail::cell::qualities(child));
-    }
+    bundle& children = detail::cell::as_bundle(repeated);
+    list made;
+    made.reserve(children.size() + 1);
+    for (const auto& child : children) add_item(made, detail::key_view(child.first));
     var whole;
-    detail::cell::set_box(whole, detail::kind::list, std::move(items));
+    list& items = detail::cell::set_box(whole, detail::kind::list, std::move(made));
+    // From here on nothing can fail, and nothing is lost.
+    auto item = items.begin();
+    for (auto& child : children) {
+      xvar& to = detail::cell::as_bundle(*item++).begin()->second;
+      static_cast<var&>(to) = static_cast<var&&>(child.second);
+      std::swap(detail::cell::qualities(to), detail::cell::qualities(child.second));
+    }
     repeated = std::move(whole);
   }
 
-  bundle document_;
-  std::vector<open_element> open_;       // the outermost first
-  std::set<std::wstring_view> aliases_;  // attributes of the innermost element that another one hides
+  std::vector<open_element> open_;  // the outermost first
+  std::wstring names_;              // of all of them, one after the other
+  bool has_leaf_ = false;
+  usual_sizes sizes_;
 };
 
 }  // namespace ruvo::serializer

@@ -10,7 +10,6 @@
 
 #include "base/numbers.hpp"
 #include "serializer/number_text.hpp"
-#include "serializer/scan.hpp"
 #include "serializer/xml/emitter.hpp"
 #include "serializer/xml/strict_cursor.hpp"
 #include "values/cell.hpp"
