@@ -16,7 +16,7 @@
 #include "base/utf.hpp"
 #include "fuzz.hpp"
 #include "memory/text_sink.hpp"
-#include "serializer/scan.hpp"
+#include "serializer/json/grammar.hpp"
 #include "serializer/xml/grammar.hpp"
 #include "support/plain_utf.hpp"
 #include "texto/case_units.hpp"

@@ -21,7 +21,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace ruvo::serializer {
 
@@ -193,45 +192,13 @@ class KESTA_API json_reader : public ireader {
 
  private:
   friend class json;
-  friend struct json_reading;
-
-  enum class state : std::int32_t { start, key, value, string, number, boolean, null, object, array };
-
-  /// Resolves \", \\ and \n; the character behind a dropped backslash is looked at afresh.
-  static void unescape(std::wstring& out, std::wstring_view text);
-
-  void on_start(wchar_t c, exception& result);
-  void on_key(wchar_t c);
-  void on_value(wchar_t c, exception& result);
-  void on_string(wchar_t c, exception& result);
-  void on_number(wchar_t c, exception& result);
-  void on_boolean(wchar_t c, exception& result);
-  void on_null(wchar_t c, exception& result);
-  void on_object(wchar_t c, exception& result);
-  void on_array(wchar_t c, exception& result);
-  void on_word(wchar_t c, std::wstring_view word, const xvar& value, exception& result);
-  void on_value_end(wchar_t c, exception& result);
-
-  void open_container(bool as_list, exception& result);
-  void close_node();
-  void clear_buffers() noexcept;
-  bool in_list() const noexcept;
-  bool in_bundle() const noexcept;
-  /// Where the value that was read belongs, or null with a failure in `result`.
-  xvar* place(exception& result);
-  xvar read_number(std::wstring_view text) const;
-  void store(const xvar& value, exception& result);
+  class machine;
 
   /// Takes as many whole tokens as it can at once, with the outcome of on_char for each character, and
   /// returns the first character that it leaves to on_char.
   const wchar_t* take_tokens(const wchar_t* at, const wchar_t* end);
 
-  state state_ = state::start;
-  std::vector<xvar*> open_nodes_;  // the outermost first
-  std::wstring value_text_, key_text_;
-  bool escape_pending_ = false, in_key_quotes_ = false, in_string_ = false, has_fraction_point_ = false;
-  std::wstring scratch_;
-  std::vector<std::uint32_t> sizes_;  // by depth, of the container closed last
+  std::unique_ptr<machine> machine_;
 };
 
 // --- JSON

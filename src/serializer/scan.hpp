@@ -56,26 +56,4 @@ inline const Unit* find_either(const Unit* at, const Unit* end, Unit a, Unit b) 
   return at;
 }
 
-/// Whether the unit is written in another way: control characters (0-31 and 127), quote and backslash.
-constexpr bool is_escaped(wchar_t c) noexcept { return c < 32 || c == L'"' || c == L'\\' || c == 127; }
-
-/// The first unit of [at, end) that is_escaped(), or end.
-template <class Unit>
-inline const Unit* find_escaped(const Unit* at, const Unit* end) noexcept {
-#ifdef KESTA_X64
-  if constexpr (texto::unit_16<Unit>) {
-    const __m128i quote = _mm_set1_epi16('"'), backslash = _mm_set1_epi16('\\'), del = _mm_set1_epi16(127);
-    const __m128i last_control = _mm_set1_epi16(31), zero = _mm_setzero_si128();
-    const auto hits = [=](__m128i units) {
-      const __m128i controls = _mm_cmpeq_epi16(_mm_subs_epu16(units, last_control), zero);
-      const __m128i marks = _mm_or_si128(_mm_cmpeq_epi16(units, quote), _mm_cmpeq_epi16(units, backslash));
-      return _mm_or_si128(_mm_or_si128(controls, marks), _mm_cmpeq_epi16(units, del));
-    };
-    if (find_in_eights(at, end, hits)) return at;
-  }
-#endif
-  while (at != end && !is_escaped(*at)) ++at;
-  return at;
-}
-
 }  // namespace ruvo::serializer

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/ascii.hpp"
+#include "serializer/json/grammar.hpp"
 #include "serializer/places.hpp"
 
 namespace ruvo::serializer {
@@ -18,8 +19,6 @@ enum class token { end, scalar, string, open_object, open_array, close_object, c
 bool is_open(token t) noexcept { return t == token::open_object || t == token::open_array; }
 bool is_close(token t) noexcept { return t == token::close_object || t == token::close_array; }
 
-bool is_blank(wchar_t c) noexcept { return c == L' ' || c == L'\t' || c == L'\n' || c == L'\r'; }
-
 /// Blanks elsewhere, not in JSON: the other ones of Unicode, and the byte order mark.
 bool is_foreign_blank(wchar_t c) noexcept {
   const auto unit = static_cast<char16_t>(c);
@@ -30,8 +29,7 @@ bool is_foreign_blank(wchar_t c) noexcept {
 
 bool ends_word(wchar_t c) noexcept {
   if (texto::is_alnum(c)) return false;
-  return std::wstring_view(L"{}[]:,\"/").find(c) != std::wstring_view::npos || is_blank(c) ||
-         is_foreign_blank(c);
+  return is_json_sign(c) || c == L'/' || is_blank(c) || is_foreign_blank(c);
 }
 
 /// The part of a text that a sentence shows.
@@ -78,43 +76,6 @@ const wchar_t* number_fault(std::wstring_view word) noexcept {
     if (digits() == 0) return L"falta el exponente";
   }
   return more() ? L"sobran caracteres" : nullptr;
-}
-
-// --- names
-
-/// The unit that the four hexadecimal digits at the beginning stand for, or -1.
-int hex_unit(std::wstring_view digits) noexcept {
-  if (digits.size() < 4) return -1;
-  int unit = 0;
-  for (const wchar_t c : digits.substr(0, 4)) {
-    const int value = texto::hex_value(c);
-    if (value < 0) return -1;
-    unit = unit * 16 + value;
-  }
-  return unit;
-}
-
-/// What a string says; escapes that there are not stay as they stand.
-std::wstring decoded(std::wstring_view inside) {
-  std::wstring out;
-  for (std::size_t at = 0; at < inside.size(); ++at) {
-    if (inside[at] != L'\\' || at + 1 == inside.size()) {
-      out += inside[at];
-      continue;
-    }
-    const wchar_t c = inside[++at];
-    const std::size_t simple = std::wstring_view(L"\"\\/bfnrt").find(c);
-    const int unit = c == L'u' ? hex_unit(inside.substr(at + 1)) : -1;
-    if (unit >= 0) {
-      out += static_cast<wchar_t>(unit);
-      at += 4;
-    } else if (simple != std::wstring_view::npos) {
-      out += L"\"\\/\b\f\n\r\t"[simple];
-    } else {
-      out += {L'\\', c};
-    }
-  }
-  return out;
 }
 
 // --- findings
@@ -238,7 +199,7 @@ class scanner {
     if (texto::is_digit(it[0]) || it[0] == L'-' || it[0] == L'+' || it[0] == L'.') {
       if (const wchar_t* const fault = number_fault(it))
         out_.add(rule::number, start_, L"El número " + shown(it) + L" no es correcto: " + fault + L".");
-    } else if (it != L"true" && it != L"false" && it != L"null") {
+    } else if (const json_word* const word = find_word(it[0]); !word || it != word->text) {
       out_.add(rule::literal, start_, shown(it) + L" no es un valor: sólo hay true, false y null.");
     }
   }
@@ -293,8 +254,8 @@ class scanner {
     if (!more()) return;  // the string is not closed, which is told
     const wchar_t c = text_[at_];
     if (c == L'u') return unicode_escape(from);
-    const bool known = std::wstring_view(L"\"\\/bfnrt").find(c) != std::wstring_view::npos;
-    if (!known) out_.add(rule::escape, from, shown(text_.substr(from, 2)) + L" no es un escape.");
+    if (!meaning_of_escape(c))
+      out_.add(rule::escape, from, shown(text_.substr(from, 2)) + L" no es un escape.");
     if (static_cast<char16_t>(c) >= 0x20 && !is_surrogate(c)) ++at_;
   }
 

@@ -1,10 +1,5 @@
 #include <ruvo/serializer.hpp>
 
-#include <algorithm>
-#include <cstddef>
-#include <limits>
-#include <string_view>
-
 #include "serializer/deserialize.hpp"
 
 namespace ruvo::serializer {
@@ -39,48 +34,5 @@ bool json::deserialize(bundle& out, const std::wstring& in, exception* err, int)
 }
 
 void json::limit_indentation(unsigned long levels) noexcept { writer_->limit_indentation(levels); }
-
-namespace {
-
-std::wstring indented(std::wstring_view text, std::size_t most_levels) {
-  constexpr std::size_t step = 4;
-  std::wstring out;
-  std::size_t level = 0;
-  bool in_string = false;
-  const auto new_line = [&] {
-    out += L'\n';
-    out.append(step * std::min(level, most_levels), L' ');
-  };
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const wchar_t c = text[at];
-    if (c == L'"' && (at == 0 || text[at - 1] != L'\\')) in_string = !in_string;
-    const bool closes = !in_string && (c == L'}' || c == L']');
-    if (closes) {
-      if (level > 0) --level;  // an unmatched bracket stays at the margin
-      new_line();
-    }
-    out += c;
-    if (in_string || closes) continue;
-    if (c == L'{' || c == L'[') {
-      ++level;
-      new_line();
-    } else if (c == L',') {
-      new_line();
-    } else if (c == L':') {
-      out += L' ';
-    }
-  }
-  return out;
-}
-
-}  // namespace
-
-std::wstring json::printJsonFormateado(std::wstring text) {
-  return indented(text, std::numeric_limits<std::size_t>::max());
-}
-
-std::wstring json::printJsonFormateado(std::wstring text, unsigned long levels) {
-  return indented(text, levels);
-}
 
 }  // namespace ruvo::serializer

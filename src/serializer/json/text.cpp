@@ -94,87 +94,6 @@ class text_escaper {
   std::vector<var*> later_;
 };
 
-/// Writes the tokens of a JSON text one after the other. What goes between two tokens is known when the
-/// second one comes.
-class json_printer {
- public:
-  explicit json_printer(std::wstring_view text) : text_(text) { out_.reserve(text.size() + text.size() / 4); }
-
-  std::wstring print() {
-    while (at_ < text_.size()) token(text_[at_]);
-    return std::move(out_);
-  }
-
- private:
-  enum class gap { none, blank, line };
-  static constexpr std::size_t step = 2, most_indentation = 20 * step;
-
-  void token(wchar_t c) {
-    switch (c) {
-      case L'"':
-        return put(end_of_string());
-      case L'{':
-      case L'[':
-        put(at_ + 1);
-        ++level_;
-        gap_ = gap::line;
-        opened_ = true;
-        return;
-      case L'}':
-      case L']':
-        if (level_ > 0) --level_;
-        gap_ = opened_ ? gap::none : gap::line;
-        return put(at_ + 1);
-      case L',':
-      case L':':
-        gap_ = gap::none;
-        put(at_ + 1);
-        gap_ = c == L',' ? gap::line : gap::blank;
-        return;
-      default:
-        if (is_space(c)) return skip_blank();
-        return put(end_of_word());
-    }
-  }
-
-  void skip_blank() {
-    ++at_;
-    if (gap_ == gap::none) gap_ = level_ == 0 ? gap::line : gap::blank;
-  }
-
-  /// Writes the gap and the token that ends at `end`.
-  void put(std::size_t end) {
-    if (gap_ == gap::blank) out_ += L' ';
-    if (gap_ == gap::line && !out_.empty()) {
-      out_ += L'\n';
-      out_.append(std::min(step * level_, most_indentation), L' ');
-    }
-    out_.append(text_, at_, end - at_);
-    at_ = end;
-    gap_ = gap::none;
-    opened_ = false;
-  }
-
-  std::size_t end_of_string() const {
-    std::size_t at = at_ + 1;
-    while (at < text_.size() && text_[at] != L'"') at += text_[at] == L'\\' ? 2 : 1;
-    return std::min(at + 1, text_.size());
-  }
-  std::size_t end_of_word() const {
-    const auto ends = [](wchar_t c) {
-      return is_space(c) || std::wstring_view(L"\"{}[],:").find(c) != std::wstring_view::npos;
-    };
-    const auto first = text_.begin() + static_cast<std::ptrdiff_t>(at_);
-    return static_cast<std::size_t>(std::find_if(first, text_.end(), ends) - text_.begin());
-  }
-
-  std::wstring_view text_;
-  std::size_t at_ = 0, level_ = 0;
-  gap gap_ = gap::none;  // before the next token
-  bool opened_ = false;  // the last token opened a container
-  std::wstring out_;
-};
-
 bool begins_document(std::wstring_view text) {
   const auto first = std::find_if_not(text.begin(), text.end(), is_space);
   return first != text.end() && (*first == L'{' || *first == L'[');
@@ -192,8 +111,6 @@ std::wstring& escaped_to_json(std::wstring& text) {
 }
 
 void escaped_to_json(bundle& values, bool nested) { text_escaper(nested).run(values); }
-
-std::wstring print_json(std::wstring text) { return json_printer(text).print(); }
 
 void decodifica_memo(binary& out, std::wstring memo) { out.setAsB64(memo); }
 

@@ -10,8 +10,8 @@
 #include <typeinfo>
 
 #include "serializer/json/emitter.hpp"
+#include "serializer/json/grammar.hpp"
 #include "serializer/number_text.hpp"
-#include "serializer/scan.hpp"
 
 namespace ruvo::serializer {
 
@@ -20,8 +20,6 @@ using detail::cell;
 using detail::kind;
 
 namespace {
-
-constexpr const wchar_t* array_key = L"__json_array__";
 
 /// What stands for a character that needs an escape: two units, or a blank for a control character without
 /// one.
