@@ -1,3 +1,5 @@
+// What readers and writers of every format share: positions and indentation.
+
 #include <ruvo/serializer.hpp>
 
 #include <algorithm>

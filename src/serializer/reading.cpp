@@ -1,3 +1,5 @@
+// All failures of a reading, and places in a text.
+
 #include <ruvo/bundle.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/reading.hpp>

@@ -1,3 +1,5 @@
+// The reader and the writer of JSON in one object.
+
 #include <ruvo/serializer.hpp>
 
 #include "serializer/deserialize.hpp"

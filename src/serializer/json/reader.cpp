@@ -1,3 +1,5 @@
+// The lenient reader of JSON.
+
 #include <ruvo/exc.hpp>
 #include <ruvo/serializer.hpp>
 

@@ -1,3 +1,5 @@
+// Texts of JSON inside values: escaped line breaks, and what a memo holds.
+
 #include <ruvo/binary.hpp>
 #include <ruvo/bundle.hpp>
 #include <ruvo/list.hpp>

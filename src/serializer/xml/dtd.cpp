@@ -1,3 +1,5 @@
+// Passing over the document type of XML.
+
 #include "serializer/xml/dtd.hpp"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// The lenient reader of XML.
+
 #include <ruvo/exc.hpp>
 #include <ruvo/xml.hpp>
 

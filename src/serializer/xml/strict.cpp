@@ -1,3 +1,5 @@
+// The strict reader of XML: declaration, elements, attributes, texts.
+
 #include <ruvo/bundle.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/well_formed_xml.hpp>

@@ -1,3 +1,5 @@
+// The reader and the writer of XML in one object.
+
 #include <ruvo/xml.hpp>
 
 #include "serializer/deserialize.hpp"
