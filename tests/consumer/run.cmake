@@ -42,7 +42,7 @@ file(WRITE ${work}/other/CMakeLists.txt "cmake_minimum_required(VERSION 3.25)
 project(other LANGUAGES NONE)
 set(CMAKE_CXX_COMPILER_ID Other)
 set(CMAKE_SIZEOF_VOID_P 8)
-find_package(kesta 0.1 CONFIG REQUIRED PATHS ${prefix} NO_DEFAULT_PATH)
+find_package(kesta 0.2 CONFIG REQUIRED PATHS ${prefix} NO_DEFAULT_PATH)
 ")
 refused("serves programs for Windows built by .*compiler is 'Other'"
   ${CMAKE_COMMAND} -S ${work}/other -B ${work}/other/build -G ${generator})
