@@ -229,14 +229,22 @@ class json_reader::machine {
 
   void open(xvar* value, bool as_list) {
     if (!value) return;
-    tree_.open(*value, as_list);
+    enter(*value, as_list);
     clear_buffers();
-    state_ = as_list ? state::array : state::object;
   }
 
   void close() {
-    tree_.close();
+    leave();
     clear_buffers();
+  }
+
+  void enter(xvar& value, bool as_list) {
+    tree_.open(value, as_list);
+    state_ = as_list ? state::array : state::object;
+  }
+
+  void leave() {
+    tree_.close();
     state_ = tree_.in_list() ? state::array : state::object;
   }
 
@@ -269,7 +277,7 @@ class json_reader::machine {
         case L'}':
         case L']':
           ++at_;
-          close();
+          leave();
           return true;
         case L'{':
           return false;
@@ -298,7 +306,7 @@ class json_reader::machine {
     while ((at_ = skip_meaningless(at_, end_)) != end_) {
       if (*at_ == L']' || *at_ == L'}') {
         ++at_;
-        close();
+        leave();
         return true;
       }
       if (*at_ == L',') {
@@ -320,7 +328,7 @@ class json_reader::machine {
         return string(target);
       case L'{':
       case L'[':
-        open(&target(), *at_ == L'[');
+        enter(target(), *at_ == L'[');
         ++at_;
         return step::moved;
       case L't':

@@ -52,9 +52,14 @@ class json_tree {
 
   /// The innermost container, if any, is complete.
   void close() {
-    if (in_list()) sizes_.note(depth(), innermost_list().size());
-    if (in_object()) sizes_.fit(depth(), *innermost_object(nullptr));
-    if (!open_.empty()) open_.pop_back();
+    if (open_.empty()) return;
+    const var& complete = *open_.back();
+    if (detail::cell::kind_of(complete) == detail::kind::list) {
+      sizes_.note(depth(), detail::cell::as_list(complete).size());
+    } else if (detail::cell::kind_of(complete) == detail::kind::bundle) {
+      sizes_.fit(depth(), detail::cell::as_bundle(complete));
+    }
+    open_.pop_back();
   }
 
  private:

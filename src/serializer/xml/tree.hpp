@@ -23,7 +23,6 @@ class xml_tree {
  public:
   void clear() noexcept {
     open_.clear();
-    names_.clear();
     has_leaf_ = false;
   }
 
@@ -42,8 +41,8 @@ class xml_tree {
   void open(bundle& document, std::wstring_view name) {
     if (has_leaf_) detail::cell::on_bundle(*leaf());
     has_leaf_ = false;
-    const std::size_t from = names_.size();
-    names_ += name;
+    const std::size_t from = open_.empty() ? 0 : open_.back().name + open_.back().length;
+    names_.replace(from, std::wstring::npos, name);
     open_.push_back({from, name.size(), &place(document, name)});
     has_leaf_ = true;
   }
@@ -71,7 +70,6 @@ class xml_tree {
     if (!has_leaf_ && detail::cell::kind_of(complete) == detail::kind::bundle)
       sizes_.fit(depth(), detail::cell::as_bundle(complete));
     has_leaf_ = false;
-    names_.resize(open_.back().name);
     open_.pop_back();
   }
 
@@ -124,7 +122,7 @@ class xml_tree {
   }
 
   std::vector<open_element> open_;  // the outermost first
-  std::wstring names_;              // of all of them, one after the other
+  std::wstring names_;              // one after the other; behind the innermost one, what is left of others
   bool has_leaf_ = false;
   usual_sizes sizes_;
 };
