@@ -1,7 +1,7 @@
 #pragma once
 
 // Whether a text is JSON as RFC 8259 defines it. The reader (ruvo::serializer::json) passes over most of what
-// is reported here.
+// is reported here. Nothing is read: the strict reader of XML in <ruvo/well_formed_xml.hpp> is another thing.
 //
 //   for (const auto& finding : ruvo::serializer::check_json(text))
 //     std::wcerr << finding.line << L':' << finding.column << L' ' << finding.what << L'\n';

@@ -1,6 +1,7 @@
 #pragma once
 
-// Reading XML of other origin, strictly, into the shape that ruvo::serializer::xml gives.
+// Reading XML of other origin, strictly, into the shape that ruvo::serializer::xml gives. It stops at the first
+// fault. JSON has a check instead, which reads nothing and reports all faults: <ruvo/json_check.hpp>.
 //
 //   ruvo::bundle document;
 //   ruvo::exception failure;
