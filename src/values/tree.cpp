@@ -1,28 +1,22 @@
-// Copying and destroying nested values without recursion, so that depth costs no stack.
+// Copying, searching and destroying nested values.
 
 #include <ruvo/binary.hpp>
 #include <ruvo/memo.hpp>
 
 #include <cstddef>
 #include <functional>
-#include <vector>
 
 #include "base/simd.hpp"
-#include "values/bundle_store.hpp"
-#include "values/cell.hpp"
 #include "values/object.hpp"
+#include "values/walk.hpp"
 
 namespace ruvo::detail {
 
 namespace {
 
-template <class Visit>
-void for_each_value(const bundle& in, Visit visit) {
-  const bundle_store* const store = bundle_access::store(in);
-  for (std::size_t n = 0; store && n < store->size(); ++n) visit(store->nth(n)->second);
-}
-
-/// Takes containers out of their cells and destroys them when nothing nested is left in them.
+/// Takes containers out of their cells and destroys them when nothing nested is left in them. No visitor of
+/// the walk, whose stack may lack memory and whose places would go with what is destroyed: here the
+/// containers themselves are chained, in no order.
 class reaper {
  public:
   void take(var& v) noexcept {
@@ -43,7 +37,8 @@ class reaper {
         unmake(gone);
       }
       if (boxed<bundle>* const gone = pop(bundles_)) {
-        for_each_value(gone->value, [this](xvar& v) { take_all(v); });
+        const bundle_store* const store = bundle_access::store(gone->value);
+        for (std::size_t n = 0; store && n < store->size(); ++n) take_all(store->nth(n)->second);
         unmake(gone);
       }
     }
@@ -80,9 +75,17 @@ class reaper {
   boxed<bundle>* bundles_ = nullptr;
 };
 
-/// Copies cells; containers are made empty first and filled one after the other.
-class copier {
+/// Where the copies of a container's values go.
+struct copied_to {
+  list* copies = nullptr;
+  bundle_store* copied_members = nullptr;
+};
+
+/// Copies cells. A container is made with room for all its values, which never move, and filled by the walk.
+class copier : public visitor {
  public:
+  using frame = walk<const xvar, copied_to>::frame;
+
   void copy(var& to, const var& from) {
     switch (cell::kind_of(from)) {
       case kind::text:
@@ -95,16 +98,33 @@ class copier {
       case kind::object:
         return cell::set_pointer(to, kind::object, cell::pointer<object>(from)->clone());
       case kind::list:
-        cell::set_box(to, kind::list, list());
-        return later(to, from);
+        return copy(cell::set_box(to, kind::list, list()), cell::as_list(from));
       case kind::bundle:
-        cell::set_box(to, kind::bundle, bundle());
-        return later(to, from);
+        return copy(cell::set_box(to, kind::bundle, bundle()), bundle_access::store(cell::as_bundle(from)));
       default:
         to = from;  // held inside the cell
     }
   }
+  void copy(list& to, const list& from) {
+    list::vector room;
+    room.reserve(from.size());
+    to.swap(room);
+    walk_.open(from).copies = &to;
+  }
+  void copy(bundle& to, const bundle_store* from) {
+    if (!from) return;
+    bundle_store* const made = bundle_store::like(*from);
+    bundle_access::set(to, made);
+    walk_.open(from).copied_members = made;
+  }
 
+  void run() { walk_.run(*this); }
+  void element(const frame& f, const xvar& v) { copy_all(f.copies->emplace_back(), v); }
+  void member(const frame& f, const std::wstring&, const xvar& v) {
+    copy_all(f.copied_members->nth(f.taken - 1)->second, v);
+  }
+
+ private:
   void copy_all(xvar& to, const xvar& from) {
     copy(to, from);
     const auto* const qualities = cell::qualities(from);
@@ -113,60 +133,26 @@ class copier {
     for (const auto& [key, value] : *qualities) copy(made->try_emplace(made->end(), key)->second, value);
   }
 
-  bundle_store* copy_entries(const bundle_store& from) {
-    bundle_store* const made = bundle_store::like(from);
-    try {
-      for (std::size_t n = 0; n < from.size(); ++n) copy_all(made->nth(n)->second, from.nth(n)->second);
-    } catch (...) {
-      bundle_store::drop(made);
-      throw;
-    }
-    return made;
-  }
-
-  void run() {
-    while (!later_.empty()) {
-      const auto [to, from] = later_.back();
-      later_.pop_back();
-      if (cell::kind_of(*from) == kind::list) {
-        const list& source = cell::as_list(*from);
-        list& target = cell::as_list(*to);
-        list::vector room;  // the elements must not move any more
-        room.reserve(source.size());
-        target.swap(room);
-        for (const xvar& v : source) copy_all(target.emplace_back(), v);
-      } else if (const bundle_store* const source = bundle_access::store(cell::as_bundle(*from))) {
-        bundle_access::set(cell::as_bundle(*to), copy_entries(*source));
-      }
-    }
-  }
-
- private:
-  void later(var& to, const var& from) { later_.emplace_back(&to, &from); }
-
-  std::vector<std::pair<var*, const var*>> later_;
+  walk<const xvar, copied_to> walk_;
 };
 
 /// Looks for the place of a text in a bundle.
-class text_search {
+class text_search : public visitor {
  public:
   explicit text_search(std::wstring_view text) noexcept
       : at_(text.data()), looks_(text.size() / units_copied_in_a_look) {}
 
   bool may_be_in(const bundle& whole) {
-    look_into(whole);
-    while (!found_ && !open_.empty()) {
-      const var& container = *open_.back();
-      open_.pop_back();
-      if (cell::kind_of(container) == kind::bundle) {
-        look_into(cell::as_bundle(container));
-      } else {
-        for (const xvar& v : cell::as_list(container)) {
-          if (look_at_all(v)) break;
-        }
-      }
-    }
+    walk_.open(whole);
+    walk_.run(*this);
     return found_;
+  }
+
+  void element(const walk<>::frame&, const xvar& v) {
+    if (look_at_all(v)) walk_.stop();
+  }
+  void member(const walk<>::frame&, const std::wstring& key, const xvar& v) {
+    if (is_in(key) || look_at_all(v)) walk_.stop();
   }
 
  private:
@@ -174,7 +160,7 @@ class text_search {
 
   bool is_in(std::wstring_view held) noexcept {
     const std::less_equal<> before;  // of any two addresses
-    return found_ = found_ || (before(held.data(), at_) && before(at_, held.data() + held.size()));
+    return found_ = before(held.data(), at_) && before(at_, held.data() + held.size());
   }
 
   bool look_at(const var& v) {
@@ -190,7 +176,7 @@ class text_search {
         return found_ = true;  // knows best what it holds
       case kind::list:
       case kind::bundle:
-        open_.push_back(&v);
+        walk_.open_held(v);
         return false;
       default:
         return false;
@@ -206,18 +192,10 @@ class text_search {
     return look_at(v);
   }
 
-  void look_into(const bundle& in) {
-    const bundle_store* const store = bundle_access::store(in);
-    for (std::size_t n = 0; store && n < store->size(); ++n) {
-      const bundle::entry* const each = store->nth(n);
-      if (is_in(each->first) || look_at_all(each->second)) return;
-    }
-  }
-
   const wchar_t* at_;
   std::size_t looks_;
   bool found_ = false;
-  std::vector<const var*> open_;
+  walk<> walk_;
 };
 
 }  // namespace
@@ -241,7 +219,7 @@ void copy_tree(var& to, const var& from) {
 bundle_store* copy_store(const bundle_store& from) {
   copier work;
   bundle made;
-  bundle_access::set(made, work.copy_entries(from));
+  work.copy(made, &from);
   work.run();
   return bundle_access::detach(made);
 }

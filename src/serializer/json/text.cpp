@@ -15,7 +15,7 @@
 
 #include "base/ascii.hpp"
 #include "base/utf.hpp"
-#include "values/cell.hpp"
+#include "values/walk.hpp"
 
 namespace ruvo::texto {
 
@@ -55,45 +55,43 @@ std::size_t count_escapes(std::wstring_view text) {
   return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), has_escape));
 }
 
-/// Escapes the texts of a bundle and, with `nested`, of the containers inside it. What is still to be done
-/// waits in a list, so that depth costs no stack.
-class text_escaper {
+/// Escapes the texts of a bundle and, with `nested`, of the containers inside it.
+class text_escaper : public detail::visitor {
  public:
+  using walk = detail::walk<xvar>;
+
   explicit text_escaper(bool nested) : nested_(nested) {}
 
   void run(bundle& values) {
-    members(values);
-    while (!later_.empty()) {
-      var& v = *later_.back();
-      later_.pop_back();
-      if (cell::kind_of(v) == kind::bundle) {
-        members(cell::as_bundle(v));
-      } else {
-        for (xvar& element : cell::as_list(v)) value(element);
-      }
-    }
+    walk_.open(values);
+    walk_.run(*this);
   }
 
+  void member(const walk::frame&, const std::wstring&, xvar& v) { value(v); }
+  void element(const walk::frame&, xvar& v) { value(v); }
+
  private:
-  void members(bundle& values) {
-    for (auto& entry : values) value(entry.second);
-  }
   void value(var& v) {
     if (cell::is_container(v)) {
-      if (nested_) later_.push_back(&v);
-    } else if (cell::kind_of(v) == kind::memo) {
+      if (nested_) walk_.open_held(v);
+    } else if (cell::is_text(v) || cell::kind_of(v) == kind::memo) {
+      escape(v);
+    }
+  }
+  static void escape(var& v) {
+    if (cell::kind_of(v) == kind::memo) {
       memo& held = *cell::pointer<memo>(v);
       if (const std::size_t escapes = count_escapes(held.to_string()))
         held = escaped(held.to_string(), escapes);
     } else if (cell::kind_of(v) == kind::string_text) {
       escaped_to_json(cell::on_string(v));  // callers may hold a reference to it
-    } else if (cell::is_text(v)) {
-      if (const std::size_t escapes = count_escapes(cell::text(v))) v = escaped(cell::text(v), escapes);
+    } else if (const std::size_t escapes = count_escapes(cell::text(v))) {
+      v = escaped(cell::text(v), escapes);
     }
   }
 
   bool nested_;
-  std::vector<var*> later_;
+  walk walk_;
 };
 
 bool begins_document(std::wstring_view text) {
