@@ -84,6 +84,8 @@ class KESTA_API iwriter {
  protected:
   iwriter() noexcept;
 
+  friend class layout;
+
   /// One level deeper, when tabulated.
   /// @quirk The first push in the writer's life adds no tab.
   void push_tab();
@@ -137,8 +139,6 @@ class KESTA_API json_writer : public iwriter {
   bool raw_xvar(std::wostringstream& out, std::wstring& key, const xvar& value, exception& result);
 
  private:
-  friend class json_emitter;
-
   bool null_as_empty_;
 };
 

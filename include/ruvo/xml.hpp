@@ -59,9 +59,6 @@ class KESTA_API xml_writer : public iwriter {
   /// @quirk A bundle in the list is written without an element of its own, its qualities are lost; any other
   /// value becomes an element "item".
   bool raw_list(std::wostringstream& out, const list& in, exception& result);
-
- private:
-  friend class xml_emitter;
 };
 
 /// Members in key order.

@@ -1,3 +1,5 @@
+// Writing JSON: the text of scalars, and the walk over what holds them.
+
 #include <ruvo/binary.hpp>
 #include <ruvo/date.hpp>
 #include <ruvo/datetime.hpp>
@@ -5,19 +7,21 @@
 #include <ruvo/time.hpp>
 
 #include <cstddef>
-#include <cstdint>
 #include <sstream>
 #include <typeinfo>
+#include <utility>
 
-#include "serializer/json/emitter.hpp"
 #include "serializer/json/grammar.hpp"
 #include "serializer/number_text.hpp"
+#include "serializer/writing.hpp"
 
 namespace ruvo::serializer {
 
 using detail::bundle_access;
 using detail::cell;
+using detail::holder;
 using detail::kind;
+using detail::order;
 
 namespace {
 
@@ -65,25 +69,8 @@ void put_quoted(text_sink& out, std::wstring_view text, bool escaped) {
   out.advance(to);
 }
 
-/// Lends the store of a bundle to an xvar, for calls that take one.
-class lent_bundle {
- public:
-  explicit lent_bundle(const bundle& in) {
-    bundle_access::set(cell::set_box(value_, kind::bundle, bundle()), bundle_access::store(in));
-  }
-  lent_bundle(const lent_bundle&) = delete;
-  lent_bundle& operator=(const lent_bundle&) = delete;
-  ~lent_bundle() { bundle_access::detach(cell::as_bundle(value_)); }
-
-  const xvar& value() const noexcept { return value_; }
-
- private:
-  xvar value_;
-};
-
-}  // namespace
-
-void put_json_scalar(text_sink& out, const xvar& value, bool escaped, bool null_as_empty) {
+/// See json_writer::raw_value.
+void put_scalar(text_sink& out, const xvar& value, bool escaped, bool null_as_empty) {
   switch (cell::kind_of(value)) {
     case kind::null:
       return null_as_empty ? out.put_literal(L"\"\"") : out.put_literal(L"null");
@@ -107,14 +94,151 @@ void put_json_scalar(text_sink& out, const xvar& value, bool escaped, bool null_
   }
 }
 
-namespace {
+/// Lends the store of a bundle to an xvar, for calls that take one.
+class lent_bundle {
+ public:
+  explicit lent_bundle(const bundle& in) {
+    bundle_access::set(cell::set_box(value_, kind::bundle, bundle()), bundle_access::store(in));
+  }
+  lent_bundle(const lent_bundle&) = delete;
+  lent_bundle& operator=(const lent_bundle&) = delete;
+  ~lent_bundle() { bundle_access::detach(cell::as_bundle(value_)); }
 
-/// What `put` puts into a sink, as a text.
-template <class Put>
-std::wstring text_of(Put put) {
-  text_sink sink;
-  put(sink);
-  return sink.text();
+  const xvar& value() const noexcept { return value_; }
+
+ private:
+  xvar value_;
+};
+
+// --- the walk
+
+/// The library's own writers write a null value as the empty text.
+struct own_json : own_hooks {
+  explicit own_json(bool is_escaped) noexcept : escaped(is_escaped) {}
+
+  void scalar(text_sink& out, const xvar& value) const { put_scalar(out, value, escaped, true); }
+
+  bool escaped;
+};
+
+struct derived_json : derived_hooks<json_writer> {
+  using derived_hooks::derived_hooks;
+  using derived_hooks::writes;
+
+  bool writes(text_sink& out, const bundle& in) {
+    const lent_bundle lent(in);
+    return writes(out, lent.value());
+  }
+};
+
+template <class Hooks>
+class json_visitor : public detail::visitor {
+ public:
+  using frame = detail::walk<>::frame;
+
+  json_visitor(Hooks hooks, json_writer& writer, text_sink& out, order members)
+      : hooks_(hooks), layout_(writer, out), out_(out), walk_(members) {}
+
+  void write(const bundle& in) {
+    if (!hooks_.writes(out_, in)) write_members(in);
+  }
+  /// A bundle that is left to the library whoever writes what it holds.
+  void write_members(const bundle& in) {
+    walk_.open(in);
+    walk_.run(*this);
+  }
+  void write(const list& in) {
+    walk_.open(in);
+    walk_.run(*this);
+  }
+  void write(const std::wstring& key, const xvar& value) {
+    member(key, value);
+    walk_.run(*this);
+  }
+
+  void enter(const frame& f) {
+    out_.put(f.what == holder::list ? L'[' : L'{');
+    layout_.new_line();
+    layout_.deeper();
+  }
+  void between(const frame&) {
+    out_.put(L',');
+    layout_.new_line();
+  }
+  void leave(const frame& f) {
+    const bool is_list = f.what == holder::list;
+    layout_.back();
+    if (!is_list) layout_.new_line();
+    layout_.indent();
+    out_.put(is_list ? L']' : L'}');
+    if (is_list) layout_.new_line();
+  }
+  void member(const frame&, const std::wstring& key, const xvar& value) { member(key, value); }
+  void element(const frame&, const xvar& value) { put(value); }
+
+ private:
+  void member(const std::wstring& key, const xvar& value) {
+    layout_.indent();
+    put_key(hooks_.key(key));
+    put(value);
+  }
+  void put_key(const std::wstring& key) {
+    wchar_t* to = out_.room(key.size() + 3);
+    *to++ = L'"';
+    text_sink::copy(to, key.data(), key.size());
+    to += key.size();
+    *to++ = L'"';
+    *to++ = L':';
+    out_.advance(to);
+  }
+  void put(const xvar& value) {
+    switch (cell::kind_of(value)) {
+      case kind::list:
+        walk_.open(cell::as_list(value));
+        return;
+      case kind::bundle:
+        if (!hooks_.writes(out_, value)) walk_.open(cell::as_bundle(value));
+        return;
+      default:
+        return hooks_.scalar(out_, value);
+    }
+  }
+
+  Hooks hooks_;
+  layout layout_;
+  text_sink& out_;
+  detail::walk<> walk_;
+};
+
+/// Calls `act` with the visitor that writes for this writer. `members` is the order for what a derived one
+/// leaves to its base.
+template <class Act>
+void visit_for(json_writer& writer, text_sink& out, exception& result, order members, Act act) {
+  const bool is_oauth = typeid(writer) == typeid(oauth_writer);
+  const auto own = own_order<json_ordered_writer, json_unordered_writer>(writer);
+  if (own || is_oauth) {
+    json_visitor visitor(own_json(!is_oauth), writer, out, own.value_or(order::by_key));
+    act(visitor);
+  } else {
+    json_visitor visitor(derived_json(writer, result), writer, out, members);
+    act(visitor);
+  }
+}
+
+/// True, with the failure in `result`, unless the value is of the kind.
+bool is_no(kind wanted, const xvar& value, exception& result) {
+  if (cell::kind_of(value) == wanted) return false;
+  exc::NullPointer().copy_on(result);
+  return true;
+}
+
+bool write_own_bundle(order members, json_writer& writer, std::wostringstream& out, const xvar& value,
+                      exception& result) {
+  if (is_no(kind::bundle, value, result)) return true;
+  out << text_of([&](text_sink& sink) {
+    visit_for(writer, sink, result, members, [&](auto& v) { v.write_members(cell::as_bundle(value)); });
+  });
+  return result.WRONG();
 }
 
 }  // namespace
@@ -125,217 +249,53 @@ json_writer::json_writer(bool null_as_empty) : null_as_empty_(null_as_empty) {}
 json_writer::~json_writer() = default;
 
 std::wstring json_writer::raw_value(const xvar& value) {
-  return text_of([&](text_sink& out) { put_json_scalar(out, value, true, null_as_empty_); });
+  return text_of([&](text_sink& out) { put_scalar(out, value, true, null_as_empty_); });
 }
 
 std::wstring& json_writer::raw_key(std::wstring& key) { return key; }
 
 bool json_writer::write(std::wstring& out, const bundle& in, exception* err, int) {
-  exception result;
-  const std::wstring indentation = indentation_;
-  const std::uint32_t withheld = withheld_;
-  try {
-    text_sink sink;
-    json_emitter emitter(*this, sink, result);
-    if (const auto array = in.find(array_key); array != in.end()) {
-      emitter.write_list(array->second);
-    } else if (emitter.walks_bundles()) {
-      emitter.write_members(in);
-    } else {
-      const lent_bundle lent(in);
-      emitter.write_bundle(lent.value());
-    }
-    sink.replace(out);
-  } catch (...) {
-    indentation_ = indentation;
-    withheld_ = withheld;
-    throw;
-  }
-  if (err && result.WRONG()) *err = result;
-  return result.WRONG();
+  return layout::write(*this, out, err, [&](text_sink& sink, exception& result) {
+    const auto array = in.find(array_key);
+    const bool is_array = array != in.end();
+    if (is_array && is_no(kind::list, array->second, result)) return;
+    visit_for(*this, sink, result, order::by_key,
+              [&](auto& v) { return is_array ? v.write(cell::as_list(array->second)) : v.write(in); });
+  });
 }
 
 bool json_writer::raw_list(std::wostringstream& out, const xvar& value, exception& result) {
-  out << text_of([&](text_sink& sink) { json_emitter(*this, sink, result).write_list(value); });
+  if (is_no(kind::list, value, result)) return true;
+  out << text_of([&](text_sink& sink) {
+    visit_for(*this, sink, result, order::by_key, [&](auto& v) { v.write(cell::as_list(value)); });
+  });
   return result.WRONG();
 }
 
 bool json_writer::raw_xvar(std::wostringstream& out, std::wstring& key, const xvar& value,
                            exception& result) {
-  out << text_of([&](text_sink& sink) { json_emitter(*this, sink, result).write_member(key, value); });
-  return result.WRONG();
-}
-
-namespace {
-
-bool write_own_bundle(json_emitter::order members, json_writer& writer, std::wostringstream& out,
-                      const xvar& value, exception& result) {
-  if (cell::kind_of(value) != kind::bundle) {
-    exc::NullPointer().copy_on(result);
-    return true;
-  }
   out << text_of([&](text_sink& sink) {
-    json_emitter(writer, sink, result, members).write_members(cell::as_bundle(value));
+    visit_for(*this, sink, result, order::by_key, [&](auto& v) { v.write(key, value); });
   });
   return result.WRONG();
 }
 
-}  // namespace
-
 json_ordered_writer::json_ordered_writer() : json_writer(true) {}
 json_ordered_writer::~json_ordered_writer() = default;
 bool json_ordered_writer::raw_bundle(std::wostringstream& out, const xvar& value, exception& result) {
-  return write_own_bundle(json_emitter::order::by_key, *this, out, value, result);
+  return write_own_bundle(order::by_key, *this, out, value, result);
 }
 
 json_unordered_writer::json_unordered_writer() : json_writer(true) {}
 json_unordered_writer::~json_unordered_writer() = default;
 bool json_unordered_writer::raw_bundle(std::wostringstream& out, const xvar& value, exception& result) {
-  return write_own_bundle(json_emitter::order::by_position, *this, out, value, result);
+  return write_own_bundle(order::by_position, *this, out, value, result);
 }
 
 oauth_writer::oauth_writer() = default;
 oauth_writer::~oauth_writer() = default;
 std::wstring oauth_writer::raw_value(const xvar& value) {
-  return text_of([&](text_sink& out) { put_json_scalar(out, value, false, true); });
-}
-
-// --- the walk
-
-json_emitter::json_emitter(json_writer& writer, text_sink& out, exception& result, order members)
-    : writer_(writer), out_(out), result_(result), order_(members) {
-  const std::type_info& type = typeid(writer);
-  own_ = type == typeid(json_ordered_writer) || type == typeid(json_unordered_writer) ||
-         type == typeid(oauth_writer);
-  escaped_ = type != typeid(oauth_writer);
-  if (own_ && order_ == order::unknown)
-    order_ = type == typeid(json_unordered_writer) ? order::by_position : order::by_key;
-}
-
-void json_emitter::write_members(const bundle& in) {
-  open(in);
-  run();
-}
-
-void json_emitter::write_bundle(const xvar& value) {
-  element(value);
-  run();
-}
-
-void json_emitter::write_list(const xvar& value) {
-  if (cell::kind_of(value) != kind::list) {
-    exc::NullPointer().copy_on(result_);
-    return;
-  }
-  open(cell::as_list(value));
-  run();
-}
-
-void json_emitter::write_member(const std::wstring& key, const xvar& value) {
-  member(key, value);
-  run();
-}
-
-void json_emitter::run() {
-  while (!open_.empty()) {
-    const std::size_t depth = open_.size();
-    frame& f = open_.back();  // until an element opens a container
-    while (open_.size() == depth && f.taken != f.size) {
-      if (f.store) {
-        next_member(f);
-      } else {
-        next_element(f);
-      }
-    }
-    if (open_.size() == depth) close(f);
-  }
-}
-
-void json_emitter::open(const list& in) {
-  out_.put(L'[');
-  frame& f = open_.emplace_back();
-  f.is_list = true;
-  f.elements = in.data();
-  f.size = in.size();
-  break_and_push();
-}
-
-void json_emitter::open(const bundle& in) {
-  out_.put(L'{');
-  frame& f = open_.emplace_back();
-  f.store = bundle_access::store(in);
-  f.entry = f.store && order_ == order::by_key ? f.store->first() : nullptr;
-  f.size = f.store ? f.store->size() : 0;
-  break_and_push();
-}
-
-void json_emitter::break_and_push() {
-  if (!writer_.tabulated_) return;
-  out_.put(L'\n');
-  writer_.push_tab();
-}
-
-void json_emitter::close(const frame& f) {
-  writer_.pop_tab();
-  const bool breaks = writer_.tabulated_;
-  if (breaks && !f.is_list) out_.put(L'\n');
-  if (!writer_.indentation_.empty()) out_.put(writer_.indentation_);
-  out_.put(f.is_list ? L']' : L'}');
-  if (breaks && f.is_list) out_.put(L'\n');
-  open_.pop_back();
-}
-
-void json_emitter::separate(const frame& f) {
-  if (f.taken == 0) return;
-  out_.put(L',');
-  if (writer_.tabulated_) out_.put(L'\n');
-}
-
-void json_emitter::next_element(frame& f) {
-  separate(f);
-  element(f.elements[f.taken++]);
-}
-
-void json_emitter::next_member(frame& f) {
-  separate(f);
-  const bundle::entry* const e = order_ == order::by_key ? f.entry : f.store->nth(f.taken);
-  ++f.taken;
-  if (order_ == order::by_key) f.entry = f.store->next(f.entry, f.rank);
-  member(e->first, e->second);
-}
-
-void json_emitter::member(const std::wstring& key, const xvar& value) {
-  if (!writer_.indentation_.empty()) out_.put(writer_.indentation_);
-  if (own_) {
-    put_key(key);
-  } else {
-    std::wstring copy = key;
-    put_key(writer_.raw_key(copy));
-  }
-  element(value);
-}
-
-void json_emitter::put_key(const std::wstring& key) {
-  wchar_t* to = out_.room(key.size() + 3);
-  *to++ = L'"';
-  text_sink::copy(to, key.data(), key.size());
-  to += key.size();
-  *to++ = L'"';
-  *to++ = L':';
-  out_.advance(to);
-}
-
-void json_emitter::element(const xvar& value) {
-  if (cell::kind_of(value) == kind::list) return open(cell::as_list(value));
-  if (cell::kind_of(value) == kind::bundle) {
-    if (walks_bundles()) return open(cell::as_bundle(value));
-    std::wostringstream nested;
-    writer_.raw_bundle(nested, value, result_);
-    out_.put(nested.str());
-    return;
-  }
-  if (own_) return put_json_scalar(out_, value, escaped_, writer_.null_as_empty_);
-  out_.put(writer_.raw_value(value));
+  return text_of([&](text_sink& out) { put_scalar(out, value, false, true); });
 }
 
 }  // namespace ruvo::serializer
