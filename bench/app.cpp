@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // What it costs to find the application of the calling thread: kesta's registry against a map under a lock,
 // which is what it replaces, and against a thread_local, which no other thread can change.
 

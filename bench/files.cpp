@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Whole files, against the system's own calls.
 //
 //   bench_files

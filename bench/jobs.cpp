@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The pool of jobs against bare threads of the standard library: many short tasks from start to finish, and
 // how long a free slot waits for the next job.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Reading JSON into values and writing it back. Text is wide on both sides: a peer that works on narrow text
 // pays for the conversion (made by this library's converter), as its user would.
 //

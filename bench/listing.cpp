@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // What it takes to list a tree of 20,000 files with their kinds and sizes, against the bare system calls and
 // against the standard library.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // What a document costs in memory: the bytes and the blocks that live after it was read, for each of its
 // values.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The text toolkit against the system's functions, the standard library and plain loops. Before two are
 // measured they have to give the same result.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Calendar values against the C runtime, the standard library's streams and date.h.
 
 #include <ruvo/context.hpp>

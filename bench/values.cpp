@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Values and records against Boost.JSON's value and object, each in the text that is its own (wide here,
 // narrow there), so that nothing is converted.
 

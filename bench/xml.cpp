@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Reading XML into values and writing it back, against a parser that works inside the text itself. Its copy
 // of the text counts, as its user would need one.
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # Reads the catalogue of errors and writes what is made from it.
 #
 #   cmake -D catalogue=include/ruvo/exc_catalogue.hpp [-D mc=FILE] [-D markdown=FILE [-D check=ON]] -P errors.cmake

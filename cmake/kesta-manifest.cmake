@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # kesta_manifest(<program> [NAME name] [VERSION 1.2.3.4]): gives the program a manifest: UTF-8 as its code page, long paths,
 # no rights but those of who starts it, made for Windows 10 and 11. A version of fewer parts is filled up with zeros.
 function(kesta_manifest target)

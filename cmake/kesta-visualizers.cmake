@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # kesta_visualizers(<target> <file>): what links the target gets the file with it, for the debugger of Visual Studio: as a
 # part of its project, or in its PDB where there is none.
 function(kesta_visualizers target file)

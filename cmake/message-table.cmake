@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # ${errors_bin}: the catalogue of errors as a message table, made by the message compiler of the toolchain.
 # kesta.rc puts it into kesta.dll.
 set(errors_mc ${PROJECT_BINARY_DIR}/errors.mc)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # Cross-compiling for Windows x86-64 with Debian's mingw-w64 (posix threads); programs, those of ctest too, run under
 # Wine. Stands in kesta's sources, and in its package beside the CMake files for users' projects.
 set(CMAKE_SYSTEM_NAME Windows)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # What goes into the package beside the library, and the package as one archive: cpack in the build folder, or
 # tools/package.
 include(CMakePackageConfigHelpers)

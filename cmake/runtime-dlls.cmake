@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # The GCC runtime that kesta.dll and its users share: stripped copies beside the programs and in the package.
 # (install(RUNTIME_DEPENDENCIES) does not work when cross-compiling.)
 set(kesta_runtime_dlls libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)

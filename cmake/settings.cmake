@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # Compiler settings, in one place.
 
 # All targets of the project, programs too.

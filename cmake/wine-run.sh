@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: BSL-1.0
 # wine-run.sh PROGRAM.exe [ARGUMENT ...]: runs a Windows program under Wine and hands back its exit code.
 #
 # The Wine prefix (about 700 MB, made on first use) is $WINEPREFIX, or kesta-wine in the user's cache folder.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 """Shows the values of kesta in gdb.
 
 Loading, by hand or in ~/.gdbinit:

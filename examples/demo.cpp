@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The whole way of a document: an application boots, a worker thread checks in, reads JSON files into
 // bundles, takes typed values out of them by path, builds an answer and writes it in three ways, and as XML.
 // The answer to an order travels in an HTTP response, and an e-mail confirms it; sending both is a

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # Makes a small tree, runs the inventory over it in the ways that its arguments offer, and reads what it wrote with
 # CMake's own JSON parser. Of the files' fingerprints the values are known.
 

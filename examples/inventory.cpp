@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // An inventory of a folder: every file below it with its size and a fingerprint of its content, as JSON and
 // as XML. The files are read by tasks in a pool; what fails is entered with its reason. Ctrl+C ends early:
 // what was done until then is written, and marked as incomplete.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The named colours on a page: each with its complementary colour, the text colour that it suggests, steps to
 // darker and to lighter, and its four harmonies.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Addresses: a text is read exactly when it has one of the forms, and what was read reads as itself; names
 // for headers stay in words of one line. The first line is the name, the second the mail address.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Base64: what was encoded is decoded, in both alphabets and widths; any text decodes alike in both widths.
 
 #include "fuzz.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Colours: any text and any number is taken; text, components and HSL go on describing one colour.
 
 #include <ruvo/armonia.hpp>

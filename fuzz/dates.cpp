@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Calendar text: the first line is the format, the rest the text. What was parsed and printed parses to what
 // prints the same.
 

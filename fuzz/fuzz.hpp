@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // What the fuzz targets share. Each target is one source with the entry point of libFuzzer; it is linked with

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Mail headers and lists of recipients: what is refused changes nothing, what was read and written reads
 // back.
 

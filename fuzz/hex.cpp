@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Hexadecimal: what was encoded is decoded; a text that is decoded holds digits only.
 
 #include <ruvo/texto/words.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Checking JSON: findings lie inside the text and in its order, and what has none is read without a failure,
 // but for what the reader is known to take in another way.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Reading JSON: at once and character by character agree in the store and in the error.
 
 #include "fuzz.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Writing what was read: from the second time on, reading and writing change nothing any more.
 
 #include <ruvo/bundle.hpp>

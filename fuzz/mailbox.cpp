@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Mailboxes: a text is read exactly when it has the form, and what was read keeps its URL; every field comes
 // back from bundles and values. The first line is the text, the others are fields.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Escaping and markup: what is escaped comes back, what is cleaned stays clean.
 
 #include <ruvo/binary.hpp>

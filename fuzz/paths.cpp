@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Paths: a kept path is kept as it is; climbing ends at the top; parts belong to the whole.
 
 #include <ruvo/file.hpp>

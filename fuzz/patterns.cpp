@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Patterns: the first line is the pattern, the second what replaces, the rest the text. An answer or
 // std::regex_error, and a replacement by the match itself changes nothing.
 

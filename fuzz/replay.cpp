@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Runs a fuzz target without libFuzzer: on each file that the arguments name, or that lies in a folder among
 // them, and on inputs made of these: cut, damaged, and in pieces with the entries of the dictionary
 // (-dict=FILE).

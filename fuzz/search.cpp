@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Literal search, replacement, splitting and masks, each against a plain way of doing it. The first line is
 // the part or mask, the rest the text.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Text of 16-bit units through the vectors that the target's wide characters take, each against a plain way.
 //
 // The first byte says how units are made of the bytes behind it, the second how long the part to be found is,

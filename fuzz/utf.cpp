@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // UTF-8 and UTF-16, both ways, against a plain decoder.
 
 #include "fuzz.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Reading well-formed XML: what is refused is refused at the first character that can't stand there, and
 // changes nothing; what is read is the same with its lines ended in another way.
 

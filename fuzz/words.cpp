@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Words, names, identifiers and numbers: every function gives a result, and cleaning a second time changes
 // nothing.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Writing what was read. Texts come back as they were written; where names and attributes allow it, reading
 // and writing change nothing any more from the second time on.
 

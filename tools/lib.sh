@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # Shared by the tools; to be sourced.
 # shellcheck shell=bash
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // What an error code means.
 //
 //   kesta-error CODE...

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // The documents that are measured on: made with a fixed seed, or read from files that the caller names.

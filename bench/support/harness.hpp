@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Measuring competitors side by side in one process. They take turns, so that a drift of the machine hits all

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // The system's functions for text, called as a program with std::string and std::wstring calls them.

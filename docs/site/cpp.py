@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 """Reads the headers for the reference: gives each declaration the comment that speaks for it.
 
 A `///` comment speaks for all declarations up to the next blank line, comment or access label. A `///<` comment behind

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 """Writes out the classes of <ruvo/exc.hpp> that are made from the rows of <ruvo/exc_catalogue.hpp>, for the reference.
 
 The comment before a class, or before the macro of its shape, speaks for its constructors too that have no comment. Each

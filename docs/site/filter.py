@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: BSL-1.0
 """Doxygen's input filter: docs/site/filter.py FILE writes the file as Doxygen is to read it."""
 
 import sys

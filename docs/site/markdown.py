@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 """Writes Markdown so that Doxygen reads it as GitHub does: code spans, and links to headings and to other pages."""
 
 import re

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: BSL-1.0
 """Lists the required oddities that the headers mark with `@quirk`, as docs/QUIRKS.md.
 
     docs/site/quirks.py [write]

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // A program and kesta.dll share classes, so both come from one family of compilers with one C++ runtime.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 #if defined(_MSVC_LANG) ? _MSVC_LANG < 202002L : __cplusplus < 202002L

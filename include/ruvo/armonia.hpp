@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ruvo::armonia, colours that go together: each harmony turns the hue of a base colour and keeps its

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ruvo::binary, a buffer of bytes that knows its text forms.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ruvo::bundle, the keyed record: named values, addressed by key or by path.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ruvo::color, one colour in three forms: components, HSL and HTML text.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ruvo::exc, the classes of errors. Codes and messages stand in <ruvo/exc_catalogue.hpp>, from which most of

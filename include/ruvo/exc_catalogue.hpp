@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The catalogue of errors: every class with its code and its message, a row each, in the order of the codes.
 // No header of its own: who includes it defines KESTA_ERROR(class, base, range, number, shape, text) before,
 // which is made of every row. cmake/errors.cmake and docs/site/exceptions.py read the rows as well: each

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // The catalogue of errors as a table, for what shows errors rather than catches them.

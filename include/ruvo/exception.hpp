@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ruvo::exception, the one value that reports a failure. It is thrown, and it is handed back through

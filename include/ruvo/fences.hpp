@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Fences: what would compile through a conversion to bool, char or a number and can only be a mistake is

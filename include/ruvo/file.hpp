@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ruvo::file, a path, and what the file system knows of it. Reading, writing and copying are in

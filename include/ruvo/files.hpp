@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ruvo::files: operations on whole files and on folders with all that is in them. A single path is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Whether a program and kesta.dll may release each other's memory, as they do: texts and lists grow on one

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ruvo::http, requests and answers of HTTP as values. A transport of the application's own carries them.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ruvo::iserializer, the two operations that every text format of the library offers. The formats themselves

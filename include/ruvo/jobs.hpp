@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ruvo::jobs, the pool that runs a fixed number of tasks at once and queues the rest.

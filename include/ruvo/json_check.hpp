@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Whether a text is JSON as RFC 8259 defines it. The reader (ruvo::serializer::json) passes over most of what

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Ready-made callbacks for loggers. All may be shared by loggers and threads.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Logging: ruvo::logger, the levels in ruvo::reg, and ruvo::log, which reaches the application's logger.

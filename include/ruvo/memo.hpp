@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ruvo::memo, a long text: a wide string of a kind of its own, so that it is distinguished from ordinary

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The capital names of the public headers: a program, or a header of its system, may have macros of the same
 // names. A header that uses some puts them aside by this file and brings them back by names_back.hpp.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Brings back the macros that names_aside.hpp put aside.
 
 #pragma pop_macro("A")

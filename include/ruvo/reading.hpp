@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Where in a text something stands, and all the failures of a reading; the readers themselves are in

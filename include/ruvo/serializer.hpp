@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Readers and writers of text formats, and JSON. What every format offers is in <ruvo/iserializer.hpp>, the

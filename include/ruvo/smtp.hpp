@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ruvo::smtp, mail messages and what is needed to send them. The library composes and reads them; the

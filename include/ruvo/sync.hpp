@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ruvo::sync, work on a thread of its own that reports its progress: the callbacks, the runnable base, and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ruvo::time, a time of day. The selectors of all calendar values are in <ruvo/times.hpp>.

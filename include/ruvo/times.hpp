@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // The two selectors of the calendar values: the mode (UTC or local) and the field. The time of day is in

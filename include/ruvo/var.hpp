@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ruvo::var, the value cell: one value of a fixed set of kinds, or nothing.

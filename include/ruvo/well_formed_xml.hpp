@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
-// Reading XML of other origin, strictly, into the shape that ruvo::serializer::xml gives. It stops at the first
-// fault. JSON has a check instead, which reads nothing and reports all faults: <ruvo/json_check.hpp>.
+// Reading XML of other origin, strictly, into the shape that ruvo::serializer::xml gives. It stops at the
+// first fault. JSON has a check instead, which reads nothing and reports all faults: <ruvo/json_check.hpp>.
 //
 //   ruvo::bundle document;
 //   ruvo::exception failure;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Counts and positions that the interface takes as an unsigned long, of 32 bits, where the caller has more.

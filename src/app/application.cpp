@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The life cycle of an application, its folders, hooks and services.
 
 #include <ruvo/application.hpp>

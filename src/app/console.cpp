@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The console of a program: opened with the first text, closed with the object.
 
 #include "system/console.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The default services of a context, from the system, and its map of named values.
 
 #include <ruvo/context.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The file of the day that lines are appended to, kept open for a second.
 
 #include "app/day_log.hpp"

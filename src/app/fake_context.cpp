@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The services of a context for tests: fixed answers instead of the system's.
 
 #include <ruvo/exc.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The static face of the application's logger.
 
 #include <ruvo/application.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The parts of a log line, and the names of the files by day.
 
 #include "app/log_line.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The callbacks that the library brings: files, the debugger, the console, a ring, a tee.
 
 #include <ruvo/context.hpp>

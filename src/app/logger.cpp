@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Entries on their way to the callback and to the file of the day.
 
 #include <ruvo/context.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The count of lost log entries, for the whole process.
 
 #include "app/lost_entries.hpp"

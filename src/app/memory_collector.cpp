@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Objects kept by thread until they are collected.
 
 #include <ruvo/memory_collector.hpp>

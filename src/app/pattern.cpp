@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Numbers through a pattern of printf, for identifiers and elapsed times.
 
 #include "app/pattern.hpp"

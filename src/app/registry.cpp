@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The table of threads and their applications, with a copy that is read without a lock.
 
 #include "app/registry.hpp"

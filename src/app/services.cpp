@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The context's answers to the rooms below.
 
 #include "base/services.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The mark that says which programs this DLL serves.
 
 #include <ruvo/api.hpp>

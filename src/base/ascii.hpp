@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Character classes of the "C" locale. Every unit above 127 is in none of them and has no other case; the C

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Base64 both ways: blocks by vectors, the rest digit by digit.
 
 #include "base/base64.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Base64 (RFC 4648) over bytes and over wide text.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Exact arithmetic of the proleptic Gregorian calendar, with floor division throughout.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Finding a literal text in linear time whatever the texts are; where units have 16 bits, eight positions at

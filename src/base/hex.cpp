@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Hexadecimal both ways: blocks by vectors, the rest digit by digit.
 
 #include "base/hex.hpp"

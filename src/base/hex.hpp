@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Hexadecimal digits of bytes, over narrow and wide text.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Keys eight bytes at a time, on units of any width: folded, hashed, compared.

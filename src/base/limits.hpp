@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // The greatest sizes that the library's own arithmetic is made for. What goes beyond throws

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Numbers to and from text by exact arithmetic, with the C library for the rare cases.
 
 #include "base/numbers.hpp"

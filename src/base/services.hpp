@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // What the rooms below the application ask of the user's choices: the clock and the calendar, separators, the

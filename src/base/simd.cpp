@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // What the processor has, asked once when the module is loaded.
 
 #include "base/simd.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Vectors of 16 bytes, where the processor has them. SSE2 is part of every x86-64; a function that uses SSSE3

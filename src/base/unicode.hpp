@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Letters, signs and blanks beyond ASCII. Letters are those of Latin, Greek and Cyrillic; capitals and small

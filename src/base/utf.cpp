@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // UTF-8 to and from UTF-16: runs of ASCII and of long characters by vectors, the rest one by one.
 
 #include "base/utf.hpp"

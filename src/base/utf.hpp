@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // UTF-8 to and from UTF-16. Malformed input never fails: each maximal malformed part of a UTF-8 text and each

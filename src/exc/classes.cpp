@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The classes of errors that their rows in the catalogue say all of.
 
 #include "exc/classes.hpp"

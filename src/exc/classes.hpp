@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // What the classes of errors are made with: their rows of the catalogue, and what a failure keeps beside its

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // How the details of failures are made and added to texts.
 
 #include "exc/detail.hpp"

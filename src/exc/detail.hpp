@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // The details of failures. Making one may fail for lack of memory; the failure then goes without it.

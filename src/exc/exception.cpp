@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The one type of errors: its code, its message and its report.
 
 #include <ruvo/exception.hpp>

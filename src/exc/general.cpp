@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The general errors that have a constructor of their own.
 
 #include <ruvo/exc.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The errors of the library's own modules: the families, and what has a constructor of its own.
 
 #include <ruvo/exc.hpp>

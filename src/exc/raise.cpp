@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // A failure thrown as its own class again.
 
 #include <ruvo/exc.hpp>

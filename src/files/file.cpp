@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // A path as text: brought into one form, taken apart and put together. Nothing here asks the system.
 
 #include <ruvo/file.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The way from the top of a tree to a folder, opened step by step.
 
 #include "files/held_tree.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The listing of one folder, with its filter and its callback.
 
 #include "files/listing.hpp"

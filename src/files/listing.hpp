@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Listing a folder, and what a listing knows of the entries that it passes on.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // MIME types by extension.
 
 #include <ruvo/files/whole.hpp>

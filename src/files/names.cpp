@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Names for files that do not exist yet.
 
 #include "files/names.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Copying, comparing and erasing folders with all that is in them.
 
 #include <ruvo/exc.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Whole files, read and replaced.
 
 #include <ruvo/binary.hpp>

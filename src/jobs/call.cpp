@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The task made of lambdas.
 
 #include <ruvo/exc.hpp>

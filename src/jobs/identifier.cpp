@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Identifiers for tasks, and a substitute where the context gives none.
 
 #include "jobs/identifier.hpp"

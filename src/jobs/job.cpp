@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // A task with its argument, as a pool runs it.
 
 #include <ruvo/jobs.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The public operations of a pool; what they do is in pool_state.cpp.
 
 #include <ruvo/jobs.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The queue, the slots and the dispatcher of a pool.
 
 #include "jobs/pool_state.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // What jobs::pool hides: its queue, its slots and its dispatcher.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The callbacks and the runnable base, instantiated for xvar and bundle.
 
 #include <ruvo/bundle.hpp>

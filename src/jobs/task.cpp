@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The bases of tasks: progress and result.
 
 #include <ruvo/exc.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // A thread that may be joined by several threads, or let go.
 
 #include <ruvo/sync.hpp>

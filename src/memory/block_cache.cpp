@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The free blocks of a thread, and what it may keep of them.
 
 #include "memory/block_cache.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Blocks of memory for values: freed small ones are kept for the next value of the same thread, since the

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Shared keys and the cache of a thread's last ones.
 
 #include "memory/shared_key.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Keys that entries share: documents repeat theirs, so a thread keeps the keys that it saw last. A key may be

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // A wide text under construction: room is asked for once a piece, and pieces are copied in steps of 16 bytes.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // A thread's cache hangs on the system's slot for it, which clears up when the thread ends.
 
 #include "memory/thread_cache.hpp"

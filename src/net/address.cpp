@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // A mail address with its name, and its encoded form for headers.
 
 #include <ruvo/bundle.hpp>

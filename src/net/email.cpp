@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // A message as a value: its fields, its recipients and its bundle form.
 
 #include <ruvo/exception.hpp>

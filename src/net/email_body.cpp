@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The texts of a message that a transport sends as its content.
 
 #include <ruvo/smtp/email.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The recipients and the header of a message as text, and back.
 
 #include <ruvo/exc.hpp>

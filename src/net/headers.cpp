@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The header table of requests and responses.
 
 #include <ruvo/http.hpp>

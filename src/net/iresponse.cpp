@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The status of an answer.
 
 #include <ruvo/net.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The forms of hosts, mailboxes and addresses, read without patterns.
 
 #include "net/mail_patterns.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // The fixed forms of mail texts, each read in one pass; it has the same answer as the pattern beside it.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // A mail account and its URL.
 
 #include <ruvo/bundle.hpp>

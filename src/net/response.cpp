@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // An answer of HTTP.
 
 #include <ruvo/http.hpp>

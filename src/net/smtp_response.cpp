@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The report on the delivery of a message.
 
 #include <ruvo/exception.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Harmonies of three and four colours, by turns of the hue.
 
 #include <ruvo/armonia.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // A colour in its three forms, each computed from the other.
 
 #include <ruvo/color.hpp>

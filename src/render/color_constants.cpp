@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The constants. Numbers are initialised before any code runs.
 
 #include <ruvo/color.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // What readers and writers of every format share: positions and indentation.
 
 #include <ruvo/serializer.hpp>

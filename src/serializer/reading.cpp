@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // All failures of a reading, and places in a text.
 
 #include <ruvo/bundle.hpp>

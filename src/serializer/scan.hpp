@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Finding the next interesting unit of a text; where units have 16 bits, eight at a time.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // What the system knows of a file or a folder. Paths are those that ruvo::file holds, of any length; one that

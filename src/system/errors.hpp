@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // What the system says of failures. Nothing in this room throws for a refusal of the system; the results say

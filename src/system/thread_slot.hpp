@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // One pointer for each thread, with a clean-up when the thread ends.

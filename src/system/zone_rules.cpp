@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The moment of a clock change in a year.
 
 #include "system/zone_rules.hpp"

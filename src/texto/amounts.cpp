@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Amounts in Spanish words.
 
 #include <ruvo/texto.hpp>

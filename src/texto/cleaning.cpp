@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Accents, typographic characters and what else is cleaned out of a text.
 
 #include <ruvo/texto.hpp>

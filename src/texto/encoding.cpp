@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The public conversions between encodings, over those of the ground floor.
 
 #include <ruvo/texto.hpp>

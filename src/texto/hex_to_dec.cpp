@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Hexadecimal numbers of any length in decimal.
 
 #include <ruvo/texto.hpp>

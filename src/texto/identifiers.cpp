@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Spanish identity numbers, bank accounts and payment cards.
 
 #include <ruvo/texto.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Escaping for SQL and HTML, and the tags of HTML.
 
 #include <ruvo/texto.hpp>

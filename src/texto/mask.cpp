@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Masks with '*' and '?'.
 
 #include <ruvo/texto.hpp>

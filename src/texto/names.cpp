@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Names of persons and places in capitals and small letters.
 
 #include <ruvo/texto.hpp>

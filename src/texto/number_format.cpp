@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Numbers for people to read: separators, sizes of files, Roman numerals.
 
 #include <ruvo/texto.hpp>

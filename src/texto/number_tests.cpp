@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Tests of the form of a text. Each walks the text once: the character classes of its pattern are disjoint
 // from what follows them, so that no choice is ever taken back.
 

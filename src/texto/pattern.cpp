@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Matching and replacing by patterns, over the pattern engine.
 
 #include <ruvo/texto.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Looking for literal texts, replacing them and splitting at them.
 
 #include <ruvo/texto.hpp>

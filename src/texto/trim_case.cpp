@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Blanks at the ends of a text, and the case of its letters.
 
 #include <ruvo/texto.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Percent-encoding, and encoded words of mail headers.
 
 #include <ruvo/texto.hpp>

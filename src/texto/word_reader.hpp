@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // The words of a text, as an input stream reads them: blanks of any kind separate them.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Words in camel case, snake case and capitals.
 
 #include <ruvo/texto.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // A day of the calendar.
 
 #include <ruvo/date.hpp>

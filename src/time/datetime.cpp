@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // A day with a time of day.
 
 #include <ruvo/datetime.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // What lies between two calendar values, and the ends of the year, month and week around a day.
 
 #include <ruvo/datetime.hpp>

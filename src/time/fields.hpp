@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // The fields of a calendar value, for callers that cannot go on without them.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Calendar records to and from text. The conversions are those that ruvo::lapse lists; the locale is a name,

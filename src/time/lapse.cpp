@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The instant under the calendar values: its fields, by the services of the context, and its text.
 
 #include <ruvo/datetime.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Names of months and days, of English and of the system's locales.
 
 #include <array>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // A calendar record as text by a format.
 
 #include <cstdlib>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // A calendar record from text by a format.
 
 #include "base/ascii.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Where a calendar text is printed to before it becomes a string, which then takes its memory at once.

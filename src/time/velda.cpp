@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The day kept as a number of days, with its closed formulas.
 
 #include <ruvo/datetime.hpp>

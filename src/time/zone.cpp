@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Local time by a year's rules, both ways.
 
 #include "time/zone.hpp"

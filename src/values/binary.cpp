@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Bytes and their text forms.
 
 #include <ruvo/binary.hpp>

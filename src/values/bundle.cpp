@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The keyed record over its store: keys, paths and typed getters.
 
 #include <ruvo/binary.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The entries of a bundle and their order, in arrays while they are few, in leaves beyond.
 
 #include "values/bundle_store.hpp"

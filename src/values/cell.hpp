@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // The library's own access to the inside of a var: what a cell of each kind keeps, and how it is set.

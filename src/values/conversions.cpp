@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // What a value can be read as: a switch over the families of kinds for each target.
 
 #include <ruvo/binary.hpp>

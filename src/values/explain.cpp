@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // What a path leads to and how the getters read it, in Spanish.
 
 #include <ruvo/bundle.hpp>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Keys and paths on their way in: folded to lower case without allocation where they are short.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // The kinds of values, a row each: what is the same for all cells of a kind.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The sequence of values: copies that keep qualities apart, sorting, text.
 
 #include <ruvo/binary.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The long text.
 
 #include <ruvo/binary.hpp>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Values of classes that a var knows nothing about: colours, messages. They are held by copy, print their

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The text forms of lists and bundles.
 
 #include "values/walk.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Copying, searching and destroying nested values.
 
 #include <ruvo/binary.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // A cell: what it holds, how it is made and destroyed, its questions and its text.
 
 #include <ruvo/binary.hpp>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // The walk over nested values. It keeps its place in every open container on a stack of its own, so that

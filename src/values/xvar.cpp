@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The qualities of a value.
 
 #include <ruvo/exc.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The registry, the life cycle and the default services.
 
 #include <ruvo/fake_context.hpp>

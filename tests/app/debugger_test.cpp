@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // What developers read in the debugger.
 
 #include <ruvo/datetime.hpp>

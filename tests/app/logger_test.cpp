@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The logger, its day files and the ready-made callbacks, with a clock that the tests set.
 
 #include <ruvo/exc.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The library loaded, used by threads, freed and loaded again.
 
 #include "support/module.hpp"

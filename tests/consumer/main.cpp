@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // What a user's program does first: values in, JSON out and in again, an error caught by its type.
 
 #include <ruvo/ruvo.hpp>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # Install, build the consumer from the installed package, run its own ctest; then look at what was installed.
 
 set(prefix ${work}/prefix)

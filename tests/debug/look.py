@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 """gdb -nx -batch -x look.py PROGRAM: runs the program of shapes.cpp and compares what the printers for gdb and the
 visualisers of Visual Studio show of its values with what stands here. A program for Windows runs under Wine, and gdb
 comes to it; the exit code is 77 where the system does not let it."""

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 """gdb -nx -batch -x names.py PROGRAM: what the files for the debuggers name is there, in the classes that the program
 was built with. The program does not run, so that it may be one for Windows, or a DLL."""
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 """Reads kesta.natvis as the debugger of Visual Studio does, with gdb to work out its expressions."""
 
 import fnmatch

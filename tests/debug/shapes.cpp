@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // One value of each shape that a debugger shows, for look.py to look at. With an argument the program waits
 // for a debugger that comes to it, for half a minute.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // 100,000 levels on a stack of 1 MiB: whatever walks over nested values must not recurse.
 
 #include <ruvo/ruvo.hpp>

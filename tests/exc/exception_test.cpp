@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Exceptions: codes, messages, reports and details, and what a raised copy is.
 
 #include <ruvo/ruvo.hpp>

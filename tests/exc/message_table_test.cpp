@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The message table of kesta.dll against the classes themselves: what FormatMessage prints of a code is what
 // the exception says.
 

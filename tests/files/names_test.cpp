@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Names for new files, and MIME types.
 
 #include <ruvo/exc.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The path value.
 
 #include <ruvo/file.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // What a path asks the file system, and what it changes there.
 
 #include <ruvo/exc.hpp>

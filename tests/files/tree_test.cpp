@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Listing, copying, comparing and erasing folders, against a model of what is in them.
 
 #include <ruvo/exc.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Reading, writing and copying whole files.
 
 #include <ruvo/ruvo.hpp>

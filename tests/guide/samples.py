@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: BSL-1.0
 """Makes a GoogleTest source of the samples in Markdown pages.
 
     tests/guide/samples.py [-o SOURCE.cpp] PAGE.md...

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #include "system/appended_file.hpp"
 
 #include <cerrno>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The host's files. The environment's KESTA_FAIL_FILE_STEP = n makes the n-th step of writing or copying
 // fail, and those after it.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The system's services for the build that runs on the host under its checkers: what the tests need of them,
 // from the standard library alone, in a world of fixed settings (Central European Time, Spanish and English
 // names, '.' and ',' as separators, code page 1252).

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The pool: what it starts, what it queues, and that it always comes to an end.
 
 #include <ruvo/application.hpp>

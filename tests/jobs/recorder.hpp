@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // What the tests of tasks and pools share: a callback that notes its calls, and scripted tasks.

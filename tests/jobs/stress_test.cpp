@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Thousands of tasks at random: cancelled, silenced, failing, in pools that are destroyed while busy.
 
 #include <atomic>

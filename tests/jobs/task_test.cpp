@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Tasks by themselves: which calls come in which order, and how tasks end.
 
 #include <ruvo/application.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Beyond the greatest sizes, in a build where they are tiny (src/values/limits.hpp): std::length_error,
 // nothing lost, and all works on.
 

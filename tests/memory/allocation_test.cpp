@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The n-th allocation fails, for every n, alone or with all that follow: nothing leaks, nothing breaks, and
 // what was there before is there still. This program is linked statically, so that the library's allocations
 // come here too.

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: BSL-1.0
 """Compiles the rows of table.txt: what is right is accepted, what can only be a mistake is refused in few words.
 
     tests/misuse/compile.py COMPILER INCLUDE FOLDER

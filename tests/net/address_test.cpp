@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Mail addresses: their text, what is read from texts and values, and their order.
 
 #include <ruvo/ruvo.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Mail messages: recipients, header lines and bodies, there and back, and hostile ones.
 
 #include <ruvo/ruvo.hpp>

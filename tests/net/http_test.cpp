@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // HTTP messages: the header table that both share, then requests and responses.
 
 #include <ruvo/ruvo.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Mailboxes: URLs, what is read from texts, bundles and values, and their order.
 
 #include <ruvo/ruvo.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Colours against the conversions once more: ways in, harmonies, steps, values and names.
 
 #include <ruvo/ruvo.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The check of JSON texts: tables of single departures, and generated documents whose outcome is known or
 // follows from the grammar.
 

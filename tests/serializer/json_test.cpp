@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The reader and the writers of JSON.
 
 #include <ruvo/ruvo.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Lines and columns, and all the failures of a reading.
 
 #include <ruvo/ruvo.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Generated trees, written in every way that XML has, and cut.
 
 #include <ruvo/ruvo.hpp>

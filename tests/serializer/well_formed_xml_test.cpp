@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The strict reader of XML: what it takes, and where it refuses what it does not take.
 
 #include <ruvo/ruvo.hpp>

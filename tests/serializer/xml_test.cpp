@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The lenient reader and the writers of XML, and the tables of docs/XML.md.
 
 #include <ruvo/ruvo.hpp>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 """abi.py COMPILER INCLUDE DOC [write]: DOC lists the layouts and the slots of the public classes as they are.
 
 Names come from the compiler, sizes and the places of members from gdb, which reads the compiler's debug information, the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // What reading a text gives: the store and the error. The readers have a fast way for whole texts and the

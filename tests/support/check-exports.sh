@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: BSL-1.0
 # check-exports.sh OBJDUMP DLL: the DLL exports names of namespace ruvo, and no other.
 set -eu
 names=$("$1" -p "$2" | awk '/\[Ordinal\/Name Pointer\] Table/ { on = 1; next } on && !NF { exit } on { print $NF }')

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: BSL-1.0
 # check-imports.sh OBJDUMP DLL RUNTIME_DLL...: the DLL, and the runtime DLLs, which must lie beside it, need
 # nothing but each other and what every Windows has.
 set -eu

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Linked into every test program: a crash says what and where, and ends with an exit code of its own (70).
 // Without it a program that overflows its stack ends in silence, with exit code 1; where a large frame met
 // the end of the stack, Wine has no room to call the handler, and it still does.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Reads the encoded words of mail headers back, and fails where their form is not that of RFC 2047.

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: BSL-1.0
 # exports-list.sh OBJDUMP DLL LIST [write]: the DLL exports what LIST says, one name a line. With write, LIST is written.
 #
 # What was removed breaks programs that were built before; what was added does not, but belongs into the list.

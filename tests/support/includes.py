@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: BSL-1.0
 """Finds names of the standard library in headers and sources that come with another name's header by accident.
 
     tests/support/includes.py    # in the project's folder; prints FILE: NAME wants <HEADER>

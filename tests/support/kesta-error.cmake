@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # Runs kesta-error on codes of every kind, and compares its exit code and lines with what is known of them.
 #
 #   cmake -D program=FILE -D emulator=FILE -P kesta-error.cmake

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: BSL-1.0
 """Holds the includes of the sources against src/layers.txt, and the table in docs/ARCHITECTURE.md against it too.
 
     tests/support/layers.py    # in the project's folder; prints what does not fit

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Links and disks for tests: made by the program where the system lets it, otherwise by the script that runs

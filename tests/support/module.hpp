@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // A library that is loaded and freed while the program runs, and threads that no runtime made.

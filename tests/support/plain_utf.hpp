@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // UTF-8 and UTF-16 the plain way, one code point after the other.

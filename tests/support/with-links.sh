@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: BSL-1.0
 # with-links.sh PROGRAM [ARGUMENT ...]: runs a test program, and does beside it what a program under Wine cannot
 # do: it makes links. The program asks by a file "enlaces.pide" with one line, which goes away when that is done
 # (tests/support/links.hpp):

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // A store with all that XML puts into it, as text, and both ways of reading XML.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Base64, hexadecimal, addresses of the web, words of mail headers, code pages.
 
 #include <ruvo/texto.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Identity numbers, accounts and cards against their control sums.
 
 #include <ruvo/texto.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // SQL, HTML, JSON in texts and bundles, and stored memos.
 
 #include <ruvo/ruvo.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Numbers as text: formats, sizes, numerals, amounts in words, and texts that are numbers.
 
 #include <ruvo/ruvo.hpp>

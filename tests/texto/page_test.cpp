@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // docs/texto.md has an example of every function of the headers. That the examples hold is a test of the
 // guide.
 

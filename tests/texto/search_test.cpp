@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Replacing, splitting, masks and the fixed patterns.
 
 #include <ruvo/texto.hpp>

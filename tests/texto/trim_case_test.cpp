@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Blanks at the ends, capital and small letters, and texts that are integers.
 
 #include <ruvo/texto.hpp>

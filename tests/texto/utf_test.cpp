@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // UTF-8 and UTF-16 against a plain way.
 
 #include <ruvo/texto.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Words, names of persons and places, and cleaning.
 
 #include <ruvo/texto.hpp>

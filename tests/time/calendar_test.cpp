@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The calendar itself: every day of two centuries against counting, and the arithmetic of the three types.
 
 #include <ruvo/datetime.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Differences between calendar values against counting, and the ends of periods.
 
 #include <ruvo/datetime.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Calendar values on a thread whose services are not the default ones.
 
 #include <ruvo/fake_context.hpp>

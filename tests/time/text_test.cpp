@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Printing and reading calendar text.
 
 #include <ruvo/datetime.hpp>

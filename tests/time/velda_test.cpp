@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The day count: its two formulas against other statements of them, and the days that they disagree on.
 
 #include <ruvo/ruvo.hpp>

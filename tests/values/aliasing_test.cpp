@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Arguments that are a part of what is written. Each operation is run on two equal targets, once with a part
 // of the target and once with a copy of that part: both end the same, and the checkers see no freed memory
 // read.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The two values that are rows of bytes and of characters.
 
 #include <ruvo/binary.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Qualities, lists and bundles.
 
 #include <ruvo/ruvo.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // What a bundle says of a path, and that it agrees with the getters.
 
 #include <ruvo/ruvo.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The kinds of a value, their copies, conversions and order.
 
 #include <ruvo/ruvo.hpp>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Folders with all that is in them: listing, copying, comparing and erasing, with a filter that decides what

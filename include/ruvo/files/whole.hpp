@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Whole files: reading, writing and copying them, names for new ones, and their MIME types.

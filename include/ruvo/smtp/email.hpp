@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ruvo::smtp::email, a message: what it says, from whom, to whom, and the texts that a transport sends.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ruvo::smtp::mailbox, the account on a mail server through which messages leave.

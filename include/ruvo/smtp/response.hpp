@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // ruvo::smtp::response, how the delivery of a message went, recipient by recipient.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // UTF-8, Base64, hexadecimal and the encodings of the web and of mail.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Spanish identity numbers, bank accounts and payment cards: cleaning and check digits.

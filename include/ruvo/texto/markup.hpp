@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Escaping for SQL, HTML and JSON, the tags of HTML, and stored memos.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Tests for parts, masks and patterns, replacing and splitting. Everything that does not name its argument

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Trimming, case, word forms, names and the cleaning of characters.

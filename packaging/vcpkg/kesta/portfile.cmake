@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSL-1.0
 # An overlay port: builds kesta from the source tree that this file is in.
 #
 #   vcpkg install kesta --triplet x64-windows --overlay-ports=packaging/vcpkg

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The check of standard JSON: its tokens, its structure, and what departs from them.
 
 #include <ruvo/json_check.hpp>

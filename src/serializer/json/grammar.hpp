@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // What the characters of JSON mean to all that reads, checks, writes or prints it. The reader is lenient and

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // JSON text for people to read.
 
 #include <ruvo/serializer.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Texts of JSON inside values: escaped line breaks, and what a memo holds.
 
 #include <ruvo/binary.hpp>

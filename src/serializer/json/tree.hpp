@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // What the reader of JSON makes of values: members of objects, elements of lists.

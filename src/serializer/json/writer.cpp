@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Writing JSON: the text of scalars, and the walk over what holds them.
 
 #include <ruvo/binary.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Passing over the document type of XML.
 
 #include "serializer/xml/dtd.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // What the characters of XML mean to all that reads or writes it. One reader is lenient, the other one

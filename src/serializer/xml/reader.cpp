@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The lenient reader of XML.
 
 #include <ruvo/exc.hpp>

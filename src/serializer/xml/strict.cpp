@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The strict reader of XML: declaration, elements, attributes, texts.
 
 #include <ruvo/bundle.hpp>

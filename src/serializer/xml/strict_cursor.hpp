@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Walking over a text that must be XML: what the document type and the elements have in common.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // What the readers of XML make of elements: members, lists of what repeats, qualities, texts.

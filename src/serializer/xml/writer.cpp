@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Writing XML: the text of values, tags, and the walk that puts them together.
 
 #include <ruvo/binary.hpp>

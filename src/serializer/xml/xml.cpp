@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The reader and the writer of XML in one object.
 
 #include <ruvo/xml.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The account of the process: its name, its domain and its identifier.
 
 #include "system/account.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Lines at the end of a file that other programs write to as well.
 
 #include "system/appended_file.hpp"

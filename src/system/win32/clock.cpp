@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The system's clocks.
 
 #include "system/clock.hpp"

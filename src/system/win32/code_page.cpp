@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Conversions by the system's code pages.
 
 #include "system/code_page.hpp"

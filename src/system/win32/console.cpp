@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The standard outputs, and a console where there is none.
 
 #include "system/console.hpp"

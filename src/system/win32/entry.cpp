@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // What stands at a path, by the system's records.
 
 #include "system/entry.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Error numbers, their texts, and lines for a debugger.
 
 #include "system/errors.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The system's records of files and folders, in our terms.
 
 #include "system/win32/facts.hpp"

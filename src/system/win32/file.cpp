@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Files read, written, copied, renamed and removed.
 
 #include "system/file.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Folders held open, and what is done in them.
 
 #include "system/folder.hpp"

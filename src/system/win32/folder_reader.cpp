@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The entries of a folder, read in blocks.
 
 #include "system/folder_reader.hpp"

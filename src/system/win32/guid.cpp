@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Identifiers from the system.
 
 #include "system/guid.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // What the system holds open, closed once.
 
 #include "system/handle.hpp"

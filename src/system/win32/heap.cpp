@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Whether two modules take their memory from one heap.
 
 #include <ruvo/heap.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Separators, names of days and months by the system's locales.
 
 #include "system/locale.hpp"

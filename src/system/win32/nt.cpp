@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The system's calls below its documented ones, found at run time.
 
 #include "system/win32/nt.hpp"

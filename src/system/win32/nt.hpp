@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // The system's own calls, which open what has a name in a folder that is open, whatever has the folder's

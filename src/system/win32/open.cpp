@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Files and folders opened by name, and bytes written whole.
 
 #include "system/win32/open.hpp"

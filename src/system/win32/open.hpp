@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Files and folders opened by name, bytes written to them, and what stands in the way.

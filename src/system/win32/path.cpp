@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Paths in the form that takes any length and any name.
 
 #include "system/win32/path.hpp"

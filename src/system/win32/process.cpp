@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The process, its module and the version of the system.
 
 #include "system/process.hpp"

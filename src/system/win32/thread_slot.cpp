@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // A thread's pointer in a fiber slot.
 
 #include "system/thread_slot.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The rules of the user's zone for a year, kept for a second.
 
 #include "system/zone_rules.hpp"

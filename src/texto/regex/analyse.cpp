@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // What can come first at each place of a program.
 
 #include <algorithm>

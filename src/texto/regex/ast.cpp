@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // What may be taken out of the tree of a pattern before it is compiled.
 
 #include "texto/regex/ast.hpp"

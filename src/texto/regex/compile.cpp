@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // From the tree of a pattern to its program.
 
 #include "texto/regex/compile.hpp"

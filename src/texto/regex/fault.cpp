@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The only use of the standard library's <regex>: its error.
 
 #include "texto/regex/fault.hpp"

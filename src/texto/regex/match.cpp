@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // The matcher: backtracking over a stack on the heap, with a memory of what failed.
 
 #include "texto/regex/match.hpp"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // From the text of a pattern to its tree.
 
 #include "texto/regex/parse.hpp"

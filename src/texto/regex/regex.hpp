@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSL-1.0
 #pragma once
 
 // Patterns of the ECMAScript grammar on texts of any length.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // Sets of characters: how they are kept, and how a pattern names them.
 
 #include "texto/regex/set.hpp"

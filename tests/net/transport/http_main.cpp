@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // http_transport HOST PORT: sends requests to the server of http_server.py, reads the answers into responses
 // and prints them for it to check. The exit code is 0 when every answer is what this side expects.
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: BSL-1.0
 """http_server.py PROGRAM [ARGUMENT...]: serves HTTP on a free port of 127.0.0.1, runs the program with the port as
 its last argument, and checks what the server received and what the program printed. The exit code is 0 when all
 is as expected."""

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSL-1.0
+
 // mail_transport HOST PORT: composes messages, sends them through the server of mail_server.py and prints, as
 // one line of JSON, what was sent and how the deliveries went. The exit code is 0 when both ended as
 // expected.

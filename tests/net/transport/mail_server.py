@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: BSL-1.0
 """mail_server.py PROGRAM [ARGUMENT...]: serves SMTP on a free port of 127.0.0.1, runs the program with the port as
 its last argument, and checks the message that came in, read by Python's own parser, against what the program
 printed. The exit code is 0 when all is as expected, and 77 where Python has no mail server."""
