@@ -2,6 +2,8 @@
 
 // The text forms of lists and bundles.
 
+#include <string_view>
+
 #include "values/walk.hpp"
 
 namespace ruvo::detail {

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <string_view>
 
 #include "base/simd.hpp"
 #include "values/object.hpp"
