@@ -6,6 +6,7 @@
 
 #include <ruvo/var.hpp>
 
+#include <array>
 #include <cstddef>
 #include <initializer_list>
 #include <string>
@@ -102,11 +103,25 @@ inline const wchar_t* find_closing_quote(const wchar_t* at, const wchar_t* end, 
   return at;
 }
 
-/// What a letter behind a backslash stands for, or zero. `u` is not among them.
+/// The letters behind a backslash, but for `u`, and what they stand for.
+inline constexpr std::wstring_view escape_letters = L"\"\\/bfnrt", escape_meanings = L"\"\\/\b\f\n\r\t";
+
+/// What a letter behind a backslash stands for, or zero.
 constexpr wchar_t meaning_of_escape(wchar_t letter) noexcept {
-  constexpr std::wstring_view letters = L"\"\\/bfnrt", meanings = L"\"\\/\b\f\n\r\t";
-  const std::size_t at = letters.find(letter);
-  return at == std::wstring_view::npos ? L'\0' : meanings[at];
+  const std::size_t at = escape_letters.find(letter);
+  return at == std::wstring_view::npos ? L'\0' : escape_meanings[at];
+}
+
+/// The letter for a unit, or zero.
+constexpr wchar_t letter_of_escape(wchar_t meant) noexcept {
+  constexpr auto letters = [] {
+    std::array<wchar_t, 128> of{};
+    for (std::size_t n = 0; n < escape_letters.size(); ++n)
+      of[static_cast<std::size_t>(escape_meanings[n])] = escape_letters[n];
+    return of;
+  }();
+  const auto at = static_cast<std::size_t>(meant);
+  return at < letters.size() ? letters[at] : L'\0';
 }
 
 /// The unit that the four hexadecimal digits at the beginning stand for, or -1.

@@ -30,25 +30,7 @@ namespace {
 /// What stands for a character that needs an escape: two units, or a blank for a control character without
 /// one.
 wchar_t* print_escape(wchar_t* to, wchar_t c) noexcept {
-  const auto letter = [c]() -> wchar_t {
-    switch (c) {
-      case L'\b':
-        return L'b';
-      case L'\t':
-        return L't';
-      case L'\n':
-        return L'n';
-      case L'\f':
-        return L'f';
-      case L'\r':
-        return L'r';
-      case L'"':
-      case L'\\':
-        return c;
-      default:
-        return L'\0';
-    }
-  }();
+  const wchar_t letter = letter_of_escape(c);
   *to++ = letter ? L'\\' : L' ';
   if (letter) *to++ = letter;
   return to;
