@@ -17,6 +17,7 @@
 
 #include "base/ascii.hpp"
 #include "base/utf.hpp"
+#include "serializer/json/grammar.hpp"
 #include "values/walk.hpp"
 
 namespace ruvo::texto {
@@ -26,29 +27,15 @@ using detail::kind;
 
 namespace {
 
-/// The letter of an escape, or nothing.
-wchar_t escape_letter(wchar_t c) {
-  switch (c) {
-    case L'\t':
-      return L't';
-    case L'\r':
-      return L'r';
-    case L'\n':
-      return L'n';
-    default:
-      return L'\0';
-  }
-}
-
-bool has_escape(wchar_t c) { return escape_letter(c) != L'\0'; }
+/// Of what JSON escapes, tabs and the ends of lines only.
+bool has_escape(wchar_t c) { return c == L'\t' || c == L'\r' || c == L'\n'; }
 
 std::wstring escaped(std::wstring_view text, std::size_t escapes) {
   std::wstring made;
   made.reserve(text.size() + escapes);
   for (const wchar_t c : text) {
-    const wchar_t letter = escape_letter(c);
-    if (letter) made += L'\\';
-    made += letter ? letter : c;
+    if (has_escape(c)) made += L'\\';
+    made += has_escape(c) ? serializer::letter_of_escape(c) : c;
   }
   return made;
 }
