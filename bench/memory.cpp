@@ -63,7 +63,8 @@ void counted_give(void* memory) noexcept {
   std::free(block);
 }
 
-/// RapidJSON's base allocator.
+/// RapidJSON's base allocator, in its words.
+// NOLINTBEGIN(readability-identifier-naming)
 struct counted_allocator {
   static constexpr bool kNeedFree = true;
 
@@ -76,6 +77,7 @@ struct counted_allocator {
   }
   static void Free(void* memory) noexcept { counted_give(memory); }
 };
+// NOLINTEND(readability-identifier-naming)
 
 using wide_document =
     rapidjson::GenericDocument<rapidjson::UTF16<>, rapidjson::MemoryPoolAllocator<counted_allocator>,

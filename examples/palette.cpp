@@ -86,7 +86,10 @@ std::wstring swatch(const color& c) {
 std::wstring steps(const color& c) {
   std::wstring cell = swatch(c);
   color lighter = c, darker = c;
-  for (int n = 0; n < 3; ++n) cell = swatch(--lighter) + cell + swatch(++darker);
+  for (int n = 0; n < 3; ++n) {
+    cell.insert(0, swatch(--lighter));
+    cell += swatch(++darker);
+  }
   return cell;
 }
 

@@ -38,37 +38,37 @@ enum class family : unsigned char {
 
 struct kind_traits {
   kind of;
-  const std::type_info* type;  // null for a null cell, and for an object, which names its own
   family in;
   bool primitive;
-  const wchar_t* noun;  // in Spanish, with its article
+  const std::type_info* type;  // null for a null cell, and for an object, which names its own
+  const wchar_t* noun;         // in Spanish, with its article
 };
 
 inline constexpr kind_traits kinds[] = {
-    {kind::null, nullptr, family::nothing, false, L"nulo"},
-    {kind::boolean, &typeid(bool), family::truth, true, L"un valor lógico"},
-    {kind::wide_char, &typeid(wchar_t), family::character, false, L"un carácter"},
-    {kind::short_, &typeid(short), family::integer, false, L"un número entero"},
-    {kind::ushort, &typeid(unsigned short), family::integer, true, L"un número entero"},
-    {kind::int_, &typeid(int), family::integer, true, L"un número entero"},
-    {kind::uint, &typeid(unsigned int), family::integer, true, L"un número entero"},
-    {kind::long_, &typeid(long), family::integer, true, L"un número entero"},
-    {kind::ulong, &typeid(unsigned long), family::integer, true, L"un número entero"},
-    {kind::xlong, &typeid(long long), family::integer, true, L"un número entero"},
-    {kind::uxlong, &typeid(unsigned long long), family::integer, true, L"un número entero"},
-    {kind::float_, &typeid(float), family::real, true, L"un número decimal"},
-    {kind::double_, &typeid(double), family::real, true, L"un número decimal"},
-    {kind::date, &typeid(date), family::date, false, L"una fecha"},
-    {kind::time, &typeid(time), family::time, false, L"una hora"},
-    {kind::datetime, &typeid(datetime), family::datetime, false, L"una fecha con hora"},
-    {kind::small_text, &typeid(std::wstring), family::text, true, L"un texto"},
-    {kind::text, &typeid(std::wstring), family::text, true, L"un texto"},
-    {kind::string_text, &typeid(std::wstring), family::text, true, L"un texto"},
-    {kind::binary, &typeid(binary), family::prose, false, L"un binario"},
-    {kind::memo, &typeid(memo), family::prose, false, L"un memo"},
-    {kind::object, nullptr, family::object, false, L"un objeto"},
-    {kind::list, &typeid(list), family::container, false, L"una lista"},
-    {kind::bundle, &typeid(bundle), family::container, false, L"un bundle"},
+    {kind::null, family::nothing, false, nullptr, L"nulo"},
+    {kind::boolean, family::truth, true, &typeid(bool), L"un valor lógico"},
+    {kind::wide_char, family::character, false, &typeid(wchar_t), L"un carácter"},
+    {kind::short_, family::integer, false, &typeid(short), L"un número entero"},
+    {kind::ushort, family::integer, true, &typeid(unsigned short), L"un número entero"},
+    {kind::int_, family::integer, true, &typeid(int), L"un número entero"},
+    {kind::uint, family::integer, true, &typeid(unsigned int), L"un número entero"},
+    {kind::long_, family::integer, true, &typeid(long), L"un número entero"},
+    {kind::ulong, family::integer, true, &typeid(unsigned long), L"un número entero"},
+    {kind::xlong, family::integer, true, &typeid(long long), L"un número entero"},
+    {kind::uxlong, family::integer, true, &typeid(unsigned long long), L"un número entero"},
+    {kind::float_, family::real, true, &typeid(float), L"un número decimal"},
+    {kind::double_, family::real, true, &typeid(double), L"un número decimal"},
+    {kind::date, family::date, false, &typeid(date), L"una fecha"},
+    {kind::time, family::time, false, &typeid(time), L"una hora"},
+    {kind::datetime, family::datetime, false, &typeid(datetime), L"una fecha con hora"},
+    {kind::small_text, family::text, true, &typeid(std::wstring), L"un texto"},
+    {kind::text, family::text, true, &typeid(std::wstring), L"un texto"},
+    {kind::string_text, family::text, true, &typeid(std::wstring), L"un texto"},
+    {kind::binary, family::prose, false, &typeid(binary), L"un binario"},
+    {kind::memo, family::prose, false, &typeid(memo), L"un memo"},
+    {kind::object, family::object, false, nullptr, L"un objeto"},
+    {kind::list, family::container, false, &typeid(list), L"una lista"},
+    {kind::bundle, family::container, false, &typeid(bundle), L"un bundle"},
 };
 
 static_assert(

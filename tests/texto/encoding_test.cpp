@@ -165,12 +165,14 @@ TEST(hex, to_decimal) {
       {"100000000000000000000000000000000", "340282366920938463463374607431768211456"},
   };
   for (const auto& [hex, decimal] : rows) EXPECT_EQ(texto::hex_to_dec(hex), decimal) << hex;
-  for (const std::string bad : {"g", "-1", "0x1F", " 1", "1 ", "\xC3\xB1", "123456789abcdefg"}) try {
+  for (const std::string bad : {"g", "-1", "0x1F", " 1", "1 ", "\xC3\xB1", "123456789abcdefg"}) {
+    try {
       texto::hex_to_dec(bad);
       ADD_FAILURE() << bad;
     } catch (const std::invalid_argument& e) {
       EXPECT_STREQ(e.what(), "Carácter hexadecimal no válido");
     }
+  }
 }
 
 /// Checked by remainders: those of the decimal text are those of the hexadecimal one.

@@ -154,11 +154,12 @@ TEST_F(patterns_and_texts, all_small_ones) {
   for (std::size_t i = 0; all[i].size() < 6; ++i)
     for (const wchar_t c : {L'a', L'b'}) all.push_back(all[i] + c);
   std::size_t number = 0;
-  for (const std::size_t size : {1, 2, 3, 4})
+  for (const std::size_t size : {1, 2, 3, 4}) {
     for (const part& made : small_patterns(size)) {
       if (size == 4 && number++ % 23 >= rounds()) continue;
       ASSERT_NO_FATAL_FAILURE(compare(made, all, L"<$&,$1>"));
     }
+  }
   EXPECT_GT(replaced, inputs / 3);
 }
 
@@ -322,12 +323,13 @@ TEST(pattern, bad_patterns_throw_the_fitting_error) {
       {codes::error_escape, {L"\\", L"[\\", L"\\x4", L"\\u004g", L"\\c", L"[\\1]"}},
       {codes::error_backref, {L"\\1", L"(a)\\2", L"(a\\1)", L"\\1(a)"}},
   };
-  for (const auto& row : rows)
+  for (const auto& row : rows) {
     for (const std::wstring& pattern : row.patterns) {
       EXPECT_THROW(std::wregex{pattern}, std::regex_error) << testing::PrintToString(pattern);
       EXPECT_EQ(error_of(pattern), row.error) << testing::PrintToString(pattern);
       EXPECT_THROW(texto::match(L"", pattern), std::regex_error);
     }
+  }
   EXPECT_EQ(error_of(L"a{99999999999}"),
             codes::error_badbrace);  // numbers of which the standard engine makes nonsense
   EXPECT_EQ(error_of(L"(a)\\99999999999999999999"), codes::error_backref);

@@ -20,7 +20,6 @@
 namespace ruvo::serializer {
 
 using detail::cell;
-using detail::holder;
 using detail::kind;
 using detail::order;
 
