@@ -106,7 +106,7 @@ bool file::mkdirs(exception* err) const {
 }
 
 void file::erase() const {
-  if (is_directory() ? platform::remove_folder(path_) : platform::remove_file(path_)) return;
+  if (file::is_directory() ? platform::remove_folder(path_) : platform::remove_file(path_)) return;
   if (exists()) throw exc::fileUnDeleted(*this);
   throw exc::fileNotFound(*this);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSL-1.0
 
-// Beyond the greatest sizes, in a build where they are tiny (src/values/limits.hpp): std::length_error,
+// Beyond the greatest sizes, in a build where they are tiny (src/base/limits.hpp): std::length_error,
 // nothing lost, and all works on.
 
 #include <ruvo/ruvo.hpp>

@@ -124,7 +124,7 @@ class findings {
 
 // --- tokens
 
-/// Splits a text into tokens and tells what is wrong inside them.
+/// Splits a text into tokens and reports what is wrong inside them.
 class scanner {
  public:
   scanner(std::wstring_view text, findings& out) : text_(text), out_(out) {
@@ -255,7 +255,7 @@ class scanner {
 
   void escape() {
     const std::size_t from = at_++;
-    if (!more()) return;  // the string is not closed, which is told
+    if (!more()) return;  // the string is not closed, which is reported
     const wchar_t c = text_[at_];
     if (c == L'u') return unicode_escape(from);
     if (!meaning_of_escape(c))
@@ -430,7 +430,7 @@ class checker {
     levels_.pop_back();
   }
 
-  /// A text that ends inside a string is told of already.
+  /// A text that ends inside a string is reported already.
   void finish() {
     ended_ = true;
     if (scanner_.cut()) return;

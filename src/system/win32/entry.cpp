@@ -73,8 +73,12 @@ bool read_followed(const std::wstring& name, entry_facts& out) {
 
 /// What the folder knows.
 bool read_kept(const std::wstring& name, entry_facts& out) {
-  WIN32_FILE_ATTRIBUTE_DATA found;
-  if (!GetFileAttributesExW(name.c_str(), GetFileExInfoStandard, &found)) return false;
+  WIN32_FILE_ATTRIBUTE_DATA found{};
+  if (!GetFileAttributesExW(name.c_str(), GetFileExInfoStandard, &found)) {
+    if (GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND) return false;
+    found.dwFileAttributes = GetFileAttributesW(name.c_str());  // all that a device has
+    if (found.dwFileAttributes == INVALID_FILE_ATTRIBUTES) return false;
+  }
   entry_record record = record_of(found);
   if (record.attributes & FILE_ATTRIBUTE_REPARSE_POINT) record.tag = reparse_tag(name);
   out = facts_of(record);
