@@ -36,39 +36,47 @@ enum class family : unsigned char {
   container
 };
 
+using type_question =
+    const std::type_info* (*)() noexcept;  // as not all compilers take a typeid for a constant
+template <class T>
+const std::type_info* type_named() noexcept {
+  return &typeid(T);
+}
+inline const std::type_info* no_type() noexcept { return nullptr; }
+
 struct kind_traits {
   kind of;
   family in;
   bool primitive;
-  const std::type_info* type;  // null for a null cell, and for an object, which names its own
-  const wchar_t* noun;         // in Spanish, with its article
+  type_question type;   // null for a null cell, and for an object, which names its own
+  const wchar_t* noun;  // in Spanish, with its article
 };
 
 inline constexpr kind_traits kinds[] = {
-    {kind::null, family::nothing, false, nullptr, L"nulo"},
-    {kind::boolean, family::truth, true, &typeid(bool), L"un valor lógico"},
-    {kind::wide_char, family::character, false, &typeid(wchar_t), L"un carácter"},
-    {kind::short_, family::integer, false, &typeid(short), L"un número entero"},
-    {kind::ushort, family::integer, true, &typeid(unsigned short), L"un número entero"},
-    {kind::int_, family::integer, true, &typeid(int), L"un número entero"},
-    {kind::uint, family::integer, true, &typeid(unsigned int), L"un número entero"},
-    {kind::long_, family::integer, true, &typeid(long), L"un número entero"},
-    {kind::ulong, family::integer, true, &typeid(unsigned long), L"un número entero"},
-    {kind::xlong, family::integer, true, &typeid(long long), L"un número entero"},
-    {kind::uxlong, family::integer, true, &typeid(unsigned long long), L"un número entero"},
-    {kind::float_, family::real, true, &typeid(float), L"un número decimal"},
-    {kind::double_, family::real, true, &typeid(double), L"un número decimal"},
-    {kind::date, family::date, false, &typeid(date), L"una fecha"},
-    {kind::time, family::time, false, &typeid(time), L"una hora"},
-    {kind::datetime, family::datetime, false, &typeid(datetime), L"una fecha con hora"},
-    {kind::small_text, family::text, true, &typeid(std::wstring), L"un texto"},
-    {kind::text, family::text, true, &typeid(std::wstring), L"un texto"},
-    {kind::string_text, family::text, true, &typeid(std::wstring), L"un texto"},
-    {kind::binary, family::prose, false, &typeid(binary), L"un binario"},
-    {kind::memo, family::prose, false, &typeid(memo), L"un memo"},
-    {kind::object, family::object, false, nullptr, L"un objeto"},
-    {kind::list, family::container, false, &typeid(list), L"una lista"},
-    {kind::bundle, family::container, false, &typeid(bundle), L"un bundle"},
+    {kind::null, family::nothing, false, no_type, L"nulo"},
+    {kind::boolean, family::truth, true, type_named<bool>, L"un valor lógico"},
+    {kind::wide_char, family::character, false, type_named<wchar_t>, L"un carácter"},
+    {kind::short_, family::integer, false, type_named<short>, L"un número entero"},
+    {kind::ushort, family::integer, true, type_named<unsigned short>, L"un número entero"},
+    {kind::int_, family::integer, true, type_named<int>, L"un número entero"},
+    {kind::uint, family::integer, true, type_named<unsigned int>, L"un número entero"},
+    {kind::long_, family::integer, true, type_named<long>, L"un número entero"},
+    {kind::ulong, family::integer, true, type_named<unsigned long>, L"un número entero"},
+    {kind::xlong, family::integer, true, type_named<long long>, L"un número entero"},
+    {kind::uxlong, family::integer, true, type_named<unsigned long long>, L"un número entero"},
+    {kind::float_, family::real, true, type_named<float>, L"un número decimal"},
+    {kind::double_, family::real, true, type_named<double>, L"un número decimal"},
+    {kind::date, family::date, false, type_named<date>, L"una fecha"},
+    {kind::time, family::time, false, type_named<time>, L"una hora"},
+    {kind::datetime, family::datetime, false, type_named<datetime>, L"una fecha con hora"},
+    {kind::small_text, family::text, true, type_named<std::wstring>, L"un texto"},
+    {kind::text, family::text, true, type_named<std::wstring>, L"un texto"},
+    {kind::string_text, family::text, true, type_named<std::wstring>, L"un texto"},
+    {kind::binary, family::prose, false, type_named<binary>, L"un binario"},
+    {kind::memo, family::prose, false, type_named<memo>, L"un memo"},
+    {kind::object, family::object, false, no_type, L"un objeto"},
+    {kind::list, family::container, false, type_named<list>, L"una lista"},
+    {kind::bundle, family::container, false, type_named<bundle>, L"un bundle"},
 };
 
 static_assert(

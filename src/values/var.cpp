@@ -159,7 +159,7 @@ void var::destroy() noexcept {
 
 const std::type_info* var::get_type() const noexcept {
   if (data_.kind == kind::object) return &cell::pointer<detail::object>(*this)->type();
-  return traits_of(*this).type;
+  return traits_of(*this).type();
 }
 
 var::operator const std::type_info*() const noexcept { return is_null() ? &typeid(var) : get_type(); }

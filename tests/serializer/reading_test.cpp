@@ -171,6 +171,27 @@ TEST_F(reading, agrees_with_deserialize) {
   }
 }
 
+/// Feeds the text by character, and expects the entry at the path to stay where it was first seen.
+template <class Reader>
+void expect_stays(std::wstring_view text, const std::wstring& path) {
+  bundle out;
+  exception error;
+  Reader reader;
+  reader.reset();
+  reader.set_store(out);
+  const ruvo::xvar* seen = nullptr;
+  for (const wchar_t c : text) {
+    reader.next_character(c, error);
+    if (!seen) seen = out.get_ptr(path);
+  }
+  EXPECT_TRUE(seen && seen == out.get_ptr(path)) << path;
+}
+
+TEST(readers, leave_entries_where_they_are_seen) {
+  expect_stays<json_reader>(L"{\"a\":{\"b\":\"x\",\"c\":2},\"d\":3}", L"a.b");
+  expect_stays<xml_reader>(L"<a><b>x</b><c>2</c></a><d/>", L"a.b");
+}
+
 TEST(failure_position, goes_along_with_copies_and_causes) {
   const ruvo::exc::xmlFalseKnot failure(~0ULL, 2);
   exception copy = failure;

@@ -426,7 +426,7 @@ class checker {
   }
 
   void pop() {
-    tell_duplicates(levels_.back().names);
+    note_duplicates(levels_.back().names);
     levels_.pop_back();
   }
 
@@ -452,7 +452,7 @@ class checker {
   }
 
   /// Of the names from `first` on, which are forgotten.
-  void tell_duplicates(std::size_t first) {
+  void note_duplicates(std::size_t first) {
     const auto begin = names_.begin() + static_cast<std::ptrdiff_t>(first);
     std::sort(begin, names_.end(), [](const name& a, const name& b) {
       return std::tie(a.text, a.offset) < std::tie(b.text, b.offset);

@@ -112,16 +112,18 @@ constexpr wchar_t meaning_of_escape(wchar_t letter) noexcept {
   return at == std::wstring_view::npos ? L'\0' : escape_meanings[at];
 }
 
+/// The letter of each ASCII unit, or zero. Not inside the function: gcc would fill it at every call.
+inline constexpr auto letters_of_escapes = [] {
+  std::array<wchar_t, 128> of{};
+  for (std::size_t n = 0; n < escape_letters.size(); ++n)
+    of[static_cast<std::size_t>(escape_meanings[n])] = escape_letters[n];
+  return of;
+}();
+
 /// The letter for a unit, or zero.
 constexpr wchar_t letter_of_escape(wchar_t meant) noexcept {
-  constexpr auto letters = [] {
-    std::array<wchar_t, 128> of{};
-    for (std::size_t n = 0; n < escape_letters.size(); ++n)
-      of[static_cast<std::size_t>(escape_meanings[n])] = escape_letters[n];
-    return of;
-  }();
   const auto at = static_cast<std::size_t>(meant);
-  return at < letters.size() ? letters[at] : L'\0';
+  return at < letters_of_escapes.size() ? letters_of_escapes[at] : L'\0';
 }
 
 /// The unit that the four hexadecimal digits at the beginning stand for, or -1.

@@ -95,7 +95,7 @@ class json_printer {
   void put(const wchar_t* end) {
     if (gap_ == gap::blank) out_.text += L' ';
     if (gap_ == gap::line && !out_.text.empty()) out_.new_line();
-    out_.text.append(at_, end);
+    out_.text.append(serializer::between(at_, end));
     at_ = end;
     gap_ = gap::none;
     opened_ = false;

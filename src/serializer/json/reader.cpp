@@ -235,9 +235,10 @@ class json_reader::machine {
     clear_buffers();
   }
 
-  void close() {
-    leave();
+  void close() noexcept {
+    tree_.close();
     clear_buffers();
+    go_on_outside();
   }
 
   void enter(xvar& value, bool as_list) {
@@ -246,9 +247,11 @@ class json_reader::machine {
   }
 
   void leave() {
-    tree_.close();
-    state_ = tree_.in_list() ? state::array : state::object;
+    tree_.close_fitted();
+    go_on_outside();
   }
+
+  void go_on_outside() noexcept { state_ = tree_.in_list() ? state::array : state::object; }
 
   static var meant_by(const json_word& word) noexcept {
     var value;

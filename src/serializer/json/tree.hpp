@@ -51,16 +51,17 @@ class json_tree {
     open_.push_back(&value);
   }
 
-  /// The innermost container, if any, is complete.
-  void close() {
-    if (open_.empty()) return;
-    const var& complete = *open_.back();
-    if (detail::cell::kind_of(complete) == detail::kind::list) {
-      sizes_.note(depth(), detail::cell::as_list(complete).size());
-    } else if (detail::cell::kind_of(complete) == detail::kind::bundle) {
-      sizes_.fit(depth(), detail::cell::as_bundle(complete));
-    }
-    open_.pop_back();
+  /// The innermost container, if any, is complete. Its entries stay where they are: between two characters
+  /// the caller may hold references to them.
+  void close() noexcept {
+    if (!open_.empty()) open_.pop_back();
+  }
+  /// The same where nobody can hold any yet: it also gives back the room that it does not need, and its size
+  /// is remembered.
+  void close_fitted() {
+    if (in_list()) sizes_.note(depth(), innermost_list().size());
+    if (in_object()) sizes_.fit(depth(), detail::cell::as_bundle(*open_.back()));
+    close();
   }
 
  private:

@@ -347,7 +347,7 @@ class xml_reader::machine {
     if (rest.size() <= name.size() || rest[name.size()] != L'>' || !rest.starts_with(name)) return false;
     if (rest.front() == L'?' || rest.front() == L'\0') return false;
     at_ += name.size() + 3;
-    tree_.close();
+    tree_.close_fitted();
     clear_buffers();
     state_ = state::start;
     return true;

@@ -190,7 +190,7 @@ class document_reader : xml_cursor {
 
   void close() {
     if (tree_.leaf()) tree_.set_text(text_.text());
-    tree_.close();
+    tree_.close_fitted();
     --depth_;
   }
 

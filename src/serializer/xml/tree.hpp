@@ -65,13 +65,19 @@ class xml_tree {
     return {key, qualities.size() > before};
   }
 
-  /// The innermost element is complete.
-  void close() {
+  /// The innermost element is complete. What is in it stays where it is: between two characters the caller
+  /// may hold references to it.
+  void close() noexcept {
+    has_leaf_ = false;
+    open_.pop_back();
+  }
+  /// The same where nobody can hold any yet: it also gives back the room that it does not need, and its size
+  /// is remembered.
+  void close_fitted() {
     var& complete = *open_.back().value;
     if (!has_leaf_ && detail::cell::kind_of(complete) == detail::kind::bundle)
       sizes_.fit(depth(), detail::cell::as_bundle(complete));
-    has_leaf_ = false;
-    open_.pop_back();
+    close();
   }
 
  private:

@@ -26,6 +26,7 @@ using detail::order;
 namespace {
 
 constexpr std::wstring_view item_name = L"item";
+const std::wstring schema_key = L"__schema__";  // made once: it is looked up for each qualified element
 
 /// How a unit that is_markup() is written.
 std::wstring_view entity_of(wchar_t c) noexcept {
@@ -77,7 +78,7 @@ class tags {
       return out_.advance(to);
     }
     out_.put(L'<');
-    if (const auto schema = qualities->find(L"__schema__"); schema != qualities->end())
+    if (const auto schema = qualities->find(schema_key); schema != qualities->end())
       put_prefix(schema->second.to_string());
     out_.put(name);
     for (const auto& [key, value] : *qualities) {
