@@ -11,8 +11,9 @@
 
 using namespace ruvo::texto;
 
+/// Without what print_json() takes for blanks.
 static std::wstring solid(std::wstring text) {
-  std::erase_if(text, [](wchar_t c) { return c == L' ' || c == L'\n'; });
+  std::erase_if(text, [](wchar_t c) { return c == L' ' || (c >= L'\t' && c <= L'\r'); });
   return text;
 }
 
