@@ -112,13 +112,14 @@ constexpr wchar_t meaning_of_escape(wchar_t letter) noexcept {
   return at == std::wstring_view::npos ? L'\0' : escape_meanings[at];
 }
 
-/// The letter of each ASCII unit, or zero. Not inside the function: gcc would fill it at every call.
-inline constexpr auto letters_of_escapes = [] {
+constexpr std::array<wchar_t, 128> letters_by_meaning() noexcept {
   std::array<wchar_t, 128> of{};
   for (std::size_t n = 0; n < escape_letters.size(); ++n)
     of[static_cast<std::size_t>(escape_meanings[n])] = escape_letters[n];
   return of;
-}();
+}
+/// The letter of each ASCII unit, or zero. Not inside the function: gcc would fill it at every call.
+inline constexpr auto letters_of_escapes = letters_by_meaning();
 
 /// The letter for a unit, or zero.
 constexpr wchar_t letter_of_escape(wchar_t meant) noexcept {
