@@ -27,7 +27,9 @@ struct bundle_access;
 }  // namespace detail
 
 /// A set of named xvar that ignores the case of its keys, iterates in the order of the folded keys and
-/// remembers the order in which they were first inserted.
+/// remembers the order in which they were first inserted, and how they were spelled then. An entry's spelling
+/// goes along with copies and moves; nothing but the writers of standard formats looks at it. It costs no
+/// memory where it is the key itself.
 ///
 /// operator[], at, find, count and erase fold A-Z; the path operations fold the path with
 /// texto::to_lowercase, which also knows accented letters, and split it at the separator. Narrow keys and
@@ -50,6 +52,9 @@ class KESTA_API bundle {
     /// Copies of both: so a bundle fills a std::map, and a loop may ask for pairs.
     operator std::pair<const std::wstring, xvar>() const { return {first, second}; }
     operator std::pair<std::wstring, xvar>() const { return {first, second}; }
+
+    /// The key as it was written when it first came in; valid as long as the entry.
+    const std::wstring& spelling() const noexcept;
 
     const std::wstring& first;  ///< The key; valid as long as the entry.
     xvar second;                ///< The value.
@@ -161,6 +166,9 @@ class KESTA_API bundle {
   const_iterator operator[](N n) const noexcept {
     return const_cast<bundle*>(this)->nth(static_cast<unsigned long long>(n));
   }
+
+  /// The spelling of the n-th key in insertion order. Throws std::out_of_range beyond the last.
+  const std::wstring& spelling(size_type n) const;
 
   /// The entry with the key, or end().
   iterator find(const std::wstring& key);

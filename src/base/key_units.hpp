@@ -20,25 +20,36 @@ inline Unit fold_unit(Unit c) noexcept {
   return static_cast<Unit>(static_cast<char16_t>(c) < 0x80 ? texto::to_lower(wide) : fold(wide));
 }
 
-/// Writes the text folded by `fold` unit for unit: four ASCII units at a time, the others one by one.
+/// Writes the text folded by `fold` unit for unit: four ASCII units at a time, the others one by one. Whether
+/// that changed any.
 template <wchar_t (*fold)(wchar_t), class Unit>
-inline void fold_units(Unit* to, std::basic_string_view<Unit> text) noexcept {
+inline bool fold_units(Unit* to, std::basic_string_view<Unit> text) noexcept {
   std::size_t at = 0;
+  std::uint64_t changes = 0;
+  const auto fold_one = [&] {
+    to[at] = fold_unit<fold>(text[at]);
+    changes |= static_cast<std::uint64_t>(to[at] ^ text[at]);
+    ++at;
+  };
   if constexpr (sizeof(Unit) == 2) {
     constexpr std::uint64_t lanes = 0x0001000100010001;
-    for (; at + 4 <= text.size(); at += 4) {
+    while (at + 4 <= text.size()) {
       std::uint64_t word;
       std::memcpy(&word, text.data() + at, sizeof word);
       if ((word & 0xFF80 * lanes) != 0) {
-        for (std::size_t n = at; n < at + 4; ++n) to[n] = fold_unit<fold>(text[n]);
+        for (int n = 0; n < 4; ++n) fold_one();
         continue;
       }
       const std::uint64_t from_a = word + (0x80 - 'A') * lanes, beyond_z = word + (0x80 - 'Z' - 1) * lanes;
-      word |= (from_a & ~beyond_z & 0x80 * lanes) >> 2;
+      const std::uint64_t capitals = (from_a & ~beyond_z & 0x80 * lanes) >> 2;
+      changes |= capitals;
+      word |= capitals;
       std::memcpy(to + at, &word, sizeof word);
+      at += 4;
     }
   }
-  for (; at < text.size(); ++at) to[at] = fold_unit<fold>(text[at]);
+  while (at < text.size()) fold_one();
+  return changes != 0;
 }
 
 /// A number whose bits are spread out, for hashing.

@@ -50,9 +50,7 @@ bool split_head(std::wstring_view& path, wchar_t separator, std::wstring_view& h
   return true;
 }
 
-xvar& put_in(bundle& in, std::wstring_view folded) {
-  return bundle_access::made_store(in).put(key_view(folded))->second;
-}
+xvar& put_in(bundle& in, const key_view& key) { return bundle_access::made_store(in).put(key)->second; }
 
 }  // namespace
 
@@ -60,6 +58,10 @@ xvar& put_in(bundle& in, std::wstring_view folded) {
 
 bundle::entry::entry(const entry& other) : first(other.first), second(other.second) {
   detail::retain(bundle_store::key_of(&other));
+}
+
+const std::wstring& bundle::entry::spelling() const noexcept {
+  return bundle_store::key_of(this)->spelling();
 }
 
 bundle::entry::~entry() { detail::release(bundle_store::key_of(this)); }
@@ -106,9 +108,11 @@ bundle::operator xvar() && {
 
 // --- direct access
 
-xvar& bundle::operator[](const std::wstring& key) { return put_in(*this, folded_key(key).view()); }
+xvar& bundle::operator[](const std::wstring& key) { return put_in(*this, key_view(folded_key(key))); }
 xvar& bundle::operator[](const std::string& key) { return (*this)[to_utf_16(key)]; }
-xvar& bundle::operator[](const wchar_t* key) { return put_in(*this, folded_key(texto::view_of(key)).view()); }
+xvar& bundle::operator[](const wchar_t* key) {
+  return put_in(*this, key_view(folded_key(texto::view_of(key))));
+}
 xvar& bundle::operator[](const char* key) { return (*this)[std::string(key ? key : "")]; }
 const xvar& bundle::operator[](const wchar_t* key) const { return at(std::wstring(texto::view_of(key))); }
 const xvar& bundle::operator[](const char* key) const { return at(std::string(key ? key : "")); }
@@ -122,6 +126,11 @@ const xvar& bundle::at(const std::string& key) const { return at(to_utf_16(key))
 
 bundle::iterator bundle::nth(unsigned long long n) noexcept {
   return n < size() ? iterator(store_, store_->nth(static_cast<std::size_t>(n)), 0) : end();
+}
+
+const std::wstring& bundle::spelling(size_type n) const {
+  if (n >= size()) throw std::out_of_range("invalid bundle position");
+  return store_->nth(n)->spelling();
 }
 
 bundle::iterator bundle::find(const std::wstring& key) {
@@ -187,9 +196,13 @@ bool bundle::has(const std::wstring& path, char separator) const {
 xvar& bundle::hack(const std::wstring& path, char separator) {
   const folded_path folded(path, detail::units::owned);
   std::wstring_view rest = folded.view(), head;
+  const auto part = [&](std::wstring_view name) {
+    const auto from = static_cast<std::size_t>(name.data() - folded.view().data());
+    return key_view(name, folded.written().substr(from, name.size()));
+  };
   bundle* in = this;
-  while (split_head(rest, unit_of(separator), head)) in = &cell::on_bundle(put_in(*in, head));
-  return put_in(*in, rest);
+  while (split_head(rest, unit_of(separator), head)) in = &cell::on_bundle(put_in(*in, part(head)));
+  return put_in(*in, part(rest));
 }
 
 xvar* bundle::hack_ptr(const std::wstring& path, char separator) { return &hack(path, separator); }

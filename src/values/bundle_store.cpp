@@ -98,7 +98,7 @@ bundle_store* bundle_store::like(const bundle_store& other) {
   try {
     for (std::size_t n = 0; n < other.size_; ++n) {
       const shared_key* const key = key_of(other.nth(n));
-      store->add({*key, key->hash}, key);
+      store->add(key_view(*key), key);
     }
   } catch (...) {
     drop(store);
@@ -261,7 +261,7 @@ bundle::entry* bundle_store::add(const key_view& key, const shared_key* shared) 
   if (shared) {
     retain(shared);
   } else {
-    shared = key_with(key.text, key.hash);
+    shared = key_with(key.text, key.hash, key.spelling);
   }
   void* const place = take_place();
   auto* const item = new (place) entry(*shared);

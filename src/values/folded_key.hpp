@@ -25,7 +25,7 @@ enum class units { viewed, owned };
 template <wchar_t (*fold)(wchar_t)>
 class folded_text {
  public:
-  explicit folded_text(std::wstring_view text, units use = units::viewed) : view_(text) {
+  explicit folded_text(std::wstring_view text, units use = units::viewed) : view_(text), written_(text) {
     wchar_t* to = small_;
     if (text.size() > sizeof small_ / sizeof *small_) {
       const auto is_folded = [](wchar_t c) { return fold(c) == c; };
@@ -33,29 +33,41 @@ class folded_text {
       large_ = std::make_unique<wchar_t[]>(text.size());
       to = large_.get();
     }
-    fold_units<fold>(to, text);
     view_ = {to, text.size()};
+    if (!fold_units<fold>(to, text)) {
+      written_ = view_;
+    } else if (use == units::owned) {
+      original_ = std::make_unique<wchar_t[]>(text.size());
+      std::copy(text.begin(), text.end(), original_.get());
+      written_ = {original_.get(), text.size()};
+    }
   }
   folded_text(const folded_text&) = delete;
   folded_text& operator=(const folded_text&) = delete;
 
   std::wstring_view view() const noexcept { return view_; }
+  /// The text before; the same view where folding changed nothing.
+  std::wstring_view written() const noexcept { return written_; }
 
  private:
-  std::wstring_view view_;
-  std::unique_ptr<wchar_t[]> large_;
+  std::wstring_view view_, written_;
+  std::unique_ptr<wchar_t[]> large_, original_;
   wchar_t small_[64];
 };
 
 using folded_key = folded_text<texto::to_lower>;       // A-Z only
 using folded_path = folded_text<texto::to_lowercase>;  // accented letters too
 
-/// A folded key with its hash, as the stores look it up.
+/// A folded key with its hash, as the stores look it up, and its spelling, which an entry that is made for it
+/// remembers.
 struct key_view {
-  explicit key_view(std::wstring_view folded) noexcept : key_view(folded, hash_of(folded)) {}
-  key_view(std::wstring_view folded, std::uint32_t its_hash) noexcept : text(folded), hash(its_hash) {}
+  explicit key_view(std::wstring_view folded) noexcept : key_view(folded, folded) {}
+  explicit key_view(const folded_key& key) noexcept : key_view(key.view(), key.written()) {}
+  key_view(std::wstring_view folded, std::wstring_view written) noexcept
+      : text(folded), spelling(written), hash(hash_of(folded)) {}
+  explicit key_view(const shared_key& key) noexcept : text(key), spelling(key.spelling()), hash(key.hash) {}
 
-  std::wstring_view text;
+  std::wstring_view text, spelling;
   std::uint32_t hash;
 };
 

@@ -240,6 +240,48 @@ TEST(bundle, keys_fold_and_remember_their_order) {
   EXPECT_EQ(b[2]->first, L"zeta");
 }
 
+TEST(bundle, remembers_how_a_key_was_spelled_when_it_came_in) {
+  const std::wstring long_name(70, L'X');
+  bundle b;
+  b[L"nombre"] = 1;
+  b[L"NOMBRE"] = 2;
+  b[L"userName"] = 3;
+  b[L"USERNAME"] = 4;
+  b.putOn(L"Cliente.Dirección.ÑU", 5);
+  b["codigoPostal"] = 6;
+  b[long_name] = 7;
+  const auto spellings = [](const bundle& of) {
+    std::wstring all;
+    for (std::size_t n = 0; n < of.size(); ++n) {
+      EXPECT_EQ(of.spelling(n), of[n]->spelling());
+      all += of.spelling(n) + L' ';
+    }
+    return all;
+  };
+  const std::wstring expected = L"nombre userName Cliente codigoPostal " + long_name + L' ';
+  EXPECT_EQ(spellings(b), expected);
+  EXPECT_EQ(b.find(L"username")->first, L"username");
+  EXPECT_EQ(spellings(b.get_bundle("cliente")), L"Dirección ");
+  EXPECT_EQ(b.get_bundle("cliente.dirección").spelling(0), L"ÑU");
+  EXPECT_EQ(b.get_bundle("cliente.dirección")[0]->first, L"ñu");
+  EXPECT_THROW(b.spelling(5), std::out_of_range);
+
+  bundle copy(b), large;
+  copy.erase(L"userName");
+  copy[L"UserName"] = 8;
+  EXPECT_EQ(spellings(copy), L"nombre Cliente codigoPostal " + long_name + L" UserName ");
+  EXPECT_EQ(spellings(b), expected);
+  for (int n = 0; n < 300; ++n) large[L"Nº" + std::to_wstring(n)] = n;
+  EXPECT_EQ(large.spelling(299), L"Nº299");
+  EXPECT_EQ(bundle(large).find(L"nº7")->spelling(), L"Nº7");
+
+  // What is written goes away while the way is made.
+  bundle way;
+  way[L"Old"] = L"Old.New";
+  way.hack(way.hack_string_on(L"old"));
+  EXPECT_EQ(spellings(way.get_bundle(L"old")), L"New ");
+}
+
 TEST(bundle, paths) {
   bundle b;
   b.hack(L"Cliente.Direccion.Calle") = L"Mayor";

@@ -36,7 +36,7 @@ class json_tree {
   xvar& member(bundle& in, std::wstring_view key) const {
     const detail::folded_key folded(key);
     const std::size_t room = std::max<std::size_t>(sizes_.at(depth(), 0), 4);
-    return detail::bundle_access::made_store(in, room).put(detail::key_view(folded.view()))->second;
+    return detail::bundle_access::made_store(in, room).put(detail::key_view(folded))->second;
   }
 
   /// Replaces a value of the innermost container by an empty container, which is then the innermost one.

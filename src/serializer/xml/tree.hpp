@@ -89,7 +89,7 @@ class xml_tree {
   /// Where an element with this name belongs.
   xvar& place(bundle& document, std::wstring_view name) {
     const detail::folded_key folded(name);
-    const detail::key_view key(folded.view());
+    const detail::key_view key(folded);
     if (open_.empty()) {
       xvar& outermost = detail::bundle_access::made_store(document, 1).put(key)->second;
       static_cast<var&>(outermost).clear();
@@ -115,7 +115,7 @@ class xml_tree {
     bundle& children = detail::cell::as_bundle(repeated);
     list made;
     made.reserve(children.size() + 1);
-    for (const auto& child : children) add_item(made, detail::key_view(child.first));
+    for (const auto& child : children) add_item(made, detail::key_view(*detail::bundle_store::key_of(&child)));
     var whole;
     list& items = detail::cell::set_box(whole, detail::kind::list, std::move(made));
     // From here on nothing can fail, and nothing is lost.
