@@ -35,6 +35,7 @@
 #include <ruvo/net.hpp>
 #include <ruvo/reading.hpp>
 #include <ruvo/serializer.hpp>
+#include <ruvo/standard_json.hpp>
 #include <ruvo/smtp.hpp>
 #include <ruvo/sync.hpp>
 #include <ruvo/task.hpp>
