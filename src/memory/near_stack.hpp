@@ -28,6 +28,8 @@ class near_stack {
 
   bool empty() const noexcept { return end_ == first_; }
   T& top() noexcept { return end_[-1]; }
+  const T* begin() const noexcept { return first_; }
+  const T* end() const noexcept { return end_; }
   /// A new item; references to the others do not last.
   T& push() {
     if (end_ == limit_) [[unlikely]]

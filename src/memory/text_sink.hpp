@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSL-1.0
 #pragma once
 
-// A wide text under construction: room is asked for once a piece, and pieces are copied in steps of 16 bytes.
+// A text under construction: room is asked for once a piece, and pieces are copied in steps of 16 bytes.
 
 #include <algorithm>
 #include <cstddef>
@@ -16,22 +16,26 @@ namespace ruvo::detail {
 
 /// Collects a text in blocks of its own, so that what is written is never moved and a large result is
 /// allocated once, in its final size.
-class text_sink {
+template <class Unit>
+class basic_text_sink {
  public:
-  text_sink() noexcept : from_(first_), at_(first_), end_(first_ + sizeof first_ / sizeof *first_) {}
-  text_sink(const text_sink&) = delete;
-  text_sink& operator=(const text_sink&) = delete;
-  ~text_sink() {
-    for (const block& b : owned_) give_block(b.units, b.size * sizeof(wchar_t));
+  using string = std::basic_string<Unit>;
+  using view = std::basic_string_view<Unit>;
+
+  basic_text_sink() noexcept : from_(first_), at_(first_), end_(first_ + sizeof first_ / sizeof *first_) {}
+  basic_text_sink(const basic_text_sink&) = delete;
+  basic_text_sink& operator=(const basic_text_sink&) = delete;
+  ~basic_text_sink() {
+    for (const block& b : owned_) give_block(b.units, b.size * sizeof(Unit));
   }
 
-  std::wstring text() const {
-    std::wstring out;
+  string text() const {
+    string out;
     replace(out);
     return out;
   }
   /// Makes `out` the text; its memory is used again where it is large enough.
-  void replace(std::wstring& out) const {
+  void replace(string& out) const {
     const auto open = static_cast<std::size_t>(at_ - from_);
     out.reserve(full_units_ + open);
     out.clear();
@@ -40,31 +44,30 @@ class text_sink {
   }
 
   /// Where at least `units` may be written; to be followed by advance().
-  wchar_t* room(std::size_t units) {
+  Unit* room(std::size_t units) {
     if (static_cast<std::size_t>(end_ - at_) < units) begin_block(units);
     return at_;
   }
-  void advance(wchar_t* written_to) noexcept { at_ = written_to; }
+  void advance(Unit* written_to) noexcept { at_ = written_to; }
 
-  void put(wchar_t c) {
-    wchar_t* const to = room(1);
+  void put(Unit c) {
+    Unit* const to = room(1);
     *to = c;
     advance(to + 1);
   }
-  void put(std::wstring_view text) {
-    wchar_t* const to = room(text.size());
+  void put(view text) {
+    Unit* const to = room(text.size());
     copy(to, text.data(), text.size());
     advance(to + text.size());
   }
   template <std::size_t N>
-  void put_literal(const wchar_t (&text)[N]) {
-    wchar_t* const to = room(N - 1);
-    std::memcpy(to, text, (N - 1) * sizeof(wchar_t));
+  void put_literal(const Unit (&text)[N]) {
+    Unit* const to = room(N - 1);
+    std::memcpy(to, text, (N - 1) * sizeof(Unit));
     advance(to + N - 1);
   }
 
   /// In steps of 16 bytes, the last of which overlaps the one before it.
-  template <class Unit>
   static void copy(Unit* to, const Unit* from, std::size_t units) noexcept {
     constexpr std::size_t step = 16 / sizeof(Unit), half = step / 2;
     if (units >= step) {
@@ -80,10 +83,10 @@ class text_sink {
   }
 
  private:
-  static constexpr std::size_t block_units = 16384 / sizeof(wchar_t);  // what a thread keeps at most
+  static constexpr std::size_t block_units = 16384 / sizeof(Unit);  // what a thread keeps at most
 
   struct block {
-    wchar_t* units;
+    Unit* units;
     std::size_t size;
   };
 
@@ -92,7 +95,7 @@ class text_sink {
     owned_.emplace_back();
     try {
       const std::size_t size = std::max(units, block_units);
-      owned_.back() = {static_cast<wchar_t*>(take_block(size * sizeof(wchar_t))), size};
+      owned_.back() = {static_cast<Unit*>(take_block(size * sizeof(Unit))), size};
     } catch (...) {
       owned_.pop_back();
       throw;
@@ -106,8 +109,10 @@ class text_sink {
 
   std::vector<block> full_, owned_;
   std::size_t full_units_ = 0;
-  wchar_t *from_, *at_, *end_;  // the open block
-  wchar_t first_[256];
+  Unit *from_, *at_, *end_;  // the open block
+  Unit first_[512 / sizeof(Unit)];
 };
+
+using text_sink = basic_text_sink<wchar_t>;
 
 }  // namespace ruvo::detail
