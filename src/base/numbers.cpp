@@ -111,6 +111,89 @@ void put_digits(wchar_t* to, std::uint32_t value, int count) noexcept {
   if (at != to) *to = static_cast<wchar_t>(L'0' + value);
 }
 
+// --- the shortest text
+
+/// The digits of a decimal number, without zeros at their end, and the power of ten of the first.
+struct decimal_digits {
+  char digits[most_shortest_units];
+  int count = 0, exponent = 0;
+
+  void take(std::uint64_t number, int decimals) noexcept {
+    for (const std::uint32_t zeros : {100000000U, 10000U, 100U, 10U}) {
+      const int places = zeros == 10U ? 1 : zeros == 100U ? 2 : zeros == 10000U ? 4 : 8;
+      if (number % zeros != 0) continue;
+      number /= zeros;
+      decimals -= places;
+    }
+    count = static_cast<int>(std::to_chars(digits, digits + sizeof digits, number).ptr - digits);
+    exponent = count - 1 - decimals;
+  }
+};
+
+/// Most numbers are decimal ones of up to 15 digits. No two of these have the same nearest double, so one
+/// that reads back is the shortest text there is. False for others.
+bool take_few_digits(decimal_digits& out, double magnitude) noexcept {
+  static constexpr double powers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,
+                                      1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
+  if (!(magnitude >= 1e-4 && magnitude < 1e15)) return false;
+  int decimals = 15;
+  if (magnitude >= 1) {
+    decimals -= count_digits(static_cast<std::uint64_t>(magnitude));
+  } else {
+    while (magnitude * powers[decimals] < 1e14) ++decimals;
+  }
+  // The product is off by less than a quarter, and so rounds to the digits, if these are they; the quotient
+  // of two exact numbers is the double that they read as.
+  const auto number = static_cast<std::int64_t>(magnitude * powers[decimals] + 0.5);
+  if (static_cast<double>(number) / powers[decimals] != magnitude) return false;
+  out.take(static_cast<std::uint64_t>(number), decimals);
+  return true;
+}
+
+/// From "d.dddde-dd".
+void take_any_digits(decimal_digits& out, double magnitude) noexcept {
+  char text[most_shortest_units];
+  const char* const end =
+      std::to_chars(text, text + sizeof text, magnitude, std::chars_format::scientific).ptr;
+  const char* const mark = std::find(static_cast<const char*>(text), end, 'e');
+  out.digits[0] = text[0];
+  out.count = 1;
+  if (mark - text > 2)
+    out.count = static_cast<int>(std::copy<const char*>(text + 2, mark, out.digits + 1) - out.digits);
+  std::from_chars(mark[1] == '+' ? mark + 2 : mark + 1, end, out.exponent);
+}
+
+char* put_zeros(char* to, int count) noexcept { return std::fill_n(to, count, '0'); }
+
+char* put_fixed(char* to, const decimal_digits& number) noexcept {
+  const char* const end = number.digits + number.count;
+  const int whole = number.exponent + 1;
+  if (whole <= 0) {
+    *to++ = '0';
+    *to++ = '.';
+    return std::copy(number.digits, end, put_zeros(to, -whole));
+  }
+  if (whole >= number.count) {
+    to = put_zeros(std::copy(number.digits, end, to), whole - number.count);
+    *to++ = '.';
+    *to++ = '0';
+    return to;
+  }
+  to = std::copy_n(number.digits, whole, to);
+  *to++ = '.';
+  return std::copy(number.digits + whole, end, to);
+}
+
+char* put_with_exponent(char* to, const decimal_digits& number) noexcept {
+  *to++ = number.digits[0];
+  if (number.count > 1) {
+    *to++ = '.';
+    to = std::copy(number.digits + 1, number.digits + number.count, to);
+  }
+  *to++ = 'e';
+  return std::to_chars(to, to + 8, number.exponent).ptr;
+}
+
 /// The longest prefix that is a number in fixed notation, as narrow text.
 struct narrow_number {
   explicit narrow_number(std::wstring_view text) {
@@ -193,6 +276,25 @@ wchar_t* print_fixed(wchar_t* to, double value, int decimals) noexcept {
 wchar_t* print_any_fixed(wchar_t* to, double value) noexcept {
   char text[most_fixed_units];
   return std::copy(text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 6).ptr, to);
+}
+
+char* print_shortest(char* to, double value) noexcept {
+  if (std::signbit(value)) *to++ = '-';
+  const double magnitude = std::fabs(value);
+  constexpr double two_to_53 = 9007199254740992.0;
+  if (magnitude < two_to_53) {
+    const auto whole = static_cast<std::int64_t>(magnitude);
+    if (static_cast<double>(whole) == magnitude) {
+      to = std::to_chars(to, to + most_shortest_units - 3, whole).ptr;
+      *to++ = '.';
+      *to++ = '0';
+      return to;
+    }
+  }
+  decimal_digits number;
+  if (!take_few_digits(number, magnitude)) take_any_digits(number, magnitude);
+  const bool fixed = number.exponent >= -4 && number.exponent < 16;
+  return fixed ? put_fixed(to, number) : put_with_exponent(to, number);
 }
 
 void append_unsigned(std::wstring& out, unsigned long long value) {
