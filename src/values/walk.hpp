@@ -48,6 +48,7 @@ template <class Value = const xvar, class Notes = no_notes>
 class walk {
   template <class T>
   using like_value = std::conditional_t<std::is_const_v<Value>, const T, T>;
+  static constexpr std::size_t usual_depth = 4;
 
  public:
   /// An open holder of values.
@@ -102,6 +103,14 @@ class walk {
       open_.pop();
     }
   }
+  /// The open holders, the outermost first: of each but the innermost, what it is at holds the next one.
+  const near_stack<frame, usual_depth>& open_frames() const noexcept { return open_; }
+  /// The member that an open bundle is at.
+  const bundle::entry& member_of(const frame& f) const noexcept {
+    if (order_ == order::by_position) return *f.store->nth(f.taken - 1);
+    std::size_t rank = f.rank;
+    return *f.store->step(f.entry, rank, false);
+  }
   /// Ends the walk, for a visitor that has seen enough.
   void stop() noexcept {
     open_.clear();
@@ -147,8 +156,6 @@ class walk {
   static void member(frame& f, Visitor& visitor, bundle::entry& e) {
     visitor.member(f, e.first, static_cast<Value&>(e.second));
   }
-
-  static constexpr std::size_t usual_depth = 4;
 
   order order_;
   bool turned_ = false;  // away from the frame that is being visited
