@@ -86,7 +86,7 @@ KESTA_EXC_CLASS(winregistryException, kesta::exception,
 /// The errors of range 5, compressed archives, made of the number within it and the message.
 KESTA_EXC_CLASS(ZipException, kesta::exception, ZipException(unsigned long code, const std::wstring& message))
 
-/// The errors of range 6, reading JSON.
+/// The errors of range 6, JSON.
 class KESTA_API JSONException : public kesta::exception {
  public:
   /// A failure that is not known further: number 1.
@@ -188,6 +188,19 @@ KESTA_EXC_CLASS(dotnetException, kesta::exception,
 
 /// A text that cannot be read. The position, in characters read, follows the message.
 KESTA_EXC_CLASS(jsonBadFormated, JSONException, explicit jsonBadFormated(const unsigned long long& position))
+
+/// A value that JSON has no form for. Where it is, as a JSON Pointer, and why stand in the message, in the
+/// former's middle cut to some 200 characters; the detail is the whole pointer.
+KESTA_EXC_CLASS(jsonUnwritable, JSONException,
+                jsonUnwritable(const std::wstring& pointer, const std::wstring& reason))
+
+/// A text that is no JSON Pointer. The position, in characters read, follows the message.
+KESTA_EXC_CLASS(jsonBadPointer, JSONException, explicit jsonBadPointer(unsigned long long position))
+
+/// A JSON Pointer that leads nowhere in the value at hand. Pointer and reason stand in the message, as in
+/// jsonUnwritable; the detail is the whole pointer.
+KESTA_EXC_CLASS(jsonNoPlace, JSONException,
+                jsonNoPlace(const std::wstring& pointer, const std::wstring& reason))
 
 /// A failure of the system. Its number follows the message.
 KESTA_EXC_CLASS(systemErrorCode, SystemException, explicit systemErrorCode(unsigned long number))

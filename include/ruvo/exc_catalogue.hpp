@@ -74,6 +74,9 @@ KESTA_ERROR(jsonBadFormated, JSONException, 6, 1, own, L"Lectura incorrecta cerc
 KESTA_ERROR(jsonEmptyKey, JSONException, 6, 2, knot, L"Asignación de un elemento con una clave vacía cerca del caracter:%1 en el nudo:%2")
 KESTA_ERROR(jsonFalseKnot, JSONException, 6, 2, knot, L"Asignación de un elemento sobre un valor primitivo cerca del caracter:%1 en el nudo:%2")
 KESTA_ERROR(jsonUnKnowValue, JSONException, 6, 3, knot, L"El valor recibido es desconocido cerca del carcter:%1 en el nudo:%2")
+KESTA_ERROR(jsonUnwritable, JSONException, 6, 20, own, L"No se puede escribir como JSON el valor de «%1»: %2")
+KESTA_ERROR(jsonBadPointer, JSONException, 6, 21, own, L"El puntero JSON no es correcto cerca del caracter %1")
+KESTA_ERROR(jsonNoPlace, JSONException, 6, 22, own, L"El puntero JSON «%1» no se puede seguir: %2")
 
 KESTA_ERROR(XMLException, kesta::exception, 7, 1, family, L"Error indeterminado en la interpretación del XML")
 KESTA_ERROR(xmlBadFormated, XMLException, 7, 1, knot, L"Lectura incorrecta cerca del caracter:%1 en el nudo:%2")

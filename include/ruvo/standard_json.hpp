@@ -106,28 +106,55 @@ class KESTA_API ijson_events {
 
 // --- writing
 
-/// How dates and times are written, as ISO 8601.
+/// In which mode dates and times are written, as ISO 8601.
 enum class json_dates : std::int32_t {
-  own,  ///< In the mode of the value.
+  own,  ///< In that of the value.
   utc   ///< In UTC.
 };
 
 /// What becomes of qualities, for which JSON has no place.
 enum class json_qualities : std::int32_t {
   left_out,  ///< They are not written.
-  members,   ///< As members; see write_standard_json().
+  members,   ///< As members of an object; see write_standard_json().
   failure    ///< A value that has any is a failure.
 };
 
 struct json_write_options {
-  int indent = -1;      ///< Blanks for each level; below 0 all on one line, without blanks.
-  bool sorted = false;  ///< Members by key instead of in order of insertion.
-  bool folded = false;  ///< Keys instead of their spelling.
+  int indent = -1;               ///< Blanks for each level; below 0 all on one line, without blanks.
+  bool sorted = false;           ///< Members by key instead of in order of insertion.
+  bool folded = false;           ///< Keys instead of their spelling.
+  bool line_separators = false;  ///< U+2028 and U+2029 as escapes: old JavaScript takes them for line ends.
   json_dates dates = json_dates::own;
   json_qualities qualities = json_qualities::left_out;
 };
 
-/// (contract: to be written with the writer)
+/// Writes the value as RFC 8259 has it. Wide text is UTF-16, narrow text UTF-8, without a byte order mark.
+/// What is written is always JSON, and each of its objects has a name once.
+///
+/// | value | text |
+/// |---|---|
+/// | null | `null` |
+/// | bool, integers | `true`, `false`; all digits |
+/// | float, double | the shortest text that reads back to the same double, with a point or an exponent:
+/// `1.0`, `0.1`, `1e300`, `-0.0`; NaN and infinities are a failure | | texts, memo, wchar_t | a text, escaped
+/// where JSON asks for it; lone surrogates as `\udXXX` | | binary | a text, in Base64 with `=` | | date |
+/// `"2024-02-29"`, the day in its own mode, whatever the options say | | time | `"09:30:05Z"`; in local time
+/// `"09:30:05"`, since the offset is that of a day | | datetime | `"2024-02-29T09:30:05Z"`; in local time
+/// `"2024-02-29T09:30:05+01:00"`, but `Z` where the offset is no whole minutes | | one of these three that
+/// is_null() | `null`; without a calendar form, or beyond the years 0 to 9999, a failure | | velda::date | as
+/// the date that a var makes of it, from its instant | | objects of other classes | a text, their to_string()
+/// | | list, bundle | `[...]`, `{...}` |
+///
+/// A lapse is no value of a var; write its seconds. As json_qualities::members, a bundle that has qualities
+/// gets them as its first members, in the order of their keys, "@" before the name; any other value becomes
+/// an object of them and of "#text", the value itself. A member that has such a name already is a failure,
+/// and so are two members that are spelled alike, which are possible where one key was folded in accented
+/// letters by a path.
+///
+/// True on FAILURE, as in ruvo::iserializer; `out` is then as it was. It is exc::jsonUnwritable (6020) and
+/// names the value by its JSON Pointer. On success `*err` stays as it is. Nothing but std::bad_alloc leaves
+/// these functions. `out` may be a part of the value. Takes linear time and, for nesting, no room on the
+/// stack; indented text grows with the square of the nesting.
 KESTA_API bool write_standard_json(std::wstring& out, const bundle& value, exception* err,
                                    const json_write_options& options = {});
 KESTA_API bool write_standard_json(std::wstring& out, const list& value, exception* err,
@@ -140,6 +167,17 @@ KESTA_API bool write_standard_json(std::string& out, const list& value, exceptio
                                    const json_write_options& options = {});
 KESTA_API bool write_standard_json(std::string& out, const xvar& value, exception* err,
                                    const json_write_options& options = {});
+KESTA_API bool write_standard_json(std::u8string& out, const bundle& value, exception* err,
+                                   const json_write_options& options = {});
+KESTA_API bool write_standard_json(std::u8string& out, const list& value, exception* err,
+                                   const json_write_options& options = {});
+KESTA_API bool write_standard_json(std::u8string& out, const xvar& value, exception* err,
+                                   const json_write_options& options = {});
+/// The same where the result alone reports a failure.
+template <class Text, class Value>
+[[nodiscard]] bool write_standard_json(Text& out, const Value& value) {
+  return write_standard_json(out, value, nullptr);
+}
 
 // --- both, for what takes an iserializer
 

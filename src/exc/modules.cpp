@@ -4,6 +4,7 @@
 
 #include <ruvo/exc.hpp>
 
+#include <cstddef>
 #include <string>
 
 #include "exc/classes.hpp"
@@ -22,6 +23,13 @@ std::wstring in_hex(unsigned long number) {
   do digits.insert(digits.begin(), L"0123456789ABCDEF"[number & 15]);
   while (number >>= 4);
   return digits;
+}
+
+/// A long text without its middle.
+std::wstring in_short(const std::wstring& text) {
+  constexpr std::size_t most = 200;
+  if (text.size() <= most) return text;
+  return text.substr(0, most / 2) + L'…' + text.substr(text.size() - most / 2);
 }
 
 }  // namespace
@@ -96,6 +104,26 @@ jsonBadFormated::jsonBadFormated(const unsigned long long& position)
   error_class::set_position(*this, position);
 }
 jsonBadFormated::~jsonBadFormated() = default;
+
+#define KESTA_EXC_POINTER(name)                                                                    \
+  KESTA_EXC_ROW(name, own)                                                                         \
+  name::name(const std::wstring& pointer, const std::wstring& reason)                              \
+      : JSONException(rows::name->number, filled(rows::name->text, {in_short(pointer), reason})) { \
+    error_class::mark(*this, rows::name);                                                          \
+    set_detail(pointer);                                                                           \
+  }                                                                                                \
+  name::~name() = default;
+KESTA_EXC_POINTER(jsonUnwritable)
+KESTA_EXC_POINTER(jsonNoPlace)
+#undef KESTA_EXC_POINTER
+
+KESTA_EXC_ROW(jsonBadPointer, own)
+jsonBadPointer::jsonBadPointer(unsigned long long position)
+    : JSONException(rows::jsonBadPointer->number, filled(rows::jsonBadPointer->text, {decimal(position)})) {
+  error_class::mark(*this, rows::jsonBadPointer);
+  error_class::set_position(*this, position);
+}
+jsonBadPointer::~jsonBadPointer() = default;
 
 KESTA_EXC_ROW(invocaError, own)
 invocaError::invocaError(unsigned long code, const std::wstring& message) : dotnetException(code, message) {

@@ -42,6 +42,8 @@ Class blank() {
     return Class(0);
   else if constexpr (std::is_constructible_v<Class, int, int>)
     return Class(0, 0);
+  else if constexpr (std::is_constructible_v<Class, text, text>)
+    return Class(text(), text());
   else if constexpr (std::is_constructible_v<Class, text, int>)
     return Class(text(), 0);
   else if constexpr (std::is_constructible_v<Class, int, text>)
