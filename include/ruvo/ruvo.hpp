@@ -26,6 +26,7 @@
 #include <ruvo/iserializer.hpp>
 #include <ruvo/jobs.hpp>
 #include <ruvo/json_check.hpp>
+#include <ruvo/json_pointer.hpp>
 #include <ruvo/lapse.hpp>
 #include <ruvo/list.hpp>
 #include <ruvo/log_targets.hpp>
