@@ -100,6 +100,57 @@ void write(bench::table& table, const corpus& c, const std::wstring& text) {
             {{"nlohmann", floor}, {"Boost", aim}});
 }
 
+/// The same in standard JSON, from documents in order of insertion: into UTF-8, which all write directly, and
+/// into wide text.
+void write_standard(bench::table& table, const corpus& c, const std::wstring& text) {
+  ruvo::bundle own;
+  ruvo::serializer::json().deserialize(own, text, nullptr);
+  const auto nlohmann = nlohmann::ordered_json::parse(c.text);
+  const auto boost = boost::json::parse(c.text);
+  rapidjson::Document rapid;
+  rapid.Parse(c.text.c_str());
+  wide_document wide_rapid;
+  wide_rapid.Parse(text.c_str());
+
+  std::string written;
+  if (ruvo::serializer::write_standard_json(written, own)) return;
+  const bench::amount size = {static_cast<double>(written.size()), bench::amount::characters};
+  table.row("standard write, UTF-8", c.name, size,
+            {{"kesta",
+              [&] {
+                std::string out;
+                bench::use(ruvo::serializer::write_standard_json(out, own));
+                bench::use(out);
+              }},
+             {"nlohmann", [&] { bench::use(nlohmann.dump()); }},
+             {"RapidJSON",
+              [&] {
+                rapidjson::StringBuffer buffer;
+                rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+                rapid.Accept(writer);
+                bench::use(std::string(buffer.GetString(), buffer.GetSize()));
+              }},
+             {"Boost", [&] { bench::use(boost::json::serialize(boost)); }}},
+            {{"Boost", 1.0}});
+  table.row("standard write, wide", c.name, size,
+            {{"kesta",
+              [&] {
+                std::wstring out;
+                bench::use(ruvo::serializer::write_standard_json(out, own));
+                bench::use(out);
+              }},
+             {"nlohmann", [&] { bench::use(ruvo::texto::to_utf_16(nlohmann.dump())); }},
+             {"RapidJSON",
+              [&] {
+                wide_buffer buffer;
+                rapidjson::Writer<wide_buffer, wide, wide> writer(buffer);
+                wide_rapid.Accept(writer);
+                bench::use(std::wstring(buffer.GetString(), buffer.GetSize() / sizeof(wchar_t)));
+              }},
+             {"Boost", [&] { bench::use(ruvo::texto::to_utf_16(boost::json::serialize(boost))); }}},
+            {{"Boost", 1.0}});
+}
+
 /// Whether all can read the document: a comparison with one that gave up would be worth nothing.
 bool readable(const std::wstring& text) {
   ruvo::bundle document;
@@ -123,6 +174,7 @@ int main(int argc, char** argv) {
       }
       read(table, c, text);
       write(table, c, text);
+      write_standard(table, c, text);
     } catch (const std::exception& error) {
       std::printf("%s: left out: %s\n", c.name.c_str(), error.what());
     }

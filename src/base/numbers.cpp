@@ -113,20 +113,35 @@ void put_digits(wchar_t* to, std::uint32_t value, int count) noexcept {
 
 // --- the shortest text
 
+constexpr std::size_t most_digits = 24;  // and a sign, a point and an exponent
+
 /// The digits of a decimal number, without zeros at their end, and the power of ten of the first.
 struct decimal_digits {
-  char digits[most_shortest_units];
+  char text[3 * most_digits] = {};  // can be read a while beyond the digits
+  const char* digits = text;
   int count = 0, exponent = 0;
 
   void take(std::uint64_t number, int decimals) noexcept {
-    for (const std::uint32_t zeros : {100000000U, 10000U, 100U, 10U}) {
-      const int places = zeros == 10U ? 1 : zeros == 100U ? 2 : zeros == 10000U ? 4 : 8;
-      if (number % zeros != 0) continue;
+    const auto strip = [&](std::uint32_t zeros, int places) {
+      if (number % zeros != 0) return;
       number /= zeros;
       decimals -= places;
-    }
-    count = static_cast<int>(std::to_chars(digits, digits + sizeof digits, number).ptr - digits);
+    };
+    strip(100000000, 8);
+    strip(10000, 4);
+    strip(100, 2);
+    strip(10, 1);
+    count = static_cast<int>(std::to_chars(text, text + most_digits, number).ptr - text);
     exponent = count - 1 - decimals;
+  }
+  /// From "d.dddde-dd" in the text.
+  void take_text(const char* end) noexcept {
+    const char* const mark = end[-4] == 'e' ? end - 4 : end - 5;
+    for (const char* at = mark + 2; at != end; ++at) exponent = exponent * 10 + (*at - '0');
+    if (mark[1] == '-') exponent = -exponent;
+    if (mark - text > 2) text[1] = text[0];
+    digits = mark - text > 2 ? text + 1 : text;
+    count = static_cast<int>(mark - digits);
   }
 };
 
@@ -150,45 +165,40 @@ bool take_few_digits(decimal_digits& out, double magnitude) noexcept {
   return true;
 }
 
-/// From "d.dddde-dd".
-void take_any_digits(decimal_digits& out, double magnitude) noexcept {
-  char text[most_shortest_units];
-  const char* const end =
-      std::to_chars(text, text + sizeof text, magnitude, std::chars_format::scientific).ptr;
-  const char* const mark = std::find(static_cast<const char*>(text), end, 'e');
-  out.digits[0] = text[0];
-  out.count = 1;
-  if (mark - text > 2)
-    out.count = static_cast<int>(std::copy<const char*>(text + 2, mark, out.digits + 1) - out.digits);
-  std::from_chars(mark[1] == '+' ? mark + 2 : mark + 1, end, out.exponent);
+// These write a whole number of words, beyond the end of what they give.
+
+char* put_chars(char* to, const char* digits, int count) noexcept {
+  std::memcpy(to, digits, most_digits);
+  return to + count;
+}
+char* put_zeros(char* to, int count) noexcept {
+  std::memset(to, '0', most_digits);
+  return to + count;
 }
 
-char* put_zeros(char* to, int count) noexcept { return std::fill_n(to, count, '0'); }
-
 char* put_fixed(char* to, const decimal_digits& number) noexcept {
-  const char* const end = number.digits + number.count;
   const int whole = number.exponent + 1;
   if (whole <= 0) {
     *to++ = '0';
     *to++ = '.';
-    return std::copy(number.digits, end, put_zeros(to, -whole));
+    return put_chars(put_zeros(to, -whole), number.digits, number.count);
   }
   if (whole >= number.count) {
-    to = put_zeros(std::copy(number.digits, end, to), whole - number.count);
+    to = put_zeros(put_chars(to, number.digits, number.count), whole - number.count);
     *to++ = '.';
     *to++ = '0';
     return to;
   }
-  to = std::copy_n(number.digits, whole, to);
+  to = put_chars(to, number.digits, whole);
   *to++ = '.';
-  return std::copy(number.digits + whole, end, to);
+  return put_chars(to, number.digits + whole, number.count - whole);
 }
 
 char* put_with_exponent(char* to, const decimal_digits& number) noexcept {
   *to++ = number.digits[0];
   if (number.count > 1) {
     *to++ = '.';
-    to = std::copy(number.digits + 1, number.digits + number.count, to);
+    to = put_chars(to, number.digits + 1, number.count - 1);
   }
   *to++ = 'e';
   return std::to_chars(to, to + 8, number.exponent).ptr;
@@ -292,7 +302,10 @@ char* print_shortest(char* to, double value) noexcept {
     }
   }
   decimal_digits number;
-  if (!take_few_digits(number, magnitude)) take_any_digits(number, magnitude);
+  if (!take_few_digits(number, magnitude)) {
+    constexpr auto form = std::chars_format::scientific;
+    number.take_text(std::to_chars(number.text, number.text + most_digits, magnitude, form).ptr);
+  }
   const bool fixed = number.exponent >= -4 && number.exponent < 16;
   return fixed ? put_fixed(to, number) : put_with_exponent(to, number);
 }

@@ -33,8 +33,8 @@ constexpr std::size_t most_fixed_units = 320;
 /// As append_fixed() with six decimals, for any number, but slower than print_fixed().
 wchar_t* print_any_fixed(wchar_t* to, double value) noexcept;
 
-/// Room for any number that print_shortest() takes: sign, 17 digits, point, four zeros or an exponent.
-constexpr std::size_t most_shortest_units = 32;
+/// Room for print_shortest(), which writes beyond the end that it gives.
+constexpr std::size_t most_shortest_units = 48;
 /// Writes the fewest digits that read back to the same double, of those the nearest to it, and gives their
 /// end. There is always a point or an exponent in it: fixed notation from 1e-4 up to below 1e16 (`0.0001`,
 /// `-12.5`, `100000.0`), else one digit before the point, if there is one, and the exponent (`1e16`,

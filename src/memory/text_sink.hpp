@@ -8,25 +8,25 @@
 #include <cstring>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "memory/block_cache.hpp"
+#include "memory/near_stack.hpp"
 
 namespace ruvo::detail {
 
 /// Collects a text in blocks of its own, so that what is written is never moved and a large result is
-/// allocated once, in its final size.
-template <class Unit>
+/// allocated once, in its final size. The first `Near` units need none of them.
+template <class Unit, std::size_t Near = 512 / sizeof(Unit)>
 class basic_text_sink {
  public:
   using string = std::basic_string<Unit>;
   using view = std::basic_string_view<Unit>;
 
-  basic_text_sink() noexcept : from_(first_), at_(first_), end_(first_ + sizeof first_ / sizeof *first_) {}
+  basic_text_sink() noexcept : from_(first_), at_(first_), end_(first_ + Near) {}
   basic_text_sink(const basic_text_sink&) = delete;
   basic_text_sink& operator=(const basic_text_sink&) = delete;
   ~basic_text_sink() {
-    for (const block& b : owned_) give_block(b.units, b.size * sizeof(Unit));
+    for (const block& b : blocks_) give_block(b.units, b.size * sizeof(Unit));
   }
 
   string text() const {
@@ -39,7 +39,8 @@ class basic_text_sink {
     const auto open = static_cast<std::size_t>(at_ - from_);
     out.reserve(full_units_ + open);
     out.clear();
-    for (const block& b : full_) out.append(b.units, b.size);
+    out.append(first_, first_used_);
+    for (const block& b : blocks_) out.append(b.units, b.used);
     out.append(from_, open);
   }
 
@@ -86,31 +87,32 @@ class basic_text_sink {
   static constexpr std::size_t block_units = 16384 / sizeof(Unit);  // what a thread keeps at most
 
   struct block {
-    Unit* units;
-    std::size_t size;
+    Unit* units = nullptr;
+    std::size_t size = 0, used = 0;
   };
 
   void begin_block(std::size_t units) {
-    if (full_.size() == full_.capacity()) full_.reserve(2 * full_.size() + 4);
-    owned_.emplace_back();
+    block made;
+    made.size = std::max(units, block_units);
+    made.units = static_cast<Unit*>(take_block(made.size * sizeof(Unit)));
     try {
-      const std::size_t size = std::max(units, block_units);
-      owned_.back() = {static_cast<Unit*>(take_block(size * sizeof(Unit))), size};
+      blocks_.push();
     } catch (...) {
-      owned_.pop_back();
+      give_block(made.units, made.size * sizeof(Unit));
       throw;
     }
+    blocks_.top() = made;
     const auto used = static_cast<std::size_t>(at_ - from_);
-    full_.push_back({from_, used});
+    (from_ == first_ ? first_used_ : blocks_.end()[-2].used) = used;
     full_units_ += used;
-    from_ = at_ = owned_.back().units;
-    end_ = at_ + owned_.back().size;
+    from_ = at_ = made.units;
+    end_ = at_ + made.size;
   }
 
-  std::vector<block> full_, owned_;
-  std::size_t full_units_ = 0;
+  near_stack<block, 8> blocks_;
+  std::size_t first_used_ = 0, full_units_ = 0;
   Unit *from_, *at_, *end_;  // the open block
-  Unit first_[512 / sizeof(Unit)];
+  Unit first_[Near];
 };
 
 using text_sink = basic_text_sink<wchar_t>;

@@ -33,7 +33,8 @@ class escaped_text {
     while (true) {
       to = put_plain(to, at, stop);
       if (at >= stop) return to;
-      to = put_other(to, at, end, separators);
+      do to = put_other(to, at, end, separators);
+      while (narrow && at<stop&& static_cast<char16_t>(*at)> 0x7F);
     }
   }
 
@@ -47,41 +48,50 @@ class escaped_text {
   static bool is_separator(char16_t c) noexcept { return (c & 0xFFFE) == 0x2028; }
 
 #ifdef KESTA_X64
-  /// Where units are not plain; of those that hold in one byte, the bytes are written.
-  static std::uint32_t copy_eight(Out* to, const Unit* from) noexcept {
+  /// Two bits for each of eight units that is not plain.
+  static std::uint32_t find_others(__m128i units) noexcept {
     const auto all = [](int value) { return _mm_set1_epi16(static_cast<short>(value)); };
-    const __m128i units = texto::load_16(from), zero = _mm_setzero_si128();
+    const __m128i zero = _mm_setzero_si128();
     __m128i others = _mm_or_si128(_mm_cmpeq_epi16(units, all('"')), _mm_cmpeq_epi16(units, all('\\')));
     if constexpr (narrow) {
-      _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_packus_epi16(units, units));
       const __m128i beyond = _mm_subs_epu16(_mm_sub_epi16(units, all(0x20)), all(0x5F));
-      return static_cast<std::uint32_t>(
-                 _mm_movemask_epi8(_mm_andnot_si128(others, _mm_cmpeq_epi16(beyond, zero)))) ^
-             0xFFFF;
+      const __m128i plain = _mm_andnot_si128(others, _mm_cmpeq_epi16(beyond, zero));
+      return static_cast<std::uint32_t>(_mm_movemask_epi8(plain)) ^ 0xFFFF;
+    }
+    others = _mm_or_si128(others, _mm_cmpeq_epi16(_mm_subs_epu16(units, all(0x1F)), zero));
+    others = _mm_or_si128(others, _mm_cmpeq_epi16(_mm_and_si128(units, all(0xF800)), all(0xD800)));
+    others = _mm_or_si128(others, _mm_cmpeq_epi16(_mm_and_si128(units, all(0xFFFE)), all(0x2028)));
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(others));
+  }
+  static void copy_eight(Out* to, __m128i units) noexcept {
+    if constexpr (narrow) {
+      _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_packus_epi16(units, units));
     } else {
       texto::store_16(to, units);
-      others = _mm_or_si128(others, _mm_cmpeq_epi16(_mm_subs_epu16(units, all(0x1F)), zero));
-      others = _mm_or_si128(others, _mm_cmpeq_epi16(_mm_and_si128(units, all(0xF800)), all(0xD800)));
-      others = _mm_or_si128(others, _mm_cmpeq_epi16(_mm_and_si128(units, all(0xFFFE)), all(0x2028)));
-      return static_cast<std::uint32_t>(_mm_movemask_epi8(others));
     }
   }
 #endif
 
   /// Up to a unit that is not plain.
-  static Out* put_plain(Out* to, const Unit*& at, const Unit* stop) noexcept {
+  static Out* put_plain(Out* to, const Unit*& begin, const Unit* stop) noexcept {
+    const Unit* at = begin;  // a local: what is written could alias the other
 #ifdef KESTA_X64
     if constexpr (texto::unit_16<Unit>) {
-      for (; stop - at >= 8; at += 8, to += 8) {
-        if (const std::uint32_t others = copy_eight(to, at)) {
-          const int plain = std::countr_zero(others) / 2;
-          at += plain;
-          return to + plain;
-        }
+      for (std::ptrdiff_t step = 8; stop - at >= 4; at += step, to += step) {
+        step = stop - at >= 8 ? 8 : 4;
+        const __m128i units =
+            step == 8 ? texto::load_16(at) : _mm_loadl_epi64(reinterpret_cast<const __m128i*>(at));
+        copy_eight(to, units);
+        const std::uint32_t others = find_others(units) & (step == 8 ? 0xFFFF : 0xFF);
+        if (!others) continue;
+        const int plain = std::countr_zero(others) / 2;
+        begin = at + plain;
+        return to + plain;
       }
     }
 #endif
     while (at < stop && is_plain(*at)) *to++ = static_cast<Out>(*at++);
+    begin = at;
     return to;
   }
 

@@ -139,13 +139,17 @@ void put_calendar(short_text& out, const var& value, json_dates dates) {
 
 // --- scalars
 
+/// A small text needs no block.
+template <class Out>
+using sink = detail::basic_text_sink<Out, 2048 / sizeof(Out)>;
+
 template <class Out>
 class scalar_writer {
  public:
   explicit scalar_writer(json_dates dates, bool separators) noexcept
       : dates_(dates), separators_(separators) {}
 
-  void put(detail::basic_text_sink<Out>& out, const var& value) const {
+  void put(sink<Out>& out, const var& value) const {
     switch (cell::kind_of(value)) {
       case kind::null:
         return put_ascii(out, "null");
@@ -179,28 +183,33 @@ class scalar_writer {
     }
   }
 
-  /// With its quotation marks.
-  void put_text(detail::basic_text_sink<Out>& out, std::wstring_view text) const {
-    constexpr std::size_t piece = 1024, more = 10;  // for the marks, and for what is written beyond the end
+  /// With its quotation marks, and as a name with what comes behind it.
+  void put_text(sink<Out>& out, std::wstring_view text, std::string_view behind = {}) const {
+    constexpr std::size_t piece = 1024, more = 12;  // for the marks, and what is written beyond the end
     const wchar_t* at = text.data();
     const wchar_t* const end = at + text.size();
-    out.put(static_cast<Out>('"'));
-    while (at != end) {
-      const std::size_t units = std::min(piece, static_cast<std::size_t>(end - at));
-      Out* const to = out.room(most_escaped_units * units + more);
-      out.advance(escaped_text<Out, wchar_t>::put(to, at, at + units, end, separators_));
+    Out* to = out.room(most_escaped_units * std::min(piece, text.size()) + more);
+    *to++ = static_cast<Out>('"');
+    while (true) {
+      const wchar_t* const stop = at + std::min(piece, static_cast<std::size_t>(end - at));
+      to = escaped_text<Out, wchar_t>::put(to, at, stop, end, separators_);
+      if (at == end) break;
+      out.advance(to);
+      to = out.room(most_escaped_units * std::min(piece, static_cast<std::size_t>(end - at)) + more);
     }
-    out.put(static_cast<Out>('"'));
+    *to++ = static_cast<Out>('"');
+    for (const char c : behind) *to++ = static_cast<Out>(c);
+    out.advance(to);
   }
 
  private:
-  static void put_ascii(detail::basic_text_sink<Out>& out, std::string_view text) {
+  static void put_ascii(sink<Out>& out, std::string_view text) {
     Out* const to = out.room(text.size());
     out.advance(std::copy(text.begin(), text.end(), to));
   }
 
   template <class Integer>
-  static void put_integer(detail::basic_text_sink<Out>& out, Integer value) {
+  static void put_integer(sink<Out>& out, Integer value) {
     Out* const to = out.room(texto::most_number_units);
     if constexpr (std::same_as<Out, char>) {
       out.advance(std::to_chars(to, to + texto::most_number_units, value).ptr);
@@ -211,7 +220,7 @@ class scalar_writer {
     }
   }
 
-  static void put_double(detail::basic_text_sink<Out>& out, double value) {
+  static void put_double(sink<Out>& out, double value) {
     if (!std::isfinite(value)) throw refusal{L"el número no es finito."};
     if constexpr (std::same_as<Out, char>) {
       out.advance(texto::print_shortest(out.room(texto::most_shortest_units), value));
@@ -221,7 +230,7 @@ class scalar_writer {
     }
   }
 
-  void put_lapse(detail::basic_text_sink<Out>& out, const var& value) const {
+  void put_lapse(sink<Out>& out, const var& value) const {
     if (cell::integer(value) == -1) return put_ascii(out, "null");
     short_text text;
     text.put('"');
@@ -230,7 +239,7 @@ class scalar_writer {
     put_ascii(out, {text.units, text.end});
   }
 
-  static void put_bytes(detail::basic_text_sink<Out>& out, const binary& value) {
+  static void put_bytes(sink<Out>& out, const binary& value) {
     const auto& bytes = value.get_store();
     const std::size_t units = texto::base64_size(bytes.size());
     Out* const to = out.room(units + 2);
@@ -385,11 +394,7 @@ class standard_visitor : public detail::visitor {
     }
     return name;
   }
-  void put_name(std::wstring_view name) {
-    scalars_.put_text(out_, name);
-    out_.put(static_cast<Out>(':'));
-    if (options_.indent >= 0) out_.put(static_cast<Out>(' '));
-  }
+  void put_name(std::wstring_view name) { scalars_.put_text(out_, name, options_.indent < 0 ? ":" : ": "); }
 
   // --- layout
 
@@ -428,7 +433,7 @@ class standard_visitor : public detail::visitor {
 
   const json_write_options& options_;
   scalar_writer<Out> scalars_;
-  detail::basic_text_sink<Out> out_;
+  sink<Out> out_;
   walk walk_;
   std::size_t level_ = 0;
 };
