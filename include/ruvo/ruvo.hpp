@@ -48,4 +48,5 @@
 #include <ruvo/well_formed_xml.hpp>
 #include <ruvo/wider.hpp>
 #include <ruvo/xml.hpp>
+#include <ruvo/xml_writing.hpp>
 #include <ruvo/xvar.hpp>

@@ -83,6 +83,14 @@ class basic_text_sink {
     }
   }
 
+  std::size_t size() const noexcept { return full_units_ + static_cast<std::size_t>(at_ - from_); }
+  /// Calls `use` with the text, piece by piece. No piece ends inside of what was put at once.
+  template <class Use>
+  void each_piece(Use use) const {
+    for (const block& b : full_) use(std::wstring_view(b.units, b.size));
+    use(std::wstring_view(from_, static_cast<std::size_t>(at_ - from_)));
+  }
+
  private:
   static constexpr std::size_t block_units = 16384 / sizeof(Unit);  // what a thread keeps at most
 
