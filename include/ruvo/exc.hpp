@@ -98,7 +98,7 @@ class KESTA_API JSONException : public kesta::exception {
   JSONException(unsigned long code, const std::wstring& message);
 };
 
-/// The errors of range 7, reading XML.
+/// The errors of range 7, XML.
 class KESTA_API XMLException : public kesta::exception {
  public:
   /// A failure that is not known further: number 1.
