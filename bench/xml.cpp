@@ -67,7 +67,7 @@ class catalogue {
 }  // namespace
 
 int main() {
-  bench::table table({"RapidXML"});
+  bench::table table({"RapidXML", "dialect"});
   const std::wstring text = catalogue().text(5000000);
   ruvo::serializer::xml xml(true, false);
   const bench::amount read{static_cast<double>(text.size()), bench::amount::characters};
@@ -108,4 +108,24 @@ int main() {
                 bench::use(out);
               }}},
             {{"RapidXML", 0.8}});
+
+  // For others: in wide text, and in the bytes that are sent.
+  ruvo::bundle strict;
+  std::string bytes;
+  if (ruvo::serializer::read_well_formed_xml(strict, text)) return 1;
+  if (ruvo::serializer::write_well_formed_xml(bytes, strict)) return 1;
+  const bench::amount sent{static_cast<double>(ruvo::texto::to_utf_16(bytes).size()),
+                           bench::amount::characters};
+  const auto by_dialect = [&] {
+    std::wstring out;
+    xml.serialize(out, strict);
+    bench::use(out);
+  };
+  const auto as = [&]<class Text>(Text out) {
+    if (!ruvo::serializer::write_well_formed_xml(out, strict)) bench::use(out);
+  };
+  table.row("write", "well-formed", sent, {{"kesta", [&] { as(std::wstring()); }}, {"dialect", by_dialect}},
+            {{"dialect", 1.0}});
+  table.row("write", "well-formed, UTF-8", sent,
+            {{"kesta", [&] { as(std::string()); }}, {"dialect", by_dialect}}, {{"dialect", 1.0}});
 }
