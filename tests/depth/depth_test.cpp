@@ -85,6 +85,9 @@ TEST(nesting_of_elements, costs_no_stack) {
       ASSERT_FALSE(xml(ordered, false).serialize(out, by_character));
       EXPECT_TRUE(out == declaration + text);
     }
+    std::string bytes;
+    ASSERT_FALSE(ruvo::serializer::write_well_formed_xml(bytes, at_once));
+    EXPECT_TRUE(ruvo::texto::to_utf_16(bytes) == declaration + text);
     list nested;
     for (int i = 0; i < levels; ++i) {
       list outer;
@@ -94,6 +97,12 @@ TEST(nesting_of_elements, costs_no_stack) {
     std::wstring out;
     ASSERT_FALSE(xml(true, false).serialize(out, {{L"k", std::move(nested)}}));
     EXPECT_EQ(out.size(), declaration.size() + 7 + std::size_t{levels} * 13);
+    list wrong;
+    wrong.push_back(L'\1');
+    for (int i = 0; i < levels; ++i) wrong.push_back(std::exchange(wrong, list()));
+    ASSERT_TRUE(ruvo::serializer::write_well_formed_xml(bytes, {{L"k", std::move(wrong)}}, &error));
+    EXPECT_TRUE(error.get_mensaje().ends_with(L"[0][0][0]"));
+    EXPECT_LT(error.get_mensaje().size(), 400U);
   }
 }
 
