@@ -87,8 +87,9 @@ class basic_text_sink {
   /// Calls `use` with the text, piece by piece. No piece ends inside of what was put at once.
   template <class Use>
   void each_piece(Use use) const {
-    for (const block& b : full_) use(std::wstring_view(b.units, b.size));
-    use(std::wstring_view(from_, static_cast<std::size_t>(at_ - from_)));
+    use(view(first_, first_used_));
+    for (const block& b : blocks_) use(view(b.units, b.used));
+    use(view(from_, static_cast<std::size_t>(at_ - from_)));
   }
 
  private:

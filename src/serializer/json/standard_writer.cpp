@@ -4,7 +4,6 @@
 
 #include <ruvo/binary.hpp>
 #include <ruvo/bundle.hpp>
-#include <ruvo/datetime.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/list.hpp>
 #include <ruvo/memo.hpp>
@@ -16,11 +15,8 @@
 #include <cmath>
 #include <concepts>
 #include <cstddef>
-#include <cstdlib>
-#include <ctime>
 #include <iterator>
 #include <new>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -28,12 +24,11 @@
 
 #include "base/ascii.hpp"
 #include "base/base64.hpp"
-#include "base/civil.hpp"
 #include "base/numbers.hpp"
 #include "memory/text_sink.hpp"
+#include "serializer/iso_dates.hpp"
 #include "serializer/json/spelling.hpp"
 #include "serializer/json/standard_text.hpp"
-#include "time/fields.hpp"
 #include "values/cell.hpp"
 #include "values/walk.hpp"
 
@@ -49,93 +44,6 @@ namespace {
 struct refusal {
   const wchar_t* reason;
 };
-
-// --- dates and times
-
-/// A short text in ASCII.
-struct short_text {
-  char units[48];
-  char* end = units;
-
-  void put(char c) noexcept { *end++ = c; }
-  void put_pair(int value) noexcept {
-    put(static_cast<char>('0' + value / 10));
-    put(static_cast<char>('0' + value % 10));
-  }
-  void put_date(const std::tm& fields) {
-    const long long year = fields.tm_year + 1900LL;
-    if (year < 0 || year > 9999) throw refusal{L"ISO 8601 solo tiene los años de 0 a 9999."};
-    put_pair(static_cast<int>(year) / 100);
-    put_pair(static_cast<int>(year) % 100);
-    put('-');
-    put_pair(fields.tm_mon + 1);
-    put('-');
-    put_pair(fields.tm_mday);
-  }
-  void put_time(const std::tm& fields) noexcept {
-    put_pair(fields.tm_hour);
-    put(':');
-    put_pair(fields.tm_min);
-    put(':');
-    put_pair(fields.tm_sec);
-  }
-  void put_offset(int minutes) noexcept {
-    put(minutes < 0 ? '-' : '+');
-    put_pair(std::abs(minutes) / 60);
-    put(':');
-    put_pair(std::abs(minutes) % 60);
-  }
-};
-
-std::tm fields_in(long long seconds, int mode) {
-  try {
-    return calendar::fields_of(datetime(seconds, static_cast<times::HUSO>(mode)));
-  } catch (const std::bad_alloc&) {
-    throw;
-  } catch (...) {
-    throw refusal{L"no tiene forma en el calendario."};
-  }
-}
-
-/// How far ahead of UTC the fields of an instant are; nothing where ISO 8601 has no form for it.
-std::optional<int> offset_minutes(const std::tm& fields, long long seconds) noexcept {
-  const long long ahead = civil::build(fields) - seconds;
-  if (ahead % 60 != 0 || ahead <= -civil::seconds_per_day || ahead >= civil::seconds_per_day)
-    return std::nullopt;
-  return static_cast<int>(ahead / 60);
-}
-
-void put_datetime(short_text& out, long long seconds, int mode) {
-  std::tm fields = fields_in(seconds, mode);
-  std::optional<int> offset;
-  if (mode == times::LOCAL) offset = offset_minutes(fields, seconds);
-  if (mode == times::LOCAL && !offset) fields = fields_in(seconds, times::GMT);
-  out.put_date(fields);
-  out.put('T');
-  out.put_time(fields);
-  if (offset) {
-    out.put_offset(*offset);
-  } else {
-    out.put('Z');
-  }
-}
-
-/// The text of a date, time or datetime that is not null.
-void put_calendar(short_text& out, const var& value, json_dates dates) {
-  const long long seconds = cell::integer(value);
-  const int own = cell::mode(value);
-  const int mode = dates == json_dates::utc ? static_cast<int>(times::GMT) : own;
-  switch (cell::kind_of(value)) {
-    case kind::date:
-      return out.put_date(fields_in(seconds, own));
-    case kind::time:
-      out.put_time(fields_in(seconds, mode));
-      if (mode != times::LOCAL) out.put('Z');
-      return;
-    default:
-      return put_datetime(out, seconds, mode);
-  }
-}
 
 // --- scalars
 
@@ -232,11 +140,24 @@ class scalar_writer {
 
   void put_lapse(sink<Out>& out, const var& value) const {
     if (cell::integer(value) == -1) return put_ascii(out, "null");
-    short_text text;
-    text.put('"');
-    put_calendar(text, value, dates_);
-    text.put('"');
-    put_ascii(out, {text.units, text.end});
+    char text[most_iso_units];
+    const std::string_view written(text, iso_end(text, value));
+    out.put(static_cast<Out>('"'));
+    put_ascii(out, written);
+    out.put(static_cast<Out>('"'));
+  }
+
+  char* iso_end(char* to, const var& value) const {
+    char* end = to;
+    try {
+      end = print_iso(to, value, dates_ == json_dates::utc);
+    } catch (const exc::CalendarException&) {
+      throw refusal{L"no tiene forma en el calendario."};
+    }
+    const bool has_year = cell::kind_of(value) != kind::time;
+    if (has_year && (to[0] == '-' || to[4] != '-'))
+      throw refusal{L"ISO 8601 solo tiene los años de 0 a 9999."};
+    return end;
   }
 
   static void put_bytes(sink<Out>& out, const binary& value) {

@@ -461,12 +461,19 @@ class document_writer : public detail::visitor {
       case family::date:
       case family::time:
       case family::datetime:
-        return out_.advance(print_iso(out_.room(most_iso_units), value, options_.dates == xml_dates::utc));
+        return put_iso(value);
       case family::prose:
         return put_binary(out_, *cell::pointer<binary>(value));
       default:
         return;
     }
+  }
+
+  void put_iso(const var& value) {
+    char text[most_iso_units];
+    const char* const end = print_iso(text, value, options_.dates == xml_dates::utc);
+    wchar_t* const to = out_.room(most_iso_units);
+    out_.advance(std::transform(static_cast<const char*>(text), end, to, texto::unit_of));
   }
 
   wchar_t replacement(wchar_t c) {
