@@ -4,6 +4,7 @@
 // What a thread keeps to make values cheap.
 
 #include "memory/block_cache.hpp"
+#include "memory/name_tree.hpp"
 #include "memory/shared_key.hpp"
 #include "system/thread_slot.hpp"
 
@@ -19,6 +20,7 @@ struct thread_cache {
 
   block_cache blocks;
   key_cache keys;
+  name_tree narrow_names, wide_names;  // as UTF-8 and as UTF-16 write them
 
  private:
   static thread_cache* made_local() noexcept;

@@ -10,7 +10,9 @@
 #include <ruvo/bundle.hpp>
 
 #include <cstdint>
+#include <cstring>
 #include <memory>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -28,6 +30,11 @@ class bundle_store {
   static bundle_store* make(std::size_t capacity);
   /// With the keys of `other` in the same positions, and null values.
   static bundle_store* like(const bundle_store& other);
+  /// A full store of `size` values, which are moved out of, with `ranks`, the order of their keys. `last_key`
+  /// gives the keys, retained for the store, the last one first; there are no two alike, and they are no more
+  /// than lie in arrays.
+  template <class LastKey>
+  static bundle_store* of_known(std::size_t size, xvar* values, const std::uint8_t* ranks, LastKey last_key);
   static void drop(bundle_store* store) noexcept;
   /// The same entries in a store without spare room, in other places; `store` is used up unless this throws.
   static bundle_store* fitted(bundle_store* store);
@@ -125,6 +132,23 @@ class bundle_store {
   std::unique_ptr<large_order> large_;
   std::size_t bytes_ = 0;  // of the allocation that begins with this object
 };
+
+template <class LastKey>
+bundle_store* bundle_store::of_known(std::size_t size, xvar* values, const std::uint8_t* ranks,
+                                     LastKey last_key) {
+  bundle_store* const store = make(size);
+  entry* const entries = entries_of(store->blocks_);
+  std::uint32_t* const hashes = store->hashes();
+  for (std::size_t n = size; n-- > 0;) {
+    const shared_key* const key = last_key();
+    store->order_[n] = new (entries + n) entry(*key, std::move(values[n]));
+    hashes[n] = key->hash;
+  }
+  std::memcpy(store->ranks(), ranks, size);
+  store->blocks_->used = static_cast<std::uint32_t>(size);
+  store->size_ = size;
+  return store;
+}
 
 /// The library's own access to the store of a bundle.
 struct bundle_access {

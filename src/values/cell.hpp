@@ -90,6 +90,8 @@ struct cell {
     if (!text.empty()) std::memcpy(v.data_.bytes + small_offset, text.data(), text.size() * sizeof(wchar_t));
   }
   static void set_long_text(var& v, std::wstring_view text);
+  /// Where the units of a text beyond small_length are to be written.
+  static wchar_t* set_text_room(var& v, std::size_t length);
   static void set_lapse(var& v, kind kind, long long seconds, int mode) noexcept {
     v.set(kind, seconds);
     std::memcpy(v.data_.bytes + 2, &mode, sizeof mode);

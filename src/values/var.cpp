@@ -37,10 +37,14 @@ using detail::traits_of;
 
 namespace detail {
 
-void cell::set_long_text(var& v, std::wstring_view text) {
-  auto* const block = new (take_block(text_block::bytes(text.size()))) text_block{text.size()};
-  std::memcpy(block->units(), text.data(), text.size() * sizeof(wchar_t));
+wchar_t* cell::set_text_room(var& v, std::size_t length) {
+  auto* const block = new (take_block(text_block::bytes(length))) text_block{length};
   set_pointer(v, kind::text, block);
+  return block->units();
+}
+
+void cell::set_long_text(var& v, std::wstring_view text) {
+  std::memcpy(set_text_room(v, text.size()), text.data(), text.size() * sizeof(wchar_t));
 }
 
 namespace {
