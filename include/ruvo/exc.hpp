@@ -189,6 +189,25 @@ KESTA_EXC_CLASS(dotnetException, kesta::exception,
 /// A text that cannot be read. The position, in characters read, follows the message.
 KESTA_EXC_CLASS(jsonBadFormated, JSONException, explicit jsonBadFormated(const unsigned long long& position))
 
+/// Two names of one object that are one key. The position of the second one, and the name, stand in the
+/// message; the detail is the name.
+KESTA_EXC_CLASS(jsonTwinName, JSONException,
+                jsonTwinName(unsigned long long position, const std::wstring& name))
+
+/// A text that goes beyond a limit. The position and what is limited stand in the message; the detail is what
+/// is limited: "profundidad", "tamaño", "miembros", "elementos" or "memoria".
+KESTA_EXC_CLASS(jsonBeyondLimit, JSONException,
+                jsonBeyondLimit(unsigned long long position, const std::wstring& limited))
+
+/// A number that no value holds as it is written. Its position stands in the message.
+KESTA_EXC_CLASS(jsonBadNumber, JSONException, explicit jsonBadNumber(unsigned long long position))
+
+/// A whole text that is a value of another kind than asked for. The position stands in the message.
+KESTA_EXC_CLASS(jsonWrongRoot, JSONException, explicit jsonWrongRoot(unsigned long long position))
+
+/// Bytes that are not UTF-8. The position of the first one stands in the message.
+KESTA_EXC_CLASS(jsonBadEncoding, JSONException, explicit jsonBadEncoding(unsigned long long position))
+
 /// A value that JSON has no form for. Where it is, as a JSON Pointer, and why stand in the message, in the
 /// former's middle cut to some 200 characters; the detail is the whole pointer.
 KESTA_EXC_CLASS(jsonUnwritable, JSONException,

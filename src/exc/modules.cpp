@@ -105,6 +105,34 @@ jsonBadFormated::jsonBadFormated(const unsigned long long& position)
 }
 jsonBadFormated::~jsonBadFormated() = default;
 
+/// A position in a text, and what else the message says.
+#define KESTA_EXC_AT(name)                                                                 \
+  KESTA_EXC_ROW(name, own)                                                                 \
+  name::name(unsigned long long position)                                                  \
+      : JSONException(rows::name->number, filled(rows::name->text, {decimal(position)})) { \
+    error_class::mark(*this, rows::name);                                                  \
+    error_class::set_position(*this, position);                                            \
+  }                                                                                        \
+  name::~name() = default;
+#define KESTA_EXC_ABOUT(name)                                                             \
+  KESTA_EXC_ROW(name, own)                                                                \
+  name::name(unsigned long long position, const std::wstring& subject)                    \
+      : JSONException(rows::name->number,                                                 \
+                      filled(rows::name->text, {decimal(position), in_short(subject)})) { \
+    error_class::mark(*this, rows::name);                                                 \
+    error_class::set_position(*this, position);                                           \
+    set_detail(subject);                                                                  \
+  }                                                                                       \
+  name::~name() = default;
+KESTA_EXC_ABOUT(jsonTwinName)
+KESTA_EXC_ABOUT(jsonBeyondLimit)
+KESTA_EXC_AT(jsonBadNumber)
+KESTA_EXC_AT(jsonWrongRoot)
+KESTA_EXC_AT(jsonBadEncoding)
+KESTA_EXC_AT(jsonBadPointer)
+#undef KESTA_EXC_ABOUT
+#undef KESTA_EXC_AT
+
 #define KESTA_EXC_POINTER(name)                                                                    \
   KESTA_EXC_ROW(name, own)                                                                         \
   name::name(const std::wstring& pointer, const std::wstring& reason)                              \
@@ -116,14 +144,6 @@ jsonBadFormated::~jsonBadFormated() = default;
 KESTA_EXC_POINTER(jsonUnwritable)
 KESTA_EXC_POINTER(jsonNoPlace)
 #undef KESTA_EXC_POINTER
-
-KESTA_EXC_ROW(jsonBadPointer, own)
-jsonBadPointer::jsonBadPointer(unsigned long long position)
-    : JSONException(rows::jsonBadPointer->number, filled(rows::jsonBadPointer->text, {decimal(position)})) {
-  error_class::mark(*this, rows::jsonBadPointer);
-  error_class::set_position(*this, position);
-}
-jsonBadPointer::~jsonBadPointer() = default;
 
 KESTA_EXC_ROW(invocaError, own)
 invocaError::invocaError(unsigned long code, const std::wstring& message) : dotnetException(code, message) {
