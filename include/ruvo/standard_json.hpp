@@ -18,11 +18,24 @@
 #include <ruvo/iserializer.hpp>
 #include <ruvo/reading.hpp>
 
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
+
+namespace ruvo::detail {
+
+/// What a whole text of JSON can be read into.
+template <class T>
+concept json_root = std::same_as<T, bundle> || std::same_as<T, list> || std::same_as<T, xvar>;
+
+inline std::string_view as_bytes(std::u8string_view text) noexcept {
+  return {reinterpret_cast<const char*>(text.data()), text.size()};
+}
+
+}  // namespace ruvo::detail
 
 namespace ruvo::serializer {
 
@@ -52,7 +65,7 @@ struct json_limits {
 };
 
 struct json_read_options {
-  json_limits limits;
+  json_limits limits{};
   json_twins twins = json_twins::failure;
   /// Of what no double holds: 1e400. Never json_number::nearest.
   json_number too_large = json_number::failure;
@@ -63,7 +76,28 @@ struct json_read_options {
   bool byte_order_mark = false;
 };
 
-/// (contract: to be written with the reader)
+/// Reads a text of JSON as RFC 8259 defines it, from UTF-16 or, without a detour, from UTF-8 as RFC 3629
+/// defines it. `out` then holds what the text says and nothing else: an xvar any value, a bundle an object, a
+/// list a list. Objects become bundles, which fold the names and remember how they are spelled; integers that
+/// fit become long long, else unsigned long long; other numbers the nearest double, also -0; true and false
+/// bool; null a null cell; texts std::wstring, in which half a surrogate pair may stand if it is written as
+/// an escape, as it may in names. Empty names and U+0000 are taken like others.
+///
+/// True on FAILURE, as in ruvo::iserializer; `out` is then as it was. The first unit that cannot stand where
+/// it stands is the position in the message, which failure_position() gives: in bytes or UTF-16 units of the
+/// text, counted from 1; the text's end is behind its last unit. position_of() makes a line and a column of
+/// it. On success `*err` stays as it is.
+///
+/// - exc::jsonBadFormated (6001): what no JSON can go on with.
+/// - exc::jsonTwinName (6004): the second of two names that are one key, at its quotation mark.
+/// - exc::jsonBeyondLimit (6005): the value, name or bracket with which a limit is passed; of the size, the
+///   first unit beyond, before anything is read.
+/// - exc::jsonBadNumber (6006): a number that no value holds, or loses digits where the options say so.
+/// - exc::jsonWrongRoot (6007): another kind of value than `out` can hold; nothing behind is looked at.
+/// - exc::jsonBadEncoding (6008): the first byte of what is not UTF-8, inside a string.
+///
+/// Nothing but std::bad_alloc leaves these functions. `text` may be a part of what `out` holds. They take
+/// linear time, but for the sorting of keys, and no stack for what is nested.
 KESTA_API bool read_standard_json(bundle& out, std::wstring_view text, exception* err,
                                   const json_read_options& options = {});
 KESTA_API bool read_standard_json(bundle& out, std::string_view bytes, exception* err,
@@ -76,6 +110,18 @@ KESTA_API bool read_standard_json(xvar& out, std::wstring_view text, exception* 
                                   const json_read_options& options = {});
 KESTA_API bool read_standard_json(xvar& out, std::string_view bytes, exception* err,
                                   const json_read_options& options = {});
+
+/// The same of UTF-8 that the language knows as such.
+template <ruvo::detail::json_root Root>
+bool read_standard_json(Root& out, std::u8string_view text, exception* err,
+                        const json_read_options& options = {}) {
+  return read_standard_json(out, ruvo::detail::as_bytes(text), err, options);
+}
+/// The same where the result alone reports a failure.
+template <ruvo::detail::json_root Root, class Text>
+[[nodiscard]] bool read_standard_json(Root& out, const Text& text) {
+  return read_standard_json(out, text, nullptr, json_read_options());
+}
 
 // --- reading in pieces
 
