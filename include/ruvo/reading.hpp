@@ -34,6 +34,9 @@ struct text_place {
 /// CR, LF and CRLF each end a line and belong to it. A surrogate pair is one column, and so is CRLF; tabs,
 /// combining marks and a byte order mark are one column each. Takes time linear in `position`.
 KESTA_API text_place position_of(std::wstring_view text, std::uint64_t position) noexcept;
+/// The same of UTF-8, where positions count bytes and columns characters still: a byte of a character has its
+/// place, and so has a byte that continues none, of what stands before it.
+KESTA_API text_place position_of(std::string_view utf8, std::uint64_t position) noexcept;
 
 /// The position of a failure of json or xml, which its message shows too; 0 for a failure without one. It
 /// goes along with copies and into an exc::RunTime, exc::UnCatch or exc::UnKnown that is made of the failure,

@@ -18,9 +18,22 @@
 
 namespace ruvo::serializer {
 
-text_place position_of(std::wstring_view text, std::uint64_t position) noexcept {
+namespace {
+
+template <class Unit>
+text_place place_in(std::basic_string_view<Unit> text, std::uint64_t position) noexcept {
   const std::uint64_t offset = position == 0 ? 0 : position - 1;
-  return place_walker(text).at(static_cast<std::size_t>(std::min<std::uint64_t>(offset, text.size())));
+  return basic_place_walker<Unit>(text).at(
+      static_cast<std::size_t>(std::min<std::uint64_t>(offset, text.size())));
+}
+
+}  // namespace
+
+text_place position_of(std::wstring_view text, std::uint64_t position) noexcept {
+  return place_in(text, position);
+}
+text_place position_of(std::string_view utf8, std::uint64_t position) noexcept {
+  return place_in(utf8, position);
 }
 
 std::uint64_t failure_position(const exception& failure) { return detail::error_class::position(failure); }
