@@ -159,8 +159,8 @@ KESTA_EXC_CLASS(dotnetException, kesta::exception,
 /// An error of something that has a name, which stands in the message.
 #define KESTA_EXC_named(name, base) KESTA_EXC_CLASS(name, base, explicit name(const std::wstring& subject))
 
-/// A text that cannot be read. The position, in characters read, and the knot, the number of open nodes,
-/// follow the message.
+/// A text that cannot be read. The position, in characters read (of a document in bytes, in bytes), and the
+/// knot, the number of open nodes, follow the message.
 #define KESTA_EXC_knot(name, base) \
   KESTA_EXC_CLASS(name, base, name(unsigned long long position, unsigned long long knot))
 
@@ -220,6 +220,13 @@ KESTA_EXC_CLASS(jsonBadPointer, JSONException, explicit jsonBadPointer(unsigned 
 /// jsonUnwritable; the detail is the whole pointer.
 KESTA_EXC_CLASS(jsonNoPlace, JSONException,
                 jsonNoPlace(const std::wstring& pointer, const std::wstring& reason))
+
+/// An XML document that goes beyond a limit. The position, what is limited and the number of open elements
+/// stand in the message; the detail is what is limited: "profundidad", "tamaño", "elementos", "atributos",
+/// "memoria" or "crecimiento".
+KESTA_EXC_CLASS(xmlBeyondLimit, XMLException,
+                xmlBeyondLimit(unsigned long long position, const std::wstring& limited,
+                               unsigned long long knot))
 
 /// A failure of the system. Its number follows the message.
 KESTA_EXC_CLASS(systemErrorCode, SystemException, explicit systemErrorCode(unsigned long number))

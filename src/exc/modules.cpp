@@ -81,6 +81,17 @@ KESTA_EXC_WINDOWS_FAMILY(winException)
 
 // --- constructors of their own
 
+KESTA_EXC_ROW(xmlBeyondLimit, own)
+xmlBeyondLimit::xmlBeyondLimit(unsigned long long position, const std::wstring& limited,
+                               unsigned long long knot)
+    : XMLException(rows::xmlBeyondLimit->number,
+                   filled(rows::xmlBeyondLimit->text, {decimal(position), limited, decimal(knot)})) {
+  error_class::mark(*this, rows::xmlBeyondLimit);
+  error_class::set_position(*this, position);
+  set_detail(limited);
+}
+xmlBeyondLimit::~xmlBeyondLimit() = default;
+
 KESTA_EXC_ROW(systemErrorCode, own)
 systemErrorCode::systemErrorCode(unsigned long number)
     : SystemException(rows::systemErrorCode->number, filled(rows::systemErrorCode->text, {decimal(number)})) {
