@@ -1,24 +1,26 @@
 // SPDX-License-Identifier: BSL-1.0
 
-// Passing over the document type of XML.
+// The document type of XML: whether it is well-formed, and what it declares.
 
 #include "serializer/xml/dtd.hpp"
 
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace ruvo::serializer {
 
 namespace {
 
-/// Passes over a document type declaration (XML 1.0, section 2.8); nothing of it is kept. References between
-/// the declarations and in the values of entities only have to be written well.
+/// Reads a document type declaration (XML 1.0, section 2.8). What has no effect only has to be written well,
+/// and so do references in the values of entities.
 class document_type_reader : xml_cursor {
  public:
-  explicit document_type_reader(const xml_cursor& from) noexcept : xml_cursor(from) {}
+  document_type_reader(const xml_cursor& from, const xml_read_options& options) noexcept
+      : xml_cursor(from), options_(options) {}
 
-  const wchar_t* read() {
+  xml_cursor read() {
     expect(L"<!DOCTYPE");
     expect_blanks();
     name();
@@ -31,7 +33,7 @@ class document_type_reader : xml_cursor {
       skip_blanks();
     }
     expect(L">");
-    return at_;
+    return *this;
   }
 
  private:
@@ -57,17 +59,30 @@ class document_type_reader : xml_cursor {
     }
   }
 
-  /// Up to the closing bracket.
+  /// Up to the closing bracket, which no entity brings.
   void internal_subset() {
     for (;;) {
       miscellany();
-      if (take(L']')) return;
-      if (take(L'%')) {
-        name();
-        expect(L";");
+      if (leave_entity()) continue;
+      if (!in_entity() && take(L']')) return;
+      if (next_is(L'%')) {
+        parameter_reference();
       } else {
         markup_declaration();
       }
+    }
+  }
+
+  /// Declarations behind one that brings what is not read count for a standalone document only (section 5.1).
+  void parameter_reference() {
+    const wchar_t* const from = at_++;
+    const std::wstring_view its_name = name();
+    expect(L";");
+    const auto found = type_->parameters.find(its_name);
+    if (found != type_->parameters.end() && found->second.is_internal) {
+      include(type_->parameters, its_name, from);
+    } else if (!is_standalone_) {
+      counts_ = false;
     }
   }
 
@@ -77,13 +92,13 @@ class document_type_reader : xml_cursor {
     expect_blanks();
     const bool is_parameter = word == L"ENTITY" && take(L'%');
     if (is_parameter) expect_blanks();
-    name();
-    if (word == L"ATTLIST") return attributes();
+    const std::wstring_view its_name = name();
+    if (word == L"ATTLIST") return attributes(its_name);
     expect_blanks();
     if (word == L"ELEMENT") {
       content_model();
     } else if (word == L"ENTITY") {
-      entity_definition(is_parameter);
+      entity_definition(its_name, is_parameter);
     } else {
       external_identifier(false);
     }
@@ -145,26 +160,38 @@ class document_type_reader : xml_cursor {
   // --- attributes
 
   /// Up to the end of the declaration.
-  void attributes() {
+  void attributes(std::wstring_view element) {
     for (;;) {
       const bool apart = skip_blanks();
       if (take(L'>')) return;
       if (!apart) refuse(at_);
-      name();
+      const std::wstring_view its_name = name();
       expect_blanks();
-      attribute_kind();
+      const bool is_tokens = attribute_kind();
       expect_blanks();
-      attribute_default();
+      const bool has_default = attribute_default();
+      if (!counts_ || !options_.declared_attributes) continue;
+      xml_declared_attributes& declared = type_->attributes[element];
+      const bool is_first = declared.are_tokens.try_emplace(its_name, is_tokens).second;
+      if (!is_first || !has_default) continue;  // only the first declaration counts
+      if (is_tokens) join_tokens(value_);
+      declared.defaults.try_emplace(its_name, value_);
     }
   }
 
-  void attribute_kind() {
-    if (next_is(L'(')) return choice(true);
-    if (expect_one_of({L"CDATA", L"ID", L"IDREF", L"IDREFS", L"ENTITY", L"ENTITIES", L"NMTOKEN", L"NMTOKENS",
-                       L"NOTATION"}) != L"NOTATION")
-      return;
-    expect_blanks();
-    choice(false);
+  /// Whether it is another kind than CDATA.
+  bool attribute_kind() {
+    if (next_is(L'(')) {
+      choice(true);
+      return true;
+    }
+    const std::wstring_view kind = expect_one_of(
+        {L"CDATA", L"ID", L"IDREF", L"IDREFS", L"ENTITY", L"ENTITIES", L"NMTOKEN", L"NMTOKENS", L"NOTATION"});
+    if (kind == L"NOTATION") {
+      expect_blanks();
+      choice(false);
+    }
+    return kind != L"CDATA";
   }
 
   void choice(bool of_tokens) {
@@ -177,48 +204,67 @@ class document_type_reader : xml_cursor {
     expect(L")");
   }
 
-  void attribute_default() {
+  /// Whether there is one, which is then in value_.
+  bool attribute_default() {
     if (next_is(L'#')) {
-      if (expect_one_of({L"#REQUIRED", L"#IMPLIED", L"#FIXED"}) != L"#FIXED") return;
+      if (expect_one_of({L"#REQUIRED", L"#IMPLIED", L"#FIXED"}) != L"#FIXED") return false;
       expect_blanks();
     }
-    ignored_.clear();
-    attribute_value(ignored_);
+    value_.clear();
+    attribute_value(value_);
+    return true;
   }
 
   // --- entities
 
-  void entity_definition(bool is_parameter) {
-    if (next_is(L'"') || next_is(L'\'')) return entity_value();
-    external_identifier(true);
-    if (!is_parameter && skip_blanks() && next_is(L'N')) {
-      expect(L"NDATA");
-      expect_blanks();
-      name();
+  void entity_definition(std::wstring_view its_name, bool is_parameter) {
+    xml_declared_entity made;
+    made.is_internal = next_is(L'"') || next_is(L'\'');
+    if (made.is_internal) {
+      entity_value();
+      made.text = value_;
+    } else {
+      external_identifier(true);
+      if (!is_parameter && skip_blanks() && next_is(L'N')) {
+        expect(L"NDATA");
+        expect_blanks();
+        name();
+      }
     }
+    if (!counts_ || !options_.entities) return;
+    xml_declared_entities& declared = is_parameter ? type_->parameters : type_->entities;
+    declared.try_emplace(its_name, std::move(made));  // the first one counts
   }
 
+  /// What takes the place of a reference to the entity, into value_: references to characters are resolved,
+  /// those to entities are not (section 4.4).
   void entity_value() {
     const wchar_t quote = quotation_mark()[0];
+    value_.clear();
     while (!take(quote)) {
       if (next_is(L'%')) refuse(at_);
+      const wchar_t* const from = at_;
       if (rest().starts_with(L"&#")) {
-        ignored_.clear();
-        reference(ignored_);
+        reference(value_);
       } else if (take(L'&')) {
         name();
         expect(L";");
+        value_ += between(from, at_);
       } else {
-        skip_character();
+        value_ += character();
       }
     }
   }
 
-  std::wstring ignored_;  // a value that only has to be right
+  const xml_read_options& options_;
+  bool counts_ = true;  // what is declared from here on
+  std::wstring value_;  // that was read last
 };
 
 }  // namespace
 
-const wchar_t* behind_document_type(const xml_cursor& from) { return document_type_reader(from).read(); }
+xml_cursor behind_document_type(const xml_cursor& from, const xml_read_options& options) {
+  return document_type_reader(from, options).read();
+}
 
 }  // namespace ruvo::serializer

@@ -4,34 +4,109 @@
 // Walking over a text that must be XML: what the document type and the elements have in common.
 
 #include <ruvo/exc.hpp>
+#include <ruvo/well_formed_xml.hpp>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <map>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "base/ascii.hpp"
 #include "serializer/places.hpp"
+#include "serializer/xml/bytes.hpp"
 #include "serializer/xml/grammar.hpp"
 
 namespace ruvo::serializer {
 
-/// A place in a text. What cannot stand there is thrown as exc::xmlBadFormated.
+/// An entity that the document type declares.
+struct xml_declared_entity {
+  std::wstring text;  // what it is replaced by
+  bool is_internal = false, is_open = false;
+};
+using xml_declared_entities = std::map<std::wstring_view, xml_declared_entity>;
+
+/// What an element's attributes are declared to be. As qualities ignore case, so do default values: of names
+/// that differ in nothing else the first one's counts.
+struct xml_declared_attributes {
+  struct in_lower_case {
+    bool operator()(std::wstring_view a, std::wstring_view b) const noexcept {
+      return texto::before_in_lower_case(a, b);
+    }
+  };
+  std::map<std::wstring_view, bool> are_tokens;  // of another kind than CDATA
+  std::map<std::wstring_view, std::wstring, in_lower_case> defaults;
+};
+
+/// What the document type declares, as far as it has an effect. Names are those in the document, or in the
+/// texts of parameter entities.
+struct xml_document_type {
+  xml_declared_entities entities, parameters;
+  std::map<std::wstring_view, xml_declared_attributes> attributes;  // by element
+};
+
+/// Leaves no space at the ends of a value, and one where several follow each other.
+inline void join_tokens(std::wstring& value) {
+  std::size_t kept = 0;
+  for (const wchar_t c : value)
+    if (c != L' ' || (kept > 0 && value[kept - 1] != L' ')) value[kept++] = c;
+  if (kept > 0 && value[kept - 1] == L' ') --kept;
+  value.resize(kept);
+}
+
+/// Counts what has a limit.
+class xml_meter {
+ public:
+  explicit xml_meter(const xml_limits& limits) noexcept : limits_(limits) {}
+
+  const xml_limits& limits() const noexcept { return limits_; }
+  bool takes_element() noexcept { return ++elements_ <= limits_.elements; }
+  /// Of the values, about.
+  bool takes_bytes(std::size_t count) noexcept { return is_within(bytes_, count, limits_.bytes); }
+  bool grows(std::size_t units) noexcept { return is_within(growth_, units, limits_.growth); }
+
+ private:
+  static bool is_within(std::size_t& total, std::size_t more, std::size_t most) noexcept {
+    if (more > most - total) return false;
+    total += more;
+    return true;
+  }
+
+  xml_limits limits_;
+  std::size_t elements_ = 0, bytes_ = 0, growth_ = 0;
+};
+
+/// A place in a text. What cannot stand there is thrown as exc::xmlBadFormated. Where the text is that of an
+/// entity, the place is the reference in the document.
 class xml_cursor {
  public:
-  explicit xml_cursor(std::wstring_view text) noexcept
-      : begin_(text.data()), at_(text.data()), end_(text.data() + text.size()) {}
+  /// Positions are those in `bytes`, of which `text` was made, if they are given.
+  xml_cursor(std::wstring_view text, const xml_text_of_bytes* bytes, const xml_limits& limits,
+             xml_document_type& type) noexcept
+      : begin_(text.data()),
+        at_(text.data()),
+        end_(text.data() + text.size()),
+        bytes_(bytes),
+        meter_(limits),
+        type_(&type) {}
 
  protected:
-  // --- single characters
+  // --- failures
 
   std::uint64_t position(const wchar_t* where) const noexcept {
-    return static_cast<std::uint64_t>(where - begin_) + 1;
+    const auto offset = static_cast<std::size_t>((included_.empty() ? where : included_[0].from) - begin_);
+    return bytes_ ? bytes_->position(offset) : std::uint64_t{offset} + 1;
   }
   [[noreturn]] void refuse(const wchar_t* where) const { throw exc::xmlBadFormated(position(where), depth_); }
+  [[noreturn]] void exceed(const wchar_t* limit, const wchar_t* where) const {
+    throw exc::xmlBeyondLimit(position(where), limit, depth_);
+  }
+
+  // --- single characters
 
   std::wstring_view rest() const noexcept { return between(at_, end_); }
   bool next_is(wchar_t c) const noexcept { return at_ != end_ && *at_ == c; }
@@ -102,6 +177,8 @@ class xml_cursor {
   /// A text between quotation marks or apostrophes.
   std::wstring_view literal() { return skip_to(quotation_mark()); }
 
+  void byte_order_mark() noexcept { take(static_cast<wchar_t>(0xFEFF)); }
+
   // --- what is passed over
 
   /// Comments, processing instructions and blanks.
@@ -143,12 +220,45 @@ class xml_cursor {
     skip_blanks();
   }
 
+  // --- entities
+
+  /// Goes on in the text of an entity that the document declares; `from` is where the reference begins.
+  void include(xml_declared_entities& declared, std::wstring_view its_name, const wchar_t* from) {
+    const auto found = declared.find(its_name);
+    if (found == declared.end() || !found->second.is_internal || found->second.is_open) refuse(from);
+    xml_declared_entity& entity = found->second;
+    if (!meter_.grows(entity.text.size())) exceed(L"crecimiento", from);
+    included_.push_back({from, at_, end_, &entity, depth_});
+    entity.is_open = true;
+    at_ = entity.text.data();
+    end_ = at_ + entity.text.size();
+  }
+  /// Whether an entity ends here; behind it, then. What began in it ends in it.
+  bool leave_entity() {
+    if (at_ != end_ || included_.empty()) return false;
+    const inclusion& last = included_.back();
+    if (last.depth != depth_) refuse(at_);
+    last.entity->is_open = false;
+    at_ = last.back_to;
+    end_ = last.end;
+    included_.pop_back();
+    return true;
+  }
+  bool in_entity() const noexcept { return !included_.empty(); }
+  /// The depth that the entity found.
+  std::size_t entity_depth() const noexcept { return included_.back().depth; }
+
+  // --- values
+
   /// With its marks.
   void attribute_value(std::wstring& out) {
     const wchar_t quote = quotation_mark()[0];
-    while (!take(quote)) {
-      out += plain(quote);
-      if (next_is(quote)) continue;
+    const std::size_t outside = included_.size();
+    for (;;) {
+      const bool is_own = included_.size() == outside;
+      out += plain(is_own ? quote : L'<');
+      if (is_own && take(quote)) return;
+      if (!is_own && leave_entity()) continue;
       if (next_is(L'<')) refuse(at_);
       if (next_is(L'&')) {
         reference(out);
@@ -166,16 +276,18 @@ class xml_cursor {
     return between(from, at_);
   }
 
-  /// One character; the end of a line, however it is written, is a line feed.
+  /// One character; the end of a line, however it is written, is a line feed. An entity has line feeds
+  /// already, and a return that is meant.
   std::wstring_view character() {
     const wchar_t* const from = at_;
     skip_character();
-    if (*from != L'\r') return between(from, at_);
+    if (*from != L'\r' || in_entity()) return between(from, at_);
     take(L'\n');
     return L"\n";
   }
 
-  /// The character that a reference stands for.
+  /// The character that a reference stands for; behind a reference to an entity that the document declares
+  /// goes on in its text.
   void reference(std::wstring& out) {
     const wchar_t* const from = at_++;
     if (take(L'#')) return character_reference(out, from);
@@ -183,7 +295,7 @@ class xml_cursor {
     expect(L";");
     for (const xml_entity& entity : xml_entities)
       if (entity.name == its_name) return out.push_back(entity.meant);
-    refuse(from);
+    include(type_->entities, its_name, from);
   }
 
   void character_reference(std::wstring& out, const wchar_t* from) {
@@ -212,6 +324,18 @@ class xml_cursor {
   const wchar_t* at_;
   const wchar_t* end_;
   std::size_t depth_ = 0;  // how many elements are open
+  const xml_text_of_bytes* bytes_;
+  xml_meter meter_;
+  xml_document_type* type_;
+  bool is_standalone_ = false;
+
+ private:
+  struct inclusion {
+    const wchar_t *from, *back_to, *end;  // the reference, and where what it stands in goes on and ends
+    xml_declared_entity* entity;
+    std::size_t depth;
+  };
+  std::vector<inclusion> included_;  // the outermost first
 };
 
 }  // namespace ruvo::serializer
