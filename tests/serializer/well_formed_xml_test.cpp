@@ -4,6 +4,7 @@
 
 #include <ruvo/ruvo.hpp>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -16,12 +17,33 @@
 using ruvo::bundle;
 using ruvo::serializer::failure_position;
 using ruvo::serializer::read_well_formed_xml;
+using ruvo::serializer::xml_read_options;
 
 namespace {
 
-reading_outcome read(const std::wstring& text) {
+template <class Text, class... Options>
+reading_outcome read(const Text& text, const Options&... options) {
   reading_outcome o;
-  o.failed = read_well_formed_xml(o.store, text, &o.error);
+  o.failed = read_well_formed_xml(o.store, text, &o.error, options...);
+  return o;
+}
+
+template <class Text>
+Text repeated(const Text& piece, int count) {
+  Text out;
+  for (; count > 0; --count) out += piece;
+  return out;
+}
+
+xml_read_options mixed() {
+  xml_read_options o;
+  o.mixed_text = true;
+  return o;
+}
+/// What the document type declares has an effect.
+xml_read_options declared() {
+  xml_read_options o;
+  o.entities = o.declared_attributes = true;
   return o;
 }
 
@@ -117,12 +139,13 @@ TEST(well_formed_xml, attributes) {
 }
 
 /// The failure is at the character behind ¦.
-void expect_refused(std::wstring text) {
+template <class... Options>
+void expect_refused(std::wstring text, const Options&... options) {
   const std::size_t where = text.find(L'¦');
   ASSERT_NE(where, text.npos);
   text.erase(where, 1);
   SCOPED_TRACE(testing::PrintToString(text));
-  const reading_outcome o = read(text);
+  const reading_outcome o = read(text, options...);
   EXPECT_TRUE(o.failed);
   EXPECT_EQ(failure_position(o.error), where + 1);
   EXPECT_EQ(o.error.get_rango(), 7U);
@@ -205,6 +228,274 @@ TEST(well_formed_xml, declarations_refused) {
            L"NOTATION a PUBLIC 'b'¦'c'  NOTATION a PUBLIC 'b' ¦c",
            L"  "))
     expect_refused(L"<!DOCTYPE r [<!" + text + L">]><r/>");
+}
+
+// --- options
+
+TEST(well_formed_xml, text_beside_elements) {
+  struct {
+    const wchar_t *text, *store;
+  } const rows[] = {
+      {L"<p>See <b>one</b> <i>two</i>, and\n<b>three</b></p>",
+       L"[{\"#text\":\"See \"},{\"b\":\"one\"},{\"#text\":\" \"},{\"i\":\"two\"},{\"#text\":\", "
+       L"and\n\"},{\"b\":\"three\"}]"},
+      {L"<p><b/> <b/>\t<c/>x</p>",
+       L"[{\"b\":\"\"},{\"#text\":\" \"},{\"b\":\"\"},{\"#text\":\"\t\"},{\"c\":\"\"},{\"#text\":\"x\"}]"},
+      {L"<p> <b> x </b> <a/> </p>", L"{\"a\":\"\", \"b\":\"x\"}"},
+      {L"<p> <b/> <a/> <b/> </p>", L"[{\"b\":\"\"},{\"a\":\"\"},{\"b\":\"\"}]"},
+      {L"<p><b/>&#32;<a/></p>", L"[{\"b\":\"\"},{\"#text\":\" \"},{\"a\":\"\"}]"},
+      {L"<p><b/><![CDATA[ ]]></p>", L"[{\"b\":\"\"},{\"#text\":\" \"}]"},
+      {L"<p>1<!-- -->2<b>\n<c/>3</b>4</p>",
+       L"[{\"#text\":\"12\"},{\"b\":[{\"#text\":\"\n\"},{\"c\":\"\"},{\"#text\":\"3\"}]},{\"#text\":\"4\"}]"},
+      {L"<p> <a> <b/> </a> <c/>x</p>",
+       L"[{\"#text\":\" \"},{\"a\":{\"b\":\"\"}},{\"#text\":\" \"},{\"c\":\"\"},{\"#text\":\"x\"}]"},
+  };
+  for (const auto& row : rows)
+    EXPECT_EQ(read(std::wstring(row.text), mixed()).store.at(L"p").to_string(), row.store)
+        << testing::PrintToString(row.text);
+}
+
+TEST(well_formed_xml, what_a_document_declares) {
+  struct {
+    const char* name;
+    std::wstring type, element;
+    const wchar_t *store, *qualities;
+  } const rows[] = {
+      {"text", L"<!ENTITY e 'a&lt;b'>", L"<r>1&e;2</r>", L"\"1a<b2\"", L""},
+      {"elements", L"<!ENTITY e 'x<a>1</a><b>&f;</b>'><!ENTITY f '2'>", L"<r>&e;</r>",
+       L"{\"a\":\"1\", \"b\":\"2\"}", L""},
+      {"the first declaration counts", L"<!ENTITY e '1'><!ENTITY e '2'>", L"<r>&e;</r>", L"\"1\"", L""},
+      {"markup in two steps", L"<!ENTITY e '&#60;a>&#38;lt;&#38;#38;amp;&#60;/a>'>", L"<r>&e;</r>",
+       L"{\"a\":\"<&amp;\"}", L""},
+      {"the five stay what they are", L"<!ENTITY lt '&#38;#60;'><!ENTITY amp 'x'>", L"<r>&lt;&amp;</r>",
+       L"\"<&\"", L""},
+      {"line ends", L"<!ENTITY e '1\r\n2\r3&#13;&#10;4&#38;#13;5'>", L"<r a='&e;'>&e;</r>",
+       L"\"1\n2\n3\r\n4\r5\"", L"a=1 2 3  4\r5"},
+      {"brackets of two texts", L"<!ENTITY e '>'><!ENTITY f ']]'>", L"<r>]]&e;&f;></r>", L"\"]]>]]>\"", L""},
+      {"nothing", L"<!ENTITY e ''>", L"<r a='&e;&e;'>&e;</r>", L"\"\"", L"a="},
+      {"marks in attributes", L"<!ENTITY e '\"&f;'><!ENTITY f \"'\">", L"<r a='&e;' b=\"&e;\"/>", L"\"\"",
+       L"a=\"'; b=\"'"},
+      {"parameter entities",
+       L"<!ENTITY % p '&#37;q;<!-- -->'><!ENTITY % q \"<!ENTITY e '1'>\">%p;<!ENTITY e '2'>", L"<r>&e;</r>",
+       L"\"1\"", L""},
+      {"defaults",
+       L"<!ENTITY e 'x'><!ATTLIST r a CDATA ' &e; ' b ID #IMPLIED c CDATA #FIXED '3' a CDATA '2'>",
+       L"<r c='4'/>", L"\"\"", L"a= x ; c=4"},
+      {"defaults of other elements", L"<!ATTLIST a x CDATA '1'><!ATTLIST R x CDATA '1'>", L"<r><a/></r>",
+       L"{\"a\":\"\"}", L""},
+      {"defaults ignore case, too", L"<!ATTLIST r x CDATA '1' Y CDATA '2' y CDATA '3'>", L"<r X='4'/>",
+       L"\"\"", L"X=4; Y=2"},
+      {"tokens", L"<!ATTLIST r a NMTOKENS '  1  2 ' b (x|y) #IMPLIED c CDATA #IMPLIED>",
+       L"<r b=' x&#32; ' c='  1 '/>", L"\"\"", L"a=1 2; b=x; c=  1 "},
+      {"behind what is not read", L"<!ENTITY e '1'>%p;<!ENTITY f '2'><!ATTLIST r x CDATA '1'>", L"<r>&e;</r>",
+       L"\"1\"", L""},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    const reading_outcome o = read(L"<!DOCTYPE r [" + row.type + L"]>" + row.element, declared());
+    ASSERT_FALSE(o.failed) << testing::PrintToString(o.error.get_mensaje());
+    const ruvo::xvar& root = o.store.at(L"r");
+    EXPECT_EQ(o.store.to_string(), L"{\"r\":" + std::wstring(row.store) + L"}");
+    EXPECT_EQ(qualities_of(root), row.qualities);
+  }
+  EXPECT_FALSE(
+      read(std::wstring(L"<?xml version='1.0' standalone='yes'?><!DOCTYPE r [%p;<!ENTITY e '1'>]><r>&e;</r>"),
+           declared())
+          .failed);
+}
+
+/// The document type in brackets, then the root.
+TEST(well_formed_xml, declarations_that_bring_what_can_not_stand) {
+  for (const wchar_t* const text : {L"<!ENTITY e '&e;'>]><r>¦&e;</r>",
+                                    L"<!ENTITY e '&f;'><!ENTITY f 'x&e;'>]><r a='¦&e;'/>",
+                                    L"<!ENTITY e '<a>'>]><r>¦&e;</a></r>",
+                                    L"<!ENTITY e '</r>'>]><r>¦&e;",
+                                    L"<!ENTITY e '<a></a'>]><r>¦&e;></r>",
+                                    L"<!ENTITY e '<!--'>]><r>¦&e;--></r>",
+                                    L"<!ENTITY e '&#38;'>]><r>¦&e;lt;</r>",
+                                    L"<!ENTITY e '<'>]><r a='¦&e;'/>",
+                                    L"<!ENTITY e '&#60;'>]><r a='¦&e;'/>",
+                                    L"<!ENTITY e SYSTEM 'x'>]><r>¦&e;</r>",
+                                    L"<!ENTITY e SYSTEM 'x' NDATA n>]><r>¦&e;</r>",
+                                    L"<!ENTITY e '1'>]><r>¦&E;</r>",
+                                    L"%p;<!ENTITY e '1'>]><r>¦&e;</r>",
+                                    L"<!ENTITY % e '1'>]><r>¦&e;</r>",
+                                    L"<!ATTLIST r a CDATA '¦&e;'><!ENTITY e '1'>]><r/>",
+                                    L"<!ENTITY e '<'><!ATTLIST r a CDATA '¦&e;'>]><r/>",
+                                    L"<!ENTITY % p '<!ENTITY'>¦%p; e '1'>]><r/>",
+                                    L"<!ENTITY % p ']><r/>'>¦%p;",
+                                    L"<!ENTITY % p '&#37;p;'>¦%p;]><r/>",
+                                    L"<!ENTITY % p '<![INCLUDE[]]>'>¦%p;]><r/>",
+                                    L"<!ENTITY % p \"<!ENTITY e '&#37;p;'>\">¦%p;]><r/>",
+                                    L"<!ENTITY e '<?xml version=\"1.0\"?>'>]><r>¦&e;</r>",
+                                    L"<!ENTITY e ']]>'>]><r>¦&e;</r>",
+                                    L"<!ENTITY e '<a x=\"1\" x=\"2\"/>'>]><r>¦&e;</r>"})
+    expect_refused(std::wstring(L"<!DOCTYPE r [") + text, declared());
+  EXPECT_EQ(
+      read(std::wstring(L"<!DOCTYPE r [<!ENTITY e '<a></b>'>]><r>&e;</r>"), declared()).error.get_code(), 2U);
+}
+
+TEST(well_formed_xml, limits) {
+  using limits = ruvo::serializer::xml_limits;
+  constexpr auto none = static_cast<std::size_t>(-1);
+  struct {
+    std::size_t limits::*limit;
+    std::size_t most;
+    const wchar_t *text, *name;
+  } const rows[] = {
+      {&limits::depth, 2, L"<r><a/><a>¦<b/></a></r>", L"profundidad"},
+      {&limits::units, 7, L"<r></r>¦ ", L"tamaño"},
+      {&limits::elements, 3, L"<r><a/><a>¦<b/></a></r>", L"elementos"},
+      {&limits::elements, 3, L"<r><a/>1¦<b/></r>", L"elementos"},
+      {&limits::elements, 3, L"<r> <b/> 1¦</r>", L"elementos"},
+      {&limits::attributes, 2, L"<r a='' b='' ¦c=''/>", L"atributos"},
+      {&limits::attributes, 1, L"<!DOCTYPE r [<!ATTLIST r b CDATA ''>]>¦<r a=''/>", L"atributos"},
+      {&limits::bytes, 300, L"<r><a/>¦<b/></r>", L"memoria"},
+      {&limits::bytes, 300, L"<r x='' ¦yyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyy=''/>", L"memoria"},
+      {&limits::growth, 3, L"<!DOCTYPE r [<!ENTITY e '12'>]><r>&e;¦&e;</r>", L"crecimiento"},
+      {&limits::growth, 9, L"<!DOCTYPE r [<!ENTITY e '&f;'><!ENTITY f '12'>]><r>&e;<a x='¦&e;'/></r>",
+       L"crecimiento"},
+      {&limits::growth, 5, L"<!DOCTYPE r [<!ATTLIST a x CDATA '12'>]><r><a/>¦<a/></r>", L"crecimiento"},
+      {&limits::growth, 11, L"<!DOCTYPE r [<!ENTITY % p '<!-- -->'>%p;¦%p;]><r/>", L"crecimiento"},
+  };
+  for (const auto& row : rows) {
+    xml_read_options how = declared();
+    how.mixed_text = true;
+    how.limits = {none, none, none, none, none, none};
+    std::wstring text = row.text;
+    text.erase(text.find(L'¦'), 1);
+    EXPECT_FALSE(read(text, how).failed) << testing::PrintToString(text);
+    how.limits.*row.limit = row.most;
+    expect_refused(row.text, how);
+    const reading_outcome o = read(text, how);
+    EXPECT_EQ(o.error.get_code(), 6U) << testing::PrintToString(text);
+    EXPECT_EQ(o.error.get_detail(), row.name);
+    if (row.limit == &limits::units) continue;  // which are bytes there
+    EXPECT_EQ(failure_position(read(ruvo::texto::to_utf_8(text), how).error), failure_position(o.error));
+  }
+  const std::string deep = repeated(std::string("<r>"), 513) + repeated(std::string("</r>"), 513);
+  EXPECT_EQ(failure_position(read(deep).error), 512U * 3 + 1);
+  EXPECT_FALSE(read(deep.substr(3, deep.size() - 7)).failed);
+  // A thousand million of three characters each, if it were all expanded.
+  std::wstring laughs = L"<!DOCTYPE r [<!ENTITY a0 'lol'>";
+  for (int n = 1; n < 10; ++n)
+    laughs += L"<!ENTITY a" + std::to_wstring(n) + L" '" +
+              repeated(L"&a" + std::to_wstring(n - 1) + L";", 10) + L"'>";
+  EXPECT_EQ(read(laughs + L"]><r>&a9;</r>", declared()).error.get_code(), 6U);
+}
+
+// --- bytes
+
+TEST(well_formed_xml, bytes) {
+  const auto in = [](const char* encoding, const std::string& element) {
+    return "<?xml version='1.0' encoding='" + std::string(encoding) + "'?>" + element;
+  };
+  const auto wide = [](const std::string& text, bool low_first) {
+    std::string out;
+    for (const wchar_t c : ruvo::texto::to_utf_16(text)) {
+      const auto low = static_cast<char>(c & 0xFF), high = static_cast<char>(c >> 8 & 0xFF);
+      (out += low_first ? low : high) += low_first ? high : low;
+    }
+    return out;
+  };
+  const std::string mark = "\xEF\xBB\xBF", utf_8 = "<\xC3\xB1 x='\xE2\x82\xAC'>\xF0\x9F\x98\x80</\xC3\xB1>";
+  const std::string rows[] = {utf_8,
+                              mark + utf_8,
+                              in("utf-8", utf_8),
+                              mark + in("UTF8", utf_8),
+                              wide(mark + utf_8, true),
+                              wide(mark + utf_8, false),
+                              wide(mark + in("UTF-16", utf_8), true),
+                              wide(mark + in("UTF-16BE", utf_8), false),
+                              wide(in("utf-16le", utf_8), true),
+                              wide(in("utf-16", utf_8), false),
+                              in("ISO-8859-15", "<\xF1 x='\xA4'>&#x1F600;</\xF1>"),
+                              in("Latin9", "<\xF1 x='\xA4'>&#x1F600;</\xF1>"),
+                              in("Windows-1252", "<\xF1 x='\x80'>&#x1F600;</\xF1>"),
+                              in("cp1252", "<\xF1 x='\x80'>&#x1F600;</\xF1>"),
+                              in("iso-8859-1", "<\xF1 x='&#8364;'>&#x1F600;</\xF1>"),
+                              in("latin1", "<\xF1 x='&#8364;'>&#x1F600;</\xF1>")};
+  for (const std::string& row : rows) {
+    const reading_outcome o = read(row);
+    ASSERT_FALSE(o.failed) << row;
+    EXPECT_EQ(o.store.to_string(), L"{\"ñ\":\"\xD83D\xDE00\"}") << row;
+    EXPECT_EQ(qualities_of(o.store.at(L"ñ")), L"x=\x20AC") << row;
+  }
+  EXPECT_EQ(read(in("US-ASCII", "<r/>")).store.to_string(), L"{\"r\":\"\"}");
+  EXPECT_EQ(read(in("iso-8859-15", "<r>\xA4\xA5\xA6\xA8\xB4\xB8\xBC\xBD\xBE\xFF</r>")).store.at(L"r"),
+            L"\x20AC\xA5\x160\x161\x17D\x17E\x152\x153\x178\xFF");
+  EXPECT_EQ(read(in("iso-8859-1", "<r>\x80\x9F\xA4\xFF</r>")).store.at(L"r"), L"\x80\x9F\xA4\xFF");
+  EXPECT_EQ(read(in("windows-1252", "<r>\x82\x91\x99\x9F\xA4\xFF</r>")).store.at(L"r"),
+            L"\x201A\x2018\x2122\x178\xA4\xFF");
+  EXPECT_FALSE(read(std::u8string(u8"<?xml version='1.0' encoding='x'?><r>ñ</r>")).failed);
+}
+
+TEST(well_formed_xml, bytes_refused) {
+  using namespace std::string_literals;
+  const std::string declaration = "<?xml version='1.0' encoding='";
+  struct {
+    std::string bytes;
+    unsigned code, position, line, column;
+  } const rows[] = {
+      // What is wrong as text is found in characters
+      {"<r>\n\xC3\xB1\xE2\x82\xAC\xF0\x9F\x98\x80&</r>", 1, 15, 2, 5},
+      {"\xFF\xFE<\0r\0>\0\n\0\x3D\xD8\0\xDE&\0<\0"s, 1, 17, 2, 3},
+      {declaration + "latin1'?>\n<\xF1>\xF1\x01", 1, 45, 2, 5},
+      {declaration + "utf-8'?>\n<r></s>", 2, 45, 2, 6},
+      // Malformed
+      {"\xEF\xBB\xBF<r>\xEF\xBF\xBD\xC3</r>", 1, 10, 1, 6},
+      {"<r>\xC0\x80</r>", 1, 4, 1, 4},
+      {"<r>\xED\xA0\x80</r>", 1, 4, 1, 4},
+      {"<r>\xF4\x90\x80\x80</r>", 1, 4, 1, 4},
+      {"<r x='\xE2\x82'/>", 1, 7, 1, 7},
+      {"<r/>\xE2\x82", 1, 5, 1, 5},
+      {"<\xFF", 1, 2, 1, 2},
+      {"\xFE\xFF\0<\0r\0/\0>\0"s, 1, 11, 1, 6},
+      {"\xFE\xFF\0<\0r\0>\xDC\0"s, 1, 9, 1, 5},
+      {declaration + "us-ascii'?><r>\xF1</r>", 1, 45, 1, 45},
+      {declaration + "windows-1252'?><r>\x81</r>", 1, 49, 1, 49},
+      {"<\0r\0/\0>\0"s, 1, 2, 1, 2},
+      {"", 1, 1, 1, 1},
+      // Not understood
+      {declaration + "ISO-8859-2'?><r/>", 5, 31, 1, 31},
+      {"<?xml version='1.0'\nencoding='x'?><r/>", 5, 31, 2, 11},
+      {"\0\0\xFE\xFF\0\0\0<"s, 5, 1, 1, 1},
+      {"\xFF\xFE\0\0<\0\0\0"s, 5, 1, 1, 1},
+      {"\0\0\0<"s, 5, 1, 1, 1},
+      {"<\0\0\0"s, 5, 1, 1, 1},
+      {"\x4C\x6F\xA7\x94", 5, 1, 1, 1},
+      // Not what the bytes are
+      {"\xEF\xBB\xBF" + declaration + "latin1'?><r/>", 5, 34, 1, 32},
+      {declaration + "UTF-16'?><r/>", 5, 31, 1, 31},
+      {"<\0?\0x\0m\0l\0 \0v\0e\0r\0s\0i\0o\0n\0=\0'\0"
+       "1\0.\0"
+       "0\0'\0?\0>\0<\0r\0/\0>\0"s,
+       5, 1, 1, 1},
+      {"\0<\0?\0x\0m\0l\0 \0?"s, 1, 13, 1, 7},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(testing::PrintToString(row.bytes));
+    const reading_outcome o = read(row.bytes);
+    EXPECT_TRUE(o.failed);
+    EXPECT_EQ(o.error.get_code(), row.code);
+    EXPECT_EQ(failure_position(o.error), row.position);
+    const auto place = ruvo::serializer::position_in_xml(row.bytes, row.position);
+    EXPECT_EQ(place.line, row.line);
+    EXPECT_EQ(place.column, row.column);
+  }
+}
+
+TEST(well_formed_xml, names_keep_their_spelling) {
+  const bundle out = read(std::wstring(L"<Order userId='1'><Line/><lineNo/><LINE/></Order>")).store;
+  EXPECT_EQ(out.spelling(0), L"Order");
+  EXPECT_EQ(qualities_of(out.at(L"order")), L"userId=1");
+  std::wstring rows;
+  for (const ruvo::xvar& row : out.get_list(L"order")) {
+    bundle fields;
+    fields = row;
+    rows += fields.spelling(0) + L' ';
+  }
+  EXPECT_EQ(rows, L"Line lineNo LINE ");
 }
 
 TEST(well_formed_xml, failures_say_what_and_leave_the_rest) {
