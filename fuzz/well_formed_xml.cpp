@@ -8,6 +8,7 @@
 
 #include "fuzz.hpp"
 #include "support/well_formed_promises.hpp"
+#include "support/wide_bytes.hpp"
 #include "support/xml_outcome.hpp"
 
 namespace {
@@ -23,15 +24,6 @@ std::wstring outcome(const Text& text, const options& how, Place place_of) {
   const ruvo::serializer::text_place at = place_of(text, ruvo::serializer::failure_position(error));
   return L'!' + std::to_wstring(error.get_code()) + L' ' + std::to_wstring(at.line) + L':' +
          std::to_wstring(at.column);
-}
-
-std::string utf_16(std::wstring_view text, bool low_first) {
-  std::string bytes;
-  for (const wchar_t c : text) {
-    const auto low = static_cast<char>(c & 0xFF), high = static_cast<char>(c >> 8 & 0xFF);
-    (bytes += low_first ? low : high) += low_first ? high : low;
-  }
-  return bytes;
 }
 
 options expanding() {
@@ -60,7 +52,7 @@ void check(const std::string& bytes, const std::wstring& text, const options& ho
     const std::wstring wanted = outcome(marked, how, position_of);
     FUZZ_CHECK(outcome(marked_bytes, how, position_in_xml) == wanted);
     for (const bool low_first : {true, false})
-      FUZZ_CHECK(outcome(utf_16(marked, low_first), how, position_in_xml) == wanted);
+      FUZZ_CHECK(outcome(wide_bytes(marked, low_first), how, position_in_xml) == wanted);
   }
   if (text.find(L'\r') != text.npos) return;
   std::wstring other = text;

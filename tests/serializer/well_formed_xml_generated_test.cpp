@@ -15,6 +15,7 @@
 #include "support/dice.hpp"
 #include "support/rounds.hpp"
 #include "support/well_formed_promises.hpp"
+#include "support/wide_bytes.hpp"
 #include "support/xml_outcome.hpp"
 
 using ruvo::bundle;
@@ -105,7 +106,7 @@ class tree_source : public dice {
 /// Writes a tree in one of the ways in which XML can say it.
 class xml_source : public dice {
  public:
-  using dice::dice;
+  explicit xml_source(unsigned seed, bool has_entities = false) : dice(seed), has_entities_(has_entities) {}
 
   std::wstring document(const node& root) {
     static const wchar_t* const declarations[] = {L"", L"\xFEFF", L"<?xml version='1.0'?>",
@@ -120,11 +121,14 @@ class xml_source : public dice {
         L"<!DOCTYPE r[<!NOTATION n PUBLIC 'n' ><!ENTITY e SYSTEM '' NDATA n>]>"};
     static const wchar_t* const line_ends[] = {L"\n", L"\r", L"\r\n"};
     line_end_ = any(line_ends);
-    out_ = any(declarations);
-    around();
-    out_ += any(types);
+    entities_.clear();
+    out_.clear();
     around();
     element(root);
+    const std::wstring its_element = std::exchange(out_, any(declarations));
+    around();
+    out_ += has_entities_ ? L"<!DOCTYPE r [" + entities_ + L"]>" : any(types);
+    out_ += its_element;
     root_end_ = out_.size();
     around();
     return out_;
@@ -151,6 +155,19 @@ class xml_source : public dice {
     blanks(0);
   }
 
+  /// What was written from a place on becomes the text of an entity, now and then.
+  void replace_from(std::size_t place) {
+    if (!has_entities_ || !one_in(4)) return;
+    const std::wstring its_name = L"e" + std::to_wstring(entities_.size());
+    std::wstring text;
+    for (const wchar_t c : std::wstring_view(out_).substr(place)) {
+      const bool as_it_is = c != L'&' && c != L'%' && c != L'"';
+      text += as_it_is ? std::wstring(1, c) : c == L'&' ? L"&#38;" : c == L'%' ? L"&#37;" : L"&#34;";
+    }
+    entities_ += L"<!ENTITY " + its_name + L" \"" + text + L"\">";
+    out_.replace(place, out_.npos, L"&" + its_name + L";");
+  }
+
   void element(const node& n) {
     out_ += L'<' + n.name;
     for (const auto& [name, value] : n.attributes) attribute(name, value);
@@ -161,10 +178,14 @@ class xml_source : public dice {
     }
     out_ += L'>';
     around();
+    const std::size_t place = out_.size();
     if (n.children.empty()) text(n.text);
+    replace_from(place);
     for (const node& child : n.children) {
       if (one_in(8)) text(L"lost");
+      const std::size_t before = out_.size();
       element(child);
+      replace_from(before);
       around();
     }
     out_ += L"</" + n.name;
@@ -237,7 +258,8 @@ class xml_source : public dice {
     return out.str();
   }
 
-  std::wstring out_, line_end_;
+  bool has_entities_;
+  std::wstring out_, line_end_, entities_;
   std::size_t root_end_ = 0;
 };
 
@@ -259,19 +281,28 @@ class well_formed_xml_generated : public generated_inputs {};
 
 TEST_F(well_formed_xml_generated, however_it_is_written_the_tree_is_read) {
   tree_source trees(20261124);
-  xml_source writer(20261125);
+  xml_source plain(20261125), declaring(20261126, true);
+  ruvo::serializer::xml_read_options options;
+  options.entities = true;
   for (unsigned round = 0; round < 400 * rounds() && !HasFailure(); ++round) {
     const node root = trees.element();
     const std::wstring wanted = expected(root);
     for (int way = 0; way < 4; ++way) {
       ++inputs;
-      const std::wstring text = writer.document(root);
+      const std::wstring text = (way % 2 ? declaring : plain).document(root);
+      const std::string utf_8 = ruvo::texto::to_utf_8(text);
       bundle out;
       ruvo::exception error;
-      ASSERT_FALSE(read_well_formed_xml(out, text, &error))
+      ASSERT_FALSE(read_well_formed_xml(out, text, &error, options))
           << testing::PrintToString(error.get_mensaje()) << testing::PrintToString(text);
       ASSERT_EQ(xml_outcome::text_of(out), wanted) << testing::PrintToString(text);
       expect_written(out, way, wanted);
+      ASSERT_FALSE(read_well_formed_xml(out, std::u8string(utf_8.begin(), utf_8.end()), nullptr, options));
+      ASSERT_EQ(xml_outcome::text_of(out), wanted) << testing::PrintToString(text);
+      if (text.find(L"UTF-8") != text.npos) continue;
+      const std::wstring marked = (text[0] == 0xFEFF ? L"" : L"\xFEFF") + text;
+      ASSERT_FALSE(read_well_formed_xml(out, wide_bytes(marked, way < 2), nullptr, options));
+      ASSERT_EQ(xml_outcome::text_of(out), wanted) << testing::PrintToString(text);
     }
   }
 }

@@ -12,6 +12,7 @@
 
 #include "serializer/reads.hpp"
 #include "support/dice.hpp"
+#include "support/wide_bytes.hpp"
 #include "support/xml_outcome.hpp"
 
 using ruvo::bundle;
@@ -391,12 +392,7 @@ TEST(well_formed_xml, bytes) {
     return "<?xml version='1.0' encoding='" + std::string(encoding) + "'?>" + element;
   };
   const auto wide = [](const std::string& text, bool low_first) {
-    std::string out;
-    for (const wchar_t c : ruvo::texto::to_utf_16(text)) {
-      const auto low = static_cast<char>(c & 0xFF), high = static_cast<char>(c >> 8 & 0xFF);
-      (out += low_first ? low : high) += low_first ? high : low;
-    }
-    return out;
+    return wide_bytes(ruvo::texto::to_utf_16(text), low_first);
   };
   const std::string mark = "\xEF\xBB\xBF", utf_8 = "<\xC3\xB1 x='\xE2\x82\xAC'>\xF0\x9F\x98\x80</\xC3\xB1>";
   const std::string rows[] = {utf_8,
