@@ -106,6 +106,24 @@ TEST(nesting_of_elements, costs_no_stack) {
   }
 }
 
+TEST(nested_xml, well_formed_with_all_options) {
+  constexpr auto none = static_cast<std::size_t>(-1);
+  ruvo::serializer::xml_read_options all;
+  all.limits = {none, none, none, none, none, none};
+  all.mixed_text = all.entities = all.declared_attributes = true;
+  std::string bytes = "<!DOCTYPE k [<!ATTLIST k a CDATA '1'><!ENTITY e0 't'>";
+  for (int n = 1; n < levels; ++n)
+    bytes += "<!ENTITY e" + std::to_string(n) + " '&e" + std::to_string(n - 1) + ";'>";
+  bytes += "]>";
+  for (int n = 0; n < levels; ++n) bytes += "<k>x ";
+  bytes += "&e" + std::to_string(levels - 1) + ";";
+  for (int n = 0; n < levels; ++n) bytes += "</k>";
+  bundle out;
+  ASSERT_FALSE(ruvo::serializer::read_well_formed_xml(out, bytes, nullptr, all));
+  const std::wstring text = out.to_string();
+  EXPECT_NE(text.find(L"{\"k\":\"x t\"}"), text.npos);
+}
+
 TEST(nesting_by_hand, through_qualities) {
   list outer;
   for (int i = 0; i < levels; ++i) {

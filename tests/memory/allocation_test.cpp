@@ -13,6 +13,7 @@
 #include <new>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -224,6 +225,28 @@ TEST_F(allocation, reading_and_writing_xml) {
     bundle b;
     used.deserialize(b, elements, nullptr);
   });
+}
+
+TEST_F(allocation, reading_well_formed_xml) {
+  ruvo::serializer::xml_read_options all;
+  all.mixed_text = all.entities = all.declared_attributes = true;
+  const std::string type =
+      "<!DOCTYPE p [<!ENTITY firm 'Talleres &#60;b>del Norte&#60;/b>, sociedad'><!ATTLIST p lengua CDATA "
+      "'la de siempre'>]>";
+  for (const char* const end : {"</p>", "&nobody;"}) {
+    const std::string bytes = type + "<p nif='00000000T'> <b>uno</b> <c/>y &firm; <b>dos</b>" + end;
+    const bundle before = {{L"k", L"a text of some length"}};
+    bundle out = before;
+    ruvo::exception error;
+    bool is_read = false;
+    const long long allocations =
+        fail_everywhere([&] { is_read = !ruvo::serializer::read_well_formed_xml(out, bytes, &error, all); },
+                        [&] {
+                          EXPECT_TRUE(is_read ? out.count(L"p") == 1 : out == before);
+                          if (std::exchange(is_read, false)) out = before;
+                        });
+    EXPECT_GT(allocations, 40);
+  }
 }
 
 /// Elements that repeat are put into a list: what is there already must come through.
