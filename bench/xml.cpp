@@ -86,6 +86,20 @@ int main() {
                 bench::use(document);
               }}},
             {{"RapidXML", 0.3}});
+  const std::string bytes = ruvo::texto::to_utf_8(text);
+  const auto strictly = [](const auto& given) {
+    ruvo::bundle document;
+    if (!ruvo::serializer::read_well_formed_xml(document, given)) bench::use(document);
+  };
+  const auto rapidly = []<class Unit>(std::basic_string<Unit> given) {
+    rapidxml::xml_document<Unit> document;
+    document.template parse<0>(given.data());
+    bench::use(document);
+  };
+  table.row("read", "well-formed", read,
+            {{"kesta", [&] { strictly(text); }}, {"RapidXML", [&] { rapidly(text); }}}, {});
+  table.row("read", "well-formed, UTF-8", read,
+            {{"kesta", [&] { strictly(bytes); }}, {"RapidXML", [&] { rapidly(bytes); }}}, {});
 
   ruvo::bundle own;
   xml.deserialize(own, text, nullptr);
