@@ -88,12 +88,12 @@ KESTA_ERROR(xmlBadFormated, XMLException, 7, 1, knot, L"Lectura incorrecta cerca
 KESTA_ERROR(xmlCachePointer, XMLException, 7, 2, knot, L"Lectura incorrecta cerca del caracter:%1 en el nudo:%2")
 KESTA_ERROR(xmlEmptyKey, XMLException, 7, 3, knot, L"Solicitud de un nuevo elemento, para una clave vacía cerca del caracter:%1 en el nudo:%2")
 KESTA_ERROR(xmlFalseKnot, XMLException, 7, 4, knot, L"Creación de un nodo con un elemento que tiene un valor asignado, para una clave vacía cerca del caracter:%1 en el nudo:%2")
+KESTA_ERROR(xmlUnknownEncoding, XMLException, 7, 5, knot, L"La codificación es desconocida o no es la de los bytes cerca del caracter:%1 en el nudo:%2")
+KESTA_ERROR(xmlBeyondLimit, XMLException, 7, 6, own, L"Se supera el límite de %2 cerca del caracter:%1 en el nudo:%3")
 KESTA_ERROR(xmlBadName, XMLException, 7, 20, named, L"El nombre no es válido en XML: %1")
 KESTA_ERROR(xmlBadCharacter, XMLException, 7, 21, named, L"El texto contiene un carácter que XML no admite: %1")
 KESTA_ERROR(xmlBadPrefix, XMLException, 7, 22, named, L"El prefijo no está declarado o no se puede usar así: %1")
 KESTA_ERROR(xmlNoRoot, XMLException, 7, 23, plain, L"El documento necesita un nombre para su elemento raíz")
-KESTA_ERROR(xmlUnknownEncoding, XMLException, 7, 5, knot, L"La codificación es desconocida o no es la de los bytes cerca del caracter:%1 en el nudo:%2")
-KESTA_ERROR(xmlBeyondLimit, XMLException, 7, 6, own, L"Se supera el límite de %2 cerca del caracter:%1 en el nudo:%3")
 
 KESTA_ERROR(ThreadException, kesta::exception, 8, 1, family, L"Error indeterminado en la Ejecución de hilos")
 

@@ -231,9 +231,10 @@ TEST(xml_writing, refused) {
     std::u8string utf_8 = u8"before";
     ASSERT_TRUE(write_well_formed_xml(wide, r.value, &error, options_for(r.how)));
     EXPECT_EQ(error.get_rango() * 1000 + error.get_code(), r.code);
-    if (r.path)
+    if (r.path) {
       EXPECT_TRUE(error.get_mensaje().ends_with(L": " + std::wstring(r.path)))
           << testing::PrintToString(error.get_mensaje());
+    }
     EXPECT_EQ(error.get_detail(), r.detail);
     EXPECT_TRUE(write_well_formed_xml(narrow, r.value, nullptr, options_for(r.how)));
     EXPECT_TRUE(write_well_formed_xml(utf_8, r.value, nullptr, options_for(r.how)));
