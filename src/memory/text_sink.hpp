@@ -36,12 +36,9 @@ class basic_text_sink {
   }
   /// Makes `out` the text; its memory is used again where it is large enough.
   void replace(string& out) const {
-    const auto open = static_cast<std::size_t>(at_ - from_);
-    out.reserve(full_units_ + open);
+    out.reserve(size());
     out.clear();
-    out.append(first_, first_used_);
-    for (const block& b : blocks_) out.append(b.units, b.used);
-    out.append(from_, open);
+    each_piece([&](view piece) { out.append(piece); });
   }
 
   /// Where at least `units` may be written; to be followed by advance().
