@@ -138,6 +138,7 @@ TEST(xml_writing, options) {
        L"<r q=\"\xFFFD\xFFFD\">\xFFFD\xFFFD\xFFFD</r>"},
       {"text beside elements", mixed, nullptr, L"<r><p>1 <b><c>1</c></b> </p></r>"},
       {"blanks beside elements", blank, nullptr, L"<r><p>&#10;&#32;<b>1</b></p></r>"},
+      {"text beside no elements", list{row(L"#text", L" a ")}, nullptr, L"<r>&#32;a&#32;</r>"},
       {"indented", bundle{{L"a", bundle{{L"b", L" "}, {L"c", list()}}}, {L"p", mixed}},
        [](xml_write_options& o) { o.indent = 2; },
        L"<r>\n  <a>\n    <b>&#32;</b>\n    <c/>\n  </a>\n  <p>\n    <p>1 <b><c>1</c></b> </p>\n  "

@@ -52,7 +52,7 @@ constexpr std::wstring_view schema_key = L"__schema__";
 
 // --- values without markup
 
-/// A real number with the fewest digits and without an exponent.
+/// A real number in full: without an exponent, and behind the point no more digits than reading back takes.
 void put_real(text_sink& out, const var& value) {
   const double real = cell::real(value);
   if (std::isnan(real)) return out.put_literal(L"NaN");
@@ -136,26 +136,40 @@ bool is_mark(std::wstring_view name) noexcept {
   return name.size() > 4 && name.starts_with(L"__") && name.ends_with(L"__");
 }
 
+/// Whether the only member of a row is text beside elements.
+bool is_text_row(std::wstring_view key, const xvar& value) noexcept {
+  return key == text_key && !cell::is_container(value) && !qualities_of(value);
+}
+bool is_blank_text(const xvar& value) noexcept {
+  if (!cell::is_text(value)) return false;
+  const std::wstring_view text = cell::text(value);
+  return std::all_of(text.begin(), text.end(), is_blank);
+}
+
 /// What the rows of a list are to be.
 struct list_form {
   bool members = false;  // each of them a bundle of one member, and without qualities
   bool mixed = false;    // and some of them text beside elements
-  bool blank = true;     // of which all is blank
+  bool loses = true;     // blanks: as there is nothing but blanks beside elements, or no element
 };
 
 list_form form_of(const list& rows) {
   list_form form;
+  std::size_t elements = 0;
   for (const xvar& row : rows) {
     if (cell::kind_of(row) != kind::bundle || qualities_of(row)) return {};
     const detail::bundle_store* const store = detail::bundle_access::store(cell::as_bundle(row));
     if (!store || store->size() != 1) return {};
     const bundle::entry& only = *store->nth(0);
-    if (only.first != text_key || cell::is_container(only.second) || qualities_of(only.second)) continue;
-    form.mixed = true;
-    form.blank = form.blank && cell::is_text(only.second) &&
-                 std::all_of(cell::text(only.second).begin(), cell::text(only.second).end(), is_blank);
+    if (is_text_row(only.first, only.second)) {
+      form.mixed = true;
+      form.loses = form.loses && is_blank_text(only.second);
+    } else {
+      ++elements;
+    }
   }
   form.members = true;
+  form.loses = form.loses || elements == 0;
   return form;
 }
 
@@ -231,7 +245,7 @@ class document_writer : public detail::visitor {
 
   void member(const frame& f, const std::wstring& key, const xvar& value) {
     key_ = &(options_.folded ? key : static_cast<const detail::shared_key&>(key).spelling());
-    if (f.form.mixed && is_text_row(key, value)) return text_beside(value, f.form.blank);
+    if (f.form.mixed && is_text_row(key, value)) return text_beside(value, f.form.loses);
     const xml_name name = name_of(*key_);
     if (!has_repeated_rows(value)) return element(name, value);
     frame& rows = walk_.open_held(value);
@@ -439,13 +453,11 @@ class document_writer : public detail::visitor {
     if (!is_prose) put_plain(value);
   }
 
-  static bool is_text_row(const std::wstring& key, const xvar& value) noexcept {
-    return key == text_key && !cell::is_container(value) && !qualities_of(value);
-  }
-  /// Text between the elements of an element whose texts beside elements are all blank, or not.
-  void text_beside(const xvar& value, bool all_blank) {
-    const bool is_prose = with_prose(
-        value, [&](std::wstring_view text) { all_blank ? escapes_.element(text) : escapes_.inside(text); });
+  /// Text between elements, where blanks at its ends would be lost or not.
+  void text_beside(const xvar& value, bool loses_blanks) {
+    const bool is_prose = with_prose(value, [&](std::wstring_view text) {
+      loses_blanks ? escapes_.element(text) : escapes_.inside(text);
+    });
     if (!is_prose) put_plain(value);
   }
 
@@ -592,7 +604,7 @@ bool write_text(std::u8string& text, const Value& value, exception* err, const x
   text_sink written;
   if (write_units(written, value, err, options, L"UTF-8")) return true;
   const std::string bytes = utf_8_of(written);
-  text.assign(bytes.begin(), bytes.end());
+  text.assign(reinterpret_cast<const char8_t*>(bytes.data()), bytes.size());
   return false;
 }
 
