@@ -37,12 +37,12 @@ address by_mail(const std::wstring& mail) { return address({}, mail); }
 template <class Map>
 auto& role_in(Map& recipients, const address& recipient) {
   const auto found = recipients.find(recipient);
-  if (found == recipients.end()) throw detail::missing_key(recipient.get_mail());
+  if (found == recipients.end()) throw ruvo::detail::missing_key(recipient.get_mail());
   return found->second;
 }
 
 void check_index(const std::vector<file>& files, std::size_t index) {
-  if (index >= files.size()) throw detail::missing_index(index, files.size());
+  if (index >= files.size()) throw ruvo::detail::missing_index(index, files.size());
 }
 
 /// The list under the key, or null.
