@@ -94,16 +94,15 @@ KESTA_API bool read_well_formed_xml(bundle& out, std::wstring_view text, excepti
 }
 
 /// The same for the bytes of a document, as files::read() gives them, with the limits of `options` always.
-/// What they are encoded in is what XML says: a byte order mark tells UTF-8 and UTF-16; without one the
-/// declaration does, UTF-16 if it is written so itself; without either they are UTF-8. Encodings and the
-/// names that are understood, in any case: UTF-8, UTF8; UTF-16, UTF-16LE, UTF-16BE, ISO-10646-UCS-2;
-/// US-ASCII, ASCII; ISO-8859-1, ISO_8859-1, LATIN1; ISO-8859-15, ISO_8859-15, LATIN-9, LATIN9; WINDOWS-1252,
-/// CP1252.
+/// Their encoding is found as XML says: a byte order mark shows UTF-8 or UTF-16; without one the declaration
+/// names it, in ASCII or, for UTF-16, in UTF-16; without either it is UTF-8. These are the encodings, and
+/// their names in any case: UTF-8, UTF8; UTF-16, UTF-16LE, UTF-16BE, ISO-10646-UCS-2; US-ASCII, ASCII;
+/// ISO-8859-1, ISO_8859-1, LATIN1; ISO-8859-15, ISO_8859-15, LATIN-9, LATIN9; WINDOWS-1252, CP1252.
 ///
-/// Positions are in bytes, counted from 1, as position_in_xml() takes them; in UTF-8 position_of() for bytes
-/// gives the same place. Another encoding, one that is not that of the bytes, and UTF-16 that neither a mark
-/// nor the declaration names are an exc::xmlUnknownEncoding (7005) at the name, or at 1 where there is none.
-/// Bytes that are no character of the encoding can't stand anywhere: 7001, at the first byte of the sequence.
+/// Positions are in bytes, counted from 1, as position_in_xml() takes them. Another encoding, one that is not
+/// that of the bytes, and UTF-16 without a mark or a name are an exc::xmlUnknownEncoding (7005) at the name,
+/// or at 1 where there is none. Bytes that are no character of the encoding can't stand anywhere: 7001, at
+/// the first byte of the sequence.
 KESTA_API bool read_well_formed_xml(bundle& out, std::string_view bytes, exception* err,
                                     const xml_read_options& options = {});
 /// The same for what is UTF-8 by its type, whatever encoding the declaration names.
@@ -116,10 +115,10 @@ KESTA_API bool read_well_formed_xml(bundle& out, std::u8string_view text, except
   return read_well_formed_xml(out, text, nullptr);
 }
 
-/// The place of the character that has `position`, counted from 1 in bytes, in a document whose encoding is
-/// found as read_well_formed_xml() finds it; for the rest as position_of(). The place where they stand
-/// of bytes that are no character; behind these nothing is counted. Throws std::bad_alloc, since it decodes
-/// the document.
+/// As position_of(), for the bytes of a document: the place of the character that has `position`, counted
+/// from 1 in bytes of the encoding that read_well_formed_xml() finds. Of bytes that are no character the
+/// place where the first of them stand; what follows these is not counted. Throws std::bad_alloc, since it
+/// decodes the document; takes linear time.
 KESTA_API text_place position_in_xml(std::string_view bytes, std::uint64_t position);
 
 }  // namespace ruvo::serializer

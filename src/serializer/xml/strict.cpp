@@ -35,7 +35,7 @@ constexpr xml_read_options no_options = [] {
 }();
 
 // What values take of memory, about: an element, an attribute, and a text that does not lie inside a cell.
-constexpr std::size_t element_bytes = 128, attribute_bytes = 128;
+constexpr std::size_t element_bytes = 192, attribute_bytes = 128;
 constexpr std::size_t bytes_of_text(std::wstring_view text) noexcept {
   return text.size() <= detail::cell::small_length ? 0 : 16 + text.size() * sizeof(wchar_t);
 }
