@@ -56,7 +56,8 @@ struct xml_read_options {
   /// their default values. Parameter entities are so between the declarations of the internal subset, which
   /// is where XML takes them there. References to other entities are failures: to external ones, to
   /// undeclared ones, and to those that are declared behind a reference to a parameter entity that is
-  /// external or undeclared, unless the document is `standalone`.
+  /// external or undeclared, unless the document is `standalone`; that may refer to none that a parameter
+  /// entity declares.
   bool entities = false;
   /// Whether attributes are as the document type declares them: default values count where an element has no
   /// such attribute, and in attributes of other kinds than CDATA blanks at the ends are lost and those inside

@@ -334,6 +334,11 @@ TEST(well_formed_xml, declarations_that_bring_what_can_not_stand) {
     expect_refused(std::wstring(L"<!DOCTYPE r [") + text, declared());
   EXPECT_EQ(
       read(std::wstring(L"<!DOCTYPE r [<!ENTITY e '<a></b>'>]><r>&e;</r>"), declared()).error.get_code(), 2U);
+  const std::wstring standalone =
+      L"<?xml version='1.0' standalone='yes'?><!DOCTYPE r [<!ENTITY % p \"<!ENTITY e '1'><!ATTLIST r a "
+      L"CDATA '&e;'>\">%p;]><r>";
+  EXPECT_FALSE(read(standalone + L"</r>", declared()).failed);
+  expect_refused(standalone + L"¦&e;</r>", declared());
 }
 
 TEST(well_formed_xml, limits) {

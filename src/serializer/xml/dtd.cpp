@@ -219,6 +219,8 @@ class document_type_reader : xml_cursor {
 
   void entity_definition(std::wstring_view its_name, bool is_parameter) {
     xml_declared_entity made;
+    made.is_parameter = is_parameter;
+    made.in_parameter = in_parameter();
     made.is_internal = next_is(L'"') || next_is(L'\'');
     if (made.is_internal) {
       entity_value();

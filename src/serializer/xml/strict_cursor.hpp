@@ -27,6 +27,7 @@ namespace ruvo::serializer {
 struct xml_declared_entity {
   std::wstring text;  // what it is replaced by
   bool is_internal = false, is_open = false;
+  bool is_parameter = false, in_parameter = false;  // itself, and where it is declared
 };
 using xml_declared_entities = std::map<std::wstring_view, xml_declared_entity>;
 
@@ -227,6 +228,7 @@ class xml_cursor {
     const auto found = declared.find(its_name);
     if (found == declared.end() || !found->second.is_internal || found->second.is_open) refuse(from);
     xml_declared_entity& entity = found->second;
+    if (is_standalone_ && entity.in_parameter && !entity.is_parameter && !in_parameter()) refuse(from);
     if (!meter_.grows(entity.text.size())) exceed(L"crecimiento", from);
     included_.push_back({from, at_, end_, &entity, depth_});
     entity.is_open = true;
@@ -245,6 +247,7 @@ class xml_cursor {
     return true;
   }
   bool in_entity() const noexcept { return !included_.empty(); }
+  bool in_parameter() const noexcept { return in_entity() && included_[0].entity->is_parameter; }
   /// The depth that the entity found.
   std::size_t entity_depth() const noexcept { return included_.back().depth; }
 
