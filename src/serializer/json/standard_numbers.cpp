@@ -50,8 +50,7 @@ plain_digits digits_of(std::string_view written) {
 }
 
 /// Whether the shortest text that gives the double has the digits that are written.
-bool has_the_digits(double value, std::string_view written) {
-  const plain_digits own = digits_of(written);
+bool has_the_digits(double value, const plain_digits& own) {
   if (own.digits.empty() || value == 0) return own.digits.empty();
   char text[64];
   const char* const end =
@@ -60,31 +59,29 @@ bool has_the_digits(double value, std::string_view written) {
   return own.digits == shortest.digits && own.exponent == shortest.exponent;
 }
 
+/// There is no nearest double.
+json_number beyond(json_number choice) noexcept {
+  return choice == json_number::nearest ? json_number::failure : choice;
+}
+
 number_value by(json_number choice, double nearest) noexcept {
   if (choice == json_number::nearest) return {form::real, 0, nearest};
   return {choice == json_number::text ? form::written : form::refused, 0, nearest};
 }
 
-/// The power of ten of the first digit.
-std::int64_t magnitude(const number_parts& parts) noexcept {
-  return parts.exponent + parts.count - parts.decimals - 1;
-}
-
 /// Without the sign.
-number_value real_value(const number_parts& parts, std::string_view written,
-                        const json_read_options& options) {
+number_value real_value(std::string_view written, const json_read_options& options) {
   double value = 0;
-  if (parts.digits != 0) {
-    const auto error = std::from_chars(written.data(), written.data() + written.size(), value).ec;
-    if (error != std::errc() || std::isinf(value)) {
-      if (magnitude(parts) > 0)
-        return by(options.too_large == json_number::nearest ? json_number::failure : options.too_large, 0);
-      value = 0;
-    }
+  const auto error = std::from_chars(written.data(), written.data() + written.size(), value).ec;
+  const bool fits = error == std::errc() && !std::isinf(value);
+  if (fits && options.inexact == json_number::nearest) return {form::real, 0, value};
+  const plain_digits plain = digits_of(written);
+  if (!fits) {
+    if (!plain.digits.empty() && plain.exponent > 0) return by(beyond(options.too_large), 0);
+    value = 0;
   }
-  const json_number choice = options.inexact;
-  if (choice == json_number::nearest || has_the_digits(value, written)) return {form::real, 0, value};
-  return by(choice, value);
+  if (has_the_digits(value, plain)) return {form::real, 0, value};
+  return by(options.inexact, value);
 }
 
 }  // namespace
@@ -93,14 +90,14 @@ number_value uncommon_value(const number_parts& parts, std::string_view written,
                             const json_read_options& options) {
   constexpr std::uint64_t first_beyond = std::uint64_t{1} << 63;
   if (parts.negative) written.remove_prefix(1);
-  if (parts.whole && parts.digits != 0) {
+  if (parts.whole && written != "0") {
     std::uint64_t value = 0;
     const auto error = std::from_chars(written.data(), written.data() + written.size(), value).ec;
     if (error == std::errc() && !parts.negative) return {form::natural, static_cast<long long>(value), 0};
     if (error == std::errc() && value == first_beyond)
       return {form::integer, static_cast<long long>(0 - value), 0};
   }
-  number_value out = real_value(parts, written, options);
+  number_value out = real_value(written, options);
   if (parts.negative) out.real = -out.real;
   return out;
 }

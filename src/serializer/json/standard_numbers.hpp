@@ -7,10 +7,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
-#include "base/ascii.hpp"
 #include "base/numbers.hpp"
+#include "base/simd.hpp"
 
 namespace ruvo::serializer {
 
@@ -25,15 +26,14 @@ struct number_value {
 
 /// A number as its digits stand in a text.
 struct number_parts {
-  static constexpr int most_digits = 19;  // which any 64 bits hold
+  static constexpr std::ptrdiff_t most_digits = 19;  // which any 64 bits hold
+  static constexpr std::int64_t largest_exponent = 1'000'000'000'000'000;
 
   bool negative = false, whole = true;  // without fraction and exponent
-  std::uint64_t digits = 0;             // the first most_digits, without zeros in front
-  std::ptrdiff_t count = 0;             // of all digits, without zeros in front
-  std::ptrdiff_t decimals = 0;          // behind the point
+  std::uint64_t digits = 0;             // all of them, modulo 2^64
+  std::ptrdiff_t count = 0;             // of them, zeros in front included
+  std::ptrdiff_t decimals = 0;          // those behind the point
   std::int64_t exponent = 0;            // as it is written, but for the digits beyond largest_exponent
-
-  static constexpr std::int64_t largest_exponent = 1'000'000'000'000'000;
 };
 
 /// Takes the number that begins at `at`, up to the first unit that is no part of it; null where that unit has
@@ -55,13 +55,45 @@ inline bool is_digit_unit(Unit c) noexcept {
 
 namespace numbers {
 
+#ifdef KESTA_X64
+/// Eight units as bytes; a unit above 255 gives no digit.
+inline std::uint64_t eight_bytes(const char* at) noexcept {
+  std::uint64_t bytes;
+  std::memcpy(&bytes, at, sizeof bytes);
+  return bytes;
+}
+template <texto::unit_16 Unit>
+inline std::uint64_t eight_bytes(const Unit* at) noexcept {
+  const __m128i units = texto::load_16(at);
+  return static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_packus_epi16(units, units)));
+}
+
+/// Whether all eight are digits.
+inline bool are_digits(std::uint64_t bytes) noexcept {
+  constexpr std::uint64_t each = 0x0101010101010101;
+  return ((bytes & 0xF0 * each) | ((bytes + 6 * each) & 0xF0 * each) >> 4) == 0x33 * each;
+}
+/// The number that they are, the first one in the lowest byte.
+inline std::uint64_t number_of(std::uint64_t bytes) noexcept {
+  bytes = (bytes & 0x0F0F0F0F0F0F0F0F) * (1 + (10 << 8)) >> 8;
+  bytes = (bytes & 0x00FF00FF00FF00FF) * (1 + (100 << 16)) >> 16;
+  return (bytes & 0x0000FFFF0000FFFF) * (1 + (std::uint64_t{10000} << 32)) >> 32;
+}
+#endif
+
 template <class Unit>
-inline const Unit* take_digits(const Unit* at, const Unit* end, number_parts& parts) noexcept {
-  for (; at != end && is_digit_unit(*at); ++at) {
-    const auto digit = static_cast<std::uint64_t>(*at - Unit('0'));
-    if (parts.count < number_parts::most_digits) parts.digits = parts.digits * 10 + digit;
-    if (parts.digits != 0) ++parts.count;
+inline const Unit* take_digits(const Unit* at, const Unit* end, std::uint64_t& digits) noexcept {
+#ifdef KESTA_X64
+  if constexpr (sizeof(Unit) <= 2) {
+    for (; end - at >= 8; at += 8) {
+      const std::uint64_t bytes = eight_bytes(at);
+      if (!are_digits(bytes)) break;
+      digits = digits * 100'000'000 + number_of(bytes);
+    }
   }
+#endif
+  for (; at != end && is_digit_unit(*at); ++at)
+    digits = digits * 10 + static_cast<std::uint64_t>(*at - Unit('0'));
   return at;
 }
 
@@ -87,16 +119,15 @@ inline const Unit* take_number(const Unit*& at, const Unit* end, number_parts& p
   parts.negative = *at == Unit('-');
   if (parts.negative) ++at;
   if (at == end || !is_digit_unit(*at)) return nullptr;
-  if (*at == Unit('0')) {
-    ++at;
-  } else {
-    at = numbers::take_digits(at, end, parts);
-  }
+  const Unit* const first = at;
+  at = *at == Unit('0') ? at + 1 : numbers::take_digits(at, end, parts.digits);
+  parts.count = at - first;
   if (at != end && *at == Unit('.')) {
     parts.whole = false;
-    const Unit* const first = ++at;
-    at = numbers::take_digits(at, end, parts);
-    parts.decimals = at - first;
+    const Unit* const point = at++;
+    at = numbers::take_digits(at, end, parts.digits);
+    parts.decimals = at - point - 1;
+    parts.count += parts.decimals;
     if (parts.decimals == 0) return nullptr;
   }
   if (at != end && (*at == Unit('e') || *at == Unit('E'))) {

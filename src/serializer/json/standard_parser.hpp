@@ -157,7 +157,7 @@ class whole_json {
     const Unit* const first = at_ + 1;
     const Unit* last = skip_plain(first, end_);
     if (last != end_ && *last == Unit('"')) {
-      builder_.text(view(first, static_cast<std::size_t>(last - first)));
+      plain_text(view(first, static_cast<std::size_t>(last - first)));
     } else {
       last = first;
       buffer_.clear();
@@ -165,6 +165,14 @@ class whole_json {
       builder_.text(buffer_.view());
     }
     at_ = last + 1;
+  }
+
+  void plain_text(view text) {
+    if constexpr (sizeof(Unit) == 1) {
+      builder_.text(text, static_cast<std::size_t>(end_ - text.data()));
+    } else {
+      builder_.text(text);
+    }
   }
 
   /// What a string says from `at` on, which moves to its quotation mark.
@@ -207,7 +215,7 @@ class whole_json {
         builder_.real(value.real);
         break;
       case number_value::form::written:
-        builder_.text(written);
+        plain_text(written);
         break;
       case number_value::form::refused:
         throw exc::jsonBadNumber(position());

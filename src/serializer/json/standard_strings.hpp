@@ -114,6 +114,14 @@ inline void widen_16(wchar_t* to, const char* from) noexcept {
     for (int n = 0; n < 16; ++n) to[n] = texto::unit_of(from[n]);
   }
 }
+inline void widen_8(wchar_t* to, const char* from) noexcept {
+  if constexpr (sizeof(wchar_t) == 2) {
+    const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from));
+    texto::store_16(to, _mm_unpacklo_epi8(bytes, _mm_setzero_si128()));
+  } else {
+    for (int n = 0; n < 8; ++n) to[n] = texto::unit_of(from[n]);
+  }
+}
 #endif
 
 /// The first unit of [at, end) that is not plain, or end.
@@ -146,13 +154,19 @@ inline const Unit* skip_plain(const Unit* at, const Unit* end) noexcept {
   return at;
 }
 
-/// Writes ASCII as units.
+/// Writes ASCII as units, in steps of 16 or 8, the last of which overlaps the one before it.
 inline void widen(wchar_t* to, const char* from, std::size_t count) noexcept {
-  std::size_t at = 0;
 #ifdef KESTA_X64
-  for (; at + 16 <= count; at += 16) widen_16(to + at, from + at);
+  if (count >= 16) {
+    for (std::size_t at = 0; at + 16 < count; at += 16) widen_16(to + at, from + at);
+    return widen_16(to + count - 16, from + count - 16);
+  }
+  if (count >= 8) {
+    widen_8(to, from);
+    return widen_8(to + count - 8, from + count - 8);
+  }
 #endif
-  for (; at < count; ++at) to[at] = texto::unit_of(from[at]);
+  for (std::size_t at = 0; at < count; ++at) to[at] = texto::unit_of(from[at]);
 }
 
 // --- the others

@@ -8,7 +8,6 @@
 #include <iterator>
 #include <memory>
 
-#include "serializer/json/standard_strings.hpp"
 #include "values/folded_key.hpp"
 
 namespace ruvo::serializer {
@@ -52,16 +51,9 @@ void json_builder::make_room() {
   values_.grow();
 }
 
-void json_builder::text(std::string_view text) {
+void json_builder::long_text(xvar& to, std::string_view text) {
   account_text(text.size());
-  xvar& to = push();
-  if (text.size() <= cell::small_length) {
-    wchar_t units[cell::small_length];
-    widen(units, text.data(), text.size());
-    cell::set_small_text(to, {units, text.size()});
-  } else {
-    widen(cell::set_text_room(to, text.size()), text.data(), text.size());
-  }
+  widen(cell::set_text_room(to, text.size()), text.data(), text.size());
 }
 
 // --- containers

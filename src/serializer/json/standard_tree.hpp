@@ -19,6 +19,7 @@
 #include "memory/block_cache.hpp"
 #include "memory/name_tree.hpp"
 #include "memory/near_stack.hpp"
+#include "serializer/json/standard_strings.hpp"
 #include "values/bundle_store.hpp"
 #include "values/cell.hpp"
 
@@ -112,11 +113,24 @@ class json_builder {
   void natural(long long bits) { detail::cell::set_integer(push(), detail::kind::uxlong, bits); }
   void real(double value) { detail::cell::set_real(push(), value); }
   void text(std::wstring_view text) {
+    xvar& to = push();
     account_text(text.size());
-    detail::cell::set_text(push(), text);
+    detail::cell::set_text(to, text);
   }
-  /// Of ASCII.
-  void text(std::string_view text);
+  /// Of ASCII, behind which `readable` bytes in all can be read.
+  void text(std::string_view text, std::size_t readable) {
+    xvar& to = push();
+    if (text.size() > detail::cell::small_length) return long_text(to, text);
+    wchar_t room[8] = {};
+#ifdef KESTA_X64
+    if (readable >= 8) {
+      widen_8(room, text.data());
+      return detail::cell::set_small_text(to, room, text.size());
+    }
+#endif
+    widen(room, text.data(), text.size());
+    detail::cell::set_small_text(to, room, text.size());
+  }
 
   void open_object() { open(true); }
   void open_list() { open(false); }
@@ -160,6 +174,7 @@ class json_builder {
     return values_.push();
   }
   void make_room();
+  void long_text(xvar& to, std::string_view text);
   void open(bool is_object);
   xvar made_list(const frame& f);
   xvar made_object(frame& f);
