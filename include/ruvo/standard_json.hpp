@@ -127,7 +127,7 @@ template <ruvo::detail::json_root Root, class Text>
 
 /// What a reader meets, in the order of the text. Derive from it and replace what is of interest; the others
 /// do nothing. Views are valid during the call only. What a handler throws leaves the reader's feed() or
-/// finish().
+/// finish(), and the reader is as new then; handlers do not call the reader.
 class KESTA_API ijson_events {
  public:
   virtual void on_null();
@@ -148,6 +148,93 @@ class KESTA_API ijson_events {
   ijson_events() noexcept;
   ijson_events(const ijson_events&) noexcept;
   ijson_events& operator=(const ijson_events&) noexcept;
+};
+
+/// Reads a text that comes in pieces, and calls the events for what it meets. Pieces may end anywhere, inside
+/// a character too; what one cuts in two is kept, so memory is bounded by the longest text, name or number,
+/// beside a few bytes for each open container. Takes linear time however small the pieces are.
+///
+/// What is taken, and the failures, are those of read_standard_json() for an xvar, with these differences:
+/// names that are one key are names like others; a limit of the size fails when the unit beyond it comes; the
+/// limit of bytes is that of what is kept of one text or number. The events before a failure were called, and
+/// a failure is found when the unit comes that cannot stand there, in a number when the number ends.
+///
+/// With `many` there is one value after another, with blanks (space, tab, CR, LF) between two and anywhere
+/// around; there may be none at all. A text of JSON Lines is such. Limits are those of each value with the
+/// blanks before it. A value that is cut at the end, and anything else between two values, is a failure.
+class KESTA_API standard_json_reader {
+ public:
+  /// `events` has to outlive the reader.
+  explicit standard_json_reader(ijson_events& events, const json_read_options& options = {},
+                                bool many = false);
+  standard_json_reader(const standard_json_reader&) = delete;
+  standard_json_reader& operator=(const standard_json_reader&) = delete;
+  ~standard_json_reader();
+
+  /// The next piece. True on FAILURE, which is then copied to `*err`; every further call gives the same
+  /// failure, until reset(). The pieces of one text are all UTF-8 or all UTF-16, others are an
+  /// exc::BadArgument.
+  bool feed(std::string_view bytes, exception* err);
+  bool feed(std::wstring_view text, exception* err);
+  bool feed(std::u8string_view text, exception* err) { return feed(ruvo::detail::as_bytes(text), err); }
+  /// The same where the result alone reports a failure.
+  template <class Text>
+  [[nodiscard]] bool feed(const Text& text) {
+    return feed(text, nullptr);
+  }
+  /// The text is complete. True on FAILURE, as feed(); on success the reader is as new.
+  bool finish(exception* err);
+  [[nodiscard]] bool finish() { return finish(nullptr); }
+  /// Forgets what came so far, a failure too.
+  void reset() noexcept;
+
+  /// Of the failure: in units of the whole text, counted from 1; 0 without one.
+  std::uint64_t position() const noexcept;
+  /// The same as line and column, as position_of() gives it.
+  text_place place() const noexcept;
+
+ private:
+  class machine;
+  std::unique_ptr<machine> machine_;
+};
+
+/// Reads many values from a text that comes in pieces, JSON Lines for one.
+///
+///   while (there_is_more()) {
+///     if (values.feed(next_piece(), &failure)) break;
+///     while (values.next(record)) use(record);
+///   }
+///   if (values.finish(&failure)) report(failure, values.place());
+///   while (values.next(record)) use(record);
+class KESTA_API json_values {
+ public:
+  explicit json_values(const json_read_options& options = {});
+  json_values(const json_values&) = delete;
+  json_values& operator=(const json_values&) = delete;
+  ~json_values();
+
+  /// As those of standard_json_reader with `many`, and with all failures of read_standard_json(); the limit
+  /// of bytes is that of each value. Values that were complete before a failure can be had by next().
+  bool feed(std::string_view bytes, exception* err);
+  bool feed(std::wstring_view text, exception* err);
+  bool feed(std::u8string_view text, exception* err) { return feed(ruvo::detail::as_bytes(text), err); }
+  template <class Text>
+  [[nodiscard]] bool feed(const Text& text) {
+    return feed(text, nullptr);
+  }
+  bool finish(exception* err);
+  [[nodiscard]] bool finish() { return finish(nullptr); }
+  void reset() noexcept;
+  std::uint64_t position() const noexcept;
+  text_place place() const noexcept;
+
+  /// Moves the next complete value to `out`, which is replaced; false, with `out` as it was, when there is
+  /// none now. A number behind which nothing stands yet is complete at finish().
+  bool next(xvar& out) noexcept;
+
+ private:
+  class machine;
+  std::unique_ptr<machine> machine_;
 };
 
 // --- writing
@@ -227,7 +314,9 @@ template <class Text, class Value>
 
 // --- both, for what takes an iserializer
 
-/// Standard JSON behind the interface of all serializers. (contract: with the reader)
+/// Standard JSON behind the interface of all serializers. A list that is the whole text is the member
+/// `__json_array__` of the bundle, as in ruvo::serializer::json, and a bundle with such a member, if it holds
+/// a list, is written as that list.
 class KESTA_API standard_json : public iserializer {
  public:
   explicit standard_json(const json_read_options& reading = {}, const json_write_options& writing = {});
@@ -236,7 +325,11 @@ class KESTA_API standard_json : public iserializer {
   ~standard_json() override;
 
   using iserializer::deserialize;
+  /// As write_standard_json(); `options` has no meaning.
   bool serialize(std::wstring& out, const bundle& in, exception* err = nullptr, int options = 0) override;
+  /// Reads as read_standard_json(), then adds the members to what is in `out`, where a member that is there
+  /// keeps its place, spelling and qualities. Any other value than an object or a list is an
+  /// exc::jsonWrongRoot. `options` has no meaning.
   bool deserialize(bundle& out, const std::wstring& in, exception* err, int options = 0) override;
 
  private:

@@ -2,6 +2,8 @@
 
 // Standard JSON from a whole text into values.
 
+#include "serializer/json/standard_read.hpp"
+
 #include <ruvo/bundle.hpp>
 #include <ruvo/list.hpp>
 #include <ruvo/standard_json.hpp>
@@ -72,6 +74,10 @@ bool read_into(xvar& out, std::basic_string_view<Unit> text, exception* err,
 }
 
 }  // namespace
+
+bool read_container(xvar& out, std::wstring_view text, exception* err, const json_read_options& options) {
+  return read_whole(text, err, options, {true, true, false}, [&out](xvar read) { out.swap(read); });
+}
 
 bool read_standard_json(bundle& out, std::wstring_view text, exception* err,
                         const json_read_options& options) {
