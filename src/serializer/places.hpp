@@ -20,9 +20,10 @@ using texto::is_surrogate;
 inline std::size_t character_width(std::wstring_view rest) noexcept {
   return rest.size() > 1 && is_high_surrogate(rest[0]) && is_low_surrogate(rest[1]) ? 2 : 1;
 }
-/// In UTF-8 a byte with what continues it, whatever byte it is.
+/// In UTF-8 a byte with what continues it, whatever byte it is, but for the end of a line.
 inline std::size_t character_width(std::string_view rest) noexcept {
   std::size_t width = 1;
+  if (rest[0] == '\r' || rest[0] == '\n') return width;
   while (width < rest.size() && (static_cast<unsigned char>(rest[width]) & 0xC0) == 0x80) ++width;
   return width;
 }
