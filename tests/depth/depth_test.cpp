@@ -124,6 +124,29 @@ TEST(nested_xml, well_formed_with_all_options) {
   EXPECT_NE(text.find(L"{\"k\":\"x t\"}"), text.npos);
 }
 
+/// A million levels when the limit allows them; four million brackets cost nothing when it does not.
+TEST(nesting_of_standard_json, costs_no_stack) {
+  using namespace ruvo::serializer;
+  constexpr int most = 1000000;
+  json_read_options options;
+  options.limits.depth = most;
+  std::string lists(most, '['), objects;
+  lists.append(most, ']');
+  for (int n = 0; n < most; ++n) objects += "{\"a\":";
+  objects += "1" + std::string(most, '}');
+  for (const std::string& text : {lists, objects}) {
+    xvar out;
+    ASSERT_FALSE(read_standard_json(out, text, nullptr, options));
+    json_values values(options);
+    ASSERT_FALSE(values.feed(text));
+    ASSERT_TRUE(values.next(out));
+  }
+  xvar out;
+  ruvo::exception failure;
+  EXPECT_TRUE(read_standard_json(out, std::string(4 << 20, '['), &failure));
+  EXPECT_EQ(failure_position(failure), 513u);
+}
+
 TEST(nesting_by_hand, through_qualities) {
   list outer;
   for (int i = 0; i < levels; ++i) {

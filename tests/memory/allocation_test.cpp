@@ -250,6 +250,34 @@ TEST_F(allocation, reading_well_formed_xml) {
 }
 
 /// Elements that repeat are put into a list: what is there already must come through.
+TEST_F(allocation, reading_standard_json) {
+  std::string many = "[";
+  for (int n = 0; n < 200; ++n)
+    many += "{\"a rather long name " + std::to_string(n) + "\":[],\"Name\":1,\"x\":\"y\"},";
+  many += "{}]";
+  std::string dictionary = "{";
+  for (int n = 0; n < 140; ++n)
+    dictionary += "\"id" + std::to_string(n) + "\":{\"a\":\"a text in a block\"},";
+  dictionary += "\"ID7\":[1,2]}";
+  ruvo::serializer::json_read_options options;
+  options.twins = ruvo::serializer::json_twins::last;
+  const std::string texts[] = {ruvo::texto::to_utf_8(document), many, dictionary,
+                               std::string(100, '[') + std::string(100, ']')};
+  for (const std::string& text : texts) {
+    xvar out = L"before";
+    fail_everywhere([&] { read_standard_json(out, text, nullptr, options); },
+                    [&] { EXPECT_TRUE(out.to_string() == L"before" || out.to_string().size() > 100); });
+    fail_everywhere([&] {
+      ruvo::serializer::json_values values(options);
+      for (std::size_t at = 0; at < text.size(); at += 100)
+        values.feed(std::string_view(text).substr(at, 100), nullptr);
+      values.finish(nullptr);
+      xvar value;
+      while (values.next(value)) EXPECT_GT(value.to_string().size(), 10u);
+    });
+  }
+}
+
 TEST_F(allocation, becoming_a_list_loses_nothing) {
   const std::wstring first =
       L"<r><a q=\"a quality of some length\">a text of some length</a><b>another one, no shorter</b>";
