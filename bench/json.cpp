@@ -100,6 +100,54 @@ void write(bench::table& table, const corpus& c, const std::wstring& text) {
             {{"nlohmann", floor}, {"Boost", aim}});
 }
 
+/// The same in standard JSON: from UTF-8, which all but the wide peer read directly, and from wide text.
+void read_standard(bench::table& table, const corpus& c, const std::wstring& text) {
+  using ruvo::serializer::read_standard_json;
+  table.row("standard read, UTF-8", c.name, {static_cast<double>(c.text.size()), bench::amount::characters},
+            {{"kesta",
+              [&] {
+                ruvo::bundle document;
+                bench::use(read_standard_json(document, c.text));
+                bench::use(document);
+              }},
+             {"nlohmann",
+              [&] {
+                const auto document = nlohmann::json::parse(c.text);
+                bench::use(document);
+              }},
+             {"RapidJSON",
+              [&] {
+                rapidjson::Document document;
+                document.Parse(c.text.c_str());
+                bench::use(document);
+              }},
+             {"Boost",
+              [&] {
+                const auto document = boost::json::parse(c.text);
+                bench::use(document);
+              }}},
+            {{"Boost", 1.0}});
+  table.row("standard read, wide", c.name, {static_cast<double>(text.size()), bench::amount::characters},
+            {{"kesta",
+              [&] {
+                ruvo::bundle document;
+                bench::use(read_standard_json(document, text));
+                bench::use(document);
+              }},
+             {"RapidJSON",
+              [&] {
+                wide_document document;
+                document.Parse(text.c_str());
+                bench::use(document);
+              }},
+             {"Boost",
+              [&] {
+                const auto document = boost::json::parse(ruvo::texto::to_utf_8(text));
+                bench::use(document);
+              }}},
+            {{"Boost", 1.0}});
+}
+
 /// The same in standard JSON, from documents in order of insertion: into UTF-8, which all write directly, and
 /// into wide text.
 void write_standard(bench::table& table, const corpus& c, const std::wstring& text) {
@@ -174,6 +222,7 @@ int main(int argc, char** argv) {
       }
       read(table, c, text);
       write(table, c, text);
+      read_standard(table, c, text);
       write_standard(table, c, text);
     } catch (const std::exception& error) {
       std::printf("%s: left out: %s\n", c.name.c_str(), error.what());

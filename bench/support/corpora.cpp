@@ -39,6 +39,28 @@ class maker {
     return object({{"articulos", array(articles, article)}});
   }
 
+  /// Answers of a service: nested records whose names are in camel case throughout.
+  std::string answers(int count) {
+    const auto part = [this](int) {
+      return object({{"partNumber", text("PN-" + number(below(100000)))},
+                     {"unitPrice", price()},
+                     {"inStock", truth()},
+                     {"lastChecked", text("2026-11-21T10:15:30Z")}});
+    };
+    const auto answer = [&](int i) {
+      return object({{"requestId", number(700000 + i)},
+                     {"userName", text(words(1))},
+                     {"displayName", text(words(3))},
+                     {"isActive", truth()},
+                     {"retryAfterMs", "null"},
+                     {"shipTo", object({{"streetLine", text(words(3))},
+                                        {"postalCode", text("28001")},
+                                        {"countryCode", text("ES")}})},
+                     {"lineItems", array(1 + below(3), part)}});
+    };
+    return object({{"totalCount", number(count)}, {"pageItems", array(count, answer)}});
+  }
+
   std::string body() {
     const auto line = [this](int) {
       return object({{"articulo", text(words(2))},
@@ -154,6 +176,7 @@ std::vector<corpus> corpora(int argc, char** argv) {
   std::vector<corpus> all = {{"feed", make.feed(300), corpus::records},
                              {"coordinates", make.coordinates(150), corpus::doubles},
                              {"catalogue", make.catalogue(4000), corpus::small_objects},
+                             {"camel case", make.answers(1500), corpus::small_objects},
                              {"1 KB body", make.body(), corpus::small_objects}};
   for (int i = 1; i < argc; ++i) {
     const std::string path = argv[i];

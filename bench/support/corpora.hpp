@@ -17,8 +17,9 @@ struct corpus {
   flavour kind;
 };
 
-/// A feed of messages, a collection of coordinates, a catalogue, the body of a request of 1 KB, and the
-/// files. Files that cannot be read are reported and left out.
+/// A feed of messages, a collection of coordinates, a catalogue, the answers of a service, whose names are in
+/// camel case, the body of a request of 1 KB, and the files. Files that cannot be read are reported and left
+/// out.
 std::vector<corpus> corpora(int argc, char** argv);
 
 }  // namespace bench
