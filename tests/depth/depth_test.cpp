@@ -57,6 +57,9 @@ TEST_P(nesting, costs_no_stack) {
     ASSERT_FALSE(json(ordered, false, true).serialize(text, b));
     EXPECT_TRUE(text == s.text);
   }
+  std::string standard;
+  ASSERT_FALSE(ruvo::serializer::write_standard_json(standard, b));
+  EXPECT_GE(standard.size(), s.text.size());
   const xvar held = copy;
   xvar other;
   other = held;
