@@ -264,19 +264,19 @@ struct json_write_options {
 /// Writes the value as RFC 8259 has it. Wide text is UTF-16, narrow text UTF-8, without a byte order mark.
 /// What is written is always JSON, and each of its objects has a name once.
 ///
-/// | value | text |
-/// |---|---|
-/// | null | `null` |
-/// | bool, integers | `true`, `false`; all digits |
-/// | float, double | the shortest text that reads back to the same double, with a point or an exponent:
-/// `1.0`, `0.1`, `1e300`, `-0.0`; NaN and infinities are a failure | | texts, memo, wchar_t | a text, escaped
-/// where JSON asks for it; lone surrogates as `\udXXX` | | binary | a text, in Base64 with `=` | | date |
-/// `"2024-02-29"`, the day in its own mode, whatever the options say | | time | `"09:30:05Z"`; in local time
-/// `"09:30:05"`, since the offset is that of a day | | datetime | `"2024-02-29T09:30:05Z"`; in local time
-/// `"2024-02-29T09:30:05+01:00"`, but `Z` where the offset is no whole minutes | | one of these three that
-/// is_null() | `null`; without a calendar form, or beyond the years 0 to 9999, a failure | | velda::date | as
-/// the date that a var makes of it, from its instant | | objects of other classes | a text, their to_string()
-/// | | list, bundle | `[...]`, `{...}` |
+/// - null: `null`; bool: `true` or `false`; integers: all their digits.
+/// - float, double: the shortest text that reads back to the same double, with a point or an exponent: `1.0`,
+///   `0.1`, `1e300`, `-0.0`. NaN and infinities are a failure.
+/// - texts, memo, wchar_t: a text, escaped where JSON asks for it; lone surrogates as `\ud83d`.
+/// - binary: a text, in Base64 with `=`.
+/// - date: `"2024-02-29"`, the day in its own mode, whatever the options say.
+/// - time: `"09:30:05Z"`; in local time `"09:30:05"`, since only a day has an offset.
+/// - datetime: `"2024-02-29T09:30:05Z"`; in local time `"2024-02-29T09:30:05+01:00"`, or in UTC where the
+///   offset is no whole minutes.
+/// - one of these three: `null` if it is_null(); a failure without a calendar form, and beyond the years 0 to
+///   9999, which are those of ISO 8601. A velda::date is the date that a var makes of it, by its instant.
+/// - objects of other classes: a text, their to_string().
+/// - list, bundle: `[...]`, `{...}`.
 ///
 /// A lapse is no value of a var; write its seconds. As json_qualities::members, a bundle that has qualities
 /// gets them as its first members, in the order of their keys, "@" before the name; any other value becomes
