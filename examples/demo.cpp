@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: BSL-1.0
 
 // The whole way of a document: an application boots, a worker thread checks in, reads JSON files into
-// bundles, takes typed values out of them by path, builds an answer and writes it in three ways, and as XML.
+// bundles, takes typed values out of them by path, builds an answer and writes it as standard JSON, in the
+// library's dialect, for what it stores, and as XML. What is no standard JSON is read by the dialect.
 // The answer to an order travels in an HTTP response, and an e-mail confirms it; sending both is a
 // transport's work. Log entries show what happens when.
 //
@@ -65,11 +66,11 @@ class log_on_screen : public ruvo::IOnLog {
 
 // --- reading
 
-std::wstring read_file(const ruvo::file& path) {
-  std::wstring text;
+std::string read_file(const ruvo::file& path) {
+  std::string bytes;
   ruvo::exception failure;
-  if (!ruvo::files::read(text, path, failure)) throw ruvo::exception(failure);
-  return text;
+  if (!ruvo::files::read(bytes, path, failure)) throw ruvo::exception(failure);
+  return bytes;
 }
 
 /// json::deserialize reads on after a failure and reports the last one. A reader that is fed by hand can stop
@@ -83,6 +84,24 @@ ruvo::exception first_failure(const std::wstring& text) {
     if (reader.next_character(c, failure)) break;
   }
   return failure;
+}
+
+/// Any standard JSON; a list becomes the member `__json_array__`, as the dialect has it. True on failure.
+bool read_standard(ruvo::bundle& document, const std::string& bytes, ruvo::exception& failure) {
+  ruvo::xvar whole;
+  if (ruvo::serializer::read_standard_json(whole, bytes, &failure)) return true;
+  document = whole;
+  if (whole.instanceof (typeid(ruvo::list))) document[L"__json_array__"] = whole;
+  return false;
+}
+
+/// What the dialect makes of a text, as far as it can read it. True on failure.
+bool read_stored(ruvo::bundle& document, const std::wstring& text, ruvo::exception& failure) {
+  ruvo::serializer::json json;
+  if (!json.deserialize(document, text, &failure)) return false;
+  show(L"primer fallo", first_failure(text));
+  show(L"último fallo", failure);
+  return true;
 }
 
 /// Dates have no getter of their own: the value found converts itself, and throws when it is no date. Today
@@ -179,18 +198,29 @@ void show_summary(const ruvo::bundle& document) {
 
 // --- writing
 
-void write(const ruvo::bundle& document, const std::wstring& name, bool ordered, bool tabulated) {
+void write(const ruvo::bundle& document, const std::wstring& name, bool sorted, int indent) {
+  ruvo::serializer::json_write_options options;
+  options.sorted = sorted;
+  options.indent = indent;
   std::wstring out;
   ruvo::exception failure;
-  ruvo::serializer::json json(ordered, tabulated, true);
-  if (json.serialize(out, document, &failure)) {
+  if (ruvo::serializer::write_standard_json(out, document, &failure, options)) {
     show(name, failure);
-  } else if (tabulated) {
+  } else if (indent >= 0) {
     show(name, L"");
     say(first_lines(out, 12));
   } else {
     show(name, shortened(out, 200));
   }
+}
+
+/// As the library stores it: dates as numbers, six digits behind the point.
+void write_stored(const ruvo::bundle& document) {
+  std::wstring out;
+  ruvo::exception failure;
+  if (ruvo::serializer::json(false, false, true).serialize(out, document, &failure))
+    show(L"dialecto", failure);
+  show(L"dialecto", shortened(out, 200));
 }
 
 /// As XML, in an element of its own whose attributes are the qualities of the value, and read again.
@@ -214,7 +244,7 @@ void write_xml(const ruvo::bundle& document) {
 /// The answer as the body of a response, whose status is what was wrong with the order.
 ruvo::http::response response_with(const ruvo::bundle& answer, const ruvo::exception& failure) {
   std::wstring text;
-  ruvo::serializer::json(false, false, true).serialize(text, answer);
+  if (ruvo::serializer::write_standard_json(text, answer)) text = L"null";
   ruvo::http::response response;
   response[L"Content-Type"] = L"application/json;charset=UTF-8";
   response.set_body(text);
@@ -256,19 +286,22 @@ void show_messages(const ruvo::bundle& document, const ruvo::bundle& answer, con
 
 void process(const std::wstring& name) {
   const ruvo::file path(name);
-  const std::wstring text = read_file(path);
+  const std::string bytes = read_file(path);
   ruvo::datetime modified = path.last_modified();
   modified.set_huso_horario(ruvo::times::LOCAL);
   ruvo::log::info(path.get_name(), ruvo::texto::format_file_size(path.size()) + L" (" + path.get_mimetype() +
                                        L"), guardado el " + modified.to_string("%A %d de %B de %Y, %H:%M"));
-  show(L"leídos", std::to_wstring(text.size()) + L" caracteres");
+  show(L"leídos", std::to_wstring(bytes.size()) + L" bytes");
 
   ruvo::bundle document;
   ruvo::exception failure;
-  ruvo::serializer::json json;
-  if (json.deserialize(document, text, &failure)) {
-    show(L"primer fallo", first_failure(text));
-    show(L"último fallo", failure);
+  if (read_standard(document, bytes, failure)) {
+    const auto place = ruvo::serializer::position_of(bytes, ruvo::serializer::failure_position(failure));
+    show(L"no es estándar",
+         L"línea " + std::to_wstring(place.line) + L", columna " + std::to_wstring(place.column));
+    show(L"", failure);
+    failure.clear();
+    if (!read_stored(document, ruvo::texto::to_utf_16(bytes), failure)) show(L"dialecto", L"leído entero");
   }
   if (is_order(document)) {
     show_order(document);
@@ -278,9 +311,10 @@ void process(const std::wstring& name) {
   } else {
     show_summary(document);
   }
-  write(document, L"por claves", true, false);
-  write(document, L"por llegada", false, false);
-  write(document, L"tabulado", true, true);
+  write(document, L"por claves", true, -1);
+  write(document, L"por llegada", false, -1);
+  write(document, L"con sangría", true, 2);
+  write_stored(document);
   write_xml(document);
 }
 
