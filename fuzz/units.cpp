@@ -19,6 +19,7 @@
 #include "fuzz.hpp"
 #include "memory/text_sink.hpp"
 #include "serializer/json/grammar.hpp"
+#include "serializer/json/standard_text.hpp"
 #include "serializer/xml/grammar.hpp"
 #include "support/plain_utf.hpp"
 #include "texto/case_units.hpp"
@@ -214,6 +215,25 @@ void copies(std::u16string_view text, std::size_t place) {
   FUZZ_CHECK(!detail::same_units(copy.view().substr(1), text));
 }
 
+template <class Out, class Unit>
+std::basic_string<Out> escaped(std::basic_string_view<Unit> text, bool separators) {
+  const block<Out> room(serializer::most_escaped_units * text.size() + 8);
+  const Unit* at = text.data();
+  const Unit* const end = at + text.size();
+  return {room.data(), serializer::escaped_text<Out, Unit>::put(room.data(), at, end, end, separators)};
+}
+
+/// Where wide characters have 32 bits, they are taken one by one.
+void escapes(std::u16string_view text) {
+  const std::wstring wide(text.begin(), text.end());
+  for (const bool separators : {false, true}) {
+    FUZZ_CHECK(escaped<char>(text, separators) == escaped<char>(std::wstring_view(wide), separators));
+    FUZZ_CHECK(std::ranges::equal(escaped<char16_t>(text, separators),
+                                  escaped<wchar_t>(std::wstring_view(wide), separators),
+                                  [](char16_t a, wchar_t b) { return a == static_cast<char16_t>(b); }));
+  }
+}
+
 std::u16string units_of(std::string_view bytes, unsigned form) {
   if (form % 3 == 1) return plain::utf_16<char16_t>(bytes);
   std::u16string units;
@@ -238,6 +258,7 @@ void check(std::string_view in, unsigned form, unsigned choice) {
   hex(bytes.view(), units.view());
   cases(units.view());
   copies(units.view(), choice);
+  escapes(units.view());
   if (units.view().empty()) return;
   const block<char16_t> part(units.view().substr(0, 1 + choice % 32));
   const block<char16_t> text(units.view().substr(part.view().size()));

@@ -99,21 +99,21 @@ class escaped_text {
   static Out* put_other(Out* to, const Unit*& at, const Unit* end, bool separators) noexcept {
     const auto c = static_cast<char16_t>(*at++);
     if (c < 0x80) return put_escape(to, c);
-    if (is_separator(c) && separators) return put_digits(to, c);
+    if (is_separator(c) && separators) return put_in_hex(to, c);
     if (!texto::is_surrogate(c)) return put_long(to, c);
-    if (!texto::is_high_surrogate(c) || at == end || !texto::is_low_surrogate(*at)) return put_digits(to, c);
+    if (!texto::is_high_surrogate(c) || at == end || !texto::is_low_surrogate(*at)) return put_in_hex(to, c);
     const auto low = static_cast<char16_t>(*at++);
     return put_pair(to, c, low);
   }
 
   static Out* put_escape(Out* to, char16_t c) noexcept {
     const wchar_t letter = letter_of_escape(static_cast<wchar_t>(c));
-    if (!letter) return put_digits(to, c);
+    if (!letter) return put_in_hex(to, c);
     *to++ = static_cast<Out>('\\');
     *to++ = static_cast<Out>(letter);
     return to;
   }
-  static Out* put_digits(Out* to, char16_t c) noexcept {
+  static Out* put_in_hex(Out* to, char16_t c) noexcept {
     *to++ = static_cast<Out>('\\');
     *to++ = static_cast<Out>('u');
     for (const int shift : {12, 8, 4, 0}) *to++ = static_cast<Out>("0123456789abcdef"[c >> shift & 15]);
