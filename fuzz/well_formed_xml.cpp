@@ -44,7 +44,9 @@ void check(const std::string& bytes, const std::wstring& text, const options& ho
   FUZZ_CHECK(well_formed_promises::broken(text, how) == nullptr);
 
   using ruvo::serializer::position_in_xml;
-  using ruvo::serializer::position_of;
+  const auto position_of = [](std::wstring_view of, std::uint64_t position) {
+    return ruvo::serializer::position_of(of, position);
+  };
   const std::wstring marked = L'\xFEFF' + text;
   const std::string marked_bytes = ruvo::texto::to_utf_8(marked);
   // Another encoding than that of the bytes (UTF-32 has a mark and U+0000) and lone surrogates are other

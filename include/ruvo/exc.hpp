@@ -221,12 +221,10 @@ KESTA_EXC_CLASS(jsonBadPointer, JSONException, explicit jsonBadPointer(unsigned 
 KESTA_EXC_CLASS(jsonNoPlace, JSONException,
                 jsonNoPlace(const std::wstring& pointer, const std::wstring& reason))
 
-/// An XML document that goes beyond a limit. The position, what is limited and the number of open elements
-/// stand in the message; the detail is what is limited: "profundidad", "tamaño", "elementos", "atributos",
-/// "memoria" or "crecimiento".
+/// An XML document that goes beyond a limit. The position and what is limited stand in the message; the
+/// detail is what is limited: "profundidad", "tamaño", "elementos", "atributos", "memoria" or "crecimiento".
 KESTA_EXC_CLASS(xmlBeyondLimit, XMLException,
-                xmlBeyondLimit(unsigned long long position, const std::wstring& limited,
-                               unsigned long long knot))
+                xmlBeyondLimit(unsigned long long position, const std::wstring& limited))
 
 /// A failure of the system. Its number follows the message.
 KESTA_EXC_CLASS(systemErrorCode, SystemException, explicit systemErrorCode(unsigned long number))

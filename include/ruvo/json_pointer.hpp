@@ -58,7 +58,7 @@ class KESTA_API json_pointer {
 /// behind a `#`, in which `%C3%B1` stand for the bytes of UTF-8, and other characters, of whatever kind, for
 /// themselves.
 ///
-/// True on FAILURE; `out` is then as it was. It is exc::jsonBadPointer (6021); failure_position() gives the
+/// True on FAILURE; `out` is then as it was. It is exc::jsonBadPointer (6010); failure_position() gives the
 /// first character that begins no token, escape or character. On success `*err` stays as it is.
 KESTA_API bool read_json_pointer(json_pointer& out, std::wstring_view text, exception* err);
 
@@ -78,7 +78,7 @@ KESTA_API const xvar* find(const xvar& in, const json_pointer& at);
 /// element to a list. What is missing or null on the way becomes a list if the next token is `-` or `0`, else
 /// a bundle.
 ///
-/// True on FAILURE; `in` is then as it was. It is exc::jsonNoPlace (6022): where a value on the way is
+/// True on FAILURE; `in` is then as it was. It is exc::jsonNoPlace (6011): where a value on the way is
 /// neither null nor a container, a list has no such position, or a key has another spelling than the token (a
 /// bundle has one member for `userName` and `username`, so that the one would be lost in the other). Without
 /// tokens the value must be of the kind of `in`. On success `*err` stays as it is. `value` may be a part of

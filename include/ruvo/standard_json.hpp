@@ -284,7 +284,7 @@ struct json_write_options {
 /// and so are two members that are spelled alike, which are possible where one key was folded in accented
 /// letters by a path.
 ///
-/// True on FAILURE, as in ruvo::iserializer; `out` is then as it was. It is exc::jsonUnwritable (6020) and
+/// True on FAILURE, as in ruvo::iserializer; `out` is then as it was. It is exc::jsonUnwritable (6009) and
 /// names the value by its JSON Pointer. On success `*err` stays as it is. Nothing but std::bad_alloc leaves
 /// these functions. `out` may be a part of the value. Takes linear time and, for nesting, no room on the
 /// stack; indented text grows with the square of the nesting.

@@ -97,10 +97,10 @@ struct xml_write_options {
 /// then, unless it is a bundle without qualities; as does a bundle of none or several members, and one whose
 /// only member is a list of repeated rows without qualities.
 ///
-/// True on FAILURE, as in ruvo::iserializer; `text` is then as it was. exc::xmlBadName (7020),
-/// xmlBadCharacter (7021) and xmlBadPrefix (7022) have the path of the value in the message, with the numbers
+/// True on FAILURE, as in ruvo::iserializer; `text` is then as it was. exc::xmlBadName (7007),
+/// xmlBadCharacter (7008) and xmlBadPrefix (7009) have the path of the value in the message, with the numbers
 /// of rows and behind @ the name of the quality (`pedido.lineas[2].nota@autor`), and in the detail what is
-/// wrong there; exc::xmlNoRoot (7023) means that there is no one root element; exc::CalendarException an
+/// wrong there; exc::xmlNoRoot (7010) means that there is no one root element; exc::CalendarException an
 /// instant that the calendar does not have. On success `*err` stays as it is.
 ///
 /// Nothing but std::bad_alloc leaves this function. Nesting is limited by memory only; linear time.

@@ -81,17 +81,6 @@ KESTA_EXC_WINDOWS_FAMILY(winException)
 
 // --- constructors of their own
 
-KESTA_EXC_ROW(xmlBeyondLimit, own)
-xmlBeyondLimit::xmlBeyondLimit(unsigned long long position, const std::wstring& limited,
-                               unsigned long long knot)
-    : XMLException(rows::xmlBeyondLimit->number,
-                   filled(rows::xmlBeyondLimit->text, {decimal(position), limited, decimal(knot)})) {
-  error_class::mark(*this, rows::xmlBeyondLimit);
-  error_class::set_position(*this, position);
-  set_detail(limited);
-}
-xmlBeyondLimit::~xmlBeyondLimit() = default;
-
 KESTA_EXC_ROW(systemErrorCode, own)
 systemErrorCode::systemErrorCode(unsigned long number)
     : SystemException(rows::systemErrorCode->number, filled(rows::systemErrorCode->text, {decimal(number)})) {
@@ -125,18 +114,18 @@ jsonBadFormated::~jsonBadFormated() = default;
     error_class::set_position(*this, position);                                            \
   }                                                                                        \
   name::~name() = default;
-#define KESTA_EXC_ABOUT(name)                                                             \
-  KESTA_EXC_ROW(name, own)                                                                \
-  name::name(unsigned long long position, const std::wstring& subject)                    \
-      : JSONException(rows::name->number,                                                 \
-                      filled(rows::name->text, {decimal(position), in_short(subject)})) { \
-    error_class::mark(*this, rows::name);                                                 \
-    error_class::set_position(*this, position);                                           \
-    set_detail(subject);                                                                  \
-  }                                                                                       \
+#define KESTA_EXC_ABOUT(name, base)                                                                  \
+  KESTA_EXC_ROW(name, own)                                                                           \
+  name::name(unsigned long long position, const std::wstring& subject)                               \
+      : base(rows::name->number, filled(rows::name->text, {decimal(position), in_short(subject)})) { \
+    error_class::mark(*this, rows::name);                                                            \
+    error_class::set_position(*this, position);                                                      \
+    set_detail(subject);                                                                             \
+  }                                                                                                  \
   name::~name() = default;
-KESTA_EXC_ABOUT(jsonTwinName)
-KESTA_EXC_ABOUT(jsonBeyondLimit)
+KESTA_EXC_ABOUT(jsonTwinName, JSONException)
+KESTA_EXC_ABOUT(jsonBeyondLimit, JSONException)
+KESTA_EXC_ABOUT(xmlBeyondLimit, XMLException)
 KESTA_EXC_AT(jsonBadNumber)
 KESTA_EXC_AT(jsonWrongRoot)
 KESTA_EXC_AT(jsonBadEncoding)

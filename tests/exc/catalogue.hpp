@@ -51,6 +51,16 @@ void add_sample(std::vector<class_sample>& all, const ruvo::detail::error_row& r
     add(Class(subject, 5), prefix);
   } else if constexpr (std::is_default_constructible_v<Class>) {
     add(Class());
+  } else if constexpr (std::is_base_of_v<ruvo::exc::JSONException, Class> ||
+                       std::is_base_of_v<ruvo::exc::XMLException, Class>) {
+    // Of a position, of what stands there, or of both.
+    if constexpr (std::is_constructible_v<Class, unsigned long long, std::wstring>) {
+      add(Class(31, std::wstring(L"5")));
+    } else if constexpr (std::is_constructible_v<Class, std::wstring, std::wstring>) {
+      add(Class(subject, std::wstring(L"5")));
+    } else {
+      add(Class(31));
+    }
   } else if constexpr (std::is_constructible_v<Class, unsigned long, std::wstring>) {
     if (Shape == own) add(Class(row.number, subject), prefix);
   }
@@ -71,7 +81,6 @@ inline std::vector<class_sample> every_class() {
   add(RunTime(std::wstring()));
   add(systemErrorCode(31));
   add(applicationAlreadyRegistered(0x31));
-  add(jsonBadFormated(31));
   add(actionNotFound(L"31"));
   return all;
 }

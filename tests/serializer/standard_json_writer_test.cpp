@@ -48,7 +48,7 @@ std::wstring written(const Value& value, const json_write_options& options = {})
   EXPECT_EQ(failure.WRONG(), failed);
   if (!failed) return wide;
   EXPECT_EQ(wide, L"before");
-  EXPECT_EQ(failure.get_raw_code(), 0xE0000000 | 3001 << 16 | 6020);
+  EXPECT_EQ(failure.get_raw_code(), 0xE0000000 | 3001 << 16 | 6009);
   EXPECT_THROW(failure.raise(), ruvo::exc::jsonUnwritable);
   return L'!' + failure.get_mensaje();
 }

@@ -307,7 +307,7 @@ bool read_bytes(bundle& out, std::string_view bytes, exception* err, const xml_r
                 Find find) {
   return is_refused(err, [&] {
     const std::uint64_t most = options.limits.units;
-    if (bytes.size() > most) throw exc::xmlBeyondLimit(most + 1, L"tamaño", 0);
+    if (bytes.size() > most) throw exc::xmlBeyondLimit(most + 1, L"tamaño");
     const xml_text_of_bytes text = decoded(bytes, find(bytes));
     read_into(out, text.text, &text, options);
   });

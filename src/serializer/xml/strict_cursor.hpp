@@ -104,7 +104,7 @@ class xml_cursor {
   }
   [[noreturn]] void refuse(const wchar_t* where) const { throw exc::xmlBadFormated(position(where), depth_); }
   [[noreturn]] void exceed(const wchar_t* limit, const wchar_t* where) const {
-    throw exc::xmlBeyondLimit(position(where), limit, depth_);
+    throw exc::xmlBeyondLimit(position(where), limit);
   }
 
   // --- single characters
