@@ -86,8 +86,8 @@ void expect_same_however_cut(View text, const json_read_options& options = {}) {
   json_read_options all = options;
   all.twins = json_twins::last;
   EXPECT_EQ(read_standard_json(value, text, &failure, all), whole.code != 0) << testing::PrintToString(text);
-  EXPECT_TRUE(whole.code == 0 || (failure.get_raw_code() & 0xFFFF) == whole.code)
-      << testing::PrintToString(text);
+  const unsigned long code = failure_position(failure) == 0 ? 0 : failure.get_raw_code() & 0xFFFF;
+  EXPECT_EQ(code, whole.code) << testing::PrintToString(text);
   EXPECT_EQ(failure_position(failure), whole.position) << testing::PrintToString(text);
   std::vector<std::size_t> all_cuts;
   for (std::size_t cut = 0; cut <= text.size(); ++cut) {
@@ -290,7 +290,8 @@ TEST_F(standard_json_generated, has_one_verdict_in_all_ways) {
         std::all_of(findings.begin(), findings.end(), [](const auto& f) { return is_note(f.rule); });
     const std::string bytes = ruvo::texto::to_utf_8(text);
     if (ruvo::texto::to_utf_16(bytes) != text) continue;  // half a pair
-    ASSERT_EQ(clean, whole.code == 0 || whole.code == 6006) << testing::PrintToString(text);
+    // The check does not ask whether a value holds a number.
+    ASSERT_TRUE(whole.code == 6006 || clean == (whole.code == 0)) << testing::PrintToString(text);
     ASSERT_EQ(read_standard_json(narrow, bytes, nullptr, options), whole.code != 0);
     ASSERT_EQ(narrow.to_string(), value.to_string());
   }
@@ -301,8 +302,8 @@ TEST(standard_json_serializer, adds_to_what_is_there) {
   ruvo::bundle out{{L"Kept", 1}, {L"Changed", 2}};
   out[L"changed"][L"quality"] = 3;
   EXPECT_FALSE(json.deserialize(out, L"{\"CHANGED\":[1],\"newOne\":{\"a\":null}}"));
-  EXPECT_EQ(out.to_string(),
-            L"{\"changed\":[1{\"atributos\":\"quality\":3}], \"kept\":1, \"newone\":{\"a\":\"\"}}");
+  EXPECT_EQ(out.to_string(), L"{\"changed\":[1], \"kept\":1, \"newone\":{\"a\":\"\"}}");
+  EXPECT_TRUE(out[L"changed"].has_quality(L"quality"));
   EXPECT_EQ(out.spelling(1), L"Changed");
   EXPECT_EQ(out.spelling(2), L"newOne");
   const std::wstring before = out.to_string();

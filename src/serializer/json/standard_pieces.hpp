@@ -392,9 +392,14 @@ class json_pieces {
   void end_number(view written) {
     number_parts parts;
     const Unit *last = written.data(), *const end = last + written.size();
-    if (!take_number(last, end, parts) || last != end)
-      refuse(token_at_ + static_cast<std::uint64_t>(last - written.data()));
+    const bool complete = take_number(last, end, parts) != nullptr;
+    const auto size = static_cast<std::size_t>(last - written.data());
+    if (!complete) refuse(token_at_ + size);
     token_ = token::none;
+    number(parts, written.substr(0, size));
+    if (last != end) refuse(token_at_ + size);
+  }
+  void number(const number_parts& parts, view written) {
     const number_value value = value_of(parts, written, options_);
     if (value.kind == number_value::form::refused) throw refusal{exc::jsonBadNumber(token_at_)};
     count_element();
