@@ -25,6 +25,9 @@
 #include <string>
 #include <string_view>
 
+// Macros of others.
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo::detail {
 
 /// What a whole text of JSON can be read into.
@@ -338,3 +341,5 @@ class KESTA_API standard_json : public iserializer {
 };
 
 }  // namespace ruvo::serializer
+
+#include <ruvo/names_back.hpp>
