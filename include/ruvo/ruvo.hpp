@@ -36,8 +36,8 @@
 #include <ruvo/net.hpp>
 #include <ruvo/reading.hpp>
 #include <ruvo/serializer.hpp>
-#include <ruvo/standard_json.hpp>
 #include <ruvo/smtp.hpp>
+#include <ruvo/standard_json.hpp>
 #include <ruvo/sync.hpp>
 #include <ruvo/task.hpp>
 #include <ruvo/texto.hpp>

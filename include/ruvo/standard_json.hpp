@@ -60,16 +60,17 @@ enum class json_twins : std::int32_t {
 
 /// What a reader takes at most. What goes beyond is a failure at the place where it does.
 struct json_limits {
-  std::size_t depth = 512,              ///< Of open objects and lists.
-      units = std::size_t{1} << 30,     ///< Of the text: bytes, or UTF-16 units.
-      members = std::size_t{1} << 20,   ///< Of one object.
-      elements = std::size_t{1} << 26,  ///< Values in all, containers included.
-      bytes = std::size_t{4} << 30;     ///< Of memory that the values take, about.
+  std::size_t depth = 512;                      ///< Of open objects and lists.
+  std::size_t units = std::size_t{1} << 30;     ///< Of the text: bytes, or UTF-16 units.
+  std::size_t members = std::size_t{1} << 20;   ///< Of one object.
+  std::size_t elements = std::size_t{1} << 26;  ///< Values in all, containers included.
+  std::size_t bytes = std::size_t{4} << 30;     ///< Of memory that the values take, about.
 };
 
+/// How a text is read.
 struct json_read_options {
-  json_limits limits{};
-  json_twins twins = json_twins::failure;
+  json_limits limits{};                    ///< What it may have at most.
+  json_twins twins = json_twins::failure;  ///< Names that come twice.
   /// Of what no double holds: 1e400. Never json_number::nearest.
   json_number too_large = json_number::failure;
   /// Of what loses digits in a double: a decimal fraction or an integer beyond 64 bits whose digits are not
@@ -133,18 +134,18 @@ template <ruvo::detail::json_root Root, class Text>
 /// finish(), and the reader is as new then; handlers do not call the reader.
 class KESTA_API ijson_events {
  public:
-  virtual void on_null();
-  virtual void on_boolean(bool value);
-  virtual void on_integer(long long value);
-  virtual void on_unsigned(unsigned long long value);  ///< Beyond long long only.
-  virtual void on_double(double value);
-  virtual void on_number(std::wstring_view written);  ///< What stays text by option.
-  virtual void on_text(std::wstring_view value);
-  virtual void on_name(std::wstring_view name);
-  virtual void on_open_object();
-  virtual void on_close_object();
-  virtual void on_open_list();
-  virtual void on_close_list();
+  virtual void on_null();                              ///< The word null.
+  virtual void on_boolean(bool value);                 ///< The words true and false.
+  virtual void on_integer(long long value);            ///< An integer that fits.
+  virtual void on_unsigned(unsigned long long value);  ///< One beyond long long.
+  virtual void on_double(double value);                ///< Any other number.
+  virtual void on_number(std::wstring_view written);   ///< A number that stays text by option.
+  virtual void on_text(std::wstring_view value);       ///< A string that is a value, without its escapes.
+  virtual void on_name(std::wstring_view name);        ///< The name of a member; its value comes next.
+  virtual void on_open_object();                       ///< Members follow, if there are any.
+  virtual void on_close_object();                      ///< Of the innermost object.
+  virtual void on_open_list();                         ///< Elements follow, if there are any.
+  virtual void on_close_list();                        ///< Of the innermost list.
   virtual ~ijson_events();
 
  protected:
@@ -211,6 +212,7 @@ class KESTA_API standard_json_reader {
 ///   while (values.next(record)) use(record);
 class KESTA_API json_values {
  public:
+  /// With the options for each value.
   explicit json_values(const json_read_options& options = {});
   json_values(const json_values&) = delete;
   json_values& operator=(const json_values&) = delete;
@@ -255,13 +257,14 @@ enum class json_qualities : std::int32_t {
   failure    ///< A value that has any is a failure.
 };
 
+/// How a value is written.
 struct json_write_options {
   int indent = -1;               ///< Blanks for each level; below 0 all on one line, without blanks.
   bool sorted = false;           ///< Members by key instead of in order of insertion.
   bool folded = false;           ///< Keys instead of their spelling.
   bool line_separators = false;  ///< U+2028 and U+2029 as escapes: old JavaScript takes them for line ends.
-  json_dates dates = json_dates::own;
-  json_qualities qualities = json_qualities::left_out;
+  json_dates dates = json_dates::own;                   ///< The mode of dates and times.
+  json_qualities qualities = json_qualities::left_out;  ///< Those of values.
 };
 
 /// Writes the value as RFC 8259 has it. Wide text is UTF-16, narrow text UTF-8, without a byte order mark.
@@ -322,6 +325,7 @@ template <class Text, class Value>
 /// a list, is written as that list.
 class KESTA_API standard_json : public iserializer {
  public:
+  /// With the options for both ways.
   explicit standard_json(const json_read_options& reading = {}, const json_write_options& writing = {});
   standard_json(const standard_json& other);
   standard_json& operator=(const standard_json& other);

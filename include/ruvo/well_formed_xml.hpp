@@ -27,20 +27,21 @@ namespace ruvo::serializer {
 /// What a reading takes at most. What goes beyond is an exc::xmlBeyondLimit (7006) at the place where it
 /// does. A limit of std::size_t(-1) is none.
 struct xml_limits {
-  std::size_t depth = 512,              ///< Of open elements.
-      units = std::size_t{1} << 30,     ///< Of the text: bytes, or UTF-16 units.
-      elements = std::size_t{1} << 26,  ///< In all; with `mixed_text` each text beside elements is one, too.
-      attributes = 10000,               ///< Of one element.
-      bytes = std::size_t{4} << 30,     ///< Of memory that the values take, about.
-      /// UTF-16 units that entities and default attributes add to the document in all. An entity counts each
-      /// time that it is expanded, one inside another, too, so that the time is bounded by the length of the
-      /// text and this limit.
-      growth = std::size_t{1} << 24;
+  std::size_t depth = 512;                   ///< Of open elements.
+  std::size_t units = std::size_t{1} << 30;  ///< Of the text: bytes, or UTF-16 units.
+  /// In all; with `mixed_text` each text beside elements is one, too.
+  std::size_t elements = std::size_t{1} << 26;
+  std::size_t attributes = 10000;            ///< Of one element.
+  std::size_t bytes = std::size_t{4} << 30;  ///< Of memory that the values take, about.
+  /// UTF-16 units that entities and default attributes add to the document in all. An entity counts each
+  /// time that it is expanded, one inside another, too, so that the time is bounded by the length of the
+  /// text and this limit.
+  std::size_t growth = std::size_t{1} << 24;
 };
 
 /// How a document is read.
 struct xml_read_options {
-  xml_limits limits;
+  xml_limits limits{};  ///< What it may have at most.
   /// Whether text beside elements is kept. An element that has both is then a list: one bundle with one entry
   /// for each element and for each text between two tags, in the order of the document. A text has the key
   /// `#text`, which no element can have, and is kept whole, with the blanks at its ends, also where it is

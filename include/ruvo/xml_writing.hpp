@@ -56,6 +56,7 @@ enum class xml_bytes : std::int32_t {
   utf_16_be
 };
 
+/// How a value is written.
 struct xml_write_options {
   /// The name of an element around the value. Without it the only member is the root element.
   std::wstring root;
