@@ -125,10 +125,10 @@ int main() {
 
   // For others: in wide text, and in the bytes that are sent.
   ruvo::bundle strict;
-  std::string bytes;
+  std::string message;
   if (ruvo::serializer::read_well_formed_xml(strict, text)) return 1;
-  if (ruvo::serializer::write_well_formed_xml(bytes, strict)) return 1;
-  const bench::amount sent{static_cast<double>(ruvo::texto::to_utf_16(bytes).size()),
+  if (ruvo::serializer::write_well_formed_xml(message, strict)) return 1;
+  const bench::amount sent{static_cast<double>(ruvo::texto::to_utf_16(message).size()),
                            bench::amount::characters};
   const auto by_dialect = [&] {
     std::wstring out;

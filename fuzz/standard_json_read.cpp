@@ -59,7 +59,7 @@ template <class View>
 outcome read(View text, json_read_options options) {
   const outcome strict = whole(text, options);
   options.twins = json_twins::last;
-  const outcome out = whole(text, options);
+  outcome out = whole(text, options);
   struct : ijson_events {
   } events;
   for (const std::size_t step : {std::size_t{1}, std::size_t{3}, std::size_t{16}, text.size() / 2 + 1}) {

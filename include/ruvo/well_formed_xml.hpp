@@ -36,7 +36,7 @@ struct xml_limits {
   /// UTF-16 units that entities and default attributes add to the document in all. An entity counts each
   /// time that it is expanded, one inside another, too, so that the time is bounded by the length of the
   /// text and this limit.
-  std::size_t growth = std::size_t{1} << 24;
+  std::size_t growth = std::size_t{1} << 20;
 };
 
 /// How a document is read.
@@ -62,7 +62,7 @@ struct xml_read_options {
   bool entities = false;
   /// Whether attributes are as the document type declares them: default values count where an element has no
   /// such attribute, and in attributes of other kinds than CDATA blanks at the ends are lost and those inside
-  /// become one.
+  /// become one. What parameter entities bring is declared with `entities` only.
   bool declared_attributes = false;
 };
 

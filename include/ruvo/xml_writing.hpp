@@ -33,7 +33,9 @@ enum class xml_rows : std::int32_t {
 /// What becomes of keys that are no names.
 enum class xml_names : std::int32_t {
   failure,  ///< The writing fails.
-  escaped   ///< As escaped_xml_name() gives them, names that look escaped too.
+  /// As escaped_xml_name() gives them, names that look escaped too. A key with one colon inside has a prefix,
+  /// which has to be declared, unless `namespaces` is off.
+  escaped
 };
 
 /// What becomes of characters that XML does not have: control characters but TAB, LF and CR, lone surrogates,
@@ -58,7 +60,7 @@ enum class xml_bytes : std::int32_t {
 
 /// How a value is written.
 struct xml_write_options {
-  /// The name of an element around the value. Without it the only member is the root element.
+  /// The name of an element around the value, taken as it is. Without it the only member is the root element.
   std::wstring root;
   std::wstring item = L"item";  ///< The name of rows that have no other one.
   xml_rows rows = xml_rows::members;

@@ -455,7 +455,7 @@ TEST(well_formed_xml, bytes_refused) {
       {"\xFE\xFF\0<\0r\0>\xDC\0"s, 1, 9, 1, 5},
       {declaration + "us-ascii'?><r>\xF1</r>", 1, 45, 1, 45},
       {declaration + "windows-1252'?><r>\x81</r>", 1, 49, 1, 49},
-      {"<\0r\0/\0>\0"s, 1, 2, 1, 2},
+      {"<\0r\0/\0>\0"s, 5, 1, 1, 1},
       {"", 1, 1, 1, 1},
       // Not understood
       {declaration + "ISO-8859-2'?><r/>", 5, 31, 1, 31},

@@ -16,7 +16,6 @@
 using ruvo::bundle;
 using ruvo::list;
 using ruvo::xvar;
-using ruvo::serializer::read_well_formed_xml;
 using ruvo::serializer::write_well_formed_xml;
 using ruvo::serializer::xml_rows;
 using ruvo::serializer::xml_write_options;
@@ -206,6 +205,8 @@ TEST(xml_writing, refused) {
        L"\"p:b\""},
       {"prefix of a quality", bundle{{L"a", with(1, {{L"p:b", 1}})}}, nullptr, 7009, L"a@p:b", L"\"p:b\""},
       {"xmlns as a prefix", bundle{{L"xmlns:a", 1}}, nullptr, 7009, L"xmlns:a", L"\"xmlns:a\""},
+      {"a namespace that is no text", with(1, {{L"xmlns:p", 1}}), nullptr, 7009, L"r@xmlns:p",
+       L"\"xmlns:p\""},
       {"no namespace", with(1, {{L"xmlns:p", L""}}), nullptr, 7009, L"r@xmlns:p", L"\"xmlns:p\""},
       {"another xml", with(1, {{L"xmlns:xml", L"u"}}), nullptr, 7009, L"r@xmlns:xml", L"\"xmlns:xml\""},
       {"xml by another name", with(1, {{L"xmlns", L"http://www.w3.org/XML/1998/namespace"}}), nullptr, 7009,

@@ -42,6 +42,7 @@ class pieces_reader {
     wide_.reset();
     units_ = 0;
     failure_.reset();
+    is_placed_ = false;
     position_ = 0;
     place_ = {};
   }
@@ -63,10 +64,10 @@ class pieces_reader {
   template <class Unit>
   bool feed_to(json_pieces<Unit>& pieces, std::basic_string_view<Unit> piece, exception* err) {
     if (units_ != 0 && units_ != sizeof(Unit) && !failure_) {
-      if (err) *err = exc::BadArgument(L"pieza");
-      return true;
+      failure_ = exc::BadArgument(L"pieza");
+      is_placed_ = true;  // nowhere in the text
     }
-    units_ = sizeof(Unit);
+    if (!piece.empty()) units_ = sizeof(Unit);
     return run(pieces, piece, err, [&] { pieces.feed(piece); });
   }
 
@@ -85,7 +86,8 @@ class pieces_reader {
       throw;
     }
     if (!failure_) return false;
-    if (position_ == 0) {
+    if (!is_placed_) {
+      is_placed_ = true;
       position_ = failure_position(*failure_);
       place_ = pieces.place_of(position_, piece);
     }
@@ -97,6 +99,7 @@ class pieces_reader {
   json_pieces<wchar_t> wide_;
   std::size_t units_ = 0;  // bytes of a unit of the text; 0 before the first piece
   std::optional<exception> failure_;
+  bool is_placed_ = false;
   std::uint64_t position_ = 0;  // of the failure
   text_place place_;
 };

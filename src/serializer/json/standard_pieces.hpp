@@ -46,7 +46,8 @@ class json_pieces {
     offset_ = first_ = 0;
     elements_ = taken_ = carried_ = 0;
     token_at_ = 1;
-    token_place_ = {};
+    carry_at_ = 0;
+    token_place_ = carry_place_ = {};
     place_ = {};
   }
 
@@ -57,6 +58,12 @@ class json_pieces {
     while (at != end) {
       const std::uint64_t room = options_.limits.units - (offset_of(at) - first_);
       const auto rest = static_cast<std::size_t>(end - at);
+      if (room == 0 && ends_number(*at)) {
+        end_number(held_);
+        has_ended_ = false;
+        first_ = offset_of(at);
+        continue;
+      }
       if (room == 0) {
         token_at_ = offset_of(at) + 1;
         throw limit_reached{L"tamaño"};
@@ -373,6 +380,10 @@ class json_pieces {
     events_.on_name(buffer_.view());
   }
 
+  /// Whether the unit shows that a value of many, a number, is complete.
+  bool ends_number(Unit next) const noexcept {
+    return many_ && levels_.empty() && token_ == token::number && !is_number_unit(next);
+  }
   static bool is_number_unit(Unit c) noexcept {
     return is_digit_unit(c) || c == Unit('.') || c == Unit('-') || c == Unit('+') || c == Unit('e') ||
            c == Unit('E');

@@ -203,6 +203,7 @@ void json_builder::take_into_store(frame& f, std::wstring_view name) {
   const detail::key_view key(folded);
   entry* place = f.store->find(key);
   if (!place) {
+    account(name.size() * sizeof(wchar_t) * (folded.written().data() == key.text.data() ? 1 : 2));
     place = f.store->add(key);
   } else if (options_.twins == json_twins::failure) {
     throw name_twice{std::wstring(name)};

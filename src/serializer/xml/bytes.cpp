@@ -81,6 +81,8 @@ constexpr beginning beginnings[] = {
     {"\xFE\xFF"sv, beginning::trust::marked, xml_encoding::utf_16_be},
     {"<\0?\0"sv, beginning::trust::declared, xml_encoding::utf_16_le},
     {"\0<\0?"sv, beginning::trust::declared, xml_encoding::utf_16_be},
+    {"<\0"sv, beginning::trust::none, xml_encoding::latin_1},
+    {"\0<"sv, beginning::trust::none, xml_encoding::latin_1},
     {"", beginning::trust::ascii, xml_encoding::latin_1},
 };
 

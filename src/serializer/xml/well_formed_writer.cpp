@@ -140,10 +140,25 @@ bool is_mark(std::wstring_view name) noexcept {
 bool is_text_row(std::wstring_view key, const xvar& value) noexcept {
   return key == text_key && !cell::is_container(value) && !qualities_of(value);
 }
-bool is_blank_text(const xvar& value) noexcept {
+bool is_blank_text(const xvar& value) {
+  bool blank = true;
+  const auto look = [&](std::wstring_view text) { blank = std::all_of(text.begin(), text.end(), is_blank); };
+  return with_prose(value, look) ? blank : is_without_text(value);
+}
+
+/// Whether the text is written as it is: the name of a namespace has to be, as it is compared.
+bool is_namespace_name(const var& value) noexcept {
   if (!cell::is_text(value)) return false;
   const std::wstring_view text = cell::text(value);
-  return std::all_of(text.begin(), text.end(), is_blank);
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (!texto::is_surrogate(text[at])) {
+      if (!is_allowed(text[at])) return false;
+    } else if (!texto::is_high_surrogate(text[at]) || ++at == text.size() ||
+               !texto::is_low_surrogate(text[at])) {
+      return false;
+    }
+  }
+  return true;
 }
 
 /// What the rows of a list are to be.
@@ -390,7 +405,8 @@ class document_writer : public detail::visitor {
   }
 
   void declare(const xml_name& name, const var& value) {
-    if (xml_scopes::declares(name) && !scopes_.declare(name, value.to_string()))
+    if (!xml_scopes::declares(name)) return;
+    if (!is_namespace_name(value) || !scopes_.declare(name, value.to_string()))
       refuse<exc::xmlBadPrefix>(name.text);
   }
   void check_prefixes() {
@@ -435,8 +451,11 @@ class document_writer : public detail::visitor {
   xml_name with_schema(const xml_name& name, const xvar::qualities_map& qualities) {
     static const std::wstring key(schema_key);
     const auto schema = qualities.find(key);
-    if (schema == qualities.end() || schema->second.to_string().empty()) return name;
-    const std::wstring& prefix = *made_.insert(schema->second.to_string()).first;
+    if (schema == qualities.end()) return name;
+    std::wstring given = schema->second.to_string();
+    if (given.empty()) return name;
+    if (options_.folded) std::transform(given.begin(), given.end(), given.begin(), texto::to_lower);
+    const std::wstring& prefix = *made_.insert(std::move(given)).first;
     const std::wstring whole = std::wstring(made_name(prefix).text) + L':' + std::wstring(name.text);
     xml_name made;
     if (!read_name(*made_.insert(whole).first, options_.namespaces, made)) refuse<exc::xmlBadName>(whole);
