@@ -34,8 +34,9 @@ plain_digits digits_of(std::string_view written) {
       const std::size_t from = at + (written[at + 1] == '+' ? 2 : 1);
       const auto [end, error] =
           std::from_chars(written.data() + from, written.data() + written.size(), power);
-      if (error != std::errc())
-        power = written[from] == '-' ? -number_parts::largest_exponent : number_parts::largest_exponent;
+      constexpr std::int64_t most = number_parts::largest_exponent;
+      if (error != std::errc()) power = written[from] == '-' ? -most : most;
+      power = std::clamp(power, -most, most);
       break;
     } else if (out.digits.empty() && c == '0') {
       ++leading;
