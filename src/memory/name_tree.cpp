@@ -5,8 +5,10 @@
 #include "memory/name_tree.hpp"
 
 #include <algorithm>
+#include <atomic>
 #include <new>
 #include <string>
+#include <utility>
 
 namespace ruvo::detail {
 

@@ -7,6 +7,7 @@
 #include <ruvo/xvar.hpp>
 
 #include <deque>
+#include <memory>
 #include <optional>
 #include <utility>
 
