@@ -3,6 +3,7 @@
 
 // ruvo::xvar, a var with named attributes (qualities).
 
+#include <ruvo/fwd.hpp>
 #include <ruvo/var.hpp>
 
 #include <cstddef>

@@ -26,6 +26,7 @@ void* plain_block(std::size_t size) {
 }  // namespace
 
 block_cache::~block_cache() {
+  settle();
   for (free_block* block : free_) {
     while (block) {
       free_block* const next = block->next;
@@ -48,8 +49,11 @@ bool block_cache::widen_allowance() noexcept {
 }
 
 void* block_cache::take(std::size_t size) {
-  const std::size_t bytes = rounded(size);
   if (size > largest) return plain_block(size);
+  if (documents_ > 0) {
+    if (void* const block = line_.take(size)) return block;
+  }
+  const std::size_t bytes = rounded(size);
   free_block*& first = list_of(bytes);
   free_block* const block = first;
   if (!block) return ::operator new(bytes);
@@ -76,6 +80,11 @@ void* take_block(std::size_t size) { return plain_block(size); }
 
 void give_block(void* block, std::size_t) noexcept { ::operator delete(block); }
 
+bool give_unseen_block(void*) noexcept { return false; }
+
+document_blocks::document_blocks() noexcept : cache_(nullptr) {}
+release_of_many::release_of_many() noexcept : cache_(nullptr) {}
+
 #else
 
 void* take_block(std::size_t size) {
@@ -83,12 +92,34 @@ void* take_block(std::size_t size) {
   return cache ? cache->blocks.take(size) : plain_block(size);
 }
 
-void give_block(void* block, std::size_t size) noexcept {
+bool give_unseen_block(void* block) noexcept {
+  if (!chunk_region::holds(block)) return false;
   if (thread_cache* const cache = thread_cache::local()) {
-    cache->blocks.give(block, size);
+    cache->blocks.give_in_chunk(block);
   } else {
-    ::operator delete(block);
+    chunk::of(block)->release(1);
   }
+  return true;
+}
+
+void give_block(void* block, std::size_t size) noexcept {
+  if (give_unseen_block(block)) return;
+  if (thread_cache* const cache = thread_cache::local()) return cache->blocks.give(block, size);
+  ::operator delete(block);
+}
+
+document_blocks::document_blocks() noexcept : cache_(nullptr) {
+  thread_cache* const cache = thread_cache::local();
+  if (!cache) return;
+  cache_ = &cache->blocks;
+  if (cache_->documents_++ == 0) cache_->line_.rewind();
+}
+
+release_of_many::release_of_many() noexcept : cache_(nullptr) {
+  thread_cache* const cache = thread_cache::local();
+  if (!cache) return;
+  cache_ = &cache->blocks;
+  ++cache_->releases_;
 }
 
 #endif

@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "memory/block_cache.hpp"
 #include "values/cell.hpp"
 
 namespace ruvo::serializer {
@@ -67,6 +68,7 @@ template <class Reader, class Take>
 bool deserialize_with(Reader& reader, bundle& out, const std::wstring& in, exception* err, Take take) {
   const steady_text text(in, out);
   reading<Reader> work(reader, out, err);
+  const ruvo::detail::document_blocks blocks(in.size());
   const wchar_t* at = text.view().data();
   const wchar_t* const end = at + text.view().size();
   while ((at = take(at, end)) != end) reader.next_character(*at++, work.result);

@@ -83,7 +83,9 @@ bundle::bundle(std::initializer_list<std::pair<std::wstring, xvar>> values) {
   std::swap(store_, made.store_);
 }
 
-bundle::~bundle() { bundle_store::drop(store_); }
+bundle::~bundle() {
+  if (store_) detail::drop_store(store_);
+}
 
 bundle& bundle::operator=(const bundle& other) { return this == &other ? *this : *this = bundle(other); }
 
@@ -158,7 +160,9 @@ bundle::iterator bundle::erase(const_iterator where) {
   return next;
 }
 
-void bundle::clear() noexcept { bundle_store::drop(bundle_access::detach(*this)); }
+void bundle::clear() noexcept {
+  if (bundle_store* const store = bundle_access::detach(*this)) detail::drop_store(store);
+}
 
 bundle::size_type bundle::size() const noexcept { return store_ ? store_->size() : 0; }
 

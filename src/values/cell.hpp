@@ -17,12 +17,12 @@
 
 namespace ruvo::detail {
 
-/// A container owned by a cell. `next` chains containers while a tree is taken apart.
+/// A container owned by a cell.
 template <class T>
 struct boxed {
   explicit boxed(T&& taken) noexcept : value(std::move(taken)) {}
 
-  boxed* next = nullptr;
+  std::uintptr_t next = 0;  // chains containers while a tree is taken apart
   T value;
 };
 
@@ -151,5 +151,8 @@ bool may_hold(const bundle& whole, std::wstring_view text);
 
 /// Destroys what a cell of a container kind owns, level by level.
 void drop_tree(var& v) noexcept;
+/// The same for the store of a bundle, with the store, and for all elements of a list.
+void drop_store(bundle_store* store) noexcept;
+void drop_elements(list& in) noexcept;
 
 }  // namespace ruvo::detail

@@ -28,7 +28,9 @@ list::list() noexcept = default;
 list::list(const list& other) = default;
 list::list(list&& other) noexcept = default;
 list::list(std::initializer_list<xvar> values) : soul_(values) {}
-list::~list() = default;
+list::~list() {
+  if (!soul_.empty()) detail::drop_elements(*this);
+}
 
 const list& list::operator=(const list& other) { return *this = list(other); }
 

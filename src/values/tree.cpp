@@ -6,10 +6,13 @@
 #include <ruvo/memo.hpp>
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string_view>
 
 #include "base/simd.hpp"
+#include "memory/block_cache.hpp"
 #include "values/object.hpp"
 #include "values/walk.hpp"
 
@@ -19,63 +22,65 @@ namespace {
 
 /// Takes containers out of their cells and destroys them when nothing nested is left in them. No visitor of
 /// the walk, whose stack may lack memory and whose places would go with what is destroyed: here the
-/// containers themselves are chained, in no order.
+/// containers themselves are chained, those that come first in front, as that is how they lie in memory.
 class reaper {
  public:
   void take(var& v) noexcept {
     if (cell::kind_of(v) == kind::list) {
-      push(lists_, cell::pointer<boxed<list>>(v));
+      push(cell::pointer<boxed<list>>(v), is_list);
     } else if (cell::kind_of(v) == kind::bundle) {
-      push(bundles_, cell::pointer<boxed<bundle>>(v));
+      push(cell::pointer<boxed<bundle>>(v), 0);
     } else {
       return;
     }
     cell::forget(v);
   }
+  void take_all(list& in) noexcept {
+    for (auto at = in.end(); at != in.begin();) take_all(*--at);
+  }
+  void take_all(const bundle_store& in) noexcept {
+    for (std::size_t n = in.size(); n-- > 0;) take_all(in.nth(n)->second);
+  }
 
   void run() noexcept {
-    while (lists_ || bundles_) {
-      if (boxed<list>* const gone = pop(lists_)) {
-        for (xvar& v : gone->value) take_all(v);
+    while (chain_ != 0) {
+      const std::uintptr_t first = chain_;
+      if (first & is_list) {
+        auto* const gone = reinterpret_cast<boxed<list>*>(first - is_list);
+        chain_ = gone->next;
+        take_all(gone->value);
+        gone->value.clear();
         unmake(gone);
-      }
-      if (boxed<bundle>* const gone = pop(bundles_)) {
-        const bundle_store* const store = bundle_access::store(gone->value);
-        for (std::size_t n = 0; store && n < store->size(); ++n) take_all(store->nth(n)->second);
+      } else {
+        auto* const gone = reinterpret_cast<boxed<bundle>*>(first);
+        chain_ = gone->next;
+        drop(bundle_access::detach(gone->value));
         unmake(gone);
       }
     }
   }
 
  private:
+  static constexpr std::uintptr_t is_list = 1;  // beside the address
+
   template <class T>
-  static void push(boxed<T>*& chain, boxed<T>* item) noexcept {
-    item->next = chain;
-    chain = item;
+  void push(boxed<T>* item, std::uintptr_t what) noexcept {
+    item->next = chain_;
+    chain_ = reinterpret_cast<std::uintptr_t>(item) + what;
   }
-  template <class T>
-  static boxed<T>* pop(boxed<T>*& chain) noexcept {
-    boxed<T>* const item = chain;
-    if (!item) return nullptr;
-    chain = item->next;
-    if (chain) expect_use_of(chain->value);
-    return item;
-  }
-  static void expect_use_of(const list& next) noexcept { expect_use(next.data()); }
-  static void expect_use_of(const bundle& next) noexcept {
-    const auto* const store = reinterpret_cast<const char*>(bundle_access::store(next));
-    constexpr std::size_t line = 64;
-    for (std::size_t at = 0; store && at < 2 * line; at += line) expect_use(store + at);
+  void drop(bundle_store* store) noexcept {
+    if (!store) return;
+    take_all(*store);
+    bundle_store::drop(store);
   }
   void take_all(xvar& v) noexcept {
-    take(v);
     if (auto* const qualities = cell::qualities(v)) {
       for (auto& [key, value] : *qualities) take(value);
     }
+    take(v);
   }
 
-  boxed<list>* lists_ = nullptr;
-  boxed<bundle>* bundles_ = nullptr;
+  std::uintptr_t chain_ = 0;
 };
 
 /// Where the copies of a container's values go.
@@ -122,6 +127,10 @@ class copier : public visitor {
   }
 
   void run() { walk_.run(*this); }
+  void enter(const frame& f) {
+    values_ += f.size;
+    if (!blocks_ && values_ >= many) blocks_.emplace();
+  }
   void element(const frame& f, const xvar& v) { copy_all(f.copies->emplace_back(), v); }
   void member(const frame& f, const std::wstring&, const xvar& v) {
     copy_all(f.copied_members->nth(f.taken - 1)->second, v);
@@ -136,7 +145,11 @@ class copier : public visitor {
     for (const auto& [key, value] : *qualities) copy(made->try_emplace(made->end(), key)->second, value);
   }
 
+  static constexpr std::size_t many = 2000;  // as many as a large document has
+
   walk<const xvar, copied_to> walk_;
+  std::size_t values_ = 0;
+  std::optional<document_blocks> blocks_;
 };
 
 /// Looks for the place of a text in a bundle.
@@ -205,7 +218,24 @@ class text_search : public visitor {
 
 bool may_hold(const bundle& whole, std::wstring_view text) { return text_search(text).may_be_in(whole); }
 
+void drop_store(bundle_store* store) noexcept {
+  const release_of_many release;
+  reaper work;
+  work.take_all(*store);
+  work.run();
+  bundle_store::drop(store);
+}
+
+void drop_elements(list& in) noexcept {
+  const release_of_many release;
+  reaper work;
+  work.take_all(in);
+  work.run();
+  in.clear();
+}
+
 void drop_tree(var& v) noexcept {
+  const release_of_many release;
   reaper work;
   work.take(v);
   work.run();

@@ -144,6 +144,7 @@ void var::destroy() noexcept {
   switch (data_.kind) {
     case kind::text: {
       auto* const block = cell::pointer<detail::text_block>(*this);
+      if (detail::give_unseen_block(block)) return;
       return detail::give_block(block, detail::text_block::bytes(block->length));
     }
     case kind::string_text:

@@ -33,6 +33,11 @@ xvar::qualities_map& no_qualities() noexcept {
 
 }  // namespace
 
+void* detail::take_room(std::size_t bytes) { return take_block(std::max<std::size_t>(bytes, 1)); }
+void detail::give_room(void* room, std::size_t bytes) noexcept {
+  give_block(room, std::max<std::size_t>(bytes, 1));
+}
+
 bool keylowercase::operator()(const std::wstring& a, const std::wstring& b) const noexcept {
   return texto::before_in_lower_case(a, b);
 }

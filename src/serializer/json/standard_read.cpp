@@ -12,6 +12,7 @@
 #include <optional>
 #include <utility>
 
+#include "memory/block_cache.hpp"
 #include "memory/thread_cache.hpp"
 #include "serializer/json/standard_failure.hpp"
 #include "serializer/json/standard_parser.hpp"
@@ -46,6 +47,7 @@ template <class Unit, class Done>
 bool read_whole(std::basic_string_view<Unit> text, exception* err, const json_read_options& options,
                 json_roots roots, Done done) {
   known_names names(sizeof(Unit) > 1);
+  const detail::document_blocks blocks(text.size());
   json_builder builder(names.tree(), options);
   whole_json<Unit> reader(text, builder, options);
   if (fails(

@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "memory/block_cache.hpp"
 #include "serializer/xml/bytes.hpp"
 #include "serializer/xml/declaration.hpp"
 #include "serializer/xml/dtd.hpp"
@@ -286,6 +287,7 @@ class document_reader : declaration_reader {
 /// Reads a text that `bytes` were made into, or that was given.
 void read_into(bundle& out, std::wstring_view text, const xml_text_of_bytes* bytes,
                const xml_read_options& options) {
+  const detail::document_blocks blocks(text.size());
   out = document_reader(text, bytes, options).read();
 }
 
