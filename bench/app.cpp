@@ -73,7 +73,7 @@ void look_up_beside(bench::table& table, ruvo::application& app) {
 }  // namespace
 
 int main() {
-  bench::table table({"locked map", "thread_local"});
+  bench::table table("app");
   ruvo::kesta::app app(nullptr);
   look_up(table, "not checked in");
   for (unsigned long id = 1; id <= other_threads; ++id) {

@@ -71,7 +71,7 @@ void compare_text(bench::table& results, const char* name, const std::string& li
 }
 
 void compare_reading() {
-  bench::table results({"system"});  // ReadFile, and MultiByteToWideChar for wide text
+  bench::table results("files");  // the peer: ReadFile, and MultiByteToWideChar for wide text
   compare_bytes(results);
   compare_text(results, "English", "In a village of La Mancha there lived not long ago a gentleman.\r\n");
   compare_text(

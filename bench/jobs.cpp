@@ -11,7 +11,6 @@
 #include <array>
 #include <atomic>
 #include <chrono>
-#include <cstdio>
 #include <deque>
 #include <string>
 #include <thread>
@@ -75,12 +74,6 @@ class noting : public ruvo::task::async {
   clock_type::time_point asked, begun, released;
 };
 
-double median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
-
 double nanoseconds(clock_type::duration time) {
   return std::chrono::duration<double, std::nano>(time).count();
 }
@@ -101,7 +94,7 @@ gap start_in_a_pool() {
     begun.push_back(nanoseconds(all[n].begun - all[n - 1].released));
     asked.push_back(nanoseconds(all[n].asked - all[n - 1].released));
   }
-  return {median(begun), median(asked)};
+  return {bench::median(begun), bench::median(asked)};
 }
 
 /// Bare threads in the same place: each starts the next one as its last act.
@@ -111,7 +104,7 @@ class relay {
     start(0);
     finished_.wait(false);
     for (std::thread& one : threads_) one.join();  // whose end shows the next one
-    return median(took_);
+    return bench::median(took_);
   }
 
  private:
@@ -140,33 +133,38 @@ double start_alone() {
     std::thread([&begun] { begun = clock_type::now(); }).join();
     took.push_back(nanoseconds(begun - asked));
   }
-  return median(std::move(took));
+  return bench::median(std::move(took));
 }
 
 /// As the rows of a table: medians, and medians of the ratios of neighbouring turns.
-void compare_next_start() {
-  std::vector<double> own, asked, to_relay, to_alone;
+void compare_next_start(bench::table& results) {
+  std::vector<double> own, asked, by_one_that_ends, alone, to_relay, to_alone, of_which;
   for (std::size_t turn = 0; turn < turns; ++turn) {
     const gap pool = start_in_a_pool();
     own.push_back(pool.until_begun);
     asked.push_back(pool.until_asked);
-    to_relay.push_back(pool.until_begun / relay().run());
-    to_alone.push_back(pool.until_begun / start_alone());
+    by_one_that_ends.push_back(relay().run());
+    alone.push_back(start_alone());
+    to_relay.push_back(own.back() / by_one_that_ends.back());
+    to_alone.push_back(own.back() / alone.back());
+    of_which.push_back(asked.back() / own.back());
   }
-  const double ratio = median(to_relay);
-  std::printf("release to next start, 1 slot: %.1f us, of which %.1f us until the start is asked for\n",
-              median(own) / 1e3, median(asked) / 1e3);
-  std::printf("  %.2f x the start of a thread by one that ends (at most 1.1: %s), %.2f x one started alone\n",
-              ratio, ratio <= 1.1 ? "ok" : "MISS", median(to_alone));
+  const auto line = [&](const char* row, const std::vector<double>& first, const char* peer,
+                        const std::vector<double>& its, const std::vector<double>& ratios) {
+    results.line({row, "1 slot", "ns", peer, bench::median(first), bench::median(its), bench::median(ratios),
+                  bench::comparison::cost},
+                 {{"thread that ends", 1.1}});
+  };
+  line("release to next start", own, "thread that ends", by_one_that_ends, to_relay);
+  line("release to next start", own, "thread alone", alone, to_alone);
+  line("until it is asked for", asked, "until it begins", own, of_which);
 }
 
 }  // namespace
 
 int main() {
-  {
-    bench::table results({"threads"});
-    compare_short_tasks(results, std::max(1U, std::thread::hardware_concurrency()));
-    compare_short_tasks(results, 8);
-  }
-  compare_next_start();
+  bench::table results("jobs");
+  compare_short_tasks(results, std::max(1U, std::thread::hardware_concurrency()));
+  compare_short_tasks(results, 8);
+  compare_next_start(results);
 }

@@ -212,7 +212,7 @@ bool readable(const std::wstring& text) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  bench::table table({"nlohmann", "RapidJSON", "Boost"});
+  bench::table table("json");
   for (const corpus& c : bench::corpora(argc, argv)) {
     try {
       const std::wstring text = ruvo::texto::to_utf_16(c.text);

@@ -75,7 +75,7 @@ int compare(const fs::path& root) {
     std::printf("the walks do not agree\n");
     return 1;
   }
-  bench::table table({"FindFirstFileEx", "std::filesystem"});
+  bench::table table("listing");
   const auto entries = static_cast<double>(expected.files + expected.folders);
   table.row("list", "20,000 files", {entries, bench::amount::operations},
             {{"kesta", [&] { bench::use(list_with_kesta(root)); }},

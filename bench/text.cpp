@@ -133,7 +133,7 @@ void convert(bench::table& table, const std::string& script, const std::wstring&
 }
 
 void utf() {
-  bench::table table({"system", "wstring_convert"});
+  bench::table table("text");
   random next(1);
   for (const std::size_t size : sizes) {
     // Most of the time of a short text goes to the heap, for the block of its result.
@@ -265,7 +265,7 @@ void encode(bench::table& table, const std::string& width, const Text& bytes) {
 }
 
 void encodings() {
-  bench::table table({"plain loop"});
+  bench::table table("text");
   random next(2);
   for (const std::size_t size : sizes) {
     std::string bytes;
@@ -336,7 +336,7 @@ void replace(bench::table& table, const std::wstring& text, const replacement& r
 }
 
 void search() {
-  bench::table table({"peer"});
+  bench::table table("text");
   random next(3);
   std::vector<std::wstring> all = english;
   all.pop_back();  // "total" is to be rare
@@ -387,7 +387,7 @@ auto of_all(const std::vector<std::wstring>& all, Function make) {
 }
 
 void short_ones() {
-  bench::table table({"peer"});
+  bench::table table("text");
   std::vector<std::wstring> all = short_texts();
   compare(table, "trim_", "a million", each_text, of_all(all, texto::trim_),
           peer{"substr loop", 0.0, of_all(all, plain_trim)});
@@ -498,7 +498,7 @@ void print(bench::table& table, const char* what, const std::vector<double>& all
 }
 
 void number_texts() {
-  bench::table table({"peer"});
+  bench::table table("text");
   random next(5);
   std::uniform_real_distribution<double> coordinate(-180, 180), magnitude(2, 15), huge(19, 40);
   const std::vector<std::pair<const char*, std::vector<double>>> kinds = {

@@ -91,7 +91,7 @@ void by_date_h(std::size_t i) {
 }
 
 void fields() {
-  bench::table table({"C runtime", "date.h"});
+  bench::table table("time");
   const bench::competitor runtime = each("C runtime", by_runtime);
   const bench::competitor peer = each("date.h", by_date_h);
   table.row("break down, build", "services", one_run, {each("kesta", by_services), runtime, peer},
@@ -122,7 +122,7 @@ void printing() {
   });
   const std::vector<bench::target> targets = {{"put_time", 20.0}, {"wcsftime", 3.0}};
 
-  bench::table table({"put_time", "wcsftime"});
+  bench::table table("time");
   const auto wide = [&](std::size_t i) { bench::use(values[i].format(wide_format)); };
   const auto narrow = [&](std::size_t i) { bench::use(values[i].to_string()); };
   table.row("print", "format(wide)", one_run, {each("kesta", wide), put_time, wcsftime}, targets);
@@ -148,7 +148,7 @@ void reading() {
   });
   ruvo::datetime value;
   ruvo::exception err;
-  bench::table table({"get_time"});
+  bench::table table("time");
   const auto row = [&](const char* how, auto operation) {
     table.row("read", how, one_run, {each("kesta", operation), get_time}, {{"get_time", 10.0}});
   };

@@ -175,7 +175,7 @@ void paths(bench::table& table) {
 }  // namespace
 
 int main() {
-  bench::table table({"Boost"});
+  bench::table table("values");
   numbers<long long>(table, "long long");
   numbers<double>(table, "double");
   records(table);

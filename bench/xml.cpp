@@ -67,7 +67,7 @@ class catalogue {
 }  // namespace
 
 int main() {
-  bench::table table({"RapidXML", "dialect"});
+  bench::table table("xml");
   const std::wstring text = catalogue().text(5000000);
   ruvo::serializer::xml xml(true, false);
   const bench::amount read{static_cast<double>(text.size()), bench::amount::characters};
