@@ -1,114 +1,97 @@
 // SPDX-License-Identifier: BSL-1.0
 
-// Reading XML into values and writing it back, against a parser that works inside the text itself. Its copy
-// of the text counts, as its user would need one.
+// Reading XML into values and writing it back, on a heap that has been in use for a while, against parsers
+// that work inside the text itself. Their copy of the text counts, as their user would need one.
 
 #include <ruvo/ruvo.hpp>
 
+#include <cstddef>
 #include <iterator>
-#include <random>
 #include <string>
 
 #include <rapidxml/rapidxml.hpp>
 #include <rapidxml/rapidxml_print.hpp>
 
+#define PUGIXML_HEADER_ONLY
+#define PUGIXML_WCHAR_MODE
+#include <pugixml/pugixml.hpp>
+
 #include "support/harness.hpp"
+#include "support/heap.hpp"
+#include "support/xml_catalogue.hpp"
 
 namespace {
 
 using rapid_document = rapidxml::xml_document<wchar_t>;
 
-/// A catalogue of articles with attributes, and with entities in every fifth text or so.
-class catalogue {
- public:
-  std::wstring text(std::size_t characters) {
-    out_ = L"<?xml version=\"1.0\" encoding=\"UTF-8\"?><catalogo fecha=\"21-11-2026\">";
-    while (out_.size() < characters) article();
-    return out_ + L"</catalogo>";
-  }
+// --- reading
 
- private:
-  unsigned below(unsigned limit) { return static_cast<unsigned>(random_() % limit); }
-  std::wstring number(unsigned limit) { return std::to_wstring(below(limit)); }
-  std::wstring words(unsigned count) {
-    static const wchar_t* const all[] = {L"tornillo", L"de",       L"cabeza", L"hexagonal",  L"acero",
-                                         L"tuerca",   L"arandela", L"para",   L"estantería", L"ñandú",
-                                         L"métrica",  L"larga",    L"y",      L"caja",       L"con"};
-    std::wstring out;
-    for (; count > 0; --count) {
-      if (!out.empty()) out += L' ';
-      out += all[below(15)];
-    }
-    if (below(5) == 0) out += L" &lt; 5 &gt; d&apos;A &amp; B";
-    return out;
-  }
-  void element(const wchar_t* name, const std::wstring& value) {
-    out_ += L'<';
-    ((out_ += name) += L'>') += value;
-    ((out_ += L"</") += name) += L'>';
-  }
-  void article() {
-    out_ += L"<articulo id=\"" + number(1000000) + L"\" familia=\"" + words(1) + L"\">";
-    element(L"nombre", words(3));
-    element(L"descripcion", words(8 + below(12)));
-    element(L"precio", number(1000) + L"." + number(100));
-    element(L"unidades", number(500));
-    out_ += L"<medidas unidad=\"mm\">";
-    for (const wchar_t* const name : {L"ancho", L"alto", L"fondo"}) element(name, number(2000));
-    out_ += L"</medidas><etiquetas>";
-    for (unsigned n = 1 + below(3); n > 0; --n) element(L"etiqueta", words(1));
-    out_ += L"</etiquetas></articulo>";
-  }
+template <class Unit>
+void read_by_rapidxml(std::basic_string<Unit> copy) {
+  rapidxml::xml_document<Unit> document;
+  document.template parse<0>(copy.data());
+  bench::use(document);
+}
 
-  std::mt19937 random_{20261121};
-  std::wstring out_;
-};
+/// It makes its own copy. Its nodes are wide, so bytes are converted on the way.
+void read_by_pugixml(const std::wstring& text) {
+  pugi::xml_document document;
+  document.load_string(text.c_str());
+  bench::use(document);
+}
+void read_by_pugixml(const std::string& bytes) {
+  pugi::xml_document document;
+  document.load_buffer(bytes.data(), bytes.size(), pugi::parse_default, pugi::encoding_utf8);
+  bench::use(document);
+}
 
-}  // namespace
+template <class Text, class Own>
+void read(bench::table& table, const char* what, double characters, const Text& text, Own own) {
+  table.row("read", what, {characters, bench::amount::characters},
+            {{"kesta", own},
+             {"RapidXML", [&] { read_by_rapidxml(text); }},
+             {"pugixml", [&] { read_by_pugixml(text); }}},
+            {{"RapidXML", 0.6}, {"pugixml", 0.5}});
+}
 
-int main() {
-  bench::table table("xml");
-  const std::wstring text = catalogue().text(5000000);
-  ruvo::serializer::xml xml(true, false);
-  const bench::amount read{static_cast<double>(text.size()), bench::amount::characters};
-  table.row("read", "catalogue", read,
-            {{"kesta",
-              [&] {
-                ruvo::bundle document;
-                xml.deserialize(document, text, nullptr);
-                bench::use(document);
-              }},
-             {"RapidXML",
-              [&] {
-                std::wstring copy = text;
-                rapid_document document;
-                document.parse<0>(copy.data());
-                bench::use(document);
-              }}},
-            {{"RapidXML", 0.3}});
+void read_all(bench::table& table, const std::wstring& text) {
   const std::string bytes = ruvo::texto::to_utf_8(text);
+  const auto characters = static_cast<double>(text.size());
+  ruvo::serializer::xml xml(true, false);
+  read(table, "catalogue", characters, text, [&] {
+    ruvo::bundle document;
+    xml.deserialize(document, text, nullptr);
+    bench::use(document);
+  });
   const auto strictly = [](const auto& given) {
     ruvo::bundle document;
     if (!ruvo::serializer::read_well_formed_xml(document, given)) bench::use(document);
   };
-  const auto rapidly = []<class Unit>(std::basic_string<Unit> given) {
-    rapidxml::xml_document<Unit> document;
-    document.template parse<0>(given.data());
-    bench::use(document);
-  };
-  table.row("read", "well-formed", read,
-            {{"kesta", [&] { strictly(text); }}, {"RapidXML", [&] { rapidly(text); }}}, {});
-  table.row("read", "well-formed, UTF-8", read,
-            {{"kesta", [&] { strictly(bytes); }}, {"RapidXML", [&] { rapidly(bytes); }}}, {});
+  read(table, "well-formed", characters, text, [&] { strictly(text); });
+  read(table, "well-formed, UTF-8", characters, bytes, [&] { strictly(bytes); });
+}
 
+// --- writing
+
+/// Collects what pugixml writes.
+struct wide_text : pugi::xml_writer {
+  void write(const void* data, std::size_t size) override {
+    out.append(static_cast<const wchar_t*>(data), size / sizeof(wchar_t));
+  }
+  std::wstring out;
+};
+
+void write(bench::table& table, const std::wstring& text) {
+  ruvo::serializer::xml xml(true, false);
   ruvo::bundle own;
   xml.deserialize(own, text, nullptr);
   std::wstring copy = text, written;
   rapid_document rapid;
   rapid.parse<0>(copy.data());
+  pugi::xml_document pugi;
+  pugi.load_string(text.c_str());
   xml.serialize(written, own);
-  const bench::amount write{static_cast<double>(written.size()), bench::amount::characters};
-  table.row("write", "catalogue", write,
+  table.row("write", "catalogue", {static_cast<double>(written.size()), bench::amount::characters},
             {{"kesta",
               [&] {
                 std::wstring out;
@@ -120,14 +103,23 @@ int main() {
                 std::wstring out;
                 rapidxml::print(std::back_inserter(out), rapid, rapidxml::print_no_indenting);
                 bench::use(out);
+              }},
+             {"pugixml",
+              [&] {
+                wide_text to;
+                pugi.save(to, L"", pugi::format_raw, pugi::encoding_wchar);
+                bench::use(to.out);
               }}},
-            {{"RapidXML", 0.8}});
+            {{"RapidXML", 1.0}});
+}
 
-  // For others: in wide text, and in the bytes that are sent.
+/// For others: in wide text, and in the bytes that are sent. False where they cannot be written.
+bool write_well_formed(bench::table& table, const std::wstring& text) {
+  ruvo::serializer::xml xml(true, false);
   ruvo::bundle strict;
   std::string message;
-  if (ruvo::serializer::read_well_formed_xml(strict, text)) return 1;
-  if (ruvo::serializer::write_well_formed_xml(message, strict)) return 1;
+  if (ruvo::serializer::read_well_formed_xml(strict, text)) return false;
+  if (ruvo::serializer::write_well_formed_xml(message, strict)) return false;
   const bench::amount sent{static_cast<double>(ruvo::texto::to_utf_16(message).size()),
                            bench::amount::characters};
   const auto by_dialect = [&] {
@@ -142,4 +134,16 @@ int main() {
             {{"dialect", 1.0}});
   table.row("write", "well-formed, UTF-8", sent,
             {{"kesta", [&] { as(std::string()); }}, {"dialect", by_dialect}}, {{"dialect", 1.0}});
+  return true;
+}
+
+}  // namespace
+
+int main() {
+  const std::wstring text = bench::xml_catalogue(5000000);
+  bench::scatter_heap();
+  bench::table table("xml");
+  read_all(table, text);
+  write(table, text);
+  return write_well_formed(table, text) ? 0 : 1;
 }

@@ -33,8 +33,37 @@ need() {
 }
 
 need_host_tools() { need cmake ninja-build clang libclang-rt-dev llvm libstdc++-12-dev googletest python3 gdb; }
-need_peers() { need nlohmann-json3-dev rapidjson-dev librapidxml-dev libboost1.81-dev libhowardhinnant-date-dev; }
+need_peers() {
+  need nlohmann-json3-dev rapidjson-dev librapidxml-dev libboost1.81-dev libhowardhinnant-date-dev
+  need_pugixml
+}
 need_build_tools() { need cmake ninja-build g++-mingw-w64-x86-64-posix wine64 googletest python3 pkgconf gdb; }
+
+# need_pugixml: its sources in build/pugixml, as the package has nothing but the host's library. apt gets lists of its own
+# for it, since few machines have those of source packages.
+need_pugixml() {
+  local to=$project/build/pugixml own options
+  if [ -f "$to/pugixml.cpp" ]; then return 0; fi
+  if ! command -v apt-get >/dev/null; then
+    say "not a Debian system: make sure that $to has the folder src of pugixml" >&2
+    return 0
+  fi
+  say "fetching the sources of pugixml"
+  own=$(mktemp -d)
+  [ -n "$(source_lists)" ] || as_root apt-get update -qq
+  source_lists >"$own/sources.list"
+  mkdir -p "$own/lists/partial" "$own/cache/archives/partial" "$to"
+  options=(-qq -o APT::Sandbox::User="$(id -un)" -o Dir::Etc::SourceParts=/dev/null)
+  options+=(-o Dir::Etc::SourceList="$own/sources.list" -o Dir::State::Lists="$own/lists" -o Dir::Cache="$own/cache")
+  (cd "$own" && apt-get "${options[@]}" update && apt-get "${options[@]}" source --download-only pugixml)
+  tar -xf "$own"/pugixml_*.orig.tar.* -C "$to" --strip-components=2 --wildcards '*/src/pugi*'
+  rm -rf "$own"
+}
+# The lists of the packages that are known, as lists of their sources.
+source_lists() {
+  # shellcheck disable=SC2016 # apt's own variables
+  apt-get indextargets --format 'deb-src $(REPO_URI) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' | sort -u
+}
 
 # build_targets TARGET...: configures with the preset and the options in configure_options, and builds.
 configure_options=()
