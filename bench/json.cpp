@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: BSL-1.0
 
-// Reading JSON into values and writing it back. Text is wide on both sides: a peer that works on narrow text
-// pays for the conversion (made by this library's converter), as its user would. Rows of UTF-8 have none.
+// Reading JSON into values and writing it back, on a heap that has been in use for a while. Text is wide on
+// both sides: a peer that works on narrow text pays for the conversion (made by this library's converter), as
+// its user would. Rows of UTF-8 have none.
 //
 //   bench_json [FILE.json...]
 
@@ -10,6 +11,7 @@
 #include <cstdio>
 #include <exception>
 #include <string>
+#include <vector>
 
 #include <boost/json/src.hpp>
 #include <nlohmann/json.hpp>
@@ -19,6 +21,7 @@
 
 #include "support/corpora.hpp"
 #include "support/harness.hpp"
+#include "support/heap.hpp"
 
 namespace {
 
@@ -27,10 +30,37 @@ using wide = rapidjson::UTF16<>;
 using wide_document = rapidjson::GenericDocument<wide>;
 using wide_buffer = rapidjson::GenericStringBuffer<wide>;
 
+// The peers that read wide text.
+
+void read_by_rapidjson(const std::wstring& text) {
+  wide_document document;
+  document.Parse(text.c_str());
+  bench::use(document);
+}
+
+void read_by_boost(const std::wstring& text) {
+  const auto document = boost::json::parse(ruvo::texto::to_utf_8(text));
+  bench::use(document);
+}
+
+/// Its blocks are given back at once, with what they come from.
+void read_by_boost_monotonic(const std::wstring& text) {
+  boost::json::monotonic_resource memory;
+  const auto document = boost::json::parse(ruvo::texto::to_utf_8(text), &memory);
+  bench::use(document);
+}
+
+std::vector<bench::target> reading_targets(const corpus& c) {
+  const bool numbers = c.kind == corpus::doubles;
+  return {{"nlohmann", numbers ? 4.0 : 1.8},
+          {"RapidJSON", numbers ? 0.85 : 1.0},
+          {"Boost", 1.0},
+          {"Boost monotonic", numbers ? 1.0 : 1.5}};
+}
+
 /// From text to a document, and the document's end.
 void read(bench::table& table, const corpus& c, const std::wstring& text) {
   ruvo::serializer::json json;
-  const double floor = c.kind == corpus::doubles ? 4.0 : 1.8;
   table.row("read", c.name, {static_cast<double>(text.size()), bench::amount::characters},
             {{"kesta",
               [&] {
@@ -43,18 +73,10 @@ void read(bench::table& table, const corpus& c, const std::wstring& text) {
                 const auto document = nlohmann::json::parse(ruvo::texto::to_utf_8(text));
                 bench::use(document);
               }},
-             {"RapidJSON",
-              [&] {
-                wide_document document;
-                document.Parse(text.c_str());
-                bench::use(document);
-              }},
-             {"Boost",
-              [&] {
-                const auto document = boost::json::parse(ruvo::texto::to_utf_8(text));
-                bench::use(document);
-              }}},
-            {{"nlohmann", floor}, {"Boost", 1.0}});
+             {"RapidJSON", [&] { read_by_rapidjson(text); }},
+             {"Boost", [&] { read_by_boost(text); }},
+             {"Boost monotonic", [&] { read_by_boost_monotonic(text); }}},
+            reading_targets(c));
 }
 
 /// From a document to a text of its own, in key order where the library has a choice.
@@ -134,18 +156,10 @@ void read_standard(bench::table& table, const corpus& c, const std::wstring& tex
                 bench::use(read_standard_json(document, text));
                 bench::use(document);
               }},
-             {"RapidJSON",
-              [&] {
-                wide_document document;
-                document.Parse(text.c_str());
-                bench::use(document);
-              }},
-             {"Boost",
-              [&] {
-                const auto document = boost::json::parse(ruvo::texto::to_utf_8(text));
-                bench::use(document);
-              }}},
-            {{"Boost", 1.0}});
+             {"RapidJSON", [&] { read_by_rapidjson(text); }},
+             {"Boost", [&] { read_by_boost(text); }},
+             {"Boost monotonic", [&] { read_by_boost_monotonic(text); }}},
+            reading_targets(c));
 }
 
 /// The same in standard JSON, from documents in order of insertion: into UTF-8, which all write directly, and
@@ -209,11 +223,29 @@ bool readable(const std::wstring& text) {
          !refused && !wide_document().Parse(text.c_str()).HasParseError();
 }
 
+/// Reads the documents as often as a program does that has been running for a while.
+void read_before(const std::vector<corpus>& all) {
+  for (int turn = 0; turn < 3; ++turn) {
+    for (const corpus& c : all) {
+      const std::wstring text = ruvo::texto::to_utf_16(c.text);
+      ruvo::bundle document, standard;
+      ruvo::serializer::json().deserialize(document, text, nullptr);
+      if (!ruvo::serializer::read_standard_json(standard, text)) bench::use(standard);
+      if (!readable(text)) continue;
+      read_by_boost(text);
+      read_by_rapidjson(text);
+    }
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  const std::vector<corpus> all = bench::corpora(argc, argv);
+  bench::scatter_heap();
+  read_before(all);
   bench::table table("json");
-  for (const corpus& c : bench::corpora(argc, argv)) {
+  for (const corpus& c : all) {
     try {
       const std::wstring text = ruvo::texto::to_utf_16(c.text);
       if (!readable(text)) {

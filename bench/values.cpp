@@ -7,8 +7,10 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <boost/json/src.hpp>
@@ -163,13 +165,49 @@ void paths(bench::table& table) {
 
   const std::wstring path = L"comprador.direccion.codigo_postal";
   const std::vector<std::string> steps = {"comprador", "direccion", "codigo_postal"};
-  compare(
-      table, "path", "depth 3", [&](int) { bench::use(*own.get_ptr(path, '.')); },
-      [&](int) {
-        const boost::json::object* at = &peer;
-        for (std::size_t i = 0; i + 1 < steps.size(); ++i) at = at->if_contains(steps[i])->if_object();
-        bench::use(*at->if_contains(steps.back()));
-      });
+  const boost::json::value whole(peer);
+  table.row("path", "depth 3", {repeats, bench::amount::operations},
+            {repeated("kesta", [&](int) { bench::use(*own.get_ptr(path, '.')); }),
+             repeated("Boost",
+                      [&](int) {
+                        const boost::json::object* at = &peer;
+                        for (std::size_t i = 0; i + 1 < steps.size(); ++i)
+                          at = at->if_contains(steps[i])->if_object();
+                        bench::use(*at->if_contains(steps.back()));
+                      }),
+             repeated("at_pointer",
+                      [&](int) { bench::use(whole.at_pointer("/comprador/direccion/codigo_postal")); })},
+            {{"Boost", 1.0}});
+}
+
+/// A look-up in a record of 10,000 records, of another one each time.
+void paths_among_many(bench::table& table) {
+  constexpr unsigned members = 10000;
+  ruvo::bundle own;
+  boost::json::object peer;
+  for (unsigned n = 0; n < members; ++n) {
+    const std::string key = "cliente_" + std::to_string(n);
+    ruvo::bundle record;
+    record[L"calle"] = wide_texts[2];
+    record[L"codigo_postal"] = static_cast<long long>(n);
+    own[ruvo::texto::to_utf_16(key)] = record;
+    peer[key] = boost::json::object{{"calle", texts[2]}, {"codigo_postal", n}};
+  }
+  const boost::json::value whole(std::move(peer));
+
+  std::mt19937 random(20261122);
+  std::vector<std::wstring> asked;
+  std::vector<std::string> pointers;
+  while (asked.size() < repeats) {
+    const std::string key = "cliente_" + std::to_string(random() % members);
+    asked.push_back(ruvo::texto::to_utf_16(key) + L".codigo_postal");
+    pointers.push_back("/" + key + "/codigo_postal");
+  }
+  table.row("path", "10,000 members", {repeats, bench::amount::operations},
+            {repeated("kesta", [&](int i) { bench::use(*own.get_ptr(asked[static_cast<std::size_t>(i)])); }),
+             repeated("at_pointer",
+                      [&](int i) { bench::use(whole.at_pointer(pointers[static_cast<std::size_t>(i)])); })},
+            {{"at_pointer", 1.0}});
 }
 
 }  // namespace
@@ -184,4 +222,5 @@ int main() {
   for (const std::string& key : keys) capitals.push_back(capitalized(key));
   look_up(table, "Capitals", capitals);
   paths(table);
+  paths_among_many(table);
 }
