@@ -95,9 +95,9 @@ void fields() {
   const bench::competitor runtime = each("C runtime", by_runtime);
   const bench::competitor peer = each("date.h", by_date_h);
   table.row("break down, build", "services", one_run, {each("kesta", by_services), runtime, peer},
-            {{"C runtime", 2.0}, {"date.h", 1 / 1.3}});
+            {{"C runtime", 2.0}, {"date.h", 0.8}});
   table.row("break down, build", "datetime", one_run, {each("kesta", by_values), runtime, peer},
-            {{"C runtime", 2.0}});
+            {{"C runtime", 2.0}, {"date.h", 0.8}});
 }
 
 // --- instants to text; the peers are given the fields
