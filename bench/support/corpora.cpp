@@ -29,14 +29,15 @@ class maker {
   }
 
   std::string catalogue(int articles) {
-    const auto article = [this](int i) {
-      return object({{"id", number(i)},
-                     {"nombre", text(words(3))},
-                     {"precio", price()},
-                     {"activo", truth()},
-                     {"etiquetas", array(2, [this](int) { return text(words(1)); })}});
-    };
-    return object({{"articulos", array(articles, article)}});
+    return object({{"articulos", array(articles, [this](int i) { return article(i); })}});
+  }
+
+  std::string article(int i) {
+    return object({{"id", number(i)},
+                   {"nombre", text(words(3))},
+                   {"precio", price()},
+                   {"activo", truth()},
+                   {"etiquetas", array(2, [this](int) { return text(words(1)); })}});
   }
 
   /// Answers of a service: nested records whose names are in camel case throughout.
@@ -190,6 +191,17 @@ std::vector<corpus> corpora(int argc, char** argv) {
     all.push_back({path.substr(path.find_last_of("/\\") + 1), std::move(text), kind});
   }
   return all;
+}
+
+std::string catalogue(std::size_t bytes) {
+  maker make(20261121);
+  std::vector<std::string> articles;
+  std::string out = "{\"articulos\":[" + make.article(0);
+  for (std::size_t n = 0; out.size() < bytes; ++n) {
+    if (out.size() < 200000) articles.push_back("," + make.article(static_cast<int>(n)));
+    out += articles[n % articles.size()];
+  }
+  return out + "]}";
 }
 
 }  // namespace bench
