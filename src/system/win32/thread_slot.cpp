@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: BSL-1.0
 
-// A thread's pointer in a fiber slot.
+// A thread's pointer in a fiber slot, and where it is at hand.
 
 #include "system/thread_slot.hpp"
+
+#include <cstddef>
+#include <cstdint>
 
 #include "system/win32/win32.hpp"
 
@@ -17,27 +20,58 @@ namespace {
 constinit DWORD pointers = FLS_OUT_OF_INDEXES;
 constinit DWORD ended = TLS_OUT_OF_INDEXES;
 
+// To ask for a fiber slot takes longer than to take a block. So a thread that is no fiber has its pointer in a
+// plain slot, too, most of which lie at a known place behind the thread's own register. The pointer in the
+// fiber slot is marked then: should the thread become a fiber and go on as one of another thread, it belongs to
+// the thread that it came from.
+constinit DWORD at_hand = TLS_OUT_OF_INDEXES;
+constexpr std::uintptr_t is_at_hand = 1;
+
+static_assert(offsetof(TEB, TlsSlots) == 0x1480);  // as documented, and the same in every version for x86-64
+constexpr DWORD near_slots = sizeof(TEB::TlsSlots) / sizeof(void*);
+
+void* pointer_at_hand() noexcept {
+  if (at_hand < near_slots) return NtCurrentTeb()->TlsSlots[at_hand];
+  return at_hand == TLS_OUT_OF_INDEXES ? nullptr : TlsGetValue(at_hand);
+}
+
+std::uintptr_t fiber_pointer() noexcept {
+  return pointers == FLS_OUT_OF_INDEXES ? 0 : reinterpret_cast<std::uintptr_t>(FlsGetValue(pointers));
+}
+
 void WINAPI on_thread_end(void* value) {
-  if (!value) return;
+  const auto marked = reinterpret_cast<std::uintptr_t>(value);
+  if (marked == 0) return;
+  void* const mine = reinterpret_cast<void*>(marked & ~is_at_hand);
   const void* const own = thread_pointer();
-  const bool of_other_fiber = own && own != value;  // one that is deleted while the thread goes on
+  const bool of_other_fiber = own && own != mine;  // one that is deleted while the thread goes on
   if (ended != TLS_OUT_OF_INDEXES && !of_other_fiber) TlsSetValue(ended, &ended);
-  release_thread_pointer(value);
+  const bool is_unloaded = pointers == FLS_OUT_OF_INDEXES;
+  if (pointer_at_hand() == mine) {
+    TlsSetValue(at_hand, nullptr);
+  } else if ((marked & is_at_hand) && !is_unloaded) {
+    return;  // another thread has it at hand, and it has to stay
+  }
+  release_thread_pointer(mine);
 }
 
 struct slots {
   slots() noexcept {
     ended = TlsAlloc();
-    if (ended != TLS_OUT_OF_INDEXES) pointers = FlsAlloc(on_thread_end);
+    if (ended == TLS_OUT_OF_INDEXES) return;
+    at_hand = TlsAlloc();
+    pointers = FlsAlloc(on_thread_end);
   }
   slots(const slots&) = delete;
   slots& operator=(const slots&) = delete;
   ~slots() {
-    const DWORD old = pointers, old_ended = ended;
+    const DWORD old = pointers, old_ended = ended, old_at_hand = at_hand;
     pointers = FLS_OUT_OF_INDEXES;
     ended = TLS_OUT_OF_INDEXES;
+    at_hand = TLS_OUT_OF_INDEXES;
     if (old != FLS_OUT_OF_INDEXES) FlsFree(old);
     if (old_ended != TLS_OUT_OF_INDEXES) TlsFree(old_ended);
+    if (old_at_hand != TLS_OUT_OF_INDEXES) TlsFree(old_at_hand);
   }
 };
 
@@ -45,12 +79,23 @@ const slots the_slots;
 
 }  // namespace
 
-void* thread_pointer() noexcept { return pointers == FLS_OUT_OF_INDEXES ? nullptr : FlsGetValue(pointers); }
+void* thread_pointer() noexcept {
+  if (void* const known = pointer_at_hand()) return known;
+  const std::uintptr_t marked = fiber_pointer();
+  return marked & is_at_hand ? nullptr : reinterpret_cast<void*>(marked);
+}
 
-bool keeps_thread_pointer() noexcept { return pointers != FLS_OUT_OF_INDEXES && !TlsGetValue(ended); }
+bool keeps_thread_pointer() noexcept {
+  return pointers != FLS_OUT_OF_INDEXES && !TlsGetValue(ended) && !(fiber_pointer() & is_at_hand);
+}
 
 bool set_thread_pointer(void* value) noexcept {
-  return pointers != FLS_OUT_OF_INDEXES && FlsSetValue(pointers, value) != 0;
+  if (pointers == FLS_OUT_OF_INDEXES) return false;
+  const bool plain = at_hand != TLS_OUT_OF_INDEXES && !IsThreadAFiber();
+  const auto marked = reinterpret_cast<std::uintptr_t>(value) + (plain ? is_at_hand : 0);
+  if (!FlsSetValue(pointers, reinterpret_cast<void*>(marked))) return false;
+  if (plain) TlsSetValue(at_hand, value);  // which can't fail for a slot that there is, or memory would do
+  return true;
 }
 
 }  // namespace ruvo::platform
