@@ -5,6 +5,7 @@
 // strict; where they differ, both stand here.
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
@@ -96,8 +97,19 @@ inline constexpr unit_range name_starts[] = {
 inline constexpr unit_range name_others[] = {
     {'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040}};
 
-constexpr bool starts_name(wchar_t c) noexcept { return texto::is_alpha(c) || is_in(name_starts, c); }
-constexpr bool continues_name(wchar_t c) noexcept { return starts_name(c) || is_in(name_others, c); }
+constexpr bool starts_name(wchar_t c) noexcept { return is_in(name_starts, c); }
+
+/// Whether an ASCII character continues a name.
+inline constexpr auto names_go_on_with = [] {
+  std::array<bool, 128> of{};
+  for (wchar_t c = 0; c < 128; ++c) of[static_cast<std::size_t>(c)] = starts_name(c) || is_in(name_others, c);
+  return of;
+}();
+
+constexpr bool continues_name(wchar_t c) noexcept {
+  const auto unit = static_cast<char16_t>(c);
+  return unit < 128 ? names_go_on_with[unit] : is_in(name_starts, c) || is_in(name_others, c);
+}
 
 /// The characters of public identifiers (section 2.3).
 constexpr bool is_public(wchar_t c) noexcept {
@@ -114,6 +126,30 @@ constexpr bool is_allowed(wchar_t c) noexcept {
 constexpr bool stands_for_itself(wchar_t c) noexcept {
   const auto unit = static_cast<char16_t>(c);
   return unit >= 0x20 && unit < 0xD800 && c != L'<' && c != L'&';
+}
+
+/// The first unit of [at, end) that is `stop` or does not stand for itself, or end.
+template <class Unit>
+inline const Unit* find_special(const Unit* at, const Unit* end, Unit stop) noexcept {
+#ifdef KESTA_X64
+  if constexpr (texto::unit_16<Unit>) {
+    const __m128i amp = _mm_set1_epi16('&'), less = _mm_set1_epi16('<'), blank = _mm_set1_epi16(0x20),
+                  others = _mm_set1_epi16(static_cast<short>(0xD800 - 0x20 - 0x8000)),
+                  half = _mm_set1_epi16(static_cast<short>(0x8000)),
+                  stops = _mm_set1_epi16(static_cast<short>(stop));
+    const auto hits = [=](__m128i units) {
+      // With the sign turned over: what is less than a blank comes out above what is beyond the surrogates.
+      const __m128i from_blank = _mm_xor_si128(_mm_sub_epi16(units, blank), half);
+      const __m128i beyond =
+          _mm_or_si128(_mm_cmpgt_epi16(from_blank, others), _mm_cmpeq_epi16(from_blank, others));
+      const __m128i marks = _mm_or_si128(_mm_cmpeq_epi16(units, amp), _mm_cmpeq_epi16(units, less));
+      return _mm_or_si128(_mm_or_si128(marks, beyond), _mm_cmpeq_epi16(units, stops));
+    };
+    if (find_in_eights(at, end, hits)) return at;
+  }
+#endif
+  while (at != end && *at != stop && stands_for_itself(static_cast<wchar_t>(*at))) ++at;
+  return at;
 }
 
 /// xml in any case, which no processing instruction may be called.

@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/key_units.hpp"
 #include "memory/block_cache.hpp"
 #include "serializer/xml/bytes.hpp"
 #include "serializer/xml/declaration.hpp"
@@ -191,12 +192,17 @@ class document_reader : declaration_reader {
 
   void content() {
     if (!next_is(L'<')) return text();
-    if (rest().starts_with(L"</")) return end_tag();
-    if (rest().starts_with(L"<?")) return instruction();
-    if (rest().starts_with(L"<![")) return verbatim_section();
-    if (rest().starts_with(L"<!")) return comment();
-    ++at_;
-    start_tag();
+    switch (end_ - at_ < 2 ? L'\0' : at_[1]) {
+      case L'/':
+        return end_tag();
+      case L'?':
+        return instruction();
+      case L'!':
+        return rest().starts_with(L"<![") ? verbatim_section() : comment();
+      default:
+        ++at_;
+        return start_tag();
+    }
   }
 
   void text() {
@@ -229,7 +235,8 @@ class document_reader : declaration_reader {
     at_ += 2;
     const std::wstring_view its_name = name();
     if (at_ == end_) refuse(at_);
-    if (its_name != tree_.name()) throw exc::xmlCachePointer(position(its_name.data()), depth_);
+    if (!ruvo::detail::same_units<wchar_t>(its_name, tree_.name()))
+      throw exc::xmlCachePointer(position(its_name.data()), depth_);
     skip_blanks();
     expect(L">");
     if (!tree_.leaf()) text_between(from);

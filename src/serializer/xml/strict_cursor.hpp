@@ -157,14 +157,11 @@ class xml_cursor {
   /// A token may begin with what else only continues a name.
   std::wstring_view name(bool is_token = false) {
     const wchar_t* const from = at_;
-    while (at_ != end_) {
-      if (at_ == from && !is_token ? starts_name(*at_) : continues_name(*at_)) {
-        ++at_;
-      } else if (at_pair() && static_cast<char16_t>(*at_) < 0xDB80) {
-        at_ += 2;
-      } else {
-        break;
-      }
+    if (at_ != end_ && (is_token ? continues_name(*at_) : starts_name(*at_))) ++at_;
+    while (at_ != from || at_pair()) {
+      while (at_ != end_ && continues_name(*at_)) ++at_;
+      if (!at_pair() || static_cast<char16_t>(*at_) >= 0xDB80) break;
+      at_ += 2;
     }
     if (at_ == from) refuse(at_);
     return between(from, at_);
@@ -274,8 +271,7 @@ class xml_cursor {
 
   /// What comes next and stands for itself, up to `stop`.
   std::wstring_view plain(wchar_t stop) noexcept {
-    const wchar_t* const from = at_;
-    while (at_ != end_ && *at_ != stop && stands_for_itself(*at_)) ++at_;
+    const wchar_t* const from = std::exchange(at_, find_special(at_, end_, stop));
     return between(from, at_);
   }
 
