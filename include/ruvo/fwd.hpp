@@ -75,7 +75,7 @@ namespace detail {
 KESTA_API void* take_room(std::size_t bytes);
 KESTA_API void give_room(void* room, std::size_t bytes) noexcept;
 
-/// What a std::allocator has to have; not for the type while it is incomplete.
+/// An allocator of such memory; not for the type while it is incomplete.
 template <class T>
 class room_allocator {
  public:
@@ -84,11 +84,20 @@ class room_allocator {
   using difference_type = std::ptrdiff_t;
   using propagate_on_container_move_assignment = std::true_type;
 
+  constexpr room_allocator() noexcept = default;
+  template <class U>
+  constexpr room_allocator(const room_allocator<U>&) noexcept {}
+
   [[nodiscard]] T* allocate(std::size_t count) {
     if (count > PTRDIFF_MAX / sizeof(T)) throw std::bad_array_new_length();
     return static_cast<T*>(take_room(count * sizeof(T)));
   }
   void deallocate(T* room, std::size_t count) noexcept { give_room(room, count * sizeof(T)); }
+
+  template <class U>
+  friend constexpr bool operator==(const room_allocator&, const room_allocator<U>&) noexcept {
+    return true;
+  }
 };
 
 }  // namespace detail

@@ -6,6 +6,8 @@
 #include <ruvo/fwd.hpp>
 #include <ruvo/var.hpp>
 
+#include <algorithm>
+#include <concepts>
 #include <cstddef>
 #include <map>
 #include <string>
@@ -39,7 +41,23 @@ struct KESTA_API keylowercase {
 /// Keys ignore the case of A-Z and keep the spelling first inserted. Narrow keys are UTF-8.
 class KESTA_API xvar : public var {
  public:
-  using qualities_map = std::map<std::wstring, var, keylowercase>;  ///< In the order of the keys.
+  /// Qualities in the order of their keys: a std::map that has its memory from where values have theirs.
+  class qualities_map : public std::map<std::wstring, var, keylowercase,
+                                        detail::room_allocator<std::pair<const std::wstring, var>>> {
+   public:
+    using plain_map = std::map<std::wstring, var, keylowercase>;
+
+    using map::map;
+    qualities_map() = default;
+    /// Copies of the pairs.
+    qualities_map(const plain_map& other) : map(other.begin(), other.end()) {}
+    operator plain_map() const { return {begin(), end()}; }
+
+    template <std::same_as<plain_map> P>
+    friend bool operator==(const qualities_map& a, const P& b) {
+      return std::equal(a.begin(), a.end(), b.begin(), b.end());
+    }
+  };
   using iterator = qualities_map::iterator;
   using const_iterator = qualities_map::const_iterator;
   using size_type = qualities_map::size_type;
