@@ -10,11 +10,13 @@
 #include <cstring>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 #include "base/base64.hpp"
 #include "base/find.hpp"
 #include "base/hex.hpp"
 #include "base/key_units.hpp"
+#include "base/simd.hpp"
 #include "base/utf.hpp"
 #include "fuzz.hpp"
 #include "memory/text_sink.hpp"
@@ -246,6 +248,19 @@ std::u16string units_of(std::string_view bytes, unsigned form) {
   return units;
 }
 
+/// Converters by the vectors that the processor has, and without those that it may lack.
+void convert(std::string_view bytes, bytes_view numbers, std::u16string_view units) {
+  utf(bytes, units);
+  base64(numbers, units);
+  hex(bytes, units);
+#ifdef KESTA_X64
+  const bool has_ssse3 = std::exchange(texto::has_ssse3, false);
+  utf(bytes, units);
+  base64(numbers, units);
+  texto::has_ssse3 = has_ssse3;
+#endif
+}
+
 /// `bytes` and the units made of them; `choice` is the number in the second byte.
 void check(std::string_view in, unsigned form, unsigned choice) {
   const block<char> bytes(in);
@@ -253,9 +268,7 @@ void check(std::string_view in, unsigned form, unsigned choice) {
   std::copy(in.begin(), in.end(), numbers.data());
   const block<char16_t> units(units_of(in, form));
 
-  utf(bytes.view(), units.view());
-  base64(numbers.view(), units.view());
-  hex(bytes.view(), units.view());
+  convert(bytes.view(), numbers.view(), units.view());
   cases(units.view());
   copies(units.view(), choice);
   escapes(units.view());

@@ -27,7 +27,7 @@ bool ask_for_ssse3() noexcept {
 
 }  // namespace
 
-const bool has_ssse3 = ask_for_ssse3();
+bool has_ssse3 = ask_for_ssse3();
 
 }  // namespace ruvo::texto
 

@@ -18,8 +18,9 @@
 
 namespace ruvo::texto {
 
-/// False until the module's constants are made: what runs before takes the portable way.
-extern const bool has_ssse3;
+/// False until the module's variables are made: what runs before takes the portable way. Only fuzzers change
+/// it, so that they go that way too.
+extern bool has_ssse3;
 
 // 16 characters as bytes and back: char, or units of 16 bits.
 

@@ -12,12 +12,15 @@
 #include <iterator>
 
 #include "base/simd.hpp"
+#include "base/utf_windows.hpp"
 
 namespace ruvo::texto {
 
 namespace {
 
 constexpr char32_t replacement = 0xFFFD;
+
+constexpr std::ptrdiff_t long_run = 64;  // bytes, or twice as many as units
 
 // The two blocks below copy `block` characters as if all were ASCII and give a mask of those that are not;
 // what they wrote in the place of these is to be overwritten.
@@ -65,30 +68,55 @@ unsigned narrow_block(const Unit* from, char* to) noexcept {
   return static_cast<unsigned>(_mm_movemask_epi8(ascii)) ^ 0xFFFF;
 }
 
-// How many units or bytes 16 bytes or 8 units come to, in two sums.
+/// Whether four vectors are ASCII.
+bool are_ascii(const char* from) noexcept {
+  return mask_of(_mm_or_si128(_mm_or_si128(load_16(from), load_16(from + 16)),
+                              _mm_or_si128(load_16(from + 32), load_16(from + 48)))) == 0;
+}
+template <class Unit>
+bool are_ascii(const Unit* from) noexcept {
+  __m128i any = load_units(from);
+  for (std::size_t at = 8; at < 2 * block; at += block / 2) any = _mm_or_si128(any, load_units(from + at));
+  return mask_of(without_bits(0xFF80, any)) == 0xFFFF;
+}
+
+// What the bytes or units of a vector come to: 16 times one more than the units, and eight times one less
+// than the bytes.
 
 __m128i count_utf_16(const char* from) noexcept {
   const __m128i bytes = load_16(from);
-  const __m128i leads = _mm_cmpgt_epi8(bytes, _mm_set1_epi8(-65));  // -1 for each byte but continuations
-  const __m128i fours = _mm_cmpeq_epi8(_mm_max_epu8(bytes, _mm_set1_epi8(-16)), bytes);
-  const __m128i zero = _mm_setzero_si128();
-  return _mm_sad_epu8(_mm_sub_epi8(zero, _mm_add_epi8(leads, fours)), zero);
+  return _mm_add_epi8(_mm_sub_epi8(continuations(bytes), from_byte(0xF0, bytes)), all_bytes(2));
 }
 
 template <class Unit>
 __m128i count_utf_8(const Unit* from) noexcept {
   const __m128i units = load_units(from);
-  const __m128i zero = _mm_setzero_si128();
-  const auto without = [units, zero](int bits) {  // -1 where none of these bits is set
-    return _mm_cmpeq_epi16(_mm_and_si128(units, _mm_set1_epi16(static_cast<short>(bits))), zero);
-  };
-  const __m128i surrogates = _mm_cmpeq_epi16(_mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xF800))),
-                                             _mm_set1_epi16(static_cast<short>(0xD800)));
-  const __m128i less = _mm_add_epi16(_mm_add_epi16(without(0xFF80), without(0xF800)), surrogates);
-  return _mm_sad_epu8(_mm_add_epi16(less, _mm_set1_epi16(3)), zero);
+  const __m128i top = _mm_and_si128(units, all_units(0xF800));
+  const __m128i surrogates = _mm_cmpeq_epi16(top, all_units(0xD800));
+  const __m128i shorter =
+      _mm_add_epi16(without_bits(0xFF80, units), _mm_cmpeq_epi16(top, _mm_setzero_si128()));
+  return _mm_add_epi16(_mm_add_epi16(shorter, surrogates), all_units(2));
+}
+
+/// The sum over four vectors, in two halves.
+template <class Char, class Count>
+__m128i sum_of_four(const Char* from, std::size_t step, Count count) noexcept {
+  return _mm_sad_epu8(_mm_add_epi8(_mm_add_epi8(count(from), count(from + step)),
+                                   _mm_add_epi8(count(from + 2 * step), count(from + 3 * step))),
+                      _mm_setzero_si128());
+}
+
+std::size_t sum_of(__m128i halves) noexcept {
+  return static_cast<std::size_t>(
+      _mm_cvtsi128_si64(_mm_add_epi64(halves, _mm_unpackhi_epi64(halves, halves))));
 }
 #else
 constexpr std::size_t block = 8;
+
+template <class Char>
+bool are_ascii(const Char*) noexcept {
+  return false;
+}
 
 template <class Unit>
 unsigned widen_block(const char* from, Unit* to) noexcept {
@@ -191,67 +219,53 @@ bool decode_long(const char*& at, Unit*& to) noexcept {
 #ifdef KESTA_X64
 __m128i all(int value) noexcept { return _mm_set1_epi32(value); }
 
-// The next two decode up to four characters in one go, as many as come before one of another length or a
-// malformed one, and give how many. 16 bytes are readable, and there is room for 16.
-
-/// The number of lanes of 32 bits before the first that is not -1.
-int lanes_before(__m128i good) noexcept {
-  return std::countr_one(static_cast<unsigned>(_mm_movemask_epi8(good))) / 4;
-}
-
-/// Characters of three bytes.
-template <class Unit>
-KESTA_SSSE3 int decode_threes(const char* from, Unit* to) noexcept {
-  const __m128i order = _mm_setr_epi8(2, 1, 0, -1, 5, 4, 3, -1, 8, 7, 6, -1, 11, 10, 9, -1);
-  const __m128i threes = _mm_shuffle_epi8(load_16(from), order);
-  const __m128i formed = _mm_cmpeq_epi32(_mm_and_si128(threes, all(0xF0C0C0)), all(0xE08080));
-  const __m128i parts = _mm_maddubs_epi16(_mm_and_si128(threes, all(0x0F3F3F)), all(0x00014001));
-  const __m128i points = _mm_madd_epi16(parts, all(0x10000001));
-  const __m128i top = _mm_and_si128(points, all(0xF800));
-  const __m128i bad = _mm_or_si128(_mm_cmpeq_epi32(top, all(0)), _mm_cmpeq_epi32(top, all(0xD800)));
-  if constexpr (sizeof(Unit) == 2) {
-    const __m128i low = _mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, -1, -1, -1, -1, -1, -1, -1, -1);
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_shuffle_epi8(points, low));
-  } else {
-    store_16(to, points);
+/// Decodes characters of four bytes, two units each, up to another one, to a malformed one, to `stop`, which
+/// the last ones may pass, or to where less than 16 bytes are readable. Needs room for eight units more.
+template <unit_16 Unit>
+KESTA_SSSE3 void decode_fours(const char*& begin, const char* stop, const char* readable,
+                              Unit*& to) noexcept {
+  const char* from = begin;
+  int count = 4;
+  while (count == 4 && from < stop && readable - from >= 16) {
+    const __m128i fours = load_16(from);
+    const __m128i kinds = _mm_and_si128(fours, all(static_cast<int>(0xC0C0C0F8)));
+    const __m128i formed = _mm_cmpeq_epi32(kinds, all(static_cast<int>(0x808080F0)));
+    const __m128i parts = _mm_maddubs_epi16(_mm_and_si128(fours, all(0x3F3F3F07)), all(0x01400140));
+    const __m128i beyond = _mm_sub_epi32(_mm_madd_epi16(parts, all(0x00011000)), all(0x10000));
+    const __m128i past = _mm_and_si128(beyond, all(static_cast<int>(0xFFF00000)));
+    const __m128i bits =
+        _mm_or_si128(_mm_srli_epi32(beyond, 10), _mm_slli_epi32(_mm_and_si128(beyond, all(0x3FF)), 16));
+    store_16(to, _mm_or_si128(bits, all(static_cast<int>(0xDC00D800))));
+    count = std::countr_one(mask_of(_mm_and_si128(formed, _mm_cmpeq_epi32(past, all(0))))) / 4;
+    if (count == 4) {  // usual, so predicted: nothing waits for the count
+      from += 16;
+      to += 8;
+    } else {
+      from += 4 * count;
+      to += 2 * count;
+    }
   }
-  return lanes_before(_mm_andnot_si128(bad, formed));
+  begin = from;
 }
 
-/// Characters of four bytes, to two units each.
+/// What vectors can do of what begins with a character that is not ASCII; false if that is nothing.
 template <class Unit>
-KESTA_SSSE3 int decode_fours(const char* from, Unit* to) noexcept {
-  if constexpr (sizeof(Unit) != 2) return 0;
-  const __m128i fours = load_16(from);
-  const __m128i kinds = _mm_and_si128(fours, all(static_cast<int>(0xC0C0C0F8)));
-  const __m128i formed = _mm_cmpeq_epi32(kinds, all(static_cast<int>(0x808080F0)));
-  const __m128i parts = _mm_maddubs_epi16(_mm_and_si128(fours, all(0x3F3F3F07)), all(0x01400140));
-  const __m128i beyond = _mm_sub_epi32(_mm_madd_epi16(parts, all(0x00011000)), all(0x10000));
-  const __m128i in_range = _mm_cmpeq_epi32(_mm_and_si128(beyond, all(static_cast<int>(0xFFF00000))), all(0));
-  const __m128i bits =
-      _mm_or_si128(_mm_srli_epi32(beyond, 10), _mm_slli_epi32(_mm_and_si128(beyond, all(0x3FF)), 16));
-  store_16(to, _mm_or_si128(bits, all(static_cast<int>(0xDC00D800))));
-  return lanes_before(_mm_and_si128(formed, in_range));
-}
-
-/// Characters of three or of four bytes; false if the first is neither. As above.
-template <class Unit>
-bool decode_run(const char*& from, Unit*& to) noexcept {
-  const bool four = static_cast<unsigned char>(*from) >= 0xF0;
-  const int count = four ? decode_fours(from, to) : decode_threes(from, to);
-  if (count == 4) {  // usual, so predicted: nothing waits for the count
-    from += four ? 16 : 12;
-    to += four ? 8 : 4;
-    return true;
+bool decode_run(const char*& from, const char* stop, const char* readable, Unit*& to) noexcept {
+  if constexpr (unit_16<Unit>) {
+    if (!has_ssse3) return false;
+    const char* const before = from;
+    if (static_cast<unsigned char>(*from) < 0xF0) {
+      decode_windows(from, stop, readable, to);
+    } else {
+      decode_fours(from, stop, readable, to);
+    }
+    return from != before;
   }
-  from += (four ? 4 : 3) * count;
-  to += (four ? 2 : 1) * count;
-  return count > 0;
+  return false;
 }
 #else
-constexpr bool has_ssse3 = false;
 template <class Unit>
-bool decode_run(const char*&, Unit*&) noexcept {
+bool decode_run(const char*&, const char*, const char*, Unit*&) noexcept {
   return false;
 }
 #endif
@@ -261,10 +275,8 @@ bool decode_run(const char*&, Unit*&) noexcept {
 template <class Unit>
 Unit* decode_beyond(const char*& from, const char* stop, const char* end, const char* readable,
                     Unit* to) noexcept {
-  const bool runs = has_ssse3;
   while (from < stop && readable - from >= 4 && static_cast<unsigned char>(*from) > 0x7F) {
-    if (runs && static_cast<unsigned char>(*from) >= 0xE0 && readable - from >= 16 && decode_run(from, to))
-      continue;
+    if (decode_run(from, stop, readable, to)) continue;
     if (!decode_long(from, to)) to = write_utf_16(to, read_utf_8(from, end));
   }
   return to;
@@ -283,6 +295,8 @@ Unit* decode_blocks(const char*& begin, const char* stop, const char* end, const
     from += ascii;
     to += ascii;
     if (beyond) to = decode_beyond(from, stop, end, readable, to);
+    for (; !beyond && stop - from >= long_run && are_ascii(from); from += long_run, to += long_run)
+      for (int at = 0; at < long_run; at += static_cast<int>(block)) widen_block(from + at, to + at);
   }
   begin = from;
   return to;
@@ -295,7 +309,7 @@ Unit* decode_bytes(const char*& from, const char* stop, const char* end, Unit* t
   to = decode_blocks(from, stop, end, end, to);
   if (from >= stop) return to;
   // Less than a block is left: it goes on in a copy that can be read beyond its end.
-  char rest[2 * block] = {};
+  char rest[3 * block] = {};
   const char* const rest_end = std::copy(from, end, rest);
   from = end;
   const char* at = rest;
@@ -320,32 +334,9 @@ char* encode_long(const Unit*& from, const Unit* end, char* to) noexcept {
 }
 
 #ifdef KESTA_X64
-/// Four units of three bytes each in one go, for 12 bytes; 0 if they are not such units. Needs room for 16.
-template <class Unit>
-int encode_threes(const Unit* from, char* to) noexcept {
-  const auto* const in = reinterpret_cast<const __m128i*>(from);
-  const __m128i units = sizeof(Unit) == 2 ? _mm_unpacklo_epi16(_mm_loadl_epi64(in), _mm_setzero_si128())
-                                          : _mm_and_si128(_mm_loadu_si128(in), all(0xFFFF));
-  const __m128i top = _mm_and_si128(units, all(0xF800));
-  const __m128i bad = _mm_or_si128(_mm_cmpeq_epi32(top, all(0)), _mm_cmpeq_epi32(top, all(0xD800)));
-  if (_mm_movemask_epi8(bad)) return 0;
-  const __m128i lead = _mm_srli_epi32(units, 12);
-  const __m128i middle = _mm_and_si128(_mm_slli_epi32(units, 2), all(0x3F00));
-  const __m128i tail = _mm_slli_epi32(_mm_and_si128(units, all(0x3F)), 16);
-  const __m128i threes = _mm_or_si128(_mm_or_si128(lead, middle), _mm_or_si128(tail, all(0x8080E0)));
-  // Two times three bytes to the low six of each half.
-  const __m128i first = _mm_and_si128(threes, _mm_set1_epi64x(0xFFFFFF));
-  const __m128i second = _mm_slli_epi64(_mm_srli_epi64(threes, 32), 24);
-  const __m128i sixes = _mm_or_si128(first, second);
-  _mm_storel_epi64(reinterpret_cast<__m128i*>(to), sixes);
-  _mm_storel_epi64(reinterpret_cast<__m128i*>(to + 6), _mm_unpackhi_epi64(sixes, sixes));
-  return 12;
-}
-
 /// Four surrogate pairs in one go, for 16 bytes; 0 if they are not such.
-template <class Unit>
+template <unit_16 Unit>
 int encode_fours(const Unit* from, char* to) noexcept {
-  if constexpr (sizeof(Unit) != 2) return 0;
   const __m128i pairs = load_16(from);
   const __m128i kinds = _mm_and_si128(pairs, all(static_cast<int>(0xFC00FC00)));
   if (_mm_movemask_epi8(_mm_cmpeq_epi32(kinds, all(static_cast<int>(0xDC00D800)))) != 0xFFFF) return 0;
@@ -362,18 +353,26 @@ int encode_fours(const Unit* from, char* to) noexcept {
   return 16;
 }
 
-/// What can be done in one go of a run of characters of three or of four bytes; eight units are readable.
+/// What vectors can do of what begins with a character that is not ASCII; false if that is nothing.
 template <class Unit>
-char* encode_run(const Unit*& from, char* to) noexcept {
-  const int fours = is_high_surrogate(*from) ? encode_fours(from, to) : 0;
-  const int size = fours ? fours : encode_threes(from, to);
-  from += fours ? 8 : size / 3;
-  return to + size;
+bool encode_run(const Unit*& from, const Unit* stop, const Unit* readable, char*& to) noexcept {
+  if constexpr (unit_16<Unit>) {
+    const Unit* const before = from;
+    if (!is_surrogate(*from)) {
+      if (has_ssse3) encode_windows(from, stop, readable, to);
+    } else if (readable - from >= 8) {
+      const int size = encode_fours(from, to);
+      from += size / 2;
+      to += size;
+    }
+    return from != before;
+  }
+  return false;
 }
 #else
 template <class Unit>
-char* encode_run(const Unit*&, char* to) noexcept {
-  return to;
+bool encode_run(const Unit*&, const Unit*, const Unit*, char*&) noexcept {
+  return false;
 }
 #endif
 
@@ -381,14 +380,8 @@ char* encode_run(const Unit*&, char* to) noexcept {
 template <class Unit>
 char* encode_beyond(const Unit*& from, const Unit* stop, const Unit* end, const Unit* readable,
                     char* to) noexcept {
-  while (from<stop&& static_cast<char16_t>(*from)> 0x7F) {
-    if (static_cast<char16_t>(*from) > 0x7FF && readable - from >= 8) {
-      char* const before = to;
-      to = encode_run(from, to);
-      if (to != before) continue;
-    }
-    to = encode_long(from, end, to);
-  }
+  while (from<stop&& static_cast<char16_t>(*from)> 0x7F)
+    if (!encode_run(from, stop, readable, to)) to = encode_long(from, end, to);
   return to;
 }
 
@@ -404,6 +397,9 @@ char* encode_blocks(const Unit*& begin, const Unit* stop, const Unit* end, const
     from += ascii;
     to += ascii;
     if (beyond) to = encode_beyond(from, stop, end, readable, to);
+    for (; !beyond && stop - from >= long_run / 2 && are_ascii(from);
+         from += long_run / 2, to += long_run / 2)
+      for (int at = 0; at < long_run / 2; at += static_cast<int>(block)) narrow_block(from + at, to + at);
   }
   begin = from;
   return to;
@@ -429,9 +425,9 @@ std::size_t utf_16_size(std::string_view text) noexcept {
   std::size_t size = 0;
 #ifdef KESTA_X64
   __m128i sums = _mm_setzero_si128();
-  for (; static_cast<std::size_t>(end - from) >= block; from += block)
-    sums = _mm_add_epi64(sums, count_utf_16(from));
-  size = static_cast<std::size_t>(_mm_cvtsi128_si64(_mm_add_epi64(sums, _mm_unpackhi_epi64(sums, sums))));
+  for (; static_cast<std::size_t>(end - from) >= 4 * block; from += 4 * block)
+    sums = _mm_add_epi64(sums, sum_of_four(from, block, count_utf_16));
+  size = sum_of(sums) - static_cast<std::size_t>(from - text.data());
 #endif
   for (; from != end; ++from) {
     const auto byte = static_cast<unsigned char>(*from);
@@ -447,9 +443,9 @@ std::size_t utf_8_size(std::basic_string_view<Unit> text) noexcept {
   std::size_t size = 0;
 #ifdef KESTA_X64
   __m128i sums = _mm_setzero_si128();
-  for (; static_cast<std::size_t>(end - from) >= block; from += block)
-    sums = _mm_add_epi64(sums, _mm_add_epi64(count_utf_8(from), count_utf_8(from + 8)));
-  size = static_cast<std::size_t>(_mm_cvtsi128_si64(_mm_add_epi64(sums, _mm_unpackhi_epi64(sums, sums))));
+  for (; static_cast<std::size_t>(end - from) >= 2 * block; from += 2 * block)
+    if (!are_ascii(from)) sums = _mm_add_epi64(sums, sum_of_four(from, block / 2, count_utf_8<Unit>));
+  size = sum_of(sums) + static_cast<std::size_t>(from - text.data());
 #endif
   for (; from != end; ++from) {
     const auto unit = static_cast<char16_t>(*from);
@@ -468,8 +464,12 @@ void append_16(std::basic_string<Unit>& out, std::string_view text) {
   Unit made[piece + 2 * block];
   const char* from = text.data();
   const char* const end = from + text.size();
-  if (text.size() > piece) out.reserve(out.size() + utf_16_size(text));
+  bool is_sized = text.size() <= piece;
   while (from != end) {
+    if (!is_sized && out.capacity() - out.size() < piece) {
+      out.reserve(out.size() + utf_16_size({from, end}));
+      is_sized = true;
+    }
     const char* const stop = from + std::min(piece, static_cast<std::size_t>(end - from));
     out.append(made, decode_bytes(from, stop, end, made));
   }
@@ -480,8 +480,12 @@ void append_8(std::string& out, std::basic_string_view<Unit> text) {
   char made[3 * piece + 4 * block];
   const Unit* from = text.data();
   const Unit* const end = from + text.size();
-  if (text.size() > piece) out.reserve(out.size() + utf_8_size(text));
+  bool is_sized = text.size() <= piece;
   while (from != end) {
+    if (!is_sized && out.capacity() - out.size() < 3 * piece) {
+      out.reserve(out.size() + utf_8_size(std::basic_string_view<Unit>(from, end)));
+      is_sized = true;
+    }
     const Unit* const stop = from + std::min(piece, static_cast<std::size_t>(end - from));
     out.append(made, encode_units(from, stop, end, made));
   }
