@@ -75,16 +75,16 @@ void encode_block(Unit* out, const In* in) noexcept {
   store_bytes(out + block, _mm_unpackhi_epi8(high, low));
 }
 
-/// The values of 16 digits; `bad` becomes other than 0 where a byte is none.
+/// The values of 16 digits; a byte of `bad` gets its high bit where one is none.
 __m128i nibbles_of(__m128i chars, __m128i& bad) noexcept {
-  // Unsigned "at most" is "the smaller of both is itself".
-  const __m128i digits = _mm_sub_epi8(chars, _mm_set1_epi8('0'));
-  const __m128i is_digit = _mm_cmpeq_epi8(_mm_min_epu8(digits, _mm_set1_epi8(9)), digits);
-  const __m128i letters = _mm_sub_epi8(_mm_or_si128(chars, _mm_set1_epi8(0x20)), _mm_set1_epi8('a'));
-  const __m128i is_letter = _mm_cmpeq_epi8(_mm_min_epu8(letters, _mm_set1_epi8(5)), letters);
-  bad = _mm_or_si128(bad, _mm_andnot_si128(_mm_or_si128(is_digit, is_letter), _mm_set1_epi8(-1)));
-  const __m128i letter_values = _mm_add_epi8(letters, _mm_set1_epi8(10));
-  return _mm_or_si128(_mm_and_si128(is_digit, digits), _mm_and_si128(is_letter, letter_values));
+  // Digits go to the top ten, go round and are 0 to 9 then, letters 10 to 15; all else is above 15.
+  const __m128i top = _mm_subs_epu8(_mm_add_epi8(chars, _mm_set1_epi8(-1 - '9')), _mm_set1_epi8(6));
+  const __m128i digits = _mm_sub_epi8(top, _mm_set1_epi8(-16));
+  const __m128i capitals = _mm_and_si128(chars, _mm_set1_epi8(~0x20));
+  const __m128i letters = _mm_adds_epu8(_mm_sub_epi8(capitals, _mm_set1_epi8('A')), _mm_set1_epi8(10));
+  const __m128i nibbles = _mm_min_epu8(digits, letters);
+  bad = _mm_or_si128(bad, _mm_adds_epu8(nibbles, _mm_set1_epi8(127 - 15)));
+  return nibbles;
 }
 
 /// The bytes of eight pairs of values, one in 16 bits.

@@ -4,6 +4,8 @@
 // UTF-8 to and from UTF-16. Malformed input never fails: each maximal malformed part of a UTF-8 text and each
 // lone surrogate becomes U+FFFD.
 
+#include <ruvo/api.hpp>
+
 #include <string>
 #include <string_view>
 
@@ -26,8 +28,8 @@ constexpr bool is_surrogate(Unit unit) noexcept {
   return (static_cast<char16_t>(unit) & 0xF800) == 0xD800;
 }
 
-void append_utf_16(std::wstring& out, std::string_view text);
-void append_utf_8(std::string& out, std::wstring_view text);
+KESTA_API void append_utf_16(std::wstring& out, std::string_view text);
+KESTA_API void append_utf_8(std::string& out, std::wstring_view text);
 
 // In the static library only, for its fuzzers: the vectors of the target's 16-bit units where wide characters
 // have 32.

@@ -46,11 +46,43 @@ Text from_hex(const Text& hex) {
   return text;
 }
 
+/// Gives `out` a size, to be written over, and what `make` does of the characters that it writes. In the
+/// memory that `out` has if that is enough, and if the source does not lie there.
+template <class Text, class Make>
+void overwrite(Text& out, std::size_t size, const void* source, const Make& make) {
+  if (source == &out || out.capacity() < size) {
+    Text made(size, typename Text::value_type());
+    made.resize(make(made.data()));
+    out = std::move(made);
+  } else {
+    out.resize(size);
+    out.resize(make(out.data()));
+  }
+}
+
 template <class Text>
 void replace_by_base64(Text& out, const Text& in) {
-  Text made(base64_room(in.size()), typename Text::value_type());
-  made.resize(static_cast<std::size_t>(base64_decode_to(made.data(), in) - made.data()));
-  out = std::move(made);
+  overwrite(out, base64_room(in.size()), &in,
+            [&in](auto* made) { return static_cast<std::size_t>(base64_decode_to(made, in) - made); });
+}
+
+template <class In>
+void replace_by_hex(std::wstring& out, const In& in) {
+  overwrite(out, 2 * in.size(), &in, [&in](wchar_t* made) {
+    hex_encode_to(made, in.data(), in.size());
+    return 2 * in.size();
+  });
+}
+
+template <class Text>
+void replace_from_hex(Text& out, const Text& in) {
+  bool good = true;
+  overwrite(out, in.size() / 2, &in, [&](auto* made) {
+    const std::size_t size = in.size() / 2;
+    good = hex_decode_to(made, in.data(), size);
+    return good ? size : 0;
+  });
+  if (!good) throw std::invalid_argument("invalid hex digit");
 }
 
 }  // namespace
@@ -76,15 +108,17 @@ std::wstring stream_to_string(const std::wostream& stream) {
 }
 
 void base64_encode(std::wstring& out, const std::wstring& in, bool url_safe) {
-  std::wstring made(base64_size(in.size()), L'\0');
-  base64_encode_to(made.data(), in.data(), in.size(), url_safe);
-  out = std::move(made);
+  overwrite(out, base64_size(in.size()), &in, [&](wchar_t* made) {
+    base64_encode_to(made, in.data(), in.size(), url_safe);
+    return base64_size(in.size());
+  });
 }
 
 void base64_encode(std::string& out, const std::string& in, bool url_safe) {
-  std::string made(base64_size(in.size()), '\0');
-  base64_encode_to(made.data(), reinterpret_cast<const unsigned char*>(in.data()), in.size(), url_safe);
-  out = std::move(made);
+  overwrite(out, base64_size(in.size()), &in, [&](char* made) {
+    base64_encode_to(made, reinterpret_cast<const unsigned char*>(in.data()), in.size(), url_safe);
+    return base64_size(in.size());
+  });
 }
 
 void base64_decode(std::string& out, const std::string& in) { replace_by_base64(out, in); }
@@ -113,6 +147,11 @@ std::wstring bytes_to_hexString(const unsigned char* bytes, unsigned long count)
 
 std::wstring hex_to_string(const std::wstring& hex) { return from_hex(hex); }
 std::string hex_to_string(const std::string& hex) { return from_hex(hex); }
+
+void hex_encode(std::wstring& out, const std::wstring& in) { replace_by_hex(out, in); }
+void hex_encode(std::wstring& out, const std::string& in) { replace_by_hex(out, in); }
+void hex_decode(std::wstring& out, const std::wstring& in) { replace_from_hex(out, in); }
+void hex_decode(std::string& out, const std::string& in) { replace_from_hex(out, in); }
 
 int hex_char_to_int(wchar_t digit) {
   const int value = hex_value(digit);

@@ -20,12 +20,14 @@ namespace {
 
 std::string encoded(const std::string& bytes, bool url_safe = false) {
   std::string out = "old";
+  out.reserve(100);  // enough for some of them
   texto::base64_encode(out, bytes, url_safe);
   return out;
 }
 
 std::string decoded(const std::string& text) {
   std::string out = "old";
+  out.reserve(100);  // enough for some of them
   texto::base64_decode(out, text);
   return out;
 }
@@ -112,6 +114,15 @@ TEST(hex, every_byte_both_ways) {
   EXPECT_EQ(texto::string_to_hex(widened(all)), hex);
   EXPECT_EQ(texto::hex_to_string(hex), widened(all));
   EXPECT_EQ(texto::hex_to_string(texto::to_utf_8(texto::to_uppercase_(hex))), all);
+  std::wstring kept;
+  for (int turn = 0; turn < 2; ++turn) {  // into new memory, then into its own
+    texto::hex_encode(kept, all);
+    EXPECT_EQ(kept, hex);
+    texto::hex_decode(kept, kept);
+    EXPECT_EQ(kept, widened(all));
+  }
+  EXPECT_THROW(texto::hex_decode(kept, L"414g"), std::invalid_argument);
+  EXPECT_EQ(kept, L"");
 }
 
 TEST(hex, corners) {

@@ -84,6 +84,8 @@ TEST(utf, every_byte_pair_and_triple_of_interest_agrees_with_a_plain_way) {
 /// pieces in which results are made.
 TEST(utf, random_runs_agree_with_a_plain_way) {
   std::mt19937 random(1977);
+  std::wstring kept;
+  std::string kept_bytes;
   for (int round = 0; round < 4000; ++round) {
     const std::size_t size = round % 50 ? random() % 150 : 1000 + random() % 3000;
     std::wstring text;
@@ -95,7 +97,14 @@ TEST(utf, random_runs_agree_with_a_plain_way) {
     std::string damaged = bytes;
     for (std::size_t i = 0; i < damaged.size(); i += 1 + random() % 60)
       damaged[i] = static_cast<char>(random());
-    ASSERT_TRUE(texto::to_utf_16(damaged) == plain::utf_16<wchar_t>(damaged)) << round;
+    const std::wstring repaired = plain::utf_16<wchar_t>(damaged);
+    ASSERT_TRUE(texto::to_utf_16(damaged) == repaired) << round;
+    kept.resize(round % 3);
+    texto::append_utf_16(kept, damaged);
+    ASSERT_TRUE(kept.substr(round % 3) == repaired) << round;
+    kept_bytes.clear();
+    texto::append_utf_8(kept_bytes, text);
+    ASSERT_TRUE(kept_bytes == bytes) << round;
   }
 }
 

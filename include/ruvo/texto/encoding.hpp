@@ -11,6 +11,7 @@
 #include <locale>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// Free functions over text.
@@ -26,6 +27,10 @@ namespace ruvo::texto {
 KESTA_API std::wstring to_utf_16(const std::string& text);
 /// From UTF-16 to UTF-8. Never fails: each lone surrogate becomes U+FFFD.
 KESTA_API std::string to_utf_8(const std::wstring& text);
+/// The same behind what `out` holds, for a text that is kept and emptied: one with enough room is filled
+/// without new memory. Where there is no memory, a part may have been appended.
+KESTA_API void append_utf_16(std::wstring& out, std::string_view text);
+KESTA_API void append_utf_8(std::string& out, std::wstring_view text);
 /// Removes the bytes EF BB BF at the start of `text`, if they are there.
 KESTA_API void remove_win_bom(std::string& text);
 
@@ -43,7 +48,8 @@ KESTA_API std::wstring stream_to_string(const std::wostream& stream);
 
 // --- Base64, RFC 4648, with the standard or the URL-safe alphabet
 
-/// Replaces `out` by the encoding of `in`, padded with '=' in both alphabets. `out` may be `in`.
+/// Replaces `out` by the encoding of `in`, padded with '=' in both alphabets. `out` may be `in`. This and the
+/// next use the memory of `out` where that is enough.
 /// @quirk The wide form encodes the low 8 bits of every unit only: it serves bytes held in wide text.
 KESTA_API void base64_encode(std::wstring& out, const std::wstring& in, bool url_safe);
 KESTA_API void base64_encode(std::string& out, const std::string& in, bool url_safe);
@@ -87,6 +93,12 @@ std::wstring bytes_to_hexString(const unsigned char* bytes, Count count) {
 /// Throws std::invalid_argument ("invalid hex digit").
 KESTA_API std::wstring hex_to_string(const std::wstring& hex);
 KESTA_API std::string hex_to_string(const std::string& hex);
+/// Both into a text that is kept: they replace `out` by the digits, or by what they stand for, and use its
+/// memory where that is enough. `out` may be `in`. Decoding throws as above; `out` is empty then.
+KESTA_API void hex_encode(std::wstring& out, const std::wstring& in);
+KESTA_API void hex_encode(std::wstring& out, const std::string& in);
+KESTA_API void hex_decode(std::wstring& out, const std::wstring& in);
+KESTA_API void hex_decode(std::string& out, const std::string& in);
 /// The value of a digit, 0 to 15. Throws std::invalid_argument ("invalid hex digit").
 KESTA_API int hex_char_to_int(wchar_t digit);
 /// The decimal digits of a hexadecimal number of any length, without leading zeros; "0" for an empty text. No
