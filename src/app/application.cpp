@@ -40,11 +40,6 @@ void warn_of_thread() noexcept {
   }
 }
 
-context& default_context() noexcept {
-  if (applications.load(std::memory_order_relaxed) > 0) warn_of_thread();
-  return immortal<context>();
-}
-
 exception hook_missing(const wchar_t* name) {
   constexpr const detail::error_row* row = detail::row_of(L"NotImplemented", detail::error_shape::place);
   return detail::about(exception(row->code(), detail::filled(row->text, {name})),
@@ -73,9 +68,14 @@ constexpr folder_type made_by_boot[] = {folder_type::config, folder_type::data, 
 
 }  // namespace
 
+bool services::are_default() noexcept { return applications.load(std::memory_order_acquire) == 0; }
+
 context& current_context() noexcept {
-  application* const app = registry::find();
-  return app ? *app : default_context();
+  if (!services::are_default()) {
+    if (application* const app = registry::find()) return *app;
+    warn_of_thread();
+  }
+  return immortal<context>();
 }
 
 application::application(HINSTANCE__* instance) : instance_(instance) {

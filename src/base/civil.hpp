@@ -54,10 +54,17 @@ constexpr date_fields date_from_days(long long days) {
   const unsigned long long n = 4 * (static_cast<unsigned long long>(days) + distant_days) + 3;
   const unsigned long long century = n / 146097;
   const unsigned in_century = static_cast<unsigned>(n - century * 146097) | 3;  // in quarters of a day
-  const unsigned year_of_century = in_century / 1461;
-  const unsigned from_march = (in_century - year_of_century * 1461) / 4;
-  const unsigned m = (5 * from_march + 2) / 153;
-  const int day = static_cast<int>(from_march - (153 * m + 2) / 5 + 1);
+  // Division by multiplication: the upper half of a product is the quotient, the lower one the rest as a
+  // fraction. A day is a 1461st of four years, and 2141 / 65536 of a month, with what makes each day of the
+  // months of 30 and 31 days come out right.
+  constexpr unsigned long long per_year = 0x100000000 / 1461 + 1;
+  constexpr unsigned per_day = 2141, offset = 1305;
+  const unsigned long long years = in_century * per_year;
+  const auto year_of_century = static_cast<unsigned>(years >> 32);
+  const unsigned from_march = static_cast<unsigned>(years) / static_cast<unsigned>(per_year) / 4;
+  const unsigned months = from_march * per_day + offset;
+  const unsigned m = months >> 16;
+  const int day = static_cast<int>((months & 0xFFFF) / per_day + 1);
   const bool next_year = m > 9;
   const int month = static_cast<int>(next_year ? m - 9 : m + 3);
   const auto year = static_cast<long long>(century * 100 + year_of_century - distant_years) + next_year;
@@ -82,8 +89,9 @@ constexpr bool has_record(long long seconds) {
 /// Fills every field, with tm_isdst 0; false when the year does not fit.
 inline bool break_down(long long seconds, std::tm& out) {
   if (!has_record(seconds)) return false;
-  const long long days = floor_div(seconds, seconds_per_day);
-  const int rest = static_cast<int>(seconds - days * seconds_per_day);
+  const unsigned long long since = static_cast<unsigned long long>(seconds) + distant_days * seconds_per_day;
+  const auto days = static_cast<long long>(since / seconds_per_day - distant_days);
+  const int rest = static_cast<int>(since % seconds_per_day);
   const date_fields date = date_from_days(days);
   const long long year = date.year - 1900;
   if (year < std::numeric_limits<int>::min() || year > std::numeric_limits<int>::max()) return false;

@@ -18,6 +18,9 @@ context& current_context() noexcept;
 
 namespace services {
 
+/// Whether there is no application at all, and the default services answer: for UTC those of base/civil.hpp.
+bool are_default() noexcept;
+
 /// 100-nanosecond ticks since 1970-01-01 00:00:00 UTC.
 long long ticks(const context& user);
 /// Seconds to a calendar record and back, in UTC or local time; false on failure, as the services have it,

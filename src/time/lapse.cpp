@@ -46,9 +46,11 @@ struct caught : exception {
   }
 };
 
+// Bodies and services are passed by reference: what they capture was just written, and is slow to copy.
+
 /// Runs the body and copies its failure to `*err`, unless that is null; true is success.
 template <class Body>
-bool is_done(exception* err, Body body) {
+bool is_done(exception* err, const Body& body) {
   try {
     body();
     return true;
@@ -79,7 +81,7 @@ bool is_done(exception* err, Body body) {
 
 /// The answer of a service. Its exceptions that are no failures of the library become one.
 template <class Service>
-auto answer(Service ask) {
+auto answer(const Service& ask) {
   try {
     return ask();
   } catch (const exception&) {
@@ -89,23 +91,41 @@ auto answer(Service ask) {
   }
 }
 
-/// Asks a service that returns whether it could; throws its failure. It is asked without a place for that
-/// first: making one takes as long as an answer.
 template <class Service>
-void demand(Service ask) {
-  if (answer([&] { return ask(nullptr); })) return;
+void demand_with_place(const Service& ask) {
   exception err;
   if (!answer([&] { return ask(&err); })) raise(err);
 }
 
-void break_down(const context& user, long long seconds, bool local, std::tm& out) {
+/// Asks a service that returns whether it could; throws its failure. It is asked without a place for that
+/// first: making one takes as long as an answer.
+template <class Service>
+void demand(const Service& ask) {
+  if (!answer([&] { return ask(nullptr); })) demand_with_place(ask);
+}
+
+void ask_to_break_down(long long seconds, bool local, std::tm& out) {
+  const context& user = current_context();
   demand([&](exception* err) { return services::break_down(user, seconds, local, out, err); });
 }
 
-long long built(const context& user, std::tm& record, bool local) {
+long long ask_to_build(std::tm& record, bool local) {
+  const context& user = current_context();
   long long out = 0;
   demand([&](exception* err) { return services::build(user, record, local, out, err); });
   return out;
+}
+
+// What the default services answer for UTC is taken directly, in half the time.
+
+void break_down(long long seconds, bool local, std::tm& out) {
+  const bool by_default = !local && services::are_default();
+  if (!by_default || !civil::break_down(seconds, out)) ask_to_break_down(seconds, local, out);
+}
+
+long long built(std::tm& record, bool local) {
+  const bool by_default = !local && services::are_default();
+  return by_default ? civil::build(record) : ask_to_build(record, local);
 }
 
 long long present_seconds() {
@@ -181,7 +201,7 @@ void lapse::set_lapso(double seconds) noexcept {
 
 std::tm lapse::record() const {
   std::tm out{};
-  break_down(current_context(), lapso_, huso_ == times::LOCAL, out);
+  break_down(lapso_, huso_ == times::LOCAL, out);
   return out;
 }
 
@@ -195,7 +215,7 @@ void lapse::build(long long year, long long month, long long day, long long hour
   fields.tm_min = narrow(minute);
   fields.tm_sec = narrow(second);
   fields.tm_isdst = -1;
-  lapso_ = built(current_context(), fields, huso_ == times::LOCAL);
+  lapso_ = built(fields, huso_ == times::LOCAL);
 }
 
 int lapse::get(times::UNITS unit) const {
@@ -257,9 +277,9 @@ void put(std::tm& record, const movable& at, long long value) {
 }
 
 /// How far behind the local time that it was built from an instant lies: the clock skips that time.
-long long skipped(const context& user, const std::tm& wanted, long long seconds) {
+long long skipped(const std::tm& wanted, long long seconds) {
   std::tm found{};
-  break_down(user, seconds, true, found);
+  break_down(seconds, true, found);
   return std::max(civil::build(found) - civil::build(wanted), 0LL);
 }
 
@@ -271,11 +291,10 @@ bool lapse::add(int n, times::UNITS unit, exception* err) {
     std::tm fields = record();
     if (!moved) return;
     put(fields, *moved, static_cast<long long>(fields.*moved->field) + n);
-    const context& user = current_context();
     const bool local = huso_ == times::LOCAL;
     const std::tm wanted = fields;  // the service may change them
-    const long long seconds = built(user, fields, local);
-    lapso_ = seconds - (local && n < 0 ? skipped(user, wanted, seconds) : 0);
+    const long long seconds = built(fields, local);
+    lapso_ = seconds - (local && n < 0 ? skipped(wanted, seconds) : 0);
   });
 }
 
@@ -285,7 +304,7 @@ bool lapse::set(int n, times::UNITS unit, exception* err) {
     std::tm fields = record();
     if (!replaced) return;
     put(fields, *replaced, static_cast<long long>(n) - replaced->first);
-    lapso_ = built(current_context(), fields, huso_ == times::LOCAL);
+    lapso_ = built(fields, huso_ == times::LOCAL);
   });
 }
 
@@ -294,7 +313,7 @@ bool lapse::set(int year, int month, int day, int hour, int minute, int second, 
 }
 
 bool lapse::set(std::tm& record, exception& err) {
-  return !is_done(&err, [&] { lapso_ = built(current_context(), record, huso_ == times::LOCAL); });
+  return !is_done(&err, [&] { lapso_ = built(record, huso_ == times::LOCAL); });
 }
 
 void lapse::move(int n, times::UNITS unit) {
@@ -319,22 +338,22 @@ std::tm lapse::get_model() const { return huso_ == times::LOCAL ? get_local_mode
 
 std::tm lapse::get_gmt_model(exception* err) const {
   std::tm out{};
-  if (!is_done(err, [&] { break_down(current_context(), lapso_, false, out); })) out = {};
+  if (!is_done(err, [&] { break_down(lapso_, false, out); })) out = {};
   return out;
 }
 
 std::tm lapse::get_local_model(exception* err) const {
   std::tm out{};
-  if (!is_done(err, [&] { break_down(current_context(), lapso_, true, out); })) out = {};
+  if (!is_done(err, [&] { break_down(lapso_, true, out); })) out = {};
   return out;
 }
 
 bool lapse::gmt(std::tm& record, exception& err) const {
-  return !is_done(&err, [&] { break_down(current_context(), lapso_, false, record); });
+  return !is_done(&err, [&] { break_down(lapso_, false, record); });
 }
 
 bool lapse::locale(std::tm& record, exception& err) const {
-  return !is_done(&err, [&] { break_down(current_context(), lapso_, true, record); });
+  return !is_done(&err, [&] { break_down(lapso_, true, record); });
 }
 
 void lapse::read_over(int year, std::wstring_view text, std::wstring_view format, const std::string& locale) {
@@ -349,9 +368,9 @@ void lapse::read_over(int year, std::wstring_view text, std::wstring_view format
   }
   out.record.tm_isdst = -1;
   if (out.offset)
-    lapso_ = built(user, out.record, false) - *out.offset;
+    lapso_ = built(out.record, false) - *out.offset;
   else
-    lapso_ = built(user, out.record, huso_ == times::LOCAL);
+    lapso_ = built(out.record, huso_ == times::LOCAL);
 }
 
 void lapse::read(std::wstring_view text, std::wstring_view format, const std::string& locale) {
@@ -384,7 +403,7 @@ std::wstring lapse::print_by(std::wstring_view pattern, const std::string& local
   const context& user = current_context();
   const bool local = huso_ == times::LOCAL;
   std::tm fields{};
-  break_down(user, lapso_, local, fields);
+  break_down(lapso_, local, fields);
   std::wstring out;
   calendar::print(out, pattern, fields, lapso_, local, named(user, locale));
   return out;
@@ -413,8 +432,7 @@ namespace calendar {
 
 std::tm fields_of(const lapse& value) {
   std::tm fields = value.get_model();
-  if (fields.tm_mday == 0)
-    break_down(current_context(), value.get_lapso(), value.get_huso_horario() == times::LOCAL, fields);
+  if (fields.tm_mday == 0) break_down(value.get_lapso(), value.get_huso_horario() == times::LOCAL, fields);
   return fields;
 }
 
