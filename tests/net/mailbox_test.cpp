@@ -27,7 +27,7 @@ mailbox made(const std::wstring& host, mailbox::ENCRYPTION mode, unsigned port =
 }
 
 /// All fields, exactly.
-std::wstring fields(const mailbox& box) {
+std::wstring fields_of(const mailbox& box) {
   std::wostringstream out;
   out << box.get_host() << L'|' << box.get_user() << L'|' << box.get_password() << L'|'
       << static_cast<unsigned>(box.get_encryption()) << L'|' << static_cast<unsigned>(bundle(box)[L"port"]);
@@ -84,7 +84,7 @@ TEST(mailbox, reads_texts) {
   for (const wchar_t* const blank : {L"", L" smtp://mail.a.es", L"smtp://mail.a.es\r\n",
                                      L"smtp://us er:word@mail.a.es", L"smtp://ñ\xA0n:w@mail.a.es"})
     refused.push_back(blank);
-  expect_reads(made(L"old", mailbox::TLS, 9, L"old user", L"old word"), fields,
+  expect_reads(made(L"old", mailbox::TLS, 9, L"old user", L"old word"), fields_of,
                {{L"smtp://mail.a.es", L"mail.a.es|||25|0"},
                 {L"smtps://mail.a.es:2525", L"mail.a.es|||2525|2525"},
                 {L"smtps://mail.a.es:25", L"mail.a.es|||465|25"},
@@ -128,11 +128,13 @@ TEST(mailbox_value, of_bundles) {
     given[key] = value;
     mailbox box = before;
     box = given;
-    EXPECT_EQ(fields(box), expected) << key << L" " << value.to_string();
+    EXPECT_EQ(fields_of(box), expected) << key << L" " << value.to_string();
   }
 }
 
-TEST(mailbox_value, of_values) { expect_held(made(L"mail.a.es", mailbox::STARTTLS, 0, L"u", L"w"), fields); }
+TEST(mailbox_value, of_values) {
+  expect_held(made(L"mail.a.es", mailbox::STARTTLS, 0, L"u", L"w"), fields_of);
+}
 
 TEST(mailbox_value, order) {
   expect_order<mailbox>(
@@ -168,7 +170,7 @@ TEST(mailbox, long_texts_have_an_answer) {
       EXPECT_FALSE(box.deserialize(L"smtp://" + text)) << text.substr(0, 9);
       EXPECT_FALSE(box.deserialize(L"a:" + text + L"@")) << text.substr(0, 9);
       EXPECT_FALSE(mailbox().set_host(text).check()) << text.substr(0, 9);
-      EXPECT_EQ(fields(mailbox(bundle(made(text, mailbox::SSL)))), fields(made(text, mailbox::SSL)));
+      EXPECT_EQ(fields_of(mailbox(bundle(made(text, mailbox::SSL)))), fields_of(made(text, mailbox::SSL)));
     }
   }
 }

@@ -21,7 +21,7 @@ using ruvo::serializer::write_standard_json;
 
 namespace {
 
-std::wstring json(const bundle& value) {
+std::wstring json_of(const bundle& value) {
   std::wstring out;
   EXPECT_FALSE(write_standard_json(out, value));
   return out;
@@ -106,17 +106,17 @@ TEST(json_pointer, writes_and_makes_what_is_missing) {
       {L"/username/0", 2, L"«username» se escribe «userName»."},
   };
   for (const auto& row : rows) {
-    const std::wstring before = json(order);
+    const std::wstring before = json_of(order);
     ruvo::exception failure;
     if (row.outcome[0] == L'{') {
       EXPECT_FALSE(set(order, row.pointer, row.value, &failure));
-      EXPECT_EQ(json(order), row.outcome);
+      EXPECT_EQ(json_of(order), row.outcome);
     } else {
       EXPECT_TRUE(set(order, row.pointer, row.value, &failure));
       EXPECT_EQ(failure.get_mensaje(),
                 L"El puntero JSON «" + std::wstring(row.pointer) + L"» no se puede seguir: " + row.outcome);
       EXPECT_THROW(failure.raise(), ruvo::exc::jsonNoPlace);
-      EXPECT_EQ(json(order), before);
+      EXPECT_EQ(json_of(order), before);
     }
   }
 }
@@ -135,11 +135,11 @@ TEST(json_pointer, erases_what_it_finds) {
   bundle document{{L"q", list{1, 2, 3}}, {L"Z", bundle{{L"a", 1}}}};
   EXPECT_FALSE(erase(document, L"/q/1"));
   EXPECT_FALSE(erase(document, L"/Z/a"));
-  EXPECT_EQ(json(document), L"{\"q\":[1,3],\"Z\":{}}");
+  EXPECT_EQ(json_of(document), L"{\"q\":[1,3],\"Z\":{}}");
   for (const wchar_t* nothing : {L"", L"/z", L"/q/-", L"/q/2", L"/q/0/0"})
     EXPECT_TRUE(erase(document, nothing)) << nothing;
   EXPECT_FALSE(erase(document, L"/Z"));
-  EXPECT_EQ(json(document), L"{\"q\":[1,3]}");
+  EXPECT_EQ(json_of(document), L"{\"q\":[1,3]}");
 }
 
 }  // namespace

@@ -36,7 +36,7 @@ Text repeated(const Text& piece, int count) {
   return out;
 }
 
-xml_read_options mixed() {
+xml_read_options with_mixed_text() {
   xml_read_options o;
   o.mixed_text = true;
   return o;
@@ -252,7 +252,7 @@ TEST(well_formed_xml, text_beside_elements) {
        L"[{\"#text\":\" \"},{\"a\":{\"b\":\"\"}},{\"#text\":\" \"},{\"c\":\"\"},{\"#text\":\"x\"}]"},
   };
   for (const auto& row : rows)
-    EXPECT_EQ(read(std::wstring(row.text), mixed()).store.at(L"p").to_string(), row.store)
+    EXPECT_EQ(read(std::wstring(row.text), with_mixed_text()).store.at(L"p").to_string(), row.store)
         << testing::PrintToString(row.text);
 }
 

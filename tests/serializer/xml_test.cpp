@@ -22,7 +22,7 @@ namespace {
 
 const std::wstring declaration = L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
 
-reading_outcome read(const std::wstring& text) {
+reading_outcome read_dialect(const std::wstring& text) {
   reading_outcome o;
   o.failed = xml(true, false).deserialize(o.store, text, &o.error);
   return o;
@@ -68,7 +68,7 @@ TEST(xml_reader, reads) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
-    const reading_outcome o = read(row.text);
+    const reading_outcome o = read_dialect(row.text);
     EXPECT_EQ(o.store.to_string(), row.store);
   }
 }
@@ -90,12 +90,12 @@ TEST(xml_reader, attributes_become_qualities) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
-    const reading_outcome o = read(row.text);
+    const reading_outcome o = read_dialect(row.text);
     EXPECT_FALSE(o.failed);
     EXPECT_EQ(o.error.get_code(), 3U);
     EXPECT_EQ(qualities_of(o.store.at(L"a")), row.qualities);
   }
-  const list items = read(L"<r><a x=\"1\">t</a><a x=\"2\"><b/></a></r>").store.get_list(L"r");
+  const list items = read_dialect(L"<r><a x=\"1\">t</a><a x=\"2\"><b/></a></r>").store.get_list(L"r");
   for (unsigned long n = 0; n < 2; ++n) {
     bundle one;
     one = items.at(n);
@@ -126,7 +126,7 @@ TEST(xml_reader, failures) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
-    const reading_outcome o = read(row.text);
+    const reading_outcome o = read_dialect(row.text);
     EXPECT_TRUE(o.failed);
     EXPECT_EQ(o.error.get_rango() * 1000 + o.error.get_code(), row.code);
     EXPECT_EQ(o.error.get_mensaje(), row.message);
@@ -323,30 +323,31 @@ TEST(xml, there_and_back) {
       L"<pedido fecha=\"21-11-2026\" numero=\"7\"><cliente nif=\"00000000T\">Pe&apos;a &&amp; Hijos</cliente>"
       L"<lineas><linea n=\"1\"><precio>1.5</precio></linea><linea n=\"2\"><precio>2</precio></linea></lineas>"
       L"</pedido>";
-  const reading_outcome o = read(text);
+  const reading_outcome o = read_dialect(text);
   EXPECT_FALSE(o.failed);
   EXPECT_EQ(o.store.get_string(L"pedido.cliente"), L"Pe'a & Hijos");
   EXPECT_EQ(written(o.store), text);
   EXPECT_EQ(written(o.store, false), text);
-  EXPECT_EQ(written(read(declaration + text).store), text);
-  EXPECT_EQ(xml_outcome::text_of(read(written(o.store, true, true)).store), xml_outcome::text_of(o.store));
+  EXPECT_EQ(written(read_dialect(declaration + text).store), text);
+  EXPECT_EQ(xml_outcome::text_of(read_dialect(written(o.store, true, true)).store),
+            xml_outcome::text_of(o.store));
 }
 
 // --- the page
 
 TEST(xml_page, reading) {
   for (const wchar_t* const section : {L"What is read", L"What is lost", L"Where XML is read otherwise"})
-    for (const page_row& r : page_rows(section)) EXPECT_EQ(read(r.given).store.to_string(), r.result);
+    for (const page_row& r : page_rows(section)) EXPECT_EQ(read_dialect(r.given).store.to_string(), r.result);
 }
 
 TEST(xml_page, attributes) {
   for (const page_row& r : page_rows(L"Attributes"))
-    EXPECT_EQ(qualities_of(read(r.given).store.at(L"a")), r.result);
+    EXPECT_EQ(qualities_of(read_dialect(r.given).store.at(L"a")), r.result);
 }
 
 TEST(xml_page, failures) {
   for (const page_row& r : page_rows(L"What is refused")) {
-    const ruvo::exception error = read(r.given).error;
+    const ruvo::exception error = read_dialect(r.given).error;
     EXPECT_EQ(std::to_wstring(error.get_rango() * 1000 + error.get_code()) + L' ' + error.get_mensaje(),
               r.result);
   }
@@ -358,7 +359,8 @@ TEST(xml_page, writing) {
     EXPECT_FALSE(ruvo::serializer::json().deserialize(b, r.given));
     EXPECT_EQ(written(b), r.result);
   }
-  for (const page_row& r : page_rows(L"There and back")) EXPECT_EQ(written(read(r.given).store), r.result);
+  for (const page_row& r : page_rows(L"There and back"))
+    EXPECT_EQ(written(read_dialect(r.given).store), r.result);
 }
 
 }  // namespace

@@ -62,7 +62,7 @@ constexpr bool is_number_part(wchar_t c) noexcept { return texto::is_digit(c) ||
 
 /// Inside an object the point decides between the kinds, elsewhere the whole text does. Throws as the
 /// conversions of base/numbers.hpp do.
-inline var json_number(std::wstring_view text, bool in_object) {
+inline var number_of_json(std::wstring_view text, bool in_object) {
   const bool as_double =
       in_object ? text.find(L'.') != std::wstring_view::npos : !texto::is_plain_integer(text);
   if (as_double) return texto::read_double(text);

@@ -147,7 +147,7 @@ class json_reader::machine {
       value_text_ += c;
       return;
     }
-    store(json_number(value_text_, tree_.in_object()), result);
+    store(number_of_json(value_text_, tree_.in_object()), result);
     on_value_end(c, result);
   }
 
@@ -394,7 +394,7 @@ class json_reader::machine {
     if (*last == L'-' || *last == L'.' || taken == 0 || taken > 18) {
       last = std::find_if_not(last, end_, is_number_part);
       if (last == end_) return step::left;
-      var read = json_number(between(at_, last), tree_.in_object());
+      var read = number_of_json(between(at_, last), tree_.in_object());
       static_cast<var&>(target()) = std::move(read);
     } else {
       var& to = target();

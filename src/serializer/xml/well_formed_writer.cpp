@@ -48,7 +48,7 @@ namespace {
 
 // What the strict reader and this writer say about text beside elements: the key of its row.
 constexpr std::wstring_view text_key = L"#text";
-constexpr std::wstring_view schema_key = L"__schema__";
+constexpr std::wstring_view schema_quality = L"__schema__";
 
 // --- values without markup
 
@@ -449,7 +449,7 @@ class document_writer : public detail::visitor {
 
   /// The name with the prefix that the quality __schema__ gives it.
   xml_name with_schema(const xml_name& name, const xvar::qualities_map& qualities) {
-    static const std::wstring key(schema_key);
+    static const std::wstring key(schema_quality);
     const auto schema = qualities.find(key);
     if (schema == qualities.end()) return name;
     std::wstring given = schema->second.to_string();
