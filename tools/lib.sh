@@ -14,9 +14,10 @@ as_root() {
 
 # need PACKAGE...: installs those Debian packages that are missing.
 need() {
-  local package missing=()
+  local package there missing=()
+  there=$(dpkg-query -W -f='${Package} ${db:Status-Status}\n' "$@" 2>/dev/null) || true
   for package; do
-    dpkg-query -W -f='${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed || missing+=("$package")
+    grep -qx "$package installed" <<<"$there" || missing+=("$package")
   done
   [ ${#missing[@]} -gt 0 ] || return 0
   if ! command -v apt-get >/dev/null; then
@@ -32,12 +33,21 @@ need() {
   as_root "${install[@]}" -qq >/dev/null
 }
 
-need_host_tools() { need cmake ninja-build clang libclang-rt-dev llvm libstdc++-12-dev googletest python3 gdb; }
+# What the tools need, as lists, so that all can be installed at once.
+# shellcheck disable=SC2034 # for those who source this
+{
+  build_tools=(cmake ninja-build g++-mingw-w64-x86-64-posix wine64 googletest python3 pkgconf gdb)
+  host_tools=(cmake ninja-build clang libclang-rt-dev llvm libstdc++-12-dev googletest python3 gdb)
+  check_tools=(cmake ninja-build g++-mingw-w64-x86-64-posix googletest clang-format clang-tidy shellcheck python3)
+  docs_tools=(doxygen doxygen-awesome-css python3)
+  peers=(nlohmann-json3-dev rapidjson-dev librapidxml-dev libboost1.81-dev libhowardhinnant-date-dev)
+}
+need_build_tools() { need "${build_tools[@]}"; }
+need_host_tools() { need "${host_tools[@]}"; }
 need_peers() {
-  need nlohmann-json3-dev rapidjson-dev librapidxml-dev libboost1.81-dev libhowardhinnant-date-dev
+  need "${peers[@]}"
   need_pugixml
 }
-need_build_tools() { need cmake ninja-build g++-mingw-w64-x86-64-posix wine64 googletest python3 pkgconf gdb; }
 
 # need_pugixml: its sources in build/pugixml, as the package has nothing but the host's library. apt gets lists of its own
 # for it, since few machines have those of source packages.
