@@ -37,7 +37,7 @@ need() {
 # shellcheck disable=SC2034 # for those who source this
 {
   build_tools=(cmake ninja-build g++-mingw-w64-x86-64-posix wine64 googletest python3 pkgconf gdb)
-  host_tools=(cmake ninja-build clang libclang-rt-dev llvm libstdc++-12-dev googletest python3 gdb)
+  host_tools=(cmake ninja-build clang libclang-rt-dev llvm libstdc++-12-dev libgtest-dev python3 gdb)
   check_tools=(cmake ninja-build g++-mingw-w64-x86-64-posix googletest clang-format clang-tidy shellcheck python3)
   docs_tools=(doxygen doxygen-awesome-css python3)
   peers=(nlohmann-json3-dev rapidjson-dev librapidxml-dev libboost1.81-dev libhowardhinnant-date-dev)
@@ -88,7 +88,7 @@ build_targets() {
 
 # need_compile_commands: build/lint has the commands of all sources, for those who read them.
 need_compile_commands() {
-  cmake -S "$project" --preset mingw-release -B "$project/build/lint" -D KESTA_TESTS=ON -D KESTA_BENCH=ON >/dev/null
+  cmake -S "$project" --preset mingw-release -B "$project/build/lint" -D KESTA_TESTS=ON -D KESTA_BENCH=ON -D KESTA_UNITY=OFF >/dev/null
 }
 
 # as_windows FILE...: their full paths as a Windows program under Wine knows them, one a line.
