@@ -138,16 +138,18 @@ void compare_times(bench::table& table, const std::string& row, double figures::
              {{"cheapest size", 1.5}});
 }
 
-/// Of the large ones: beside them what the program itself takes or leaves does not count.
-void compare_memory(bench::table& table, const std::string& row, double figures::*when, const by_size& own,
+/// What a document took at most, and what is left of it afterwards: of the large ones, beside which the
+/// program itself does not count.
+void compare_memory(bench::table& table, const std::string& row, const by_size& own,
                     const std::map<std::string, by_size>& peers) {
   for (std::size_t n = 2; n < std::size(sizes); ++n) {
-    for (const auto& [peer, its] : peers) {
-      if (own[n].*when == unknown || its[n].*when == unknown) throw std::runtime_error("no peak to be seen");
-      table.line({row, sizes[n].name, "MB", peer, own[n].*when, its[n].*when, own[n].*when / (its[n].*when),
-                  bench::comparison::cost},
-                 {});
-    }
+    const auto line = [&](const char* what, double mine, const std::string& peer, double its) {
+      if (its == unknown || mine == unknown) throw std::runtime_error("no peak to be seen");
+      table.line({row + what, sizes[n].name, "MB", peer, mine, its, mine / its, bench::comparison::cost}, {});
+    };
+    for (const auto& [peer, its] : peers) line(", peak", own[n].peak, peer, its[n].peak);
+    line(", kept", own[n].rest, "peak", own[n].peak);
+    line(", kept later", own[n].later_rest, "peak", own[n].peak);
   }
 }
 
@@ -161,9 +163,7 @@ void compare(bench::table& table) {
     const std::string row = name;
     compare_times(table, row + ", first", &figures::first, all[name], peers);
     compare_times(table, row + ", again", &figures::again, all[name], peers);
-    compare_memory(table, row + ", peak", &figures::peak, all[name], peers);
-    compare_memory(table, row + ", rest", &figures::rest, all[name], peers);
-    compare_memory(table, row + ", rest later", &figures::later_rest, all[name], peers);
+    compare_memory(table, row, all[name], peers);
   }
 }
 

@@ -7,6 +7,7 @@ from pathlib import Path
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(Path(__file__).parent))
+import benchmarks  # noqa: E402
 import cpp  # noqa: E402
 import exceptions  # noqa: E402
 import markdown  # noqa: E402
@@ -23,6 +24,9 @@ def main():
     text = read(path)
     if path.suffix == ".md":
         text = markdown.page(text, path.stem)
+        record = ROOT / "docs/benchmarks.txt"
+        if path.name == "BENCHMARKS.md" and record.exists():
+            text += f"\n@htmlonly\n{benchmarks.fragment(read(record))}\n@endhtmlonly\n"
     else:
         text = markdown.comments(text)
         if path.name == "exc.hpp":
