@@ -28,6 +28,7 @@ class near_stack {
 
   bool empty() const noexcept { return end_ == first_; }
   T& top() noexcept { return end_[-1]; }
+  T* begin() noexcept { return first_; }
   T* end() noexcept { return end_; }
   const T* begin() const noexcept { return first_; }
   const T* end() const noexcept { return end_; }

@@ -21,6 +21,7 @@ struct thread_cache {
   block_cache blocks;
   key_cache keys;
   name_tree narrow_names, wide_names;  // as UTF-8 and as UTF-16 write them
+  name_tree plain_names;               // in UTF-16, where a backslash means itself
 
  private:
   static thread_cache* made_local() noexcept;

@@ -11,6 +11,8 @@
 #include <deque>
 #include <functional>
 #include <new>
+#include <set>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -275,6 +277,48 @@ TEST_F(allocation, reading_standard_json) {
       xvar value;
       while (values.next(value)) EXPECT_GT(value.to_string().size(), 10u);
     });
+  }
+}
+
+/// The text of a bundle, in which a container without members looks as a null value does.
+std::wstring shown(const bundle& b) {
+  std::wstring text = b.to_string();
+  for (const wchar_t* const empty : {L"{}", L"[]"}) {
+    for (std::size_t at; (at = text.find(empty)) != text.npos;) text.replace(at, 2, L"\"\"");
+  }
+  return text;
+}
+
+/// What was read before memory ran out is what a text that is cut there gives; a container that could not be
+/// made may be null.
+TEST_F(allocation, reading_json) {
+  std::wstring dictionary = L"{\"a\":{\"b\":[";
+  for (int n = 0; n < 130; ++n) dictionary += (n ? L",\"id" : L"{\"id") + std::to_wstring(n) + L"\":1";
+  const std::wstring texts[] = {
+      L"{\"a\":[1,{\"b\":{\"c\":[{},[2.5]]},\"B\":\"x\"},[{\"b\":3}]],\"\":4,\"d\":{\"\":5,\"e\":6,\"f\":[-]}"
+      L"}",
+      dictionary + L",\"ID7\":2},3]},\"c\":4}"};
+  for (const std::wstring& text : texts) {
+    std::set<std::wstring> cut;
+    const auto read = [](bundle& out, const std::wstring& from) {
+      try {
+        json().deserialize(out, from, nullptr);
+      } catch (const std::invalid_argument&) {  // of the number
+      }
+    };
+    for (std::size_t size = 0; size <= text.size(); ++size) {
+      bundle b;
+      read(b, text.substr(0, size));
+      cut.insert(shown(b));
+    }
+    bundle out;
+    const long long allocations = fail_everywhere(
+        [&] {
+          out.clear();
+          read(out, text);
+        },
+        [&] { EXPECT_EQ(cut.count(shown(out)), 1u) << testing::PrintToString(shown(out)); });
+    EXPECT_GT(allocations, 20);
   }
 }
 

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "serializer/reads.hpp"
+#include "support/json_outcome.hpp"
 
 using ruvo::bundle;
 using ruvo::list;
@@ -169,6 +170,66 @@ TEST(json_reader, large_things) {
   EXPECT_TRUE(j.deserialize(b, unknown, &error));
   EXPECT_TRUE(error.get_mensaje().ends_with(L":3000012 en el nudo:0"))
       << testing::PrintToString(error.get_mensaje());
+}
+
+std::wstring dictionary(int names) {
+  std::wstring text = L"{\"o\":{";
+  for (int n = 0; n < names; ++n) text += L"\"id" + std::to_wstring(n) + L"\":" + std::to_wstring(n) + L",";
+  return text + L"\"ID7\":[{\"a\":1}],\"Id7\":{\"a\":2}},\"x\":3}";
+}
+
+/// The text with something unusual in the middle.
+void expect_both_ways(json_ways& ways, const std::wstring& text, std::size_t at,
+                      const std::wstring& unusual) {
+  const std::wstring all = text.substr(0, at) + unusual + text.substr(at), cut = text.substr(0, at) + unusual;
+  for (const std::wstring& one : {all, cut})
+    ASSERT_EQ(ways.at_once(one), ways.by_character(one)) << testing::PrintToString(one);
+}
+
+TEST(json_reader, goes_on_by_character_from_anywhere) {
+  const std::wstring texts[] = {
+      L"{\"a\":{\"b\":[1,{\"c\":-2.5,\"D\":\"x\\\"\\\\n\"}],\"B\":null,\"e\":{}},\"f\":[[],[true,1.5]],\"A\":"
+      L"1}",
+      L"[{\"id\":1,\"geo\":{\"x\":1}},{\"id\":2,\"geo\":{\"x\":2}},{\"id\":3,\"ID\":{\"x\":3,\"y\":[ ]}}, 4 "
+      L"]",
+      L"{\"" + std::wstring(70, L'k') +
+          L"\":{\"a\":1,\"a\":2},\"b\":FALSE,\"c\":12345678901234567890.5} \"d\":1,"};
+  json_ways ways;
+  for (const std::wstring& text : texts) {
+    for (std::size_t at = 0; at <= text.size() && !HasFatalFailure(); ++at) {
+      for (const wchar_t* const unusual :
+           {L"", L"\"", L":", L"\"\":0,", L"\"q\" \"r\":", L"{", L"]", L"tru", L"-", L"#"})
+        expect_both_ways(ways, text, at, unusual);
+    }
+  }
+  for (const int names : {126, 127, 128, 140}) {
+    const std::wstring text = dictionary(names);
+    for (std::size_t at = text.size() - 60; at <= text.size() && !HasFatalFailure(); ++at)
+      expect_both_ways(ways, text, at, L"\"\":0,");
+  }
+}
+
+TEST(json_reader, adds_to_what_is_there) {
+  for (const wchar_t* const unusual : {L"", L"\"o\":{\"\":0},"}) {
+    bundle b = {{L"Old", 1}, {L"List", list{1}}};
+    b[L"old"][L"quality"] = 1;
+    const bool failed =
+        json().deserialize(b, L"{\"NEW\":[2],\"OLD\":2," + std::wstring(unusual) + L"\"new\":{},\"list\":3}");
+    EXPECT_EQ(failed, *unusual != L'\0');
+    b.erase(L"o");
+    EXPECT_EQ(written(b, false), L"{\"old\":2,\"list\":3,\"new\":{}}");
+    EXPECT_EQ(b.spelling(2), L"NEW");
+    EXPECT_EQ(b[L"old"].get_qualities().size(), 1U);
+  }
+}
+
+TEST(json_reader, names_have_no_escapes) {
+  const std::wstring text = L"{\"a\\u0041\":1}";
+  bundle b;
+  ASSERT_FALSE(ruvo::serializer::read_standard_json(b, text));  // which keeps the name for the next text
+  EXPECT_EQ(read(text).store.to_string(), L"{\"a\\u0041\":1}");
+  ASSERT_FALSE(ruvo::serializer::read_standard_json(b, text));
+  EXPECT_EQ(b.to_string(), L"{\"aa\":1}");
 }
 
 TEST(json_writer, scalars) {

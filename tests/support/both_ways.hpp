@@ -7,12 +7,17 @@
 #include <ruvo/bundle.hpp>
 #include <ruvo/exception.hpp>
 
+#include <ostream>
 #include <stdexcept>
 #include <string>
 
 struct outcome {
   std::wstring store, report;
   bool operator==(const outcome&) const = default;
+  friend std::ostream& operator<<(std::ostream& out, const outcome& o) {
+    for (const wchar_t c : o.store + L" " + o.report) out << (c < 127 ? static_cast<char>(c) : '?');
+    return out;
+  }
 };
 
 /// With `throwing` an exception of the store is an outcome, too.

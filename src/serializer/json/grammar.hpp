@@ -6,6 +6,7 @@
 
 #include <ruvo/var.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <initializer_list>
@@ -60,12 +61,14 @@ constexpr const json_word* find_word(wchar_t letter) noexcept {
 /// Whether the reader takes the unit as a part of a number, in whatever order.
 constexpr bool is_number_part(wchar_t c) noexcept { return texto::is_digit(c) || c == L'-' || c == L'.'; }
 
-/// Inside an object the point decides between the kinds, elsewhere the whole text does. Throws as the
-/// conversions of base/numbers.hpp do.
+/// Whether a number is a double: inside an object the point decides, elsewhere the whole text does.
+inline bool is_double(std::wstring_view text, bool in_object) {
+  return in_object ? text.find(L'.') != std::wstring_view::npos : !texto::is_plain_integer(text);
+}
+
+/// Throws as the conversions of base/numbers.hpp do.
 inline var number_of_json(std::wstring_view text, bool in_object) {
-  const bool as_double =
-      in_object ? text.find(L'.') != std::wstring_view::npos : !texto::is_plain_integer(text);
-  if (as_double) return texto::read_double(text);
+  if (is_double(text, in_object)) return texto::read_double(text);
   return texto::read_integer(text);
 }
 
@@ -165,16 +168,24 @@ inline std::wstring decoded(std::wstring_view inside) {
 /// backslash is looked at afresh.
 inline void unescape(std::wstring& out, std::wstring_view text) {
   out.clear();
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const wchar_t next = text[at] == L'\\' && at + 1 < text.size() ? text[at + 1] : L'\0';
-    if (next == L'"' || next == L'\\') continue;
-    if (next == L'n') {
-      out += L'\n';
-      ++at;
-      continue;
+  const wchar_t *at = text.data(), *const end = at + text.size();
+  while (true) {
+    const wchar_t* const backslash = std::find(at, end, L'\\');
+    out.append(at, backslash);
+    if (end - backslash < 2) {
+      out.append(backslash, end);
+      return;
     }
-    out += text[at];
-    if (text[at] == L'\\' && at + 1 < text.size()) out += text[++at];
+    const wchar_t next = backslash[1];
+    at = backslash + 2;
+    if (next == L'"' || next == L'\\') {
+      at = backslash + 1;
+      if (next == L'"') out += *at++;
+    } else if (next == L'n') {
+      out += L'\n';
+    } else {
+      out.append(backslash, at);
+    }
   }
 }
 

@@ -4,25 +4,43 @@
 
 #include <ruvo/exc.hpp>
 #include <ruvo/serializer.hpp>
+#include <ruvo/standard_json.hpp>
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <utility>
+#include <limits>
+#include <string>
 
 #include "memory/block_cache.hpp"
+#include "memory/thread_cache.hpp"
 #include "serializer/json/grammar.hpp"
+#include "serializer/json/staging.hpp"
+#include "serializer/json/tokens.hpp"
 #include "serializer/json/tree.hpp"
+#include "serializer/scan.hpp"
+#include "values/folded_key.hpp"
 
 namespace ruvo::serializer {
 
 using detail::cell;
 using detail::kind;
 
-/// Takes JSON in two ways. The state machine takes character after character. The fast way takes whole keys
-/// and values where the JSON is ordinary, with the outcome of the state machine for each of their characters.
-/// What is unusual (a key without its closing quote and colon, an empty key, a value that the text's end cuts
-/// off, ...) it leaves to the state machine.
+namespace {
+
+/// Nothing is too much, and the last value of a name stays.
+constexpr json_read_options unlimited = [] {
+  constexpr std::size_t all = std::numeric_limits<std::size_t>::max();
+  json_read_options options;
+  options.limits = {all, all, all, all, all};
+  options.twins = json_twins::last;
+  return options;
+}();
+
+}  // namespace
+
+/// Takes JSON in two ways: the state machine character after character into the containers that are open, and
+/// whole tokens, whose values are staged (staging.hpp) and become containers with the first character that is
+/// left to the state machine, or with the end of the text.
 class json_reader::machine {
  public:
   explicit machine(json_reader& owner) noexcept : owner_(owner) {}
@@ -63,16 +81,16 @@ class json_reader::machine {
   // --- whole tokens
 
   /// Takes what it can at once, and returns the first character that it leaves to take().
-  const wchar_t* take_tokens(const wchar_t* at, const wchar_t* end) {
-    at_ = at;
-    end_ = end;
-    while (at_ != end_ && between_tokens()) {
-      if (!(tree_.in_list() ? elements() : members())) break;
+  const wchar_t* take_tokens(const wchar_t* const at, const wchar_t* const end) {
+    const wchar_t* left = at;
+    if (is_between_tokens()) {
+      if (state_ == state::key) left = find_either(at, end, L'"', L':');
+      if (left != end && !(state_ == state::key && *left == L':')) left = take_staged(left, end);
     }
     // After a wrong word every character is one more error, and the last one is reported.
-    if (state_ == state::word && value_text_.size() >= 5 && end_ - at_ > 1) at_ = end_ - 1;
-    owner_.position_ += static_cast<std::uint64_t>(at_ - at);
-    return at_;
+    if (state_ == state::word && value_text_.size() >= 5 && end - left > 1) left = end - 1;
+    owner_.position_ += static_cast<std::uint64_t>(left - at);
+    return left;
   }
 
  private:
@@ -218,7 +236,7 @@ class json_reader::machine {
     if (tree_.in_object() && key.empty()) {
       exc::jsonEmptyKey(owner_.position_, tree_.depth()).copy_on(result);
     } else if (bundle* const in = tree_.innermost_object(owner_.store_)) {
-      return &tree_.member(*in, key);
+      return &json_tree::member(*in, detail::key_view(detail::folded_key(key)));
     } else {
       exc::NullPointer().copy_on(result);
     }
@@ -231,27 +249,18 @@ class json_reader::machine {
 
   void open(xvar* value, bool as_list) {
     if (!value) return;
-    enter(*value, as_list);
+    tree_.open(*value, as_list);
+    go_on_in_innermost();
     clear_buffers();
   }
 
   void close() noexcept {
     tree_.close();
     clear_buffers();
-    go_on_outside();
+    go_on_in_innermost();
   }
 
-  void enter(xvar& value, bool as_list) {
-    tree_.open(value, as_list);
-    state_ = as_list ? state::array : state::object;
-  }
-
-  void leave() {
-    tree_.close_fitted();
-    go_on_outside();
-  }
-
-  void go_on_outside() noexcept { state_ = tree_.in_list() ? state::array : state::object; }
+  void go_on_in_innermost() noexcept { state_ = tree_.in_list() ? state::array : state::object; }
 
   static var meant_by(const json_word& word) noexcept {
     var value;
@@ -259,163 +268,32 @@ class json_reader::machine {
     return value;
   }
 
-  // --- the fast way
+  // --- whole tokens
 
-  enum class step { left, taken, moved };  // moved: a container was opened
-
-  /// Nothing of a key or value has been taken yet.
-  bool between_tokens() const noexcept { return key_text_.empty() && value_text_.empty() && !in_key_quotes_; }
-
-  /// Members of the innermost object; true when a container was opened or closed.
-  bool members() {
-    if (state_ != state::object) return false;
-    bundle& in = *tree_.innermost_object(owner_.store_);
-    while (at_ != end_) {
-      switch (*at_) {
-        case L'"': {
-          const wchar_t* const token = at_;
-          const step outcome = member(in);
-          if (outcome == step::left) at_ = token;
-          if (outcome != step::taken) return outcome == step::moved;
-          break;
-        }
-        case L'}':
-        case L']':
-          ++at_;
-          leave();
-          return true;
-        case L'{':
-          return false;
-        default:
-          ++at_;
-      }
-    }
-    return true;
+  /// Nothing of a name or value has been taken yet.
+  bool is_between_tokens() const noexcept {
+    if (!key_text_.empty() || !value_text_.empty() || in_key_quotes_) return false;
+    if (tree_.in_list()) return state_ == state::array || state_ == state::value;
+    return state_ == state::object || state_ == state::key;
   }
 
-  /// One member with its value.
-  step member(bundle& in) {
-    const wchar_t* const first = at_ + 1;
-    const wchar_t* const last = find_either(first, end_, L'"', L':');
-    if (last == first || last == end_ || *last != L'"') return step::left;
-    const wchar_t* const colon = find_either(last + 1, end_, L'"', L':');
-    if (colon == end_ || *colon != L':') return step::left;
-    at_ = skip_meaningless(colon + 1, end_);
-    return value([&]() -> xvar& { return tree_.member(in, between(first, last)); });
-  }
-
-  /// Elements of the innermost list; true when a container was opened or closed.
-  bool elements() {
-    if (state_ != state::array && state_ != state::value) return false;
-    list& in = tree_.innermost_list();
-    while ((at_ = skip_meaningless(at_, end_)) != end_) {
-      if (*at_ == L']' || *at_ == L'}') {
-        ++at_;
-        leave();
-        return true;
-      }
-      if (*at_ == L',') {
-        ++at_;
-        continue;
-      }
-      const step outcome = value([&in]() -> xvar& { return in.on_back(); });
-      if (outcome != step::taken) return outcome == step::moved;
-    }
-    return true;
-  }
-
-  /// One value into the place that `target` makes.
-  template <class Target>
-  step value(Target target) {
-    if (at_ == end_) return step::left;
-    switch (*at_) {
-      case L'"':
-        return string(target);
-      case L'{':
-      case L'[':
-        enter(target(), *at_ == L'[');
-        ++at_;
-        return step::moved;
-      case L't':
-        return word(target, json_true);
-      case L'f':
-        return word(target, json_false);
-      case L'n':
-        return word(target, json_null);
-      default:
-        return texto::is_digit(*at_) || *at_ == L'-' ? number(target) : step::left;
-    }
-  }
-
-  template <class Target>
-  step string(Target target) {
-    bool escaped = false;
-    const wchar_t* const first = at_ + 1;
-    const wchar_t* const last = find_closing_quote(first, end_, escaped);
-    if (last == end_) return step::left;
-    std::wstring_view text = between(first, last);
-    if (escaped) {
-      unescape(scratch_, text);
-      text = scratch_;
-    }
-    var& to = target();
-    to.clear();
-    cell::set_text(to, text);
-    at_ = last + 1;
-    return step::taken;
-  }
-
-  template <class Target>
-  step word(Target target, const json_word& word) {
-    const std::wstring_view rest = between(at_, end_);
-    if (rest.size() == word.text.size() || !rest.starts_with(word.text)) return step::left;
-    var& to = target();
-    to.clear();
-    cell::set_integer(to, word.kind, word.value);
-    at_ += word.text.size();
-    return step::taken;
-  }
-
-  template <class Target>
-  step number(Target target) {
-    const bool negative = *at_ == L'-';
-    std::uint64_t digits = 0;
-    const wchar_t* last = at_ + (negative ? 1 : 0);
-    const wchar_t* const whole = last;
-    last = take_digits(last, digits);
-    const wchar_t* point = nullptr;
-    if (last != end_ && *last == L'.') {
-      point = last;
-      last = take_digits(last + 1, digits);
-    }
-    if (last == end_) return step::left;
-    const std::ptrdiff_t taken = last - whole - (point ? 1 : 0);
-    const std::ptrdiff_t decimals = point ? last - point - 1 : 0;
-    if (*last == L'-' || *last == L'.' || taken == 0 || taken > 18) {
-      last = std::find_if_not(last, end_, is_number_part);
-      if (last == end_) return step::left;
-      var read = number_of_json(between(at_, last), tree_.in_object());
-      static_cast<var&>(target()) = std::move(read);
+  const wchar_t* take_staged(const wchar_t* at, const wchar_t* end) {
+    known_names names(&detail::thread_cache::plain_names);
+    json_builder builder(names.tree(), unlimited);
+    if (tree_.in_list()) {
+      builder.open_list();
     } else {
-      var& to = target();
-      to.clear();
-      if (point) {
-        const double magnitude = texto::quotient(digits, static_cast<int>(decimals));
-        cell::set_real(to, negative ? -magnitude : magnitude);
-      } else {
-        cell::set_integer(to, kind::xlong,
-                          negative ? -static_cast<long long>(digits) : static_cast<long long>(digits));
-      }
+      builder.open_object();
     }
-    // The character that ends a number counts inside a container and is dropped on top.
-    at_ = tree_.depth() == 0 ? last + 1 : last;
-    return step::taken;
-  }
-
-  const wchar_t* take_digits(const wchar_t* from, std::uint64_t& digits) const noexcept {
-    for (; from != end_ && texto::is_digit(*from); ++from)
-      digits = digits * 10 + static_cast<std::uint64_t>(*from - L'0');
-    return from;
+    try {
+      at = json_tokens(builder, tree_.depth() == 0, at, end).take();
+    } catch (...) {
+      builder.settle(tree_, *owner_.store_);
+      throw;
+    }
+    builder.settle(tree_, *owner_.store_);
+    go_on_in_innermost();
+    return at;
   }
 
   json_reader& owner_;
@@ -423,8 +301,6 @@ class json_reader::machine {
   json_tree tree_;
   std::wstring key_text_, value_text_;  // as far as they are read
   bool escape_pending_ = false, in_key_quotes_ = false;
-  const wchar_t *at_ = nullptr, *end_ = nullptr;  // what the fast way has still to take
-  std::wstring scratch_;
 };
 
 json_reader::json_reader() : machine_(std::make_unique<machine>(*this)) {}

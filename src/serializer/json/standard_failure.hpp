@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "serializer/json/standard_tree.hpp"
+#include "serializer/json/staging.hpp"
 
 namespace ruvo::serializer {
 

@@ -19,7 +19,7 @@
 #include "base/utf.hpp"
 #include "serializer/json/standard_numbers.hpp"
 #include "serializer/json/standard_strings.hpp"
-#include "serializer/json/standard_tree.hpp"
+#include "serializer/json/staging.hpp"
 
 namespace ruvo::serializer {
 

@@ -9,7 +9,6 @@
 #include <ruvo/standard_json.hpp>
 #include <ruvo/xvar.hpp>
 
-#include <optional>
 #include <utility>
 
 #include "memory/block_cache.hpp"
@@ -24,29 +23,12 @@ namespace {
 
 using detail::cell;
 
-/// The names that the calling thread met, in texts of the same units; its own where it can keep none.
-class known_names {
- public:
-  explicit known_names(bool wide) {
-    detail::thread_cache* const cache = detail::thread_cache::local();
-    tree_ = !cache ? &own_.emplace() : wide ? &cache->wide_names : &cache->narrow_names;
-    if (tree_->is_full()) tree_->clear();
-  }
-  known_names(const known_names&) = delete;
-  known_names& operator=(const known_names&) = delete;
-
-  detail::name_tree& tree() noexcept { return *tree_; }
-
- private:
-  std::optional<detail::name_tree> own_;
-  detail::name_tree* tree_;
-};
-
 /// Calls `done` with the value that was read; true on FAILURE.
 template <class Unit, class Done>
 bool read_whole(std::basic_string_view<Unit> text, exception* err, const json_read_options& options,
                 json_roots roots, Done done) {
-  known_names names(sizeof(Unit) > 1);
+  using detail::thread_cache;
+  known_names names(sizeof(Unit) > 1 ? &thread_cache::wide_names : &thread_cache::narrow_names);
   const detail::document_blocks blocks(text.size());
   json_builder builder(names.tree(), options);
   whole_json<Unit> reader(text, builder, options);

@@ -6,13 +6,12 @@
 #include <ruvo/bundle.hpp>
 #include <ruvo/list.hpp>
 
-#include <algorithm>
-#include <string_view>
+#include <cstddef>
 #include <vector>
 
-#include "serializer/usual_sizes.hpp"
 #include "values/bundle_store.hpp"
 #include "values/cell.hpp"
+#include "values/folded_key.hpp"
 
 namespace ruvo::serializer {
 
@@ -32,19 +31,16 @@ class json_tree {
     return in_object() ? &detail::cell::as_bundle(*open_.back()) : outermost;
   }
 
-  /// The member with the key in the innermost object; what it holds is to be replaced.
-  xvar& member(bundle& in, std::wstring_view key) const {
-    const detail::folded_key folded(key);
-    const std::size_t room = std::max<std::size_t>(sizes_.at(depth(), 0), 4);
-    return detail::bundle_access::made_store(in, room).put(detail::key_view(folded))->second;
+  /// The member with the key, made when missing; what it holds is to be replaced.
+  static xvar& member(bundle& in, const detail::key_view& key) {
+    return detail::bundle_access::made_store(in).put(key)->second;
   }
 
   /// Replaces a value of the innermost container by an empty container, which is then the innermost one.
   void open(xvar& value, bool as_list) {
     static_cast<var&>(value).clear();
     if (as_list) {
-      list& made = detail::cell::on_list(value);
-      if (const std::size_t room = sizes_.at(depth() + 1, 0)) made.reserve(static_cast<unsigned long>(room));
+      detail::cell::on_list(value);
     } else {
       detail::cell::on_bundle(value);
     }
@@ -56,13 +52,6 @@ class json_tree {
   void close() noexcept {
     if (!open_.empty()) open_.pop_back();
   }
-  /// The same where nobody can hold any yet: it also gives back the room that it does not need, and its size
-  /// is remembered.
-  void close_fitted() {
-    if (in_list()) sizes_.note(depth(), innermost_list().size());
-    if (in_object()) sizes_.fit(depth(), detail::cell::as_bundle(*open_.back()));
-    close();
-  }
 
  private:
   bool innermost_is(detail::kind kind) const noexcept {
@@ -70,7 +59,6 @@ class json_tree {
   }
 
   std::vector<xvar*> open_;  // the outermost first
-  usual_sizes sizes_;
 };
 
 }  // namespace ruvo::serializer

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSL-1.0
 
-// Values of standard JSON: containers when they are complete, names that were met before or not.
+// Values of JSON: containers when they are complete, names that were met before or not.
 
-#include "serializer/json/standard_tree.hpp"
+#include "serializer/json/staging.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -17,6 +17,26 @@ using detail::bundle_store;
 using detail::cell;
 using detail::kind;
 using detail::name_node;
+using detail::shared_key;
+
+namespace {
+
+/// The names of an object up to a node, the first one first.
+class name_way {
+ public:
+  explicit name_way(const name_node* last) noexcept : size_(last ? last->depth : 0) {
+    for (const name_node* node = last; node; node = node->before) keys_[node->depth - 1] = node->key;
+  }
+
+  std::size_t size() const noexcept { return size_; }
+  const shared_key* operator[](std::size_t n) const noexcept { return keys_[n]; }
+
+ private:
+  const std::size_t size_;
+  const shared_key* keys_[detail::name_tree::most_depth];
+};
+
+}  // namespace
 
 detail::name_branch json_builder::nothing_known;
 
@@ -111,23 +131,85 @@ xvar json_builder::made_object(frame& f) {
 }
 
 bundle_store* json_builder::store_of(frame& f, std::size_t size) {
-  xvar* const values = values_.at(f.first_value);
-  if (!f.store) {
-    name_node* node = f.at;
-    return bundle_store::of_known(size, values, detail::name_tree::ranks_of(*node), [&node]() noexcept {
-      name_node& last = *node;
-      node = last.before;
-      return last.take_key();
-    });
+  if (f.store) {
+    bundle_store* const store = filled_store(f, size);
+    places_.resize(f.first_place);
+    return store;
   }
+  name_node* node = f.at;
+  return bundle_store::of_known(size, values_.at(f.first_value), detail::name_tree::ranks_of(*node),
+                                [&node]() noexcept {
+                                  name_node& last = *node;
+                                  node = last.before;
+                                  return last.take_key();
+                                });
+}
+
+bundle_store* json_builder::filled_store(frame& f, std::size_t size) noexcept {
   for (std::size_t n = 0; n < size; ++n) {
     if (entry* const place = places_[f.first_place + n])
-      static_cast<var&>(place->second) = static_cast<var&&>(values[n]);
+      static_cast<var&>(place->second) = static_cast<var&&>(*values_.at(f.first_value + n));
   }
-  places_.resize(f.first_place);
-  bundle_store* const store = bundle_store::fitted(f.store);
-  f.store = nullptr;
-  return store;
+  bundle_store* const store = std::exchange(f.store, nullptr);
+  try {
+    return bundle_store::fitted(store);
+  } catch (...) {  // no memory: then with the room that it has to spare
+    return store;
+  }
+}
+
+// --- containers that stay open
+
+void json_builder::settle(json_tree& tree, bundle& outermost) {
+  for (frame* f = frames_.begin(); f != frames_.end(); ++f) {
+    const frame* const inside = f + 1 != frames_.end() ? f + 1 : nullptr;
+    const std::size_t count = (inside ? inside->first_value : values_.size()) - f->first_value;
+    if (f->is_object) {
+      bundle& to = *tree.innermost_object(&outermost);
+      const shared_key* const name = inside ? name_at(*f, count) : nullptr;
+      settle(*f, count, to, inside);
+      if (inside) tree.open(json_tree::member(to, detail::key_view(*name)), !inside->is_object);
+    } else {
+      list& to = tree.innermost_list();
+      settle(*f, count, to);
+      if (inside) tree.open(to.on_back(), !inside->is_object);
+    }
+  }
+  clear();
+}
+
+void json_builder::settle(const frame& f, std::size_t count, list& into) {
+  const auto first = std::make_move_iterator(values_.at(f.first_value));
+  const auto last = first + static_cast<std::ptrdiff_t>(count);
+  if (into.empty()) {
+    list::vector values(first, last);
+    into.swap(values);
+  } else {
+    into.insert(into.cend(), first, last);
+  }
+}
+
+/// `named`: whether the name behind the values, if there is one, becomes a member next.
+void json_builder::settle(frame& f, std::size_t count, bundle& into, bool named) {
+  if (count == 0) return;
+  const bool complete = !f.store || named || places_.size() - f.first_place == count;
+  if (complete && !bundle_access::store(into)) {
+    while (!f.store && f.at->depth > count) f.at = f.at->before;
+    return bundle_access::set(into, f.store ? filled_store(f, count) : store_of(f, count));
+  }
+  const name_way way(f.store ? nullptr : f.at);
+  for (std::size_t n = 0; n < count; ++n) {
+    const shared_key* const name = f.store ? bundle_store::key_of(places_[f.first_place + n]) : way[n];
+    static_cast<var&>(json_tree::member(into, detail::key_view(*name))) =
+        static_cast<var&&>(*values_.at(f.first_value + n));
+  }
+}
+
+const shared_key* json_builder::name_at(const frame& f, std::size_t n) const noexcept {
+  if (f.store) return bundle_store::key_of(places_[f.first_place + n]);
+  const name_node* node = f.at;
+  while (node->depth > n + 1) node = node->before;
+  return node->key;
 }
 
 // --- names
@@ -187,13 +269,19 @@ bool json_builder::take_into_tree(frame& f, const void* written, std::size_t byt
 }
 
 void json_builder::leave_tree(frame& f) {
-  const std::size_t size = f.at ? f.at->depth : 0;
-  const name_node* way[detail::name_tree::most_depth];
-  for (const name_node* node = f.at; node; node = node->before) way[node->depth - 1] = node;
-  f.first_place = places_.size();
-  f.store = bundle_store::make(std::max<std::size_t>(8, 2 * size));
-  for (std::size_t n = 0; n < size; ++n)
-    places_.push_back(f.store->add(detail::key_view(*way[n]->key), way[n]->key));
+  const name_way way(f.at);
+  const std::size_t first = places_.size();
+  bundle_store* const store = bundle_store::make(std::max<std::size_t>(8, 2 * way.size()));
+  try {
+    places_.resize(first + way.size());
+    for (std::size_t n = 0; n < way.size(); ++n)
+      places_[first + n] = store->add(detail::key_view(*way[n]), way[n]);
+  } catch (...) {
+    bundle_store::drop(store);
+    throw;
+  }
+  f.store = store;
+  f.first_place = first;
   next_ = &nothing_known;
 }
 
@@ -201,6 +289,7 @@ void json_builder::take_into_store(frame& f, std::wstring_view name) {
   if (places_.size() - f.first_place >= options_.limits.members) throw limit_reached{L"miembros"};
   const detail::folded_key folded(name);
   const detail::key_view key(folded);
+  places_.push_back(nullptr);  // first, so that each name in the store has a place
   entry* place = f.store->find(key);
   if (!place) {
     account(name.size() * sizeof(wchar_t) * (folded.written().data() == key.text.data() ? 1 : 2));
@@ -210,7 +299,7 @@ void json_builder::take_into_store(frame& f, std::wstring_view name) {
   } else if (options_.twins == json_twins::first) {
     place = nullptr;
   }
-  places_.push_back(place);
+  places_.back() = place;
 }
 
 }  // namespace ruvo::serializer

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSL-1.0
 #pragma once
 
-// What the reader of standard JSON makes of values. Those of all open containers lie on one stack; a
-// container is made when it is complete, of as many as it has, in one piece.
+// What the readers of JSON make of values. Those of all open containers lie on one stack; a container is made
+// when it is complete, of as many as it has, in one piece.
 
 #include <ruvo/bundle.hpp>
 #include <ruvo/list.hpp>
@@ -11,6 +11,7 @@
 
 #include <cstddef>
 #include <new>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -19,7 +20,9 @@
 #include "memory/block_cache.hpp"
 #include "memory/name_tree.hpp"
 #include "memory/near_stack.hpp"
+#include "memory/thread_cache.hpp"
 #include "serializer/json/standard_strings.hpp"
+#include "serializer/json/tree.hpp"
 #include "values/bundle_store.hpp"
 #include "values/cell.hpp"
 
@@ -31,6 +34,24 @@ struct limit_reached {
 };
 struct name_twice {
   std::wstring name;
+};
+
+/// The names that the calling thread met, in texts that write them alike; its own where it can keep none.
+class known_names {
+ public:
+  explicit known_names(detail::name_tree detail::thread_cache::*kept) {
+    detail::thread_cache* const cache = detail::thread_cache::local();
+    tree_ = cache ? &(cache->*kept) : &own_.emplace();
+    if (tree_->is_full()) tree_->clear();
+  }
+  known_names(const known_names&) = delete;
+  known_names& operator=(const known_names&) = delete;
+
+  detail::name_tree& tree() noexcept { return *tree_; }
+
+ private:
+  std::optional<detail::name_tree> own_;
+  detail::name_tree* tree_;
 };
 
 /// Values on their way into containers.
@@ -84,7 +105,7 @@ struct open_container {
 };
 
 /// Takes what a reader meets, in the order of the text, and makes a value of it. Throws limit_reached,
-/// name_twice and std::bad_alloc; it may only be cleared then.
+/// name_twice and std::bad_alloc; it may only be settled or cleared then.
 class json_builder {
  public:
   /// The tree has to stay until the builder is cleared or destroyed, and nobody else may change it meanwhile.
@@ -156,6 +177,12 @@ class json_builder {
   /// Any name; `name` is what it says.
   void take_name(const void* written, std::size_t bytes, std::wstring_view name);
 
+  /// For a reader that goes on by itself, in the middle of open containers: moves the values behind those of
+  /// the containers that are open in `tree`, where the outermost one here is the innermost, and opens the
+  /// others there. A name that has no value yet is forgotten. The builder is empty then; what it holds when
+  /// this throws may only be cleared.
+  void settle(json_tree& tree, bundle& outermost);
+
  private:
   using entry = bundle::entry;
   using frame = open_container;
@@ -179,6 +206,7 @@ class json_builder {
   xvar made_list(const frame& f);
   xvar made_object(frame& f);
   detail::bundle_store* store_of(frame& f, std::size_t size);
+  detail::bundle_store* filled_store(frame& f, std::size_t size) noexcept;
   void account_text(std::size_t units) {
     if (units > detail::cell::small_length) account(detail::text_block::bytes(units));
   }
@@ -186,6 +214,9 @@ class json_builder {
     bytes_ += bytes;
     if (bytes_ > options_.limits.bytes) throw limit_reached{L"memoria"};
   }
+  void settle(const frame& f, std::size_t count, list& into);
+  void settle(frame& f, std::size_t count, bundle& into, bool named);
+  const detail::shared_key* name_at(const frame& f, std::size_t n) const noexcept;
   bool take_into_tree(frame& f, const void* written, std::size_t bytes, std::wstring_view name);
   void leave_tree(frame& f);
   void take_into_store(frame& f, std::wstring_view name);
