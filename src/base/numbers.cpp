@@ -5,6 +5,7 @@
 #include "base/numbers.hpp"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -145,11 +146,13 @@ struct decimal_digits {
   }
 };
 
+/// The powers of ten that a double holds exactly.
+constexpr double powers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                             1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
 /// Most numbers are decimal ones of up to 15 digits. No two of these have the same nearest double, so one
 /// that reads back is the shortest text there is. False for others.
 bool take_few_digits(decimal_digits& out, double magnitude) noexcept {
-  static constexpr double powers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,
-                                      1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
   if (!(magnitude >= 1e-4 && magnitude < 1e15)) return false;
   int decimals = 15;
   if (magnitude >= 1) {
@@ -242,6 +245,54 @@ struct narrow_number {
   std::string large;
   bool has_digit = false;
 };
+
+/// 1/5^n as a fraction of 64 bits, the first of which is set, cut off behind; to be divided by 2^shift.
+struct reciprocal {
+  std::uint64_t bits;
+  int shift;
+};
+
+constexpr reciprocal reciprocal_of(std::uint64_t power_of_five) noexcept {
+  const int width = static_cast<int>(std::bit_width(power_of_five));
+  std::uint64_t bits = 0, rest = std::uint64_t{1} << (width - 1);  // a division of 2^(63 + width), bit by bit
+  for (int n = 0; n < 64; ++n) {
+    rest <<= 1;
+    bits <<= 1;
+    if (rest < power_of_five) continue;
+    rest -= power_of_five;
+    ++bits;
+  }
+  return {bits, 63 + width};
+}
+
+constexpr auto reciprocals = [] {
+  std::array<reciprocal, most_quotient_decimals + 1> of{};
+  std::uint64_t power = 1;
+  for (reciprocal& each : of) {
+    each = reciprocal_of(power);
+    power *= 5;
+  }
+  return of;
+}();
+
+/// The higher half of the product.
+constexpr std::uint64_t high_product(std::uint64_t a, std::uint64_t b) noexcept {
+  const std::uint64_t a_low = a & 0xFFFFFFFF, a_high = a >> 32, b_low = b & 0xFFFFFFFF, b_high = b >> 32;
+  const std::uint64_t one = a_high * b_low + (a_low * b_low >> 32);
+  const std::uint64_t other = a_low * b_high + (one & 0xFFFFFFFF);
+  return a_high * b_high + (one >> 32) + (other >> 32);
+}
+
+/// quotient() for the rare cases.
+double uncommon_quotient(std::uint64_t digits, int decimals) noexcept {
+  char text[48];
+  char* end = std::to_chars(text, text + 24, digits).ptr;
+  *end++ = 'e';
+  end = std::to_chars(end, text + sizeof text, -decimals).ptr;
+  double value = 0;
+  std::from_chars(text, end, value);
+  return value;
+}
 
 }  // namespace
 
@@ -361,25 +412,26 @@ double read_double(std::wstring_view text) {
 }
 
 double quotient(unsigned long long digits, int decimals) noexcept {
-  // Both operands are exact in 64 bits of precision, so one division rounds correctly to those bits, and a
-  // second time to a double's 53, unless the first result lies half-way between two doubles.
-  static constexpr long double powers[] = {1e0L,  1e1L,  1e2L,  1e3L,  1e4L,  1e5L,  1e6L,  1e7L,  1e8L, 1e9L,
-                                           1e10L, 1e11L, 1e12L, 1e13L, 1e14L, 1e15L, 1e16L, 1e17L, 1e18L};
-  if constexpr (std::numeric_limits<long double>::digits == 64) {
-    const long double exact = static_cast<long double>(static_cast<long long>(digits)) / powers[decimals];
-    std::uint64_t bits;
-    std::memcpy(&bits, &exact, sizeof bits);
-    if ((bits & 0x7FF) != 0x400) return static_cast<double>(exact);
-  } else if (digits < std::uint64_t{1} << 53) {
-    return static_cast<double>(digits) / static_cast<double>(powers[decimals]);
+  // Two exact numbers: one division rounds correctly.
+  if (digits < std::uint64_t{1} << 53)
+    return static_cast<double>(static_cast<long long>(digits)) / powers[decimals];
+  // The first 54 bits of the quotient and whether there is something behind them say how to round. The
+  // product with the reciprocal is less than 2 too small in its higher half, since the reciprocal is cut off,
+  // and this goes no further than into the bits behind the 54 unless all of these are set. They are, too,
+  // where nothing is behind the 54, as the product is always too small.
+  if (decimals > 0) {
+    const auto [bits, shift] = reciprocals[static_cast<std::size_t>(decimals)];
+    const int zeros = std::countl_zero(std::uint64_t{digits});
+    const std::uint64_t product = high_product(std::uint64_t{digits} << zeros, bits);
+    const int behind = 9 + static_cast<int>(product >> 63);
+    const std::uint64_t rest = (std::uint64_t{1} << behind) - 1;
+    if ((product & rest) != rest) {
+      const std::uint64_t mantissa = ((product >> behind) + 1) >> 1;  // 2^52 to 2^53
+      const int exponent = behind + 65 - zeros - shift - decimals;
+      return std::bit_cast<double>((static_cast<std::uint64_t>(exponent + 52 + 1022) << 52) + mantissa);
+    }
   }
-  char text[48];
-  char* end = std::to_chars(text, text + 24, digits).ptr;
-  *end++ = 'e';
-  end = std::to_chars(end, text + sizeof text, -decimals).ptr;
-  double value = 0;
-  std::from_chars(text, end, value);
-  return value;
+  return uncommon_quotient(digits, decimals);
 }
 
 bool is_plain_number(std::wstring_view text) {

@@ -58,7 +58,9 @@ long long read_integer(std::wstring_view text);
 /// ("stod argument out of range") beyond the range of double.
 double read_double(std::wstring_view text);
 
-/// `digits` / 10^`decimals`, correctly rounded. At most 18 digits and 18 decimals.
+/// What quotient() takes.
+constexpr int most_quotient_digits = 19, most_quotient_decimals = 22;
+/// `digits` / 10^`decimals`, correctly rounded.
 double quotient(unsigned long long digits, int decimals) noexcept;
 
 /// Whole text: optional sign, digits, and optionally a point with optional digits.

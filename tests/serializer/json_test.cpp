@@ -4,6 +4,9 @@
 
 #include <ruvo/ruvo.hpp>
 
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
 #include <limits>
 #include <sstream>
 #include <stdexcept>
@@ -12,7 +15,9 @@
 #include <gtest/gtest.h>
 
 #include "serializer/reads.hpp"
+#include "support/dice.hpp"
 #include "support/json_outcome.hpp"
+#include "support/rounds.hpp"
 
 using ruvo::bundle;
 using ruvo::list;
@@ -85,6 +90,39 @@ TEST(json_reader, kinds_of_numbers) {
   EXPECT_TRUE(b.get_list(L"c")[0].instanceof (typeid(long long)));
   EXPECT_TRUE(b.get_list(L"c")[1].instanceof (typeid(double)));
   EXPECT_EQ(static_cast<double>(b[L"d"]), 0.1);
+}
+
+class numbers_of_json : public generated_inputs {};
+
+/// Against the standard library, in both readers: numbers of few and many digits, and those that lie half-way
+/// between two doubles, or next to it.
+TEST_F(numbers_of_json, are_the_nearest_doubles) {
+  dice random(20261122);
+  json dialect;
+  for (unsigned round = 0; round < 20000 * rounds() && !HasFailure(); ++round) {
+    const unsigned decimals = random.below(19);
+    std::string digits;
+    if (random.below(2) == 0) {
+      for (unsigned n = decimals + 1 + random.below(20 - decimals); n > 0; --n)
+        digits += "0123456789"[random.below(10)];
+    } else {
+      unsigned long long half_way = (1ULL << 53) + random.below(1U << 30) * 2 + 1;
+      for (unsigned n = random.below(5); n < 5; ++n) half_way *= 5;
+      digits = std::string(decimals, '0') + std::to_string(half_way + random.below(3) - 1);
+    }
+    digits.insert(digits.size() - decimals, decimals > 0 ? "." : ".0");
+    double expected = 0;
+    std::from_chars(digits.data(), digits.data() + digits.size(), expected);
+    const std::size_t zeros = std::min(digits.find_first_not_of('0'), digits.find('.') - 1);
+    const std::wstring text =
+        L"[" + std::wstring(digits.begin() + static_cast<std::ptrdiff_t>(zeros), digits.end()) + L"]";
+    bundle b;
+    list l;
+    ASSERT_FALSE(dialect.deserialize(b, text) || ruvo::serializer::read_standard_json(l, text));
+    EXPECT_EQ(static_cast<double>(b.get_list(L"__json_array__")[0]), expected) << digits;
+    EXPECT_EQ(static_cast<double>(l[0]), expected) << digits;
+    ++inputs;
+  }
 }
 
 TEST(json_reader, reports_and_goes_on) {

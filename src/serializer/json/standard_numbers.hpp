@@ -105,8 +105,8 @@ inline number_value value_of(const number_parts& parts, std::basic_string_view<U
     const auto value = static_cast<long long>(parts.digits);
     return {form::integer, parts.negative ? -value : value, 0};
   }
-  if (options.inexact == json_number::nearest && !parts.whole && parts.exponent == 0 && parts.count <= 18 &&
-      parts.decimals <= 18) {
+  if (options.inexact == json_number::nearest && !parts.whole && parts.exponent == 0 &&
+      parts.count <= texto::most_quotient_digits) {
     const double value = texto::quotient(parts.digits, static_cast<int>(parts.decimals));
     return {form::real, 0, parts.negative ? -value : value};
   }

@@ -153,7 +153,8 @@ class json_tokens {
     }
     if (last == end_) return false;
     const std::ptrdiff_t taken = last - whole - (point ? 1 : 0);
-    if (*last == L'-' || *last == L'.' || taken == 0 || taken > 18) {
+    const std::ptrdiff_t most = point ? texto::most_quotient_digits : 18;  // which long long holds
+    if (*last == L'-' || *last == L'.' || taken == 0 || taken > most) {
       last = std::find_if_not(last, end_, is_number_part);
       if (last == end_) return false;
       uncommon_number(between(at_, last));
