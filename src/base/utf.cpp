@@ -437,7 +437,7 @@ std::size_t utf_16_size(std::string_view text) noexcept {
 }
 
 template <class Unit>
-std::size_t utf_8_size(std::basic_string_view<Unit> text) noexcept {
+std::size_t bytes_of_units(std::basic_string_view<Unit> text) noexcept {
   const Unit* from = text.data();
   const Unit* const end = from + text.size();
   std::size_t size = 0;
@@ -483,7 +483,7 @@ void append_8(std::string& out, std::basic_string_view<Unit> text) {
   bool is_sized = text.size() <= piece;
   while (from != end) {
     if (!is_sized && out.capacity() - out.size() < 3 * piece) {
-      out.reserve(out.size() + utf_8_size(std::basic_string_view<Unit>(from, end)));
+      out.reserve(out.size() + bytes_of_units(std::basic_string_view<Unit>(from, end)));
       is_sized = true;
     }
     const Unit* const stop = from + std::min(piece, static_cast<std::size_t>(end - from));
@@ -495,6 +495,7 @@ void append_8(std::string& out, std::basic_string_view<Unit> text) {
 
 void append_utf_16(std::wstring& out, std::string_view text) { append_16(out, text); }
 void append_utf_8(std::string& out, std::wstring_view text) { append_8(out, text); }
+std::size_t utf_8_size(std::wstring_view text) noexcept { return bytes_of_units(text); }
 
 std::wstring to_utf_16(std::string_view text) {
   if (text.size() <= piece) {

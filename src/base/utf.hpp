@@ -6,6 +6,7 @@
 
 #include <ruvo/api.hpp>
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,8 @@ namespace ruvo::texto {
 
 std::wstring to_utf_16(std::string_view text);
 std::string to_utf_8(std::wstring_view text);
+/// How many bytes append_utf_8() adds.
+std::size_t utf_8_size(std::wstring_view text) noexcept;
 
 /// Of surrogate pairs, the first unit is high and the second one low.
 template <class Unit>

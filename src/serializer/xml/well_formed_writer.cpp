@@ -583,11 +583,17 @@ bool write_units(text_sink& out, const Value& value, exception* err, const xml_w
   return true;
 }
 
-std::string utf_8_of(const text_sink& written) {
-  std::string bytes;
-  bytes.reserve(written.size());
+/// Makes `bytes` the text; their memory is used again where it is large enough.
+void replace_by_utf_8(std::string& bytes, const text_sink& written) {
+  std::size_t size = 0;
+  written.each_piece([&](std::wstring_view piece) { size += texto::utf_8_size(piece); });
+  if (bytes.capacity() < size) {
+    std::string fresh;
+    fresh.reserve(size);
+    bytes.swap(fresh);
+  }
+  bytes.clear();
   written.each_piece([&](std::wstring_view piece) { texto::append_utf_8(bytes, piece); });
-  return bytes;
 }
 
 std::string utf_16_of(const text_sink& written, bool big_endian) {
@@ -615,14 +621,19 @@ bool write_text(std::string& bytes, const Value& value, exception* err, const xm
   text_sink written;
   const bool in_utf_8 = options.bytes == xml_bytes::utf_8;
   if (write_units(written, value, err, options, in_utf_8 ? L"UTF-8" : L"UTF-16")) return true;
-  bytes = in_utf_8 ? utf_8_of(written) : utf_16_of(written, options.bytes == xml_bytes::utf_16_be);
+  if (in_utf_8) {
+    replace_by_utf_8(bytes, written);
+  } else {
+    bytes = utf_16_of(written, options.bytes == xml_bytes::utf_16_be);
+  }
   return false;
 }
 template <class Value>
 bool write_text(std::u8string& text, const Value& value, exception* err, const xml_write_options& options) {
   text_sink written;
   if (write_units(written, value, err, options, L"UTF-8")) return true;
-  const std::string bytes = utf_8_of(written);
+  std::string bytes;
+  replace_by_utf_8(bytes, written);
   text.assign(reinterpret_cast<const char8_t*>(bytes.data()), bytes.size());
   return false;
 }
