@@ -4,9 +4,11 @@
 
 #include "memory/chunks.hpp"
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <mutex>
 #include <new>
 
@@ -14,30 +16,32 @@
 
 namespace ruvo::detail {
 
-/// Behind chunk_region. A thread comes here once for 64 KB.
+/// Behind chunk_region. A thread comes here once for 64 KB. The system gives memory, and takes it back, by
+/// the span of chunks, as each call takes about as long as reading a chunk full of values.
 class chunk_stock {
  public:
   chunk* take() noexcept {
     const std::lock_guard lock(mutex_);
-    if (chunk* const spare = spare_) {
-      spare_ = spare->next;
-      --spares_;
-      ++used_;
-      return spare;
-    }
-    return take_fresh();
+    if (spares_ == 0 && !commit_span()) return nullptr;
+    const std::size_t n = first_of(spans_with_spares_, first_spare_);
+    const auto bit = static_cast<std::size_t>(std::countr_zero(spare_[n]));
+    spare_[n] = static_cast<mask>(spare_[n] & (spare_[n] - 1));
+    if (spare_[n] == 0) clear(spans_with_spares_, n);
+    --spares_;
+    ++used_;
+    return new (address(n) + bit * chunk::bytes) chunk;
   }
 
   void give(chunk* empty) noexcept {
     const std::lock_guard lock(mutex_);
+    const auto at = static_cast<std::size_t>(reinterpret_cast<char*>(empty) - first()) / chunk::bytes;
+    const std::size_t n = at / in_span;
+    spare_[n] = static_cast<mask>(spare_[n] | 1u << at % in_span);
+    set(spans_with_spares_, n);
+    first_spare_ = std::min(first_spare_, n / word_bits);
+    ++spares_;
     --used_;
-    if (spares_ < most_spares && !is_closing_) {
-      empty->next = spare_;
-      spare_ = empty;
-      ++spares_;
-      return;
-    }
-    give_back(empty);
+    if (spare_[n] == whole && spares_ > most_spares) decommit_span(n);
     if (is_closing_ && used_ == 0) release();
   }
 
@@ -49,54 +53,75 @@ class chunk_stock {
   }
 
  private:
-  static constexpr std::size_t chunks = chunk_region::addresses / chunk::bytes, word_bits = 64;
+  using mask = std::uint16_t;
+  static constexpr std::size_t in_span = 16, span_bytes = in_span * chunk::bytes;
+  static constexpr mask whole = 0xFFFF;
+  static constexpr std::size_t spans = chunk_region::addresses / span_bytes, word_bits = 64;
   static constexpr std::size_t most_spares = (std::size_t{64} << 20) / chunk::bytes;
+  using bits = std::uint64_t[spans / word_bits];
+
+  /// The first bit that is set, from the word `from` on, which moves up to it; `spans` when there is none.
+  static std::size_t first_of(const bits& in, std::size_t& from) noexcept {
+    for (; from < spans / word_bits; ++from) {
+      if (in[from] != 0) return from * word_bits + static_cast<std::size_t>(std::countr_zero(in[from]));
+    }
+    return spans;
+  }
+  static void set(bits& in, std::size_t n) noexcept {
+    in[n / word_bits] |= std::uint64_t{1} << n % word_bits;
+  }
+  static void clear(bits& in, std::size_t n) noexcept {
+    in[n / word_bits] &= ~(std::uint64_t{1} << n % word_bits);
+  }
 
   char* first() const noexcept {
     return reinterpret_cast<char*>(chunk_region::first_.load(std::memory_order_relaxed));
   }
+  char* address(std::size_t span) const noexcept { return first() + span * span_bytes; }
 
   bool has_addresses() noexcept {
     if (chunk_region::first_.load(std::memory_order_relaxed) != chunk_region::nowhere) return true;
     if (is_refused_ || is_closing_) return false;
     void* const got = platform::reserve_addresses(chunk_region::addresses);
     is_refused_ = !got;
-    if (got) chunk_region::first_.store(reinterpret_cast<std::uintptr_t>(got), std::memory_order_relaxed);
-    return got != nullptr;
+    if (!got) return false;
+    chunk_region::first_.store(reinterpret_cast<std::uintptr_t>(got), std::memory_order_relaxed);
+    std::fill(std::begin(spans_without_memory_), std::end(spans_without_memory_), ~std::uint64_t{0});
+    return true;
   }
 
-  chunk* take_fresh() noexcept {
-    if (!has_addresses()) return nullptr;
-    while (first_open_ < chunks / word_bits && ~in_use_[first_open_] == 0) ++first_open_;
-    if (first_open_ == chunks / word_bits) return nullptr;
-    std::uint64_t& word = in_use_[first_open_];
-    const auto bit = static_cast<std::size_t>(std::countr_one(word));
-    char* const at = first() + (first_open_ * word_bits + bit) * chunk::bytes;
-    if (!platform::commit_pages(at, chunk::bytes)) return nullptr;
-    word |= std::uint64_t{1} << bit;
-    ++used_;
-    return new (at) chunk;
+  bool commit_span() noexcept {
+    if (!has_addresses()) return false;
+    const std::size_t n = first_of(spans_without_memory_, first_without_memory_);
+    if (n == spans || !platform::commit_pages(address(n), span_bytes)) return false;
+    clear(spans_without_memory_, n);
+    set(spans_with_spares_, n);
+    first_spare_ = std::min(first_spare_, n / word_bits);
+    spare_[n] = whole;
+    spares_ += in_span;
+    return true;
   }
 
-  void give_back(chunk* empty) noexcept {
-    const auto n = static_cast<std::size_t>(reinterpret_cast<char*>(empty) - first()) / chunk::bytes;
-    platform::decommit_pages(empty, chunk::bytes);
-    in_use_[n / word_bits] &= ~(std::uint64_t{1} << n % word_bits);
-    if (n / word_bits < first_open_) first_open_ = n / word_bits;
+  void decommit_span(std::size_t n) noexcept {
+    platform::decommit_pages(address(n), span_bytes);
+    set(spans_without_memory_, n);
+    first_without_memory_ = std::min(first_without_memory_, n / word_bits);
+    clear(spans_with_spares_, n);
+    spare_[n] = 0;
+    spares_ -= in_span;
   }
 
   void release() noexcept {
     if (chunk_region::first_.load(std::memory_order_relaxed) == chunk_region::nowhere) return;
     platform::release_addresses(first(), chunk_region::addresses);
     chunk_region::first_.store(chunk_region::nowhere, std::memory_order_relaxed);
-    spare_ = nullptr;
     spares_ = 0;
   }
 
   std::mutex mutex_;
-  std::uint64_t in_use_[chunks / word_bits] = {};  // the chunks that have memory
-  std::size_t first_open_ = 0;                     // no word before it has a bit to spare
-  chunk* spare_ = nullptr;
+  mask spare_[spans] = {};  // the chunks of each span that have memory and are free
+  bits spans_with_spares_ = {}, spans_without_memory_ = {};
+  std::size_t first_spare_ = 0, first_without_memory_ = 0;  // no word before them has a bit
   std::size_t spares_ = 0, used_ = 0;
   bool is_refused_ = false, is_closing_ = false;
 };

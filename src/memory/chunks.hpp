@@ -25,7 +25,6 @@ struct alignas(16) chunk {
   void release(std::size_t blocks) noexcept;
 
   std::atomic<std::size_t> live{0};  // blocks, and `open` while a thread takes some
-  chunk* next = nullptr;             // among those that are free
 
   static constexpr std::size_t open = std::size_t{1} << 32;
 };
