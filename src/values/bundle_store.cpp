@@ -41,6 +41,13 @@ bundle_store::large_order::place bundle_store::large_order::lower_bound(
   return {static_cast<std::size_t>(in - leaves.begin()), static_cast<std::size_t>(at - in->begin())};
 }
 
+bundle::entry* bundle_store::large_order::find(const key_view& key) const noexcept {
+  entry* const found = index.find(key);
+  if (found || !index.is_incomplete()) return found;
+  entry* const next = at(lower_bound(key.text));
+  return next && next->first == key.text ? next : nullptr;
+}
+
 bundle::entry* bundle_store::large_order::at(place where) const noexcept {
   return where.leaf < leaves.size() && where.at < leaves[where.leaf].size() ? leaves[where.leaf][where.at]
                                                                             : nullptr;
@@ -49,6 +56,7 @@ bundle::entry* bundle_store::large_order::at(place where) const noexcept {
 void bundle_store::large_order::insert(entry* item) {
   // Room first: a leaf must not have an entry that `order` could not take.
   if (order.size() == order.capacity()) order.reserve(std::max<std::size_t>(4, order.size() * 2));
+  index.reserve(order.size() + 1, order);
   place to = lower_bound(item->first);
   if (to.leaf == leaves.size()) to = {leaves.size() - 1, leaves.back().size()};
   if (leaves[to.leaf].size() == leaf_limit) {
@@ -61,6 +69,7 @@ void bundle_store::large_order::insert(entry* item) {
   leaf& in = leaves[to.leaf];
   in.insert(in.begin() + static_cast<std::ptrdiff_t>(to.at), item);
   order.push_back(item);
+  index.add(item);
 }
 
 void bundle_store::large_order::erase(const entry* item) noexcept {
@@ -69,6 +78,7 @@ void bundle_store::large_order::erase(const entry* item) noexcept {
   in.erase(in.begin() + static_cast<std::ptrdiff_t>(from.at));
   if (in.empty() && leaves.size() > 1) leaves.erase(leaves.begin() + static_cast<std::ptrdiff_t>(from.leaf));
   order.erase(std::find(order.begin(), order.end(), item));
+  index.remove(item);
 }
 
 // --- memory
@@ -140,6 +150,7 @@ void bundle_store::become_large() {
   large->leaves.emplace_back();
   large->order.assign(order_, order_ + size_);
   for (std::size_t rank = 0; rank < size_; ++rank) large->leaves.front().push_back(order_[ranks()[rank]]);
+  large->index.reserve(size_, large->order);
   large_ = std::move(large);
 }
 
@@ -246,9 +257,7 @@ void bundle_store::erase_from_arrays(const entry* item) noexcept {
 // --- entries
 
 bundle::entry* bundle_store::find(const key_view& key) const noexcept {
-  if (!large_) return find_in_arrays(key);
-  entry* const found = large_->at(large_->lower_bound(key.text));
-  return found && found->first == key.text ? found : nullptr;
+  return large_ ? large_->find(key) : find_in_arrays(key);
 }
 
 bundle::entry* bundle_store::put(const key_view& key) {

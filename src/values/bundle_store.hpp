@@ -5,7 +5,8 @@
 //
 // Entries lie in blocks and never move. Up to `small_limit` entries, three arrays of one allocation with the
 // newest block say in which order: the entries by position, their hashes by position (look-up scans these),
-// and the positions by key. Beyond, sorted leaves of entries take over look-up and order.
+// and the positions by key. Beyond, sorted leaves of entries take over the order, and a table of hashes
+// look-up.
 
 #include <ruvo/bundle.hpp>
 
@@ -17,6 +18,7 @@
 #include <vector>
 
 #include "base/limits.hpp"
+#include "values/entry_index.hpp"
 #include "values/folded_key.hpp"
 
 namespace ruvo::detail {
@@ -97,7 +99,9 @@ class bundle_store {
     static_assert(leaf_limit <= 0xFFFF);
     std::vector<entry*> order;
     std::vector<leaf> leaves;
+    entry_index index;
 
+    entry* find(const key_view& key) const noexcept;
     /// The first place whose key is not before `key`; behind the last one, {leaves.size(), 0}.
     place lower_bound(std::wstring_view key) const noexcept;
     entry* at(place where) const noexcept;
