@@ -39,8 +39,66 @@ int count_digits(std::uint64_t value) noexcept {
   return value >= 10 ? digits + 1 : digits;
 }
 
+/// Writes exactly `count` digits, with zeros in front.
+void put_digits(wchar_t* to, std::uint32_t value, int count) noexcept {
+  wchar_t* at = to + count;
+  for (; at - to >= 2; value /= 100) put_pair(at -= 2, value % 100);
+  if (at != to) *to = static_cast<wchar_t>(L'0' + value);
+}
+
+/// Writes nine digits.
+void put_nine_digits(wchar_t* to, std::uint32_t value) noexcept {
+  const std::uint32_t five = value / 10000, last = value % 10000, middle = five % 10000;
+  *to = static_cast<wchar_t>(L'0' + five / 10000);
+  put_pair(to + 1, middle / 100);
+  put_pair(to + 3, middle % 100);
+  put_pair(to + 5, last / 100);
+  put_pair(to + 7, last % 100);
+}
+
+constexpr int most_large_units = 96;  // of print_large with few decimals
+
+/// From 2^63 on every double is a whole number. Below 2^256 its digits are made here, nine at a time; null
+/// for all others.
+wchar_t* print_large(wchar_t* to, double value, int decimals) noexcept {
+  const auto bits = std::bit_cast<std::uint64_t>(value);
+  const int shift = static_cast<int>(bits >> 52 & 0x7FF) - 1075;  // of a significand of 53 bits
+  if (shift < 11 || shift > 256 - 53 || decimals > most_short_decimals) return nullptr;
+  const std::uint64_t significand = (bits & 0xFFFFFFFFFFFFF) | std::uint64_t{1} << 52;
+  std::uint32_t words[9] = {};  // the lowest first
+  words[shift / 32] = static_cast<std::uint32_t>(significand << shift % 32);
+  const std::uint64_t above = significand >> (32 - shift % 32);
+  words[shift / 32 + 1] = static_cast<std::uint32_t>(above);
+  words[shift / 32 + 2] = static_cast<std::uint32_t>(above >> 32);
+  std::uint32_t nines[9];
+  int parts = 0;
+  int top = shift / 32 + 3;
+  while (words[top - 1] == 0) --top;
+  while (top > 0) {
+    std::uint64_t rest = 0;
+    for (int at = top; at-- > 0;) {
+      rest = rest << 32 | words[at];
+      words[at] = static_cast<std::uint32_t>(rest / 1000000000);
+      rest %= 1000000000;
+    }
+    nines[parts++] = static_cast<std::uint32_t>(rest);
+    top -= static_cast<int>(words[top - 1] == 0);
+  }
+  if (std::signbit(value)) *to++ = L'-';
+  to = print_unsigned(to, nines[--parts]);
+  for (; parts > 0; to += 9) put_nine_digits(to, nines[--parts]);
+  if (decimals == 0) return to;
+  *to++ = L'.';
+  return std::fill_n(to, decimals, L'0');
+}
+
 /// The general case: any magnitude, any number of decimals, NaN and infinities.
 void append_fixed_slow(std::wstring& out, double value, int decimals) {
+  wchar_t whole[most_large_units];
+  if (const wchar_t* const end = print_large(whole, value, decimals)) {
+    out.append(whole, static_cast<std::size_t>(end - whole));
+    return;
+  }
   constexpr int most_other_units = 311;  // sign, 309 digits, point
   char small[512];
   std::string large;
@@ -103,13 +161,6 @@ bool split_fixed(double magnitude, std::uint32_t scale, fixed_parts& parts) {
     ++parts.whole;
   }
   return true;
-}
-
-/// Writes exactly `count` digits, with zeros in front.
-void put_digits(wchar_t* to, std::uint32_t value, int count) noexcept {
-  wchar_t* at = to + count;
-  for (; at - to >= 2; value /= 100) put_pair(at -= 2, value % 100);
-  if (at != to) *to = static_cast<wchar_t>(L'0' + value);
 }
 
 // --- the shortest text
@@ -335,6 +386,7 @@ wchar_t* print_fixed(wchar_t* to, double value, int decimals) noexcept {
 }
 
 wchar_t* print_any_fixed(wchar_t* to, double value) noexcept {
+  if (wchar_t* const end = print_large(to, value, 6)) return end;
   char text[most_fixed_units];
   return std::copy(text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 6).ptr, to);
 }
