@@ -22,9 +22,6 @@ endfunction()
 function(kesta_library_settings target)
   kesta_settings(${target})
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/src)
-  if(WIN32)
-    target_link_libraries(${target} PRIVATE advapi32 ole32)
-  endif()
 endfunction()
 
 # kesta_unity(TARGET MOST): the sources of a folder are compiled MOST at a time, in half of the time that they take alone.

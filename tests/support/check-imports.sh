@@ -6,7 +6,7 @@ set -eu
 objdump=$1 dll=$2
 shift 2
 folder=$(dirname "$dll")
-allowed="KERNEL32.dll msvcrt.dll ADVAPI32.dll ole32.dll $*"
+allowed="KERNEL32.dll msvcrt.dll $*"
 bad=0
 for file in "$(basename "$dll")" "$@"; do
   if [ ! -f "$folder/$file" ]; then

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "system/handle.hpp"
+#include "system/win32/late.hpp"
 #include "system/win32/text.hpp"
 #include "system/win32/win32.hpp"
 
@@ -17,12 +18,12 @@ namespace {
 
 std::vector<std::byte> token_user() {
   HANDLE opened = nullptr;
-  if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &opened)) return {};
+  if (!late::security().open_token(GetCurrentProcess(), TOKEN_QUERY, &opened)) return {};
   const handle token(opened);
   DWORD size = 0;
-  GetTokenInformation(token.get(), TokenUser, nullptr, 0, &size);
+  late::security().token_facts(token.get(), TokenUser, nullptr, 0, &size);
   std::vector<std::byte> out(size);
-  const bool known = size && GetTokenInformation(token.get(), TokenUser, out.data(), size, &size);
+  const bool known = size && late::security().token_facts(token.get(), TokenUser, out.data(), size, &size);
   if (!known) out.clear();
   return out;
 }
@@ -30,13 +31,13 @@ std::vector<std::byte> token_user() {
 bool account_of(PSID sid, std::wstring& user, std::wstring& domain) {
   DWORD user_size = 0, domain_size = 0;
   SID_NAME_USE use;
-  LookupAccountSidW(nullptr, sid, nullptr, &user_size, nullptr, &domain_size, &use);
+  late::security().account_of(nullptr, sid, nullptr, &user_size, nullptr, &domain_size, &use);
   if (!user_size || !domain_size) return false;
   // The sizes count the zero at the end, the lengths that come back do not.
   user.resize(user_size);
   domain.resize(domain_size);
   const bool known =
-      LookupAccountSidW(nullptr, sid, user.data(), &user_size, domain.data(), &domain_size, &use);
+      late::security().account_of(nullptr, sid, user.data(), &user_size, domain.data(), &domain_size, &use);
   user.resize(known ? user_size : 0);
   domain.resize(known ? domain_size : 0);
   return known;
@@ -44,7 +45,7 @@ bool account_of(PSID sid, std::wstring& user, std::wstring& domain) {
 
 std::wstring sid_text(PSID sid) {
   wchar_t* made = nullptr;
-  if (!ConvertSidToStringSidW(sid, &made)) return {};
+  if (!late::security().sid_text(sid, &made)) return {};
   const local_text owner(made, LocalFree);
   return made;
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "system/win32/facts.hpp"
+#include "system/win32/late.hpp"
 #include "system/win32/open.hpp"
 #include "system/win32/path.hpp"
 #include "system/win32/win32.hpp"
@@ -33,9 +34,9 @@ entry_record record_of(const Information& found) noexcept {
 
 /// The number at the end of a security identifier.
 unsigned long last_number(PSID sid) noexcept {
-  if (!sid || !IsValidSid(sid)) return 0;
-  const UCHAR count = *GetSidSubAuthorityCount(sid);
-  return count ? *GetSidSubAuthority(sid, count - 1u) : 0;
+  if (!sid || !late::security().is_sid(sid)) return 0;
+  const auto* const parts = static_cast<const SID*>(sid);
+  return parts->SubAuthorityCount ? parts->SubAuthority[parts->SubAuthorityCount - 1] : 0;
 }
 
 bool may_open(const std::wstring& path, DWORD access) {
@@ -99,8 +100,8 @@ bool read_owner(const std::wstring& path, owner_numbers& out) {
   std::vector<unsigned char> found = security_of(file.get(), wanted);
   PSID user = nullptr, group = nullptr;
   BOOL is_default;
-  if (found.empty() || !GetSecurityDescriptorOwner(found.data(), &user, &is_default) ||
-      !GetSecurityDescriptorGroup(found.data(), &group, &is_default))
+  if (found.empty() || !late::security().owner_of(found.data(), &user, &is_default) ||
+      !late::security().group_of(found.data(), &group, &is_default))
     return false;
   out = {last_number(user), last_number(group)};
   return true;

@@ -4,6 +4,8 @@
 
 #include "system/win32/facts.hpp"
 
+#include "system/win32/late.hpp"
+
 namespace ruvo::platform {
 
 namespace {
@@ -53,9 +55,9 @@ bool read_identity(HANDLE opened, entry_identity& out) noexcept {
 
 std::vector<unsigned char> security_of(HANDLE opened, SECURITY_INFORMATION wanted) {
   DWORD size = 0;
-  GetKernelObjectSecurity(opened, wanted, nullptr, 0, &size);
+  late::security().security_of(opened, wanted, nullptr, 0, &size);
   std::vector<unsigned char> out(size);
-  if (!GetKernelObjectSecurity(opened, wanted, out.data(), size, &size)) out.clear();
+  if (!late::security().security_of(opened, wanted, out.data(), size, &size)) out.clear();
   return out;
 }
 

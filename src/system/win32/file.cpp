@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "system/win32/facts.hpp"
+#include "system/win32/late.hpp"
 #include "system/win32/open.hpp"
 #include "system/win32/path.hpp"
 #include "system/win32/win32.hpp"
@@ -105,7 +106,7 @@ bool copy_attributes(const std::wstring& from, const std::wstring& to) {
   const DWORD own = GetFileAttributesW(name.c_str());
   if (own == INVALID_FILE_ATTRIBUTES) return true;
   if (attributes & FILE_ATTRIBUTE_ENCRYPTED && !(own & FILE_ATTRIBUTE_ENCRYPTED) &&
-      !EncryptFileW(name.c_str()))
+      !late::security().encrypt(name.c_str()))
     return false;
   if (attributes & copied) SetFileAttributesW(name.c_str(), own | (attributes & copied));
   return true;

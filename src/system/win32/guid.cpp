@@ -7,13 +7,14 @@
 #include <algorithm>
 #include <iterator>
 
+#include "system/win32/late.hpp"
 #include "system/win32/win32.hpp"
 
 namespace ruvo::platform {
 
 bool make_guid(guid& out) noexcept {
   GUID made;
-  if (FAILED(CoCreateGuid(&made))) return false;
+  if (FAILED(late::com().make_guid(&made))) return false;
   out.data1 = made.Data1;
   out.data2 = made.Data2;
   out.data3 = made.Data3;

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "system/win32/late.hpp"
 #include "system/win32/text.hpp"
 #include "system/win32/win32.hpp"
 
@@ -27,7 +28,7 @@ bool is_console_program() {
 unsigned long thread_id() noexcept { return GetCurrentThreadId(); }
 unsigned long process_id() noexcept { return GetCurrentProcessId(); }
 
-void init_com() noexcept { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
+void init_com() noexcept { late::com().initialize(nullptr, COINIT_APARTMENTTHREADED); }
 
 bool environment_variable(const std::wstring& name, std::wstring& value) {
   std::wstring out = text_from([&](wchar_t* room, DWORD size) {
