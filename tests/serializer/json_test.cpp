@@ -26,13 +26,13 @@ using ruvo::serializer::json;
 
 namespace {
 
-reading_outcome read(const std::wstring& text) {
+reading_outcome read_json(const std::wstring& text) {
   reading_outcome o;
   o.failed = json().deserialize(o.store, text, &o.error);
   return o;
 }
 
-std::wstring written(const bundle& b, bool ordered = true, bool tabulated = false, bool escaped = true) {
+std::wstring written_json(const bundle& b, bool ordered = true, bool tabulated = false, bool escaped = true) {
   std::wstring text;
   ruvo::exception error = ruvo::exc::NotImplemented();
   EXPECT_FALSE(json(ordered, tabulated, escaped).serialize(text, b, &error));
@@ -76,7 +76,7 @@ TEST(json_reader, reads) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
-    const reading_outcome o = read(row.text);
+    const reading_outcome o = read_json(row.text);
     EXPECT_FALSE(o.failed);
     EXPECT_EQ(o.store.to_string(), row.store);
     EXPECT_EQ(o.error.get_code(), 3U);
@@ -84,7 +84,7 @@ TEST(json_reader, reads) {
 }
 
 TEST(json_reader, kinds_of_numbers) {
-  const bundle b = read(L"{\"a\":1.0,\"b\":2,\"c\":[3,4.0],\"d\":0.1}").store;
+  const bundle b = read_json(L"{\"a\":1.0,\"b\":2,\"c\":[3,4.0],\"d\":0.1}").store;
   EXPECT_TRUE(b[L"a"].instanceof (typeid(double)));
   EXPECT_TRUE(b[L"b"].instanceof (typeid(long long)));
   EXPECT_TRUE(b.get_list(L"c")[0].instanceof (typeid(long long)));
@@ -145,7 +145,7 @@ TEST(json_reader, reports_and_goes_on) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
-    const reading_outcome o = read(row.text);
+    const reading_outcome o = read_json(row.text);
     EXPECT_TRUE(o.failed);
     EXPECT_EQ(o.error.get_raw_code(), row.raw);
     EXPECT_EQ(o.error.get_rango(), 6U);
@@ -300,9 +300,9 @@ TEST(json_writer, scalars) {
     SCOPED_TRACE(row.name);
     bundle b;
     b[L"k"] = row.value;
-    EXPECT_EQ(written(b), L"{\"k\":" + std::wstring(row.text) + L"}");
+    EXPECT_EQ(written_json(b), L"{\"k\":" + std::wstring(row.text) + L"}");
     if (row.unescaped) {
-      EXPECT_EQ(written(b, true, false, false), L"{\"k\":" + std::wstring(row.unescaped) + L"}");
+      EXPECT_EQ(written_json(b, true, false, false), L"{\"k\":" + std::wstring(row.unescaped) + L"}");
     }
   }
 }
@@ -319,7 +319,7 @@ TEST(json_writer, every_code_unit_is_escaped_or_kept) {
     } else if (c < 32 || c == 127) {
       expected = L" ";
     }
-    ASSERT_EQ(written(b),
+    ASSERT_EQ(written_json(b),
               L"{\"k\":\"" + std::wstring(c % 19, L'x') + expected + std::wstring(c % 11, L'y') + L"\"}");
   }
 }
@@ -328,12 +328,12 @@ TEST(json_writer, layouts) {
   bundle b;
   b[L"b"] = 1;
   b[L"a"];
-  EXPECT_EQ(written(b), L"{\"a\":\"\",\"b\":1}");
-  EXPECT_EQ(written(b, false), L"{\"b\":1,\"a\":\"\"}");
-  EXPECT_EQ(written(b, false, false, false), L"{\"a\":\"\",\"b\":1}");  // by key all the same
+  EXPECT_EQ(written_json(b), L"{\"a\":\"\",\"b\":1}");
+  EXPECT_EQ(written_json(b, false), L"{\"b\":1,\"a\":\"\"}");
+  EXPECT_EQ(written_json(b, false, false, false), L"{\"a\":\"\",\"b\":1}");  // by key all the same
   bundle with_list;
   with_list[L"a"] = list{1, 2};
-  EXPECT_EQ(written(with_list, true, true), L"{\n\"a\":[\n1,\n2]\n\n}");
+  EXPECT_EQ(written_json(with_list, true, true), L"{\n\"a\":[\n1,\n2]\n\n}");
   json again(true, true, true);
   std::wstring text;
   bundle nested;
@@ -345,8 +345,8 @@ TEST(json_writer, layouts) {
 }
 
 TEST(json_writer, array_document) {
-  EXPECT_EQ(written(read(L"[1,2]").store), L"[1,2]");
-  EXPECT_EQ(written({{L"__json_array__", list{1}}, {L"a", 2}, {L"z", 3}}), L"[1]");
+  EXPECT_EQ(written_json(read_json(L"[1,2]").store), L"[1,2]");
+  EXPECT_EQ(written_json({{L"__json_array__", list{1}}, {L"a", 2}, {L"z", 3}}), L"[1]");
   bundle b;
   b[L"__json_array__"] = 5;
   std::wstring text;
@@ -379,7 +379,8 @@ TEST(json_writer, derived_writers_are_asked_for_everything) {
   EXPECT_EQ(null_writer().raw_value(xvar()), L"null");
   my_writer writer;
   std::wstring text;
-  EXPECT_FALSE(writer.write(text, read(L"{\"a\":1,\"b\":[{\"c\":2},\"x\"],\"d\":{}}").store, nullptr, 0));
+  EXPECT_FALSE(
+      writer.write(text, read_json(L"{\"a\":1,\"b\":[{\"c\":2},\"x\"],\"d\":{}}").store, nullptr, 0));
   EXPECT_EQ(text, L"{\"Ka\":\"number\",\"Kb\":[{\"Kc\":\"number\"},\"x\"],\"Kd\":{}}");
   EXPECT_EQ(writer.bundles, 3);
 }

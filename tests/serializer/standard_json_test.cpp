@@ -29,7 +29,7 @@ struct read_outcome {
 };
 
 template <class Text>
-read_outcome read(const Text& text, const json_read_options& options = {}) {
+read_outcome read_standard(const Text& text, const json_read_options& options = {}) {
   read_outcome out;
   out.value = L"before";
   ruvo::exception failure;
@@ -52,17 +52,17 @@ std::string utf8(std::wstring_view text) { return ruvo::texto::to_utf_8(std::wst
 void expect_refused(const std::wstring& marked, unsigned long code, const json_read_options& options = {}) {
   const std::size_t mark = marked.find(L'¦');
   const std::wstring before = marked.substr(0, mark), text = before + marked.substr(mark + 1);
-  const read_outcome wide = read(text, options);
+  const read_outcome wide = read_standard(text, options);
   EXPECT_EQ(wide.code, code) << testing::PrintToString(marked);
   EXPECT_EQ(wide.position, mark + 1) << testing::PrintToString(marked);
-  const read_outcome narrow = read(utf8(text), options);
+  const read_outcome narrow = read_standard(utf8(text), options);
   EXPECT_EQ(narrow.code, code) << testing::PrintToString(marked);
   EXPECT_EQ(narrow.position, utf8(before).size() + 1) << testing::PrintToString(marked);
 }
 
 /// The value that both encodings give.
 xvar value_of(const std::wstring& text, const json_read_options& options = {}) {
-  const read_outcome wide = read(text, options), narrow = read(utf8(text), options);
+  const read_outcome wide = read_standard(text, options), narrow = read_standard(utf8(text), options);
   EXPECT_EQ(wide.code, 0u) << testing::PrintToString(text);
   EXPECT_EQ(narrow.code, 0u) << testing::PrintToString(text);
   EXPECT_EQ(wide.value.to_string(), narrow.value.to_string());
@@ -100,18 +100,18 @@ TEST(standard_json, refuses_bytes_that_are_not_utf_8_at_the_first_of_them) {
         "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xFE", "\xFF"}) {
     for (const std::string before : {"\"", "\"a", "{\"ñ", "[\"ñandú, ñandú, ñandú y más "}) {
       for (const std::string behind : {"", "\"", "aaaaaaaaaaaaaaaaaaaa\"]"}) {
-        const read_outcome out = read(before + bytes + behind);
+        const read_outcome out = read_standard(before + bytes + behind);
         EXPECT_EQ(out.code, 6008u) << before << testing::PrintToString(bytes) << behind;
         EXPECT_EQ(out.position, before.size() + 1) << before << testing::PrintToString(bytes) << behind;
       }
     }
   }
-  const read_outcome outside = read("[\xC3\xB1]");
+  const read_outcome outside = read_standard("[\xC3\xB1]");
   EXPECT_EQ(outside.code, 6001u);
   EXPECT_EQ(outside.position, 2u);
   for (const std::wstring text :
        {L"\"a\xD83D\"", L"\"a\xDE00\"", L"\"a\xD83D", L"\"a\xDE00\xD83D\"", L"\"a\xD83D\\uDE00\""}) {
-    const read_outcome lone = read(text);
+    const read_outcome lone = read_standard(text);
     EXPECT_EQ(lone.code, 6001u) << testing::PrintToString(text);
     EXPECT_EQ(lone.position, 3u) << testing::PrintToString(text);
   }
@@ -248,7 +248,7 @@ TEST(standard_json, passes_over_a_byte_order_mark_if_allowed) {
   EXPECT_EQ(value_of(L"1", options).to_string(), L"1");
   expect_refused(L"\xFEFF¦\xFEFF", 6001, options);
   expect_refused(L"\xFEFF¦", 6001, options);
-  EXPECT_EQ(read("\xEF\xBB", options).position, 1u);
+  EXPECT_EQ(read_standard("\xEF\xBB", options).position, 1u);
 }
 
 // --- limits
@@ -288,7 +288,7 @@ TEST(standard_json, estimates_the_memory_of_values) {
   for (const std::string element : {"0", "[]", "{}", "{\"a\":1}", "\"a text in a block\""}) {
     std::string text = "[";
     while (text.size() < (4u << 20)) text += element + ",";
-    const read_outcome out = read(text + "0]", options);
+    const read_outcome out = read_standard(text + "0]", options);
     EXPECT_EQ(out.code, 6005u) << element;
     EXPECT_LT(out.position, (1u << 20)) << element;
   }

@@ -32,14 +32,14 @@ struct node {
   std::vector<node> children;
 };
 
-xvar value_of(const node& n);
+xvar value_by_model(const node& n);
 
 /// A bundle, or from the first repetition on a list of what was there, by key, and all that follows.
 xvar children_of(const std::vector<node>& children) {
   bundle members;
   std::size_t n = 0;
   for (; n < children.size() && members.count(children[n].name) == 0; ++n)
-    members[children[n].name] = value_of(children[n]);
+    members[children[n].name] = value_by_model(children[n]);
   if (n == children.size()) return members;
   list items;
   for (const auto& [key, value] : members) {
@@ -49,13 +49,13 @@ xvar children_of(const std::vector<node>& children) {
   }
   for (; n < children.size(); ++n) {
     bundle item;
-    item[children[n].name] = value_of(children[n]);
+    item[children[n].name] = value_by_model(children[n]);
     items.push_back(item);
   }
   return items;
 }
 
-xvar value_of(const node& n) {
+xvar value_by_model(const node& n) {
   xvar value = n.children.empty() ? xvar(n.text) : children_of(n.children);
   for (const auto& [name, text] : n.attributes) value[name] = text;
   return value;
@@ -63,7 +63,7 @@ xvar value_of(const node& n) {
 
 std::wstring expected(const node& root) {
   bundle document;
-  document[root.name] = value_of(root);
+  document[root.name] = value_by_model(root);
   return xml_outcome::text_of(document);
 }
 

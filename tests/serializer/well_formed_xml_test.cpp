@@ -141,7 +141,7 @@ TEST(well_formed_xml, attributes) {
 
 /// The failure is at the character behind ¦.
 template <class... Options>
-void expect_refused(std::wstring text, const Options&... options) {
+void expect_not_well_formed(std::wstring text, const Options&... options) {
   const std::size_t where = text.find(L'¦');
   ASSERT_NE(where, text.npos);
   text.erase(where, 1);
@@ -208,7 +208,7 @@ TEST(well_formed_xml, refused) {
       L"<!DOCTYPE r [<?¦xml version='1.0'?>]><r/>", L"<!DOCTYPE r [%¦ p;]><r/>",
       L"<!DOCTYPE r [<!ENTITY a 'b'>]><r>¦&a;</r>", L"<!DOCTYPE r [<!ENTITY lt '<'>]><r>&lt;&a¦",
       L"<!DOCTYPE r [<!ENTITY x SYSTEM 'file:///x'>]><r x='¦&x;'/>"};
-  for (const std::wstring& text : rows) expect_refused(text);
+  for (const std::wstring& text : rows) expect_not_well_formed(text);
 }
 
 /// Within a document type; with two blanks between them.
@@ -228,7 +228,7 @@ TEST(well_formed_xml, declarations_refused) {
            L"ENTITY % a SYSTEM 'b' ¦NDATA c  ENTITY a PUBLIC 'b'¦  NOTATION a ¦  NOTATION a ¦'b'  "
            L"NOTATION a PUBLIC 'b'¦'c'  NOTATION a PUBLIC 'b' ¦c",
            L"  "))
-    expect_refused(L"<!DOCTYPE r [<!" + text + L">]><r/>");
+    expect_not_well_formed(L"<!DOCTYPE r [<!" + text + L">]><r/>");
 }
 
 // --- options
@@ -331,14 +331,14 @@ TEST(well_formed_xml, declarations_that_bring_what_can_not_stand) {
                                     L"<!ENTITY e '<?xml version=\"1.0\"?>'>]><r>¦&e;</r>",
                                     L"<!ENTITY e ']]>'>]><r>¦&e;</r>",
                                     L"<!ENTITY e '<a x=\"1\" x=\"2\"/>'>]><r>¦&e;</r>"})
-    expect_refused(std::wstring(L"<!DOCTYPE r [") + text, declared());
+    expect_not_well_formed(std::wstring(L"<!DOCTYPE r [") + text, declared());
   EXPECT_EQ(
       read(std::wstring(L"<!DOCTYPE r [<!ENTITY e '<a></b>'>]><r>&e;</r>"), declared()).error.get_code(), 2U);
   const std::wstring standalone =
       L"<?xml version='1.0' standalone='yes'?><!DOCTYPE r [<!ENTITY % p \"<!ENTITY e '1'><!ATTLIST r a "
       L"CDATA '&e;'>\">%p;]><r>";
   EXPECT_FALSE(read(standalone + L"</r>", declared()).failed);
-  expect_refused(standalone + L"¦&e;</r>", declared());
+  expect_not_well_formed(standalone + L"¦&e;</r>", declared());
 }
 
 TEST(well_formed_xml, limits) {
@@ -372,7 +372,7 @@ TEST(well_formed_xml, limits) {
     text.erase(text.find(L'¦'), 1);
     EXPECT_FALSE(read(text, how).failed) << testing::PrintToString(text);
     how.limits.*row.limit = row.most;
-    expect_refused(row.text, how);
+    expect_not_well_formed(row.text, how);
     const reading_outcome o = read(text, how);
     EXPECT_EQ(o.error.get_code(), 6U) << testing::PrintToString(text);
     EXPECT_EQ(o.error.get_detail(), row.name);

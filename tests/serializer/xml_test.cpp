@@ -29,7 +29,7 @@ reading_outcome read_dialect(const std::wstring& text) {
 }
 
 /// Without the declaration.
-std::wstring written(const bundle& b, bool ordered = true, bool tabulated = false) {
+std::wstring written_dialect(const bundle& b, bool ordered = true, bool tabulated = false) {
   std::wstring text;
   ruvo::exception error = ruvo::exc::NotImplemented();
   EXPECT_FALSE(xml(ordered, tabulated).serialize(text, b, &error));
@@ -251,9 +251,9 @@ TEST(xml_writer, writes) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
-    EXPECT_EQ(written(row.in), row.text);
+    EXPECT_EQ(written_dialect(row.in), row.text);
   }
-  EXPECT_EQ(written({{L"b", 1}, {L"a", bundle{{L"d", 2}, {L"c", 3}}}}, false),
+  EXPECT_EQ(written_dialect({{L"b", 1}, {L"a", bundle{{L"d", 2}, {L"c", 3}}}}, false),
             L"<b>1</b><a><d>2</d><c>3</c></a>");
 }
 
@@ -326,10 +326,10 @@ TEST(xml, there_and_back) {
   const reading_outcome o = read_dialect(text);
   EXPECT_FALSE(o.failed);
   EXPECT_EQ(o.store.get_string(L"pedido.cliente"), L"Pe'a & Hijos");
-  EXPECT_EQ(written(o.store), text);
-  EXPECT_EQ(written(o.store, false), text);
-  EXPECT_EQ(written(read_dialect(declaration + text).store), text);
-  EXPECT_EQ(xml_outcome::text_of(read_dialect(written(o.store, true, true)).store),
+  EXPECT_EQ(written_dialect(o.store), text);
+  EXPECT_EQ(written_dialect(o.store, false), text);
+  EXPECT_EQ(written_dialect(read_dialect(declaration + text).store), text);
+  EXPECT_EQ(xml_outcome::text_of(read_dialect(written_dialect(o.store, true, true)).store),
             xml_outcome::text_of(o.store));
 }
 
@@ -357,10 +357,10 @@ TEST(xml_page, writing) {
   for (const page_row& r : page_rows(L"What is written")) {
     bundle b;
     EXPECT_FALSE(ruvo::serializer::json().deserialize(b, r.given));
-    EXPECT_EQ(written(b), r.result);
+    EXPECT_EQ(written_dialect(b), r.result);
   }
   for (const page_row& r : page_rows(L"There and back"))
-    EXPECT_EQ(written(read_dialect(r.given).store), r.result);
+    EXPECT_EQ(written_dialect(read_dialect(r.given).store), r.result);
 }
 
 }  // namespace

@@ -33,7 +33,7 @@ xml_write_options options_for(change how) {
   return options;
 }
 
-std::wstring written(const xvar& value, change how = nullptr) {
+std::wstring as_xml(const xvar& value, change how = nullptr) {
   std::wstring text;
   ruvo::exception error;
   EXPECT_FALSE(write_well_formed_xml(text, value, &error, options_for(how)))
@@ -41,7 +41,7 @@ std::wstring written(const xvar& value, change how = nullptr) {
   return text;
 }
 
-xvar with(xvar value, std::vector<std::pair<const wchar_t*, ruvo::var>> qualities) {
+xvar with_qualities(xvar value, std::vector<std::pair<const wchar_t*, ruvo::var>> qualities) {
   for (const auto& [name, quality] : qualities) value[name] = quality;
   return value;
 }
@@ -86,11 +86,11 @@ TEST(xml_writing, values) {
   };
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
-    EXPECT_EQ(written(r.value), L"<r>" + std::wstring(r.text) + L"</r>");
+    EXPECT_EQ(as_xml(r.value), L"<r>" + std::wstring(r.text) + L"</r>");
   }
   for (const xvar& empty : {xvar(), xvar(L""), xvar(bundle()), xvar(list()), xvar(ruvo::binary()),
                             xvar(ruvo::memo()), xvar(ruvo::datetime(-1LL, ruvo::times::GMT))})
-    EXPECT_EQ(written(empty), L"<r/>");
+    EXPECT_EQ(as_xml(empty), L"<r/>");
 }
 
 TEST(xml_writing, options) {
@@ -101,38 +101,42 @@ TEST(xml_writing, options) {
     const wchar_t* text;
   } const rows[] = {
       {"spelling", bundle{{L"Bb", 1}, {L"aA", 2}}, nullptr, L"<r><Bb>1</Bb><aA>2</aA></r>"},
-      {"folded and sorted", bundle{{L"Bb", with(1, {{L"X", L"Y"}})}, {L"aA", 2}},
+      {"folded and sorted", bundle{{L"Bb", with_qualities(1, {{L"X", L"Y"}})}, {L"aA", 2}},
        [](xml_write_options& o) { o.folded = o.sorted = true; }, L"<r><aa>2</aa><bb x=\"Y\">1</bb></r>"},
       {"rows", three_rows, nullptr,
        L"<r><Ls><item><a>1</a><b>2</b></item><item>3</item><item><item>4</item><item/></item></Ls></r>"},
       {"repeated rows", three_rows, [](xml_write_options& o) { o.rows = xml_rows::repeated; },
        L"<r><Ls><a>1</a><b>2</b></Ls><Ls>3</Ls><Ls><item>4</item><item/></Ls></r>"},
-      {"repeated rows with qualities", bundle{{L"l", with(list{1}, {{L"q", 2}})}},
+      {"repeated rows with qualities", bundle{{L"l", with_qualities(list{1}, {{L"q", 2}})}},
        [](xml_write_options& o) { o.rows = xml_rows::repeated; }, L"<r><l q=\"2\"><item>1</item></l></r>"},
       {"rows that are members", bundle{{L"l", list{row(L"a", 1), row(L"a", 2)}}}, nullptr,
        L"<r><l><a>1</a><a>2</a></l></r>"},
       {"rows that are not", bundle{{L"l", list{row(L"a", 1), row(L"a", 2)}}},
        [](xml_write_options& o) { o.rows = xml_rows::items, o.item = L"i"; },
        L"<r><l><i><a>1</a></i><i><a>2</a></i></l></r>"},
-      {"members with qualities", list{with(row(L"a", 1), {{L"q", 2}})}, nullptr,
+      {"members with qualities", list{with_qualities(row(L"a", 1), {{L"q", 2}})}, nullptr,
        L"<r><item q=\"2\"><a>1</a></item></r>"},
-      {"the root's qualities", with(1, {{L"q", L"\"'<>&\t\r\n "}}), nullptr,
+      {"the root's qualities", with_qualities(1, {{L"q", L"\"'<>&\t\r\n "}}), nullptr,
        L"<r q=\"&quot;'&lt;&gt;&amp;&#9;&#13;&#10; \">1</r>"},
       {"other qualities",
-       with(1, {{L"__a__", 1}, {L"__a", true}, {L"b", ruvo::binary("\x1")}, {L"n", {}}, {L"____", 2}}),
+       with_qualities(1,
+                      {{L"__a__", 1}, {L"__a", true}, {L"b", ruvo::binary("\x1")}, {L"n", {}}, {L"____", 2}}),
        nullptr, L"<r ____=\"2\" __a=\"true\" b=\"AQ==\" n=\"\">1</r>"},
-      {"a list as a quality", with(1, {{L"q", static_cast<ruvo::var>(xvar(list{1, L"a"}))}}), nullptr,
-       L"<r q=\"[1,&quot;a&quot;]\">1</r>"},
+      {"a list as a quality", with_qualities(1, {{L"q", static_cast<ruvo::var>(xvar(list{1, L"a"}))}}),
+       nullptr, L"<r q=\"[1,&quot;a&quot;]\">1</r>"},
       {"only member", bundle{{L"A", list{row(L"b", 1), row(L"b", 2)}}},
        [](xml_write_options& o) { o.root.clear(); }, L"<A><b>1</b><b>2</b></A>"},
       {"sections", list{L"a]]>b<\r", L"plain "}, [](xml_write_options& o) { o.cdata = true; },
        L"<r><item><![CDATA[a]]]]><![CDATA[>b<]]>&#13;<![CDATA[]]></item><item>plain&#32;</item></r>"},
       {"escaped names",
-       bundle{{L"a b", with(1, {{L"1:", 2}})}, {L"_x0041", 3}, {L"_xg", 4}, {L"\xD83D\xDE00\xDC00", 5}},
+       bundle{{L"a b", with_qualities(1, {{L"1:", 2}})},
+              {L"_x0041", 3},
+              {L"_xg", 4},
+              {L"\xD83D\xDE00\xDC00", 5}},
        [](xml_write_options& o) { o.names = ruvo::serializer::xml_names::escaped; },
        L"<r><a_x0020_b _x0031__x003A_=\"2\">1</a_x0020_b><_x005F_x0041>3</_x005F_x0041><_xg>4</_xg>"
        L"<\xD83D\xDE00_xDC00_>5</\xD83D\xDE00_xDC00_></r>"},
-      {"replaced characters", with(L"\x1\xFFFE\xD800", {{L"q", L"\xDC00\xD800"}}),
+      {"replaced characters", with_qualities(L"\x1\xFFFE\xD800", {{L"q", L"\xDC00\xD800"}}),
        [](xml_write_options& o) { o.characters = ruvo::serializer::xml_characters::replaced; },
        L"<r q=\"\xFFFD\xFFFD\">\xFFFD\xFFFD\xFFFD</r>"},
       {"text beside elements", mixed, nullptr, L"<r><p>1 <b><c>1</c></b> </p></r>"},
@@ -143,8 +147,9 @@ TEST(xml_writing, options) {
        L"<r>\n  <a>\n    <b>&#32;</b>\n    <c/>\n  </a>\n  <p>\n    <p>1 <b><c>1</c></b> </p>\n  "
        L"</p>\n</r>\n"},
       {"prefixes",
-       with(bundle{{L"p:a", with(1, {{L"xml:lang", L"es"}})}, {L"b", with(2, {{L"__schema__", L"p"}})}},
-            {{L"xmlns:p", L"u"}, {L"xmlns", L""}, {L"p:x", 1}, {L"x", 2}}),
+       with_qualities(bundle{{L"p:a", with_qualities(1, {{L"xml:lang", L"es"}})},
+                             {L"b", with_qualities(2, {{L"__schema__", L"p"}})}},
+                      {{L"xmlns:p", L"u"}, {L"xmlns", L""}, {L"p:x", 1}, {L"x", 2}}),
        nullptr,
        L"<r p:x=\"1\" x=\"2\" xmlns=\"\" xmlns:p=\"u\"><p:a xml:lang=\"es\">1</p:a><p:b>2</p:b></r>"},
       {"prefixes as they come", bundle{{L"p:a:b", 1}, {L":", 2}},
@@ -157,13 +162,13 @@ TEST(xml_writing, options) {
   };
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
-    EXPECT_EQ(written(r.value, r.how), r.text);
+    EXPECT_EQ(as_xml(r.value, r.how), r.text);
   }
 }
 
 TEST(xml_writing, local_time_is_read_back_to_the_instant) {
   for (const long long seconds : {0LL, 1709199005LL, 1720000000LL, -1000000000LL}) {
-    const std::wstring text = written(ruvo::datetime(seconds, ruvo::times::LOCAL));
+    const std::wstring text = as_xml(ruvo::datetime(seconds, ruvo::times::LOCAL));
     ruvo::datetime read(0LL, ruvo::times::GMT);
     ruvo::exception error;
     std::wstring inside = text.substr(3, text.size() - 7);
@@ -187,34 +192,38 @@ TEST(xml_writing, refused) {
        L"\"b c\""},
       {"empty name", bundle{{L"", 1}},
        [](xml_write_options& o) { o.names = ruvo::serializer::xml_names::escaped; }, 7007, L"", L"\"\""},
-      {"name of a quality", bundle{{L"a", with(1, {{L"b<", 1}})}}, nullptr, 7007, L"a@b<", L"\"b<\""},
+      {"name of a quality", bundle{{L"a", with_qualities(1, {{L"b<", 1}})}}, nullptr, 7007, L"a@b<",
+       L"\"b<\""},
       {"name of the root", 1, [](xml_write_options& o) { o.root = L"-"; }, 7007, L"-", L"\"-\""},
       {"name of rows", bundle{{L"a", list{1}}}, [](xml_write_options& o) { o.item = L"1"; }, 7007, L"a",
        L"\"1\""},
       {"two colons", bundle{{L"a:b:c", 1}}, nullptr, 7007, L"a:b:c", L"\"a:b:c\""},
       {"nothing before the colon", bundle{{L":a", 1}}, nullptr, 7007, L":a", L"\":a\""},
       {"beyond the names", bundle{{L"\xDB80\xDC00", 1}}, nullptr, 7007, L"\xDB80\xDC00", L"\"\xDB80\xDC00\""},
-      {"prefix of a prefix", bundle{{L"p:a", with(1, {{L"__schema__", L"p"}, {L"xmlns:p", L"u"}})}}, nullptr,
-       7007, L"p:a", L"\"p:p:a\""},
+      {"prefix of a prefix", bundle{{L"p:a", with_qualities(1, {{L"__schema__", L"p"}, {L"xmlns:p", L"u"}})}},
+       nullptr, 7007, L"p:a", L"\"p:p:a\""},
       {"text beside elements that is none", bundle{{L"#text", 1}}, nullptr, 7007, L"#text", L"\"#text\""},
       {"control", bundle{{L"A", list{row(L"b", 1), row(L"b", L"\x1")}}}, nullptr, 7008, L"A[1].b", L"U+0001"},
-      {"lone surrogate", with(1, {{L"q", L"x\xDC00"}}), nullptr, 7008, L"r@q", L"U+DC00"},
+      {"lone surrogate", with_qualities(1, {{L"q", L"x\xDC00"}}), nullptr, 7008, L"r@q", L"U+DC00"},
       {"no character", bundle{{L"a", L"12345678\xFFFF"}}, [](xml_write_options& o) { o.cdata = true; }, 7008,
        L"a", L"U+FFFF"},
-      {"prefix", bundle{{L"a", with(1, {{L"xmlns:p", L"u"}})}, {L"p:b", 1}}, nullptr, 7009, L"p:b",
+      {"prefix", bundle{{L"a", with_qualities(1, {{L"xmlns:p", L"u"}})}, {L"p:b", 1}}, nullptr, 7009, L"p:b",
        L"\"p:b\""},
-      {"prefix of a quality", bundle{{L"a", with(1, {{L"p:b", 1}})}}, nullptr, 7009, L"a@p:b", L"\"p:b\""},
+      {"prefix of a quality", bundle{{L"a", with_qualities(1, {{L"p:b", 1}})}}, nullptr, 7009, L"a@p:b",
+       L"\"p:b\""},
       {"xmlns as a prefix", bundle{{L"xmlns:a", 1}}, nullptr, 7009, L"xmlns:a", L"\"xmlns:a\""},
-      {"a namespace that is no text", with(1, {{L"xmlns:p", 1}}), nullptr, 7009, L"r@xmlns:p",
+      {"a namespace that is no text", with_qualities(1, {{L"xmlns:p", 1}}), nullptr, 7009, L"r@xmlns:p",
        L"\"xmlns:p\""},
-      {"no namespace", with(1, {{L"xmlns:p", L""}}), nullptr, 7009, L"r@xmlns:p", L"\"xmlns:p\""},
-      {"another xml", with(1, {{L"xmlns:xml", L"u"}}), nullptr, 7009, L"r@xmlns:xml", L"\"xmlns:xml\""},
-      {"xml by another name", with(1, {{L"xmlns", L"http://www.w3.org/XML/1998/namespace"}}), nullptr, 7009,
-       L"r@xmlns", L"\"xmlns\""},
-      {"the namespace of declarations", with(1, {{L"xmlns:p", L"http://www.w3.org/2000/xmlns/"}}), nullptr,
-       7009, L"r@xmlns:p", L"\"xmlns:p\""},
-      {"one meaning twice", with(1, {{L"p:a", 1}, {L"q:a", 2}, {L"xmlns:p", L"u"}, {L"xmlns:q", L"u"}}),
-       nullptr, 7009, L"r@q:a", L"\"q:a\""},
+      {"no namespace", with_qualities(1, {{L"xmlns:p", L""}}), nullptr, 7009, L"r@xmlns:p", L"\"xmlns:p\""},
+      {"another xml", with_qualities(1, {{L"xmlns:xml", L"u"}}), nullptr, 7009, L"r@xmlns:xml",
+       L"\"xmlns:xml\""},
+      {"xml by another name", with_qualities(1, {{L"xmlns", L"http://www.w3.org/XML/1998/namespace"}}),
+       nullptr, 7009, L"r@xmlns", L"\"xmlns\""},
+      {"the namespace of declarations", with_qualities(1, {{L"xmlns:p", L"http://www.w3.org/2000/xmlns/"}}),
+       nullptr, 7009, L"r@xmlns:p", L"\"xmlns:p\""},
+      {"one meaning twice",
+       with_qualities(1, {{L"p:a", 1}, {L"q:a", 2}, {L"xmlns:p", L"u"}, {L"xmlns:q", L"u"}}), nullptr, 7009,
+       L"r@q:a", L"\"q:a\""},
       {"two roots", bundle{{L"a", 1}, {L"b", 2}}, [](xml_write_options& o) { o.root.clear(); }, 7010, nullptr,
        L"miembros: 2"},
       {"rows as roots", three_rows,
@@ -288,7 +297,7 @@ TEST(xml_page, written_for_others) {
   for (const page_row& r : page_rows(L"What is written for others")) {
     bundle value;
     ASSERT_FALSE(ruvo::serializer::json().deserialize(value, r.given));
-    EXPECT_EQ(written(value), r.result);
+    EXPECT_EQ(as_xml(value), r.result);
   }
 }
 

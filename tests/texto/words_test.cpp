@@ -20,7 +20,7 @@ using example = std::pair<std::wstring, std::wstring>;
 using made_by = std::wstring (*)(const std::wstring&);
 using changed_by = std::wstring& (*)(std::wstring&);
 
-std::wstring in_place(changed_by change, std::wstring text) {
+std::wstring changed(changed_by change, std::wstring text) {
   EXPECT_EQ(&change(text), &text);
   return text;
 }
@@ -30,12 +30,12 @@ void check(const std::vector<example>& rows, made_by make, changed_by change = n
   for (const auto& [text, expected] : rows) {
     EXPECT_EQ(make(text), expected) << texto::to_utf_8(text) << " gives " << texto::to_utf_8(make(text));
     if (change) {
-      EXPECT_EQ(in_place(change, text), expected) << texto::to_utf_8(text);
+      EXPECT_EQ(changed(change, text), expected) << texto::to_utf_8(text);
     }
   }
 }
 
-std::wstring random_text(std::mt19937& random, std::wstring_view alphabet, std::size_t most) {
+std::wstring text_of(std::mt19937& random, std::wstring_view alphabet, std::size_t most) {
   std::wstring text(random() % (most + 1), L' ');
   for (wchar_t& c : text) c = alphabet[random() % alphabet.size()];
   return text;
@@ -80,7 +80,7 @@ TEST(words, capitalised) {
 TEST(words, read_as_a_stream_reads_them) {
   std::mt19937 random(20250101);
   for (int round = 0; round < 3000; ++round) {
-    const std::wstring text = random_text(random, L" \t\v\nabYZ'-,1ñÑ", 20);
+    const std::wstring text = text_of(random, L" \t\v\nabYZ'-,1ñÑ", 20);
     std::wistringstream stream(text);
     std::wstring expected;
     for (std::wstring word; stream >> word; expected += word) {
@@ -214,7 +214,7 @@ TEST(cleaning, every_unit_follows_the_tables) {
 
 TEST(cleaning, special_characters) {
   const auto clean = [](const std::wstring& text) {
-    return in_place(texto::limpia_caracteres_especiales, text);
+    return changed(texto::limpia_caracteres_especiales, text);
   };
   check({{L"", L""},
          {L"plain text", L"plain text"},
