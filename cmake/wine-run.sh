@@ -1,6 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: BSL-1.0
-# wine-run.sh PROGRAM.exe [ARGUMENT ...]: runs a Windows program under Wine and hands back its exit code.
+# wine-run.sh [PROGRAM.exe [ARGUMENT ...]]: runs a Windows program under Wine and hands back its exit code. Without a
+# program it only makes the prefix.
 #
 # The Wine prefix (about 700 MB, made on first use) is $WINEPREFIX, or kesta-wine in the user's cache folder.
 
@@ -23,6 +24,8 @@ if [ ! -f "$WINEPREFIX/system.reg" ]; then
     [ -f "$WINEPREFIX/system.reg" ] || "$wine" wineboot -i </dev/null >/dev/null 2>&1 9>&-
   ) 9>"$WINEPREFIX.lock"
 fi
+
+if [ $# -eq 0 ]; then exit 0; fi
 
 # The session's daemons inherit standard error of the program that happens to start them, and who reads it
 # through a pipe, as ctest does, would wait for them. So it goes through a file, removed at once.
