@@ -126,10 +126,11 @@ using by_size = std::vector<figures>;
 void compare_times(bench::table& table, const std::string& row, double figures::*when, const by_size& own,
                    const std::map<std::string, by_size>& peers) {
   for (std::size_t n = 0; n < std::size(sizes); ++n) {
-    for (const auto& [peer, its] : peers)
+    for (const auto& [peer, its] : peers) {
       table.line(
           {row, sizes[n].name, "ns/char", peer, own[n].*when, its[n].*when, its[n].*when / (own[n].*when)},
           {});
+    }
   }
   const auto [least, most] = std::minmax_element(
       own.begin(), own.end(), [=](const figures& a, const figures& b) { return a.*when < b.*when; });
@@ -155,8 +156,9 @@ void compare_memory(bench::table& table, const std::string& row, const by_size& 
 
 void compare(bench::table& table) {
   std::map<std::string, by_size> all;
-  for (const auto& [name, ignored] : readers)
+  for (const auto& [name, ignored] : readers) {
     for (const size& wanted : sizes) all[name].push_back(figures_of(name, wanted));
+  }
   const std::map<std::string, by_size> peers = {{"Boost", all["Boost"]},
                                                 {"Boost monotonic", all["monotonic"]}};
   for (const char* const name : {"read", "standard"}) {

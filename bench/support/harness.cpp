@@ -118,10 +118,11 @@ void table::row(const std::string& row, const std::string& of, amount of_one_run
     const double each = median(times[n]);
     return throughput ? of_one_run.count * 1e3 / each : each / of_one_run.count;
   };
-  for (std::size_t n = 1; n < all.size(); ++n)
+  for (std::size_t n = 1; n < all.size(); ++n) {
     line({row, of, throughput ? "Mchar/s" : "ns", all[n].name, figure(0), figure(n),
           ratio_to(times[n], times[0])},
          targets);
+  }
 }
 
 }  // namespace bench
