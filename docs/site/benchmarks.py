@@ -4,6 +4,8 @@
 
     docs/site/benchmarks.py record RECORD NOTE RUN...   the medians of several runs' output, with a line about them
     docs/site/benchmarks.py page RECORD                 a page of HTML of them
+    docs/site/benchmarks.py fell OLD... -- NEW...       the rows in which the median of the new build's runs is worse
+                                                        than the worst run of the old build
 """
 
 import html
@@ -109,6 +111,17 @@ def record(note, runs):
     return "\n".join(head + [line(row) for row in rows]) + "\n"
 
 
+def fell(old, new):
+    """Lines of the rows that got worse; a row that one of the builds does not have is left out."""
+    before = [{row.key: row for row in run} for run in old]
+    common = set.intersection(*(set(run) for run in before))
+    for row in medians(new):
+        if row.key in common:
+            worst = min(row.better(run[row.key].ratio) for run in before)
+            if row.better(row.ratio) < worst:
+                yield f"{line(row)} (the worst before: {row.better(worst):.2f})"
+
+
 # --- plots
 
 
@@ -210,10 +223,16 @@ def fragment(content):
     return "\n".join(out)
 
 
+def runs_in(paths):
+    return [list(rows_of(Path(path).read_text(encoding="utf-8"))) for path in paths]
+
+
 def main():
     if len(sys.argv) > 4 and sys.argv[1] == "record":
-        runs = [list(rows_of(Path(run).read_text(encoding="utf-8"))) for run in sys.argv[4:]]
-        Path(sys.argv[2]).write_text(record(sys.argv[3], runs), encoding="utf-8", newline="\n")
+        Path(sys.argv[2]).write_text(record(sys.argv[3], runs_in(sys.argv[4:])), encoding="utf-8", newline="\n")
+    elif len(sys.argv) > 4 and sys.argv[1] == "fell" and "--" in sys.argv[3:-1]:
+        middle = sys.argv.index("--")
+        print("\n".join(fell(runs_in(sys.argv[2:middle]), runs_in(sys.argv[middle + 1:]))))
     elif len(sys.argv) == 3 and sys.argv[1] == "page":
         print("<!doctype html><meta charset=\"utf-8\"><title>Benchmarks</title><body style=\"font-family: sans-serif\">"
               + fragment(Path(sys.argv[2]).read_text(encoding="utf-8")))
