@@ -255,7 +255,7 @@ TEST(json_reader, adds_to_what_is_there) {
         json().deserialize(b, L"{\"NEW\":[2],\"OLD\":2," + std::wstring(unusual) + L"\"new\":{},\"list\":3}");
     EXPECT_EQ(failed, *unusual != L'\0');
     b.erase(L"o");
-    EXPECT_EQ(written(b, false), L"{\"old\":2,\"list\":3,\"new\":{}}");
+    EXPECT_EQ(written_json(b, false), L"{\"old\":2,\"list\":3,\"new\":{}}");
     EXPECT_EQ(b.spelling(2), L"NEW");
     EXPECT_EQ(b[L"old"].get_qualities().size(), 1U);
   }
@@ -265,7 +265,7 @@ TEST(json_reader, names_have_no_escapes) {
   const std::wstring text = L"{\"a\\u0041\":1}";
   bundle b;
   ASSERT_FALSE(ruvo::serializer::read_standard_json(b, text));  // which keeps the name for the next text
-  EXPECT_EQ(read(text).store.to_string(), L"{\"a\\u0041\":1}");
+  EXPECT_EQ(read_json(text).store.to_string(), L"{\"a\\u0041\":1}");
   ASSERT_FALSE(ruvo::serializer::read_standard_json(b, text));
   EXPECT_EQ(b.to_string(), L"{\"aa\":1}");
 }

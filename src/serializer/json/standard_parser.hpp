@@ -10,9 +10,9 @@
 #include <cstdint>
 #include <string_view>
 
+#include "serializer/json/staging.hpp"
 #include "serializer/json/standard_numbers.hpp"
 #include "serializer/json/standard_strings.hpp"
-#include "serializer/json/staging.hpp"
 
 namespace ruvo::serializer {
 

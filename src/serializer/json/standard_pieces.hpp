@@ -17,9 +17,9 @@
 #include <vector>
 
 #include "base/utf.hpp"
+#include "serializer/json/staging.hpp"
 #include "serializer/json/standard_numbers.hpp"
 #include "serializer/json/standard_strings.hpp"
-#include "serializer/json/staging.hpp"
 
 namespace ruvo::serializer {
 

@@ -20,10 +20,10 @@ namespace {
 constinit DWORD pointers = FLS_OUT_OF_INDEXES;
 constinit DWORD ended = TLS_OUT_OF_INDEXES;
 
-// To ask for a fiber slot takes longer than to take a block. So a thread that is no fiber has its pointer in a
-// plain slot, too, most of which lie at a known place behind the thread's own register. The pointer in the
-// fiber slot is marked then: should the thread become a fiber and go on as one of another thread, it belongs to
-// the thread that it came from.
+// To ask for a fiber slot takes longer than to take a block. So a thread that is no fiber has its pointer in
+// a plain slot, too, most of which lie at a known place behind the thread's own register. The pointer in the
+// fiber slot is marked then: should the thread become a fiber and go on as one of another thread, it belongs
+// to the thread that it came from.
 constinit DWORD at_hand = TLS_OUT_OF_INDEXES;
 constexpr std::uintptr_t is_at_hand = 1;
 
