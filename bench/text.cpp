@@ -145,11 +145,19 @@ void convert_kept(bench::table& table, const std::string& script, const std::wst
   std::string own_narrow, its_narrow;
   compare(
       table, "UTF-8 to UTF-16, kept", script, characters_of(wide),
-      [&]() -> const std::wstring& { return own_wide = texto::to_utf_16(narrow); },
+      [&]() -> const std::wstring& {
+        own_wide.clear();
+        texto::append_utf_16(own_wide, narrow);
+        return own_wide;
+      },
       peer{"system", 4.0, [&] { return bench::system_to_utf_16(its_wide, narrow); }});
   compare(
       table, "UTF-16 to UTF-8, kept", script, characters_of(wide),
-      [&]() -> const std::string& { return own_narrow = texto::to_utf_8(wide); },
+      [&]() -> const std::string& {
+        own_narrow.clear();
+        texto::append_utf_8(own_narrow, wide);
+        return own_narrow;
+      },
       peer{"system", 4.0, [&] { return bench::system_to_utf_8(its_narrow, wide); }});
 }
 
@@ -279,12 +287,14 @@ Text& base64_decode(Text& out, const Text& digits) {
 
 template <class Text>
 std::wstring& hex_encode(std::wstring& out, const Text& bytes) {
-  return out = texto::string_to_hex(bytes);
+  texto::hex_encode(out, bytes);
+  return out;
 }
 
 template <class Text>
 Text& hex_decode(Text& out, const Text& hex) {
-  return out = texto::hex_to_string(hex);
+  texto::hex_decode(out, hex);
+  return out;
 }
 
 /// Both functions fill a text that they are given: here one that is new each time, or one that is kept.
