@@ -85,8 +85,8 @@ class room_allocator {
   using propagate_on_container_move_assignment = std::true_type;
 
   constexpr room_allocator() noexcept = default;
-  template <class U>
-  constexpr room_allocator(const room_allocator<U>&) noexcept {}
+  template <class Other>
+  constexpr room_allocator(const room_allocator<Other>&) noexcept {}
 
   [[nodiscard]] T* allocate(std::size_t count) {
     if (count > PTRDIFF_MAX / sizeof(T)) throw std::bad_array_new_length();
@@ -94,8 +94,8 @@ class room_allocator {
   }
   void deallocate(T* room, std::size_t count) noexcept { give_room(room, count * sizeof(T)); }
 
-  template <class U>
-  friend constexpr bool operator==(const room_allocator&, const room_allocator<U>&) noexcept {
+  template <class Other>
+  friend constexpr bool operator==(const room_allocator&, const room_allocator<Other>&) noexcept {
     return true;
   }
 };
@@ -109,11 +109,11 @@ template <>
 class std::allocator<ruvo::xvar> : public ruvo::detail::room_allocator<ruvo::xvar> {
  public:
   constexpr allocator() noexcept = default;
-  template <class U>
-  constexpr allocator(const allocator<U>&) noexcept {}
+  template <class Other>
+  constexpr allocator(const allocator<Other>&) noexcept {}
 
-  template <class U>
-  friend constexpr bool operator==(const allocator&, const allocator<U>&) noexcept {
+  template <class Other>
+  friend constexpr bool operator==(const allocator&, const allocator<Other>&) noexcept {
     return true;
   }
 };
