@@ -169,7 +169,11 @@ class Visualizers:
 
     @staticmethod
     def system_text(value, kind, form, count):
-        """What the debugger shows by itself."""
+        """What the debugger shows by itself; of a class without a view of its own, as its base."""
+        while kind.code == gdb.TYPE_CODE_STRUCT and kind.fields() and kind.fields()[0].is_base_class:
+            if (kind.name or "").startswith("std::"):
+                break
+            kind = kind.fields()[0].type.strip_typedefs()
         name = kind.name or ""
         if count is not None:
             return kesta_gdb.wide(int(value), count)
