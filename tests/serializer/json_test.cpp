@@ -261,6 +261,14 @@ TEST(json_reader, adds_to_what_is_there) {
   }
 }
 
+TEST(json_reader, takes_escapes_at_every_distance) {
+  for (std::size_t n = 0; n < 300; ++n) {
+    const std::wstring x(n % 20, L'x'), y(n / 20 + 1, L'y');
+    const std::wstring text = L"{\"k\":\"" + x + L"\\\"" + y + L"\\n" + x + L"\\\\" + y + L"\\t" + x + L"\"}";
+    ASSERT_EQ(read(text).store.get_string(L"k"), x + L"\"" + y + L"\n" + x + L"\\" + y + L"\\t" + x);
+  }
+}
+
 TEST(json_reader, names_have_no_escapes) {
   const std::wstring text = L"{\"a\\u0041\":1}";
   bundle b;

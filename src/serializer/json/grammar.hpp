@@ -6,9 +6,10 @@
 
 #include <ruvo/var.hpp>
 
-#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
+#include <cstdint>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -164,29 +165,47 @@ inline std::wstring decoded(std::wstring_view inside) {
   return out;
 }
 
-/// The same as the reader understands it, of `out`: only \", \\ and \n, and the character behind a dropped
-/// backslash is looked at afresh.
-inline void unescape(std::wstring& out, std::wstring_view text) {
-  out.clear();
-  const wchar_t *at = text.data(), *const end = at + text.size();
-  while (true) {
-    const wchar_t* const backslash = std::find(at, end, L'\\');
-    out.append(at, backslash);
-    if (end - backslash < 2) {
-      out.append(backslash, end);
-      return;
-    }
-    const wchar_t next = backslash[1];
-    at = backslash + 2;
-    if (next == L'"' || next == L'\\') {
-      at = backslash + 1;
-      if (next == L'"') out += *at++;
-    } else if (next == L'n') {
-      out += L'\n';
-    } else {
-      out.append(backslash, at);
+/// Copies what is before a backslash, or the end; `at` moves there.
+inline wchar_t* copy_to_backslash(wchar_t* to, const wchar_t*& at, const wchar_t* end) noexcept {
+#ifdef KESTA_X64
+  if constexpr (texto::unit_16<wchar_t>) {
+    for (; end - at >= 8; at += 8, to += 8) {
+      const __m128i units = texto::load_16(at);
+      texto::store_16(to, units);
+      const auto marks =
+          static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi16(units, _mm_set1_epi16(L'\\'))));
+      if (!marks) continue;
+      const int plain = std::countr_zero(marks) / 2;
+      at += plain;
+      return to + plain;
     }
   }
+#endif
+  while (at != end && *at != L'\\') *to++ = *at++;
+  return to;
+}
+
+/// The same as the reader understands it, no longer than the text, of `to`, whose end is returned: only \",
+/// \\ and \n, and the character behind a dropped backslash is looked at afresh.
+inline wchar_t* unescape(wchar_t* to, std::wstring_view text) noexcept {
+  const wchar_t *at = text.data(), *const end = at + text.size();
+  while (true) {
+    to = copy_to_backslash(to, at, end);
+    if (end - at < 2) break;
+    const wchar_t next = at[1];
+    if (next == L'n') {
+      *to++ = L'\n';
+      at += 2;
+    } else if (next == L'\\') {
+      ++at;
+    } else {
+      if (next != L'"') *to++ = L'\\';
+      *to++ = next;
+      at += 2;
+    }
+  }
+  if (at != end) *to++ = *at;
+  return to;
 }
 
 }  // namespace ruvo::serializer

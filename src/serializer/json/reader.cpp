@@ -28,7 +28,7 @@ using detail::kind;
 namespace {
 
 /// Nothing is too much, and the last value of a name stays.
-constexpr json_read_options unlimited = [] {
+constexpr json_read_options lenient_options = [] {
   constexpr std::size_t all = std::numeric_limits<std::size_t>::max();
   json_read_options options;
   options.limits = {all, all, all, all, all};
@@ -279,7 +279,7 @@ class json_reader::machine {
 
   const wchar_t* take_staged(const wchar_t* at, const wchar_t* end) {
     known_names names(&detail::thread_cache::plain_names);
-    json_builder builder(names.tree(), unlimited);
+    json_builder builder(names.tree(), lenient_options);
     if (tree_.in_list()) {
       builder.open_list();
     } else {
@@ -314,8 +314,8 @@ bool json_reader::on_char(wchar_t c, exception& result) {
 std::wstring json_reader::raw_value(const xvar& value) {
   std::wstring text = value.to_string();
   if (!cell::is_text(value) || text.find(L'\\') == std::wstring::npos) return text;
-  std::wstring plain;
-  unescape(plain, text);
+  std::wstring plain(text.size(), L'\0');
+  plain.resize(static_cast<std::size_t>(unescape(plain.data(), text) - plain.data()));
   return plain;
 }
 

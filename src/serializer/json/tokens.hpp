@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <string_view>
 
 #include "base/ascii.hpp"
@@ -14,6 +13,7 @@
 #include "serializer/json/digits.hpp"
 #include "serializer/json/grammar.hpp"
 #include "serializer/json/staging.hpp"
+#include "serializer/json/standard_strings.hpp"
 #include "serializer/scan.hpp"
 
 namespace ruvo::serializer {
@@ -38,7 +38,7 @@ class json_tokens {
  private:
   /// Up to the end of a member or of the object; false when something is left.
   bool member() {
-    for (; at_ != end_; ++at_) {
+    for (; (at_ = skip_meaningless(at_, end_)) != end_; ++at_) {
       switch (*at_) {
         case L'"': {
           const wchar_t* const token = at_;
@@ -75,7 +75,8 @@ class json_tokens {
     const wchar_t* const expected = builder_.take_expected_at(first, end_);
     const wchar_t* const last = expected ? expected : find_either(first, end_, L'"', L':');
     if (last == first || last == end_ || *last != L'"') return false;
-    at_ = find_either(last + 1, end_, L'"', L':');
+    at_ = last + 1;
+    if (at_ != end_ && *at_ != L':') at_ = find_either(at_, end_, L'"', L':');
     if (at_ == end_ || *at_ != L':') return false;
     ++at_;
     if (!expected) {
@@ -88,7 +89,7 @@ class json_tokens {
   /// A value, or the opening bracket of one, or what closes a list. What stands before and means nothing, in
   /// lists a comma, too, is passed over.
   bool value() {
-    for (; at_ != end_; ++at_) {
+    for (; (at_ = skip_meaningless(at_, end_)) != end_; ++at_) {
       switch (*at_) {
         case L'"':
           return string();
@@ -123,8 +124,12 @@ class json_tokens {
     bool escaped = false;
     const wchar_t* const last = find_closing_quote(first, end_, escaped);
     if (last == end_) return false;
-    if (escaped) unescape(scratch_, between(first, last));
-    builder_.text(escaped ? std::wstring_view(scratch_) : between(first, last));
+    std::wstring_view text = between(first, last);
+    if (escaped) {
+      wchar_t* const plain = scratch_.room(text.size());
+      text = between(plain, unescape(plain, text));
+    }
+    builder_.text(text);
     at_ = last + 1;
     return true;
   }
@@ -183,7 +188,7 @@ class json_tokens {
   json_builder& builder_;
   const bool on_top_;
   const wchar_t *at_, *end_;
-  std::wstring scratch_;
+  unit_buffer scratch_;  // nothing stays in it
 };
 
 }  // namespace ruvo::serializer
