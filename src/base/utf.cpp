@@ -275,8 +275,13 @@ bool decode_run(const char*&, const char*, const char*, Unit*&) noexcept {
 template <class Unit>
 Unit* decode_beyond(const char*& from, const char* stop, const char* end, const char* readable,
                     Unit* to) noexcept {
+  int singly = 0;  // characters to go one by one, after one that vectors could do nothing with
   while (from < stop && readable - from >= 4 && static_cast<unsigned char>(*from) > 0x7F) {
-    if (decode_run(from, stop, readable, to)) continue;
+    if (singly == 0) {
+      if (decode_run(from, stop, readable, to)) continue;
+      singly = 8;
+    }
+    --singly;
     if (!decode_long(from, to)) to = write_utf_16(to, read_utf_8(from, end));
   }
   return to;
