@@ -231,7 +231,7 @@ TEST(json_reader, goes_on_by_character_from_anywhere) {
       L"[{\"id\":1,\"geo\":{\"x\":1}},{\"id\":2,\"geo\":{\"x\":2}},{\"id\":3,\"ID\":{\"x\":3,\"y\":[ ]}}, 4 "
       L"]",
       L"{\"" + std::wstring(70, L'k') +
-          L"\":{\"a\":1,\"a\":2},\"b\":FALSE,\"c\":12345678901234567890.5} \"d\":1,"};
+          L"\":{\"a\":1,\"a\":2},\"b\":[FALSE,TrUe],\"c\":12345678901234567890.5} \"d\":1,"};
   json_ways ways;
   for (const std::wstring& text : texts) {
     for (std::size_t at = 0; at <= text.size() && !HasFatalFailure(); ++at) {
@@ -265,7 +265,7 @@ TEST(json_reader, takes_escapes_at_every_distance) {
   for (std::size_t n = 0; n < 300; ++n) {
     const std::wstring x(n % 20, L'x'), y(n / 20 + 1, L'y');
     const std::wstring text = L"{\"k\":\"" + x + L"\\\"" + y + L"\\n" + x + L"\\\\" + y + L"\\t" + x + L"\"}";
-    ASSERT_EQ(read(text).store.get_string(L"k"), x + L"\"" + y + L"\n" + x + L"\\" + y + L"\\t" + x);
+    ASSERT_EQ(read_json(text).store.get_string(L"k"), x + L"\"" + y + L"\n" + x + L"\\" + y + L"\\t" + x);
   }
 }
 
