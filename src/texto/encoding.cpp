@@ -68,10 +68,13 @@ void replace_by_base64(Text& out, const Text& in) {
 
 template <class In>
 void replace_by_hex(std::wstring& out, const In& in) {
-  overwrite(out, 2 * in.size(), &in, [&in](wchar_t* made) {
-    hex_encode_to(made, in.data(), in.size());
-    return 2 * in.size();
-  });
+  const void* const source = &in;
+  if (source == &out || out.capacity() < 2 * in.size()) {
+    out = to_hex(in.data(), in.size());
+  } else {
+    out.resize(2 * in.size());
+    hex_encode_to(out.data(), in.data(), in.size());
+  }
 }
 
 template <class Text>
