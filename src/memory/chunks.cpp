@@ -13,6 +13,7 @@
 #include <new>
 
 #include "system/pages.hpp"
+#include "system/process.hpp"
 
 namespace ruvo::detail {
 
@@ -21,7 +22,8 @@ namespace ruvo::detail {
 class chunk_stock {
  public:
   chunk* take() noexcept {
-    const std::lock_guard lock(mutex_);
+    const auto lock = locked();
+    if (!lock) return nullptr;
     if (spares_ == 0 && !commit_span()) return nullptr;
     const std::size_t n = first_of(spans_with_spares_, first_spare_);
     const auto bit = static_cast<std::size_t>(std::countr_zero(spare_[n]));
@@ -33,7 +35,8 @@ class chunk_stock {
   }
 
   void give(chunk* empty) noexcept {
-    const std::lock_guard lock(mutex_);
+    const auto lock = locked();
+    if (!lock) return;
     const auto at = static_cast<std::size_t>(reinterpret_cast<char*>(empty) - first()) / chunk::bytes;
     const std::size_t n = at / in_span;
     spare_[n] = static_cast<mask>(spare_[n] | 1u << at % in_span);
@@ -47,12 +50,20 @@ class chunk_stock {
 
   /// The library is being unloaded: the addresses are released with the last chunk.
   void close() noexcept {
-    const std::lock_guard lock(mutex_);
+    const auto lock = locked();
+    if (!lock) return;
     is_closing_ = true;
     if (used_ == 0) release();
   }
 
  private:
+  /// Not locked where the process ends: its other threads are gone, and one of them may have had the mutex.
+  std::unique_lock<std::mutex> locked() noexcept {
+    std::unique_lock lock(mutex_, std::try_to_lock);
+    if (!lock && !platform::is_process_ending()) lock.lock();
+    return lock;
+  }
+
   using mask = std::uint16_t;
   static constexpr std::size_t in_span = 16, span_bytes = in_span * chunk::bytes;
   static constexpr mask whole = 0xFFFF;

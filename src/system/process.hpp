@@ -9,6 +9,8 @@ namespace ruvo::platform {
 
 unsigned long thread_id() noexcept;
 unsigned long process_id() noexcept;
+/// Whether the process ends and this is its last thread: what the others had locked stays so.
+bool is_process_ending() noexcept;
 
 /// Makes the calling thread a single-threaded apartment; one that already is something is left as it is.
 void init_com() noexcept;

@@ -18,6 +18,7 @@ unsigned long thread_id() noexcept {
   return id;
 }
 unsigned long process_id() noexcept { return 4; }
+bool is_process_ending() noexcept { return false; }
 
 void init_com() noexcept {}
 

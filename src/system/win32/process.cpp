@@ -23,10 +23,22 @@ bool is_console_program() {
   return headers->OptionalHeader.Subsystem == IMAGE_SUBSYSTEM_WINDOWS_CUI;
 }
 
+using shutdown_call = BOOLEAN(NTAPI*)();
+
+shutdown_call find_shutdown_call() noexcept {
+  const HMODULE system = GetModuleHandleW(L"ntdll.dll");
+  const FARPROC found = system ? GetProcAddress(system, "RtlDllShutdownInProgress") : nullptr;
+  return reinterpret_cast<shutdown_call>(reinterpret_cast<void*>(found));
+}
+
+// Not found when it is asked: a thread that loads a library might wait for the one that asks.
+const shutdown_call is_shut_down = find_shutdown_call();
+
 }  // namespace
 
 unsigned long thread_id() noexcept { return GetCurrentThreadId(); }
 unsigned long process_id() noexcept { return GetCurrentProcessId(); }
+bool is_process_ending() noexcept { return is_shut_down && is_shut_down(); }
 
 void init_com() noexcept { late::com().initialize(nullptr, COINIT_APARTMENTTHREADED); }
 
