@@ -166,7 +166,7 @@ void json_builder::settle(json_tree& tree, bundle& outermost) {
     const std::size_t count = (inside ? inside->first_value : values_.size()) - f->first_value;
     if (f->is_object) {
       bundle& to = *tree.innermost_object(&outermost);
-      const shared_key* const name = inside ? name_at(*f, count) : nullptr;
+      const shared_key* const name = inside ? name_behind(*f, count) : nullptr;
       settle(*f, count, to, inside);
       if (inside) tree.open(json_tree::member(to, detail::key_view(*name)), !inside->is_object);
     } else {
@@ -205,11 +205,9 @@ void json_builder::settle(frame& f, std::size_t count, bundle& into, bool named)
   }
 }
 
-const shared_key* json_builder::name_at(const frame& f, std::size_t n) const noexcept {
-  if (f.store) return bundle_store::key_of(places_[f.first_place + n]);
-  const name_node* node = f.at;
-  while (node->depth > n + 1) node = node->before;
-  return node->key;
+/// That of the container inside, behind the values.
+const shared_key* json_builder::name_behind(const frame& f, std::size_t count) const noexcept {
+  return f.store ? bundle_store::key_of(places_[f.first_place + count]) : f.at->key;
 }
 
 // --- names

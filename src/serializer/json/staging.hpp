@@ -75,10 +75,8 @@ class value_stack {
     return *new (end_++) xvar(static_cast<Args&&>(args)...);
   }
   void drop_to(std::size_t size) noexcept {
-    while (end_ != first_ + size) (--end_)->~xvar();
+    while (end_ != first_ + size) (--end_)->xvar::~xvar();  // by name: without a virtual call
   }
-  /// For values that were moved out of, which own nothing.
-  void forget_to(std::size_t size) noexcept { end_ = first_ + size; }
   void grow();
 
  private:
@@ -216,7 +214,7 @@ class json_builder {
   }
   void settle(const frame& f, std::size_t count, list& into);
   void settle(frame& f, std::size_t count, bundle& into, bool named);
-  const detail::shared_key* name_at(const frame& f, std::size_t n) const noexcept;
+  const detail::shared_key* name_behind(const frame& f, std::size_t count) const noexcept;
   bool take_into_tree(frame& f, const void* written, std::size_t bytes, std::wstring_view name);
   void leave_tree(frame& f);
   void take_into_store(frame& f, std::wstring_view name);
