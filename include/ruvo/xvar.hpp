@@ -51,7 +51,8 @@ class KESTA_API xvar : public var {
     qualities_map() = default;
     /// Copies of the pairs.
     qualities_map(const plain_map& other) : map(other.begin(), other.end()) {}
-    operator plain_map() const { return {begin(), end()}; }
+    /// A copy. Explicit, as a reference to a plain map would be one to a copy, without a word.
+    explicit operator plain_map() const { return {begin(), end()}; }
 
     template <std::same_as<plain_map> P>
     friend bool operator==(const qualities_map& a, const P& b) {
