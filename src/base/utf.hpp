@@ -31,8 +31,10 @@ constexpr bool is_surrogate(Unit unit) noexcept {
   return (static_cast<char16_t>(unit) & 0xF800) == 0xD800;
 }
 
+// Public, too, in a header of a room above. NOLINTBEGIN(readability-redundant-declaration)
 KESTA_API void append_utf_16(std::wstring& out, std::string_view text);
 KESTA_API void append_utf_8(std::string& out, std::wstring_view text);
+// NOLINTEND(readability-redundant-declaration)
 
 // In the static library only, for its fuzzers: the vectors of the target's 16-bit units where wide characters
 // have 32.

@@ -86,17 +86,17 @@ class chunk_stock {
   }
 
   char* first() const noexcept {
-    return reinterpret_cast<char*>(chunk_region::first_.load(std::memory_order_relaxed));
+    return reinterpret_cast<char*>(chunk_region::first.load(std::memory_order_relaxed));
   }
   char* address(std::size_t span) const noexcept { return first() + span * span_bytes; }
 
   bool has_addresses() noexcept {
-    if (chunk_region::first_.load(std::memory_order_relaxed) != chunk_region::nowhere) return true;
+    if (chunk_region::first.load(std::memory_order_relaxed) != chunk_region::nowhere) return true;
     if (is_refused_ || is_closing_) return false;
     void* const got = platform::reserve_addresses(chunk_region::addresses);
     is_refused_ = !got;
     if (!got) return false;
-    chunk_region::first_.store(reinterpret_cast<std::uintptr_t>(got), std::memory_order_relaxed);
+    chunk_region::first.store(reinterpret_cast<std::uintptr_t>(got), std::memory_order_relaxed);
     std::fill(std::begin(spans_without_memory_), std::end(spans_without_memory_), ~std::uint64_t{0});
     return true;
   }
@@ -123,9 +123,9 @@ class chunk_stock {
   }
 
   void release() noexcept {
-    if (chunk_region::first_.load(std::memory_order_relaxed) == chunk_region::nowhere) return;
+    if (chunk_region::first.load(std::memory_order_relaxed) == chunk_region::nowhere) return;
     platform::release_addresses(first(), chunk_region::addresses);
-    chunk_region::first_.store(chunk_region::nowhere, std::memory_order_relaxed);
+    chunk_region::first.store(chunk_region::nowhere, std::memory_order_relaxed);
     spares_ = 0;
   }
 

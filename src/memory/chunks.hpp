@@ -33,7 +33,7 @@ struct alignas(16) chunk {
 class chunk_region {
  public:
   static bool holds(const void* block) noexcept {
-    return reinterpret_cast<std::uintptr_t>(block) - first_.load(std::memory_order_relaxed) < addresses;
+    return reinterpret_cast<std::uintptr_t>(block) - first.load(std::memory_order_relaxed) < addresses;
   }
   /// An empty chunk, or null when the system has no memory or no addresses for it.
   static chunk* take() noexcept;
@@ -45,7 +45,7 @@ class chunk_region {
   // No block lies there, nor as much behind it.
   static constexpr std::uintptr_t nowhere = std::uintptr_t{1} << (8 * sizeof(std::uintptr_t) - 1);
 
-  static inline std::atomic<std::uintptr_t> first_{nowhere};
+  static inline std::atomic<std::uintptr_t> first{nowhere};
 
   friend class chunk_stock;
 };

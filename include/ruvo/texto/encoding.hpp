@@ -29,8 +29,10 @@ KESTA_API std::wstring to_utf_16(const std::string& text);
 KESTA_API std::string to_utf_8(const std::wstring& text);
 /// The same behind what `out` holds, for a text that is kept and emptied: one with enough room is filled
 /// without new memory. Where there is no memory, a part may have been appended.
+// NOLINTBEGIN(readability-redundant-declaration): the library's ground floor declares them, too
 KESTA_API void append_utf_16(std::wstring& out, std::string_view text);
 KESTA_API void append_utf_8(std::string& out, std::wstring_view text);
+// NOLINTEND(readability-redundant-declaration)
 /// Removes the bytes EF BB BF at the start of `text`, if they are there.
 KESTA_API void remove_win_bom(std::string& text);
 
