@@ -27,9 +27,9 @@ namespace ruvo::texto {
 KESTA_API std::wstring to_utf_16(const std::string& text);
 /// From UTF-16 to UTF-8. Never fails: each lone surrogate becomes U+FFFD.
 KESTA_API std::string to_utf_8(const std::wstring& text);
+// NOLINTBEGIN(readability-redundant-declaration): the library's ground floor declares them, too
 /// The same behind what `out` holds, for a text that is kept and emptied: one with enough room is filled
 /// without new memory. Where there is no memory, a part may have been appended.
-// NOLINTBEGIN(readability-redundant-declaration): the library's ground floor declares them, too
 KESTA_API void append_utf_16(std::wstring& out, std::string_view text);
 KESTA_API void append_utf_8(std::string& out, std::wstring_view text);
 // NOLINTEND(readability-redundant-declaration)
