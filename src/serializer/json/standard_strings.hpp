@@ -69,8 +69,11 @@ class unit_buffer {
 /// U+FEFF at the beginning of a text.
 template <class Unit>
 constexpr std::basic_string_view<Unit> mark_of() noexcept {
-  if constexpr (sizeof(Unit) == 1) return "\xEF\xBB\xBF";
-  if constexpr (sizeof(Unit) > 1) return L"\xFEFF";
+  if constexpr (sizeof(Unit) == 1) {
+    return "\xEF\xBB\xBF";
+  } else {
+    return L"\xFEFF";
+  }
 }
 
 template <class Unit>

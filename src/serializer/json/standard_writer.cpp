@@ -94,6 +94,7 @@ class scalar_writer {
   /// With its quotation marks, and as a name with what comes behind it.
   void put_text(sink<Out>& out, std::wstring_view text, std::string_view behind = {}) const {
     constexpr std::size_t piece = 1024, more = 12;  // for the marks, and what is written beyond the end
+    // cppcheck-suppress danglingTemporaryLifetime ; a text that is made for the call lives as long
     const wchar_t* at = text.data();
     const wchar_t* const end = at + text.size();
     Out* to = out.room(most_escaped_units * std::min(piece, text.size()) + more);

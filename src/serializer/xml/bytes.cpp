@@ -94,7 +94,8 @@ const beginning& beginning_of(std::string_view bytes) noexcept {
 /// Reads nothing but the name of the encoding.
 class head_reader : declaration_reader {
  public:
-  explicit head_reader(std::wstring_view head) noexcept : declaration_reader(head, nullptr, {}, type_) {}
+  explicit head_reader(std::wstring_view head) noexcept
+      : declaration_reader(head, nullptr, {}, document_type_) {}
 
   /// Empty where none is declared; false where the declaration is wrong.
   bool read(std::wstring_view& name) {
@@ -109,7 +110,7 @@ class head_reader : declaration_reader {
   }
 
  private:
-  xml_document_type type_;  // none
+  xml_document_type document_type_;  // none
 };
 
 bool is_same_name(std::wstring_view name, std::wstring_view in_lower_case) {

@@ -92,7 +92,7 @@ class xml_text {
 class document_reader : declaration_reader {
  public:
   document_reader(std::wstring_view text, const xml_text_of_bytes* bytes, const xml_read_options& options)
-      : declaration_reader(text, bytes, options.limits, type_),
+      : declaration_reader(text, bytes, options.limits, document_type_),
         options_(options),
         tree_(options.mixed_text),
         text_(options.mixed_text) {}
@@ -148,9 +148,9 @@ class document_reader : declaration_reader {
     attributes_ = 0;
     aliases_.clear();
     declared_ = nullptr;
-    if (type_.attributes.empty()) return;
-    const auto declared = type_.attributes.find(its_name);
-    if (declared != type_.attributes.end()) declared_ = &declared->second;
+    if (document_type_.attributes.empty()) return;
+    const auto declared = document_type_.attributes.find(its_name);
+    if (declared != document_type_.attributes.end()) declared_ = &declared->second;
   }
 
   void count_element(std::size_t bytes, const wchar_t* where) {
@@ -279,7 +279,7 @@ class document_reader : declaration_reader {
   }
 
   const xml_read_options& options_;
-  xml_document_type type_;
+  xml_document_type document_type_;
   bundle document_;
   xml_tree tree_;
   const xml_declared_attributes* declared_ = nullptr;  // of the leaf

@@ -422,8 +422,8 @@ class document_writer : public detail::visitor {
   /// What the prefix stands for.
   const std::wstring& check_prefix(const xml_name& name) {
     const std::wstring* const uri = scopes_.uri_of(name.prefix_text());
-    if (!uri) refuse<exc::xmlBadPrefix>(name.text);
-    return *uri;
+    if (uri) return *uri;
+    refuse<exc::xmlBadPrefix>(name.text);
   }
 
   // --- names
