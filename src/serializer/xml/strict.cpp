@@ -345,11 +345,13 @@ bool read_well_formed_xml(bundle& out, std::u8string_view text, exception* err,
 }
 
 text_place position_in_xml(std::string_view bytes, std::uint64_t position) {
-  xml_encoding encoding = family_of(bytes);  // where no other is understood, positions are in the declaration
-  try {
-    encoding = encoding_of(bytes);
-  } catch (const exc::XMLException&) {
-  }
+  const xml_encoding encoding = [&] {
+    try {
+      return encoding_of(bytes);
+    } catch (const exc::XMLException&) {  // where none is understood, positions are in the declaration
+      return family_of(bytes);
+    }
+  }();
   const xml_text_of_bytes text = decoded(bytes, encoding);
   return position_of(text.text, text.offset(position) + std::uint64_t{1});
 }

@@ -429,7 +429,8 @@ class document_writer : public detail::visitor {
   // --- names
 
   xml_name name_of(const std::wstring& text) {
-    known_name& known = known_[reinterpret_cast<std::uintptr_t>(&text) / sizeof text % std::size(known_)];
+    known_name& known =
+        known_[reinterpret_cast<std::uintptr_t>(&text) / sizeof(std::wstring) % std::size(known_)];
     if (known.of != &text) known = {&text, made_name(text)};
     return known.name;
   }
