@@ -5,26 +5,26 @@
 #include <ruvo/texto.hpp>
 
 #include <cstddef>
+#include <stdexcept>
 #include <string_view>
 
 #include "base/ascii.hpp"
 #include "base/utf.hpp"
+#include "base/wire/ascii_set.hpp"
+#include "base/wire/percent.hpp"
 
 namespace ruvo::texto {
 
 namespace {
 
-template <class Text>
-void append_escaped(Text& out, char mark, char c) {
-  using unit = typename Text::value_type;
+void append_escaped(std::string& out, char c) {
   const auto byte = static_cast<unsigned char>(c);
-  out.push_back(static_cast<unit>(mark));
-  out.push_back(static_cast<unit>("0123456789ABCDEF"[byte >> 4]));
-  out.push_back(static_cast<unit>("0123456789ABCDEF"[byte & 15]));
+  out.push_back('=');
+  out.push_back("0123456789ABCDEF"[byte >> 4]);
+  out.push_back("0123456789ABCDEF"[byte & 15]);
 }
 
 bool is_one_of(char c, std::string_view marks) noexcept { return marks.find(c) != marks.npos; }
-bool is_unreserved(char c) noexcept { return is_alnum(static_cast<wchar_t>(c)) || is_one_of(c, "-._~"); }
 bool is_safe_in_phrase(char c) noexcept { return is_alnum(static_cast<wchar_t>(c)) || is_one_of(c, "!*+-/"); }
 
 bool is_plain_header(std::string_view text) noexcept {
@@ -48,7 +48,7 @@ std::string q_character(std::string_view bytes) {
     } else if (is_safe_in_phrase(c)) {
       out.push_back(c);
     } else {
-      append_escaped(out, '=', c);
+      append_escaped(out, c);
     }
   }
   return out;
@@ -58,13 +58,14 @@ std::string q_character(std::string_view bytes) {
 
 std::wstring web_encode(std::wstring text) {
   std::wstring out;
-  for (const char c : to_utf_8(std::wstring_view(text))) {
-    if (is_unreserved(c)) {
-      out.push_back(static_cast<wchar_t>(c));
-    } else {
-      append_escaped(out, '%', c);
-    }
-  }
+  wire::append_percent(out, std::wstring_view(text), wire::unreserved_set);
+  return out;
+}
+
+std::wstring web_decode(const std::wstring& text) {
+  std::wstring out;
+  if (!wire::percent_text(out, std::wstring_view(text)).good())
+    throw std::invalid_argument("invalid percent-encoding");
   return out;
 }
 

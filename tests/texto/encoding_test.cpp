@@ -219,7 +219,16 @@ TEST(web, every_unit_comes_back) {
     }
     ASSERT_EQ(stays ? address : texto::hex_to_string(hex), stays ? text : widened(texto::to_utf_8(text)))
         << unit;
+    const bool half = unit >= 0xD800 && unit < 0xE000;
+    ASSERT_EQ(texto::web_decode(address), half ? L"\xFFFD" : text) << unit;
   }
+}
+
+TEST(web, decodes_what_others_write) {
+  EXPECT_EQ(texto::web_decode(L"a+b%2b%c3%B1 ñ/\xD83D\xDE00%F0%9F%98%80%00"),
+            std::wstring(L"a+b+ñ ñ/\xD83D\xDE00\xD83D\xDE00") + L'\0');
+  for (const wchar_t* bad : {L"%", L"a%4", L"%zz", L"%C3", L"%C3ñ", L"%ED%A0%80", L"\xD83D"})
+    EXPECT_THROW(static_cast<void>(texto::web_decode(bad)), std::invalid_argument) << bad;
 }
 
 TEST(mail, q_encoded) {

@@ -113,6 +113,11 @@ KESTA_API std::string hex_to_dec(const std::string& hex);
 /// Percent-encoding of the text's UTF-8, RFC 3986: letters, digits and `-._~` stay, every other byte becomes
 /// `%` and two upper-case digits. For a part of an address, not for a whole one: its "/" and "?" do not stay.
 [[nodiscard]] KESTA_API std::wstring web_encode(std::wstring text);
+/// What web_encode() made the text of, also of small digits and of characters that need no encoding. A "+" is
+/// a "+": in the query of a form, where it is a blank, take http::fields (<ruvo/forms.hpp>). Throws
+/// std::invalid_argument ("invalid percent-encoding") for a "%" without two digits behind it, and for bytes
+/// that are no UTF-8.
+[[nodiscard]] KESTA_API std::wstring web_decode(const std::wstring& text);
 /// The UTF-8 text as "Q" encoded words of a mail header, RFC 2047: `=?UTF-8?Q?...?=`, each of at most 75
 /// characters, ending between characters and joined by CRLF and a blank. What stands before the first word is
 /// not counted: behind a field's name its line may pass the 76 characters of section 2 by that name. Literal

@@ -7,15 +7,15 @@
 #include <ruvo/exc.hpp>
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
 #include <string>
 #include <string_view>
 
-#include "base/ascii.hpp"
+#include "base/charset.hpp"
 #include "base/utf.hpp"
+#include "base/wire/tokens.hpp"
 #include "serializer/scan.hpp"
 #include "serializer/xml/declaration.hpp"
 
@@ -31,7 +31,7 @@ constexpr bool is_utf_16(xml_encoding encoding) noexcept {
   return encoding == xml_encoding::utf_16_le || encoding == xml_encoding::utf_16_be;
 }
 
-/// What a declaration may call an encoding, in lower case.
+/// What a declaration may call an encoding.
 constexpr struct {
   std::wstring_view name;
   xml_encoding encoding;
@@ -113,55 +113,10 @@ class head_reader : declaration_reader {
   xml_document_type document_type_;  // none
 };
 
-bool is_same_name(std::wstring_view name, std::wstring_view in_lower_case) {
-  return std::equal(name.begin(), name.end(), in_lower_case.begin(), in_lower_case.end(),
-                    [](wchar_t c, wchar_t lower) { return texto::to_lower(c) == lower; });
-}
-
 // --- decoding
 
-/// The characters of the bytes from 128 on; 0 where there is none.
-using upper_half = std::array<char16_t, 128>;
-
-constexpr upper_half latin_1_half() {
-  upper_half made{};
-  for (std::size_t n = 0; n < made.size(); ++n) made[n] = static_cast<char16_t>(128 + n);
-  return made;
-}
-constexpr upper_half latin_9_half() {
-  upper_half made = latin_1_half();
-  made[0xA4 - 128] = 0x20AC;
-  made[0xA6 - 128] = 0x0160;
-  made[0xA8 - 128] = 0x0161;
-  made[0xB4 - 128] = 0x017D;
-  made[0xB8 - 128] = 0x017E;
-  made[0xBC - 128] = 0x0152;
-  made[0xBD - 128] = 0x0153;
-  made[0xBE - 128] = 0x0178;
-  return made;
-}
-constexpr upper_half windows_1252_half() {
-  constexpr char16_t first[] = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
-                                0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0,      0x017D, 0,
-                                0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
-                                0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
-  upper_half made = latin_1_half();
-  std::copy(std::begin(first), std::end(first), made.begin());
-  return made;
-}
-
-constexpr upper_half ascii{}, latin_1 = latin_1_half(), latin_9 = latin_9_half(),
-                              windows_1252 = windows_1252_half();
-
-void decode_single_bytes(xml_text_of_bytes& out, std::string_view bytes, const upper_half& upper) {
-  out.text.resize(bytes.size());
-  for (std::size_t n = 0; n < bytes.size(); ++n) {
-    const auto byte = static_cast<unsigned char>(bytes[n]);
-    out.text[n] = static_cast<wchar_t>(byte < 128 ? byte : upper[byte - 128]);
-    if (byte < 128 || out.text[n] != 0) continue;
-    out.is_cut = true;
-    return out.text.resize(n);
-  }
+void decode_single(xml_text_of_bytes& out, std::string_view bytes, const texto::upper_half& upper) {
+  out.is_cut = texto::decode_single_bytes(out.text, bytes, upper) != bytes.size();
 }
 
 /// The first of two bytes is the high one or the low one.
@@ -237,7 +192,7 @@ xml_encoding encoding_of(std::string_view bytes) {
   }
   for (const auto& row : encoding_names) {
     const bool may_be = is_ascii ? !is_utf_16(row.encoding) : row.encoding == known.encoding;
-    if (may_be && is_same_name(name, row.name)) return row.encoding;
+    if (may_be && wire::is_same_name(name, row.name)) return row.encoding;
   }
   throw exc::xmlUnknownEncoding(head.position(static_cast<std::size_t>(name.data() - head.text.data())), 0);
 }
@@ -257,16 +212,16 @@ xml_text_of_bytes decoded(std::string_view bytes, xml_encoding encoding) {
       decode_utf_16(out, bytes, true);
       break;
     case xml_encoding::ascii:
-      decode_single_bytes(out, bytes, ascii);
+      decode_single(out, bytes, texto::ascii_half);
       break;
     case xml_encoding::latin_1:
-      decode_single_bytes(out, bytes, latin_1);
+      decode_single(out, bytes, texto::latin_1_half);
       break;
     case xml_encoding::latin_9:
-      decode_single_bytes(out, bytes, latin_9);
+      decode_single(out, bytes, texto::latin_9_half);
       break;
     case xml_encoding::windows_1252:
-      decode_single_bytes(out, bytes, windows_1252);
+      decode_single(out, bytes, texto::windows_1252_half);
       break;
   }
   return out;
