@@ -8,12 +8,15 @@
 
 #include <algorithm>
 #include <istream>
+#include <optional>
 #include <ostream>
 #include <string_view>
 #include <utility>
 
 #include "base/ascii.hpp"
 #include "base/numbers.hpp"
+#include "base/wire/dates.hpp"
+#include "base/wire/tokens.hpp"
 #include "net/mail_patterns.hpp"
 
 namespace ruvo::smtp {
@@ -26,11 +29,6 @@ template <class String>
 void append(String& out, const String& entry) {
   if (!out.empty()) out.push_back(';');
   out.append(entry);
-}
-
-bool same_name(std::wstring_view a, std::wstring_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](wchar_t x, wchar_t y) { return texto::to_lower(x) == texto::to_lower(y); });
 }
 
 // --- lists of recipients
@@ -115,14 +113,12 @@ bool read_sender(address& out, const std::wstring& text) {
   return read.has_value();
 }
 
-/// Reads the date of RFC 5322, perhaps without its weekday or with an old name of the zone +0000.
-bool read_header_date(datetime& out, std::wstring text) {
-  constexpr std::size_t weekday = 4;  // length of its pattern
-  for (const std::wstring_view zone : {L" GMT", L" UT"})
-    if (text.ends_with(zone)) text.replace(text.size() - zone.size(), zone.size(), L" +0000");
-  const bool whole = text.find(L',') != text.npos;
-  exception error;
-  return out.parse(text, whole ? email::date_pattern : email::date_pattern.substr(weekday), error, english);
+/// Reads the date of RFC 5322 and its obsolete forms; not one whose zone is a name that says nothing.
+bool read_header_date(datetime& out, std::wstring_view text) {
+  const std::optional<wire::zoned_instant> read = wire::read_mail_date(text);
+  if (!read || read->zone == wire::zone_of_writer::foreign) return false;
+  out = datetime(read->seconds, out.get_huso_horario());
+  return true;
 }
 
 /// The identifier in "<uuid@domain>"; whole when the domain is another one.
@@ -222,17 +218,17 @@ bool email::take_field(std::wstring_view name, const std::wstring& value, header
     RCTP role;
   } lists[] = {{L"To", TO_}, {L"Cc", CC_}, {L"Cco", CCO_}, {L"Bcc", CCO_}};
   for (const auto& row : lists) {
-    if (same_name(name, row.name)) {
+    if (wire::is_same_name(name, row.name)) {
       if (!std::exchange(read.list[row.role], true)) drop(row.role);
       put_list(value, row.role);
       return true;
     }
   }
-  if (same_name(name, L"Date")) return value.empty() || read_header_date(date_, value);
-  if (same_name(name, L"From")) return read_sender(from_, value);
-  if (same_name(name, L"Sender")) return read_sender(sender_, value);
-  if (same_name(name, L"Subject")) subject_ = value;
-  if (same_name(name, L"Message-ID")) read.message_id = value;
+  if (wire::is_same_name(name, L"Date")) return value.empty() || read_header_date(date_, value);
+  if (wire::is_same_name(name, L"From")) return read_sender(from_, value);
+  if (wire::is_same_name(name, L"Sender")) return read_sender(sender_, value);
+  if (wire::is_same_name(name, L"Subject")) subject_ = value;
+  if (wire::is_same_name(name, L"Message-ID")) read.message_id = value;
   return true;
 }
 

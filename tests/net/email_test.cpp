@@ -241,7 +241,8 @@ TEST(email, senders_need_no_valid_mail) {
 TEST(email, dates_of_other_writers) {
   for (const wchar_t* text :
        {L"Mon, 1 Jan 2024 10:00:00 GMT", L"1 Jan 2024 10:00:00 +0000", L"01 Jan 2024 10:00:00 UT",
-        L"1 Jan 2024 10:00:00 GMT", L"Mon, 01 Jan 2024 12:00:00 +0200", L"1 Jan 2024 09:00:00 -0100"}) {
+        L"1 Jan 2024 10:00:00 GMT", L"Mon, 01 Jan 2024 12:00:00 +0200", L"1 Jan 2024 09:00:00 -0100",
+        L"Mon, 1 Jan 24 05:00 (\\) morning (here)) EST", L"1 Jan 2024 10:00:00 -0000 (CET)"}) {
     email read;
     EXPECT_NO_THROW(read.deserialize_headers(std::wstring(L"Date: ") + text)) << text;
     EXPECT_EQ(read.get_date().get_lapso(), 1704103200) << text;
