@@ -25,8 +25,6 @@ namespace ruvo {
 
 namespace {
 
-constinit std::atomic<int> applications{0};
-
 /// Shows the developer a thread that was not checked out, once for each.
 void warn_of_thread() noexcept {
   constinit thread_local bool warned = false;
@@ -68,7 +66,7 @@ constexpr folder_type made_by_boot[] = {folder_type::config, folder_type::data, 
 
 }  // namespace
 
-bool services::are_default() noexcept { return applications.load(std::memory_order_acquire) == 0; }
+constinit std::atomic<int> services::applications{0};
 
 context& current_context() noexcept {
   if (!services::are_default()) {
@@ -80,12 +78,12 @@ context& current_context() noexcept {
 
 application::application(HINSTANCE__* instance) : instance_(instance) {
   registry::enroll(*this);
-  ++applications;
+  ++services::applications;
 }
 
 application::~application() {
   registry::strike(*this);
-  --applications;
+  --services::applications;
   reg::show_lost_entries();
 }
 

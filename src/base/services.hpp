@@ -7,6 +7,7 @@
 
 #include <ruvo/fwd.hpp>
 
+#include <atomic>
 #include <ctime>
 #include <string>
 #include <vector>
@@ -18,8 +19,11 @@ context& current_context() noexcept;
 
 namespace services {
 
+/// How many applications there are.
+extern std::atomic<int> applications;
+
 /// Whether there is no application at all, and the default services answer: for UTC those of base/civil.hpp.
-bool are_default() noexcept;
+inline bool are_default() noexcept { return applications.load(std::memory_order_acquire) == 0; }
 
 /// 100-nanosecond ticks since 1970-01-01 00:00:00 UTC.
 long long ticks(const context& user);

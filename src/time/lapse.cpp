@@ -118,14 +118,22 @@ long long ask_to_build(std::tm& record, bool local) {
 
 // What the default services answer for UTC is taken directly, in half the time.
 
-void break_down(long long seconds, bool local, std::tm& out) {
-  const bool by_default = !local && services::are_default();
-  if (!by_default || !civil::break_down(seconds, out)) ask_to_break_down(seconds, local, out);
+bool is_answered_directly(bool local) { return !local && services::are_default(); }
+
+/// False where a service has to be asked, and nothing is written.
+bool break_down_directly(long long seconds, bool local, std::tm& out) {
+  return is_answered_directly(local) && civil::break_down(seconds, out);
 }
 
-long long built(std::tm& record, bool local) {
-  const bool by_default = !local && services::are_default();
-  return by_default ? civil::build(record) : ask_to_build(record, local);
+void break_down(long long seconds, bool local, std::tm& out) {
+  if (!break_down_directly(seconds, local, out)) [[unlikely]]
+    ask_to_break_down(seconds, local, out);
+}
+
+inline long long built(std::tm& record, bool local) {
+  if (!is_answered_directly(local)) [[unlikely]]
+    return ask_to_build(record, local);
+  return civil::build(record);
 }
 
 long long present_seconds() {
@@ -334,7 +342,12 @@ void lapse::replace(int n, times::UNITS unit) {
   if (set(n, unit, &err)) raise(err);
 }
 
-std::tm lapse::get_model() const { return huso_ == times::LOCAL ? get_local_model() : get_gmt_model(); }
+std::tm lapse::get_model() const {
+  std::tm out{};
+  const bool local = huso_ == times::LOCAL;
+  if (break_down_directly(lapso_, local, out)) return out;
+  return local ? get_local_model() : get_gmt_model();
+}
 
 std::tm lapse::get_gmt_model(exception* err) const {
   std::tm out{};
