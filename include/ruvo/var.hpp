@@ -239,13 +239,14 @@ class KESTA_API var {
   /// Whether both hold the same type and their texts are equal; two null cells are equal. Decimals are
   /// compared as they print, with six digits.
   bool operator==(const var& other) const {
-    const bool is_integer = data_.kind >= detail::kind::boolean && data_.kind <= detail::kind::uxlong;
-    if (data_.kind == other.data_.kind && (is_integer || data_.kind == detail::kind::double_)) {
+    using detail::kind;
+    if (data_.kind >= kind::boolean && data_.kind <= kind::double_) {
+      if (data_.kind != other.data_.kind) return false;
       if (integer() == other.integer()) return true;
-      const double apart = is_integer ? 0 : real() - other.real();
+      if (data_.kind <= kind::uxlong) return false;
+      const double apart = real() - other.real();
       if (apart > most_apart || apart < -most_apart) return false;
     }
-    if (is_integer) return false;
     return equals(other);
   }
   /// @quirk Compares texts whatever the kinds, so 10 < 9: this is the order of lists and bundles.
