@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: BSL-1.0
 
-// Text of 16-bit units through the vectors that the target's wide characters take, each against a plain way.
+// Text of 16-bit units through the vectors that the target's wide characters take, each against a plain way;
+// and digests by the processor's instructions against those by plain arithmetic.
 //
 // The first byte says how units are made of the bytes behind it, the second how long the part to be found is,
 // and whether all comes many times; then come its last bytes, one more each time. No unit stands before or
 // behind the texts in memory.
+
+#include <ruvo/digest.hpp>
 
 #include <algorithm>
 #include <cstring>
@@ -261,6 +264,15 @@ void convert(std::string_view bytes, bytes_view numbers, std::u16string_view uni
 #endif
 }
 
+void digests([[maybe_unused]] std::string_view bytes) {
+#ifdef KESTA_X64
+  const binary found = digest::sha256(bytes);
+  const bool has_sha = std::exchange(texto::has_sha, false);
+  FUZZ_CHECK(digest::sha256(bytes) == found);
+  texto::has_sha = has_sha;
+#endif
+}
+
 /// `bytes` and the units made of them; `choice` is the number in the second byte.
 void check(std::string_view in, unsigned form, unsigned choice) {
   const block<char> bytes(in);
@@ -269,6 +281,7 @@ void check(std::string_view in, unsigned form, unsigned choice) {
   const block<char16_t> units(units_of(in, form));
 
   convert(bytes.view(), numbers.view(), units.view());
+  digests(bytes.view());
   cases(units.view());
   copies(units.view(), choice);
   escapes(units.view());

@@ -13,6 +13,7 @@
 #include <ruvo/context.hpp>
 #include <ruvo/date.hpp>
 #include <ruvo/datetime.hpp>
+#include <ruvo/digest.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/exception.hpp>
 #include <ruvo/fences.hpp>

@@ -2,16 +2,19 @@
 #pragma once
 
 // Vectors of 16 bytes, where the processor has them. SSE2 is part of every x86-64; a function that uses SSSE3
-// is marked KESTA_SSSE3 and called only if has_ssse3. Wider vectors are left out: the mingw compilers do not
-// align the stack for them.
+// is marked KESTA_SSSE3 and called only if has_ssse3, one that uses the instructions for SHA is marked
+// KESTA_SHA and called only if has_sha. Wider vectors are left out: the mingw compilers do not align the
+// stack for them.
 
 #if defined(__x86_64__) || defined(_M_X64)
 #  define KESTA_X64
 #  include <tmmintrin.h>
 #  if defined(__GNUC__)
 #    define KESTA_SSSE3 [[gnu::target("ssse3")]]
+#    define KESTA_SHA [[gnu::target("sha,sse4.1")]]
 #  else
 #    define KESTA_SSSE3
+#    define KESTA_SHA
 #  endif
 
 #  include <cstddef>
@@ -21,6 +24,8 @@ namespace ruvo::texto {
 /// False until the module's variables are made: what runs before takes the portable way. Only fuzzers change
 /// it, so that they go that way too.
 extern bool has_ssse3;
+/// As has_ssse3: the instructions for SHA, with SSE4.1.
+extern bool has_sha;
 
 // 16 characters as bytes and back: char, or units of 16 bits.
 
