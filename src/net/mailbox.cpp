@@ -140,12 +140,17 @@ bool mailbox::deserialize(const std::wstring& text) {
 }
 
 mailbox::operator bundle() const {
+  bundle fields = without_password();
+  fields[L"password"] = password_;
+  return fields;
+}
+
+bundle mailbox::without_password() const {
   bundle fields;
   fields[L"host"] = host_;
   fields[L"port"] = port_;
   fields[L"encryption"] = to_string(encryption_);
   fields[L"user"] = user_;
-  fields[L"password"] = password_;
   return fields;
 }
 

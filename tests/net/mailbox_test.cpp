@@ -109,6 +109,9 @@ TEST(mailbox_value, of_bundles) {
   const mailbox before = made(L"h", mailbox::SSL, 7, L"u", L"w");
   EXPECT_EQ(bundle(before).to_string(),
             LR"({"encryption":"SSL", "host":"h", "password":"w", "port":7, "user":"u"})");
+  EXPECT_EQ(before.without_password().to_string(),
+            LR"({"encryption":"SSL", "host":"h", "port":7, "user":"u"})");
+  EXPECT_EQ(fields_of(mailbox(before) = before.without_password()), fields_of(before));
   const struct {
     const wchar_t* key;
     xvar value;

@@ -88,6 +88,9 @@ class KESTA_API mailbox {
 
   /// "host", "port" (0 when none was set), "encryption" (as to_string() spells it), "user" and "password".
   operator bundle() const;
+  /// The same without "password", for what is shown, logged or sent. What is taken from it keeps its
+  /// password.
+  bundle without_password() const;
   /// An xvar that holds a copy of this mailbox and prints its URL.
   operator xvar() const;
   /// get_url().
