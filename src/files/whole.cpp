@@ -8,6 +8,7 @@
 #include <ruvo/memo.hpp>
 
 #include <algorithm>
+#include <functional>
 #include <mutex>
 #include <new>
 #include <optional>
@@ -21,6 +22,7 @@
 #include "base/numbers.hpp"
 #include "base/utf.hpp"
 #include "files/names.hpp"
+#include "files/pieces.hpp"
 #include "files/stand_in.hpp"
 #include "system/file.hpp"
 #include "system/folder.hpp"
@@ -61,43 +63,9 @@ void expect_file(const file& path) {
   if (found.is_folder) throw exc::fileExpectedFile(path);
 }
 
-/// A file of a size known from the start, read from its first byte to its last.
-class source {
- public:
-  explicit source(const file& path) : path_(path), in_(path, platform::open_file::to_read) {
-    if (!in_) {
-      expect_file(path);
-      throw exc::fileOsStream(path);
-    }
-    unsigned long long size = 0;
-    if (!in_.size(size)) throw exc::fileOsStream(path);
-    if (size > std::string().max_size()) throw exc::fileStrageFileSize(path);
-    left_ = static_cast<std::size_t>(size);
-  }
-
-  std::size_t left() const noexcept { return left_; }
-
-  void read(void* to, std::size_t count) {
-    char* at = static_cast<char*>(to);
-    left_ -= count;
-    while (count) {
-      std::size_t got = 0;
-      if (!in_.read(at, count, got)) throw exc::fileOsStream(path_);
-      if (!got) throw exc::fileStrageFileSize(path_);
-      at += got;
-      count -= got;
-    }
-  }
-
- private:
-  const file& path_;
-  platform::open_file in_;
-  std::size_t left_ = 0;
-};
-
 template <class Bytes>
 Bytes read_bytes(const file& path) {
-  source in(path);
+  file_reader in(path);
   Bytes out(in.left(), typename Bytes::value_type());
   in.read(out.data(), out.size());
   return out;
@@ -116,7 +84,9 @@ std::size_t open_end(std::string_view text) {
 /// Gives a file in pieces small enough to stay in the processor's cache while they are converted.
 class piecewise {
  public:
-  explicit piecewise(source& in) : in_(in), buffer_(std::min(std::size_t{1} << 17, in.left())) { next(); }
+  explicit piecewise(file_reader& in) : in_(in), buffer_(std::min(std::size_t{1} << 17, in.left())) {
+    next();
+  }
 
   std::string_view piece() const noexcept { return {buffer_.data() + skipped_, filled_ - skipped_}; }
   bool is_last() const noexcept { return in_.left() == 0; }
@@ -132,7 +102,7 @@ class piecewise {
   }
 
  private:
-  source& in_;
+  file_reader& in_;
   std::vector<char> buffer_;
   std::size_t filled_ = 0, skipped_ = 0;
 };
@@ -165,7 +135,7 @@ std::wstring from_utf_16(piecewise& in, std::size_t most) {
 }
 
 std::wstring read_text(const file& path) {
-  source bytes(path);
+  file_reader bytes(path);
   const std::size_t size = bytes.left();
   piecewise in(bytes);
   if (in.piece().starts_with(utf_16_mark)) {
@@ -214,6 +184,15 @@ class stand_in {
 
   void fill(std::string_view content) {
     make([&](platform::open_file& out) { return out.write(content) && out.flush() && out.keep(); });
+  }
+
+  void fill(const std::function<void(const put_piece&)>& produce) {
+    make([&](platform::open_file& out) {
+      produce([&](std::string_view piece) {
+        if (!out.write(piece)) throw exc::fileOsStream(target_);
+      });
+      return out.flush() && out.keep();
+    });
   }
 
   // The name is taken first, so that what is discarded after a failure is never somebody else's.
@@ -330,6 +309,13 @@ file write_content(const binary& bytes, const file& path, bool overwrite) {
                      overwrite);
 }
 
+file write_content(const std::function<void(const put_piece&)>& produce, const file& path, bool overwrite) {
+  expect_writable(path, overwrite);
+  stand_in made(path, overwrite);
+  made.fill(produce);
+  return made.settle();
+}
+
 template <class Content>
 file write_whole(const Content& content, const file& path, bool overwrite) {
   return within_memory<exc::fileOsStream>(path, [&] { return write_content(content, path, overwrite); });
@@ -350,6 +336,29 @@ auto read_whole(const file& path, Read read) {
 }
 
 }  // namespace
+
+file_reader::file_reader(const file& path) : path_(path), in_(path, platform::open_file::to_read) {
+  if (!in_) {
+    expect_file(path);
+    throw exc::fileOsStream(path);
+  }
+  unsigned long long size = 0;
+  if (!in_.size(size)) throw exc::fileOsStream(path);
+  if (size > std::string().max_size()) throw exc::fileStrageFileSize(path);
+  left_ = static_cast<std::size_t>(size);
+}
+
+void file_reader::read(void* to, std::size_t count) {
+  char* at = static_cast<char*>(to);
+  left_ -= count;
+  while (count) {
+    std::size_t got = 0;
+    if (!in_.read(at, count, got)) throw exc::fileOsStream(path_);
+    if (!got) throw exc::fileStrageFileSize(path_);
+    at += got;
+    count -= got;
+  }
+}
 
 bool read(std::wstring& out, const file& path, exception& err) {
   return succeeds(err, [&] { read_whole(path, [&] { out = read_text(path); }); });
@@ -388,6 +397,10 @@ file write(const memo& content, const file& path, bool overwrite) {
 }
 file write(const binary& content, const file& path, bool overwrite) {
   return write_whole(content, path, overwrite);
+}
+
+file write_pieces(const file& path, const std::function<void(const put_piece&)>& produce, bool overwrite) {
+  return write_whole(produce, path, overwrite);
 }
 
 file copy_file(const file& from, file to) {
