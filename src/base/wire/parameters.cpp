@@ -365,7 +365,9 @@ bool add_parameter(std::vector<std::wstring>& pieces, std::wstring_view name, st
   std::wstring made;
   if (is_ascii(value)) {
     made.assign(name).append(L"=");
-    append_word(made, value);
+    // A "'", "*" or "%" outside of quotation marks makes some readers of mail look for an extended value.
+    const bool is_odd = form == parameter_form::mail && value.find_first_of(L"'*%") != value.npos;
+    is_odd ? append_quoted(made, value) : append_word(made, value);
   }
   if (made.empty() || !fits(made)) {
     made.assign(name).append(L"*=").append(utf_8_value);
