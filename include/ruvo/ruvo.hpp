@@ -34,6 +34,7 @@
 #include <ruvo/logger.hpp>
 #include <ruvo/memo.hpp>
 #include <ruvo/memory_collector.hpp>
+#include <ruvo/mime.hpp>
 #include <ruvo/net.hpp>
 #include <ruvo/reading.hpp>
 #include <ruvo/serializer.hpp>
