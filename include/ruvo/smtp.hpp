@@ -8,3 +8,4 @@
 #include <ruvo/smtp/email.hpp>
 #include <ruvo/smtp/mailbox.hpp>
 #include <ruvo/smtp/response.hpp>
+#include <ruvo/smtp/wire.hpp>

@@ -8,7 +8,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <sstream>
 #include <string>
 
 #include "socket_transport.hpp"
@@ -23,51 +22,6 @@ namespace texto = ruvo::texto;
 
 // --- a transport: what an application brings along
 
-std::string base64_lines(const std::string& text) {
-  std::string all, out;
-  texto::base64_encode(all, text, false);
-  for (std::size_t at = 0; at < all.size(); at += 76) out += all.substr(at, 76) + "\r\n";
-  return out;
-}
-
-/// A list of the library as RFC 5322 has it.
-std::string with_commas(std::string list) {
-  for (std::size_t at = 0; (at = list.find(">;", at)) != list.npos; at += 2) list.replace(at, 2, ">,\r\n ");
-  return list;
-}
-
-std::string field(const std::string& name, const std::string& value) {
-  return value.empty() || value == "<>" ? "" : name + ": " + value + "\r\n";
-}
-
-/// The lines of the library's block that are ready to be sent, and the others encoded. Blind recipients are
-/// left out.
-std::string header(const email& message) {
-  std::wostringstream block;
-  message.serialize_headers(block);
-  std::string out, line;
-  std::istringstream lines(texto::to_utf_8(block.str()));
-  while (std::getline(lines, line))
-    if (line.starts_with("Date:") || line.starts_with("Message-ID:")) out += line + "\n";
-  std::string to, cc;
-  message.q_serialize_recipients(to, cc);
-  out += field("From", message.get_from().q_encoded()) + field("Sender", message.get_sender().q_encoded());
-  out += field("To", with_commas(to)) + field("Cc", with_commas(cc));
-  return out + field("Subject", texto::q_encoded(texto::to_utf_8(message.get_subject())));
-}
-
-std::string content(const email& message) {
-  const std::string boundary = "part-" + texto::to_utf_8(message.get_uuid()), next = "\r\n--" + boundary;
-  const auto part = [&next](const char* kind, const std::wstring& text) {
-    return next + "\r\nContent-Type: text/" + kind +
-           "; charset=utf-8\r\nContent-Transfer-Encoding: base64\r\n\r\n" +
-           base64_lines(texto::to_utf_8(text));
-  };
-  return header(message) + "MIME-Version: 1.0\r\nContent-Type: multipart/alternative; boundary=\"" +
-         boundary + "\"\r\n" + part("plain", message.get_plain_post()) +
-         part("html", message.get_hmtl_post()) + next + "--\r\n";
-}
-
 class session {
  public:
   explicit session(const transport::place& server) : peer_(server) {
@@ -77,15 +31,19 @@ class session {
 
   response send(const email& message) {
     response outcome;
-    demand(250, ask("MAIL FROM:<" + texto::to_utf_8(message.get_from().get_mail()) + ">"));
-    for (const auto& [recipient, role] : message)
-      if (recipient.check() && role >= email::TO_) offer(recipient, outcome);
+    ruvo::exception error;
+    ruvo::smtp::envelope envelope;
+    std::string content;
+    if (!ruvo::smtp::seal(envelope, message, error) || !ruvo::smtp::write(content, message, error))
+      error.raise();
+    demand(250, ask("MAIL FROM:<" + texto::to_utf_8(envelope.sender.get_mail()) + ">"));
+    for (const address& recipient : envelope.recipients) offer(recipient, outcome);
     if (outcome.get_report().get_list(L"accepted").empty()) {
       outcome.set_exception(ruvo::exc::RunTime(L"no recipient was accepted"));
       demand(250, ask("RSET"));
     } else {
       demand(354, ask("DATA"));
-      demand(250, ask(content(message) + "."));
+      demand(250, ask(content + "."));
     }
     return outcome;
   }

@@ -103,7 +103,7 @@ def lines(text):
 def check_message(told):
     check("number of messages", len(received), 1)
     sender, recipients, data = received[0]
-    check("envelope: sender", sender, "jose@ruvo.es")
+    check("envelope: sender", sender, "tienda@ruvo.es")
     check("envelope: recipients", sorted(recipients),
           ["ana@ejemplo.es", "oculta@ejemplo.es", "sin-nombre@ejemplo.es", "taro@ejemplo.es"])
     data = data.replace(b"\r\n", b"\n")  # as smtpd has it
