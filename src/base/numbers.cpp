@@ -21,14 +21,16 @@ namespace ruvo::texto {
 
 namespace {
 
-constexpr char pairs[] =
-    "00010203040506070809101112131415161718192021222324252627282930313233343536373839404142434445464748495051"
-    "525"
-    "354555657585960616263646566676869707172737475767778798081828384858687888990919293949596979899";
+/// The two digits of each number below 100.
+constexpr auto pairs = [] {
+  std::array<wchar_t, 200> digits{};
+  for (std::size_t n = 0; n < digits.size(); ++n)
+    digits[n] = static_cast<wchar_t>(L'0' + (n % 2 == 0 ? n / 20 : n / 2 % 10));
+  return digits;
+}();
 
 void put_pair(wchar_t* to, std::uint32_t value) noexcept {
-  to[0] = static_cast<wchar_t>(pairs[2 * value]);
-  to[1] = static_cast<wchar_t>(pairs[2 * value + 1]);
+  std::memcpy(to, &pairs[std::size_t{2} * value], 2 * sizeof *to);
 }
 
 int count_digits(std::uint64_t value) noexcept {
@@ -56,10 +58,23 @@ void put_nine_digits(wchar_t* to, std::uint32_t value) noexcept {
   put_pair(to + 7, last % 100);
 }
 
-constexpr int most_large_units = 96;  // of print_large with few decimals
+constexpr std::uint32_t powers_of_ten[most_short_decimals + 1] = {
+    1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
+
+/// Writes the digits of a number from 1 to below 10^9, and zeros behind them where they are less than nine.
+wchar_t* put_first_digits(wchar_t* to, std::uint32_t value) noexcept {
+  const auto bits = static_cast<unsigned>(std::bit_width(value));
+  const unsigned least = bits * 1233 >> 12;  // bits / log2(10): as many digits, or one more
+  const unsigned count = least + static_cast<unsigned>(value >= powers_of_ten[least]);
+  put_nine_digits(to, value * powers_of_ten[9 - count]);
+  return to + count;
+}
+
+constexpr int most_large_units = 96;  // that print_large touches with few decimals
 
 /// From 2^63 on every double is a whole number. Below 2^256 its digits are made here, nine at a time; null
-/// for all others.
+/// for all others. What decides where this goes is how many bits the number has, and hardly its digits, which
+/// nobody could foretell.
 wchar_t* print_large(wchar_t* to, double value, int decimals) noexcept {
   const auto bits = std::bit_cast<std::uint64_t>(value);
   const int shift = static_cast<int>(bits >> 52 & 0x7FF) - 1075;  // of a significand of 53 bits
@@ -72,24 +87,24 @@ wchar_t* print_large(wchar_t* to, double value, int decimals) noexcept {
   words[shift / 32 + 2] = static_cast<std::uint32_t>(above >> 32);
   std::uint32_t nines[9];
   int parts = 0;
-  int top = shift / 32 + 3;
-  while (words[top - 1] == 0) --top;
-  while (top > 0) {
+  // Each division takes 29.9 bits away, and leaves less than 10^9 when there are no more than these.
+  for (int left = shift + 53; left > 0; left -= 29) {
     std::uint64_t rest = 0;
-    for (int at = top; at-- > 0;) {
+    for (int at = (left + 31) / 32; at-- > 0;) {
       rest = rest << 32 | words[at];
       words[at] = static_cast<std::uint32_t>(rest / 1000000000);
       rest %= 1000000000;
     }
     nines[parts++] = static_cast<std::uint32_t>(rest);
-    top -= static_cast<int>(words[top - 1] == 0);
   }
+  while (nines[parts - 1] == 0) --parts;
   if (std::signbit(value)) *to++ = L'-';
-  to = print_unsigned(to, nines[--parts]);
+  to = put_first_digits(to, nines[--parts]);
   for (; parts > 0; to += 9) put_nine_digits(to, nines[--parts]);
   if (decimals == 0) return to;
-  *to++ = L'.';
-  return std::fill_n(to, decimals, L'0');
+  constexpr wchar_t no_decimals[] = L".000000000";
+  std::memcpy(to, no_decimals, sizeof no_decimals - sizeof *to);
+  return to + 1 + decimals;
 }
 
 /// The general case: any magnitude, any number of decimals, NaN and infinities.
@@ -114,9 +129,6 @@ void append_fixed_slow(std::wstring& out, double value, int decimals) {
   out.resize(before + static_cast<std::size_t>(end - first));
   std::copy(first, end, out.data() + before);
 }
-
-constexpr std::uint32_t powers_of_ten[most_short_decimals + 1] = {
-    1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
 
 struct fixed_parts {
   std::uint64_t whole;

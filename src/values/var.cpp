@@ -246,6 +246,12 @@ void append_text(std::wstring& out, const var& v) {
 }  // namespace detail
 
 std::wstring var::to_string() const {
+  if (is_decimal()) {  // made in its size at once
+    wchar_t text[texto::most_fixed_units];
+    const wchar_t* end = texto::print_fixed(text, real());
+    if (!end) end = texto::print_any_fixed(text, real());
+    return {text, static_cast<std::size_t>(end - text)};
+  }
   std::wstring text;
   detail::append_text(text, *this);
   return text;
