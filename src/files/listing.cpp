@@ -46,10 +46,9 @@ exception refusal(const file& folder) {
 }
 
 /// False when not all entries could be read.
-bool read_entries(const file& folder, fileFilter* filter, fileCallback* callback, std::vector<file>* out) {
-  const std::shared_ptr<const platform::held_folder> held = hold(folder);
-  if (!held || !*held) return false;
-  platform::folder_reader reader(*held);
+bool read_entries(const file& folder, const platform::held_folder& held, fileFilter* filter,
+                  fileCallback* callback, std::vector<file>* out) {
+  platform::folder_reader reader(held);
   std::wstring path = prefix_of(folder);
   const std::size_t prefix = path.size();
   platform::found_entry found;
@@ -78,8 +77,9 @@ unsigned long long listed_file::size() const {
 
 bool list_folder(const file& folder, exception& err, fileFilter* filter, fileCallback* callback,
                  std::vector<file>* out) {
+  const std::shared_ptr<const platform::held_folder> held = hold(folder);
   const file place(static_cast<const std::wstring&>(folder));  // `folder` may be one of `out`, which grows
-  const bool done = read_entries(place, filter, callback, out);
+  const bool done = held && *held && read_entries(place, *held, filter, callback, out);
   if (!done) {
     const exception failure = refusal(place);
     failure.copy_on(err);

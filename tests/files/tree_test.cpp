@@ -633,6 +633,29 @@ TEST_F(linked_trees, a_folder_that_a_link_replaces_is_left) {
   }
 }
 
+/// A link takes the place of a folder that is held, just before it is listed.
+struct swapping : ruvo::fake_context {
+  bool directory_list(const ruvo::file& folder, exception& err, ruvo::fileFilter* filter,
+                      ruvo::fileCallback* callback, std::vector<ruvo::file>* out) const override {
+    if (folder.get_name() == L"carpeta") is_swapped = links::swap("../fuera", "arbol/origen/carpeta");
+    return context::directory_list(folder, err, filter, callback, out);
+  }
+  mutable bool is_swapped = false;
+};
+
+TEST_F(linked_trees, what_is_held_is_listed) {
+  fill(L"carpeta");
+  swapping service;
+  const ruvo::thread_scope scope(service);
+  recorder record(root);
+  files::RecursiveCallBack recursive(record);
+  exception err;
+  EXPECT_TRUE(files::directory_list(root, err, recursive)) << err.what();
+  if (!service.is_swapped) GTEST_SKIP() << "no links here";
+  EXPECT_EQ(record.order.size(), 1 + names().size());
+  EXPECT_FALSE(record.seen().contains(L"carpeta\\dentro"));
+}
+
 /// A service whose entries are of its own, and know what they are.
 struct invented : ruvo::fake_context {
   struct entry : ruvo::file {
