@@ -192,19 +192,19 @@ bool read(received& out, std::string_view bytes, exception& err, const mime::lim
 }
 
 bool save_attachments(std::vector<file>& saved, const received& message, const file& folder, exception& err) {
-  for (const mime::part& each : message.attachments) {
-    const std::wstring name = mime::safe_name(each.get_filename());
-    file written;
-    const file place(folder, name.empty() ? L"adjunto.bin" : name);
-    try {
-      if (!files::write(each.get_content(), place, err, &written, false)) return false;
-    } catch (const exception& failure) {  // of a part that is a file itself
-      failure.copy_on(err);
-      return false;
+  try {
+    file place(folder);
+    if (!place.mkdirs()) throw exc::fileUnCreateFolder(folder);
+    for (const mime::part& each : message.attachments) {
+      const std::wstring name = mime::safe_name(each.get_filename());
+      place = file(folder, name.empty() ? L"adjunto.bin" : name);
+      saved.push_back(files::write(each.get_content(), place, false));
     }
-    saved.push_back(written);
+    return true;
+  } catch (const exception& failure) {
+    failure.copy_on(err);
+    return false;
   }
-  return true;
 }
 
 }  // namespace ruvo::smtp

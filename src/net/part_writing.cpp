@@ -334,10 +334,27 @@ void write_pieces(const piece_sink& to, const part& message, const write_options
   message_writer(to, options).write(message);
 }
 
+/// About how many bytes the message takes, so that room for it is taken once.
+std::size_t expected_size(const part& message) {
+  std::size_t size = 0;
+  std::vector<const part*> left = {&message};
+  while (!left.empty()) {
+    const part& each = *left.back();
+    left.pop_back();
+    for (const part& child : each.get_parts()) left.push_back(&child);
+    const std::size_t bytes = each.get_source().empty() ? each.get_bytes().size()
+                                                        : static_cast<std::size_t>(each.get_source().size());
+    constexpr std::size_t fields = 500;
+    size += bytes / 57 * 78 + fields;
+  }
+  return size;
+}
+
 }  // namespace
 
 std::string to_bytes(const part& message, const write_options& options) {
   std::string made;
+  made.reserve(expected_size(message));
   const piece_sink sink = [&made](std::string_view piece) {
     made.append(piece);
     return true;

@@ -79,11 +79,10 @@ KESTA_API bool read(received& out, std::string_view bytes, exception& err, const
 /// The same of a message whose parts are known.
 KESTA_API received from_mime(const mime::part& message);
 
-/// Saves the attachments into a folder, under mime::safe_name() of their names, or "adjunto" with the
-/// extension
-/// ".bin" where nothing is left of these; a name that is taken gets a number, as files::autorename() has it.
-/// Appends to `saved` the files written. True is success; at the first failure, of files, it is copied to
-/// `err`, and what was written before stays.
+/// Saves the attachments into a folder, which is made where it is missing, under mime::safe_name() of their
+/// names; as "adjunto.bin" where nothing is left of a name. Nothing is replaced: a name that is taken gets a
+/// number, as files::autorename() has it. Appends the files written to `saved`. True is success; at the first
+/// failure, of files, it is copied to `err`, and what was written before stays.
 KESTA_API bool save_attachments(std::vector<file>& saved, const received& message, const file& folder,
                                 exception& err);
 
