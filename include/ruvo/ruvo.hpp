@@ -36,6 +36,7 @@
 #include <ruvo/memory_collector.hpp>
 #include <ruvo/mime.hpp>
 #include <ruvo/net.hpp>
+#include <ruvo/oauth.hpp>
 #include <ruvo/reading.hpp>
 #include <ruvo/serializer.hpp>
 #include <ruvo/smtp.hpp>

@@ -50,6 +50,7 @@ struct security_calls {
   function<decltype(&IsValidSid)> is_sid{from, "IsValidSid"};
   function<decltype(&LookupAccountSidW)> account_of{from, "LookupAccountSidW"};
   function<decltype(&OpenProcessToken)> open_token{from, "OpenProcessToken"};
+  function<BOOLEAN(WINAPI*)(void*, ULONG)> random{from, "SystemFunction036"};  // documented as RtlGenRandom
 };
 
 struct com_calls {
