@@ -36,7 +36,7 @@ need() {
 # What the tools need, as lists, so that all can be installed at once.
 # shellcheck disable=SC2034 # for those who source this
 {
-  build_tools=(cmake ninja-build g++-mingw-w64-x86-64-posix wine64 googletest python3 pkgconf gdb)
+  build_tools=(cmake ninja-build g++-mingw-w64-x86-64-posix wine64 googletest python3 python3-oauthlib pkgconf gdb)
   host_tools=(cmake ninja-build clang libclang-rt-dev llvm libstdc++-12-dev libgtest-dev python3 gdb)
   check_tools=(cmake ninja-build g++-mingw-w64-x86-64-posix googletest clang-format clang-tidy shellcheck python3)
   docs_tools=(doxygen doxygen-awesome-css python3)

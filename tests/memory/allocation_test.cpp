@@ -6,6 +6,7 @@
 
 #include <ruvo/ruvo.hpp>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <deque>
@@ -14,10 +15,12 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 namespace {
 
@@ -26,6 +29,16 @@ thread_local bool fails_once = false;   // then none of those behind it does
 thread_local bool failed = false;
 thread_local long long live = 0;
 std::atomic<long long> live_everywhere{0};
+thread_local std::string_view sought;  // in blocks that are given back
+thread_local int times_found = 0;
+
+std::size_t size_of(void* block) {
+#ifdef _WIN32
+  return _msize(block);
+#else
+  return malloc_usable_size(block);
+#endif
+}
 
 }  // namespace
 
@@ -51,6 +64,8 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
 }
 void operator delete(void* block) noexcept {
   if (block) --live, --live_everywhere;
+  if (block && !sought.empty())
+    times_found += std::string_view(static_cast<char*>(block), size_of(block)).find(sought) != sought.npos;
   std::free(block);
 }
 void operator delete(void* block, std::size_t) noexcept { operator delete(block); }
@@ -417,6 +432,36 @@ TEST(mail_allocation, responses_are_assigned_whole) {
   EXPECT_GT(fail_everywhere([&] { target = sent; }, [&] { EXPECT_TRUE(target == sent || target == before); }),
             1);
   EXPECT_TRUE(target == sent);
+}
+
+/// What is given back of a secret is overwritten, whatever was done with it; of a text it is not.
+TEST(secret_allocation, nothing_of_a_secret_is_given_back) {
+  const std::wstring text = L"a secret that is ñ and of some length";
+  const std::string bytes = ruvo::texto::to_utf_8(text);
+  const auto given_back = [&bytes](const std::function<void()>& work) {
+    times_found = 0;
+    sought = std::string_view(bytes).substr(bytes.size() - 16);
+    work();
+    sought = {};
+    return times_found;
+  };
+  EXPECT_EQ(given_back([&] { static_cast<void>(ruvo::texto::to_utf_8(text)); }), 1);
+  using namespace ruvo::oauth;
+  EXPECT_EQ(given_back([&] {
+              secret kept{text}, other(kept);
+              other = secret(L"another");
+              kept = std::move(other);
+              for (const method how : {method::hmac_sha1, method::hmac_sha256}) {
+                signer who(L"key", secret(text), how);
+                who.set_token(L"token", secret(text)).set_token(L"token", secret(text));
+                ruvo::http::request message(std::wstring(L"https://example.com/"), std::wstring());
+                who.sign(message, L"GET");
+                stamp seen;
+                ruvo::exception failure;
+                EXPECT_TRUE(signer(who).verify(L"GET", message, seen, failure));
+              }
+            }),
+            0);
 }
 
 TEST(http_allocation, looking_up_headers_has_none) {
