@@ -160,6 +160,10 @@ class message_reader {
 
   static void take_disposition(part_data& own, std::wstring_view value) {
     read_worded_field(own.disposition, own.disposition_parameters, value, wire::parameter_reading::lenient);
+    if (!wire::is_token(own.disposition)) {  // RFC 2183, 2.8: what is not known is attached
+      own.disposition = L"attachment";
+      own.is_damaged = true;
+    }
     decode_name(own.disposition_parameters, L"filename", value);
   }
 

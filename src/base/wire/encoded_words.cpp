@@ -81,6 +81,8 @@ struct encoded_word {
   std::size_t end;
 };
 
+bool is_printable(wchar_t c) noexcept { return c >= L' ' && c <= L'~'; }
+
 /// Finds encoded words, each character being looked at a few times at most.
 class word_finder {
  public:
@@ -100,7 +102,7 @@ class word_finder {
     // A language may stand behind the name (RFC 2231, 5).
     const std::wstring_view charset = text_.substr(name, mark - name);
     out = {charset.substr(0, charset.find(L'*')), text_.substr(begin, end_ - begin), kind == L'q', end_ + 2};
-    return is_token(out.charset);
+    return is_token(out.charset) && std::all_of(out.content.begin(), out.content.end(), is_printable);
   }
 
  private:

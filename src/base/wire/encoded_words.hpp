@@ -27,8 +27,8 @@ void append_encoded_words(std::string& out, std::wstring_view text, std::size_t 
 /// Unfolded text with its encoded words decoded, wherever they stand: mailers put them into quotation marks
 /// and against other text. Blanks between two of them are dropped, and the bytes of those that follow each
 /// other in one encoding belong together, as some split characters. What becomes a control character other
-/// than TAB is a blank instead. A word in an encoding other than those of base/charset.hpp stays as it
-/// stands.
+/// than TAB is a blank instead. A word in an encoding other than those of base/charset.hpp, or with
+/// characters beyond ASCII, stays as it stands.
 std::wstring decode_words(std::wstring_view text);
 
 /// Appends "name: value" and CRLF, folded at blanks. False, and nothing is appended, if a line would be

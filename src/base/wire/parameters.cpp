@@ -362,11 +362,13 @@ bool add_parameter(std::vector<std::wstring>& pieces, std::wstring_view name, st
   const auto fits = [&](const std::wstring& made) {
     return form == parameter_form::http || made.size() <= longest_piece;
   };
+  // Readers of mail decode what looks like an encoded word, and take a "'", "*" or "%" outside of quotation
+  // marks for parts of an extended value.
+  const bool is_mail = form == parameter_form::mail, is_word = is_mail && value.find(L"=?") != value.npos;
   std::wstring made;
-  if (is_ascii(value)) {
+  if (is_ascii(value) && !is_word) {
     made.assign(name).append(L"=");
-    // A "'", "*" or "%" outside of quotation marks makes some readers of mail look for an extended value.
-    const bool is_odd = form == parameter_form::mail && value.find_first_of(L"'*%") != value.npos;
+    const bool is_odd = is_mail && value.find_first_of(L"'*%") != value.npos;
     is_odd ? append_quoted(made, value) : append_word(made, value);
   }
   if (made.empty() || !fits(made)) {
