@@ -20,6 +20,7 @@
 #include <ruvo/file.hpp>
 #include <ruvo/files.hpp>
 #include <ruvo/folder_type.hpp>
+#include <ruvo/forms.hpp>
 #include <ruvo/fwd.hpp>
 #include <ruvo/heap.hpp>
 #include <ruvo/http.hpp>

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: BSL-1.0
+#pragma once
+
+// Fields as bundles: how the serializers of forms, cookies and parameters see them.
+
+#include <ruvo/forms.hpp>
+#include <ruvo/fwd.hpp>
+
+#include <string>
+
+namespace ruvo::http {
+
+/// The text of a value that is a scalar; refuses the others with the key.
+std::wstring text_of_scalar(const std::wstring& key, const xvar& value);
+
+/// The entries in their order and spelling; a list repeats its field. Refuses what is no scalar.
+fields fields_of(const bundle& in);
+
+/// Puts the fields into the bundle; a name that repeats becomes a list. Refuses, before anything is put, the
+/// second of two names that are one key and are spelled differently.
+void put_fields(bundle& out, const fields& all);
+
+}  // namespace ruvo::http
