@@ -47,6 +47,7 @@
 #include <ruvo/texto.hpp>
 #include <ruvo/time.hpp>
 #include <ruvo/times.hpp>
+#include <ruvo/url.hpp>
 #include <ruvo/var.hpp>
 #include <ruvo/velda.hpp>
 #include <ruvo/well_formed_xml.hpp>
