@@ -13,6 +13,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // Macros of others.
 #include <ruvo/names_aside.hpp>
@@ -92,7 +93,7 @@ struct KESTA_API header_order {
 /// in wide or narrow (UTF-8). Look-up takes logarithmic time.
 ///
 /// Names and values are stored and printed as they are. A CR or LF in one of them would print as further
-/// headers: whoever sets headers from foreign text has to remove them.
+/// headers: http::check() (<ruvo/header_fields.hpp>) finds it, and a transport asks that before it sends.
 class KESTA_API header_table {
  public:
   using map_type = std::map<std::wstring, std::wstring, header_order>;
@@ -148,6 +149,8 @@ class KESTA_API header_table {
   detail::held<map_type> headers_;
 };
 
+struct body_data;  // the library's own
+
 /// A request: headers, body, URL, and the path of a client certificate for secure connections. A new one has
 /// the headers "Content-Type: text/plain;charset=UTF-8" and "Accept", for every type. One that was moved from
 /// is empty.
@@ -179,6 +182,14 @@ class KESTA_API request : public header_table {
   std::wstring& get_sslCertPath();
   const std::wstring& get_sslCertPath() const noexcept;
 
+  /// A body of bytes, which is sent as it is and goes before the text body until set_body() ends it: a file,
+  /// a form of several parts. The text body is sent in UTF-8, unless Content-Type names another "charset"
+  /// that the transport knows.
+  request& set_body_bytes(const binary& bytes);
+  bool has_body_bytes() const noexcept;
+  /// The bytes to send: those that were set, otherwise the UTF-8 of the text body.
+  binary get_body_bytes() const;
+
   /// Whether the first ':' of the URL comes after three characters or more, the last of them an 's' or 'S'. A
   /// URL without ':' is not secure.
   /// @quirk Any scheme that ends in s counts as secure, not https alone.
@@ -187,12 +198,14 @@ class KESTA_API request : public header_table {
   /// Names, exactly as spelled, values, bodies and URLs; the certificate takes no part.
   bool operator==(const request& other) const noexcept;
 
-  /// Headers and body, without a request line: "name: value" lines, an empty line, the body and CRLF.
+  /// Headers and body, without a request line: "name: value" lines, an empty line, the body and CRLF. A body
+  /// of bytes is shown as if it were UTF-8.
   /// @quirk Without headers two empty lines come before the body: readers of stored messages count on it.
   std::wstring to_string() const;
 
  private:
-  detail::held<std::wstring> body_, url_, certificate_;
+  detail::held<body_data> body_;
+  detail::held<std::wstring> url_, certificate_;
 };
 
 /// An answer: a status, headers, and a body that grows. A new one has the status "OK" and the headers
@@ -226,10 +239,27 @@ class KESTA_API response : public net::iresponse, public header_table {
   response& operator+=(const char* text);
   response& operator+=(const std::string& text);
 
+  /// A body of bytes, as it came, to which they are appended: a character may be split between two pieces.
+  /// While there is one, what the operators above append is appended in UTF-8, and the text body is empty;
+  /// body_text()
+  /// (<ruvo/header_fields.hpp>) decodes it. set_body() ends it.
+  response& set_body_bytes(const binary& bytes);
+  response& append_body_bytes(std::string_view bytes);
+  bool has_body_bytes() const noexcept;
+  /// The bytes of the body, or the UTF-8 of the text body.
+  binary get_body_bytes() const;
+
+  /// The values of the headers "Set-Cookie", each of its own: an answer has several, which must not be
+  /// joined, and the table holds one of a name. A transport adds each here; http::cookie_jar takes them. They
+  /// are in no text form.
+  response& add_set_cookie(const std::wstring& value);
+  const std::vector<std::wstring>& get_set_cookies() const noexcept;
+  void clear_set_cookies() noexcept;
+
   /// The value of Content-Type, inserted empty when absent.
   const std::wstring& get_content_type();
 
-  /// Names, exactly as spelled, values and bodies; the status takes no part.
+  /// Names, exactly as spelled, values, bodies and cookies; the status takes no part.
   bool operator==(const response& other) const noexcept;
 
   /// As request::to_string().
@@ -238,7 +268,7 @@ class KESTA_API response : public net::iresponse, public header_table {
  private:
   friend KESTA_API std::wistream& operator>>(std::wistream& in, response& message);
 
-  detail::held<std::wstring> body_;
+  detail::held<body_data> body_;
 };
 
 KESTA_API std::wostream& operator<<(std::wostream& out, const request& message);

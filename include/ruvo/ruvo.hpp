@@ -22,6 +22,7 @@
 #include <ruvo/folder_type.hpp>
 #include <ruvo/forms.hpp>
 #include <ruvo/fwd.hpp>
+#include <ruvo/header_fields.hpp>
 #include <ruvo/heap.hpp>
 #include <ruvo/http.hpp>
 #include <ruvo/ilock.hpp>

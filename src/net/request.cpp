@@ -2,13 +2,16 @@
 
 // A request of HTTP.
 
+#include <ruvo/binary.hpp>
 #include <ruvo/http.hpp>
 #include <ruvo/xvar.hpp>
 
 #include <ostream>
+#include <string_view>
 #include <utility>
 
 #include "base/utf.hpp"
+#include "net/body.hpp"
 #include "values/object.hpp"
 
 namespace ruvo::http {
@@ -19,7 +22,7 @@ request::request(const std::wstring& url, const std::wstring& body) : request() 
 }
 request::request(const std::string& url, const std::string& body) : request() {
   url_.make() = texto::to_utf_16(url);
-  body_.make() = texto::to_utf_16(body);
+  body_.make().text = texto::to_utf_16(body);
 }
 request::request(const request& other) = default;
 request::request(request&& other) noexcept = default;
@@ -45,7 +48,7 @@ request& request::set_url(const std::wstring& url) {
   return *this;
 }
 request& request::set_body(const std::wstring& body) {
-  body_.make() = body;
+  body_.make().set(std::wstring_view(body));
   return *this;
 }
 request& request::set_sslCertPath(const std::wstring& path) {
@@ -55,10 +58,17 @@ request& request::set_sslCertPath(const std::wstring& path) {
 
 std::wstring& request::get_url() { return url_.make(); }
 const std::wstring& request::get_url() const noexcept { return url_.get(); }
-std::wstring& request::get_body() { return body_.make(); }
-const std::wstring& request::get_body() const noexcept { return body_.get(); }
+std::wstring& request::get_body() { return body_.make().text; }
+const std::wstring& request::get_body() const noexcept { return body_.get().text; }
 std::wstring& request::get_sslCertPath() { return certificate_.make(); }
 const std::wstring& request::get_sslCertPath() const noexcept { return certificate_.get(); }
+
+request& request::set_body_bytes(const binary& bytes) {
+  body_.make().set(bytes);
+  return *this;
+}
+bool request::has_body_bytes() const noexcept { return body_.get().has_bytes; }
+binary request::get_body_bytes() const { return body_.get().sent(); }
 
 bool request::is_secure() const noexcept {
   const std::wstring& url = url_.get();
@@ -71,7 +81,7 @@ bool request::operator==(const request& other) const noexcept {
   return same_headers(other) && body_.get() == other.body_.get() && url_.get() == other.url_.get();
 }
 
-std::wstring request::to_string() const { return text_form(body_.get()); }
+std::wstring request::to_string() const { return text_form(body_.get().shown()); }
 
 std::wostream& operator<<(std::wostream& out, const request& message) { return out << message.to_string(); }
 

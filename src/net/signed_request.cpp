@@ -4,6 +4,7 @@
 
 #include "net/signed_request.hpp"
 
+#include <ruvo/binary.hpp>
 #include <ruvo/exc.hpp>
 
 #include <algorithm>
@@ -120,7 +121,10 @@ std::string base_string_of(const std::wstring& verb, const http::request& messag
 
   parameter_list counted = own;
   add_form(counted, rest.substr(std::min(query + 1, rest.size())), "url");
-  if (has_form_body(message)) add_form(counted, texto::to_utf_8(message.get_body()), "body");
+  if (has_form_body(message)) {
+    const binary body = message.get_body_bytes();
+    add_form(counted, {reinterpret_cast<const char*>(body.get_store().data()), body.size()}, "body");
+  }
 
   std::string out;
   for (const wchar_t c : verb) out += static_cast<char>(texto::to_upper(c));
