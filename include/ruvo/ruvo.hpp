@@ -11,6 +11,7 @@
 #include <ruvo/color.hpp>
 #include <ruvo/console.hpp>
 #include <ruvo/context.hpp>
+#include <ruvo/cookies.hpp>
 #include <ruvo/date.hpp>
 #include <ruvo/datetime.hpp>
 #include <ruvo/digest.hpp>
