@@ -121,7 +121,7 @@ datetime date_of(const mime::part& message) {
 }
 
 /// The identifier without what email::get_message_id() puts around it.
-std::wstring uuid_of(const mime::part& message, const std::wstring& domain) {
+std::wstring identifier_of(const mime::part& message, const std::wstring& domain) {
   std::wstring id(message.get_field(L"Message-ID"));
   if (id.size() >= 2 && id.front() == L'<' && id.back() == L'>') id = id.substr(1, id.size() - 2);
   if (!domain.empty() && id.ends_with(domain)) id.resize(id.size() - domain.size());
@@ -131,7 +131,7 @@ std::wstring uuid_of(const mime::part& message, const std::wstring& domain) {
 void take_fields(email& out, const mime::part& message) {
   out.set_from(first_address(message, L"From")).set_sender(first_address(message, L"Sender"));
   out.set_subject(message.get_header(L"Subject")).set_date(date_of(message));
-  out.set_uuid(uuid_of(message, out.get_from().get_domain()));
+  out.set_uuid(identifier_of(message, out.get_from().get_domain()));
   constexpr std::pair<const wchar_t*, email::RCTP> lists[] = {
       {L"To", email::TO_}, {L"Cc", email::CC_}, {L"Bcc", email::BCC}};
   for (const auto& [field, role] : lists) {

@@ -30,10 +30,6 @@ bool has_mail_form(std::wstring_view mail) {
          mail.find(L'@', at + 1) == mail.npos;
 }
 
-bool is_ascii(std::wstring_view text) {
-  return std::all_of(text.begin(), text.end(), [](wchar_t c) { return static_cast<char16_t>(c) < 0x80; });
-}
-
 [[noreturn]] void refuse_mail(const wchar_t* field, const std::wstring& mail) {
   throw exc::BadArgument(field + (L": " + mail));
 }
@@ -41,7 +37,7 @@ bool is_ascii(std::wstring_view text) {
 /// What may stand in a field and in a command of the transport.
 void expect_mail(const wchar_t* field, const std::wstring& mail, const mime::write_options& options) {
   if (!wire::is_field_value(mail)) throw exc::BadArgument(field);
-  if (!has_mail_form(mail) || !(options.utf8 || is_ascii(mail))) refuse_mail(field, mail);
+  if (!has_mail_form(mail) || !(options.utf8 || wire::is_ascii_text(mail))) refuse_mail(field, mail);
 }
 
 /// Whether a recipient has a mail. Fails for one that this transport cannot have.
@@ -49,7 +45,7 @@ bool is_recipient(const wchar_t* field, const address& recipient, const mime::wr
   const std::wstring& mail = recipient.get_mail();
   if (!wire::is_field_value(mail)) throw exc::BadArgument(field);
   if (recipient.check()) return true;
-  if (is_ascii(mail) || !has_mail_form(mail)) return false;
+  if (wire::is_ascii_text(mail) || !has_mail_form(mail)) return false;
   expect_mail(field, mail, options);
   return true;
 }

@@ -33,7 +33,7 @@ std::string_view take_line(std::string_view& text) noexcept {
 bool is_blank(char c) noexcept { return c == ' ' || c == '\t'; }
 
 /// The text of a field. A control character, which has no place there, becomes a blank.
-std::wstring field_text(std::string_view bytes) {
+std::wstring text_of_field(std::string_view bytes) {
   std::wstring text = text_of_unknown(bytes);
   std::replace_if(
       text.begin(), text.end(), [](wchar_t c) { return !wire::is_field_unit(c); }, L' ');
@@ -146,7 +146,7 @@ class message_reader {
       return;
     }
     const std::wstring name = texto::to_utf_16(bytes);
-    std::wstring value = field_text(field.substr(colon + 1));
+    std::wstring value = text_of_field(field.substr(colon + 1));
     if (wire::is_same_name(name, type_field)) {
       if (!std::exchange(about.has_type, true)) take_type(own, value);
     } else if (wire::is_same_name(name, disposition_field)) {

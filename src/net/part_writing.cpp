@@ -92,10 +92,6 @@ class parameter_words {
   std::vector<std::string> words_;
 };
 
-bool is_ascii(std::wstring_view text) noexcept {
-  return std::all_of(text.begin(), text.end(), [](wchar_t c) { return static_cast<char16_t>(c) < 0x80; });
-}
-
 /// Sixteen random bytes as letters and digits. No line of the encodings begins with "-", so any boundary
 /// would do; chance is for contents that are sent as they are.
 std::string new_boundary() {
@@ -194,7 +190,7 @@ class message_writer {
 
   void put_fields(const part& each) {
     for (const part_data::field& field : part_access::of(each).fields) {
-      const bool can_be = options_.utf8 || is_ascii(field.value);
+      const bool can_be = options_.utf8 || wire::is_ascii_text(field.value);
       if (!can_be || !wire::append_folded(buffer_, texto::to_utf_8(field.name), texto::to_utf_8(field.value)))
         throw exc::BadArgument(field.name);
     }
@@ -280,8 +276,10 @@ class message_writer {
     }
     const encoding how = encoding_for(message);
     const std::string& content = message.get_bytes();
-    const bool is_ended = how != encoding::base64 && (content.empty() || content.ends_with('\n'));
-    if (!is_ended) buffer_.append(how == encoding::quoted_printable ? "=\r\n" : "\r\n");
+    if (how != encoding::base64 && (content.empty() || content.ends_with('\n'))) return;
+    if (how == encoding::none)
+      throw exc::BadArgument(message.get_type());  // it would end otherwise than it does
+    buffer_.append(how == encoding::quoted_printable ? "=\r\n" : "\r\n");
   }
 
   /// Gives the sink what is there, if it is so much.

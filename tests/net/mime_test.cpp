@@ -289,10 +289,10 @@ TEST(mime, refuses_what_would_end_a_field) {
       EXPECT_EQ(outline(target), before);
     }
   }
-  for (const std::wstring& name :
+  for (const wchar_t* const name :
        {L"", L"a b", L"a:b", L"añ", L"a\r\nb", L"mime-version", L"content-transfer-encoding"})
     EXPECT_EQ(refusal([&] { part().set_header(name, L"a"); }), name);
-  for (const std::wstring& type : {L"a", L"a/b/c", L"multipart/mixed", L"a/b; c", L"a/b; c=ñ", L"a/b, c"})
+  for (const wchar_t* const type : {L"a", L"a/b/c", L"multipart/mixed", L"a/b; c", L"a/b; c=ñ", L"a/b, c"})
     EXPECT_EQ(refusal([&] { part::bytes(binary(), type); }), L"Content-Type") << type;
 }
 

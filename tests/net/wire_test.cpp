@@ -25,7 +25,7 @@ namespace mime = ruvo::mime;
 namespace smtp = ruvo::smtp;
 namespace texto = ruvo::texto;
 
-email sample() {
+email letter() {
   email message(address(L"Núñez, José", L"jose@ruvo.es"), L"Año nuevo", L"Hola", L"Pepe");
   message.set_uuid(L"ID-1").set_date(ruvo::datetime(2024L, 2L, 29L, 23L, 5L, 9L, ruvo::times::GMT));
   message.set_sender(L"web@ruvo.es");
@@ -52,7 +52,7 @@ std::string written(const email& message) {
 }
 
 TEST(wire, has_the_fields_of_a_mail_but_no_blind_recipients) {
-  const std::string bytes = written(sample());
+  const std::string bytes = written(letter());
   EXPECT_EQ(
       bytes.substr(0, bytes.find("Content-Type")),
       "Date: Thu, 29 Feb 2024 23:05:09 +0000\r\nFrom: =?UTF-8?B?TsO6w7FleiwgSm9zw6k=?= <jose@ruvo.es>\r\n"
@@ -62,7 +62,7 @@ TEST(wire, has_the_fields_of_a_mail_but_no_blind_recipients) {
   EXPECT_EQ(bytes.find("ojo@"), bytes.npos);
   envelope sealed;
   exception failure;
-  ASSERT_TRUE(smtp::seal(sealed, sample(), failure));
+  ASSERT_TRUE(smtp::seal(sealed, letter(), failure));
   EXPECT_EQ(sealed.sender.get_mail(), L"web@ruvo.es");
   EXPECT_EQ(mails_of(sealed.recipients), L"ana@x.es eva@x.es luis@x.es ojo@x.es ");
   EXPECT_EQ(mails_of(sealed.left_out), L"nadie ");
@@ -82,7 +82,7 @@ TEST(wire, refuses_with_the_name_what_cannot_be_sent) {
   exception failure;
   for (const auto& [field, set] : texts) {
     for (const wchar_t bad : {L'\r', L'\n', L'\0', L'\x7F', L'\x85'}) {
-      email message = sample();
+      email message = letter();
       set(message, std::wstring(1, bad) + L"RCPT");
       std::string out;
       EXPECT_FALSE(smtp::write(out, message, failure)) << field << static_cast<int>(bad);
@@ -97,7 +97,7 @@ TEST(wire, refuses_with_the_name_what_cannot_be_sent) {
   };
   for (const auto& [field, set] : mails) {
     const std::wstring mail = L"peña@x.es";
-    email message = sample();
+    email message = letter();
     set(message, mail);
     envelope sealed;
     EXPECT_FALSE(smtp::seal(sealed, message, failure));
@@ -110,7 +110,7 @@ TEST(wire, refuses_with_the_name_what_cannot_be_sent) {
     envelope sealed;
     EXPECT_FALSE(smtp::seal(sealed, email(mail), failure)) << mail;
   }
-  EXPECT_FALSE(smtp::write(file(L"never.eml"), sample().push(L"missing.pdf"), failure));
+  EXPECT_FALSE(smtp::write(file(L"never.eml"), letter().push(L"missing.pdf"), failure));
   EXPECT_TRUE(failure == ruvo::exc::fileNotFound(L"")) << failure.get_mensaje();
   EXPECT_FALSE(file(L"never.eml").exists());
 }
@@ -141,7 +141,7 @@ TEST(wire, joins_texts_pictures_and_files) {
   };
   exception failure;
   for (const auto& row : table) {
-    email message = sample();
+    email message = letter();
     message.set_body(row.body);
     for (const std::wstring& name : row.files) {
       ASSERT_TRUE(ruvo::files::write(binary(name), file(name), failure));
@@ -161,8 +161,8 @@ TEST(wire, joins_texts_pictures_and_files) {
 TEST(wire, reads_a_mail_that_came_in) {
   received read;
   exception failure;
-  ASSERT_TRUE(smtp::read(read, written(sample()), failure));
-  EXPECT_TRUE(read.message == sample() && read.message.get_date() == sample().get_date());
+  ASSERT_TRUE(smtp::read(read, written(letter()), failure));
+  EXPECT_TRUE(read.message == letter() && read.message.get_date() == letter().get_date());
   EXPECT_EQ(read.message.get_subject() + read.message.get_from().get_name(), L"Año nuevoNúñez, José");
   EXPECT_EQ(read.message.get_sender().get_mail(), L"web@ruvo.es");
   EXPECT_EQ(read.message.size(), 3u);

@@ -5,6 +5,7 @@
 #include "base/wire/encoded_words.hpp"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/ascii.hpp"
 #include "base/base64.hpp"
@@ -181,6 +182,10 @@ class word_decoder {
 };
 
 }  // namespace
+
+bool is_ascii_text(std::wstring_view text) noexcept {
+  return std::all_of(text.begin(), text.end(), [](wchar_t c) { return static_cast<char16_t>(c) < 0x80; });
+}
 
 bool is_plain_text(std::wstring_view text) noexcept {
   constexpr std::size_t longest_run = 900;

@@ -14,6 +14,7 @@ constexpr std::size_t wanted_line = 76, longest_line = 998;
 /// The most characters of an encoded word.
 constexpr std::size_t longest_word = 75;
 
+bool is_ascii_text(std::wstring_view text) noexcept;
 /// Whether a text can stand in an unstructured field as it is, and comes out of it the same: printable ASCII
 /// without blanks at its ends, that is not taken for an encoded word, and can be folded.
 bool is_plain_text(std::wstring_view text) noexcept;
