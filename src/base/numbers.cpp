@@ -88,7 +88,8 @@ wchar_t* print_large(wchar_t* to, double value, int decimals) noexcept {
   std::uint32_t nines[9];
   int parts = 0;
   // Each division takes 29.9 bits away, and leaves less than 10^9 when there are no more than these.
-  for (int left = shift + 53; left > 0; left -= 29) {
+  int left = shift + 53;
+  do {
     std::uint64_t rest = 0;
     for (int at = (left + 31) / 32; at-- > 0;) {
       rest = rest << 32 | words[at];
@@ -96,7 +97,8 @@ wchar_t* print_large(wchar_t* to, double value, int decimals) noexcept {
       rest %= 1000000000;
     }
     nines[parts++] = static_cast<std::uint32_t>(rest);
-  }
+    left -= 29;
+  } while (left > 0);
   while (nines[parts - 1] == 0) --parts;
   if (std::signbit(value)) *to++ = L'-';
   to = put_first_digits(to, nines[--parts]);
@@ -225,7 +227,8 @@ bool take_few_digits(decimal_digits& out, double magnitude) noexcept {
   }
   // The product is off by less than a quarter, and so rounds to the digits, if these are they; the quotient
   // of two exact numbers is the double that they read as.
-  const auto number = static_cast<std::int64_t>(magnitude * powers[decimals] + 0.5);
+  constexpr double half = 0.5;
+  const auto number = static_cast<std::int64_t>(magnitude * powers[decimals] + half);
   if (static_cast<double>(number) / powers[decimals] != magnitude) return false;
   out.take(static_cast<std::uint64_t>(number), decimals);
   return true;
@@ -317,7 +320,7 @@ struct reciprocal {
 
 constexpr reciprocal reciprocal_of(std::uint64_t power_of_five) noexcept {
   const int width = static_cast<int>(std::bit_width(power_of_five));
-  std::uint64_t bits = 0, rest = std::uint64_t{1} << (width - 1);  // a division of 2^(63 + width), bit by bit
+  std::uint64_t bits = 0, rest = std::bit_floor(power_of_five);  // a division of 2^(63 + width), bit by bit
   for (int n = 0; n < 64; ++n) {
     rest <<= 1;
     bits <<= 1;

@@ -23,7 +23,6 @@
 namespace ruvo::serializer {
 
 using detail::cell;
-using detail::kind;
 
 namespace {
 

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string_view>
+#include <type_traits>
 
 #include "base/ascii.hpp"
 #include "base/simd.hpp"
@@ -193,7 +194,7 @@ constexpr auto meanings_of_escapes = [] {
 template <class Unit>
 string_end take_escape(const Unit*& at, const Unit* end, unit_buffer& out) {
   if (end - at < 2) return string_end::cut;
-  const auto letter = static_cast<std::uint32_t>(at[1]);
+  const std::uint32_t letter = static_cast<std::make_unsigned_t<Unit>>(at[1]);
   if (letter != 'u') {
     const wchar_t meant = letter < meanings_of_escapes.size() ? meanings_of_escapes[letter] : L'\0';
     at += meant ? 2 : 1;
