@@ -35,12 +35,8 @@ class address_reader {
  private:
   void take() {
     const wchar_t c = text_[at_];
-    std::wstring quoted;
-    std::size_t behind = at_;
-    if (c == L'"' && wire::read_quoted(quoted, text_, behind)) {
-      name_.append(quoted);
-      at_ = behind;
-    } else if (c == L'(') {
+    if (c == L'"' && take_quoted()) return;
+    if (c == L'(') {
       take_comment();
     } else if (c == L'<') {
       take_mail();
@@ -55,13 +51,26 @@ class address_reader {
     }
   }
 
+  /// A quotation mark that nothing closes is a character as others, and so are those behind it.
+  bool take_quoted() {
+    std::wstring quoted;
+    std::size_t behind = at_;
+    if (!is_closed_ || !(is_closed_ = wire::read_quoted(quoted, text_, behind))) return false;
+    name_.append(quoted);
+    at_ = behind;
+    return true;
+  }
+
   /// The size of the encoded word that begins here, or 0: what it holds divides nothing.
-  std::size_t word_size() const noexcept {
-    const std::wstring_view run = text_.substr(at_, text_.find_first_of(L" \t", at_) - at_);
-    if (!run.starts_with(L"=?")) return 0;
+  std::size_t word_size() noexcept {
+    if (at_ < wordless_ || !text_.substr(at_).starts_with(L"=?")) return 0;
+    if (run_end_ <= at_) run_end_ = std::min(text_.find_first_of(L" \t", at_), text_.size());
+    const std::wstring_view run = text_.substr(at_, run_end_ - at_);
     const std::size_t name_end = run.find(L'?', 2);
     const std::size_t end = name_end == run.npos ? run.npos : run.find(L"?=", name_end + 3);
-    return end == run.npos ? 0 : end + 2;
+    if (end != run.npos) return end + 2;
+    wordless_ = run_end_;
+    return 0;
   }
 
   void take_comment() {
@@ -103,6 +112,9 @@ class address_reader {
 
   const std::wstring_view text_;
   std::size_t at_ = 0;
+  std::size_t run_end_ = 0;   // where blanks follow
+  std::size_t wordless_ = 0;  // no encoded word begins before
+  bool is_closed_ = true;     // whether every quotation mark so far was closed
   std::wstring name_, mail_;  // of the present entry
   std::wstring_view comment_;
   std::vector<address> all_;
