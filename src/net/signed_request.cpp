@@ -76,13 +76,13 @@ std::string normalized(parameter_list all) {
   return out;
 }
 
-/// ":8080", or nothing for the port that is the scheme's own.
-std::string port_text(std::string_view scheme, std::string_view digits) {
-  if (digits.empty()) return {};
+/// Adds ":8080", or nothing for the port that is the scheme's own.
+void add_port(std::string& out, std::string_view scheme, std::string_view digits) {
+  if (digits.empty()) return;
   unsigned port = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), port);
   if (error != std::errc() || end != digits.data() + digits.size() || port > 65535) refuse("url");
-  return port == (scheme == "http" ? 80U : 443U) ? std::string() : ":" + std::to_string(port);
+  if (port != (scheme == "http" ? 80U : 443U)) (out += ':') += std::to_string(port);
 }
 
 /// Scheme, host and port (RFC 5849, 3.4.1.2); what comes before an "@" is for no server to see.
@@ -93,8 +93,10 @@ std::string authority_text(std::string_view scheme, std::string_view authority) 
   const std::size_t colon = std::min(authority.find(':', host_end), authority.size());
   const std::string host = in_lower_case(authority.substr(0, colon));
   if (host.empty()) refuse("url");
-  return std::string(scheme) + "://" + host +
-         port_text(scheme, authority.substr(std::min(colon + 1, authority.size())));
+  std::string out(scheme);
+  (out += "://") += host;
+  add_port(out, scheme, authority.substr(std::min(colon + 1, authority.size())));
+  return out;
 }
 
 }  // namespace
