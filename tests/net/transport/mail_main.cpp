@@ -1,90 +1,26 @@
 // SPDX-License-Identifier: BSL-1.0
 
-// mail_transport HOST PORT: composes messages, sends them through the server of mail_server.py and prints, as
-// one line of JSON, what was sent and how the deliveries went. The exit code is 0 when both ended as
-// expected.
+// mail_transport HOST PORT OTHER [CERTIFICATE]: composes messages, sends them through the server of
+// mail_server.py and prints, as one line of JSON, what was sent and how the deliveries went; then it meets
+// the odd servers at the port OTHER. The exit code is 0 when what should arrive did.
 
 #include <ruvo/ruvo.hpp>
 
+#include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 
-#include "socket_transport.hpp"
+#include "program.hpp"
+#include "transport/smtp_client.hpp"
 
 namespace {
 
 using ruvo::bundle;
 using ruvo::smtp::address;
 using ruvo::smtp::email;
+using ruvo::smtp::mailbox;
 using ruvo::smtp::response;
 namespace texto = ruvo::texto;
-
-// --- a transport: what an application brings along
-
-class session {
- public:
-  explicit session(const transport::place& server) : peer_(server) {
-    demand(220, receive());
-    demand(250, ask("EHLO client.example"));
-  }
-
-  response send(const email& message) {
-    response outcome;
-    ruvo::exception error;
-    ruvo::smtp::envelope envelope;
-    std::string content;
-    if (!ruvo::smtp::seal(envelope, message, error) || !ruvo::smtp::write(content, message, error))
-      error.raise();
-    demand(250, ask("MAIL FROM:<" + texto::to_utf_8(envelope.sender.get_mail()) + ">"));
-    for (const address& recipient : envelope.recipients) offer(recipient, outcome);
-    if (outcome.get_report().get_list(L"accepted").empty()) {
-      outcome.set_exception(ruvo::exc::RunTime(L"no recipient was accepted"));
-      demand(250, ask("RSET"));
-    } else {
-      demand(354, ask("DATA"));
-      demand(250, ask(content + "."));
-    }
-    return outcome;
-  }
-
-  void close() { demand(221, ask("QUIT")); }
-
- private:
-  struct reply {
-    unsigned long code;
-    std::string text;
-  };
-
-  reply receive() {
-    std::string line;
-    do {
-      line = peer_.receive_line();
-    } while (line.size() > 3 && line[3] == '-');
-    return {std::strtoul(line.c_str(), nullptr, 10), line.size() > 4 ? line.substr(4) : ""};
-  }
-
-  reply ask(const std::string& command) {
-    peer_.send(command + "\r\n");
-    return receive();
-  }
-
-  static ruvo::exception failure(const reply& got) { return {texto::to_utf_16(got.text), got.code, 0, 3000}; }
-
-  static void demand(unsigned long code, const reply& got) {
-    if (got.code != code) throw failure(got);
-  }
-
-  void offer(const address& recipient, response& outcome) {
-    const reply got = ask("RCPT TO:<" + texto::to_utf_8(recipient.get_mail()) + ">");
-    if (got.code / 100 == 2)
-      outcome.push(recipient);
-    else
-      outcome.push(recipient, failure(got));
-  }
-
-  transport::connection peer_;
-};
 
 // --- what is sent
 
@@ -117,8 +53,58 @@ bundle report_of(const email& message, const response& outcome) {
   return values;
 }
 
-bool run(const transport::place& server) {
-  session mails(server);
+/// Through the odd server that the client's name calls for; nothing should end or hang this program.
+bundle meet(const place& server, const std::string& name, const std::wstring& to, mailbox::ENCRYPTION mode,
+            const std::wstring& user) {
+  transport::mail_options how;
+  how.own_name = name + ".example";
+  how.credentials_in_clear = name.find("login") != name.npos;
+  how.certificate = server.more.size() > 1 ? server.more[1] : "";
+  how.wait.silence = std::chrono::seconds(2);
+  email message(L"jose@ruvo.es", L"Factura", L"text");
+  message.set_uuid(L"ID-1").set_date(ruvo::datetime(0));
+  for (const wchar_t* mail : {L"ana@ejemplo.es", L"rechazado@ejemplo.es"}) message[mail];
+  if (!to.empty()) message[to];
+  bundle values;
+  try {
+    mailbox account;
+    account.set_host(L"localhost:" + texto::to_utf_16(server.more[0])).set_encryption(mode);
+    transport::mail_session mails(account.set_user(user).set_password(L"contraseña"), how);
+    const response outcome = mails.send(message);
+    values[L"report"] = outcome.get_report();
+    values[L"failure"] = outcome.OK() ? L"" : outcome.get_exception().get_mensaje();
+    const response second = mails.send({address(L"", L"jose@ruvo.es"), {address(L"", L"ana@ejemplo.es")}, {}},
+                                       "Subject: a\r\n\r\n.\r\n..\r\n\xC3\xB1");
+    values[L"second"] = second.get_exception().get_mensaje();
+  } catch (const ruvo::exception& error) {
+    values[L"thrown"] = error.get_mensaje();
+  }
+  return values;
+}
+
+bundle meet_all(const place& server) {
+  bundle all;
+  const auto add = [&](const char* name, const wchar_t* to = L"", mailbox::ENCRYPTION mode = mailbox::NONE,
+                       const wchar_t* user = L"") { all[name] = meet(server, name, to, mode, user); };
+  for (const char* name :
+       {"piped", "slow", "helo", "late", "none", "cut", "cutdata", "rubbish", "endless", "silent"})
+    add(name);
+  add("piped8", L"ñandú@ejemplo.es");
+  add("slow8", L"ñandú@ejemplo.es");
+  add("login", L"", mailbox::NONE, L"ana");
+  add("loginold", L"", mailbox::NONE, L"ana");
+  add("nologin", L"", mailbox::NONE, L"ana");
+  add("clear", L"", mailbox::NONE, L"ana");
+  add("notls", L"", mailbox::STARTTLS);
+  add("early", L"", mailbox::STARTTLS);
+  if (server.more.size() > 1) add("tls", L"", mailbox::STARTTLS, L"ana");
+  return all;
+}
+
+bool run(const place& server) {
+  mailbox account;
+  account.set_host(texto::to_utf_16(server.host)).set_port(server.port);
+  transport::mail_session mails(account);
   const email message = compose();
   const response sent = mails.send(message);
   email other(L"jose@ruvo.es", L"a nadie");
@@ -127,8 +113,9 @@ bool run(const transport::place& server) {
   mails.close();
 
   std::wstring json;
-  ruvo::serializer::json().serialize(
-      json, bundle({{L"sent", report_of(message, sent)}, {L"failed", report_of(other, failed)}}));
+  ruvo::serializer::json().serialize(json, bundle({{L"sent", report_of(message, sent)},
+                                                   {L"failed", report_of(other, failed)},
+                                                   {L"met", meet_all(server)}}));
   const std::string text = texto::to_utf_8(json);
   std::fwrite(text.data(), 1, text.size(), stdout);
   return sent.OK() && failed.WRONG();
@@ -136,4 +123,4 @@ bool run(const transport::place& server) {
 
 }  // namespace
 
-int main(int argc, char** argv) { return transport::run(argc, argv, run); }
+int main(int argc, char** argv) { return run_client(argc, argv, run); }

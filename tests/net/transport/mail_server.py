@@ -145,15 +145,18 @@ def check_report(told, failed):
           ["ana@ejemplo.es", "oculta@ejemplo.es", "sin-nombre@ejemplo.es", "taro@ejemplo.es"])
     check("names in the report", report["accepted"][3]["name"], "山田 太郎")
     refusal = {"code": (0xE0000000 | 3000 << 16 | 550), "message": REFUSAL[4:]}
-    check("refused", report["refused"],
+    check("refused", report["refused"][1:],
           [{"address": {"email": "rechazado@ejemplo.es", "name": "Rechazado"}, **refusal}])
+    check("without a mail", report["refused"][0]["address"]["email"], "esto no es un correo")
     check("the message to nobody", failed["report"],
           {"accepted": [], "refused": [{"address": {"email": "rechazado@ejemplo.es", "name": ""}, **refusal}]})
 
 
 def main():
     name, port, stop = serve()
-    done = subprocess.run([*sys.argv[1:], str(port)], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+    context, fingerprint = certificate.made()
+    more = [str(odd_servers.serve(context)), *([fingerprint] if context else [])]
+    done = subprocess.run([*sys.argv[1:], str(port), *more], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                           timeout=240, check=False)
     stop()
     output = done.stdout.decode("utf-8")
@@ -162,13 +165,16 @@ def main():
         told = json.loads(output)
         check_message(told["sent"])
         check_report(told["sent"], told["failed"])
+        odd_servers.check_all(check, told["met"], context is not None)
     except (LookupError, ValueError) as error:
         check("the report", repr(error), "complete")
     if failures:
         print("the program printed:", output, sep="\n")
-    print(f"mail_server.py: {name}, {len(received)} message, {failures} failures")
+    print(f"mail_server.py: {name}, {'with' if context else 'without'} TLS, {len(received)} message, {failures} failures")
     return 1 if failures else 0
 
 
 if __name__ == "__main__":
+    import certificate
+    import odd_servers
     sys.exit(main())
