@@ -3,14 +3,17 @@
 // The whole way of a document: an application boots, a worker thread checks in, reads JSON files into
 // bundles, takes typed values out of them by path, builds an answer and writes it as standard JSON, in the
 // library's dialect, for what it stores, and as XML. What is no standard JSON is read by the dialect.
-// The answer to an order travels in an HTTP response, and an e-mail confirms it; sending both is a
-// transport's work. Log entries show what happens when.
+// The answer to an order is an HTTP response, and an e-mail confirms it. Where servers are named, both are
+// sent to them by the transport beside this file, and a form that somebody filled in is fetched and read. Log
+// entries show what happens when.
 //
-//   demo FILE.json...
+//   demo [http://HOST:PORT MAILHOST:PORT] FILE.json...
 //
 // An order (see data/pedido.json) is answered; of any other document a summary is shown. What is shown is
 // UTF-8 text: a Windows console wants `chcp 65001` first.
 
+#include <ruvo/forms.hpp>
+#include <ruvo/header_fields.hpp>
 #include <ruvo/ruvo.hpp>
 
 #include <algorithm>
@@ -22,6 +25,9 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "transport/http_client.hpp"
+#include "transport/smtp_client.hpp"
 
 namespace {
 
@@ -282,9 +288,53 @@ void show_messages(const ruvo::bundle& document, const ruvo::bundle& answer, con
   say(mail->to_string() + L"\n\n" + mail->get_plain_post());
 }
 
+// --- the network
+
+/// Where messages go; without a URL nowhere.
+struct servers {
+  std::wstring url;
+  ruvo::smtp::mailbox mail;
+};
+
+std::wstring text_of(const transport::http_answer& answer) {
+  std::wstring text;
+  ruvo::exception failure;
+  return ruvo::http::body_text(text, answer.message, failure) ? text : failure.get_mensaje();
+}
+
+void post_answer(const std::wstring& url, const ruvo::bundle& answer) {
+  std::wstring text;
+  if (ruvo::serializer::write_standard_json(text, answer)) text = L"null";
+  ruvo::http::request request(url + L"/pedidos", text);
+  request["Content-Type"] = L"application/json;charset=UTF-8";
+  const transport::http_answer reply = transport::fetch("POST", request);
+  if (reply.message.WRONG()) return show(L"HTTP", reply.message.get_exception());
+  show(L"HTTP", L"entregado, responde " + shortened(text_of(reply), 80));
+}
+
+void send_mail(const ruvo::smtp::mailbox& to, const ruvo::smtp::email& message) {
+  transport::mail_session session(to);
+  const ruvo::smtp::response reply = session.send(message);
+  if (reply.WRONG()) return show(L"SMTP", reply.get_exception());
+  session.close();
+  show(L"SMTP", L"entregado a " + std::to_wstring(reply.get_report().get_list(L"accepted").size()) +
+                    L", rechazado por " + std::to_wstring(reply.get_report().get_list(L"refused").size()));
+}
+
+/// What a client of another maker posted to the server, as it came.
+void read_posted_form(const std::wstring& url) {
+  const transport::http_answer reply =
+      transport::fetch("GET", ruvo::http::request(url + L"/formulario", L""));
+  ruvo::http::fields form;
+  ruvo::exception failure;
+  if (reply.message.WRONG()) return show(L"formulario", reply.message.get_exception());
+  if (!ruvo::http::read_form(form, text_of(reply), failure)) return show(L"formulario", failure);
+  for (const ruvo::http::field& each : form) show(L"formulario", each.name + L" = " + each.value);
+}
+
 // --- the work
 
-void process(const std::wstring& name) {
+void process(const std::wstring& name, const servers& to) {
   const ruvo::file path(name);
   const std::string bytes = read_file(path);
   ruvo::datetime modified = path.last_modified();
@@ -307,6 +357,10 @@ void process(const std::wstring& name) {
     show_order(document);
     const ruvo::bundle answer = answer_to(document, failure);
     show_messages(document, answer, failure);
+    if (!to.url.empty()) {
+      post_answer(to.url, answer);
+      if (const auto mail = confirmation_of(document, answer)) send_mail(to.mail, *mail);
+    }
     document = answer;
   } else {
     show_summary(document);
@@ -318,13 +372,14 @@ void process(const std::wstring& name) {
   write_xml(document);
 }
 
-void work(ruvo::application& app, const std::vector<std::wstring>& files) {
+void work(ruvo::application& app, const std::vector<std::wstring>& files, const servers& to) {
   const ruvo::thread_scope scope(app);  // checks the thread in, and out at the end
   ruvo::log::info(L"hilo de trabajo", L"dado de alta");
+  if (!to.url.empty()) read_posted_form(to.url);
   for (const std::wstring& name : files) {
     say(L"\n" + ruvo::file(name).get_name());
     try {
-      process(name);
+      process(name, to);
     } catch (const ruvo::exception& error) {
       ruvo::log::failure(name, error);
     } catch (...) {  // such as std::out_of_range, for a number that does not fit
@@ -337,7 +392,7 @@ void work(ruvo::application& app, const std::vector<std::wstring>& files) {
 
 int wmain(int argc, wchar_t** argv) {
   if (argc < 2) {
-    say(L"uso: demo FICHERO.json...");
+    say(L"uso: demo [http://SERVIDOR:PUERTO CORREO:PUERTO] FICHERO.json...");
     return 2;
   }
   ruvo::exception failure;
@@ -351,7 +406,14 @@ int wmain(int argc, wchar_t** argv) {
   ruvo::log::set_callback(&screen);
   ruvo::log::info(L"aplicación", L"en marcha");
 
-  std::thread worker(work, std::ref(app), std::vector<std::wstring>(argv + 1, argv + argc));
+  std::vector<std::wstring> files(argv + 1, argv + argc);
+  servers to;
+  if (files.size() > 2 && files[0].starts_with(L"http")) {
+    to.url = files[0];
+    to.mail.set_host(files[1]);
+    files.erase(files.begin(), files.begin() + 2);
+  }
+  std::thread worker(work, std::ref(app), files, std::ref(to));
   worker.join();
   say(L"");
   ruvo::log::time(L"hilo de trabajo terminado en");

@@ -1,0 +1,96 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: BSL-1.0
+"""demo_servers.py [WRAPPER] PROGRAM FILE...: serves HTTP and SMTP on free ports of 127.0.0.1, posts a form to the
+former, and runs the demo with both servers on the documents. The exit code is the demo's; where what it printed
+and what the servers received is not what the form and the orders call for, it is 1."""
+
+import email
+import email.policy
+import json
+import socketserver
+import subprocess
+import sys
+import threading
+import urllib.parse
+import urllib.request
+from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
+
+FORM = [("cliente", "Ñandú & Cía."), ("nota", "dos\r\nlíneas = 10 €"), ("nota", ""), ("Nota", "+1%")]
+orders, forms, mails = [], [], []
+
+
+class Web(BaseHTTPRequestHandler):
+    def log_message(self, *_):
+        pass
+
+    def answer(self, body, kind):
+        self.send_response(200)
+        self.send_header("Content-Type", kind)
+        self.send_header("Content-Length", str(len(body)))
+        self.end_headers()
+        self.wfile.write(body)
+
+    def do_POST(self):
+        body = self.rfile.read(int(self.headers["Content-Length"]))
+        if self.path == "/pedidos":
+            orders.append(json.loads(body))
+            self.answer(f"pedido n.º {len(orders)}".encode(), "text/plain; charset=UTF-8")
+        else:
+            forms.append((body, self.headers["Content-Type"]))
+            self.answer(b"", "text/plain")
+
+    def do_GET(self):
+        self.answer(*forms[0])
+
+
+class Mail(socketserver.StreamRequestHandler):
+    """As little as a client needs that keeps to the rules."""
+
+    def handle(self):
+        self.say("220 here")
+        while line := self.rfile.readline().decode().strip():
+            if line == "DATA":
+                self.say("354 go on")
+                lines = []
+                while (each := self.rfile.readline()) not in (b".\r\n", b""):
+                    lines.append(each.removeprefix(b"."))
+                mails.append(email.message_from_bytes(b"".join(lines), policy=email.policy.default))
+            self.say("221 bye" if line == "QUIT" else "250 ok")
+
+    def say(self, text):
+        self.wfile.write(text.encode() + b"\r\n")
+
+
+def serve(server):
+    threading.Thread(target=server.serve_forever, daemon=True).start()
+    return server.server_address[1]
+
+
+def main():
+    web = f"http://127.0.0.1:{serve(ThreadingHTTPServer(('127.0.0.1', 0), Web))}"
+    mail = f"127.0.0.1:{serve(socketserver.ThreadingTCPServer(('127.0.0.1', 0), Mail))}"
+    urllib.request.urlopen(web + "/formulario", urllib.parse.urlencode(FORM).encode(), timeout=20).close()
+    at = next(n for n, argument in enumerate(sys.argv) if n and argument.endswith(".json"))
+    done = subprocess.run([*sys.argv[1:at], web, mail, *sys.argv[at:]], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                          timeout=120, check=False)
+    output = done.stdout.decode("utf-8").replace("\r", "")
+    print(output)
+    form = "".join(f"  formulario    {name} = {value}".replace("\r", "").rstrip() + "\n" for name, value in FORM)
+    faults = [] if form in output else ["the form"]
+    confirmed = {mail["Subject"].removeprefix("Pedido "): mail for mail in mails}
+    for order in orders:
+        mail = confirmed.pop(order["pedido"], None)
+        if (mail is None) != (order["cliente"]["avisar"] == "por carta"):
+            faults.append("no mail for " + order["pedido"])
+        elif mail and order["aceptado"] != ("aceptado" in mail.get_body(("plain",)).get_content()):
+            faults.append("the mail for " + order["pedido"])
+    faults += confirmed
+    if faults or not orders:
+        print("demo_servers.py: not as it should be:", faults, orders, mails)
+        return 1
+    print(f"demo_servers.py: {len(orders)} orders, {len(mails)} mails received")
+    return done.returncode
+
+
+if __name__ == "__main__":
+    sys.exit(main())
