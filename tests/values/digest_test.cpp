@@ -31,6 +31,8 @@ TEST(digest, published_vectors) {
                L"ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"},
               {two_blocks, L"84983e441c3bd26ebaae4aa1f95129e5e54670f1",
                L"248d6a61d20638b8e5c026930c3e6039a33ce45964ff2167f6ecedd419db06c1"},
+              {std::string(55, 'a'), L"c1c8bbdc22796e28c0e15163d20899b65621d65a",
+               L"9f4390f8d30c2dd92ec9f095b65e2b9ae9b0a925a5258e241c9f1e910f734318"},
               {std::string(1000000, 'a'), L"34aa973cd4c4daa4f61eeb2bdbad27316534016f",
                L"cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0"}};
   for (const auto& row : rows) {
@@ -39,7 +41,7 @@ TEST(digest, published_vectors) {
   }
 }
 
-/// RFC 2202 and RFC 4231: the same texts under keys of 20 bytes and 80, or 131.
+/// RFC 2202 and RFC 4231: the same texts under keys of 20 bytes and 80, or 131; and a key of one block.
 TEST(digest, published_codes) {
   const std::string longer = "Test Using Larger Than Block-Size Key - Hash Key First";
   const struct {
@@ -58,6 +60,8 @@ TEST(digest, published_codes) {
        L"5bdcc146bf60754e6a042426089575c75a003f089d2739839dec58b964ec3843"},
       {algorithm::sha256, std::string(20, '\xaa'), std::string(50, '\xdd'),
        L"773ea91e36800e46854db8ebd09181a72959098b3ef8c122d9635514ced565fe"},
+      {algorithm::sha256, std::string(64, '\xaa'), "Hi There",
+       L"ebef34e13d0a0fe04593d043bc7a865106db0604211d404c18206d862e5d7852"},
       {algorithm::sha256, std::string(131, '\xaa'), longer,
        L"60e431591ee0b67f0d8a26aacbf5b77f8e0bc6213728c5140546040f0ee37f54"}};
   for (const auto& row : rows) {
