@@ -24,13 +24,13 @@ namespace {
 
 constexpr std::wstring_view form_type = L"application/x-www-form-urlencoded";
 
-std::string in_lower_case(std::string_view text) {
+std::string lowered(std::string_view text) {
   std::string out(text);
   for (char& c : out) c = static_cast<char>(texto::to_lower(texto::unit_of(c)));
   return out;
 }
 
-std::string encoded(std::string_view bytes) {
+std::string percent_encoded(std::string_view bytes) {
   std::string out;
   wire::append_percent(out, bytes, wire::unreserved_set);
   return out;
@@ -64,8 +64,8 @@ bool has_form_body(const http::request& message) {
 std::string normalized(parameter_list all) {
   std::erase_if(all, [](const auto& each) { return each.first == "oauth_signature"; });
   for (auto& [name, value] : all) {
-    name = encoded(name);
-    value = encoded(value);
+    name = percent_encoded(name);
+    value = percent_encoded(value);
   }
   std::sort(all.begin(), all.end());
   std::string out;
@@ -91,7 +91,7 @@ std::string authority_text(std::string_view scheme, std::string_view authority) 
   const std::size_t host_end = authority.starts_with('[') ? authority.find(']') : 0;
   if (host_end == authority.npos) refuse("url");
   const std::size_t colon = std::min(authority.find(':', host_end), authority.size());
-  const std::string host = in_lower_case(authority.substr(0, colon));
+  const std::string host = lowered(authority.substr(0, colon));
   if (host.empty()) refuse("url");
   std::string out(scheme);
   (out += "://") += host;
@@ -116,7 +116,7 @@ std::string base_string_of(const std::wstring& verb, const http::request& messag
   if (!std::all_of(all.begin(), all.end(), [](char c) { return c > ' ' && c < '\x7F'; })) refuse("url");
   const std::string_view url = std::string_view(all).substr(0, all.find('#'));
   const std::size_t scheme_end = url.find("://");
-  const std::string scheme = in_lower_case(url.substr(0, std::min(scheme_end, url.size())));
+  const std::string scheme = lowered(url.substr(0, std::min(scheme_end, url.size())));
   if (scheme_end == url.npos || (scheme != "http" && scheme != "https")) refuse("url");
   const std::string_view rest = url.substr(scheme_end + 3);
   const std::size_t query = std::min(rest.find('?'), rest.size()), path = std::min(rest.find('/'), query);
@@ -132,7 +132,7 @@ std::string base_string_of(const std::wstring& verb, const http::request& messag
   for (const wchar_t c : verb) out += static_cast<char>(texto::to_upper(c));
   const std::string address = authority_text(scheme, rest.substr(0, path)) +
                               (path == query ? "/" : std::string(rest.substr(path, query - path)));
-  return out + '&' + encoded(address) + '&' + encoded(normalized(std::move(counted)));
+  return out + '&' + percent_encoded(address) + '&' + percent_encoded(normalized(std::move(counted)));
 }
 
 parameter_list read_authorization(const http::request& message) {
