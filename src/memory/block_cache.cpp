@@ -112,7 +112,9 @@ document_blocks::document_blocks() noexcept : cache_(nullptr) {
   thread_cache* const cache = thread_cache::local();
   if (!cache) return;
   cache_ = &cache->blocks;
-  if (cache_->documents_++ == 0) cache_->line_.rewind();
+  if (cache_->documents_++ != 0) return;
+  chunk_region::begin_document();
+  cache_->line_.rewind();
 }
 
 release_of_many::release_of_many() noexcept : cache_(nullptr) {

@@ -30,7 +30,7 @@ class chunk_stock {
     spare_[n] = static_cast<mask>(spare_[n] & (spare_[n] - 1));
     if (spare_[n] == 0) clear(spans_with_spares_, n);
     --spares_;
-    ++used_;
+    if (++used_ > peak_) note_peak();
     return new (address(n) + bit * chunk::bytes) chunk;
   }
 
@@ -44,8 +44,22 @@ class chunk_stock {
     first_spare_ = std::min(first_spare_, n / word_bits);
     ++spares_;
     --used_;
-    if (spare_[n] == whole && spares_ > most_spares) decommit_span(n);
+    if (spare_[n] == whole && has_too_many()) decommit_span(n);
     if (is_closing_ && used_ == 0) release();
+  }
+
+  /// New memory costs as much as reading into it. So 64 MB are kept for good, and as much as was in use at
+  /// the most until `patience` documents have come and gone with less: from then on what these needed.
+  void count_document() noexcept {
+    const auto lock = locked();
+    if (!lock || recent_ <= most_spares) return;
+    if (documents_ == 0) peak_ = used_;
+    if (documents_++ < patience) return;
+    documents_ = 0;
+    recent_ = peak_;
+    chunk_region::keeps_more.store(recent_ > most_spares, std::memory_order_relaxed);
+    for (std::size_t n = spans; n-- > 0 && has_too_many();)
+      if (spare_[n] == whole) decommit_span(n);
   }
 
   /// The library is being unloaded: the addresses are released with the last chunk.
@@ -70,6 +84,7 @@ class chunk_stock {
   static constexpr std::size_t spans = chunk_region::addresses / span_bytes, word_bits = 64;
   static constexpr std::size_t most_spares = (std::size_t{64} << 20) / chunk::bytes;
   using bits = std::uint64_t[spans / word_bits];
+  static constexpr unsigned patience = 8;
 
   /// The first bit that is set, from the word `from` on, which moves up to it; `spans` when there is none.
   static std::size_t first_of(const bits& in, std::size_t& from) noexcept {
@@ -122,6 +137,16 @@ class chunk_stock {
     spares_ -= in_span;
   }
 
+  void note_peak() noexcept {
+    peak_ = used_;
+    if (peak_ < recent_) return;
+    recent_ = peak_;
+    documents_ = 0;
+    chunk_region::keeps_more.store(recent_ > most_spares, std::memory_order_relaxed);
+  }
+
+  bool has_too_many() const noexcept { return spares_ > most_spares && spares_ + used_ > recent_; }
+
   void release() noexcept {
     if (chunk_region::first.load(std::memory_order_relaxed) == chunk_region::nowhere) return;
     platform::release_addresses(first(), chunk_region::addresses);
@@ -134,6 +159,9 @@ class chunk_stock {
   bits spans_with_spares_ = {}, spans_without_memory_ = {};
   std::size_t first_spare_ = 0, first_without_memory_ = 0;  // no word before them has a bit
   std::size_t spares_ = 0, used_ = 0;
+  // The most that was used since documents are counted, and by the largest document that counts.
+  std::size_t peak_ = 0, recent_ = 0;
+  unsigned documents_ = 0;  // since that one
   bool is_refused_ = false, is_closing_ = false;
 };
 
@@ -158,6 +186,7 @@ const closer at_unload;
 
 chunk* chunk_region::take() noexcept { return stock().take(); }
 void chunk_region::give(chunk* empty) noexcept { stock().give(empty); }
+void chunk_region::count_document() noexcept { stock().count_document(); }
 
 void chunk::release(std::size_t blocks) noexcept {
   if (live.fetch_sub(blocks, std::memory_order_acq_rel) == blocks) chunk_region::give(this);

@@ -38,14 +38,21 @@ class chunk_region {
   /// An empty chunk, or null when the system has no memory or no addresses for it.
   static chunk* take() noexcept;
   static void give(chunk* empty) noexcept;
+  /// A document begins, of whatever size: what a large one has left is kept for so many others.
+  static void begin_document() noexcept {
+    if (keeps_more.load(std::memory_order_relaxed)) count_document();
+  }
 
  private:
+  static void count_document() noexcept;
+
   static constexpr std::size_t addresses = std::size_t{16} << 30;
 
   // No block lies there, nor as much behind it.
   static constexpr std::uintptr_t nowhere = std::uintptr_t{1} << (8 * sizeof(std::uintptr_t) - 1);
 
   static inline std::atomic<std::uintptr_t> first{nowhere};
+  static inline std::atomic<bool> keeps_more{false};  // than is kept for good
 
   friend class chunk_stock;
 };
