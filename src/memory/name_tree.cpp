@@ -5,16 +5,14 @@
 #include "memory/name_tree.hpp"
 
 #include <algorithm>
-#include <atomic>
+#include <cstdint>
 #include <new>
-#include <string>
-#include <utility>
 
 namespace ruvo::detail {
 
 void name_tree::clear() noexcept {
   for (name_node* const node : nodes_) {
-    node->key->uses.fetch_sub(node->stock, std::memory_order_relaxed);
+    if (node->shape) node->shape->release(node->stock + std::uint64_t{1});
     release(node->key);
     node->~name_node();
     ::operator delete(node);
@@ -53,17 +51,10 @@ name_branch& name_tree::inside_of(name_node& holder, const void* written, std::s
   return *(holder.inside = &branches_.emplace_front());
 }
 
-const std::uint8_t* name_tree::ranks_of(name_node& end) {
-  if (end.ranks) return end.ranks.get();
+void name_tree::make_shape(name_node& end) {
   const shared_key* keys[most_depth];
   for (const name_node* node = &end; node; node = node->before) keys[node->depth - 1] = node->key;
-  auto ranks = std::make_unique<std::uint8_t[]>(end.depth);
-  for (std::uint32_t n = 0; n < end.depth; ++n) ranks[n] = static_cast<std::uint8_t>(n);
-  std::sort(ranks.get(), ranks.get() + end.depth, [&keys](std::uint8_t a, std::uint8_t b) {
-    return static_cast<const std::wstring&>(*keys[a]) < *keys[b];
-  });
-  end.ranks = std::move(ranks);
-  return end.ranks.get();
+  end.shape = key_shape::make(keys, end.depth);
 }
 
 }  // namespace ruvo::detail

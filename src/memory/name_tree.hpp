@@ -9,9 +9,9 @@
 #include <cstdint>
 #include <cstring>
 #include <forward_list>
-#include <memory>
 #include <vector>
 
+#include "memory/key_shape.hpp"
 #include "memory/shared_key.hpp"
 
 namespace ruvo::detail {
@@ -27,14 +27,13 @@ struct name_branch {
 
 /// A name behind certain other ones of an object. The way to it has no name twice.
 struct name_node {
-  /// The key, retained for the caller.
-  const shared_key* take_key() noexcept {
-    if (stock == 0) {  // one atomic step for many entries
-      key->uses.fetch_add(stock_step, std::memory_order_relaxed);
+  /// The caller's share of the shape, which is made already.
+  void take_share() noexcept {
+    if (stock == 0) {  // one atomic step for many bundles
+      shape->retain(stock_step);
       stock = stock_step;
     }
     --stock;
-    return key;
   }
   /// Whether the `size` bytes are how the name is written.
   bool is_written(const void* bytes, std::size_t size) const noexcept {
@@ -55,13 +54,13 @@ struct name_node {
 
   name_node* const before;  // null for the first name of an object
   name_node* next = nullptr;
-  const shared_key* const key;  // with `stock` shares beside its own
-  std::uint32_t stock = 0;
+  const shared_key* const key;
+  const key_shape* shape = nullptr;  // of the objects that end here
+  std::uint32_t stock = 0;           // shares of it beside its own
   const std::uint32_t written_bytes;
   const std::uint32_t depth;      // names on the way, this one included
   name_branch after;              // the names that followed it
   name_branch* inside = nullptr;  // the first names of the objects that it held
-  std::unique_ptr<std::uint8_t[]> ranks;
 
   /// Stands behind the node.
   unsigned char* written() noexcept { return reinterpret_cast<unsigned char*>(this + 1); }
@@ -91,8 +90,8 @@ struct name_node {
 
 class name_tree {
  public:
-  /// Names on one way, so many that a bundle keeps them in arrays.
-  static constexpr std::size_t most_depth = 127;
+  /// Names on one way.
+  static constexpr std::size_t most_depth = key_shape::most_keys;
   /// Bytes of a name as it is written.
   static constexpr std::size_t longest = 128;
 
@@ -117,15 +116,19 @@ class name_tree {
   /// before it, if the given name is one of them: the members of a dictionary are alike. Throws
   /// std::bad_alloc.
   name_branch& inside_of(name_node& holder, const void* written, std::size_t bytes);
-  /// The numbers of the names of an object that ends at the node, in the order of their keys. Throws
-  /// std::bad_alloc.
-  static const std::uint8_t* ranks_of(name_node& end);
+  /// The names of an object that ends at the node. Throws std::bad_alloc.
+  static const key_shape& shape_of(name_node& end) {
+    if (!end.shape) make_shape(end);
+    return *end.shape;
+  }
 
   name_branch top;  // of objects that no name holds
 
  private:
   static constexpr std::size_t most_nodes = 2048;
   static constexpr std::uint32_t widest = 24;  // names in one branch
+
+  static void make_shape(name_node& end);
 
   std::vector<name_node*> nodes_;
   std::forward_list<name_branch> branches_;

@@ -54,8 +54,6 @@ bundle::entry* bundle_store::large_order::at(place where) const noexcept {
 }
 
 void bundle_store::large_order::insert(entry* item) {
-  // Room first: a leaf must not have an entry that `order` could not take.
-  if (order.size() == order.capacity()) order.reserve(std::max<std::size_t>(4, order.size() * 2));
   index.reserve(order.size() + 1, order);
   place to = lower_bound(item->first);
   if (to.leaf == leaves.size()) to = {leaves.size() - 1, leaves.back().size()};
@@ -68,7 +66,7 @@ void bundle_store::large_order::insert(entry* item) {
   }
   leaf& in = leaves[to.leaf];
   in.insert(in.begin() + static_cast<std::ptrdiff_t>(to.at), item);
-  order.push_back(item);
+  order.push_back(item);  // for which there is room
   index.add(item);
 }
 
@@ -85,29 +83,56 @@ void bundle_store::large_order::erase(const entry* item) noexcept {
 
 bundle_store* bundle_store::make(std::size_t capacity) {
   require_places(capacity, limits::entries);
-  const std::size_t bytes =
-      sizeof(bundle_store) + sizeof(block) + capacity * sizeof(entry) + arrays_bytes(capacity);
-  void* const memory = take_block(bytes);
-  auto* const store = new (memory) bundle_store;
-  store->bytes_ = bytes;
-  store->blocks_ = new (store + 1) block{nullptr, 0, static_cast<std::uint32_t>(capacity), 0};
-  store->use_arrays(entries_of(store->blocks_) + capacity, capacity);
-  if (capacity > small_limit) {
-    try {
-      store->become_large();
-    } catch (...) {
-      drop(store);
-      throw;
-    }
+  std::unique_ptr<large_order> large;
+  if (capacity > small_limit) large = make_large(capacity);
+  const std::size_t bytes = sizeof(bundle_store) + sizeof(own_keys) + sizeof(block) +
+                            capacity * sizeof(entry) + arrays_bytes(capacity);
+  auto* const at = static_cast<bundle_store*>(take_block(bytes));
+  auto* const own = new (at + 1) own_keys;
+  auto* const store = new (at) bundle_store(own);
+  own->bytes = bytes;
+  own->blocks = new (own + 1) block{nullptr, 0, static_cast<std::uint32_t>(capacity), 0};
+  if (large) {
+    store->use_large(std::move(large), capacity);
+  } else {
+    store->use_arrays(entries_of(own->blocks) + capacity, capacity);
   }
   return store;
 }
 
+bundle_store* bundle_store::of_shape(const key_shape& shape, xvar* values) {
+  auto* const store = new (take_block(shaped_bytes(shape.size()))) bundle_store(shape);
+  entry* const to = store->entries();
+  for (std::size_t n = 0; n < shape.size(); ++n) new (to + n) entry(*shape.keys()[n], std::move(values[n]));
+  return store;
+}
+
 bundle_store* bundle_store::like(const bundle_store& other) {
+  if (other.is_large()) return like_large(other);
+  const std::size_t size = other.size_;
+  if (other.is_shaped()) {
+    auto* const store = new (take_block(shaped_bytes(size))) bundle_store(*other.shape_);
+    other.shape_->retain();
+    for (std::size_t n = 0; n < size; ++n) new (store->entries() + n) entry(*other.shape_->keys()[n]);
+    return store;
+  }
+  bundle_store* const store = make(std::max<std::size_t>(size, 1));
+  for (std::size_t n = 0; n < size; ++n) {
+    const shared_key* const key = key_of(other.order_[n]);
+    retain(key);
+    store->order_[n] = new (store->take_place()) entry(*key);
+  }
+  std::memcpy(store->own_hashes(), other.own_hashes(), size * sizeof(std::uint32_t));
+  std::memcpy(store->own_ranks(), other.own_ranks(), size);
+  store->size_ = other.size_;
+  return store;
+}
+
+bundle_store* bundle_store::like_large(const bundle_store& other) {
   bundle_store* const store = make(std::max<std::size_t>(other.size_, 1));
   try {
     for (std::size_t n = 0; n < other.size_; ++n) {
-      const shared_key* const key = key_of(other.nth(n));
+      const shared_key* const key = key_of(other.order_[n]);
       store->add(key_view(*key), key);
     }
   } catch (...) {
@@ -118,56 +143,120 @@ bundle_store* bundle_store::like(const bundle_store& other) {
 }
 
 bundle_store::~bundle_store() {
-  for (std::size_t n = 0; n < size_; ++n) nth(n)->~entry();
-  while (blocks_) {
-    block* const gone = blocks_;
-    blocks_ = gone->next;
+  if (is_shaped()) {
+    for (std::size_t n = 0; n < size_; ++n) entries()[n].second.~xvar();  // the keys are the shape's
+    shape_->release();
+    return;
+  }
+  for (std::size_t n = 0; n < size_; ++n) order_[n]->~entry();
+  while (own_->blocks) {
+    block* const gone = own_->blocks;
+    own_->blocks = gone->next;
     if (gone->bytes) give_block(gone, gone->bytes);
+  }
+  if (static_cast<void*>(own_) == this + 1) {
+    own_->~own_keys();
+  } else {
+    unmake(own_);
   }
 }
 
 void bundle_store::drop(bundle_store* store) noexcept {
   if (!store) return;
-  const std::size_t bytes = store->bytes_;
+  const std::size_t bytes = store->is_shaped() ? shaped_bytes(store->size_) : store->own_->bytes;
   store->~bundle_store();
   give_block(store, bytes);
 }
 
 void bundle_store::use_arrays(void* memory, std::size_t capacity) noexcept {
-  const std::uint32_t* const old_hashes = order_ ? hashes() : nullptr;
-  const std::uint8_t* const old_ranks = order_ ? ranks() : nullptr;
+  const std::uint32_t* const old_hashes = order_ ? own_hashes() : nullptr;
+  const std::uint8_t* const old_ranks = order_ ? own_ranks() : nullptr;
   entry** const old_order = order_;
   order_ = static_cast<entry**>(memory);
-  capacity_ = capacity;
+  capacity_ = static_cast<std::uint32_t>(capacity);
   if (size_ == 0) return;
   std::memcpy(order_, old_order, size_ * sizeof *order_);
-  std::memcpy(hashes(), old_hashes, size_ * sizeof *old_hashes);
-  std::memcpy(ranks(), old_ranks, size_);
+  std::memcpy(own_hashes(), old_hashes, size_ * sizeof *old_hashes);
+  std::memcpy(own_ranks(), old_ranks, size_);
 }
 
-void bundle_store::become_large() {
+/// Without entries, and with positions for `capacity`.
+std::unique_ptr<bundle_store::large_order> bundle_store::make_large(std::size_t capacity) {
   auto large = std::make_unique<large_order>();
+  large->order.reserve(capacity);
   large->leaves.emplace_back();
+  return large;
+}
+
+/// The same with the entries of the arrays.
+std::unique_ptr<bundle_store::large_order> bundle_store::made_large(std::size_t capacity) const {
+  auto large = make_large(capacity);
   large->order.assign(order_, order_ + size_);
-  for (std::size_t rank = 0; rank < size_; ++rank) large->leaves.front().push_back(order_[ranks()[rank]]);
+  for (std::size_t rank = 0; rank < size_; ++rank) large->leaves.front().push_back(order_[own_ranks()[rank]]);
   large->index.reserve(size_, large->order);
-  large_ = std::move(large);
+  return large;
+}
+
+void bundle_store::use_large(std::unique_ptr<large_order> large, std::size_t capacity) noexcept {
+  own_->large = std::move(large);
+  order_ = own_->large->order.data();
+  capacity_ = static_cast<std::uint32_t>(capacity);
+}
+
+/// The keys of the shape become the store's own, in arrays with room for more.
+void bundle_store::leave_shape(std::size_t more) {
+  const std::size_t capacity = size_ + more;
+  const std::size_t bytes = sizeof(block) + more * sizeof(entry) + arrays_bytes(capacity);
+  auto* const own = detail::make<own_keys>();
+  try {
+    own->blocks = new (take_block(bytes)) block{nullptr, bytes, static_cast<std::uint32_t>(more), 0};
+  } catch (...) {
+    unmake(own);
+    throw;
+  }
+  own->bytes = shaped_bytes(size_);
+  const key_shape& shape = *shape_;
+  auto** const order = reinterpret_cast<entry**>(entries_of(own->blocks) + more);
+  for (std::size_t n = 0; n < size_; ++n) {
+    retain(shape.keys()[n]);
+    order[n] = entries() + n;
+  }
+  order_ = order;
+  capacity_ = static_cast<std::uint32_t>(capacity);
+  own_ = own;
+  std::memcpy(own_hashes(), shape.hashes(), size_ * sizeof(std::uint32_t));
+  std::memcpy(own_ranks(), shape.ranks(), size_);
+  shape.release();
+}
+
+void bundle_store::make_room(std::size_t more) {
+  if (is_shaped()) {
+    const bool stays_small = more <= small_limit - size_;
+    leave_shape(stays_small ? more : 0);
+    if (stays_small) return;
+  }
+  grow(more);
 }
 
 void bundle_store::grow(std::size_t more) {
   require_places(more, limits::entries - capacity_);
   const std::size_t capacity = capacity_ + more;
-  if (capacity > small_limit && !large_) become_large();
-  const std::size_t bytes = sizeof(block) + more * sizeof(entry) + arrays_bytes(capacity);
-  auto* const made = new (take_block(bytes)) block{blocks_, bytes, static_cast<std::uint32_t>(more), 0};
-  // What is left of the newest block goes to the list of free places.
-  while (blocks_->used < blocks_->capacity) give_place(entries_of(blocks_) + blocks_->used++);
-  blocks_ = made;
-  if (large_) {
-    capacity_ = capacity;
-  } else {
-    use_arrays(entries_of(made) + more, capacity);
+  std::unique_ptr<large_order> large;
+  if (is_large()) {
+    own_->large->order.reserve(capacity);
+    order_ = own_->large->order.data();
+  } else if (capacity > small_limit) {
+    large = made_large(capacity);
   }
+  const std::size_t bytes = sizeof(block) + more * sizeof(entry) + arrays_bytes(capacity);
+  block*& newest = own_->blocks;
+  auto* const made = new (take_block(bytes)) block{newest, bytes, static_cast<std::uint32_t>(more), 0};
+  // What is left of the newest block goes to the list of free places.
+  while (newest->used < newest->capacity) give_place(entries_of(newest) + newest->used++);
+  newest = made;
+  if (capacity <= small_limit) return use_arrays(entries_of(made) + more, capacity);
+  if (large) return use_large(std::move(large), capacity);
+  capacity_ = static_cast<std::uint32_t>(capacity);
 }
 
 std::size_t bundle_store::usual_growth() const noexcept {
@@ -177,30 +266,32 @@ std::size_t bundle_store::usual_growth() const noexcept {
 
 bundle_store* bundle_store::fitted(bundle_store* store) {
   const std::size_t spare = store->capacity_ - store->size_;
-  if (store->large_ || (!store->blocks_->next && spare <= store->size_ / 8)) return store;
+  if (store->is_shaped() || store->is_large()) return store;
+  if (!store->own_->blocks->next && spare <= store->size_ / 8) return store;
   bundle_store* const made = make(store->size_);
   for (std::size_t n = 0; n < store->size_; ++n) {
     entry* const from = store->order_[n];
     made->order_[n] = new (made->take_place()) entry(from->first, std::move(from->second));
     from->second.~xvar();  // and not the entry: its share of the key went along
   }
-  std::memcpy(made->hashes(), store->hashes(), store->size_ * sizeof(std::uint32_t));
-  std::memcpy(made->ranks(), store->ranks(), store->size_);
+  std::memcpy(made->own_hashes(), store->own_hashes(), store->size_ * sizeof(std::uint32_t));
+  std::memcpy(made->own_ranks(), store->own_ranks(), store->size_);
   made->size_ = std::exchange(store->size_, 0);
   drop(store);
   return made;
 }
 
 void* bundle_store::take_place() noexcept {
-  if (blocks_->used < blocks_->capacity) return entries_of(blocks_) + blocks_->used++;
-  void* const place = free_;
-  std::memcpy(&free_, place, sizeof free_);
+  block& newest = *own_->blocks;
+  if (newest.used < newest.capacity) return entries_of(&newest) + newest.used++;
+  void* const place = own_->free;
+  std::memcpy(&own_->free, place, sizeof place);
   return place;
 }
 
 void bundle_store::give_place(void* place) noexcept {
-  std::memcpy(place, &free_, sizeof free_);
-  free_ = place;
+  std::memcpy(place, &own_->free, sizeof place);
+  own_->free = place;
 }
 
 // --- the arrays of a small store
@@ -214,13 +305,13 @@ bundle::entry* bundle_store::find_in_arrays(const key_view& key) const noexcept 
     const __m128i four = texto::load_16(all + n);
     for (int hits = _mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32(four, wanted))); hits != 0;
          hits &= hits - 1) {
-      entry* const item = order_[n + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(hits)))];
+      entry* const item = nth(n + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(hits))));
       if (same_text(item->first, key.text)) return item;
     }
   }
 #endif
   for (; n < size_; ++n) {
-    if (all[n] == key.hash && same_text(order_[n]->first, key.text)) return order_[n];
+    if (all[n] == key.hash && same_text(nth(n)->first, key.text)) return nth(n);
   }
   return nullptr;
 }
@@ -228,28 +319,28 @@ bundle::entry* bundle_store::find_in_arrays(const key_view& key) const noexcept 
 std::size_t bundle_store::rank_of(std::wstring_view key) const noexcept {
   const std::uint8_t* const all = ranks();
   // Documents often bring their keys in order.
-  if (size_ > 0 && before(order_[all[size_ - 1]], key)) return size_;
-  const auto at = std::lower_bound(
-      all, all + size_, key, [this](std::uint8_t n, std::wstring_view k) { return before(order_[n], k); });
+  if (size_ > 0 && before(nth(all[size_ - 1]), key)) return size_;
+  const auto at = std::lower_bound(all, all + size_, key,
+                                   [this](std::uint8_t n, std::wstring_view k) { return before(nth(n), k); });
   return static_cast<std::size_t>(at - all);
 }
 
 void bundle_store::insert_in_arrays(entry* item, std::uint32_t hash) noexcept {
   const std::size_t rank = rank_of(item->first);
-  std::uint8_t* const all = ranks();
+  std::uint8_t* const all = own_ranks();
   std::memmove(all + rank + 1, all + rank, size_ - rank);
   all[rank] = static_cast<std::uint8_t>(size_);
   order_[size_] = item;
-  hashes()[size_] = hash;
+  own_hashes()[size_] = hash;
 }
 
 void bundle_store::erase_from_arrays(const entry* item) noexcept {
   const auto n = static_cast<std::size_t>(std::find(order_, order_ + size_, item) - order_);
   const std::size_t behind = size_ - n - 1;
   std::memmove(order_ + n, order_ + n + 1, behind * sizeof *order_);
-  std::memmove(hashes() + n, hashes() + n + 1, behind * sizeof(std::uint32_t));
-  std::uint8_t* to = ranks();
-  for (const std::uint8_t* from = to; from != ranks() + size_; ++from) {
+  std::memmove(own_hashes() + n, own_hashes() + n + 1, behind * sizeof(std::uint32_t));
+  std::uint8_t* to = own_ranks();
+  for (const std::uint8_t* from = to; from != own_ranks() + size_; ++from) {
     if (*from != n) *to++ = static_cast<std::uint8_t>(*from > n ? *from - 1 : *from);
   }
 }
@@ -257,7 +348,7 @@ void bundle_store::erase_from_arrays(const entry* item) noexcept {
 // --- entries
 
 bundle::entry* bundle_store::find(const key_view& key) const noexcept {
-  return large_ ? large_->find(key) : find_in_arrays(key);
+  return is_large() ? own_->large->find(key) : find_in_arrays(key);
 }
 
 bundle::entry* bundle_store::put(const key_view& key) {
@@ -266,7 +357,7 @@ bundle::entry* bundle_store::put(const key_view& key) {
 }
 
 bundle::entry* bundle_store::add(const key_view& key, const shared_key* shared) {
-  if (size_ == capacity_) grow(usual_growth());
+  if (size_ == capacity_) make_room(usual_growth());
   if (shared) {
     retain(shared);
   } else {
@@ -274,11 +365,11 @@ bundle::entry* bundle_store::add(const key_view& key, const shared_key* shared) 
   }
   void* const place = take_place();
   auto* const item = new (place) entry(*shared);
-  if (!large_) {
+  if (!is_large()) {
     insert_in_arrays(item, key.hash);
   } else {
     try {
-      large_->insert(item);
+      own_->large->insert(item);
     } catch (...) {
       item->~entry();
       give_place(place);
@@ -289,9 +380,10 @@ bundle::entry* bundle_store::add(const key_view& key, const shared_key* shared) 
   return item;
 }
 
-void bundle_store::erase(entry* item) noexcept {
-  if (large_) {
-    large_->erase(item);
+void bundle_store::erase(entry* item) {
+  if (is_shaped()) leave_shape(0);
+  if (is_large()) {
+    own_->large->erase(item);
   } else {
     erase_from_arrays(item);
   }
@@ -301,32 +393,33 @@ void bundle_store::erase(entry* item) noexcept {
 }
 
 bundle::entry* bundle_store::step(const entry* item, std::size_t& rank, bool forward) const noexcept {
-  if (large_) {
+  if (is_large()) {
+    large_order& large = *own_->large;
     large_order::place at = large_order::place::of(rank);
     if (!item) {
-      at = {large_->leaves.size() - 1, large_->leaves.back().size()};
-    } else if (large_->at(at) != item) {
-      at = large_->lower_bound(item->first);
+      at = {large.leaves.size() - 1, large.leaves.back().size()};
+    } else if (large.at(at) != item) {
+      at = large.lower_bound(item->first);
     }
     if (forward) {
-      if (++at.at >= large_->leaves[at.leaf].size()) at = {at.leaf + 1, 0};
+      if (++at.at >= large.leaves[at.leaf].size()) at = {at.leaf + 1, 0};
     } else if (at.at > 0) {
       --at.at;
     } else {
       if (at.leaf == 0) return nullptr;
       --at.leaf;
-      at.at = large_->leaves[at.leaf].size() - 1;
+      at.at = large.leaves[at.leaf].size() - 1;
     }
     rank = at.rank();
-    return large_->at(at);
+    return large.at(at);
   }
   if (!item) {
     rank = size_;
-  } else if (rank >= size_ || order_[ranks()[rank]] != item) {
+  } else if (rank >= size_ || nth(ranks()[rank]) != item) {
     rank = rank_of(item->first);
   }
   rank += forward ? 1 : std::size_t{0} - 1;
-  return rank < size_ ? order_[ranks()[rank]] : nullptr;
+  return rank < size_ ? nth(ranks()[rank]) : nullptr;
 }
 
 }  // namespace ruvo::detail

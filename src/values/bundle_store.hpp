@@ -3,21 +3,25 @@
 
 // The inside of a bundle.
 //
-// Entries lie in blocks and never move. Up to `small_limit` entries, three arrays of one allocation with the
-// newest block say in which order: the entries by position, their hashes by position (look-up scans these),
-// and the positions by key. Beyond, sorted leaves of entries take over the order, and a table of hashes
-// look-up.
+// What a reader made has its keys from a shape, which other bundles have, too: the entries stand one behind
+// the other in the order of the shape, whose shares of the keys are theirs. The first change of the keys
+// gives the store keys of its own.
+//
+// Then entries lie in blocks and never move. Up to `small_limit` entries, three arrays of one allocation with
+// the newest block say in which order: the entries by position, their hashes by position (look-up scans
+// these), and the positions by key. Beyond, sorted leaves of entries take over the order, and a table of
+// hashes look-up.
 
 #include <ruvo/bundle.hpp>
 
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <new>
 #include <utility>
 #include <vector>
 
 #include "base/limits.hpp"
+#include "memory/key_shape.hpp"
 #include "values/entry_index.hpp"
 #include "values/folded_key.hpp"
 
@@ -32,11 +36,9 @@ class bundle_store {
   static bundle_store* make(std::size_t capacity);
   /// With the keys of `other` in the same positions, and null values.
   static bundle_store* like(const bundle_store& other);
-  /// A full store of `size` values, which are moved out of, with `ranks`, the order of their keys. `last_key`
-  /// gives the keys, retained for the store, the last one first; there are no two alike, and they are no more
-  /// than lie in arrays.
-  template <class LastKey>
-  static bundle_store* of_known(std::size_t size, xvar* values, const std::uint8_t* ranks, LastKey last_key);
+  /// With the keys of the shape, and its values, which are moved out of. Unless this throws, the store has a
+  /// share of the shape that the caller has to take for it.
+  static bundle_store* of_shape(const key_shape& shape, xvar* values);
   static void drop(bundle_store* store) noexcept;
   /// The same entries in a store without spare room, in other places; `store` is used up unless this throws.
   static bundle_store* fitted(bundle_store* store);
@@ -52,15 +54,16 @@ class bundle_store {
   entry* add(const key_view& key, const shared_key* shared = nullptr);
   /// Makes room for `count` entries in all.
   void reserve(std::size_t count) {
-    if (count > capacity_) grow(count - capacity_);
+    if (count > capacity_) make_room(count - capacity_);
   }
-  void erase(entry* item) noexcept;
+  /// Nothing changes when it throws, which it can but once: where the keys are a shape's.
+  void erase(entry* item);
   /// By position of first insertion; `n` must be below size().
-  entry* nth(std::size_t n) const noexcept { return large_ ? large_->order[n] : order_[n]; }
+  entry* nth(std::size_t n) const noexcept { return order_ ? order_[n] : entries() + n; }
   /// The first entry in key order, or null.
   entry* first() const noexcept {
-    if (large_) return large_->at({0, 0});
-    return size_ > 0 ? order_[ranks()[0]] : nullptr;
+    if (is_large()) return own_->large->at({0, 0});
+    return size_ > 0 ? nth(ranks()[0]) : nullptr;
   }
   /// The neighbour in key order of `item` (null: behind the last), or null. `rank` is where `item` was last
   /// seen: its number in key order in a small store, place::rank() in a large one. It is a hint: an entry
@@ -69,8 +72,8 @@ class bundle_store {
 
   /// step() forward through a store that doesn't change, beginning at first() with rank 0.
   entry* next(const entry* item, std::size_t& rank) const noexcept {
-    if (large_) return step(item, rank, true);
-    return ++rank < size_ ? order_[ranks()[rank]] : nullptr;
+    if (is_large()) return step(item, rank, true);
+    return ++rank < size_ ? nth(ranks()[rank]) : nullptr;
   }
 
   static const shared_key* key_of(const entry* item) noexcept {
@@ -79,7 +82,8 @@ class bundle_store {
 
  private:
   static constexpr std::size_t small_limit = 128, leaf_limit = 512;
-  static_assert(limits::entries <= 0xFFFFFFFF && limits::entries > small_limit);  // as blocks count them
+  static_assert(limits::entries <= 0xFFFFFFFF && limits::entries > small_limit);  // as counted below
+  static_assert(key_shape::most_keys <= small_limit);
 
   struct block {
     block* next;
@@ -109,11 +113,34 @@ class bundle_store {
     void erase(const entry* item) noexcept;
   };
 
-  bundle_store() noexcept = default;
+  /// What a store with keys of its own has.
+  struct own_keys {
+    block* blocks = nullptr;  // the newest first; the one made with the store, if it is, stands behind this
+    void* free = nullptr;     // places of erased entries, each pointing to the next
+    std::unique_ptr<large_order> large;
+    std::size_t bytes;  // of the allocation that begins with the store
+  };
+
+  explicit bundle_store(const key_shape& shape) noexcept
+      : size_(static_cast<std::uint32_t>(shape.size())), capacity_(size_), shape_(&shape) {}
+  explicit bundle_store(own_keys* own) noexcept : own_(own) {}
   ~bundle_store();
 
-  std::uint32_t* hashes() const noexcept { return reinterpret_cast<std::uint32_t*>(order_ + capacity_); }
-  std::uint8_t* ranks() const noexcept { return reinterpret_cast<std::uint8_t*>(hashes() + capacity_); }
+  bool is_shaped() const noexcept { return !order_; }
+  bool is_large() const noexcept { return capacity_ > small_limit; }
+  static constexpr std::size_t shaped_bytes(std::size_t size) noexcept {
+    return sizeof(bundle_store) + size * sizeof(entry);
+  }
+  /// Where a store with a shape has its entries.
+  entry* entries() const noexcept { return reinterpret_cast<entry*>(const_cast<bundle_store*>(this) + 1); }
+  // Of a store that is not large.
+  const std::uint32_t* hashes() const noexcept { return order_ ? own_hashes() : shape_->hashes(); }
+  const std::uint8_t* ranks() const noexcept { return order_ ? own_ranks() : shape_->ranks(); }
+  // The same where it has keys of its own.
+  std::uint32_t* own_hashes() const noexcept { return reinterpret_cast<std::uint32_t*>(order_ + capacity_); }
+  std::uint8_t* own_ranks() const noexcept {
+    return reinterpret_cast<std::uint8_t*>(own_hashes() + capacity_);
+  }
   static constexpr std::size_t arrays_bytes(std::size_t capacity) noexcept {
     return capacity <= small_limit ? capacity * (sizeof(entry*) + sizeof(std::uint32_t) + 1) : 0;
   }
@@ -123,36 +150,24 @@ class bundle_store {
   void insert_in_arrays(entry* item, std::uint32_t hash) noexcept;
   void erase_from_arrays(const entry* item) noexcept;
   void use_arrays(void* memory, std::size_t capacity) noexcept;
-  void become_large();
+  static bundle_store* like_large(const bundle_store& other);
+  static std::unique_ptr<large_order> make_large(std::size_t capacity);
+  std::unique_ptr<large_order> made_large(std::size_t capacity) const;
+  void use_large(std::unique_ptr<large_order> large, std::size_t capacity) noexcept;
+  void leave_shape(std::size_t more);
+  void make_room(std::size_t more);
   void grow(std::size_t more);
   std::size_t usual_growth() const noexcept;
   void* take_place() noexcept;
   void give_place(void* place) noexcept;
 
-  std::size_t size_ = 0, capacity_ = 0;  // places for entries
-  entry** order_ = nullptr;
-  block* blocks_ = nullptr;  // the newest first; the one made with the store stands behind it
-  void* free_ = nullptr;     // places of erased entries, each pointing to the next
-  std::unique_ptr<large_order> large_;
-  std::size_t bytes_ = 0;  // of the allocation that begins with this object
+  std::uint32_t size_ = 0, capacity_ = 0;  // places for entries
+  entry** order_ = nullptr;                // by position; null where the keys are a shape's
+  union {
+    const key_shape* shape_;
+    own_keys* own_;
+  };
 };
-
-template <class LastKey>
-bundle_store* bundle_store::of_known(std::size_t size, xvar* values, const std::uint8_t* ranks,
-                                     LastKey last_key) {
-  bundle_store* const store = make(size);
-  entry* const entries = entries_of(store->blocks_);
-  std::uint32_t* const hashes = store->hashes();
-  for (std::size_t n = size; n-- > 0;) {
-    const shared_key* const key = last_key();
-    store->order_[n] = new (entries + n) entry(*key, std::move(values[n]));
-    hashes[n] = key->hash;
-  }
-  std::memcpy(store->ranks(), ranks, size);
-  store->blocks_->used = static_cast<std::uint32_t>(size);
-  store->size_ = size;
-  return store;
-}
 
 /// The library's own access to the store of a bundle.
 struct bundle_access {

@@ -122,7 +122,7 @@ xvar json_builder::made_list(const frame& f) {
 
 xvar json_builder::made_object(frame& f) {
   const std::size_t size = values_.size() - f.first_value;
-  constexpr std::size_t each = sizeof(entry) + sizeof(entry*) + sizeof(std::uint32_t) + 1;
+  constexpr std::size_t each = sizeof(entry);
   account(sizeof(detail::boxed<bundle>) + (size > 0 ? sizeof(bundle_store) : 0) + size * each);
   xvar made;
   bundle& inside = cell::set_box(made, kind::bundle, bundle());
@@ -136,13 +136,10 @@ bundle_store* json_builder::store_of(frame& f, std::size_t size) {
     places_.resize(f.first_place);
     return store;
   }
-  name_node* node = f.at;
-  return bundle_store::of_known(size, values_.at(f.first_value), detail::name_tree::ranks_of(*node),
-                                [&node]() noexcept {
-                                  name_node& last = *node;
-                                  node = last.before;
-                                  return last.take_key();
-                                });
+  bundle_store* const store =
+      bundle_store::of_shape(detail::name_tree::shape_of(*f.at), values_.at(f.first_value));
+  f.at->take_share();
+  return store;
 }
 
 bundle_store* json_builder::filled_store(frame& f, std::size_t size) noexcept {
