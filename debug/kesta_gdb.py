@@ -28,9 +28,8 @@ import gdb.printing
 
 WORD = 6  # in var::storage::bytes: the number, or the address of the value
 MODE = 2  # in the same: how a date, time or datetime is read
-BOXED = 8  # the container behind its owner's pointer
-UNITS = 8  # the units of a text behind their number
-STORE_SIZE, STORE_ORDER, STORE_LARGE = 0, 16, 40  # in a bundle_store
+HEAD = 2  # bytes before the same; what follows them is the length of a text, up to the word
+STORE_ORDER, STORE_ENTRIES = 8, 24  # in a bundle_store, which begins with its size
 MAP_ROOT, MAP_SIZE = 16, 40  # in a std::map
 NODE_LEFT, NODE_RIGHT, NODE_VALUE = 16, 24, 32  # in a node of it
 STRING_SIZE = 32  # of std::wstring
@@ -172,7 +171,7 @@ class BundlePrinter:
 
     def __init__(self, value):
         self.store = pointer(value["store_"])
-        self.count = number_at(self.store + STORE_SIZE) if self.store else 0
+        self.count = number_at(self.store) & 0xFFFFFFFF if self.store else 0
 
     def to_string(self):
         return "bundle of %d" % self.count
@@ -180,10 +179,12 @@ class BundlePrinter:
     def children(self):
         if not self.count:
             return
-        large = number_at(self.store + STORE_LARGE)
-        order = number_at(large if large else self.store + STORE_ORDER)
+        order = number_at(self.store + STORE_ORDER)
+        entries = at(self.store + STORE_ENTRIES, "ruvo::bundle::entry").address
         for n in range(min(self.count, MOST)):
-            yield key_and_value(at(number_at(order + 8 * n), "ruvo::bundle::entry"))
+            yield key_and_value(
+                at(number_at(order + 8 * n), "ruvo::bundle::entry") if order else (entries + n).dereference()
+            )
 
 
 def key_and_value(entry):
@@ -283,7 +284,7 @@ def scalar_text(kind, data):
     if kind == "small_text":
         return wide(inside + (0 if unit_size() == 2 else 2), int(data["length"]))
     if kind == "text":
-        return wide(word + UNITS, number_at(word))
+        return wide(word, number_at(inside - HEAD) >> 16)
     if kind == "string_text":
         return wide_string(word)
     return kind
@@ -293,7 +294,7 @@ def held_object(kind, address):
     if kind == "object":
         held = at(address, "ruvo::detail::object")
         return held.cast(held.dynamic_type)["value"]
-    return at(address + (BOXED if kind in ("list", "bundle") else 0), "ruvo::" + kind)
+    return at(address, "ruvo::" + kind)
 
 
 def var_printer(value):

@@ -80,8 +80,6 @@ void* take_block(std::size_t size) { return plain_block(size); }
 
 void give_block(void* block, std::size_t) noexcept { ::operator delete(block); }
 
-bool give_unseen_block(void*) noexcept { return false; }
-
 document_blocks::document_blocks() noexcept : cache_(nullptr) {}
 release_of_many::release_of_many() noexcept : cache_(nullptr) {}
 
@@ -92,19 +90,13 @@ void* take_block(std::size_t size) {
   return cache ? cache->blocks.take(size) : plain_block(size);
 }
 
-bool give_unseen_block(void* block) noexcept {
-  if (!chunk_region::holds(block)) return false;
-  if (thread_cache* const cache = thread_cache::local()) {
-    cache->blocks.give_in_chunk(block);
-  } else {
-    chunk::of(block)->release(1);
-  }
-  return true;
-}
-
 void give_block(void* block, std::size_t size) noexcept {
-  if (give_unseen_block(block)) return;
-  if (thread_cache* const cache = thread_cache::local()) return cache->blocks.give(block, size);
+  thread_cache* const cache = thread_cache::local();
+  if (chunk_region::holds(block)) {
+    if (cache) return cache->blocks.give_in_chunk(block);
+    return chunk::of(block)->release(1);
+  }
+  if (cache) return cache->blocks.give(block, size);
   ::operator delete(block);
 }
 

@@ -120,9 +120,6 @@ class release_of_many {
 /// block_cache::take and give for the calling thread; from the heap where it can have no cache.
 void* take_block(std::size_t size);
 void give_block(void* block, std::size_t size) noexcept;
-/// give_block() for a block whose size nobody knows without reading it; false, with nothing done, where the
-/// size is needed.
-bool give_unseen_block(void* block) noexcept;
 
 template <class T, class... Args>
 T* make(Args&&... args) {

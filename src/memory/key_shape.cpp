@@ -5,17 +5,20 @@
 #include "memory/key_shape.hpp"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <new>
 #include <string>
 
 namespace ruvo::detail {
 
 const key_shape* key_shape::make(const shared_key* const* keys, std::size_t size) {
-  constexpr std::size_t each = sizeof *keys + sizeof(std::uint32_t) + sizeof(std::uint8_t);
-  auto* const made = new (::operator new(sizeof(key_shape) + size * each)) key_shape(size);
+  const std::size_t bytes =
+      sizeof(key_shape) + words_before_keys(size) * sizeof(std::uint32_t) + size * sizeof *keys;
+  auto* const made = new (::operator new(bytes)) key_shape(size);
   auto** const to = const_cast<const shared_key**>(made->keys());
   auto* const hashes = const_cast<std::uint32_t*>(made->hashes());
-  auto* const ranks = const_cast<std::uint8_t*>(made->ranks());
+  auto* const ranks = const_cast<std::uint8_t*>(made->ranks(size));
   for (std::size_t n = 0; n < size; ++n) {
     ruvo::detail::retain(keys[n]);
     to[n] = keys[n];

@@ -29,26 +29,29 @@ class key_shape {
   }
 
   std::size_t size() const noexcept { return size_; }
-  /// By position.
+  /// By position, as the hashes.
   const shared_key* const* keys() const noexcept {
-    return reinterpret_cast<const shared_key* const*>(this + 1);
+    return reinterpret_cast<const shared_key* const*>(hashes() + words_before_keys(size_));
   }
-  const std::uint32_t* hashes() const noexcept {
-    return reinterpret_cast<const std::uint32_t*>(keys() + size_);
-  }
-  /// The positions in the order of the keys.
-  const std::uint8_t* ranks() const noexcept {
-    return reinterpret_cast<const std::uint8_t*>(hashes() + size_);
+  // What look-up and iteration read is found without reading the size here, which who asks knows.
+  const std::uint32_t* hashes() const noexcept { return reinterpret_cast<const std::uint32_t*>(this + 1); }
+  /// The positions in the order of the keys. `size` is size().
+  const std::uint8_t* ranks(std::size_t size) const noexcept {
+    return reinterpret_cast<const std::uint8_t*>(hashes() + size);
   }
 
  private:
   explicit key_shape(std::size_t size) noexcept : size_(size) {}
   ~key_shape() = default;
+  /// Units of a hash, in which hashes and ranks lie, and what keeps the keys aligned.
+  static constexpr std::size_t words_before_keys(std::size_t size) noexcept {
+    return (size + (size + 3) / 4 + 1) / 2 * 2;
+  }
   void destroy() const noexcept;
 
   mutable std::atomic<std::uint64_t> uses_{1};
   const std::size_t size_;
-  // Behind: keys, hashes, ranks.
+  // Behind: hashes, ranks, keys.
 };
 
 }  // namespace ruvo::detail

@@ -225,7 +225,7 @@ void bundle_store::leave_shape(std::size_t more) {
   capacity_ = static_cast<std::uint32_t>(capacity);
   own_ = own;
   std::memcpy(own_hashes(), shape.hashes(), size_ * sizeof(std::uint32_t));
-  std::memcpy(own_ranks(), shape.ranks(), size_);
+  std::memcpy(own_ranks(), shape.ranks(size_), size_);
   shape.release();
 }
 

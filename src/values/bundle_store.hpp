@@ -135,7 +135,7 @@ class bundle_store {
   entry* entries() const noexcept { return reinterpret_cast<entry*>(const_cast<bundle_store*>(this) + 1); }
   // Of a store that is not large.
   const std::uint32_t* hashes() const noexcept { return order_ ? own_hashes() : shape_->hashes(); }
-  const std::uint8_t* ranks() const noexcept { return order_ ? own_ranks() : shape_->ranks(); }
+  const std::uint8_t* ranks() const noexcept { return order_ ? own_ranks() : shape_->ranks(size_); }
   // The same where it has keys of its own.
   std::uint32_t* own_hashes() const noexcept { return reinterpret_cast<std::uint32_t*>(order_ + capacity_); }
   std::uint8_t* own_ranks() const noexcept {

@@ -8,7 +8,9 @@
 #include <ruvo/var.hpp>
 
 #include <bit>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -16,25 +18,6 @@
 #include "memory/block_cache.hpp"
 
 namespace ruvo::detail {
-
-/// A container owned by a cell.
-template <class T>
-struct boxed {
-  explicit boxed(T&& taken) noexcept : value(std::move(taken)) {}
-
-  std::uintptr_t next = 0;  // chains containers while a tree is taken apart
-  T value;
-};
-
-/// A text that is never changed: its length, then its units.
-struct text_block {
-  std::size_t length;
-
-  wchar_t* units() noexcept { return reinterpret_cast<wchar_t*>(this + 1); }
-  static constexpr std::size_t bytes(std::size_t length) noexcept {
-    return sizeof(text_block) + length * sizeof(wchar_t);
-  }
-};
 
 struct cell {
   static constexpr std::size_t small_offset = sizeof(wchar_t) == 2 ? 0 : 2;  // keeps the units aligned
@@ -59,14 +42,20 @@ struct cell {
   static T* pointer(const var& v) noexcept {
     return reinterpret_cast<T*>(static_cast<std::intptr_t>(v.integer()));
   }
-  static list& as_list(const var& v) noexcept { return pointer<boxed<list>>(v)->value; }
-  static bundle& as_bundle(const var& v) noexcept { return pointer<boxed<bundle>>(v)->value; }
+  static list& as_list(const var& v) noexcept { return *pointer<list>(v); }
+  static bundle& as_bundle(const var& v) noexcept { return *pointer<bundle>(v); }
   static std::wstring_view text(const var& v) noexcept {
     if (v.data_.kind == kind::small_text) return {small_units(v), v.data_.length};
     if (v.data_.kind == kind::string_text) return *pointer<std::wstring>(v);
-    text_block* const block = pointer<text_block>(v);
-    return {block->units(), block->length};
+    return {pointer<wchar_t>(v), text_length(v)};
   }
+  /// Of a kind::text, whose units lie in a block that holds nothing else.
+  static std::size_t text_length(const var& v) noexcept {
+    std::uint64_t head;
+    std::memcpy(&head, &v.data_, sizeof head);
+    return static_cast<std::size_t>(head >> 16);  // without the kind and what small texts use
+  }
+  static constexpr std::size_t text_bytes(std::size_t length) noexcept { return length * sizeof(wchar_t); }
 
   /// Calls `use` with the text of a cell, without a copy where the cell holds text.
   template <class Use>
@@ -108,9 +97,9 @@ struct cell {
   }
   template <class T>
   static T& set_box(var& v, kind kind, T value) {
-    auto* const box = make<boxed<T>>(std::move(value));
+    T* const box = make<T>(std::move(value));
     set_pointer(v, kind, box);
-    return box->value;
+    return *box;
   }
   static void set_integer(var& v, kind kind, long long value) noexcept { v.set(kind, value); }
   static void set_real(var& v, double value) noexcept { v.set(kind::double_, value); }

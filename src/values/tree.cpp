@@ -8,8 +8,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <new>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "base/simd.hpp"
 #include "memory/block_cache.hpp"
@@ -27,18 +29,23 @@ class reaper {
  public:
   void take(var& v) noexcept {
     if (cell::kind_of(v) == kind::list) {
-      push(cell::pointer<boxed<list>>(v), is_list);
+      list* const gone = &cell::as_list(v);
+      list::vector elements;
+      gone->swap(elements);
+      push<dying_list>(gone, is_list, std::move(elements));
     } else if (cell::kind_of(v) == kind::bundle) {
-      push(cell::pointer<boxed<bundle>>(v), 0);
+      bundle* const gone = &cell::as_bundle(v);
+      push<dying_bundle>(gone, 0, bundle_access::detach(*gone));
     } else {
       return;
     }
     cell::forget(v);
   }
-  void take_all(list& in) noexcept {
+  template <class Elements>
+  void take_elements(Elements& in) noexcept {
     for (auto at = in.end(); at != in.begin();) take_all(*--at);
   }
-  void take_all(const bundle_store& in) noexcept {
+  void take_members(const bundle_store& in) noexcept {
     for (std::size_t n = in.size(); n-- > 0;) take_all(in.nth(n)->second);
   }
 
@@ -46,15 +53,14 @@ class reaper {
     while (chain_ != 0) {
       const std::uintptr_t first = chain_;
       if (first & is_list) {
-        auto* const gone = reinterpret_cast<boxed<list>*>(first - is_list);
+        auto* const gone = reinterpret_cast<dying_list*>(first - is_list);
         chain_ = gone->next;
-        take_all(gone->value);
-        gone->value.clear();
+        take_elements(gone->elements);
         unmake(gone);
       } else {
-        auto* const gone = reinterpret_cast<boxed<bundle>*>(first);
+        auto* const gone = reinterpret_cast<dying_bundle*>(first);
         chain_ = gone->next;
-        drop(bundle_access::detach(gone->value));
+        drop(gone->store);
         unmake(gone);
       }
     }
@@ -63,14 +69,25 @@ class reaper {
  private:
   static constexpr std::uintptr_t is_list = 1;  // beside the address
 
-  template <class T>
-  void push(boxed<T>* item, std::uintptr_t what) noexcept {
-    item->next = chain_;
-    chain_ = reinterpret_cast<std::uintptr_t>(item) + what;
+  // What takes the place of a container that waits.
+  struct dying_list {
+    std::uintptr_t next;
+    list::vector elements;
+  };
+  struct dying_bundle {
+    std::uintptr_t next;
+    bundle_store* store;
+  };
+
+  template <class Dying, class T, class Inside>
+  void push(T* container, std::uintptr_t what, Inside inside) noexcept {
+    static_assert(sizeof(Dying) == sizeof(T) && alignof(Dying) == alignof(T));
+    container->T::~T();  // by name: without a virtual call
+    chain_ = reinterpret_cast<std::uintptr_t>(new (container) Dying{chain_, std::move(inside)}) + what;
   }
   void drop(bundle_store* store) noexcept {
     if (!store) return;
-    take_all(*store);
+    take_members(*store);
     bundle_store::drop(store);
   }
   void take_all(xvar& v) noexcept {
@@ -221,7 +238,7 @@ bool may_hold(const bundle& whole, std::wstring_view text) { return text_search(
 void drop_store(bundle_store* store) noexcept {
   const release_of_many release;
   reaper work;
-  work.take_all(*store);
+  work.take_members(*store);
   work.run();
   bundle_store::drop(store);
 }
@@ -229,7 +246,7 @@ void drop_store(bundle_store* store) noexcept {
 void drop_elements(list& in) noexcept {
   const release_of_many release;
   reaper work;
-  work.take_all(in);
+  work.take_elements(in);
   work.run();
   in.clear();
 }

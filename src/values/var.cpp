@@ -10,7 +10,9 @@
 #include <ruvo/time.hpp>
 #include <ruvo/var.hpp>
 
+#include <bit>
 #include <cmath>
+#include <cstddef>
 #include <cstring>
 #include <ostream>
 #include <string>
@@ -38,9 +40,11 @@ using detail::traits_of;
 namespace detail {
 
 wchar_t* cell::set_text_room(var& v, std::size_t length) {
-  auto* const block = new (take_block(text_block::bytes(length))) text_block{length};
-  set_pointer(v, kind::text, block);
-  return block->units();
+  static_assert(std::endian::native == std::endian::little && offsetof(var::storage, bytes) == 2);
+  auto* const units = static_cast<wchar_t*>(take_block(text_bytes(length)));
+  set_pointer(v, kind::text, units);
+  std::memcpy(v.data_.bytes, &length, var::word);  // no memory is longer
+  return units;
 }
 
 void cell::set_long_text(var& v, std::wstring_view text) {
@@ -66,7 +70,7 @@ T& on_container(var& v, kind k) {
     cell::set_box(made, k, T());
     v = std::move(made);
   }
-  return cell::pointer<boxed<T>>(v)->value;
+  return *cell::pointer<T>(v);
 }
 
 }  // namespace
@@ -142,11 +146,8 @@ void var::copy(const var& other) { detail::copy_tree(*this, other); }
 
 void var::destroy() noexcept {
   switch (data_.kind) {
-    case kind::text: {
-      auto* const block = cell::pointer<detail::text_block>(*this);
-      if (detail::give_unseen_block(block)) return;
-      return detail::give_block(block, detail::text_block::bytes(block->length));
-    }
+    case kind::text:
+      return detail::give_block(cell::pointer<wchar_t>(*this), cell::text_bytes(cell::text_length(*this)));
     case kind::string_text:
       return detail::unmake(cell::pointer<std::wstring>(*this));
     case kind::binary:

@@ -11,6 +11,7 @@
 #include <ruvo/file.hpp>
 #include <ruvo/list.hpp>
 #include <ruvo/memo.hpp>
+#include <ruvo/standard_json.hpp>
 #include <ruvo/velda.hpp>
 
 #include <chrono>
@@ -58,6 +59,8 @@ int main(int count, char**) {
   order[L"alfa"] = numbers;
   order.hack_string_on(L"texto") = L"cadena";
   order[L"alfa"];
+  ruvo::bundle read;
+  ruvo::serializer::read_standard_json(read, L"{\"b\":1,\"a\":2}");
   const ruvo::bundle nobody, hundreds = large_bundle();
   [[maybe_unused]] const ruvo::bundle::const_iterator behind = order.end(), first = order.begin();
   const ruvo::xvar boxed = order;

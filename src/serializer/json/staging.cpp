@@ -109,7 +109,7 @@ void json_builder::close() {
 
 xvar json_builder::made_list(const frame& f) {
   const std::size_t size = values_.size() - f.first_value;
-  account(sizeof(detail::boxed<list>) + size * sizeof(xvar));
+  account(sizeof(list) + size * sizeof(xvar));
   xvar made;
   list& inside = cell::set_box(made, kind::list, list());
   if (size > 0) {
@@ -122,8 +122,8 @@ xvar json_builder::made_list(const frame& f) {
 
 xvar json_builder::made_object(frame& f) {
   const std::size_t size = values_.size() - f.first_value;
-  constexpr std::size_t each = sizeof(entry);
-  account(sizeof(detail::boxed<bundle>) + (size > 0 ? sizeof(bundle_store) : 0) + size * each);
+  const std::size_t each = sizeof(entry) + (f.store ? sizeof(entry*) + sizeof(std::uint32_t) + 1 : 0);
+  account(sizeof(bundle) + (size > 0 ? sizeof(bundle_store) : 0) + size * each);
   xvar made;
   bundle& inside = cell::set_box(made, kind::bundle, bundle());
   if (size > 0) bundle_access::set(inside, store_of(f, size));
