@@ -167,6 +167,31 @@ TEST_F(allocation, inserting) {
   }
 }
 
+TEST_F(allocation, changing_the_keys_of_what_was_read) {
+  for (const int size : {1, 20, 127}) {
+    std::wstring text = L"{\"k\":0";
+    for (int n = 1; n < size; ++n) text += L",\"a rather long key " + std::to_wstring(n) + L"\":1";
+    bundle read, b;
+    ASSERT_FALSE(ruvo::serializer::read_standard_json(read, text + L"}"));
+    for (const auto& change :
+         {+[](bundle& in) { in.erase(in.begin()); }, +[](bundle& in) { in[L"x"]; },
+          +[](bundle& in) { in.reserve(200); }, +[](bundle& in) { in[L"k"] = L"a text of some length"; }}) {
+      bundle changed = read;
+      change(changed);
+      const long long allocations = fail_everywhere(
+          [&] {
+            b = bundle();
+            b = read;
+            const xvar* const held = &b[L"k"];
+            change(b);
+            EXPECT_TRUE(b.count(L"k") == 0 || held == &b[L"k"]);
+          },
+          [&] { EXPECT_TRUE(b.empty() || b == read || b == changed); });
+      EXPECT_GT(allocations, 1);
+    }
+  }
+}
+
 TEST_F(allocation, a_value_that_is_moved_is_not_lost) {
   xvar from = L"a text of some length", to = 1;
   from[L"quality"] = to[L"quality"] = to[L"other"] = L"another text of some length";

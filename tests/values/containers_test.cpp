@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -411,11 +412,25 @@ void expect_same(bundle& b, const model& m) {
   for (std::size_t n = 0; n < m.order.size(); ++n) ASSERT_EQ(b[n]->first, m.order[n]);
 }
 
+/// As a reader makes it, with keys that others have, too.
+bundle read_bundle(int keys) {
+  std::wstring text;
+  for (int n = 0; n < keys; ++n)
+    text += (n > 0 ? L",\"k" : L"\"k") + std::to_wstring(n) + L"\":" + std::to_wstring(n);
+  bundle out;
+  EXPECT_FALSE(ruvo::serializer::read_standard_json(out, L"{" + text + L"}"));
+  return out;
+}
+
 TEST(bundle, behaves_like_a_map_with_a_memory_of_positions) {
   std::mt19937 random(7);
-  for (const int keys : {3, 20, 129, 300, 3000}) {
-    bundle b;
+  for (const auto& [keys, read] : std::vector<std::pair<int, int>>{
+           {3, 0}, {20, 0}, {129, 0}, {300, 0}, {3000, 0}, {3, 3}, {20, 7}, {150, 127}, {150, 128}}) {
+    bundle b = read_bundle(read);
     model m;
+    for (int n = 0; n < read; ++n) m.put(L"k" + std::to_wstring(n), n);
+    bundle before(b);
+    expect_same(before, m);
     const int steps = keys * 6;
     for (int step = 0; step < steps; ++step) {
       const std::wstring key = L"k" + std::to_wstring(random() % static_cast<unsigned>(keys));
@@ -434,6 +449,7 @@ TEST(bundle, behaves_like_a_map_with_a_memory_of_positions) {
       }
     }
     expect_same(b, m);
+    EXPECT_TRUE(before == read_bundle(read));
     bundle copy(b);
     expect_same(copy, m);
     const xvar* const first = b.empty() ? nullptr : &b[0]->second;
@@ -459,19 +475,22 @@ TEST(bundle, behaves_like_a_map_with_a_memory_of_positions) {
 
 TEST(bundle, may_be_made_and_destroyed_by_different_threads) {
   std::vector<bundle> made(8);
-  const bundle shared = {{L"a shared key", L"a text that takes a block"}, {L"list", list{1, 2, 3}}};
+  bundle shared = {{L"a shared key", L"a text that takes a block"}, {L"list", list{1, 2, 3}}};
+  shared[L"read"] = read_bundle(5);
   for (int round = 0; round < 20; ++round) {
     std::vector<std::thread> threads;
     for (std::size_t n = 0; n < made.size(); ++n) {
       threads.emplace_back([&made, &shared, n] {
         made[n] = shared;
+        made[n][L"own"] = read_bundle(static_cast<int>(n));
+        made[n].hack_bundle_on(L"read").erase(L"k1");
         for (int i = 0; i < 100; ++i)
           made[n][L"key number " + std::to_wstring(i)] = L"another text that takes a block";
       });
     }
     for (std::thread& thread : threads) thread.join();
     std::rotate(made.begin(), made.begin() + 1, made.end());  // the next round frees what another thread made
-    for (const bundle& b : made) ASSERT_EQ(b.size(), 102U);
+    for (const bundle& b : made) ASSERT_EQ(b.size(), 104U);
   }
   EXPECT_EQ(made[0].get_string(L"a shared key"), L"a text that takes a block");
 }
