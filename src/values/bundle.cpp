@@ -104,7 +104,7 @@ bundle::operator xvar() const& { return bundle(*this); }
 
 bundle::operator xvar() && {
   xvar made;
-  cell::set_box(made, kind::bundle, std::move(*this));
+  cell::set_box<bundle>(made, std::move(*this));
   return made;
 }
 

@@ -13,7 +13,6 @@
 #include <string_view>
 
 #include "base/simd.hpp"
-#include "memory/block_cache.hpp"
 
 namespace ruvo::detail {
 
@@ -142,29 +141,28 @@ bundle_store* bundle_store::like_large(const bundle_store& other) {
   return store;
 }
 
-bundle_store::~bundle_store() {
-  if (is_shaped()) {
-    for (std::size_t n = 0; n < size_; ++n) entries()[n].second.~xvar();  // the keys are the shape's
-    shape_->release();
-    return;
-  }
-  for (std::size_t n = 0; n < size_; ++n) order_[n]->~entry();
-  while (own_->blocks) {
-    block* const gone = own_->blocks;
-    own_->blocks = gone->next;
-    if (gone->bytes) give_block(gone, gone->bytes);
-  }
-  if (static_cast<void*>(own_) == this + 1) {
-    own_->~own_keys();
-  } else {
-    unmake(own_);
-  }
+void bundle_store::drop(bundle_store* store) noexcept {
+  struct {
+    static void before(xvar&) noexcept {}
+    static void release(const key_shape& shape) noexcept { shape.release(); }
+  } taker;
+  if (store) drop(store, taker);
 }
 
-void bundle_store::drop(bundle_store* store) noexcept {
-  if (!store) return;
-  const std::size_t bytes = store->is_shaped() ? shaped_bytes(store->size_) : store->own_->bytes;
-  store->~bundle_store();
+/// With keys of its own, and without entries.
+void bundle_store::drop_own(bundle_store* store) noexcept {
+  own_keys* const own = store->own_;
+  const std::size_t bytes = own->bytes;
+  while (own->blocks) {
+    block* const gone = own->blocks;
+    own->blocks = gone->next;
+    if (gone->bytes) give_block(gone, gone->bytes);
+  }
+  if (static_cast<void*>(own) == store + 1) {
+    own->~own_keys();
+  } else {
+    unmake(own);
+  }
   give_block(store, bytes);
 }
 
@@ -393,33 +391,37 @@ void bundle_store::erase(entry* item) {
 }
 
 bundle::entry* bundle_store::step(const entry* item, std::size_t& rank, bool forward) const noexcept {
-  if (is_large()) {
-    large_order& large = *own_->large;
-    large_order::place at = large_order::place::of(rank);
-    if (!item) {
-      at = {large.leaves.size() - 1, large.leaves.back().size()};
-    } else if (large.at(at) != item) {
-      at = large.lower_bound(item->first);
-    }
-    if (forward) {
-      if (++at.at >= large.leaves[at.leaf].size()) at = {at.leaf + 1, 0};
-    } else if (at.at > 0) {
-      --at.at;
-    } else {
-      if (at.leaf == 0) return nullptr;
-      --at.leaf;
-      at.at = large.leaves[at.leaf].size() - 1;
-    }
-    rank = at.rank();
-    return large.at(at);
-  }
+  if (is_large()) return step_in_leaves(item, rank, forward);
+  const std::uint8_t* const all = ranks();
   if (!item) {
     rank = size_;
-  } else if (rank >= size_ || nth(ranks()[rank]) != item) {
+  } else if (rank >= size_ || nth(all[rank]) != item) {
     rank = rank_of(item->first);
   }
   rank += forward ? 1 : std::size_t{0} - 1;
-  return rank < size_ ? nth(ranks()[rank]) : nullptr;
+  return rank < size_ ? nth(all[rank]) : nullptr;
+}
+
+bundle::entry* bundle_store::step_in_leaves(const entry* item, std::size_t& rank,
+                                            bool forward) const noexcept {
+  const large_order& large = *own_->large;
+  large_order::place at = large_order::place::of(rank);
+  if (!item) {
+    at = {large.leaves.size() - 1, large.leaves.back().size()};
+  } else if (large.at(at) != item) {
+    at = large.lower_bound(item->first);
+  }
+  if (forward) {
+    if (++at.at >= large.leaves[at.leaf].size()) at = {at.leaf + 1, 0};
+  } else if (at.at > 0) {
+    --at.at;
+  } else {
+    if (at.leaf == 0) return nullptr;
+    --at.leaf;
+    at.at = large.leaves[at.leaf].size() - 1;
+  }
+  rank = at.rank();
+  return large.at(at);
 }
 
 }  // namespace ruvo::detail

@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "base/limits.hpp"
+#include "memory/block_cache.hpp"
 #include "memory/key_shape.hpp"
 #include "values/entry_index.hpp"
 #include "values/folded_key.hpp"
@@ -40,6 +41,10 @@ class bundle_store {
   /// share of the shape that the caller has to take for it.
   static bundle_store* of_shape(const key_shape& shape, xvar* values);
   static void drop(bundle_store* store) noexcept;
+  /// The same for one that is not null. `taker` is given each value, before() it is destroyed, the last one
+  /// first, and then a share of a shape that it has to release().
+  template <class Taker>
+  static void drop(bundle_store* store, Taker& taker) noexcept;
   /// The same entries in a store without spare room, in other places; `store` is used up unless this throws.
   static bundle_store* fitted(bundle_store* store);
 
@@ -124,7 +129,8 @@ class bundle_store {
   explicit bundle_store(const key_shape& shape) noexcept
       : size_(static_cast<std::uint32_t>(shape.size())), capacity_(size_), shape_(&shape) {}
   explicit bundle_store(own_keys* own) noexcept : own_(own) {}
-  ~bundle_store();
+  ~bundle_store() = default;
+  static void drop_own(bundle_store* store) noexcept;
 
   bool is_shaped() const noexcept { return !order_; }
   bool is_large() const noexcept { return capacity_ > small_limit; }
@@ -147,6 +153,7 @@ class bundle_store {
   static entry* entries_of(block* in) noexcept { return reinterpret_cast<entry*>(in + 1); }
   entry* find_in_arrays(const key_view& key) const noexcept;
   std::size_t rank_of(std::wstring_view key) const noexcept;
+  entry* step_in_leaves(const entry* item, std::size_t& rank, bool forward) const noexcept;
   void insert_in_arrays(entry* item, std::uint32_t hash) noexcept;
   void erase_from_arrays(const entry* item) noexcept;
   void use_arrays(void* memory, std::size_t capacity) noexcept;
@@ -168,6 +175,25 @@ class bundle_store {
     own_keys* own_;
   };
 };
+
+template <class Taker>
+void bundle_store::drop(bundle_store* store, Taker& taker) noexcept {
+  if (!store->is_shaped()) {
+    for (std::size_t n = store->size_; n-- > 0;) {
+      taker.before(store->order_[n]->second);
+      store->order_[n]->~entry();
+    }
+    return drop_own(store);
+  }
+  entry* const first = store->entries();
+  for (entry* gone = first + store->size_; gone != first;) {
+    --gone;
+    taker.before(gone->second);
+    gone->second.~xvar();  // and not the entry: the share of the key is the shape's
+  }
+  taker.release(*store->shape_);
+  give_block(store, shaped_bytes(store->size_));
+}
 
 /// The library's own access to the store of a bundle.
 struct bundle_access {

@@ -13,6 +13,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "memory/block_cache.hpp"
@@ -95,10 +96,11 @@ struct cell {
   static void set_pointer(var& v, kind kind, T* owned) noexcept {
     v.set(kind, static_cast<long long>(reinterpret_cast<std::intptr_t>(owned)));
   }
-  template <class T>
-  static T& set_box(var& v, kind kind, T value) {
-    T* const box = make<T>(std::move(value));
-    set_pointer(v, kind, box);
+  /// A container, made of the arguments.
+  template <class T, class... Args>
+  static T& set_box(var& v, Args&&... args) {
+    T* const box = make<T>(static_cast<Args&&>(args)...);
+    set_pointer(v, std::is_same_v<T, list> ? kind::list : kind::bundle, box);
     return *box;
   }
   static void set_integer(var& v, kind kind, long long value) noexcept { v.set(kind, value); }

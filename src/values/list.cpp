@@ -55,7 +55,7 @@ list::operator xvar() const& { return list(*this); }
 
 list::operator xvar() && {
   xvar made;
-  cell::set_box(made, kind::list, std::move(*this));
+  cell::set_box<list>(made, std::move(*this));
   return made;
 }
 

@@ -45,8 +45,15 @@ class reaper {
   void take_elements(Elements& in) noexcept {
     for (auto at = in.end(); at != in.begin();) take_all(*--at);
   }
-  void take_members(const bundle_store& in) noexcept {
-    for (std::size_t n = in.size(); n-- > 0;) take_all(in.nth(n)->second);
+  /// With the store.
+  void take_members(bundle_store* in) noexcept { bundle_store::drop(in, *this); }
+
+  // As bundle_store::drop() calls it.
+  void before(xvar& value) noexcept { take_all(value); }
+  void release(const key_shape& shape) noexcept {
+    if (shape_ != &shape) settle();
+    shape_ = &shape;
+    ++shares_;
   }
 
   void run() noexcept {
@@ -60,10 +67,11 @@ class reaper {
       } else {
         auto* const gone = reinterpret_cast<dying_bundle*>(first);
         chain_ = gone->next;
-        drop(gone->store);
+        if (gone->store) take_members(gone->store);
         unmake(gone);
       }
     }
+    settle();
   }
 
  private:
@@ -82,13 +90,8 @@ class reaper {
   template <class Dying, class T, class Inside>
   void push(T* container, std::uintptr_t what, Inside inside) noexcept {
     static_assert(sizeof(Dying) == sizeof(T) && alignof(Dying) == alignof(T));
-    container->T::~T();  // by name: without a virtual call
+    // Not destroyed, as it has nothing any more: that would be a call.
     chain_ = reinterpret_cast<std::uintptr_t>(new (container) Dying{chain_, std::move(inside)}) + what;
-  }
-  void drop(bundle_store* store) noexcept {
-    if (!store) return;
-    take_members(*store);
-    bundle_store::drop(store);
   }
   void take_all(xvar& v) noexcept {
     if (auto* const qualities = cell::qualities(v)) {
@@ -97,7 +100,15 @@ class reaper {
     take(v);
   }
 
+  void settle() noexcept {
+    if (shape_) shape_->release(shares_);
+    shape_ = nullptr;
+    shares_ = 0;
+  }
+
   std::uintptr_t chain_ = 0;
+  const key_shape* shape_ = nullptr;  // of the bundles that went last; one atomic step for all of them
+  std::uint64_t shares_ = 0;
 };
 
 /// Where the copies of a container's values go.
@@ -123,9 +134,9 @@ class copier : public visitor {
       case kind::object:
         return cell::set_pointer(to, kind::object, cell::pointer<object>(from)->clone());
       case kind::list:
-        return copy(cell::set_box(to, kind::list, list()), cell::as_list(from));
+        return copy(cell::set_box<list>(to), cell::as_list(from));
       case kind::bundle:
-        return copy(cell::set_box(to, kind::bundle, bundle()), bundle_access::store(cell::as_bundle(from)));
+        return copy(cell::set_box<bundle>(to), bundle_access::store(cell::as_bundle(from)));
       default:
         to = from;  // held inside the cell
     }
@@ -238,9 +249,8 @@ bool may_hold(const bundle& whole, std::wstring_view text) { return text_search(
 void drop_store(bundle_store* store) noexcept {
   const release_of_many release;
   reaper work;
-  work.take_members(*store);
+  work.take_members(store);
   work.run();
-  bundle_store::drop(store);
 }
 
 void drop_elements(list& in) noexcept {

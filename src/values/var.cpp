@@ -67,7 +67,7 @@ template <class T>
 T& on_container(var& v, kind k) {
   if (cell::kind_of(v) != k) {
     var made;
-    cell::set_box(made, k, T());
+    cell::set_box<T>(made);
     v = std::move(made);
   }
   return *cell::pointer<T>(v);

@@ -98,8 +98,13 @@ void json_builder::open(bool is_object) {
 
 void json_builder::close() {
   frame& f = frames_.top();
+  const bool all_moved = !f.store;  // else some may be dropped
   xvar made = f.is_object ? made_object(f) : made_list(f);
-  values_.drop_to(f.first_value);
+  if (all_moved) {
+    values_.forget_to(f.first_value);
+  } else {
+    values_.drop_to(f.first_value);
+  }
   frames_.pop();
   --depth_;
   if (depth_ > 0) next_ = frames_.top().next;
@@ -111,7 +116,7 @@ xvar json_builder::made_list(const frame& f) {
   const std::size_t size = values_.size() - f.first_value;
   account(sizeof(list) + size * sizeof(xvar));
   xvar made;
-  list& inside = cell::set_box(made, kind::list, list());
+  list& inside = cell::set_box<list>(made);
   if (size > 0) {
     xvar* const first = values_.at(f.first_value);
     list::vector values(std::make_move_iterator(first), std::make_move_iterator(first + size));
@@ -125,7 +130,7 @@ xvar json_builder::made_object(frame& f) {
   const std::size_t each = sizeof(entry) + (f.store ? sizeof(entry*) + sizeof(std::uint32_t) + 1 : 0);
   account(sizeof(bundle) + (size > 0 ? sizeof(bundle_store) : 0) + size * each);
   xvar made;
-  bundle& inside = cell::set_box(made, kind::bundle, bundle());
+  bundle& inside = cell::set_box<bundle>(made);
   if (size > 0) bundle_access::set(inside, store_of(f, size));
   return made;
 }

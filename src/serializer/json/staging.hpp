@@ -82,6 +82,8 @@ class value_stack {
   void drop_to(std::size_t size) noexcept {
     while (end_ != first_ + size) (--end_)->xvar::~xvar();  // by name: without a virtual call
   }
+  /// The same where they were moved from, and so own nothing.
+  void forget_to(std::size_t size) noexcept { end_ = first_ + size; }
   void grow();
 
  private:

@@ -82,7 +82,7 @@ void put_scalar(text_sink& out, const xvar& value, bool escaped, bool null_as_em
 class lent_bundle {
  public:
   explicit lent_bundle(const bundle& in) {
-    bundle_access::set(cell::set_box(value_, kind::bundle, bundle()), bundle_access::store(in));
+    bundle_access::set(cell::set_box<bundle>(value_), bundle_access::store(in));
   }
   lent_bundle(const lent_bundle&) = delete;
   lent_bundle& operator=(const lent_bundle&) = delete;

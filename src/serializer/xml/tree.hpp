@@ -181,7 +181,7 @@ class xml_tree {
       add_item(made, detail::key_view(*detail::bundle_store::key_of(&child)));
     });
     var whole;
-    list& items = detail::cell::set_box(whole, detail::kind::list, std::move(made));
+    list& items = detail::cell::set_box<list>(whole, std::move(made));
     // From here on nothing can fail, and nothing is lost.
     auto item = items.begin();
     each_of(children, [&](bundle::entry& child) {
