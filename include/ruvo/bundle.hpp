@@ -38,7 +38,8 @@ struct bundle_access;
 /// and its like, and by no path.
 ///
 /// References to entries stay valid until the entry is erased or the bundle is assigned or destroyed; moves
-/// keep them. Look-up and insertion take logarithmic time, erase linear time.
+/// keep them. Look-up and insertion take logarithmic time, erase linear time. The first erase from a bundle
+/// that a reader made takes memory, as an insertion does, and changes nothing where that throws.
 class KESTA_API bundle {
  public:
   /// A folded key and its value; to be used like a std::pair.

@@ -83,7 +83,7 @@ void bundle_store::large_order::erase(const entry* item) noexcept {
 bundle_store* bundle_store::make(std::size_t capacity) {
   require_places(capacity, limits::entries);
   std::unique_ptr<large_order> large;
-  if (capacity > small_limit) large = make_large(capacity);
+  if (capacity > small_limit) large = empty_large(capacity);
   const std::size_t bytes = sizeof(bundle_store) + sizeof(own_keys) + sizeof(block) +
                             capacity * sizeof(entry) + arrays_bytes(capacity);
   auto* const at = static_cast<bundle_store*>(take_block(bytes));
@@ -179,7 +179,7 @@ void bundle_store::use_arrays(void* memory, std::size_t capacity) noexcept {
 }
 
 /// Without entries, and with positions for `capacity`.
-std::unique_ptr<bundle_store::large_order> bundle_store::make_large(std::size_t capacity) {
+std::unique_ptr<bundle_store::large_order> bundle_store::empty_large(std::size_t capacity) {
   auto large = std::make_unique<large_order>();
   large->order.reserve(capacity);
   large->leaves.emplace_back();
@@ -187,8 +187,8 @@ std::unique_ptr<bundle_store::large_order> bundle_store::make_large(std::size_t 
 }
 
 /// The same with the entries of the arrays.
-std::unique_ptr<bundle_store::large_order> bundle_store::made_large(std::size_t capacity) const {
-  auto large = make_large(capacity);
+std::unique_ptr<bundle_store::large_order> bundle_store::large_of_arrays(std::size_t capacity) const {
+  auto large = empty_large(capacity);
   large->order.assign(order_, order_ + size_);
   for (std::size_t rank = 0; rank < size_; ++rank) large->leaves.front().push_back(order_[own_ranks()[rank]]);
   large->index.reserve(size_, large->order);
@@ -241,10 +241,11 @@ void bundle_store::grow(std::size_t more) {
   const std::size_t capacity = capacity_ + more;
   std::unique_ptr<large_order> large;
   if (is_large()) {
-    own_->large->order.reserve(capacity);
-    order_ = own_->large->order.data();
+    auto& order = own_->large->order;
+    if (capacity > order.capacity()) order.reserve(std::max(capacity, 2 * order.capacity()));
+    order_ = order.data();
   } else if (capacity > small_limit) {
-    large = made_large(capacity);
+    large = large_of_arrays(capacity);
   }
   const std::size_t bytes = sizeof(block) + more * sizeof(entry) + arrays_bytes(capacity);
   block*& newest = own_->blocks;
@@ -392,14 +393,9 @@ void bundle_store::erase(entry* item) {
 
 bundle::entry* bundle_store::step(const entry* item, std::size_t& rank, bool forward) const noexcept {
   if (is_large()) return step_in_leaves(item, rank, forward);
-  const std::uint8_t* const all = ranks();
-  if (!item) {
-    rank = size_;
-  } else if (rank >= size_ || nth(all[rank]) != item) {
-    rank = rank_of(item->first);
-  }
-  rank += forward ? 1 : std::size_t{0} - 1;
-  return rank < size_ ? nth(all[rank]) : nullptr;
+  if (rank < size_ && nth(ranks()[rank]) == item) return step_in_arrays(rank, forward);
+  rank = item ? rank_of(item->first) : size_;
+  return step_in_arrays(rank, forward);
 }
 
 bundle::entry* bundle_store::step_in_leaves(const entry* item, std::size_t& rank,

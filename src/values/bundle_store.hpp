@@ -153,13 +153,17 @@ class bundle_store {
   static entry* entries_of(block* in) noexcept { return reinterpret_cast<entry*>(in + 1); }
   entry* find_in_arrays(const key_view& key) const noexcept;
   std::size_t rank_of(std::wstring_view key) const noexcept;
+  entry* step_in_arrays(std::size_t& rank, bool forward) const noexcept {
+    rank += forward ? 1 : std::size_t{0} - 1;
+    return rank < size_ ? nth(ranks()[rank]) : nullptr;
+  }
   entry* step_in_leaves(const entry* item, std::size_t& rank, bool forward) const noexcept;
   void insert_in_arrays(entry* item, std::uint32_t hash) noexcept;
   void erase_from_arrays(const entry* item) noexcept;
   void use_arrays(void* memory, std::size_t capacity) noexcept;
   static bundle_store* like_large(const bundle_store& other);
-  static std::unique_ptr<large_order> make_large(std::size_t capacity);
-  std::unique_ptr<large_order> made_large(std::size_t capacity) const;
+  static std::unique_ptr<large_order> empty_large(std::size_t capacity);
+  std::unique_ptr<large_order> large_of_arrays(std::size_t capacity) const;
   void use_large(std::unique_ptr<large_order> large, std::size_t capacity) noexcept;
   void leave_shape(std::size_t more);
   void make_room(std::size_t more);

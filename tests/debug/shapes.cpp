@@ -60,7 +60,7 @@ int main(int count, char**) {
   order.hack_string_on(L"texto") = L"cadena";
   order[L"alfa"];
   ruvo::bundle read;
-  ruvo::serializer::read_standard_json(read, L"{\"b\":1,\"a\":2}");
+  [[maybe_unused]] const bool failed = ruvo::serializer::read_standard_json(read, L"{\"b\":1,\"a\":2}");
   const ruvo::bundle nobody, hundreds = large_bundle();
   [[maybe_unused]] const ruvo::bundle::const_iterator behind = order.end(), first = order.begin();
   const ruvo::xvar boxed = order;
