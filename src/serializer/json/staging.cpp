@@ -38,6 +38,17 @@ class name_way {
 
 }  // namespace
 
+known_names::known_names(detail::name_tree detail::thread_cache::*kept) {
+#ifdef KESTA_PLAIN_HEAP  // for checkers that must see whoever uses keys too long
+  static_cast<void>(kept);
+  tree_ = &own_.emplace();
+#else
+  detail::thread_cache* const cache = detail::thread_cache::local();
+  tree_ = cache ? &(cache->*kept) : &own_.emplace();
+  if (tree_->is_full()) tree_->clear();
+#endif
+}
+
 detail::name_branch json_builder::nothing_known;
 
 void value_stack::grow() {

@@ -39,16 +39,7 @@ struct name_twice {
 /// The names that the calling thread met, in texts that write them alike; its own where it can keep none.
 class known_names {
  public:
-  explicit known_names(detail::name_tree detail::thread_cache::*kept) {
-#ifdef KESTA_PLAIN_HEAP  // for checkers that must see whoever uses keys too long
-    static_cast<void>(kept);
-    tree_ = &own_.emplace();
-#else
-    detail::thread_cache* const cache = detail::thread_cache::local();
-    tree_ = cache ? &(cache->*kept) : &own_.emplace();
-    if (tree_->is_full()) tree_->clear();
-#endif
-  }
+  explicit known_names(detail::name_tree detail::thread_cache::*kept);
   known_names(const known_names&) = delete;
   known_names& operator=(const known_names&) = delete;
 
