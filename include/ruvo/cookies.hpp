@@ -35,12 +35,12 @@ enum class same_site : std::int32_t { unsaid, lax, strict, none };
 
 /// What one "Set-Cookie" says. Instants are seconds since 1970-01-01 00:00:00 UTC.
 struct cookie {
-  std::wstring name;                 ///< Case counts.
-  std::wstring value;                ///< As it stands; quotation marks around it belong to it.
-  std::wstring domain;               ///< In lower case, without a "." before it; empty for the very host.
-  std::wstring path;                 ///< Empty where none, or none with a "/" before it, is said.
-  std::optional<long long> expires;  ///< When it ends; without it and max_age with the session.
-  std::optional<long long> max_age;  ///< In how many seconds; counts more than `expires`.
+  std::wstring name{};                 ///< Case counts.
+  std::wstring value{};                ///< As it stands; quotation marks around it belong to it.
+  std::wstring domain{};               ///< In lower case, without a "." before it; empty for the very host.
+  std::wstring path{};                 ///< Empty where none, or none with a "/" before it, is said.
+  std::optional<long long> expires{};  ///< When it ends; without it and max_age with the session.
+  std::optional<long long> max_age{};  ///< In how many seconds; counts more than `expires`.
   same_site site = same_site::unsaid;
   bool secure = false;     ///< Over https alone.
   bool http_only = false;  ///< Not for scripts of a page.
@@ -71,7 +71,7 @@ KESTA_API bool write_cookies(std::wstring& out, const fields& in, exception& err
 
 /// A cookie that is kept.
 struct kept_cookie {
-  cookie what;                       ///< Its domain is the host's own where it said none.
+  cookie what{};                     ///< Its domain is the host's own where it said none.
   bool host_only = true;             ///< Whether it is sent to that very host alone.
   long long created = 0;             ///< Kept when it is replaced.
   long long used = 0;                ///< When it was last taken or sent.

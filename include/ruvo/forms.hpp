@@ -29,8 +29,8 @@ inline constexpr wchar_t form_type[] = L"application/x-www-form-urlencoded";
 
 /// A name and its value; both may be any text, and empty.
 struct field {
-  std::wstring name;   ///< As it is spelled.
-  std::wstring value;  ///< Decoded.
+  std::wstring name{};   ///< As it is spelled.
+  std::wstring value{};  ///< Decoded.
 
   /// Whether both are the same.
   bool operator==(const field& other) const = default;
@@ -109,12 +109,12 @@ KESTA_API bool read_form(fields& out, std::string_view bytes, exception& err,
 
 /// A field of such a form: a text, or a file with its name and type.
 struct form_part {
-  std::wstring name;    ///< Of the field; exact, may repeat.
-  std::string content;  ///< Bytes; of a text field its UTF-8.
+  std::wstring name{};    ///< Of the field; exact, may repeat.
+  std::string content{};  ///< Bytes; of a text field its UTF-8.
   std::wstring
       filename;  ///< Of a file. What was read has no path: only what stands behind the last "/" or "\".
-  std::wstring content_type;  ///< "image/png"; empty of text fields.
-  bool is_file = false;       ///< Whether a file name is said, an empty one too (a file that was not chosen).
+  std::wstring content_type{};  ///< "image/png"; empty of text fields.
+  bool is_file = false;  ///< Whether a file name is said, an empty one too (a file that was not chosen).
 
   /// Whether all of it is the same.
   bool operator==(const form_part& other) const = default;

@@ -33,8 +33,8 @@ KESTA_API bool is_field_value(std::wstring_view value) noexcept;
 
 /// A value and its parameters, `text/html; charset=utf-8; q=0.5`.
 struct header_value {
-  std::wstring value;  ///< What stands before the first ";", quotation marks and all.
-  fields parameters;   ///< Decoded, in their order. Names ignore case and come once.
+  std::wstring value{};  ///< What stands before the first ";", quotation marks and all.
+  fields parameters{};   ///< Decoded, in their order. Names ignore case and come once.
 
   /// The first parameter whose name differs in the case of A-Z at most, otherwise `fallback`.
   KESTA_API std::wstring get(const std::wstring& name, const std::wstring& fallback = {}) const;

@@ -121,7 +121,7 @@ std::wstring stored_text(const bundle& in, const wchar_t* key) {
   const xvar* const value = in.get_ptr(key);
   if (!value || !value->is_charsquence()) refuse(key);
   std::wstring text = *value;
-  if (!wire::is_field_value(text) || text.find(L';') != text.npos) refuse(key);
+  if (!wire::is_field_value(text)) refuse(key);
   return text;
 }
 
@@ -144,7 +144,8 @@ kept_cookie cookie_of(const bundle& in) {
   what.value = stored_text(in, L"value");
   what.domain = stored_text(in, L"domain");
   what.path = stored_text(in, L"path");
-  if (what.name.empty() || what.name.find(L'=') != what.name.npos) refuse(L"name");
+  if (what.name.empty() || what.name.find_first_of(L"=;") != what.name.npos) refuse(L"name");
+  if (what.value.find(L';') != what.value.npos) refuse(L"value");
   if (what.domain.empty()) refuse(L"domain");
   if (!what.path.starts_with(L'/')) refuse(L"path");
   made.host_only = stored_truth(in, L"host_only");
