@@ -106,7 +106,7 @@ url address_in(std::wstring_view text) {
 
 // --- bundles
 
-bundle bundle_of(const kept_cookie& kept) {
+bundle stored_form(const kept_cookie& kept) {
   const cookie& what = kept.what;
   bundle made{{L"name", what.name},           {L"value", what.value},
               {L"domain", what.domain},       {L"path", what.path},
@@ -275,7 +275,7 @@ void cookie_jar::clear() noexcept { all_.clear(); }
 cookie_jar::operator bundle() const {
   bundle made;
   list& all = made.hack_list_on(L"cookies");
-  for (const kept_cookie& each : all_) all.push_back(bundle_of(each));
+  for (const kept_cookie& each : all_) all.push_back(stored_form(each));
   return made;
 }
 

@@ -53,7 +53,7 @@ bool append_quoted_name(std::string& out, std::wstring_view name) {
   return true;
 }
 
-std::string new_boundary() {
+std::string boundary_stem() {
   constexpr std::size_t longest = 40;
   std::string made = "----form";
   for (const wchar_t c : services::new_uuid())
@@ -64,7 +64,7 @@ std::string new_boundary() {
 /// One that stands in no part; where the context gives the same identifier again and again, a counter makes
 /// the difference.
 std::string free_boundary(const std::vector<form_part>& parts) {
-  const std::string stem = new_boundary();
+  const std::string stem = boundary_stem();
   std::string made = stem;
   const auto stands_in = [&](const form_part& part) {
     return texto::basic_finder<char>(made).find(part.content, 0) != std::string::npos;

@@ -39,7 +39,7 @@ bool is_scheme(std::wstring_view text) noexcept {
          std::all_of(text.begin(), text.end(), [](wchar_t c) { return scheme_set.has(c); });
 }
 
-std::wstring in_lower_case(std::wstring_view text) {
+std::wstring lowered_part(std::wstring_view text) {
   std::wstring made(text);
   std::transform(made.begin(), made.end(), made.begin(), texto::to_lower);
   return made;
@@ -72,13 +72,13 @@ std::size_t first_wrong(std::wstring_view text, const wire::ascii_set& stay) noe
 }
 
 /// The part with what is beyond ASCII encoded.
-std::wstring encoded(std::wstring_view text, const wire::ascii_set& stay) {
+std::wstring encoded_part(std::wstring_view text, const wire::ascii_set& stay) {
   std::wstring made;
   wire::append_percent(made, text, stay.with("%"));
   return made;
 }
 
-std::wstring decoded(std::wstring_view text) {
+std::wstring decoded_text(std::wstring_view text) {
   std::wstring made;
   const wire::percent_faults faults = wire::percent_text(made, text);
   if (!faults.good()) refuse_at(faults.first());
@@ -93,7 +93,7 @@ struct url_reader {
   std::wstring checked(std::wstring_view part, const wire::ascii_set& stay) const {
     const std::size_t wrong = first_wrong(part, stay);
     if (wrong != part.npos) refuse_at(offset(part) + wrong);
-    return encoded(part, stay);
+    return encoded_part(part, stay);
   }
   std::size_t offset(std::wstring_view part) const noexcept {
     return static_cast<std::size_t>(part.data() - whole.data());
@@ -171,7 +171,7 @@ bool url::read(std::wstring_view text, exception& err) {
     const std::size_t colon = rest.find_first_of(L":/");
     if (colon != rest.npos && rest[colon] == L':') {
       if (!is_scheme(rest.substr(0, colon))) refuse_at(0);
-      made.scheme_ = in_lower_case(rest.substr(0, colon));
+      made.scheme_ = lowered_part(rest.substr(0, colon));
       rest.remove_prefix(colon + 1);
     }
     if (rest.starts_with(L"//")) {
@@ -199,7 +199,7 @@ void url::read_authority(std::wstring_view whole, std::wstring_view authority) {
   if (!port.empty() && port.front() != L':') refuse_at(in.offset(port));
   const std::size_t wrong = wrong_in_host(name);
   if (wrong != name.npos) refuse_at(in.offset(name) + wrong);
-  host_ = in_lower_case(name);
+  host_ = lowered_part(name);
   if (!port.empty()) port_ = read_port(in, port.substr(1));
 }
 
@@ -233,10 +233,11 @@ int url::get_port() const noexcept {
   return 0;
 }
 
-std::wstring url::get_user() const { return decoded(user_info_.substr(0, user_info_.find(L':'))); }
+std::wstring url::get_user() const { return decoded_text(user_info_.substr(0, user_info_.find(L':'))); }
 std::wstring url::get_password() const {
   const std::size_t colon = user_info_.find(L':');
-  return colon == user_info_.npos ? std::wstring() : decoded(std::wstring_view(user_info_).substr(colon + 1));
+  return colon == user_info_.npos ? std::wstring()
+                                  : decoded_text(std::wstring_view(user_info_).substr(colon + 1));
 }
 
 std::vector<std::wstring> url::get_segments() const {
@@ -246,7 +247,7 @@ std::vector<std::wstring> url::get_segments() const {
   if (rest.empty()) return segments;
   for (;;) {
     const std::size_t end = std::min(rest.find(L'/'), rest.size());
-    segments.push_back(decoded(rest.substr(0, end)));
+    segments.push_back(decoded_text(rest.substr(0, end)));
     if (end == rest.size()) return segments;
     rest.remove_prefix(end + 1);
   }
@@ -263,13 +264,13 @@ bool url::is_secure() const noexcept { return scheme_ == L"https" || scheme_ == 
 
 url& url::set_scheme(const std::wstring& scheme) {
   if (!is_scheme(scheme)) refuse(L"scheme");
-  scheme_ = in_lower_case(scheme);
+  scheme_ = lowered_part(scheme);
   return *this;
 }
 
 url& url::set_host(const std::wstring& host) {
   const bool is_bare = host.find(L':') != host.npos && !host.starts_with(L'[');
-  const std::wstring name = in_lower_case(is_bare ? L"[" + host + L"]" : host);
+  const std::wstring name = lowered_part(is_bare ? L"[" + host + L"]" : host);
   if (wrong_in_host(name) != name.npos || (!path_.empty() && path_.front() != L'/')) refuse(L"host");
   host_ = name;
   has_authority_ = true;
@@ -307,7 +308,7 @@ url& url::set_segments(const std::vector<std::wstring>& segments) {
 url& url::set_path(const std::wstring& path) {
   const bool is_rooted = path.empty() || path.front() == L'/';
   if (first_wrong(path, path_set) != path.npos || (has_authority_ && !is_rooted)) refuse(L"path");
-  path_ = encoded(path, path_set);
+  path_ = encoded_part(path, path_set);
   return *this;
 }
 
@@ -318,7 +319,7 @@ url& url::set_query(const fields& query) {
 }
 url& url::set_query(const std::wstring& query) {
   if (first_wrong(query, query_set) != query.npos) refuse(L"query");
-  query_ = encoded(query, query_set);
+  query_ = encoded_part(query, query_set);
   has_query_ = true;
   return *this;
 }
