@@ -131,11 +131,13 @@ void convert(bench::table& table, const std::string& script, const std::wstring&
   compare(
       table, "UTF-8 to UTF-16", script, characters_of(wide), [&] { return texto::to_utf_16(narrow); },
       peer{"system", wanted.to_utf_16, [&] { return bench::system_to_utf_16(narrow); }},
-      peer{"wstring_convert", wanted.to_standard, [&] { return converter.from_bytes(narrow); }});
+      peer{"wstring_convert", wanted.to_standard, [&] { return converter.from_bytes(narrow); }},
+      peer{"a copy of it", 0, [&] { return std::wstring(wide); }});
   compare(
       table, "UTF-16 to UTF-8", script, characters_of(wide), [&] { return texto::to_utf_8(wide); },
       peer{"system", wanted.to_utf_8, [&] { return bench::system_to_utf_8(wide); }},
-      peer{"wstring_convert", wanted.to_standard, [&] { return converter.to_bytes(wide); }});
+      peer{"wstring_convert", wanted.to_standard, [&] { return converter.to_bytes(wide); }},
+      peer{"a copy of it", 0, [&] { return std::string(narrow); }});
 }
 
 /// Into a text that is there already, and large enough.
