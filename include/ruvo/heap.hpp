@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: BSL-1.0
 #pragma once
 
-// Whether a program and kesta.dll may release each other's memory, as they do: texts and lists grow on one
-// side and go on the other. A program with an `operator new` of its own (an allocator library, a leak
-// checker) may break that without a word; docs/ABI.md has the details.
+// What the library does with memory: whether a program and kesta.dll may release each other's, as they do,
+// since texts and lists grow on one side and go on the other, and what is kept of large documents. A program
+// with an `operator new` of its own (an allocator library, a leak checker) may break the first without a word;
+// docs/ABI.md has the details.
 //
 //   if (!ruvo::abi::shares_heap()) return 1;  // early in main()
 
@@ -36,3 +37,13 @@ inline bool shares_heap() noexcept {
 #endif
 
 }  // namespace ruvo::abi
+
+namespace ruvo {
+
+/// Gives back to the system what the library keeps of documents that are gone; the number of bytes. The
+/// values of documents of 32,000 characters or more lie in memory that is kept for the next ones: 64 MB of it
+/// for good, and beyond that as much as was in use at once, up to 512 MB, until eight documents have needed
+/// less. So a program that has read a large one and reads no more calls this. Any thread.
+KESTA_API std::size_t give_back_memory() noexcept;
+
+}  // namespace ruvo

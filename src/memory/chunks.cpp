@@ -4,6 +4,8 @@
 
 #include "memory/chunks.hpp"
 
+#include <ruvo/heap.hpp>
+
 #include <algorithm>
 #include <bit>
 #include <cstddef>
@@ -49,17 +51,27 @@ class chunk_stock {
   }
 
   /// New memory costs as much as reading into it. So 64 MB are kept for good, and as much as was in use at
-  /// the most until `patience` documents have come and gone with less: from then on what these needed.
+  /// the most, up to `most_kept`, until `patience` documents have come and gone with less: from then on what
+  /// these needed.
   void count_document() noexcept {
     const auto lock = locked();
     if (!lock || recent_ <= most_spares) return;
     if (documents_ == 0) peak_ = used_;
     if (documents_++ < patience) return;
-    documents_ = 0;
-    recent_ = peak_;
-    chunk_region::keeps_more.store(recent_ > most_spares, std::memory_order_relaxed);
+    keep(peak_);
     for (std::size_t n = spans; n-- > 0 && has_too_many();)
       if (spare_[n] == whole) decommit_span(n);
+  }
+
+  /// All that can be given back now; the number of bytes.
+  std::size_t give_back() noexcept {
+    const auto lock = locked();
+    if (!lock) return 0;
+    const std::size_t before = spares_;
+    keep(used_);
+    for (std::size_t n = spans; n-- > 0 && spares_ > 0;)
+      if (spare_[n] == whole) decommit_span(n);
+    return (before - spares_) * chunk::bytes;
   }
 
   /// The library is being unloaded: the addresses are released with the last chunk.
@@ -83,6 +95,7 @@ class chunk_stock {
   static constexpr mask whole = 0xFFFF;
   static constexpr std::size_t spans = chunk_region::addresses / span_bytes, word_bits = 64;
   static constexpr std::size_t most_spares = (std::size_t{64} << 20) / chunk::bytes;
+  static constexpr std::size_t most_kept = (std::size_t{512} << 20) / chunk::bytes;
   using bits = std::uint64_t[spans / word_bits];
   static constexpr unsigned patience = 8;
 
@@ -139,9 +152,12 @@ class chunk_stock {
 
   void note_peak() noexcept {
     peak_ = used_;
-    if (peak_ < recent_) return;
-    recent_ = peak_;
+    if (peak_ >= recent_) keep(peak_);
+  }
+
+  void keep(std::size_t chunks) noexcept {
     documents_ = 0;
+    recent_ = std::min(chunks, most_kept);
     chunk_region::keeps_more.store(recent_ > most_spares, std::memory_order_relaxed);
   }
 
@@ -159,7 +175,7 @@ class chunk_stock {
   bits spans_with_spares_ = {}, spans_without_memory_ = {};
   std::size_t first_spare_ = 0, first_without_memory_ = 0;  // no word before them has a bit
   std::size_t spares_ = 0, used_ = 0;
-  // The most that was used since documents are counted, and by the largest document that counts.
+  // The most that was used since documents are counted, and what is kept for the largest one that counts.
   std::size_t peak_ = 0, recent_ = 0;
   unsigned documents_ = 0;  // since that one
   bool is_refused_ = false, is_closing_ = false;
@@ -219,3 +235,9 @@ void chunk_line::rewind() noexcept {
 }
 
 }  // namespace ruvo::detail
+
+namespace ruvo {
+
+std::size_t give_back_memory() noexcept { return detail::stock().give_back(); }
+
+}  // namespace ruvo

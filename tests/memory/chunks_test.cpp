@@ -4,6 +4,8 @@
 
 #include "memory/chunks.hpp"
 
+#include <ruvo/heap.hpp>
+
 #include <algorithm>
 #include <cstddef>
 #include <vector>
@@ -36,7 +38,8 @@ TEST(chunks, large_documents_leave_memory_for_eight_others) {
   } else {
     GTEST_SKIP() << "no addresses here";
   }
-  const std::size_t large = 200 * megabyte, medium = 100 * megabyte, kept = 64 * megabyte;
+  const std::size_t large = 200 * megabyte, medium = 100 * megabyte, kept = 64 * megabyte,
+                    most = 512 * megabyte;
   const auto after = [](int documents, std::size_t each) {
     for (; documents > 0; --documents) {
       chunk_region::begin_document();
@@ -51,4 +54,8 @@ TEST(chunks, large_documents_leave_memory_for_eight_others) {
   EXPECT_EQ(known_of(large), medium);
   after(9, 0);
   EXPECT_EQ(known_of(large), kept);
+  known_of(most + medium);
+  EXPECT_EQ(known_of(most + medium), most);
+  EXPECT_EQ(ruvo::give_back_memory(), most * chunk::bytes);
+  EXPECT_EQ(known_of(large), 0u);
 }
