@@ -295,24 +295,36 @@ void bundle_store::give_place(void* place) noexcept {
 
 // --- the arrays of a small store
 
-bundle::entry* bundle_store::find_in_arrays(const key_view& key) const noexcept {
-  const std::uint32_t* const all = hashes();
+namespace {
+
+/// Where the entry with the key stands among those with these hashes, of which `nth` gives the n-th; or null.
+template <class Nth>
+bundle::entry* find_among(const std::uint32_t* hashes, std::size_t size, const key_view& key, Nth nth) {
   std::size_t n = 0;
 #ifdef KESTA_X64
   const __m128i wanted = _mm_set1_epi32(static_cast<int>(key.hash));
-  for (; n + 4 <= size_; n += 4) {
-    const __m128i four = texto::load_16(all + n);
+  for (; n + 4 <= size; n += 4) {
+    const __m128i four = texto::load_16(hashes + n);
     for (int hits = _mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32(four, wanted))); hits != 0;
          hits &= hits - 1) {
-      entry* const item = nth(n + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(hits))));
+      bundle::entry* const item =
+          nth(n + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(hits))));
       if (same_text(item->first, key.text)) return item;
     }
   }
 #endif
-  for (; n < size_; ++n) {
-    if (all[n] == key.hash && same_text(nth(n)->first, key.text)) return nth(n);
+  for (; n < size; ++n) {
+    if (hashes[n] == key.hash && same_text(nth(n)->first, key.text)) return nth(n);
   }
   return nullptr;
+}
+
+}  // namespace
+
+bundle::entry* bundle_store::find_in_arrays(const key_view& key) const noexcept {
+  if (is_shaped())
+    return find_among(shape_->hashes(), size_, key, [all = entries()](std::size_t n) { return all + n; });
+  return find_among(own_hashes(), size_, key, [all = order_](std::size_t n) { return all[n]; });
 }
 
 std::size_t bundle_store::rank_of(std::wstring_view key) const noexcept {

@@ -139,10 +139,9 @@ class bundle_store {
   }
   /// Where a store with a shape has its entries.
   entry* entries() const noexcept { return reinterpret_cast<entry*>(const_cast<bundle_store*>(this) + 1); }
-  // Of a store that is not large.
-  const std::uint32_t* hashes() const noexcept { return order_ ? own_hashes() : shape_->hashes(); }
+  /// Of a store that is not large.
   const std::uint8_t* ranks() const noexcept { return order_ ? own_ranks() : shape_->ranks(size_); }
-  // The same where it has keys of its own.
+  // The arrays of a store that has keys of its own and is not large.
   std::uint32_t* own_hashes() const noexcept { return reinterpret_cast<std::uint32_t*>(order_ + capacity_); }
   std::uint8_t* own_ranks() const noexcept {
     return reinterpret_cast<std::uint8_t*>(own_hashes() + capacity_);
