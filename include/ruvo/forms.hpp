@@ -111,8 +111,8 @@ KESTA_API bool read_form(fields& out, std::string_view bytes, exception& err,
 struct form_part {
   std::wstring name{};    ///< Of the field; exact, may repeat.
   std::string content{};  ///< Bytes; of a text field its UTF-8.
-  std::wstring
-      filename;  ///< Of a file. What was read has no path: only what stands behind the last "/" or "\".
+  /// Of a file. What was read has no path: only what stands behind the last "/" or "\".
+  std::wstring filename{};
   std::wstring content_type{};  ///< "image/png"; empty of text fields.
   bool is_file = false;  ///< Whether a file name is said, an empty one too (a file that was not chosen).
 

@@ -210,7 +210,9 @@ TEST(cookie_jar, has_limits) {
   cookie_jar jar;
   for (int n = 0; n < 51; ++n) {
     taken(jar, L"http://x.es/", L"c" + std::to_wstring(n) + L"=1", now + n);
-    if (n == 49) EXPECT_EQ(sent(jar, L"http://x.es/", now + 49).substr(0, 5), L"c0=1;");
+    if (n == 49) {
+      EXPECT_EQ(sent(jar, L"http://x.es/", now + 49).substr(0, 5), L"c0=1;");
+    }
     if (n == 49) taken(jar, L"http://x.es/", L"c0=2", now + 50);  // used last
   }
   EXPECT_EQ(jar.size(), 50u);

@@ -30,7 +30,9 @@ std::wstring shown_form(const std::wstring& text, const ruvo::http::form_options
   const std::string bytes = ruvo::texto::to_utf_8(text);
   EXPECT_EQ(ruvo::http::read_form(of_bytes, std::string_view(bytes), other, options), is_read);
   EXPECT_EQ(of_bytes, all);
-  if (!is_read) EXPECT_EQ(all, (ruvo::http::fields{{L"old", L"1"}}));
+  if (!is_read) {
+    EXPECT_EQ(all, (ruvo::http::fields{{L"old", L"1"}}));
+  }
   if (!is_read) return shown_failure(failure);
   std::wstring out;
   for (const auto& [name, value] : all) out.append(out.empty() ? L"" : L"|").append(name + L"=" + value);

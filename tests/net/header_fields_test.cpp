@@ -28,7 +28,9 @@ std::wstring shown_header(const std::wstring& text) {
   header_value read{.value = L"old", .parameters = {}};
   exception failure;
   const bool is_read = ruvo::http::read_header(read, text, failure);
-  if (!is_read) EXPECT_EQ(shown_value(read), L"old");
+  if (!is_read) {
+    EXPECT_EQ(shown_value(read), L"old");
+  }
   return is_read ? shown_value(read) : shown_failure(failure);
 }
 
@@ -191,7 +193,9 @@ TEST(http_check, finds_what_breaks_the_wire) {
     request[name] = answer[name] = value;
     EXPECT_EQ(ruvo::http::check(request, failure), is_good) << name << L": " << value;
     EXPECT_EQ(ruvo::http::check(answer, failure), is_good);
-    if (!is_good) EXPECT_EQ(shown_failure(failure), L"BadArgument " + name);
+    if (!is_good) {
+      EXPECT_EQ(shown_failure(failure), L"BadArgument " + name);
+    }
   }
   for (const wchar_t* url : {L"http://h/ HTTP/1.1\r\nX: y", L"/a b", L"/\x7F", L"/ñ"}) {
     EXPECT_FALSE(ruvo::http::check(ruvo::http::request(url, L""), failure));
