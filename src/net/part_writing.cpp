@@ -196,18 +196,23 @@ class message_writer {
     }
   }
 
+  /// A file's name stands here once more, for mailers that look nowhere else.
   void put_type(const part& each, const std::string& boundary) {
+    const part_data& made = part_access::of(each);
+    const wire::parameter* file_name = wire::find_parameter(made.disposition_parameters, L"filename");
+    if (file_name && file_name->value.empty()) file_name = nullptr;
     parameter_words words(each.get_type());
-    for (const wire::parameter& parameter : part_access::of(each).type_parameters)
-      if (!wire::is_same_name(parameter.name, L"name") && !wire::is_same_name(parameter.name, L"boundary"))
+    for (const wire::parameter& parameter : made.type_parameters) {
+      const bool is_name = file_name && wire::is_same_name(parameter.name, L"name");
+      if (!is_name && !wire::is_same_name(parameter.name, L"boundary"))
         words.put(parameter.name, parameter.value);
+    }
     if (!boundary.empty()) words.put(L"boundary", texto::to_utf_16(boundary));
-    const std::wstring name = each.get_filename();
     constexpr std::size_t longest_plain = 60;
-    if (!name.empty() && wire::is_plain_text(name) && name.size() <= longest_plain) {
-      words.put(L"name", name);
-    } else if (!name.empty()) {
-      words.put_encoded_name(name);
+    if (file_name && wire::is_plain_text(file_name->value) && file_name->value.size() <= longest_plain) {
+      words.put(L"name", file_name->value);
+    } else if (file_name) {
+      words.put_encoded_name(file_name->value);
     }
     words.write(buffer_, type_field);
   }
