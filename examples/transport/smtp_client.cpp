@@ -7,8 +7,10 @@
 #include <ruvo/ruvo.hpp>
 
 #include <algorithm>
+#include <charconv>
 #include <exception>
 #include <sstream>
+#include <system_error>
 
 namespace transport {
 
@@ -42,10 +44,33 @@ std::string host_of(const mailbox& account) {
 }
 
 unsigned short port_of(const mailbox& account) {
-  const std::wstring& host = account.get_host();
-  const std::size_t colon = host.find(L':');
-  return static_cast<unsigned short>(colon == host.npos ? account.get_port()
-                                                        : std::stoul(host.substr(colon + 1)));
+  const std::string host = to_utf_8(account.get_host());
+  const std::size_t colon = host.find(':');
+  if (colon == host.npos) return static_cast<unsigned short>(account.get_port());
+  unsigned short port = 0;
+  const char* const end = host.data() + host.size();
+  const auto read = std::from_chars(host.data() + colon + 1, end, port);
+  if (read.ec != std::errc() || read.ptr != end || port == 0) fail(L"no port behind the host");
+  return port;
+}
+
+/// What stands between "<>": nothing that could end it, and beyond ASCII only with SMTPUTF8.
+std::string path_of(const address& who, bool utf8) {
+  const std::string mail = to_utf_8(who.get_mail());
+  const auto fits = [utf8](char c) {
+    const auto code = static_cast<unsigned char>(c);
+    return code > ' ' && c != '<' && c != '>' && code != 127 && (utf8 || code < 128);
+  };
+  if (!std::all_of(mail.begin(), mail.end(), fits)) throw ruvo::exc::BadArgument(who.get_mail());
+  return "<" + mail + ">";
+}
+
+/// Whether each CR has its LF, and each LF its CR: what some servers take for the end of a line, others do
+/// not.
+bool has_whole_lines(std::string_view message) {
+  for (std::size_t at = 0; (at = message.find_first_of("\r\n", at)) != message.npos; at += 2)
+    if (message.substr(at, 2) != "\r\n") return false;
+  return true;
 }
 
 /// Ends lines that begin with "." as the other side expects it, across pieces.
@@ -158,6 +183,7 @@ response mail_session::send(const email& message) {
 response mail_session::send(const ruvo::smtp::envelope& to, std::string_view message) {
   return guarded([&](response& outcome) {
     content what;
+    if (!has_whole_lines(message)) fail(L"a line of the message does not end with CRLF");
     if (std::any_of(message.begin(), message.end(),
                     [](char c) { return static_cast<unsigned char>(c) > 127; })) {
       if (!offers("8BITMIME")) fail(L"the server takes ASCII only");
@@ -169,11 +195,11 @@ response mail_session::send(const ruvo::smtp::envelope& to, std::string_view mes
 }
 
 void mail_session::deliver(const ruvo::smtp::envelope& to, const content& what, response& outcome) {
-  broken_ = true;
+  const bool utf8 = what.parameters.ends_with("SMTPUTF8");
+  std::vector<std::string> commands = {"MAIL FROM:" + path_of(to.sender, utf8) + what.parameters};
+  for (const address& each : to.recipients) commands.push_back("RCPT TO:" + path_of(each, utf8));
   for (const address& each : to.left_out) outcome.push(each, ruvo::exc::BadArgument(each.get_mail()));
-  std::vector<std::string> commands = {"MAIL FROM:<" + to_utf_8(to.sender.get_mail()) + ">" +
-                                       what.parameters};
-  for (const address& each : to.recipients) commands.push_back("RCPT TO:<" + to_utf_8(each.get_mail()) + ">");
+  broken_ = true;
   const std::vector<reply> replies = ask_all(commands);
 
   std::vector<address> accepted;
@@ -192,7 +218,10 @@ void mail_session::deliver(const ruvo::smtp::envelope& to, const content& what, 
     reply last;
     const bool taken = send_content(what, last);
     for (const address& each : accepted) taken ? outcome.push(each) : outcome.push(each, failure_of(last));
-    if (!taken) outcome.set_exception(failure_of(last));
+    if (!taken) {
+      outcome.set_exception(failure_of(last));
+      demand(250, ask("RSET"));
+    }
   }
   broken_ = false;
 }
@@ -227,8 +256,9 @@ mail_session::reply mail_session::receive() {
   reply got;
   for (bool more = true; more;) {
     const std::string line = in_->line(longest_line);
-    const bool number = line.size() >= 3 && std::all_of(line.begin(), line.begin() + 3,
-                                                        [](char c) { return c >= '0' && c <= '9'; });
+    const bool number =
+        line.size() >= 3 && line[0] >= '2' && line[0] <= '5' &&
+        std::all_of(line.begin(), line.begin() + 3, [](char c) { return c >= '0' && c <= '9'; });
     more = line.size() > 3 && line[3] == '-';
     if (!number || (line.size() > 3 && !more && line[3] != ' ') || got.lines.size() == most_lines)
       fail(L"that is no mail server");

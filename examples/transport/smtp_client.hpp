@@ -41,7 +41,8 @@ class mail_session {
   /// failure when nobody got the message; after a failure on the way the session cannot be used any more.
   /// Recipients and fields beyond ASCII need a server with SMTPUTF8.
   ruvo::smtp::response send(const ruvo::smtp::email& message);
-  /// Sends bytes that are a message already, as they are; bytes beyond ASCII need a server with 8BITMIME.
+  /// Sends bytes that are a message already, as they are: lines that end with CRLF. Bytes beyond ASCII need a
+  /// server with 8BITMIME.
   ruvo::smtp::response send(const ruvo::smtp::envelope& to, std::string_view message);
 
   /// Takes leave; a session that ends without just hangs up.

@@ -93,7 +93,9 @@ class tcp_stream : public stream {
   explicit tcp_stream(const patience& wait) : wait_(wait), end_(clock::now() + wait.whole) {}
   ~tcp_stream() override { close(); }
 
-  /// The error of the system, 0 for success.
+  static constexpr int silent = -1;
+
+  /// The error of the system, 0 for success, or `silent`.
   int try_to_connect(const addrinfo& to) {
     close();
     socket_ = ::socket(to.ai_family, to.ai_socktype, to.ai_protocol);
@@ -102,7 +104,7 @@ class tcp_stream : public stream {
     wait_never(socket_);
     if (::connect(socket_, to.ai_addr, static_cast<socklen_t>(to.ai_addrlen)) == 0) return 0;
     if (!would_wait(last_error())) return last_error();
-    wait_for(true);
+    if (!waited(true)) return silent;
     int error = 0;
     socklen_t size = sizeof error;
     getsockopt(socket_, SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&error), &size);
@@ -138,14 +140,14 @@ class tcp_stream : public stream {
   void wait_after(const wchar_t* what, bool to_send) {
     const int error = last_error();
     if (!would_wait(error)) fail(what, error);
-    wait_for(to_send);
+    if (!waited(to_send)) throw ruvo::exc::RunTime(L"the other side is silent");
   }
 
-  void wait_for(bool to_send) {
+  /// False when the time is over.
+  bool waited(bool to_send) {
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end_ - clock::now());
     const auto time = std::min(left, wait_.silence);
-    if (time.count() <= 0 || !is_ready(socket_, to_send, static_cast<long>(time.count())))
-      throw ruvo::exc::RunTime(L"the other side is silent");
+    return time.count() > 0 && is_ready(socket_, to_send, static_cast<long>(time.count()));
   }
 
   handle socket_{};
@@ -169,6 +171,7 @@ std::unique_ptr<stream> connect(const std::string& host, unsigned short port, co
     error = made->try_to_connect(*each);
     if (!error) return made;
   }
+  // What the last of several addresses failed at.
   fail(L"no connection to " + ruvo::texto::to_utf_16(host) + L":" + std::to_wstring(port), error);
 }
 

@@ -52,7 +52,8 @@ class tls_stream : public stream {
     try {
       shake_hands();
       check_certificate(pin);
-      QueryContextAttributesW(&context_, SECPKG_ATTR_STREAM_SIZES, &sizes_);
+      const SECURITY_STATUS known = QueryContextAttributesW(&context_, SECPKG_ATTR_STREAM_SIZES, &sizes_);
+      if (known != SEC_E_OK) fail(L"no size of records", static_cast<unsigned long>(known));
     } catch (...) {
       release();
       throw;

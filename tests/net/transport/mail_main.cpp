@@ -76,6 +76,11 @@ bundle meet(const place& server, const std::string& name, const std::wstring& to
     const response second = mails.send({address(L"", L"jose@ruvo.es"), {address(L"", L"ana@ejemplo.es")}, {}},
                                        "Subject: a\r\n\r\n.\r\n..\r\n\xC3\xB1");
     values[L"second"] = second.get_exception().get_mensaje();
+    // Neither does anything, nor harms the session.
+    const ruvo::smtp::envelope odd = {
+        address(L"", L"jose@ruvo.es> SIZE=1"), {address(L"", L"ana@ejemplo.es")}, {}};
+    values[L"odd"] = mails.send(odd, "").get_exception().get_mensaje() + L"|" +
+                     mails.send({}, "a\n.\nb").get_exception().get_mensaje();
   } catch (const ruvo::exception& error) {
     values[L"thrown"] = error.get_mensaje();
   }

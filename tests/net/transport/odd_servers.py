@@ -165,6 +165,8 @@ def check_all(check, met, with_tls):
         **dict.fromkeys(["cut", "cutdata"], "the session broke before"),
         **dict.fromkeys(["slow", "helo", "late", "none", "login", "loginold", *(["tls"] if with_tls else [])],
                         "the server takes ASCII only")})
+    check("odd messages", met["piped"]["odd"],
+          "Argumento incorrecto: jose@ruvo.es> SIZE=1|a line of the message does not end with CRLF")
     check_seen(check)
 
 
