@@ -204,6 +204,7 @@ void append_attribute(std::wstring& out, std::wstring_view name, std::wstring_vi
 std::wstring set_cookie_of(const cookie& in) {
   std::wstring out;
   append_cookie(out, in.name, in.value);
+  if (in.domain.starts_with(L'.')) refuse(L"Domain");  // readers take one off
   append_attribute(out, L"Domain", in.domain);
   if (!in.path.empty() && in.path.front() != L'/') refuse(L"Path");
   append_attribute(out, L"Path", in.path);

@@ -93,6 +93,7 @@ TEST(cookies, set_cookie_written) {
       {L"a", {.name = L"a", .value = L"ñ"}},
       {L"a", {.name = L"a", .value = L"b\r\n"}},
       {L"Domain", {.name = L"a", .domain = L"x;y"}},
+      {L"Domain", {.name = L"a", .domain = L".x.es"}},
       {L"Path", {.name = L"a", .path = L"x"}},
       {L"Path", {.name = L"a", .path = L"/\n"}},
       {L"Expires", {.name = L"a", .expires = 1LL << 60}},
