@@ -100,10 +100,10 @@ class address_reader {
   }
 
   void end_entry() {
-    std::wstring name = wire::decode_words(wire::trimmed_value(name_));
-    if (mail_.empty() && name.find(L'@') != name.npos) {
-      mail_ = std::exchange(name, wire::decode_words(comment_));
-    }
+    const std::wstring_view text = wire::trimmed_value(name_);
+    const bool is_bare = mail_.empty() && text.find(L'@') != text.npos;
+    if (is_bare) mail_ = text;
+    const std::wstring name = wire::decode_words(is_bare ? comment_ : text);
     if (!mail_.empty()) all_.emplace_back(name, mail_);
     name_.clear();
     mail_.clear();
