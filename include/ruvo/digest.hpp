@@ -41,6 +41,7 @@ class KESTA_API bytes {
   bytes(const std::wstring&) = delete;
   bytes(const wchar_t*) = delete;
 
+  /// The bytes, not ended by a zero, and how many they are.
   const unsigned char* data() const noexcept { return static_cast<const unsigned char*>(data_); }
   std::size_t size() const noexcept { return size_; }
 
@@ -53,6 +54,7 @@ class KESTA_API bytes {
 /// themselves. What it keeps of the bytes is wiped at its end.
 class KESTA_API hash {
  public:
+  /// Of no bytes yet.
   explicit hash(algorithm kind = algorithm::sha256) noexcept;
   hash(const hash& other) noexcept;
   hash& operator=(const hash& other) noexcept;
@@ -80,6 +82,7 @@ class KESTA_API hash {
 /// An HMAC under way, as hash. The key may have any length; it is not kept, and what was made of it is wiped.
 class KESTA_API hmac {
  public:
+  /// Of no bytes yet.
   hmac(algorithm kind, const bytes& key) noexcept;
   hmac(const hmac& other) noexcept;
   hmac& operator=(const hmac& other) noexcept;

@@ -26,7 +26,7 @@ class KESTA_API secret {
  public:
   secret() noexcept;                          ///< Empty.
   explicit secret(const std::wstring& text);  ///< Its UTF-8.
-  explicit secret(std::string_view bytes);
+  explicit secret(std::string_view bytes);    ///< The bytes as they are.
   secret(const secret& other);
   secret(secret&& other) noexcept;
   secret& operator=(const secret& other);
@@ -74,6 +74,7 @@ KESTA_API stamp new_stamp();
 /// empty where they must not be, or hold control characters.
 class KESTA_API signer {
  public:
+  /// Nothing is checked before something is signed.
   explicit signer(const std::wstring& consumer_key, const secret& consumer_secret,
                   method how = method::hmac_sha1);
   signer(const signer& other);
