@@ -3,8 +3,8 @@
 
 // What the library does with memory: whether a program and kesta.dll may release each other's, as they do,
 // since texts and lists grow on one side and go on the other, and what is kept of large documents. A program
-// with an `operator new` of its own (an allocator library, a leak checker) may break the first without a word;
-// docs/ABI.md has the details.
+// with an `operator new` of its own (an allocator library, a leak checker) may break the first without a
+// word; docs/ABI.md has the details.
 //
 //   if (!ruvo::abi::shares_heap()) return 1;  // early in main()
 

@@ -217,12 +217,12 @@ class KESTA_API email {
   void serialize_headers(std::wostringstream& out) const;
   /// Reads such a block, "Subject: " and the message's own fields in any order and case of their names; other
   /// fields are skipped, folded lines (RFC 5322) unfolded, and control characters but TAB, a lone CR among
-  /// them, become blanks. A date may have the obsolete forms of RFC 5322 (years of two digits, comments, "GMT",
-  /// "EST"), but no zone whose name says nothing. What stands in "<>" in "From:" and "Sender:" need be no valid
-  /// mail. It ends behind the first empty line. A list replaces the
-  /// recipients of its role; fields that are missing or empty stay as they are, but for empty lists, "From:",
-  /// "Sender:" and "Subject:". Throws exc::BadArgument (raw 0xEBB8000F) with the line that is no field, or
-  /// whose date or address cannot be read; the message is unchanged then.
+  /// them, become blanks. A date may have the obsolete forms of RFC 5322 (years of two digits, comments,
+  /// "GMT", "EST"), but no zone whose name says nothing. What stands in "<>" in "From:" and "Sender:" need be
+  /// no valid mail. It ends behind the first empty line. A list replaces the recipients of its role; fields
+  /// that are missing or empty stay as they are, but for empty lists, "From:", "Sender:" and "Subject:".
+  /// Throws exc::BadArgument (raw 0xEBB8000F) with the line that is no field, or whose date or address cannot
+  /// be read; the message is unchanged then.
   void deserialize_headers(const std::wstring& block);
   /// The same; the stream is left behind the empty line, where the body begins.
   void deserialize_headers(std::wistream& in);
