@@ -41,9 +41,9 @@ struct cookie {
   std::wstring path{};                 ///< Empty where none, or none with a "/" before it, is said.
   std::optional<long long> expires{};  ///< When it ends; without it and max_age with the session.
   std::optional<long long> max_age{};  ///< In how many seconds; counts more than `expires`.
-  same_site site = same_site::unsaid;
-  bool secure = false;     ///< Over https alone.
-  bool http_only = false;  ///< Not for scripts of a page.
+  same_site site = same_site::unsaid;  ///< Kept; whom it keeps from whom is the transport's to see.
+  bool secure = false;                 ///< Over https alone.
+  bool http_only = false;              ///< Not for scripts of a page.
 
   /// Whether all of it is the same.
   bool operator==(const cookie& other) const = default;
@@ -119,8 +119,9 @@ class KESTA_API cookie_jar {
   std::size_t erase(const std::wstring& domain);
   void clear() noexcept;
 
+  /// Of the cookies, those whose time has come included until expire().
   std::size_t size() const noexcept { return all_.size(); }
-  bool empty() const noexcept { return all_.empty(); }
+  bool empty() const noexcept { return all_.empty(); }  ///< Whether there are none.
   /// In the order of their creation; valid until the jar is changed or destroyed.
   const std::vector<kept_cookie>& get_cookies() const noexcept { return all_; }
 

@@ -44,6 +44,7 @@ class KESTA_API fields {
   using value_type = field;
 
   fields() noexcept;
+  /// In the order of the list; names may repeat.
   fields(std::initializer_list<field> all);
   fields(const fields& other);
   fields(fields&& other) noexcept;
@@ -68,10 +69,12 @@ class KESTA_API fields {
   /// How many fields have the name.
   std::size_t count(const std::wstring& name) const noexcept;
 
+  /// Each field counts, also of a name that repeats.
   std::size_t size() const noexcept { return all_.size(); }
-  bool empty() const noexcept { return all_.empty(); }
+  bool empty() const noexcept { return all_.empty(); }  ///< Whether there are none.
+  /// The fields in their order; valid until they are changed or destroyed.
   const_iterator begin() const noexcept { return all_.begin(); }
-  const_iterator end() const noexcept { return all_.end(); }
+  const_iterator end() const noexcept { return all_.end(); }  ///< Behind the last one.
   /// The n-th field from 0; throws exc::MissingElement beyond the last.
   const field& operator[](std::size_t n) const;
 

@@ -67,13 +67,16 @@ class KESTA_API url {
   /// The query as a form's fields. Throws exc::BadFormat as read_form().
   fields get_query_fields() const;
 
-  bool has_authority() const noexcept { return has_authority_; }
-  bool has_port() const noexcept { return port_ >= 0; }
-  bool has_query() const noexcept { return has_query_; }
-  bool has_fragment() const noexcept { return has_fragment_; }
+  bool has_authority() const noexcept {
+    return has_authority_;
+  }                                                             ///< Also where the host is empty: "file:///".
+  bool has_port() const noexcept { return port_ >= 0; }         ///< Whether one is written.
+  bool has_query() const noexcept { return has_query_; }        ///< Also an empty one.
+  bool has_fragment() const noexcept { return has_fragment_; }  ///< Also an empty one.
   /// Whether the scheme is https or wss.
   bool is_secure() const noexcept;
 
+  /// A letter and then letters, digits and "+-."; in lower case from here on.
   url& set_scheme(const std::wstring& scheme);
   /// A name or an address; one of IPv6 with or without "[]". Empty leaves an empty host: "file:///".
   url& set_host(const std::wstring& host);
