@@ -21,7 +21,8 @@ namespace {
 std::wstring outline(const part& from) {
   std::wstring text = from.get_type() + L"|" + from.get_parameter(L"charset") + L"|" + from.get_filename();
   text += L"|" + from.get_header(L"Content-Disposition");
-  for (const auto& [name, value] : from.get_headers()) text += L"|" + name + L"=" + value;
+  for (const auto& [name, value] : from.get_headers())
+    text.append(L"|").append(name).append(L"=").append(value);
   for (const unsigned char byte : from.get_bytes()) text.push_back(static_cast<wchar_t>(byte));
   for (const part& child : from.get_parts()) text += L"{" + outline(child) + L"}";
   return text;

@@ -119,7 +119,7 @@ void mail_session::greet() {
     std::string name, word;
     words >> name;
     extensions_.insert(name);
-    while (words >> word) extensions_.insert(name + " " + word);
+    while (words >> word) extensions_.insert(std::string(name).append(" ").append(word));
   }
 }
 

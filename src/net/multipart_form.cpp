@@ -264,7 +264,7 @@ std::string boundary_in(std::wstring_view content_type) {
                        wire::read_parameters(all, content_type, at, wire::parameter_reading::lenient);
   const wire::parameter* const boundary = is_form ? wire::find_parameter(all, L"boundary") : nullptr;
   if (!boundary) refuse(type_field);
-  const std::string bytes = texto::to_utf_8(std::wstring_view(boundary->value));
+  std::string bytes = texto::to_utf_8(std::wstring_view(boundary->value));
   if (bytes.empty() || bytes.size() > longest_boundary) refuse(type_field);
   return bytes;
 }

@@ -23,7 +23,6 @@ using ruvo::smtp::envelope;
 using ruvo::smtp::received;
 namespace mime = ruvo::mime;
 namespace smtp = ruvo::smtp;
-namespace texto = ruvo::texto;
 
 email letter() {
   email message(address(L"Núñez, José", L"jose@ruvo.es"), L"Año nuevo", L"Hola", L"Pepe");
