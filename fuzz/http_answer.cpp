@@ -34,7 +34,7 @@ std::string outcome(std::string_view bytes, std::size_t piece, bool to_head) {
     FUZZ_CHECK(!name.empty() &&
                (name + value).find_first_of(std::string_view("\r\n\0", 3)) == std::string::npos);
     head += name.size() + value.size();
-    out += '|' + name + '=' + value;
+    out.append(1, '|').append(name).append(1, '=').append(value);
   }
   FUZZ_CHECK(read.body.size() <= most.body && head <= most.head);
   FUZZ_CHECK(!failure.empty() || (read.status >= 101 && read.status <= 999));

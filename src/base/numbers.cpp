@@ -99,7 +99,7 @@ wchar_t* print_large(wchar_t* to, double value, int decimals) noexcept {
     nines[parts++] = static_cast<std::uint32_t>(rest);
     left -= 29;
   } while (left > 0);
-  while (nines[parts - 1] == 0) --parts;
+  while (parts > 1 && nines[parts - 1] == 0) --parts;
   if (std::signbit(value)) *to++ = L'-';
   to = put_first_digits(to, nines[--parts]);
   for (; parts > 0; to += 9) put_nine_digits(to, nines[--parts]);

@@ -89,7 +89,8 @@ class reaper {
 
   template <class Dying, class T, class Inside>
   void push(T* container, std::uintptr_t what, Inside inside) noexcept {
-    static_assert(sizeof(Dying) == sizeof(T) && alignof(Dying) == alignof(T));
+    static_assert(sizeof(Dying) == sizeof(T));
+    static_assert(alignof(Dying) == alignof(T));
     // Not destroyed, as it has nothing any more: that would be a call.
     chain_ = reinterpret_cast<std::uintptr_t>(new (container) Dying{chain_, std::move(inside)}) + what;
   }

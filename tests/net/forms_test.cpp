@@ -17,7 +17,6 @@
 using ruvo::bundle;
 using ruvo::exception;
 using ruvo::list;
-using ruvo::http::field;
 using ruvo::http::form_part;
 
 namespace {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string_view>
+#include <type_traits>
 
 namespace ruvo::wire {
 
@@ -18,7 +19,7 @@ class ascii_set {
   /// Of bytes and of UTF-16 units.
   template <class Unit>
   constexpr bool has(Unit unit) const noexcept {
-    const auto code = static_cast<std::uint32_t>(unit);
+    const std::uint32_t code = static_cast<std::make_unsigned_t<Unit>>(unit);
     return code < 128 && (bits_[code / 64] >> code % 64 & 1) != 0;
   }
 

@@ -15,7 +15,6 @@ namespace ruvo::serializer {
 using detail::bundle_access;
 using detail::bundle_store;
 using detail::cell;
-using detail::kind;
 using detail::name_node;
 using detail::shared_key;
 
@@ -33,7 +32,7 @@ class name_way {
 
  private:
   const std::size_t size_;
-  const shared_key* keys_[detail::name_tree::most_depth];
+  const shared_key* keys_[detail::name_tree::most_depth] = {};
 };
 
 }  // namespace
@@ -175,17 +174,17 @@ bundle_store* json_builder::filled_store(frame& f, std::size_t size) noexcept {
 
 void json_builder::settle(json_tree& tree, bundle& outermost) {
   for (frame* f = frames_.begin(); f != frames_.end(); ++f) {
-    const frame* const inside = f + 1 != frames_.end() ? f + 1 : nullptr;
-    const std::size_t count = (inside ? inside->first_value : values_.size()) - f->first_value;
+    const bool is_last = f + 1 == frames_.end();
+    const std::size_t count = (is_last ? values_.size() : f[1].first_value) - f->first_value;
     if (f->is_object) {
       bundle& to = *tree.innermost_object(&outermost);
-      const shared_key* const name = inside ? name_behind(*f, count) : nullptr;
-      settle(*f, count, to, inside);
-      if (inside) tree.open(json_tree::member(to, detail::key_view(*name)), !inside->is_object);
+      const shared_key* const name = is_last ? nullptr : name_behind(*f, count);
+      settle(*f, count, to, !is_last);
+      if (name) tree.open(json_tree::member(to, detail::key_view(*name)), !f[1].is_object);
     } else {
       list& to = tree.innermost_list();
       settle(*f, count, to);
-      if (inside) tree.open(to.on_back(), !inside->is_object);
+      if (!is_last) tree.open(to.on_back(), !f[1].is_object);
     }
   }
   clear();
@@ -274,7 +273,7 @@ bool json_builder::take_into_tree(frame& f, const void* written, std::size_t byt
       if (node) share.hand_on();
     }
   }
-  if (node) return take_node(node);
+  if (node && take_node(node)) return true;
   leave_tree(f);
   return false;
 }
