@@ -91,7 +91,7 @@ class reaper {
   void push(T* container, std::uintptr_t what, Inside inside) noexcept {
     static_assert(sizeof(Dying) == sizeof(T));
     static_assert(alignof(Dying) == alignof(T));
-    // Not destroyed, as it has nothing any more: that would be a call.
+    container->T::~T();  // also an empty vector may have something, as those of debug libraries do
     chain_ = reinterpret_cast<std::uintptr_t>(new (container) Dying{chain_, std::move(inside)}) + what;
   }
   void take_all(xvar& v) noexcept {
