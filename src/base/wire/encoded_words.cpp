@@ -5,6 +5,7 @@
 #include "base/wire/encoded_words.hpp"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 #include "base/ascii.hpp"
@@ -100,15 +101,21 @@ class word_finder {
     const std::size_t begin = mark + 3;
     if (end_ < begin) end_ = std::min(text_.find(L"?=", begin), text_.size());
     if (end_ == text_.size()) return false;
+    if (odd_ < begin) {
+      const auto from = text_.begin() + static_cast<std::ptrdiff_t>(begin);
+      odd_ = static_cast<std::size_t>(std::find_if_not(from, text_.end(), is_printable) - text_.begin());
+    }
     // A language may stand behind the name (RFC 2231, 5).
     const std::wstring_view charset = text_.substr(name, mark - name);
     out = {charset.substr(0, charset.find(L'*')), text_.substr(begin, end_ - begin), kind == L'q', end_ + 2};
-    return is_token(out.charset) && std::all_of(out.content.begin(), out.content.end(), is_printable);
+    return is_token(out.charset) && odd_ >= end_;
   }
 
  private:
   std::wstring_view text_;
-  std::size_t end_ = 0;  // where "?=" stands first behind the last word that was asked for
+  // Behind the beginning of the last word that was asked for:
+  std::size_t end_ = 0;  // where "?=" stands first
+  std::size_t odd_ = 0;  // and a character that no word holds
 };
 
 std::string bytes_of(const encoded_word& word) {
