@@ -84,7 +84,10 @@ class parameter_words {
 
   void write(std::string& out, std::wstring_view name) const {
     field_line line(out, texto::to_utf_8(name));
-    for (const std::string& word : words_) line.put(word);
+    for (const std::string& word : words_) {
+      if (word.size() >= wire::longest_line) throw exc::BadArgument(std::wstring(name));  // beside a blank
+      line.put(word);
+    }
     line.end();
   }
 

@@ -310,6 +310,10 @@ TEST(mime, writes_nothing_where_something_is_wrong) {
       {part::bytes(binary("a\n"), L"message/rfc822"), L"message/rfc822"},
       {part::bytes(binary(std::string(999, 'a')), L"message/rfc822"), L"message/rfc822"},
       {part::attachment(L"none.pdf"), L"none.pdf"},
+      {part().set_header(long_word, L""), long_word},
+      {part().set_header(L"Content-Type", L"text/" + long_word), L"Content-Type"},
+      {part().set_parameter(long_word, L"a"), L"Content-Type"},
+      {part().set_disposition(long_word), L"Content-Disposition"},
   };
   for (const auto& [made, detail] : table) {
     std::string out = "before";

@@ -243,7 +243,7 @@ bool append_folded(std::string& out, std::string_view name, std::string_view val
   const std::size_t begin = out.size();
   out.append(name).append(":");
   std::size_t column = name.size() + 1;
-  bool good = true;
+  bool good = column <= longest_line;
   for (std::size_t at = 0; at < value.size();) {
     // Blanks, and the word behind them.
     const std::size_t word = std::min(value.find_first_not_of(" \t", at), value.size());
