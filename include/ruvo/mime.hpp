@@ -183,9 +183,9 @@ KESTA_API part read(std::string_view bytes, const limits& most = {});
 // --- names and encodings
 
 /// A name that the system takes for a file, of one that came from elsewhere: only what stands behind the last
-/// separator, without control characters, with "_" for each of `<>:"|?*` and before the names of devices
-/// (CON, NUL, COM1...), without blanks and points at its end, cut to 200 units before its extension. Empty
-/// where nothing is left.
+/// separator, without control characters and those that change the direction of writing, with "_" for each of
+/// `<>:"|?*` and before the names of devices (CON, NUL, COM1...), without blanks and points at its end, cut
+/// to 200 units before its extension. Empty where nothing is left.
 KESTA_API std::wstring safe_name(const std::wstring& name);
 
 /// Decodes the encoded words (RFC 2047) of an unfolded field, as get_header() does.

@@ -354,6 +354,13 @@ bool is_device(std::wstring_view name) {
          digits.find(word[3]) != digits.npos;
 }
 
+/// What is not seen in a name but turns or breaks what is: it makes "gnp.exe" look like "exe.png".
+bool is_direction(wchar_t c) noexcept {
+  const auto code = static_cast<char16_t>(c);
+  return code == 0x061C || code == 0x200E || code == 0x200F || (code >= 0x2028 && code <= 0x202E) ||
+         (code >= 0x2066 && code <= 0x2069);
+}
+
 /// Cut to so many units before the extension, between characters.
 std::wstring shortened(std::wstring name) {
   constexpr std::size_t longest_stem = 200, longest_extension = 40;
@@ -370,7 +377,7 @@ std::wstring shortened(std::wstring name) {
 std::wstring safe_name(const std::wstring& name) {
   constexpr std::wstring_view marks = L"<>:\"|?*";
   std::wstring made(behind_separators(name));
-  std::erase_if(made, [](wchar_t c) { return !wire::is_field_unit(c) || c == L'\t'; });
+  std::erase_if(made, [](wchar_t c) { return !wire::is_field_unit(c) || c == L'\t' || is_direction(c); });
   std::replace_if(
       made.begin(), made.end(), [marks](wchar_t c) { return marks.find(c) != marks.npos; }, L'_');
   made = shortened(std::move(made));

@@ -377,6 +377,7 @@ TEST(mime, gives_names_that_are_safe_for_files) {
       {L"con .txt", L"_con .txt"},
       {L"Com\u00B9.x.y", L"_Com\u00B9.x.y"},
       {L"com", L"com"},
+      {L"a\u202Egnp.exe\u2069", L"agnp.exe"},
       {L"lpt10", L"lpt10"},
       {std::wstring(300, L'a') + L".pdf", std::wstring(200, L'a') + L".pdf"},
       {std::wstring(199, L'a') + L"\xD83D\xDE00", std::wstring(199, L'a')},
