@@ -83,7 +83,8 @@ struct kept_cookie {
 /// go first, then the one that was not used for the longest time.
 ///
 /// There is no list of public suffixes: a server of "shop.co.uk" may set cookies for "co.uk". To addresses
-/// (192.0.2.1, [2001:db8::1]) and names without a point (localhost) cookies go back from the very host alone.
+/// ([2001:db8::1], and what ends in a number: 192.0.2.1, 127.1) and names without a point (localhost) cookies
+/// go back from the very host alone.
 ///
 /// Cookies are secrets: a jar has no text form, and its bundle form is to be stored as safely as a password.
 /// No locks: one thread at a time.

@@ -17,9 +17,9 @@
 #include <utility>
 #include <vector>
 
+#include "base/ascii.hpp"
 #include "base/wire/tokens.hpp"
 #include "net/failures.hpp"
-#include "net/host_names.hpp"
 #include "values/cell.hpp"
 
 namespace ruvo::http {
@@ -29,7 +29,16 @@ namespace {
 constexpr std::size_t most_of_domain = 50, most_cookies = 3000;
 constexpr long long session = std::numeric_limits<long long>::max();
 
-bool is_address(std::wstring_view host) noexcept { return host.starts_with(L'[') || is_ipv4(host); }
+/// Whether the system takes the host for an address: also "127.1", since no name ends in a number.
+bool is_address(std::wstring_view host) noexcept {
+  if (host.starts_with(L'[')) return true;
+  if (host.ends_with(L'.')) host.remove_suffix(1);
+  const std::wstring_view last = host.substr(host.rfind(L'.') + 1);  // npos + 1 is 0
+  return last.starts_with(L"0x") || (!last.empty() && std::all_of(last.begin(), last.end(), texto::is_digit));
+}
+
+/// "localhost", and "com." too.
+bool is_single_label(std::wstring_view host) noexcept { return host.find(L'.') >= host.size() - 1; }
 
 bool is_at_or_below(std::wstring_view host, std::wstring_view domain) noexcept {
   if (host == domain) return true;
@@ -69,10 +78,10 @@ kept_cookie kept(cookie what, const url& from, long long now) {
   kept_cookie made;
   const std::wstring& host = from.get_host();
   const bool said_domain = !what.domain.empty();
-  const bool is_alone = is_address(host) || host.find(L'.') == host.npos;
+  const bool is_alone = is_address(host) || is_single_label(host);
   if (said_domain && what.domain != host && (is_alone || !is_at_or_below(host, what.domain)))
     refuse(what.name);
-  if (said_domain && what.domain.find(L'.') == what.domain.npos && !is_alone) refuse(what.name);
+  if (said_domain && is_single_label(what.domain) && !is_alone) refuse(what.name);
   if (what.secure && !from.is_secure()) refuse(what.name);
   const bool is_host_cookie = begins_with_name(what.name, L"__Host-");
   if ((is_host_cookie || begins_with_name(what.name, L"__Secure-")) && !what.secure) refuse(what.name);

@@ -13,6 +13,9 @@
 
 namespace ruvo::http {
 
+namespace {
+
+/// Four decimal numbers up to 255, without leading zeros.
 bool is_ipv4(std::wstring_view text) noexcept {
   int parts = 0;
   for (bool more = true; more; ++parts) {
@@ -29,6 +32,7 @@ bool is_ipv4(std::wstring_view text) noexcept {
   return parts == 4;
 }
 
+/// Without "[]" and without a zone.
 bool is_ipv6(std::wstring_view text) noexcept {
   constexpr int whole = 8;
   int groups = 0;
@@ -52,6 +56,8 @@ bool is_ipv6(std::wstring_view text) noexcept {
   }
   return is_short ? groups < whole : groups == whole;
 }
+
+}  // namespace
 
 std::size_t wrong_in_host(std::wstring_view host) noexcept {
   constexpr wire::ascii_set name_set = wire::unreserved_set.with("!$&'()*+,;=");

@@ -137,6 +137,8 @@ TEST(cookie_jar, takes_what_a_server_may_set) {
       {L"http://localhost/", L"a=1; Domain=localhost", L"", true},
       {L"http://192.0.2.1/", L"a=1; Domain=192.0.2.1", L"", true},
       {L"http://192.0.2.1/", L"a=1; Domain=2.1", L"", false},
+      {L"http://192.0.513/", L"a=1; Domain=0.513", L"", false},
+      {L"http://a.es./", L"a=1; Domain=es.", L"", false},
       {L"http://[2001:db8::1]:80/", L"a=1", L"", true},
       {L"https://x.es/", L"a=1; Secure", L"", true},
       {L"http://x.es/", L"a=1; Secure", L"", false},
