@@ -108,10 +108,10 @@ class KESTA_API signer {
   void sign(http::request& message, const std::wstring& verb) const;
 
   /// Whether the request's own field is one that these credentials made, as the receiver asks. False with a
-  /// failure that names what does not fit: "Authorization" for none that can be read, "oauth_consumer_key",
-  /// "oauth_token", "oauth_signature_method", "oauth_version", "oauth_timestamp" or "oauth_signature". That a
-  /// stamp is new and its time near is the caller's to see: `when` receives it. Signatures are compared in a
-  /// time that depends on their length alone.
+  /// failure that names what does not fit: "Authorization" for none that can be read or beyond 65,536 units,
+  /// "oauth_consumer_key", "oauth_token", "oauth_signature_method", "oauth_version", "oauth_timestamp" or
+  /// "oauth_signature". That a stamp is new and its time near is the caller's to see: `when` receives it.
+  /// Signatures are compared in a time that depends on their length alone.
   bool verify(const std::wstring& verb, const http::request& message, stamp& when, exception& failure) const;
 
  private:

@@ -141,6 +141,8 @@ parameter_list read_authorization(const http::request& message) {
   const auto found = message.find(L"authorization");
   if (found == message.end()) refuse(field);
   const std::wstring_view text = wire::trimmed_value(found->second);
+  constexpr std::size_t longest_field = 65536;
+  if (text.size() > longest_field) refuse(field);
   if (!wire::is_same_name(text.substr(0, scheme.size()), scheme)) refuse(field);
   parameter_list out;
   const auto skip = [text](std::size_t at) {

@@ -140,6 +140,7 @@ TEST(oauth, foreign_fields_are_not_accepted) {
       {L"OAuth " + key + plain + rest + L" more", L"Authorization"},
       {L"OAuth" + key + plain + rest, L"Authorization"},
       {L"Bearer " + key + plain + rest, L"Authorization"},
+      {L"OAuth realm=\"" + std::wstring(65536, L'r') + L"\", " + key + plain + rest, L"Authorization"},
       {L"OAuth", L"oauth_consumer_key"},
       {L"", L"Authorization"}};
   for (const auto& row : rows) {
