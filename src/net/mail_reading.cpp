@@ -14,6 +14,7 @@
 #include "base/wire/dates.hpp"
 #include "base/wire/encoded_words.hpp"
 #include "base/wire/tokens.hpp"
+#include "net/failures.hpp"
 
 namespace ruvo::smtp {
 
@@ -204,7 +205,7 @@ bool read(received& out, std::string_view bytes, exception& err, const mime::lim
 }
 
 bool save_attachments(std::vector<file>& saved, const received& message, const file& folder, exception& err) {
-  try {
+  return http::succeeds(err, [&] {
     file place(folder);
     if (!place.mkdirs()) throw exc::fileUnCreateFolder(folder);
     for (const mime::part& each : message.attachments) {
@@ -212,11 +213,7 @@ bool save_attachments(std::vector<file>& saved, const received& message, const f
       place = file(folder, name.empty() ? L"adjunto.bin" : name);
       saved.push_back(files::write(each.get_content(), place, false));
     }
-    return true;
-  } catch (const exception& failure) {
-    failure.copy_on(err);
-    return false;
-  }
+  });
 }
 
 }  // namespace ruvo::smtp

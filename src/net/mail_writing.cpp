@@ -15,6 +15,7 @@
 #include "base/wire/ascii_set.hpp"
 #include "base/wire/encoded_words.hpp"
 #include "base/wire/tokens.hpp"
+#include "net/failures.hpp"
 
 namespace ruvo::smtp {
 
@@ -146,17 +147,6 @@ mime::part content_of(const email& message) {
   return all;
 }
 
-template <class Body>
-bool is_done(exception& err, Body body) {
-  try {
-    body();
-    return true;
-  } catch (const exception& failure) {
-    failure.copy_on(err);
-    return false;
-  }
-}
-
 template <class Out>
 bool write_mail(Out& out, const email& message, exception& err, const mime::write_options& options) {
   mime::part made;
@@ -171,7 +161,7 @@ const wchar_t* field_of(email::RCTP role) noexcept {
 }  // namespace
 
 bool seal(envelope& out, const email& message, exception& err, const mime::write_options& options) {
-  return is_done(err, [&] {
+  return http::succeeds(err, [&] {
     envelope made;
     const bool has_sender = !message.get_sender().empty();
     made.sender = has_sender ? message.get_sender() : message.get_from();
@@ -187,7 +177,7 @@ bool seal(envelope& out, const email& message, exception& err, const mime::write
 }
 
 bool to_mime(mime::part& out, const email& message, exception& err, const mime::write_options& options) {
-  return is_done(err, [&] {
+  return http::succeeds(err, [&] {
     if (message.get_from().empty()) throw exc::EmptyArgument(L"From");
     mime::part made = content_of(message);
     put_fields(made, message, options);

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "base/utf.hpp"
+#include "net/failures.hpp"
 #include "net/part.hpp"
 #include "values/cell.hpp"
 
@@ -20,6 +21,7 @@ namespace ruvo::serializer {
 
 namespace {
 
+using http::refuse;
 using ruvo::mime::part;
 
 // The multiparts nest 100 deep at most, so these call themselves.
@@ -64,8 +66,6 @@ bundle bundle_of(const part& from) {
 }
 
 // --- from bundles
-
-[[noreturn]] void refuse(const std::wstring& key) { throw exc::BadArgument(key); }
 
 /// The text of an entry that is to be a scalar; empty where there is none.
 std::wstring text_of(const std::wstring& key, const xvar* value) {
@@ -135,30 +135,17 @@ part part_of(const bundle& in, std::size_t level) {
   return made;
 }
 
-/// Runs the body and copies its failure to `*err`, unless that is null; true is failure, as the interface has
-/// it.
-template <class Body>
-bool fails(exception* err, Body body) {
-  try {
-    body();
-    return false;
-  } catch (const exception& failure) {
-    failure.copy_on(err);
-    return true;
-  }
-}
-
 }  // namespace
 
 mime::mime() = default;
 mime::~mime() = default;
 
 bool mime::serialize(std::wstring& out, const bundle& in, exception* err, int) {
-  return fails(err, [&] { out = texto::to_utf_16(ruvo::mime::to_bytes(part_of(in, 0))); });
+  return http::fails(err, [&] { out = texto::to_utf_16(ruvo::mime::to_bytes(part_of(in, 0))); });
 }
 
 bool mime::deserialize(bundle& out, const std::wstring& in, exception* err, int) {
-  return fails(err, [&] {
+  return http::fails(err, [&] {
     const bundle made = bundle_of(ruvo::mime::read(texto::to_utf_8(in)));
     for (std::size_t n = 0; n < made.size(); ++n) out[made[n]->first] = made[n]->second;
   });

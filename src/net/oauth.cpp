@@ -17,6 +17,7 @@
 #include "base/wire/ascii_set.hpp"
 #include "base/wire/percent.hpp"
 #include "base/wire/tokens.hpp"
+#include "net/failures.hpp"
 #include "net/signed_request.hpp"
 #include "system/random.hpp"
 
@@ -26,18 +27,6 @@ namespace {
 
 constexpr std::wstring_view method_names[] = {L"HMAC-SHA1", L"HMAC-SHA256", L"PLAINTEXT"};
 constexpr long long ticks_per_second = 10000000;
-
-/// Runs the body and copies a failure of the library's own to `failure`; true is success.
-template <class Body>
-bool succeeds(exception& failure, Body body) {
-  try {
-    body();
-    return true;
-  } catch (const exception& error) {
-    error.copy_on(failure);
-    return false;
-  }
-}
 
 /// The bytes of a parameter that goes into a field.
 std::string checked(std::string_view name, std::wstring_view value) {
@@ -161,7 +150,7 @@ secret signer::signature_of(const std::wstring& verb, const http::request& messa
 
 bool signer::base_string(std::wstring& out, const std::wstring& verb, const http::request& message,
                          const stamp& when, exception& failure) const {
-  return succeeds(failure, [&] { out = base_string(verb, message, when); });
+  return http::succeeds(failure, [&] { out = base_string(verb, message, when); });
 }
 
 std::wstring signer::base_string(const std::wstring& verb, const http::request& message,
@@ -171,7 +160,7 @@ std::wstring signer::base_string(const std::wstring& verb, const http::request& 
 
 bool signer::authorization(std::wstring& out, const std::wstring& verb, const http::request& message,
                            const stamp& when, exception& failure) const {
-  return succeeds(failure, [&] { out = authorization(verb, message, when); });
+  return http::succeeds(failure, [&] { out = authorization(verb, message, when); });
 }
 
 std::wstring signer::authorization(const std::wstring& verb, const http::request& message,
@@ -196,7 +185,7 @@ std::wstring signer::authorization(const std::wstring& verb, const http::request
 }
 
 bool signer::sign(http::request& message, const std::wstring& verb, exception& failure) const {
-  return succeeds(failure, [&] { sign(message, verb); });
+  return http::succeeds(failure, [&] { sign(message, verb); });
 }
 
 void signer::sign(http::request& message, const std::wstring& verb) const {
@@ -217,7 +206,7 @@ void signer::expect_own(const parameters& read) const {
 
 bool signer::verify(const std::wstring& verb, const http::request& message, stamp& when,
                     exception& failure) const {
-  return succeeds(failure, [&] {
+  return http::succeeds(failure, [&] {
     parameters read = read_authorization(message);
     expect_own(read);
     const std::string time = value_in(read, "oauth_timestamp");

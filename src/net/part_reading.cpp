@@ -15,6 +15,7 @@
 #include "base/wire/tokens.hpp"
 #include "exc/classes.hpp"
 #include "exc/detail.hpp"
+#include "net/failures.hpp"
 #include "net/part.hpp"
 
 namespace ruvo::mime {
@@ -251,13 +252,7 @@ class message_reader {
 part read(std::string_view bytes, const limits& most) { return message_reader(bytes, most).read(); }
 
 bool read(part& out, std::string_view bytes, exception& err, const limits& most) {
-  try {
-    out = read(bytes, most);
-    return true;
-  } catch (const exception& failure) {
-    failure.copy_on(err);
-    return false;
-  }
+  return http::succeeds(err, [&] { out = read(bytes, most); });
 }
 
 }  // namespace ruvo::mime

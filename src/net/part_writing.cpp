@@ -17,6 +17,7 @@
 #include "base/wire/quoted_printable.hpp"
 #include "base/wire/tokens.hpp"
 #include "files/pieces.hpp"
+#include "net/failures.hpp"
 #include "net/part.hpp"
 
 namespace ruvo::mime {
@@ -324,18 +325,6 @@ class message_writer {
   std::vector<open> open_;
 };
 
-/// Runs the body; a failure of the library's own is copied to `err`. True is success.
-template <class Body>
-bool is_written(exception& err, Body body) {
-  try {
-    body();
-    return true;
-  } catch (const exception& failure) {
-    failure.copy_on(err);
-    return false;
-  }
-}
-
 void write_pieces(const piece_sink& to, const part& message, const write_options& options) {
   message_writer(to, options).write(message);
 }
@@ -370,11 +359,11 @@ std::string to_bytes(const part& message, const write_options& options) {
 }
 
 bool write(std::string& out, const part& message, exception& err, const write_options& options) {
-  return is_written(err, [&] { out = to_bytes(message, options); });
+  return http::succeeds(err, [&] { out = to_bytes(message, options); });
 }
 
 bool write(const file& to, const part& message, exception& err, const write_options& options) {
-  return is_written(err, [&] {
+  return http::succeeds(err, [&] {
     files::write_pieces(to, [&](const files::put_piece& put) {
       const piece_sink sink = [&put](std::string_view piece) {
         put(piece);
@@ -386,7 +375,7 @@ bool write(const file& to, const part& message, exception& err, const write_opti
 }
 
 bool write(const piece_sink& to, const part& message, exception& err, const write_options& options) {
-  return is_written(err, [&] { write_pieces(to, message, options); });
+  return http::succeeds(err, [&] { write_pieces(to, message, options); });
 }
 
 std::string to_quoted_printable(std::string_view text) {
