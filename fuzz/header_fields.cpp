@@ -4,6 +4,7 @@
 // the wire.
 
 #include <ruvo/header_fields.hpp>
+#include <ruvo/oauth.hpp>
 #include <ruvo/ruvo.hpp>
 
 #include <algorithm>
@@ -52,6 +53,16 @@ void check_disposition(const std::wstring& text) {
     FUZZ_CHECK(http::is_field_value(written));
 }
 
+/// The field of a signed request is accepted, or refused by name.
+void check_signed(const std::wstring& text) {
+  http::request message(L"http://a.es/", L"");
+  message[L"Authorization"] = L"OAuth " + text;
+  const ruvo::oauth::signer who(L"k", ruvo::oauth::secret(L"s"), ruvo::oauth::method::plaintext);
+  ruvo::oauth::stamp seen;
+  exception failure;
+  FUZZ_CHECK(who.verify(L"GET", message, seen, failure) || !failure.get_detail().empty());
+}
+
 void check_message(const std::wstring& text) {
   const std::size_t half = text.size() / 2;
   http::request message(L"/", L"");
@@ -72,6 +83,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   check_value(text);
   check_list(text);
   check_disposition(text);
+  check_signed(text);
   check_message(text);
   return 0;
 }
