@@ -24,7 +24,7 @@ namespace {
 /// The two digits of each number below 100.
 constexpr auto pairs = [] {
   std::array<wchar_t, 200> digits{};
-  for (std::size_t n = 0; n < digits.size(); ++n)
+  for (std::size_t n = 0; n != digits.size(); ++n)
     digits[n] = static_cast<wchar_t>(L'0' + (n % 2 == 0 ? n / 20 : n / 2 % 10));
   return digits;
 }();

@@ -152,9 +152,9 @@ percent_faults percent_text(std::wstring& out, std::string_view text, plus_sign 
 std::size_t first_not_utf_8(std::string_view bytes) {
   std::string good;  // what is malformed comes back as another character
   texto::append_utf_8(good, texto::to_utf_16(bytes));
-  const auto differ = std::mismatch(bytes.begin(), bytes.end(), good.begin(), good.end());
-  if (differ.first == bytes.end() && differ.second == good.end()) return bytes.npos;
-  auto at = static_cast<std::size_t>(differ.second - good.begin());
+  if (good == bytes) return bytes.npos;
+  std::size_t at = 0;
+  while (at < good.size() && at < bytes.size() && good[at] == bytes[at]) ++at;
   while ((static_cast<unsigned char>(good[at]) & 0xC0) == 0x80) --at;
   return at;
 }
