@@ -18,6 +18,11 @@ namespace http = ruvo::http;
 
 namespace {
 
+/// Whether it has no half of a surrogate pair, which extended values replace.
+bool is_whole(const std::wstring& text) {
+  return text == ruvo::texto::to_utf_16(ruvo::texto::to_utf_8(text));
+}
+
 void check_value(const std::wstring& text) {
   http::header_value value, again;
   exception failure;
@@ -28,7 +33,7 @@ void check_value(const std::wstring& text) {
   std::wstring written;
   if (!http::write_header(written, value, failure)) return;  // beyond ASCII, or an odd name
   FUZZ_CHECK(http::is_field_value(written));
-  FUZZ_CHECK(http::read_header(again, written, failure) && again == value);
+  FUZZ_CHECK(http::read_header(again, written, failure) && (again == value || !is_whole(text)));
 }
 
 void check_list(const std::wstring& text) {
@@ -37,7 +42,7 @@ void check_list(const std::wstring& text) {
   std::wstring written;
   if (!http::read_header_list(values, text, failure)) return;
   if (!http::write_header_list(written, values, failure)) return;
-  FUZZ_CHECK(http::read_header_list(again, written, failure) && again == values);
+  FUZZ_CHECK(http::read_header_list(again, written, failure) && (again == values || !is_whole(text)));
 }
 
 void check_disposition(const std::wstring& text) {

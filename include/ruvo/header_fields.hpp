@@ -43,8 +43,8 @@ struct header_value {
 };
 
 /// Writes a value with its parameters, each as a token, a quoted string or, beyond ASCII, as an extended
-/// value
-/// (`name*=UTF-8''...`, RFC 8187), and replaces `out`. Several are separated by ", ".
+/// value (`name*=UTF-8''...`, RFC 8187, in which half a surrogate pair is U+FFFD), and replaces `out`.
+/// Several are separated by ", ".
 ///
 /// True is success; a failure leaves `out` as it was and is copied to `err`: exc::BadArgument with the name
 /// of a parameter that is no token or has one of `*'%`, comes twice or whose value is no field value, or with
