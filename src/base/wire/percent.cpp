@@ -154,8 +154,9 @@ std::size_t first_not_utf_8(std::string_view bytes) {
   texto::append_utf_8(good, texto::to_utf_16(bytes));
   if (good == bytes) return bytes.npos;
   std::size_t at = 0;
-  while (at < good.size() && at < bytes.size() && good[at] == bytes[at]) ++at;
-  while ((static_cast<unsigned char>(good[at]) & 0xC0) == 0x80) --at;
+  const std::size_t both = std::min(good.size(), bytes.size());
+  while (at < both && good[at] == bytes[at]) ++at;
+  while (at < both && (static_cast<unsigned char>(good[at]) & 0xC0) == 0x80) --at;
   return at;
 }
 
