@@ -19,9 +19,9 @@ from pathlib import Path
 FACTORS = {"us": 1e3, "ms": 1e6}  # what the programs shorten to
 COLOURS = ("#3987e5", "#1baf7a", "#eda100", "#9085e9", "#e66767", "#d55181")
 TITLES = {"app": "Applications and threads", "even": "Small and large documents", "files": "Whole files",
-          "jobs": "Jobs", "json": "JSON", "listing": "Listing folders", "memory": "Memory of documents", "messages": "Mails and digests",
-          "start": "Start of a program", "text": "Text", "threads": "Two threads at once",
-          "time": "Dates and times", "trees": "Destroying and copying documents",
+          "jobs": "Jobs", "json": "JSON", "listing": "Listing folders", "memory": "Memory of documents",
+          "messages": "Mails and digests", "start": "Start of a program", "text": "Text",
+          "threads": "Two threads at once", "time": "Dates and times", "trees": "Destroying and copying documents",
           "values": "Values and records", "xml": "XML"}
 
 
