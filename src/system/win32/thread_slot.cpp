@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "system/process.hpp"
 #include "system/win32/win32.hpp"
 
 namespace ruvo::platform {
@@ -41,7 +42,7 @@ std::uintptr_t fiber_pointer() noexcept {
 
 void WINAPI on_thread_end(void* value) {
   const auto marked = reinterpret_cast<std::uintptr_t>(value);
-  if (marked == 0) return;
+  if (marked == 0 || is_process_ending()) return;
   void* const mine = reinterpret_cast<void*>(marked & ~is_at_hand);
   const void* const own = thread_pointer();
   const bool of_other_fiber = own && own != mine;  // one that is deleted while the thread goes on
@@ -64,7 +65,10 @@ struct slots {
   }
   slots(const slots&) = delete;
   slots& operator=(const slots&) = delete;
+  // Where the process ends, its other threads were stopped wherever they were, also in the midst of taking a
+  // block: what they have left goes with the process, and nobody looks into it.
   ~slots() {
+    if (is_process_ending()) return;
     const DWORD old = pointers, old_ended = ended, old_at_hand = at_hand;
     pointers = FLS_OUT_OF_INDEXES;
     ended = TLS_OUT_OF_INDEXES;
