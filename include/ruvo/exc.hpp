@@ -186,6 +186,12 @@ KESTA_EXC_CLASS(dotnetException, kesta::exception,
 
 // --- those with a constructor of their own
 
+/// A path that is not to be used below a folder, or a name that no file is to have. The path, in its middle
+/// cut to some 200 characters, and the reason stand in the message; the detail is the whole path as it was
+/// given.
+KESTA_EXC_CLASS(fileUnsafePath, FileException,
+                fileUnsafePath(const std::wstring& path, const std::wstring& reason))
+
 /// A text that cannot be read. The position, in characters read, follows the message.
 KESTA_EXC_CLASS(jsonBadFormated, JSONException, explicit jsonBadFormated(const unsigned long long& position))
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: BSL-1.0
 #pragma once
 
-// ruvo::files: operations on whole files and on folders with all that is in them. A single path is
+// ruvo::files: operations on whole files, on lines, and on folders with all that is in them. A single path is
 // <ruvo/file.hpp>.
 
+#include <ruvo/files/safe_names.hpp>
 #include <ruvo/files/tree.hpp>
 #include <ruvo/files/whole.hpp>

@@ -133,17 +133,19 @@ KESTA_EXC_AT(jsonBadPointer)
 #undef KESTA_EXC_ABOUT
 #undef KESTA_EXC_AT
 
-#define KESTA_EXC_POINTER(name)                                                                    \
-  KESTA_EXC_ROW(name, own)                                                                         \
-  name::name(const std::wstring& pointer, const std::wstring& reason)                              \
-      : JSONException(rows::name->number, filled(rows::name->text, {in_short(pointer), reason})) { \
-    error_class::mark(*this, rows::name);                                                          \
-    set_detail(pointer);                                                                           \
-  }                                                                                                \
+/// Something that cannot be used, and why.
+#define KESTA_EXC_REASON(name, base)                                                      \
+  KESTA_EXC_ROW(name, own)                                                                \
+  name::name(const std::wstring& subject, const std::wstring& reason)                     \
+      : base(rows::name->number, filled(rows::name->text, {in_short(subject), reason})) { \
+    error_class::mark(*this, rows::name);                                                 \
+    set_detail(subject);                                                                  \
+  }                                                                                       \
   name::~name() = default;
-KESTA_EXC_POINTER(jsonUnwritable)
-KESTA_EXC_POINTER(jsonNoPlace)
-#undef KESTA_EXC_POINTER
+KESTA_EXC_REASON(fileUnsafePath, FileException)
+KESTA_EXC_REASON(jsonUnwritable, JSONException)
+KESTA_EXC_REASON(jsonNoPlace, JSONException)
+#undef KESTA_EXC_REASON
 
 KESTA_EXC_ROW(invocaError, own)
 invocaError::invocaError(unsigned long code, const std::wstring& message) : dotnetException(code, message) {

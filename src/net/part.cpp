@@ -8,12 +8,12 @@
 #include <ruvo/files/whole.hpp>
 
 #include <algorithm>
-#include <iterator>
 #include <memory>
 #include <utility>
 
 #include "base/ascii.hpp"
 #include "base/charset.hpp"
+#include "base/file_names.hpp"
 #include "base/utf.hpp"
 #include "base/wire/encoded_words.hpp"
 #include "base/wire/percent.hpp"
@@ -342,25 +342,6 @@ bool part::is_damaged() const noexcept { return get().is_damaged; }
 
 namespace {
 
-/// Whether the system takes a name for a device, whatever stands behind its first point.
-bool is_device(std::wstring_view name) {
-  std::wstring_view stem = name.substr(0, name.find(L'.'));
-  while (stem.ends_with(L' ')) stem.remove_suffix(1);
-  const std::wstring word = in_lower_case(stem);
-  constexpr std::wstring_view names[] = {L"con", L"prn", L"aux", L"nul", L"conin$", L"conout$"};
-  if (std::find(std::begin(names), std::end(names), word) != std::end(names)) return true;
-  constexpr std::wstring_view digits = L"0123456789\u00B9\u00B2\u00B3";
-  return word.size() == 4 && (word.starts_with(L"com") || word.starts_with(L"lpt")) &&
-         digits.find(word[3]) != digits.npos;
-}
-
-/// What is not seen in a name but turns or breaks what is: it makes "gnp.exe" look like "exe.png".
-bool is_direction(wchar_t c) noexcept {
-  const auto code = static_cast<char16_t>(c);
-  return code == 0x061C || code == 0x200E || code == 0x200F || (code >= 0x2028 && code <= 0x202E) ||
-         (code >= 0x2066 && code <= 0x2069);
-}
-
 /// Cut to so many units before the extension, between characters.
 std::wstring shortened(std::wstring name) {
   constexpr std::size_t longest_stem = 200, longest_extension = 40;
@@ -377,13 +358,14 @@ std::wstring shortened(std::wstring name) {
 std::wstring safe_name(const std::wstring& name) {
   constexpr std::wstring_view marks = L"<>:\"|?*";
   std::wstring made(behind_separators(name));
-  std::erase_if(made, [](wchar_t c) { return !wire::is_field_unit(c) || c == L'\t' || is_direction(c); });
+  std::erase_if(
+      made, [](wchar_t c) { return !wire::is_field_unit(c) || c == L'\t' || texto::is_direction_mark(c); });
   std::replace_if(
       made.begin(), made.end(), [marks](wchar_t c) { return marks.find(c) != marks.npos; }, L'_');
   made = shortened(std::move(made));
   made.erase(made.find_last_not_of(L" .") + 1);
   made.erase(0, std::min(made.find_first_not_of(L' '), made.size()));
-  return is_device(made) ? L"_" + made : made;
+  return texto::is_device_name(made) ? L"_" + made : made;
 }
 
 std::wstring decode_words(std::wstring_view text) { return wire::decode_words(text); }

@@ -3,6 +3,7 @@
 // Names for new files, and MIME types.
 
 #include <ruvo/exc.hpp>
+#include <ruvo/files/safe_names.hpp>
 #include <ruvo/files/whole.hpp>
 
 #include <cstdlib>
@@ -68,6 +69,67 @@ TEST_F(new_names, for_temporary_files_are_not_elsewhere) {
   _putenv_s("TMP", old.c_str());
 }
 #endif
+
+TEST(safe_names, of_others_stay_below_their_folder) {
+  using files::name_fault;
+  const struct {
+    std::wstring path;
+    name_fault expected;
+    const wchar_t* below = L"";
+  } rows[] = {
+      {L"a", name_fault::none, L"a"},
+      {L"a/b\\c.txt", name_fault::none, L"a\\b\\c.txt"},
+      {L"./a//b/.\\c/", name_fault::none, L"a\\b\\c"},
+      {L" ...a", name_fault::none, L" ...a"},
+      {L"console/com/lpt10/nula.txt", name_fault::none, L"console\\com\\lpt10\\nula.txt"},
+      {L"añ\xD83D\xDE00", name_fault::none, L"añ\xD83D\xDE00"},
+      {std::wstring(255, L'x'), name_fault::none, nullptr},
+      {L"", name_fault::empty},
+      {L"./.", name_fault::empty},
+      {L"..", name_fault::parent},
+      {L"a/../b", name_fault::parent},
+      {L"a\\..", name_fault::parent},
+      {L"/a", name_fault::absolute},
+      {L"\\\\server\\share\\a", name_fault::absolute},
+      {L"\\\\?\\C:\\a", name_fault::absolute},
+      {L"C:\\a", name_fault::drive},
+      {L"c:a", name_fault::drive},
+      {L"a:b", name_fault::drive},
+      {L"ab:c", name_fault::stream},
+      {L"x/a.txt::$DATA", name_fault::stream},
+      {L"CON", name_fault::device},
+      {L"x/nul.tar.gz", name_fault::device},
+      {L"Aux .txt", name_fault::device},
+      {L"com\u00B9", name_fault::device},
+      {L"LPT0.x", name_fault::device},
+      {L"conout$", name_fault::device},
+      {L"a?", name_fault::character},
+      {std::wstring(L"a\0b", 3), name_fault::character},
+      {L"a\x85", name_fault::character},
+      {L"a\x7F", name_fault::character},
+      {L"a\xDE00\xD83D", name_fault::character},
+      {L"a ", name_fault::ending},
+      {L"a./b", name_fault::ending},
+      {L"...", name_fault::ending},
+      {std::wstring(256, L'x'), name_fault::too_long},
+  };
+  for (const auto& r : rows) {
+    EXPECT_EQ(files::fault_of_path(r.path), r.expected) << r.path.c_str();
+    file joined(L"before");
+    ruvo::exception err;
+    ASSERT_EQ(files::safe_join(joined, file(L"C:\\datos"), r.path, err), r.expected == name_fault::none);
+    if (err.OK() && r.below) {
+      EXPECT_EQ(joined, file(std::wstring(L"C:\\datos\\") + r.below));
+    }
+    if (err.OK()) continue;
+    EXPECT_EQ(joined, file(L"before"));
+    EXPECT_EQ(err.get_detail(), r.path);
+    EXPECT_TRUE(err.get_mensaje().ends_with(files::describe(r.expected))) << err.what();
+    EXPECT_THROW(static_cast<void>(files::safe_join(file(), r.path)), ruvo::exc::fileUnsafePath);
+  }
+  EXPECT_EQ(files::fault_of_name(L"a/b"), name_fault::character);
+  EXPECT_EQ(files::fault_of_name(L"."), name_fault::parent);
+}
 
 TEST(mime, types_follow_the_extension) {
   const wchar_t* const rows[][2] = {
