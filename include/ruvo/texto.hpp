@@ -3,6 +3,7 @@
 
 // ruvo::texto, free functions over text.
 
+#include <ruvo/texto/charset.hpp>
 #include <ruvo/texto/encoding.hpp>
 #include <ruvo/texto/identifiers.hpp>
 #include <ruvo/texto/markup.hpp>

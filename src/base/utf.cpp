@@ -163,6 +163,15 @@ char32_t read_utf_8(const char*& at, const char* end) noexcept {
   return point;
 }
 
+const char* behind_ascii(const char* at, const char* end) noexcept {
+  for (std::uint64_t word; end - at >= 8; at += 8) {
+    std::memcpy(&word, at, sizeof word);
+    if (word & 0x8080808080808080) break;
+  }
+  while (at != end && static_cast<unsigned char>(*at) < 0x80) ++at;
+  return at;
+}
+
 template <class Unit>
 Unit* write_utf_16(Unit* to, char32_t point) noexcept {
   if (point < 0x10000) {
@@ -501,6 +510,22 @@ void append_8(std::string& out, std::basic_string_view<Unit> text) {
 void append_utf_16(std::wstring& out, std::string_view text) { append_16(out, text); }
 void append_utf_8(std::string& out, std::wstring_view text) { append_8(out, text); }
 std::size_t utf_8_size(std::wstring_view text) noexcept { return bytes_of_units(text); }
+
+malformed_part find_malformed(std::string_view text, std::size_t from) noexcept {
+  constexpr std::string_view itself = "\xEF\xBF\xBD";  // U+FFFD
+  const char* at = text.data() + from;
+  const char* const end = text.data() + text.size();
+  while (at != end) {
+    if (static_cast<unsigned char>(*at) < 0x80) {
+      at = behind_ascii(at, end);
+      continue;
+    }
+    const char* const begin = at;
+    if (read_utf_8(at, end) != replacement || std::string_view(begin, at) == itself) continue;
+    return {static_cast<std::size_t>(begin - text.data()), static_cast<std::size_t>(at - begin)};
+  }
+  return {text.npos, 0};
+}
 
 std::wstring to_utf_16(std::string_view text) {
   if (text.size() <= piece) {

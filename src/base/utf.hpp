@@ -17,6 +17,13 @@ std::string to_utf_8(std::wstring_view text);
 /// How many bytes append_utf_8() adds.
 std::size_t utf_8_size(std::wstring_view text) noexcept;
 
+/// A part of a UTF-8 text that is no character.
+struct malformed_part {
+  std::size_t at, size;  // in bytes
+};
+/// The first one that begins at or behind `from`, which is where a character begins; {npos, 0} for none.
+malformed_part find_malformed(std::string_view text, std::size_t from) noexcept;
+
 /// Of surrogate pairs, the first unit is high and the second one low.
 template <class Unit>
 constexpr bool is_high_surrogate(Unit unit) noexcept {
