@@ -8,5 +8,6 @@
 #include <ruvo/texto/identifiers.hpp>
 #include <ruvo/texto/markup.hpp>
 #include <ruvo/texto/numbers.hpp>
+#include <ruvo/texto/pattern.hpp>
 #include <ruvo/texto/search.hpp>
 #include <ruvo/texto/words.hpp>
