@@ -13,6 +13,9 @@
 
 namespace ruvo::files {
 
+/// Opens a file to be read. Throws the failures of whole files.
+platform::open_file open_to_read(const file& path);
+
 /// A file of a size known from the start, read from its first byte to its last. Throws the failures of whole
 /// files; the path is to outlive it.
 class file_reader {

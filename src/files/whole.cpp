@@ -337,11 +337,14 @@ auto read_whole(const file& path, Read read) {
 
 }  // namespace
 
-file_reader::file_reader(const file& path) : path_(path), in_(path, platform::open_file::to_read) {
-  if (!in_) {
-    expect_file(path);
-    throw exc::fileOsStream(path);
-  }
+platform::open_file open_to_read(const file& path) {
+  platform::open_file opened(path, platform::open_file::to_read);
+  if (opened) return opened;
+  expect_file(path);
+  throw exc::fileOsStream(path);
+}
+
+file_reader::file_reader(const file& path) : path_(path), in_(open_to_read(path)) {
   unsigned long long size = 0;
   if (!in_.size(size)) throw exc::fileOsStream(path);
   if (size > std::string().max_size()) throw exc::fileStrageFileSize(path);

@@ -3,6 +3,7 @@
 
 // Files to which several programs add lines.
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,8 @@ class appended_file {
   /// One write at the end of the file, whoever else writes. False when not all could be written; what was is
   /// taken back then, unless somebody holds the turn to write.
   bool append(std::string_view bytes) noexcept;
+  /// Reads the first bytes of the file, as many as are there and have room. Gives their number.
+  std::size_t read_start(char* to, std::size_t room) noexcept;
   /// Waits until the system has written all to the disk.
   void flush() noexcept;
 

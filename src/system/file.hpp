@@ -22,6 +22,10 @@ class open_file {
 
   explicit operator bool() const noexcept { return static_cast<bool>(file_); }
   bool size(unsigned long long& out) const noexcept;
+  /// Whether the path leads to this file now.
+  bool is_at(const std::wstring& path) const;
+  /// The next read begins with the file's first byte.
+  bool rewind() noexcept;
   /// Reads up to `room` bytes; none at the end of the file.
   bool read(void* to, std::size_t room, std::size_t& got) noexcept;
   /// False when not all was written.

@@ -12,6 +12,8 @@ namespace ruvo::platform {
 
 /// True when the folder is there afterwards.
 bool make_folder(const std::wstring& path);
+/// True only when this call has made the folder.
+bool make_new_folder(const std::wstring& path);
 /// Removes an empty folder, or a link to one. False when it was not there or could not be removed.
 bool remove_folder(const std::wstring& path);
 /// The user's folder for temporary files; empty when the system names none.

@@ -13,7 +13,7 @@
 namespace ruvo::platform {
 
 appended_file::appended_file(const std::wstring& path)
-    : file_(handle_of(open(host_name(path).c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644))) {}
+    : file_(handle_of(open(host_name(path).c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0644))) {}
 
 bool appended_file::append(std::string_view bytes) noexcept {
   while (!bytes.empty()) {
@@ -23,6 +23,11 @@ bool appended_file::append(std::string_view bytes) noexcept {
     bytes.remove_prefix(static_cast<std::size_t>(written));
   }
   return true;
+}
+
+std::size_t appended_file::read_start(char* to, std::size_t room) noexcept {
+  const ssize_t got = pread(descriptor_of(file_.get()), to, room, 0);
+  return got > 0 ? static_cast<std::size_t>(got) : 0;
 }
 
 void appended_file::flush() noexcept { fsync(descriptor_of(file_.get())); }

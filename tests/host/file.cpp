@@ -52,6 +52,10 @@ bool open_file::size(unsigned long long& out) const noexcept {
   return true;
 }
 
+bool open_file::is_at(const std::wstring& path) const { return leads_to(path, file_.get()); }
+
+bool open_file::rewind() noexcept { return lseek(descriptor_of(file_.get()), 0, SEEK_SET) == 0; }
+
 bool open_file::read(void* to, std::size_t room, std::size_t& got) noexcept {
   const ssize_t count = ::read(descriptor_of(file_.get()), to, room);
   got = count > 0 ? static_cast<std::size_t>(count) : 0;

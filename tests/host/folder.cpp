@@ -25,21 +25,6 @@ held_folder::outcome outcome_of(int opened, const struct stat* found) {
   return S_ISDIR(found->st_mode) ? outcome::refused : outcome::file;
 }
 
-entry_identity identity_of(const struct stat& found) {
-  return {static_cast<unsigned long long>(found.st_dev), static_cast<unsigned long long>(found.st_ino)};
-}
-
-entry_identity identity_of(void* handle) {
-  struct stat found {};
-  fstat(descriptor_of(handle), &found);
-  return identity_of(found);
-}
-
-bool leads_to(const std::wstring& path, void* handle) {
-  struct stat found {};
-  return stat(host_name(path).c_str(), &found) == 0 && identity_of(found) == identity_of(handle);
-}
-
 bool remove_from(int folder, const std::string& name, const entry_kind& expected,
                  const entry_identity* identity) {
   struct stat found {};
@@ -60,6 +45,8 @@ bool make_folder(const std::wstring& path) {
   return mkdir(host_name(path).c_str(), 0777) == 0 ||
          (read_facts(path, links::keep, found) && found.is_folder);
 }
+
+bool make_new_folder(const std::wstring& path) { return mkdir(host_name(path).c_str(), 0700) == 0; }
 
 bool remove_folder(const std::wstring& path) {
   const std::string name = host_name(path);

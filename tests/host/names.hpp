@@ -53,4 +53,20 @@ inline bool read_entry(int folder, const char* name, entry_facts& out) {
   return true;
 }
 
+inline entry_identity identity_of(const struct stat& found) {
+  return {static_cast<unsigned long long>(found.st_dev), static_cast<unsigned long long>(found.st_ino)};
+}
+
+inline entry_identity identity_of(void* handle) {
+  struct stat found {};
+  fstat(descriptor_of(handle), &found);
+  return identity_of(found);
+}
+
+/// Whether a path leads to what is open.
+inline bool leads_to(const std::wstring& path, void* handle) {
+  struct stat found {};
+  return stat(host_name(path).c_str(), &found) == 0 && identity_of(found) == identity_of(handle);
+}
+
 }  // namespace ruvo::platform

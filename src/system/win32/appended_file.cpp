@@ -64,7 +64,7 @@ void cut_back(HANDLE file, std::size_t count) noexcept {
 }  // namespace
 
 // Without the right to write elsewhere the system itself puts each write at the end; the right to read is for
-// the lock.
+// the lock and the start.
 appended_file::appended_file(const std::wstring& path)
     : file_(CreateFileW(system_path(path).c_str(), FILE_APPEND_DATA | FILE_READ_DATA | SYNCHRONIZE,
                         shared_with_all, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr)) {}
@@ -75,6 +75,12 @@ bool appended_file::append(std::string_view bytes) noexcept {
   if (written == bytes.size()) return true;
   if (written && lock.owns()) cut_back(file_.get(), written);
   return false;
+}
+
+std::size_t appended_file::read_start(char* to, std::size_t room) noexcept {
+  OVERLAPPED start{};
+  DWORD got = 0;
+  return ReadFile(file_.get(), to, static_cast<DWORD>(room), &got, &start) ? got : 0;
 }
 
 void appended_file::flush() noexcept { FlushFileBuffers(file_.get()); }

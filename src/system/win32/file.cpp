@@ -10,6 +10,7 @@
 
 #include "system/win32/facts.hpp"
 #include "system/win32/late.hpp"
+#include "system/win32/nt.hpp"
 #include "system/win32/open.hpp"
 #include "system/win32/path.hpp"
 #include "system/win32/win32.hpp"
@@ -61,6 +62,10 @@ bool open_file::size(unsigned long long& out) const noexcept {
   out = static_cast<unsigned long long>(size.QuadPart);
   return true;
 }
+
+bool open_file::is_at(const std::wstring& path) const { return nt::leads_to(path, file_.get()); }
+
+bool open_file::rewind() noexcept { return SetFilePointerEx(file_.get(), {}, nullptr, FILE_BEGIN); }
 
 bool open_file::read(void* to, std::size_t room, std::size_t& got) noexcept {
   DWORD count = 0;

@@ -47,13 +47,6 @@ DWORD open_folder(bool shares_deletion, Open open) {
   return error;
 }
 
-/// Whether a path leads to what is open.
-bool leads_to(const std::wstring& path, HANDLE opened) {
-  const handle now = open_existing(system_path(path), FILE_READ_ATTRIBUTES);
-  entry_identity expected, found;
-  return nt::identify(opened, expected) && nt::identify(now.get(), found) && expected == found;
-}
-
 /// A name in a folder that is open, or a full path. Links are not followed.
 struct place {
   HANDLE folder;
@@ -130,6 +123,10 @@ bool make_folder(const std::wstring& path) {
          (read_facts(path, links::keep, found) && found.is_folder);
 }
 
+bool make_new_folder(const std::wstring& path) {
+  return CreateDirectoryW(system_path(path).c_str(), nullptr);
+}
+
 bool remove_folder(const std::wstring& path) { return RemoveDirectoryW(system_path(path).c_str()); }
 
 std::wstring temporary_folder() {
@@ -180,7 +177,7 @@ entry_identity held_folder::identity() const {
   return out;
 }
 
-bool held_folder::is_at(const std::wstring& path) const { return leads_to(path, get()); }
+bool held_folder::is_at(const std::wstring& path) const { return nt::leads_to(path, get()); }
 
 bool held_folder::remove(const std::wstring& name, const entry_kind& found) const {
   return remove_at({get(), name}, found, nullptr);
@@ -197,7 +194,7 @@ held_file::held_file(const held_folder& parent, const std::wstring& name) {
     file_ = std::move(opened);
 }
 
-bool held_file::is_at(const std::wstring& path) const { return leads_to(path, file_.get()); }
+bool held_file::is_at(const std::wstring& path) const { return nt::leads_to(path, file_.get()); }
 
 bool remove_found(const std::wstring& path, const entry_kind& found, const entry_identity* expected) {
   const std::wstring name = system_path(path);

@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "system/win32/facts.hpp"
+#include "system/win32/path.hpp"
 
 namespace ruvo::platform::nt {
 
@@ -149,6 +150,12 @@ DWORD read_records(HANDLE folder, void* buffer, ULONG size, bool from_start) {
 // Wine asks another process for the volume's number, which takes longer than all the rest.
 bool identify(HANDLE opened, entry_identity& out) noexcept {
   return system().follows_links ? opened && read_index(opened, out.index) : read_identity(opened, out);
+}
+
+bool leads_to(const std::wstring& path, HANDLE opened) {
+  const handle now = open_existing(system_path(path), FILE_READ_ATTRIBUTES);
+  entry_identity expected, found;
+  return identify(opened, expected) && identify(now.get(), found) && expected == found;
 }
 
 bool is_what_is_named(HANDLE folder, const std::wstring& name, HANDLE opened) {

@@ -41,6 +41,8 @@ DWORD read_records(HANDLE folder, void* buffer, ULONG size, bool from_start);
 
 /// What is open; under Wine its volume is left out.
 bool identify(HANDLE opened, entry_identity& out) noexcept;
+/// Whether a path, as ruvo::file holds it, leads to what is open.
+bool leads_to(const std::wstring& path, HANDLE opened);
 
 /// Whether what was opened under a name in a folder is what has the name there: not so if the system has
 /// followed a link although it was asked not to, as Wine does.
