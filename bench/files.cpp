@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: BSL-1.0
 
-// Whole files, against the system's own calls.
+// Whole files, against the system's own calls, and lines, against the standard library's streams.
 //
 //   bench_files
 
 #include <ruvo/binary.hpp>
 #include <ruvo/exception.hpp>
+#include <ruvo/files/lines.hpp>
 #include <ruvo/files/whole.hpp>
 
+#include <cstddef>
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <string>
+#include <string_view>
 
 #include "support/harness.hpp"
 #include "support/system_files.hpp"
@@ -70,6 +75,41 @@ void compare_text(bench::table& results, const char* name, const std::string& li
       {{"system", 1.2}});
 }
 
+std::size_t bytes_by_getline(const ruvo::file& path) {
+  std::ifstream in(std::filesystem::path(path.c_str()), std::ios::binary);
+  std::size_t out = 0;
+  for (std::string line; std::getline(in, line);) out += line.size();
+  return out;
+}
+
+std::size_t bytes_by_kesta(const ruvo::file& path) {
+  ruvo::files::line_reader in(path, {.ends = ruvo::files::line_ends::plain_lf});
+  std::size_t out = 0;
+  for (std::string_view line; in.next_bytes(line);) out += line.size();
+  return out;
+}
+
+std::size_t units_by_kesta(const ruvo::file& path) {
+  ruvo::files::line_reader in(path);
+  std::size_t out = 0;
+  for (std::wstring line; in.next(line);) out += line.size();
+  return out;
+}
+
+void compare_lines(bench::table& results, const char* name, const std::string& line) {
+  const sample file(document(line));
+  const bench::amount amount{static_cast<double>(file.path().size()), bench::amount::characters};
+  if (bytes_by_kesta(file.path()) != bytes_by_getline(file.path())) std::printf("the lines differ\n");
+  results.row("read lines of bytes", name, amount,
+              {{"kesta", [&] { bench::use(bytes_by_kesta(file.path())); }},
+               {"std::getline", [&] { bench::use(bytes_by_getline(file.path())); }}},
+              {{"std::getline", 1.0}});
+  results.row("read lines as wide text", name, amount,
+              {{"kesta", [&] { bench::use(units_by_kesta(file.path())); }},
+               {"std::getline", [&] { bench::use(bytes_by_getline(file.path())); }}},
+              {{"std::getline", 1.0}});
+}
+
 void compare_reading() {
   bench::table results("files");  // the peer: ReadFile, and MultiByteToWideChar for wide text
   compare_bytes(results);
@@ -78,6 +118,10 @@ void compare_reading() {
       results, "Spanish",
       "En un lugar de la Mancha, no há mucho tiempo que vivía un hidalgo, galgo corredor y señor.\r\n");
   compare_text(results, "Greek", "Πες μου, Μούσα, για τον πολύτροπο άντρα.\r\n");
+  compare_lines(results, "English", "In a village of La Mancha there lived not long ago a gentleman.\r\n");
+  compare_lines(
+      results, "Spanish",
+      "En un lugar de la Mancha, no há mucho tiempo que vivía un hidalgo, galgo corredor y señor.\r\n");
 }
 
 }  // namespace

@@ -6,5 +6,6 @@
 
 #include <ruvo/files/lines.hpp>
 #include <ruvo/files/safe_names.hpp>
+#include <ruvo/files/temporary.hpp>
 #include <ruvo/files/tree.hpp>
 #include <ruvo/files/whole.hpp>
