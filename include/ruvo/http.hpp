@@ -241,8 +241,7 @@ class KESTA_API response : public net::iresponse, public header_table {
 
   /// A body of bytes, as it came, to which they are appended: a character may be split between two pieces.
   /// While there is one, what the operators above append is appended in UTF-8, and the text body is empty;
-  /// body_text()
-  /// (<ruvo/header_fields.hpp>) decodes it. set_body() ends it.
+  /// body_text() (<ruvo/header_fields.hpp>) decodes it. set_body() ends it.
   response& set_body_bytes(const binary& bytes);
   response& append_body_bytes(std::string_view bytes);
   bool has_body_bytes() const noexcept;

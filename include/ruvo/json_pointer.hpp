@@ -88,7 +88,8 @@ KESTA_API bool set(list& in, const json_pointer& at, const xvar& value, exceptio
 KESTA_API bool set(xvar& in, const json_pointer& at, const xvar& value, exception* err = nullptr);
 
 /// Removes what find() finds; the elements of a list behind it move up. True on FAILURE, exc::jsonNoPlace,
-/// where it finds nothing, or without tokens.
+/// where it finds nothing, or without tokens. Where memory is short, std::bad_alloc leaves it, and `in` is as
+/// it was.
 KESTA_API bool erase(bundle& in, const json_pointer& at, exception* err = nullptr);
 KESTA_API bool erase(list& in, const json_pointer& at, exception* err = nullptr);
 KESTA_API bool erase(xvar& in, const json_pointer& at, exception* err = nullptr);

@@ -69,9 +69,9 @@ KESTA_API stamp new_stamp();
 /// is signed as it then stands: whoever changes URL or body signs again.
 ///
 /// Failures are exc::BadArgument (raw 0xEBB8000F) with a name and nothing else: "method" for one that is no
-/// token; "url" for one that is neither http nor https or has other characters than the visible ones of
-/// ASCII; "url" and "body" for a "%" without two digits; and the names of parameters and fields that are
-/// empty where they must not be, or hold control characters.
+/// token; "url" for one that http::url does not read, that is neither http nor https, or has other characters
+/// than the visible ones of ASCII; "body" for a "%" without two digits; and the names of parameters and
+/// fields that are empty where they must not be, or hold control characters.
 class KESTA_API signer {
  public:
   /// Nothing is checked before something is signed.

@@ -196,7 +196,8 @@ part& part::set_header(const std::wstring& name, const std::wstring& text) {
 }
 
 part& part::add_header(const std::wstring& name, const std::wstring& text) {
-  if (get_field(name).empty()) return set_header(name, text);
+  if (std::ranges::none_of(get().fields, is_named(name)))
+    return set_header(name, text);  // an empty one stands
   part other;
   other.set_header(name, text);
   std::vector<data::field>& fields = own().fields;

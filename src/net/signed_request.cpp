@@ -6,6 +6,7 @@
 
 #include <ruvo/binary.hpp>
 #include <ruvo/exc.hpp>
+#include <ruvo/url.hpp>
 
 #include <algorithm>
 #include <charconv>
@@ -23,12 +24,6 @@ namespace ruvo::oauth {
 namespace {
 
 constexpr std::wstring_view form_type = L"application/x-www-form-urlencoded";
-
-std::string lowered(std::string_view text) {
-  std::string out(text);
-  for (char& c : out) c = static_cast<char>(texto::to_lower(texto::unit_of(c)));
-  return out;
-}
 
 std::string percent_encoded(std::string_view bytes) {
   std::string out;
@@ -76,27 +71,24 @@ std::string normalized(parameter_list all) {
   return out;
 }
 
-/// Adds ":8080", or nothing for the port that is the scheme's own.
-void add_port(std::string& out, std::string_view scheme, std::string_view digits) {
-  if (digits.empty()) return;
-  unsigned port = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), port);
-  if (error != std::errc() || end != digits.data() + digits.size() || port > 65535) refuse("url");
-  if (port != (scheme == "http" ? 80U : 443U)) (out += ':') += std::to_string(port);
+/// The address of a request, which is one of HTTP.
+http::url address_of(const http::request& message) {
+  const std::wstring text = message.get_url();
+  const bool is_ascii = std::all_of(text.begin(), text.end(), [](wchar_t c) { return c > L' ' && c < 0x7F; });
+  http::url address;
+  exception failure;
+  if (!is_ascii || !address.read(text, failure) || address.get_host().empty()) refuse("url");
+  if (address.get_scheme() != L"http" && address.get_scheme() != L"https") refuse("url");
+  return address;
 }
 
-/// Scheme, host and port (RFC 5849, 3.4.1.2); what comes before an "@" is for no server to see.
-std::string authority_text(std::string_view scheme, std::string_view authority) {
-  authority.remove_prefix(authority.rfind('@') + 1);  // npos + 1 is 0
-  const std::size_t host_end = authority.starts_with('[') ? authority.find(']') : 0;
-  if (host_end == authority.npos) refuse("url");
-  const std::size_t colon = std::min(authority.find(':', host_end), authority.size());
-  const std::string host = lowered(authority.substr(0, colon));
-  if (host.empty()) refuse("url");
-  std::string out(scheme);
-  (out += "://") += host;
-  add_port(out, scheme, authority.substr(std::min(colon + 1, authority.size())));
-  return out;
+/// Scheme, host, port and path (RFC 5849, 3.4.1.2). Users and passwords are for no server to see, and the
+/// port that is the scheme's own is left out.
+std::string base_address(const http::url& address) {
+  std::wstring out = address.get_scheme() + L"://" + address.get_host();
+  if (address.get_port() != (address.is_secure() ? 443 : 80))
+    out.append(L":").append(std::to_wstring(address.get_port()));
+  return texto::to_utf_8(out.append(address.get_path().empty() ? L"/" : address.get_path()));
 }
 
 }  // namespace
@@ -112,17 +104,9 @@ std::string value_in(const parameter_list& all, std::string_view name) {
 std::string base_string_of(const std::wstring& verb, const http::request& message,
                            const parameter_list& own) {
   if (!wire::is_token(verb)) refuse("method");
-  const std::string all = texto::to_utf_8(message.get_url());
-  if (!std::all_of(all.begin(), all.end(), [](char c) { return c > ' ' && c < '\x7F'; })) refuse("url");
-  const std::string_view url = std::string_view(all).substr(0, all.find('#'));
-  const std::size_t scheme_end = url.find("://");
-  const std::string scheme = lowered(url.substr(0, std::min(scheme_end, url.size())));
-  if (scheme_end == url.npos || (scheme != "http" && scheme != "https")) refuse("url");
-  const std::string_view rest = url.substr(scheme_end + 3);
-  const std::size_t query = std::min(rest.find('?'), rest.size()), path = std::min(rest.find('/'), query);
-
+  const http::url address = address_of(message);
   parameter_list counted = own;
-  add_form(counted, rest.substr(std::min(query + 1, rest.size())), "url");
+  add_form(counted, texto::to_utf_8(address.get_query()), "url");
   if (has_form_body(message)) {
     const binary body = message.get_body_bytes();
     add_form(counted, {reinterpret_cast<const char*>(body.get_store().data()), body.size()}, "body");
@@ -130,9 +114,8 @@ std::string base_string_of(const std::wstring& verb, const http::request& messag
 
   std::string out;
   for (const wchar_t c : verb) out += static_cast<char>(texto::to_upper(c));
-  const std::string address = authority_text(scheme, rest.substr(0, path)) +
-                              (path == query ? "/" : std::string(rest.substr(path, query - path)));
-  return out + '&' + percent_encoded(address) + '&' + percent_encoded(normalized(std::move(counted)));
+  out.append("&").append(percent_encoded(base_address(address))).append("&");
+  return out.append(percent_encoded(normalized(std::move(counted))));
 }
 
 parameter_list read_authorization(const http::request& message) {

@@ -260,6 +260,13 @@ TEST(mime, limits_what_it_reads) {
   EXPECT_EQ(outline(part(nested)), outline(nested));
 }
 
+TEST(mime, a_field_without_text_stays_where_one_is_added) {
+  part made;
+  made.add_header(L"Comments", L"").add_header(L"Comments", L"a").add_header(L"Comments", L"b");
+  ASSERT_EQ(made.get_headers().size(), 3u);
+  EXPECT_EQ(made.get_headers()[2].second, L"b");
+}
+
 // --- what is refused
 
 TEST(mime, refuses_what_would_end_a_field) {

@@ -108,7 +108,8 @@ void json_builder::open(bool is_object) {
 
 void json_builder::close() {
   frame& f = frames_.top();
-  const bool all_moved = !f.store;  // else some may be dropped
+  if (f.first_value == values_.capacity()) values_.grow();  // for the container: what may fail comes first
+  const bool all_moved = !f.store;                          // else some may be dropped
   xvar made = f.is_object ? made_object(f) : made_list(f);
   if (all_moved) {
     values_.forget_to(f.first_value);
@@ -118,7 +119,6 @@ void json_builder::close() {
   frames_.pop();
   --depth_;
   if (depth_ > 0) next_ = frames_.top().next;
-  if (values_.is_full()) values_.grow();
   values_.push(std::move(made));
 }
 
