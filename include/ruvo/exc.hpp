@@ -144,6 +144,10 @@ KESTA_EXC_CLASS(xmlException, kesta::exception, xmlException(unsigned long code,
 KESTA_EXC_CLASS(dotnetException, kesta::exception,
                 dotnetException(unsigned long code, const std::wstring& message))
 
+/// The errors of range 17, exact decimals, made of the number within it and the message.
+KESTA_EXC_CLASS(DecimalException, kesta::exception,
+                DecimalException(unsigned long code, const std::wstring& message))
+
 // --- the classes of the catalogue that need no more than their row, by the shape of the row
 
 #define KESTA_EXC_own(name, base)
@@ -231,6 +235,9 @@ KESTA_EXC_CLASS(jsonNoPlace, JSONException,
 /// detail is what is limited: "profundidad", "tamaño", "elementos", "atributos", "memoria" or "crecimiento".
 KESTA_EXC_CLASS(xmlBeyondLimit, XMLException,
                 xmlBeyondLimit(unsigned long long position, const std::wstring& limited))
+
+/// A text that is no decimal. The position, in characters read, follows the message.
+KESTA_EXC_CLASS(decimalBadText, DecimalException, explicit decimalBadText(unsigned long long position))
 
 /// A failure of the system. Its number follows the message.
 KESTA_EXC_CLASS(systemErrorCode, SystemException, explicit systemErrorCode(unsigned long number))

@@ -143,6 +143,12 @@ KESTA_ERROR(loadDLLException, dotnetException, 14, 13, message, L"loadDLLExcepti
 KESTA_ERROR(getObjectException, dotnetException, 14, 14, message, L"getObjectException: %1")
 KESTA_ERROR(getObjectTypeException, dotnetException, 14, 14, message, L"getObjectTypeException: %1")
 
+KESTA_ERROR(DecimalException, kesta::exception, 17, 0, family, L"")
+KESTA_ERROR(decimalOverflow, DecimalException, 17, 1, plain, L"El resultado tiene más cifras de las que caben en un número decimal")
+KESTA_ERROR(decimalInexact, DecimalException, 17, 2, plain, L"El resultado no es exacto y no se ha pedido ningún redondeo")
+KESTA_ERROR(decimalDivisionByZero, DecimalException, 17, 3, plain, L"División entre cero")
+KESTA_ERROR(decimalBadText, DecimalException, 17, 4, own, L"El texto no es un número decimal cerca del caracter %1")
+
 // clang-format on
 
 #undef KESTA_ERROR

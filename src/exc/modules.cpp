@@ -55,6 +55,7 @@ KESTA_EXC_FAMILY(RenderException)
 KESTA_EXC_FAMILY(InterfaceException)
 KESTA_EXC_FAMILY(xmlException)
 KESTA_EXC_FAMILY(dotnetException)
+KESTA_EXC_FAMILY(DecimalException)
 #undef KESTA_EXC_FAMILY
 
 #define KESTA_EXC_DEFINE(name) \
@@ -106,13 +107,13 @@ jsonBadFormated::jsonBadFormated(const unsigned long long& position)
 jsonBadFormated::~jsonBadFormated() = default;
 
 /// A position in a text, and what else the message says.
-#define KESTA_EXC_AT(name)                                                                 \
-  KESTA_EXC_ROW(name, own)                                                                 \
-  name::name(unsigned long long position)                                                  \
-      : JSONException(rows::name->number, filled(rows::name->text, {decimal(position)})) { \
-    error_class::mark(*this, rows::name);                                                  \
-    error_class::set_position(*this, position);                                            \
-  }                                                                                        \
+#define KESTA_EXC_AT(name, base)                                                  \
+  KESTA_EXC_ROW(name, own)                                                        \
+  name::name(unsigned long long position)                                         \
+      : base(rows::name->number, filled(rows::name->text, {decimal(position)})) { \
+    error_class::mark(*this, rows::name);                                         \
+    error_class::set_position(*this, position);                                   \
+  }                                                                               \
   name::~name() = default;
 #define KESTA_EXC_ABOUT(name, base)                                                                  \
   KESTA_EXC_ROW(name, own)                                                                           \
@@ -126,10 +127,11 @@ jsonBadFormated::~jsonBadFormated() = default;
 KESTA_EXC_ABOUT(jsonTwinName, JSONException)
 KESTA_EXC_ABOUT(jsonBeyondLimit, JSONException)
 KESTA_EXC_ABOUT(xmlBeyondLimit, XMLException)
-KESTA_EXC_AT(jsonBadNumber)
-KESTA_EXC_AT(jsonWrongRoot)
-KESTA_EXC_AT(jsonBadEncoding)
-KESTA_EXC_AT(jsonBadPointer)
+KESTA_EXC_AT(jsonBadNumber, JSONException)
+KESTA_EXC_AT(jsonWrongRoot, JSONException)
+KESTA_EXC_AT(jsonBadEncoding, JSONException)
+KESTA_EXC_AT(jsonBadPointer, JSONException)
+KESTA_EXC_AT(decimalBadText, DecimalException)
 #undef KESTA_EXC_ABOUT
 #undef KESTA_EXC_AT
 

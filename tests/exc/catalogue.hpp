@@ -52,7 +52,8 @@ void add_sample(std::vector<class_sample>& all, const ruvo::detail::error_row& r
   } else if constexpr (std::is_default_constructible_v<Class>) {
     add(Class());
   } else if constexpr (std::is_base_of_v<ruvo::exc::JSONException, Class> ||
-                       std::is_base_of_v<ruvo::exc::XMLException, Class>) {
+                       std::is_base_of_v<ruvo::exc::XMLException, Class> ||
+                       std::is_base_of_v<ruvo::exc::DecimalException, Class>) {
     // Of a position, of what stands there, or of both.
     if constexpr (std::is_constructible_v<Class, unsigned long long, std::wstring>) {
       add(Class(31, std::wstring(L"5")));
