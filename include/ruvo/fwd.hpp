@@ -24,6 +24,7 @@ class color;
 class context;
 class date;
 class datetime;
+class decimal;
 class exception;
 class file;
 class fileCallback;

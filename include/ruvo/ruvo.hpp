@@ -14,6 +14,7 @@
 #include <ruvo/cookies.hpp>
 #include <ruvo/date.hpp>
 #include <ruvo/datetime.hpp>
+#include <ruvo/decimal.hpp>
 #include <ruvo/digest.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/exception.hpp>
