@@ -2,9 +2,13 @@
 
 // Amounts in Spanish words.
 
+#include "texto/amounts.hpp"
+
 #include <ruvo/texto.hpp>
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 #include "base/numbers.hpp"
 
@@ -24,6 +28,12 @@ constexpr row tens = {L"",          L"Diez",    L"Veinte",  L"Treinta", L"Cuaren
                       L"Cincuenta", L"Sesenta", L"Setenta", L"Ochenta", L"Noventa"};
 constexpr row hundreds = {L"",           L"Ciento",      L"Doscientos",  L"Trescientos", L"Cuatrocientos",
                           L"Quinientos", L"Seiscientos", L"Setecientos", L"Ochocientos", L"Novecientos"};
+
+/// Of the powers of a million.
+constexpr const wchar_t* ones[] = {L"Millón",     L"Billón",     L"Trillón",
+                                   L"Cuatrillón", L"Quintillón", L"Sextillón"};
+constexpr const wchar_t* millions[] = {L"Millones",     L"Billones",     L"Trillones",
+                                       L"Cuatrillones", L"Quintillones", L"Sextillones"};
 
 /// Whether a number stands alone or before a noun, where a final "uno" is shortened.
 enum class place { alone, before_noun };
@@ -66,25 +76,35 @@ void add_counted(std::wstring& out, unsigned int n, const wchar_t* one, const wc
 
 }  // namespace
 
+std::wstring amount_in_words(bool is_negative, std::wstring_view whole, unsigned int cents) {
+  whole.remove_prefix(std::min(whole.find_first_not_of(L'0'), whole.size()));
+  if (whole.empty() && cents == 0) return L"Cero";
+  std::wstring out = is_negative ? L"Menos" : L"";
+  if (whole.empty()) append_word(out, L"Cero");
+  while (!whole.empty()) {
+    constexpr std::size_t group = 6;
+    const std::size_t behind = (whole.size() - 1) / group, digits = whole.size() - behind * group;
+    const auto count = static_cast<unsigned int>(read_integer(whole.substr(0, digits)));
+    if (behind == 0) {
+      add_below_million(out, count, place::alone);
+    } else {
+      add_counted(out, count, ones[behind - 1], millions[behind - 1]);
+    }
+    whole.remove_prefix(digits);
+  }
+  if (cents) append_word(out, L"con");
+  add_counted(out, cents, L"Céntimo", L"Céntimos");
+  return out;
+}
+
 std::wstring cifras_letras(double amount) {
   constexpr double limit = 1e15;
   if (!(std::fabs(amount) < limit)) return unsupported_number;
   std::wstring figures;
   append_fixed(figures, std::fabs(amount), 2);
-  const auto whole = static_cast<unsigned long long>(read_integer(figures));
-  const auto cents =
-      static_cast<unsigned int>(read_integer(std::wstring_view(figures).substr(figures.size() - 2)));
-  if (whole == 0 && cents == 0) return L"Cero";
-
-  constexpr unsigned long long million = 1000000;
-  std::wstring out = amount < 0 ? L"Menos" : L"";
-  if (whole == 0) append_word(out, L"Cero");
-  add_counted(out, static_cast<unsigned int>(whole / million / million), L"Billón", L"Billones");
-  add_counted(out, static_cast<unsigned int>(whole / million % million), L"Millón", L"Millones");
-  add_below_million(out, static_cast<unsigned int>(whole % million), place::alone);
-  if (cents) append_word(out, L"con");
-  add_counted(out, cents, L"Céntimo", L"Céntimos");
-  return out;
+  const std::wstring_view digits = figures;
+  const auto cents = static_cast<unsigned int>(read_integer(digits.substr(digits.size() - 2)));
+  return amount_in_words(amount < 0, digits.substr(0, digits.size() - 3), cents);
 }
 
 }  // namespace ruvo::texto

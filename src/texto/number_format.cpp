@@ -11,12 +11,21 @@
 #include "base/ascii.hpp"
 #include "base/numbers.hpp"
 #include "base/services.hpp"
+#include "texto/amounts.hpp"
 
 namespace ruvo::texto {
 
 namespace {
 
-/// A number in classic fixed notation with the separators in place.
+constexpr struct {
+  unsigned int value;
+  wchar_t symbol;
+} roman[] = {{1000000, L'M'}, {500000, L'D'}, {100000, L'C'}, {50000, L'L'}, {10000, L'X'},
+             {5000, L'V'},    {1000, L'M'},   {500, L'D'},    {100, L'C'},   {50, L'L'},
+             {10, L'X'},      {5, L'V'},      {1, L'I'}};
+
+}  // namespace
+
 std::wstring punctuated(std::wstring_view plain) {
   const services::separators marks = services::of_this_thread();
   const auto first = std::find_if(plain.begin(), plain.end(), is_digit);  // none in "nan" and "inf"
@@ -34,15 +43,6 @@ std::wstring punctuated(std::wstring_view plain) {
   out.append(point + 1, plain.end());
   return out;
 }
-
-constexpr struct {
-  unsigned int value;
-  wchar_t symbol;
-} roman[] = {{1000000, L'M'}, {500000, L'D'}, {100000, L'C'}, {50000, L'L'}, {10000, L'X'},
-             {5000, L'V'},    {1000, L'M'},   {500, L'D'},    {100, L'C'},   {50, L'L'},
-             {10, L'X'},      {5, L'V'},      {1, L'I'}};
-
-}  // namespace
 
 std::wstring format(double value, short decimals) {
   if (std::isnan(value)) return L"nan";  // whatever its sign bit
