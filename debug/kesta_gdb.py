@@ -264,6 +264,13 @@ def lapse_text(value, day=True, time=True):
     return calendar_text(int(value["lapso_"]), int(value["huso_"]) == 1, day, time)
 
 
+def decimal_text(value):
+    scale = int(value["scale_"])
+    digits = str(int(value["high_"]) << 64 | int(value["low_"])).rjust(scale + 1, "0")
+    point = len(digits) - scale
+    return ("-" if value["negative_"] else "") + digits[:point] + ("." if scale else "") + digits[point:]
+
+
 def scalar_text(kind, data):
     """What a var shows that owns nothing or a text."""
     inside = address_of(data["bytes"])
@@ -302,7 +309,7 @@ def var_printer(value):
     kind = str(data["kind"]).rsplit("::", 1)[-1]
     if kind.isdigit():
         return TextPrinter(data, lambda _: "not a value: kind " + kind)
-    if kind in ("binary", "memo", "object", "list", "bundle"):
+    if kind in ("binary", "memo", "decimal", "object", "list", "bundle"):
         word = number_at(address_of(data["bytes"]) + WORD)
         try:
             found = find(held_object(kind, word))
@@ -330,6 +337,7 @@ PRINTERS = {
     "ruvo::bundle::entry": EntryPrinter,
     "ruvo::binary": shows(binary_text),
     "ruvo::memo": shows(lambda value: wide_string(address_of(value["text_"]))),
+    "ruvo::decimal": shows(decimal_text),
     "ruvo::file": shows(lambda value: wide_string(address_of(value["path_"]))),
     "ruvo::lapse": shows(lapse_text),
     "ruvo::date": shows(lambda value: lapse_text(value, time=False)),

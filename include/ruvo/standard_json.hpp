@@ -78,6 +78,10 @@ struct json_read_options {
   json_number inexact = json_number::nearest;
   /// Whether a byte order mark may stand at the beginning.
   bool byte_order_mark = false;
+  /// Whether numbers with a fraction or an exponent, and integers beyond 64 bits, become ruvo::decimal with
+  /// all digits that are written: prices and sums. Of what a decimal does not hold, 1e400 or 0.1e-40, the
+  /// reading fails unless `inexact` is json_number::text; `too_large` has no meaning.
+  bool decimals = false;
 };
 
 /// Reads a text of JSON as RFC 8259 defines it, from UTF-16 or, without a detour, from UTF-8 as RFC 3629
@@ -139,7 +143,7 @@ class KESTA_API ijson_events {
   virtual void on_integer(long long value);            ///< An integer that fits.
   virtual void on_unsigned(unsigned long long value);  ///< One beyond long long.
   virtual void on_double(double value);                ///< Any other number.
-  virtual void on_number(std::wstring_view written);   ///< A number that stays text by option.
+  virtual void on_number(std::wstring_view written);   ///< By option: what stays text or becomes a decimal.
   virtual void on_text(std::wstring_view value);       ///< A string that is a value, without its escapes.
   virtual void on_name(std::wstring_view name);        ///< The name of a member; its value comes next.
   virtual void on_open_object();                       ///< Members follow, if there are any.
@@ -273,6 +277,7 @@ struct json_write_options {
 /// - null: `null`; bool: `true` or `false`; integers: all their digits.
 /// - float, double: the shortest text that reads back to the same double, with a point or an exponent: `1.0`,
 ///   `0.1`, `1e300`, `-0.0`. NaN and infinities are a failure.
+/// - decimal: a number with all its digits and no exponent, `12.50`.
 /// - texts, memo, wchar_t: a text, escaped where JSON asks for it; lone surrogates as `\ud83d`.
 /// - binary: a text, in Base64 with `=`.
 /// - date: `"2024-02-29"`, the day in its own mode, whatever the options say.

@@ -49,6 +49,7 @@ enum class kind : unsigned char {
   string_text,  // a std::wstring, made when somebody asks for a reference to it
   binary,
   memo,
+  decimal,
   object,  // of a class that the cell does not know
   list,
   bundle,
@@ -88,6 +89,7 @@ class KESTA_API var {
   var(double value) noexcept { set(detail::kind::double_, widen(value)); }
   var(const binary& value);
   var(const memo& value);
+  var(const decimal& value);
   var(const date& value);
   var(const time& value);
   var(const datetime& value);
@@ -118,6 +120,7 @@ class KESTA_API var {
   const var& operator=(double value) noexcept { return reset(detail::kind::double_, value); }
   const var& operator=(const binary& value);
   const var& operator=(const memo& value);
+  const var& operator=(const decimal& value);
   const var& operator=(const date& value);
   const var& operator=(const time& value);
   const var& operator=(const datetime& value);
@@ -158,30 +161,30 @@ class KESTA_API var {
   /// Bool, the numbers and text.
   /// @quirk `short` and `wchar_t` are not primitive although `unsigned short` is; callers rely on the sets.
   bool is_primitive() const noexcept;
-  /// Integers, float and double; neither bool nor wchar_t.
+  /// Integers, float, double and decimal; neither bool nor wchar_t.
   bool is_number() const noexcept;
   /// The kinds from `short` to `unsigned long long`.
   bool is_integer() const noexcept;
-  /// Float and double.
+  /// Float, double and decimal.
   bool is_decimal() const noexcept;
   /// Text, binary and memo.
   bool is_charsquence() const noexcept;
   /// Date, time and datetime.
   bool is_lapse() const noexcept;
 
-  /// Whether the text, without blanks at its ends, is `[+-]digits[.[digits]]`. True for bool and integers,
-  /// for float and double unless they are infinite or no number; false for a null cell, dates, times, lists
-  /// and bundles.
+  /// Whether the text, without blanks at its ends, is `[+-]digits[.[digits]]`. True for bool, integers and
+  /// decimals, for float and double unless they are infinite or no number; false for a null cell, dates,
+  /// times, lists and bundles.
   bool can_be_number() const;
   /// Whether the text, without blanks at its ends and without regard to case, is one of true, 1, si,
-  /// verdadero, correcto, false, 0, no, falso, incorrecto. False for a null cell, dates, times, lists
-  /// and bundles.
+  /// verdadero, correcto, false, 0, no, falso, incorrecto. False for a null cell, decimals, dates, times,
+  /// lists and bundles.
   bool can_be_boolean() const;
 
   /// The value as text in the classic locale: integers in base ten, float and double with six digits after
-  /// the point, bool as 1 or 0, dates and times in their canonical formats, containers in their text form. A
-  /// date or time without calendar form, because its year is beyond every calendar record or the context
-  /// refuses, gives its seconds since 1970. Empty for a null cell.
+  /// the point, a decimal with all of its own, bool as 1 or 0, dates and times in their canonical formats,
+  /// containers in their text form. A date or time without calendar form, because its year is beyond every
+  /// calendar record or the context refuses, gives its seconds since 1970. Empty for a null cell.
   std::wstring to_string() const;
 
   // --- conversions
@@ -189,9 +192,10 @@ class KESTA_API var {
   // A null cell throws in each of them, so that a missing value is never taken for 0.
 
   /// From bool, wchar_t (its code, also for a digit), the numbers, date (20240229), time (123456) and text.
-  /// Fractions are cut off, then the bits above the width; doubles stop at the ends of 64 bits, and what is
-  /// no number gives 0. Text gives 0 unless can_be_number(), and throws std::out_of_range beyond `long
-  /// long`, to an unsigned type too; a date or time without calendar form throws exc::CalendarException.
+  /// Fractions are cut off, then the bits above the width; doubles and decimals stop at the ends of 64 bits,
+  /// and what is no number gives 0. Text gives 0 unless can_be_number(), and throws std::out_of_range beyond
+  /// `long long`, to an unsigned type too; a date or time without calendar form throws
+  /// exc::CalendarException.
   ///
   /// A null cell throws exc::NullValue, any other kind std::bad_cast.
   /// @quirk What a null cell throws in all conversions is an empty std::exception_ptr, by value, and no
@@ -225,6 +229,11 @@ class KESTA_API var {
   operator binary() const;
   /// From memo, and from every other kind its to_string(). A null cell throws exc::NullValue.
   operator memo() const;
+  /// Exactly, from decimals, integers and bool; from float and double the shortest text that reads back to
+  /// them, as the constructor of decimal; from text without the blanks at its ends by decimal::read(), which
+  /// throws what it reports, unlike the conversions above. Any other kind throws std::bad_cast, a null cell
+  /// exc::NullValue.
+  operator decimal() const;
   /// From dates, datetimes, integers (yyyymmdd) and text (a number, or "dd-mm-yyyy"). A text that is neither
   /// throws what the date's own parser throws; all else throws std::bad_cast, a null cell
   /// exc::NullValue.
@@ -236,8 +245,8 @@ class KESTA_API var {
   /// the conversion to date does.
   operator datetime() const;
 
-  /// Whether both hold the same type and their texts are equal; two null cells are equal. Decimals are
-  /// compared as they print, with six digits.
+  /// Whether both hold the same type and their texts are equal; two null cells are equal. Floats and doubles
+  /// are compared as they print, with six digits; decimals by value.
   bool operator==(const var& other) const {
     using detail::kind;
     if (data_.kind >= kind::boolean && data_.kind <= kind::double_) {

@@ -91,6 +91,7 @@ class KESTA_API xvar : public var {
   xvar(double value) noexcept : var(value) {}
   xvar(const binary& value) : var(value) {}
   xvar(const memo& value) : var(value) {}
+  xvar(const decimal& value) : var(value) {}
   xvar(const date& value) : var(value) {}
   xvar(const time& value) : var(value) {}
   xvar(const datetime& value) : var(value) {}
@@ -136,6 +137,7 @@ class KESTA_API xvar : public var {
   const xvar& operator=(double value) noexcept { return assign(value); }
   const xvar& operator=(const binary& value) { return assign(value); }
   const xvar& operator=(const memo& value) { return assign(value); }
+  const xvar& operator=(const decimal& value) { return assign(value); }
   const xvar& operator=(const date& value) { return assign(value); }
   const xvar& operator=(const time& value) { return assign(value); }
   const xvar& operator=(const datetime& value) { return assign(value); }

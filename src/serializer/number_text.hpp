@@ -16,6 +16,7 @@ using detail::text_sink;
 /// What var::to_string gives for a number, without the string.
 inline void put_number(text_sink& out, const var& value) {
   using detail::cell;
+  if (cell::kind_of(value) == detail::kind::decimal) return out.put(value.to_string());
   wchar_t* const to = out.room(texto::most_number_units);
   wchar_t* end = nullptr;
   if (cell::kind_of(value) == detail::kind::uxlong) {

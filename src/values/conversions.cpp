@@ -5,6 +5,7 @@
 #include <ruvo/binary.hpp>
 #include <ruvo/date.hpp>
 #include <ruvo/datetime.hpp>
+#include <ruvo/decimal.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/memo.hpp>
 #include <ruvo/time.hpp>
@@ -23,6 +24,7 @@
 #include "base/ascii.hpp"
 #include "base/numbers.hpp"
 #include "values/cell.hpp"
+#include "values/decimal_access.hpp"
 #include "values/kinds.hpp"
 
 namespace ruvo {
@@ -93,6 +95,14 @@ bool truth_of_text(std::wstring_view text) {
   return answer == truth::yes;
 }
 
+/// Without its decimals; the end of 64 bits for what is beyond.
+long long truncated(const decimal& value) {
+  const decimal whole = value.rounded(0, rounding::down);
+  constexpr long long most = std::numeric_limits<long long>::max();
+  if (whole.abs() <= most) return static_cast<long long>(whole);
+  return whole.is_negative() ? std::numeric_limits<long long>::min() : most;
+}
+
 long long to_integer(const var& v) {
   switch (family_of(v)) {
     case family::nothing:
@@ -103,6 +113,8 @@ long long to_integer(const var& v) {
       return cell::integer(v);
     case family::real:
       return texto::truncated(cell::real(v));
+    case family::exact:
+      return truncated(*cell::pointer<decimal>(v));
     case family::date:
       return static_cast<long>(lapse_of<date>(v));
     case family::time:
@@ -118,6 +130,8 @@ double to_double(const var& v) {
   switch (family_of(v)) {
     case family::real:
       return cell::real(v);
+    case family::exact:
+      return static_cast<double>(*cell::pointer<decimal>(v));
     case family::integer:
       if (cell::kind_of(v) == kind::uxlong)
         return static_cast<double>(static_cast<unsigned long long>(cell::integer(v)));
@@ -188,6 +202,7 @@ bool var::can_be_number() const {
   switch (family_of(*this)) {
     case family::truth:
     case family::integer:
+    case family::exact:
       return true;
     case family::real:
       return std::isfinite(cell::real(*this));
@@ -203,7 +218,7 @@ bool var::can_be_number() const {
 }
 
 bool var::can_be_boolean() const {
-  if (is_null() || is_lapse() || cell::is_container(*this)) return false;
+  if (is_null() || is_lapse() || cell::is_container(*this) || data_.kind == kind::decimal) return false;
   return cell::with_text(*this, [](std::wstring_view text) { return read_truth(text) != truth::unknown; });
 }
 
@@ -218,7 +233,12 @@ var::operator unsigned long() const { return static_cast<unsigned long>(to_integ
 var::operator long long() const { return to_integer(*this); }
 
 var::operator unsigned long long() const {
-  if (is_decimal() && cell::real(*this) >= texto::two_to_63) {
+  if (data_.kind == kind::decimal && *cell::pointer<decimal>(*this) > 0) {
+    const decimal whole = cell::pointer<decimal>(*this)->rounded(0, rounding::down);
+    constexpr unsigned long long most = std::numeric_limits<unsigned long long>::max();
+    return whole <= most ? detail::decimal_access::low(whole) : most;
+  }
+  if (family_of(*this) == family::real && cell::real(*this) >= texto::two_to_63) {
     const double value = cell::real(*this);
     return value < two_to_64 ? static_cast<unsigned long long>(value)
                              : std::numeric_limits<unsigned long long>::max();
@@ -263,6 +283,26 @@ var::operator binary() const {
 var::operator memo() const {
   require_value(*this);
   return data_.kind == kind::memo ? *cell::pointer<memo>(*this) : memo(to_string());
+}
+
+var::operator decimal() const {
+  switch (family_of(*this)) {
+    case family::nothing:
+      throw exc::NullValue();
+    case family::truth:
+      return integer();
+    case family::integer:
+      if (data_.kind == kind::uxlong) return static_cast<unsigned long long>(integer());
+      return integer();
+    case family::real:
+      return data_.kind == kind::float_ ? decimal(static_cast<float>(real())) : decimal(real());
+    case family::exact:
+      return *cell::pointer<decimal>(*this);
+    case family::text:
+      return decimal(texto::trimmed(cell::text(*this)));
+    default:
+      throw std::bad_cast();
+  }
 }
 
 // --- dates and times

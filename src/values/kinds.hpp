@@ -7,6 +7,7 @@
 #include <ruvo/bundle.hpp>
 #include <ruvo/date.hpp>
 #include <ruvo/datetime.hpp>
+#include <ruvo/decimal.hpp>
 #include <ruvo/list.hpp>
 #include <ruvo/memo.hpp>
 #include <ruvo/time.hpp>
@@ -27,6 +28,7 @@ enum class family : unsigned char {
   character,
   integer,
   real,
+  exact,
   date,
   time,
   datetime,
@@ -74,6 +76,7 @@ inline constexpr kind_traits kinds[] = {
     {kind::string_text, family::text, true, type_named<std::wstring>, L"un texto"},
     {kind::binary, family::prose, false, type_named<binary>, L"un binario"},
     {kind::memo, family::prose, false, type_named<memo>, L"un memo"},
+    {kind::decimal, family::exact, true, type_named<ruvo::decimal>, L"un número decimal exacto"},
     {kind::object, family::object, false, no_type, L"un objeto"},
     {kind::list, family::container, false, type_named<list>, L"una lista"},
     {kind::bundle, family::container, false, type_named<bundle>, L"un bundle"},

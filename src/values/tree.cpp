@@ -3,6 +3,7 @@
 // Copying, searching and destroying nested values.
 
 #include <ruvo/binary.hpp>
+#include <ruvo/decimal.hpp>
 #include <ruvo/memo.hpp>
 
 #include <cstddef>
@@ -132,6 +133,8 @@ class copier : public visitor {
         return cell::set_pointer(to, kind::binary, make<binary>(*cell::pointer<binary>(from)));
       case kind::memo:
         return cell::set_pointer(to, kind::memo, make<memo>(*cell::pointer<memo>(from)));
+      case kind::decimal:
+        return cell::set_pointer(to, kind::decimal, make<ruvo::decimal>(*cell::pointer<ruvo::decimal>(from)));
       case kind::object:
         return cell::set_pointer(to, kind::object, cell::pointer<object>(from)->clone());
       case kind::list:

@@ -5,6 +5,7 @@
 #include <ruvo/binary.hpp>
 #include <ruvo/date.hpp>
 #include <ruvo/datetime.hpp>
+#include <ruvo/decimal.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/memo.hpp>
 #include <ruvo/time.hpp>
@@ -104,6 +105,7 @@ void set_lapse(var& v, kind k, const T& value) {
 
 var::var(const binary& value) { cell::set_pointer(*this, kind::binary, detail::make<binary>(value)); }
 var::var(const memo& value) { cell::set_pointer(*this, kind::memo, detail::make<memo>(value)); }
+var::var(const decimal& value) { cell::set_pointer(*this, kind::decimal, detail::make<decimal>(value)); }
 var::var(const date& value) { set_lapse(*this, kind::date, value); }
 var::var(const time& value) { set_lapse(*this, kind::time, value); }
 var::var(const datetime& value) { set_lapse(*this, kind::datetime, value); }
@@ -132,6 +134,7 @@ var& var::operator=(var&& other) noexcept {
 
 const var& var::operator=(const binary& value) { return *this = var(value); }
 const var& var::operator=(const memo& value) { return *this = var(value); }
+const var& var::operator=(const decimal& value) { return *this = var(value); }
 const var& var::operator=(const date& value) { return *this = var(value); }
 const var& var::operator=(const time& value) { return *this = var(value); }
 const var& var::operator=(const datetime& value) { return *this = var(value); }
@@ -154,6 +157,8 @@ void var::destroy() noexcept {
       return detail::unmake(cell::pointer<binary>(*this));
     case kind::memo:
       return detail::unmake(cell::pointer<memo>(*this));
+    case kind::decimal:
+      return detail::unmake(cell::pointer<decimal>(*this));
     case kind::object:
       return cell::pointer<detail::object>(*this)->destroy();
     default:
@@ -177,7 +182,9 @@ bool var:: instanceof (const std::type_info& type) const noexcept {
 bool var::is_primitive() const noexcept { return traits_of(*this).primitive; }
 bool var::is_number() const noexcept { return is_integer() || is_decimal(); }
 bool var::is_integer() const noexcept { return family_of(*this) == family::integer; }
-bool var::is_decimal() const noexcept { return family_of(*this) == family::real; }
+bool var::is_decimal() const noexcept {
+  return family_of(*this) == family::real || family_of(*this) == family::exact;
+}
 bool var::is_lapse() const noexcept { return data_.kind >= kind::date && data_.kind <= kind::datetime; }
 
 bool var::is_charsquence() const noexcept {
@@ -232,6 +239,9 @@ void append_text(std::wstring& out, const var& v) {
     case kind::memo:
       out += cell::pointer<memo>(v)->to_string();
       return;
+    case kind::decimal:
+      out += cell::pointer<ruvo::decimal>(v)->to_string();
+      return;
     case kind::object:
       out += cell::pointer<object>(v)->to_string();
       return;
@@ -247,7 +257,7 @@ void append_text(std::wstring& out, const var& v) {
 }  // namespace detail
 
 std::wstring var::to_string() const {
-  if (is_decimal()) {  // made in its size at once
+  if (family_of(*this) == family::real) {  // made in its size at once
     wchar_t text[texto::most_fixed_units];
     const wchar_t* end = texto::print_fixed(text, real());
     if (!end) end = texto::print_any_fixed(text, real());
@@ -268,7 +278,8 @@ bool var::equals(const var& other) const {
   if (is_null() || other.is_null()) return is_null() && other.is_null();
   if (*get_type() != *other.get_type()) return false;
   if (cell::is_text(*this)) return cell::text(*this) == cell::text(other);
-  if (is_decimal() && std::fabs(real() - other.real()) > most_apart) return false;
+  if (data_.kind == kind::decimal) return *cell::pointer<decimal>(*this) == *cell::pointer<decimal>(other);
+  if (family_of(*this) == family::real && std::fabs(real() - other.real()) > most_apart) return false;
   return to_string() == other.to_string();
 }
 

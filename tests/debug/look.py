@@ -47,6 +47,8 @@ TEXTS = [
     ("long_text", 'L"una línea más larga que la celda"'),
     ("bytes", "binary of 4: 01 FF 20 7A", "binary { size=4 }"),
     ("note", 'L"nota"', 'memo L"nota"'),
+    ("amount", "-12.50", "-1250e-2"),
+    ("many", "18446744073709551617.5", "(10 * 2^64 + 15)e-1"),
     ("tint", 'L"#102030" (16, 32, 48, 1)'),
     ("none", "list of 0", "{ size=0 }"),
     ("numbers", 'list of 3 = {[0] = 3, [1] = L"x", [2] = null}', "{ size=3 }"),

@@ -7,6 +7,7 @@
 #include <ruvo/bundle.hpp>
 #include <ruvo/color.hpp>
 #include <ruvo/datetime.hpp>
+#include <ruvo/decimal.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/file.hpp>
 #include <ruvo/list.hpp>
@@ -51,6 +52,7 @@ int main(int count, char**) {
   const ruvo::var nothing = ruvo::datetime(-1LL);
   const ruvo::var empty_text = L"", short_text = L"añ\"o", long_text = L"una línea más larga que la celda";
   const ruvo::var bytes = ruvo::binary(std::string("\x01\xFF z", 4)), note = ruvo::memo(L"nota");
+  const ruvo::var amount = ruvo::decimal(L"-12.50"), many = ruvo::decimal(L"18446744073709551617.5");
   const ruvo::xvar tint = ruvo::color(L"#102030");
 
   const ruvo::list none, numbers = {3, L"x", ruvo::xvar()};

@@ -5,6 +5,7 @@
 // when it is complete, of as many as it has, in one piece.
 
 #include <ruvo/bundle.hpp>
+#include <ruvo/decimal.hpp>
 #include <ruvo/list.hpp>
 #include <ruvo/standard_json.hpp>
 #include <ruvo/xvar.hpp>
@@ -129,6 +130,11 @@ class json_builder {
   /// Given as 64 bits.
   void natural(long long bits) { detail::cell::set_integer(push(), detail::kind::uxlong, bits); }
   void real(double value) { detail::cell::set_real(push(), value); }
+  void exact(const decimal& value) {
+    xvar& to = push();
+    account(sizeof value);
+    static_cast<var&>(to) = var(value);
+  }
   void text(std::wstring_view text) {
     xvar& to = push();
     account_text(text.size());

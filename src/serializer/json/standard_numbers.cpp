@@ -4,6 +4,9 @@
 
 #include "serializer/json/standard_numbers.hpp"
 
+#include <ruvo/decimal.hpp>
+#include <ruvo/exception.hpp>
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -97,6 +100,12 @@ number_value uncommon_value(const number_parts& parts, std::string_view written,
     if (error == std::errc() && !parts.negative) return {form::natural, static_cast<long long>(value), 0};
     if (error == std::errc() && value == first_beyond)
       return {form::integer, static_cast<long long>(0 - value), 0};
+  }
+  if (options.decimals) {
+    decimal value;
+    exception failure;
+    if (value.read(written, failure)) return {form::exact, 0, 0};
+    return {options.inexact == json_number::text ? form::written : form::refused, 0, 0};
   }
   number_value out = real_value(written, options);
   if (parts.negative) out.real = -out.real;

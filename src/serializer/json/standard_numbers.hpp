@@ -16,7 +16,8 @@ namespace ruvo::serializer {
 
 /// A number of a text, and what holds it.
 struct number_value {
-  enum class form { integer, natural, real, written, refused };  // natural: beyond long long only
+  // natural: beyond long long only; exact: a decimal, which is made of the text again
+  enum class form { integer, natural, real, exact, written, refused };
 
   form kind = form::integer;
   long long integer = 0;  // of a natural number too
@@ -105,7 +106,7 @@ inline number_value value_of(const number_parts& parts, std::basic_string_view<U
     const auto value = static_cast<long long>(parts.digits);
     return {form::integer, parts.negative ? -value : value, 0};
   }
-  if (options.inexact == json_number::nearest && !parts.whole && parts.exponent == 0 &&
+  if (options.inexact == json_number::nearest && !options.decimals && !parts.whole && parts.exponent == 0 &&
       parts.count <= texto::most_quotient_digits) {
     const double value = texto::quotient(parts.digits, static_cast<int>(parts.decimals));
     return {form::real, 0, parts.negative ? -value : value};

@@ -3,6 +3,7 @@
 
 // The reader of standard JSON for a text that is there as a whole.
 
+#include <ruvo/decimal.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/standard_json.hpp>
 
@@ -213,6 +214,9 @@ class whole_json {
         break;
       case number_value::form::real:
         builder_.real(value.real);
+        break;
+      case number_value::form::exact:
+        builder_.exact(decimal(written));
         break;
       case number_value::form::written:
         plain_text(written);

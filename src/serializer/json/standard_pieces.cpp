@@ -4,6 +4,7 @@
 
 #include "serializer/json/standard_pieces.hpp"
 
+#include <ruvo/decimal.hpp>
 #include <ruvo/xvar.hpp>
 
 #include <deque>
@@ -137,7 +138,12 @@ class value_maker : public ijson_events {
   void on_double(double value_read) override {
     value([&] { builder_.real(value_read); });
   }
-  void on_number(std::wstring_view written) override { on_text(written); }
+  void on_number(std::wstring_view written) override {
+    decimal exact;
+    exception failure;
+    if (!options_.decimals || !exact.read(written, failure)) return on_text(written);
+    value([&] { builder_.exact(exact); });
+  }
   void on_text(std::wstring_view text) override {
     value([&] { builder_.text(text); });
   }

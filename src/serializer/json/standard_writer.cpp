@@ -4,6 +4,7 @@
 
 #include <ruvo/binary.hpp>
 #include <ruvo/bundle.hpp>
+#include <ruvo/decimal.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/list.hpp>
 #include <ruvo/memo.hpp>
@@ -30,6 +31,7 @@
 #include "serializer/json/spelling.hpp"
 #include "serializer/json/standard_text.hpp"
 #include "values/cell.hpp"
+#include "values/decimal_access.hpp"
 #include "values/walk.hpp"
 
 namespace ruvo::serializer {
@@ -72,6 +74,8 @@ class scalar_writer {
       case kind::float_:
       case kind::double_:
         return put_double(out, cell::real(value));
+      case kind::decimal:
+        return put_decimal(out, *cell::pointer<decimal>(value));
       case kind::date:
       case kind::time:
       case kind::datetime:
@@ -137,6 +141,11 @@ class scalar_writer {
       char text[texto::most_shortest_units];
       put_ascii(out, {text, texto::print_shortest(text, value)});
     }
+  }
+
+  static void put_decimal(sink<Out>& out, const decimal& value) {
+    char text[detail::decimal_access::most_units];
+    put_ascii(out, {text, detail::decimal_access::print(text, value)});
   }
 
   void put_lapse(sink<Out>& out, const var& value) const {

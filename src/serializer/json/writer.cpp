@@ -71,6 +71,8 @@ void put_scalar(text_sink& out, const xvar& value, bool escaped, bool null_as_em
       return put_number(out, static_cast<double>(cell::integer(value)));
     case kind::binary:
       return put_quoted(out, cell::pointer<binary>(value)->getAsB64(false), false);
+    case kind::decimal:  // readers of this dialect make doubles of numbers
+      return put_quoted(out, value.to_string(), false);
     default:
       if (value.is_number()) return put_number(out, value);
       if (cell::is_text(value)) return put_quoted(out, cell::text(value), escaped);

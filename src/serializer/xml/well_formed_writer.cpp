@@ -487,6 +487,7 @@ class document_writer : public detail::visitor {
       case family::truth:
         return cell::integer(value) ? out_.put_literal(L"true") : out_.put_literal(L"false");
       case family::integer:
+      case family::exact:
         return put_number(out_, value);
       case family::real:
         return put_real(out_, value);
