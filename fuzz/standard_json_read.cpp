@@ -82,6 +82,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   json_read_options options;
   options.inexact = size % 3 == 0 ? json_number::text : json_number::nearest;
   options.byte_order_mark = size % 5 == 0;
+  options.decimals = size % 7 == 0;
   const std::string bytes = fuzz::narrow(data, size);
   const std::wstring text = fuzz::wide(data, size);
   const outcome narrow = read(std::string_view(bytes), options);
