@@ -50,6 +50,7 @@ class KESTA_API date : public lapse {
   template <std::derived_from<var> V>
   explicit date(const V& value) : date(value.operator date()) {}
   date(const date& other);
+  date(date&& other) noexcept;
   ~date() override;
 
   date& operator=(const date& other);

@@ -59,6 +59,7 @@ class KESTA_API datetime : public lapse {
   template <std::derived_from<var> V>
   explicit datetime(const V& value) : datetime(value.operator datetime()) {}
   datetime(const datetime& other);
+  datetime(datetime&& other) noexcept;
   ~datetime() override;
 
   datetime& operator=(const datetime& other);

@@ -9,6 +9,7 @@
 
 #include <concepts>
 #include <cstddef>
+#include <string_view>
 #include <type_traits>
 
 // Macros of others.
@@ -34,6 +35,11 @@ concept is_pointer_without_text = (std::is_pointer_v<P> && !std::convertible_to<
                                    !std::convertible_to<P, const wchar_t*> &&
                                    !std::convertible_to<P, const char8_t*>) ||
                                   std::is_member_pointer_v<P>;
+
+/// A view of a text, exactly: what converts to one goes where its other conversions lead.
+template <class View>
+concept is_text_view = std::same_as<View, std::wstring_view> || std::same_as<View, std::string_view> ||
+    std::same_as<View, std::u8string_view>;
 
 template <class P>
 concept is_pointer_to_characters =

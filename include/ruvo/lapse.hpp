@@ -49,6 +49,7 @@ class KESTA_API lapse {
   /// The current instant, in whole seconds, by the clock of the thread's context.
   lapse(times::HUSO huso = huso_horario);
   lapse(const lapse& other);
+  lapse(lapse&& other) noexcept;
   virtual ~lapse();
   lapse& operator=(const lapse& other);
   /// The seconds; the mode stays.

@@ -52,6 +52,7 @@ class KESTA_API time : public lapse {
   template <std::derived_from<var> V>
   explicit time(const V& value) : time(value.operator time()) {}
   time(const time& other);
+  time(time&& other) noexcept;
   ~time() override;
 
   time& operator=(const time& other);

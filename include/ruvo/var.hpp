@@ -14,6 +14,7 @@
 #include <cstring>
 #include <iosfwd>
 #include <string>
+#include <string_view>
 #include <typeinfo>
 
 // Macros of others.
@@ -99,6 +100,11 @@ class KESTA_API var {
   var(const char* value);         ///< From UTF-8; null gives the empty text.
   var(const char8_t* value);      ///< The same, as `u8"texto"`.
   var(const std::u8string& value);
+  /// A copy of what the view shows; of bytes, as UTF-8.
+  template <detail::is_text_view View>
+  var(View value) {
+    take_text(value);
+  }
   /// Refused: the pointer would become a bool.
   template <detail::is_pointer_without_text P>
   var(P pointer) = delete;
@@ -130,6 +136,10 @@ class KESTA_API var {
   const var& operator=(const char* value);
   const var& operator=(const char8_t* value);
   const var& operator=(const std::u8string& value);
+  template <detail::is_text_view View>
+  const var& operator=(View value) {
+    return *this = var(value);
+  }
   /// Refused: the pointer would become a bool.
   template <detail::is_pointer_without_text P>
   const var& operator=(P pointer) = delete;
@@ -313,7 +323,13 @@ class KESTA_API var {
   void release() noexcept {
     if (data_.kind > detail::kind::last_inside) destroy();
   }
-  void copy(const var& other);  // this cell owns nothing
+  // For a cell that owns nothing.
+  void copy(const var& other);
+  void take_text(std::wstring_view text);
+  void take_text(std::string_view utf8);
+  void take_text(std::u8string_view text) {
+    take_text(std::string_view(reinterpret_cast<const char*>(text.data()), text.size()));
+  }
   void destroy() noexcept;
   bool equals(const var& other) const;
 

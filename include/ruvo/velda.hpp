@@ -44,6 +44,7 @@ class KESTA_API date : public ruvo::date {
   /// The same day in another mode. It fails only for lack of memory.
   date(const date& other, times::HUSO huso);
   date(const date& other);
+  date(date&& other) noexcept;
   ~date() override;
   date& operator=(const date& other);
 

@@ -101,6 +101,8 @@ class KESTA_API xvar : public var {
   xvar(const char* value) : var(value) {}
   xvar(const char8_t* value) : var(value) {}
   xvar(const std::u8string& value) : var(value) {}
+  template <detail::is_text_view View>
+  xvar(View value) : var(value) {}
   /// Refused: the pointer would become a bool.
   template <detail::is_pointer_without_text P>
   xvar(P pointer) = delete;
@@ -147,6 +149,10 @@ class KESTA_API xvar : public var {
   const xvar& operator=(const char* value) { return assign(value); }
   const xvar& operator=(const char8_t* value) { return assign(value); }
   const xvar& operator=(const std::u8string& value) { return assign(value); }
+  template <detail::is_text_view View>
+  const xvar& operator=(View value) {
+    return assign(value);
+  }
   /// Refused: the pointer would become a bool.
   template <detail::is_pointer_without_text P>
   const xvar& operator=(P pointer) = delete;

@@ -36,6 +36,7 @@ date::date(const std::wstring& text, times::HUSO huso, const std::string& format
 date::date(const datetime& instant) : lapse(instant) { reset_time(); }
 date::date(as_it_is, long long seconds, times::HUSO huso) noexcept : lapse(seconds, huso) {}
 date::date(const date& other) = default;
+date::date(date&& other) noexcept = default;
 date::~date() = default;
 
 date& date::operator=(const date& other) = default;

@@ -39,6 +39,7 @@ datetime::datetime(const date& day, const time& hour, times::HUSO huso) : lapse(
 datetime::datetime(const date& value) : lapse(value) {}
 datetime::datetime(const time& value) : lapse(value) {}
 datetime::datetime(const datetime& other) = default;
+datetime::datetime(datetime&& other) noexcept = default;
 datetime::~datetime() = default;
 
 datetime& datetime::operator=(const datetime& other) = default;

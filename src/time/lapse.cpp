@@ -195,6 +195,7 @@ const times::HUSO lapse::huso_horario;
 
 lapse::lapse(times::HUSO huso) : lapso_(present_seconds()), huso_(huso) {}
 lapse::lapse(const lapse& other) = default;
+lapse::lapse(lapse&& other) noexcept = default;
 lapse::~lapse() = default;
 lapse& lapse::operator=(const lapse& other) = default;
 

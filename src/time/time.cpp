@@ -47,6 +47,7 @@ time::time(const std::wstring& text, times::HUSO huso, const std::string& format
 }
 time::time(const datetime& instant) : lapse(instant) {}
 time::time(const time& other) = default;
+time::time(time&& other) noexcept = default;
 time::~time() = default;
 
 time& time::operator=(const time& other) = default;

@@ -101,6 +101,7 @@ date::date(const date& other, times::HUSO huso) : ruvo::date(other), number_(oth
   if (at.tm_mday != 0) follow(civil::nearest_int(at.tm_year + 1900LL), at.tm_mon + 1, at.tm_mday);
 }
 date::date(const date& other) = default;
+date::date(date&& other) noexcept = default;
 date::~date() = default;
 date& date::operator=(const date& other) = default;
 date& date::operator=(const ruvo::date& day) {

@@ -110,20 +110,28 @@ bundle::operator xvar() && {
 
 // --- direct access
 
-xvar& bundle::operator[](const std::wstring& key) { return put_in(*this, key_view(folded_key(key))); }
-xvar& bundle::operator[](const std::string& key) { return (*this)[to_utf_16(key)]; }
-xvar& bundle::operator[](const wchar_t* key) {
-  return put_in(*this, key_view(folded_key(texto::view_of(key))));
-}
-xvar& bundle::operator[](const char* key) { return (*this)[std::string(key ? key : "")]; }
-const xvar& bundle::operator[](const wchar_t* key) const { return at(std::wstring(texto::view_of(key))); }
-const xvar& bundle::operator[](const char* key) const { return at(std::string(key ? key : "")); }
+std::wstring bundle::wide_text(std::string_view utf8) { return to_utf_16(utf8); }
 
-const xvar& bundle::at(const std::wstring& key) const {
+xvar& bundle::put_key(std::wstring_view key) { return put_in(*this, key_view(folded_key(key))); }
+
+const xvar& bundle::look_key(std::wstring_view key) const {
   const entry* const found = find_folded(store_, folded_key(key).view());
   if (!found) throw detail::missing_key(key);
   return found->second;
 }
+
+bundle::iterator bundle::seek_key(std::wstring_view key) {
+  return {store_, find_folded(store_, folded_key(key).view()), 0};
+}
+
+xvar& bundle::operator[](const std::wstring& key) { return put_key(key); }
+xvar& bundle::operator[](const std::string& key) { return (*this)[to_utf_16(key)]; }
+xvar& bundle::operator[](const wchar_t* key) { return put_key(texto::view_of(key)); }
+xvar& bundle::operator[](const char* key) { return (*this)[std::string(key ? key : "")]; }
+const xvar& bundle::operator[](const wchar_t* key) const { return look_key(texto::view_of(key)); }
+const xvar& bundle::operator[](const char* key) const { return at(std::string(key ? key : "")); }
+
+const xvar& bundle::at(const std::wstring& key) const { return look_key(key); }
 const xvar& bundle::at(const std::string& key) const { return at(to_utf_16(key)); }
 
 bundle::iterator bundle::nth(unsigned long long n) noexcept {
@@ -135,9 +143,7 @@ const std::wstring& bundle::spelling(size_type n) const {
   return store_->nth(n)->spelling();
 }
 
-bundle::iterator bundle::find(const std::wstring& key) {
-  return {store_, find_folded(store_, folded_key(key).view()), 0};
-}
+bundle::iterator bundle::find(const std::wstring& key) { return seek_key(key); }
 bundle::iterator bundle::find(const std::string& key) { return find(to_utf_16(key)); }
 bundle::const_iterator bundle::find(const std::wstring& key) const {
   return const_cast<bundle*>(this)->find(key);
@@ -174,7 +180,7 @@ bundle::iterator bundle::begin() noexcept { return {store_, store_ ? store_->fir
 
 // --- paths
 
-const xvar* bundle::get_ptr(const std::wstring& path, char separator) const {
+const xvar* bundle::follow_path(std::wstring_view path, char separator) const {
   const folded_path folded(path);
   std::wstring_view rest = folded.view(), head;
   const bundle_store* in = store_;
@@ -187,6 +193,10 @@ const xvar* bundle::get_ptr(const std::wstring& path, char separator) const {
   return found ? &found->second : nullptr;
 }
 
+const xvar* bundle::get_ptr(const std::wstring& path, char separator) const {
+  return follow_path(path, separator);
+}
+
 const xvar& bundle::get(const std::wstring& path, char separator) const {
   const xvar* const found = get_ptr(path, separator);
   if (!found) throw detail::no_entry(path);
@@ -197,7 +207,7 @@ bool bundle::has(const std::wstring& path, char separator) const {
   return get_ptr(path, separator) != nullptr;
 }
 
-xvar& bundle::hack(const std::wstring& path, char separator) {
+xvar& bundle::make_path(std::wstring_view path, char separator) {
   const folded_path folded(path, detail::units::owned);
   std::wstring_view rest = folded.view(), head;
   const auto part = [&](std::wstring_view name) {
@@ -208,6 +218,8 @@ xvar& bundle::hack(const std::wstring& path, char separator) {
   while (split_head(rest, unit_of(separator), head)) in = &cell::on_bundle(put_in(*in, part(head)));
   return put_in(*in, part(rest));
 }
+
+xvar& bundle::hack(const std::wstring& path, char separator) { return make_path(path, separator); }
 
 xvar* bundle::hack_ptr(const std::wstring& path, char separator) { return &hack(path, separator); }
 
@@ -328,8 +340,14 @@ float bundle::get_nc_float(const std::wstring& path, float fallback, char separa
   return nonzero_or(get_ptr(path, separator), fallback);
 }
 
-bool bundle::get_boolean(const std::wstring& path, bool fallback, char separator) const {
-  const xvar* const found = get_ptr(path, separator);
+long bundle::value_or(const xvar* found, long fallback) { return number_or(found, fallback); }
+unsigned long bundle::value_or(const xvar* found, unsigned long fallback) {
+  return number_or(found, fallback);
+}
+long long bundle::value_or(const xvar* found, long long fallback) { return number_or(found, fallback); }
+double bundle::value_or(const xvar* found, double fallback) { return number_or(found, fallback); }
+
+bool bundle::value_or(const xvar* found, bool fallback) {
   if (!found || !found->can_be_boolean()) return fallback;
   try {
     return static_cast<bool>(*found);
@@ -338,10 +356,17 @@ bool bundle::get_boolean(const std::wstring& path, bool fallback, char separator
   }
 }
 
+bool bundle::get_boolean(const std::wstring& path, bool fallback, char separator) const {
+  return value_or(get_ptr(path, separator), fallback);
+}
+
+std::wstring bundle::value_or(const xvar* found, const std::wstring& fallback) {
+  return found && found->is_not_null() ? found->to_string() : fallback;
+}
+
 std::wstring bundle::get_string(const std::wstring& path, char separator,
                                 const std::wstring& fallback) const {
-  const xvar* const found = get_ptr(path, separator);
-  return found && found->is_not_null() ? found->to_string() : fallback;
+  return value_or(get_ptr(path, separator), fallback);
 }
 
 std::wstring bundle::get_nc_string(const std::wstring& path, const std::wstring& fallback,
@@ -360,14 +385,22 @@ const memo& bundle::get_memo(const std::wstring& path, const memo& fallback, cha
   return held ? *held : fallback;
 }
 
-const bundle& bundle::get_bundle(const std::wstring& path, char separator) const {
-  const bundle* const held = bundle_in(get_ptr(path, separator));
+const bundle& bundle::bundle_or_none(const xvar* found) {
+  const bundle* const held = bundle_in(found);
   return held ? *held : cell::as_bundle(xvar_dummies::of(typeid(bundle)));
 }
 
-const list& bundle::get_list(const std::wstring& path, char separator) const {
-  const list* const held = list_in(get_ptr(path, separator));
+const list& bundle::list_or_none(const xvar* found) {
+  const list* const held = list_in(found);
   return held ? *held : cell::as_list(xvar_dummies::of(typeid(list)));
+}
+
+const bundle& bundle::get_bundle(const std::wstring& path, char separator) const {
+  return bundle_or_none(get_ptr(path, separator));
+}
+
+const list& bundle::get_list(const std::wstring& path, char separator) const {
+  return list_or_none(get_ptr(path, separator));
 }
 
 const bundle& bundle::get_nc_bundle(const std::wstring& path, const bundle& fallback, char separator) const {

@@ -146,6 +146,8 @@ const var& var::operator=(const char8_t* value) { return *this = var(value); }
 const var& var::operator=(const std::u8string& value) { return *this = var(value); }
 
 void var::copy(const var& other) { detail::copy_tree(*this, other); }
+void var::take_text(std::wstring_view text) { cell::set_text(*this, text); }
+void var::take_text(std::string_view utf8) { cell::set_text(*this, texto::to_utf_16(utf8)); }
 
 void var::destroy() noexcept {
   switch (data_.kind) {
