@@ -53,6 +53,7 @@
 #include <ruvo/url.hpp>
 #include <ruvo/var.hpp>
 #include <ruvo/velda.hpp>
+#include <ruvo/views.hpp>
 #include <ruvo/well_formed_xml.hpp>
 #include <ruvo/wider.hpp>
 #include <ruvo/xml.hpp>
