@@ -19,6 +19,7 @@
 #include <ruvo/exc.hpp>
 #include <ruvo/exception.hpp>
 #include <ruvo/fences.hpp>
+#include <ruvo/fields.hpp>
 #include <ruvo/file.hpp>
 #include <ruvo/files.hpp>
 #include <ruvo/folder_type.hpp>
