@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSL-1.0
 #pragma once
 
-// All of kesta: every public header.
+// All of kesta: every public header but <ruvo/fmt.hpp>, which is for programs with {fmt}.
 
 #include <ruvo/api.hpp>
 #include <ruvo/application.hpp>
@@ -16,6 +16,7 @@
 #include <ruvo/datetime.hpp>
 #include <ruvo/decimal.hpp>
 #include <ruvo/digest.hpp>
+#include <ruvo/error_code.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/exception.hpp>
 #include <ruvo/fences.hpp>
@@ -46,6 +47,7 @@
 #include <ruvo/serializer.hpp>
 #include <ruvo/smtp.hpp>
 #include <ruvo/standard_json.hpp>
+#include <ruvo/std.hpp>
 #include <ruvo/sync.hpp>
 #include <ruvo/task.hpp>
 #include <ruvo/texto.hpp>
