@@ -17,6 +17,74 @@
 
 #include "support/harness.hpp"
 
+namespace trade {
+
+struct linea {
+  std::wstring articulo;
+  long long unidades = 0;
+  double precio = 0;
+};
+KESTA_FIELDS(linea, articulo, unidades, precio)
+
+struct pedido {
+  std::wstring numero, cliente, nif, poblacion;
+  long long agente = 0;
+  int plazo = 0;
+  double base = 0, total = 0;
+  bool urgente = false;
+  std::vector<linea> lineas;
+};
+KESTA_FIELDS(pedido, numero, cliente, nif, poblacion, agente, plazo, base, total, urgente, lineas)
+
+/// What a program does without the fields.
+void read_by_hand(pedido& out, const ruvo::bundle& from) {
+  out.numero = from.get_string(L"numero");
+  out.cliente = from.get_string(L"cliente");
+  out.nif = from.get_string(L"nif");
+  out.poblacion = from.get_string(L"poblacion");
+  out.agente = from.get_xlong(L"agente");
+  out.plazo = from.get_long(L"plazo");
+  out.base = from.get_double(L"base");
+  out.total = from.get_double(L"total");
+  out.urgente = from.get_boolean(L"urgente");
+  const ruvo::list& lines = from.get_list(L"lineas");
+  out.lineas.clear();
+  out.lineas.reserve(lines.size());
+  for (const ruvo::xvar& each : lines) {
+    const ruvo::bundle* const line = ruvo::as_bundle(each);
+    if (!line) continue;
+    linea& made = out.lineas.emplace_back();
+    made.articulo = line->get_string(L"articulo");
+    made.unidades = line->get_xlong(L"unidades");
+    made.precio = line->get_double(L"precio");
+  }
+}
+
+ruvo::bundle write_by_hand(const pedido& from) {
+  ruvo::bundle out;
+  out.reserve(10);
+  out[L"numero"] = from.numero;
+  out[L"cliente"] = from.cliente;
+  out[L"nif"] = from.nif;
+  out[L"poblacion"] = from.poblacion;
+  out[L"agente"] = from.agente;
+  out[L"plazo"] = from.plazo;
+  out[L"base"] = from.base;
+  out[L"total"] = from.total;
+  out[L"urgente"] = from.urgente;
+  ruvo::list& lines = out.hack_list_on(L"lineas");
+  for (const linea& each : from.lineas) {
+    ruvo::bundle& line = lines.on_back_bundle();
+    line.reserve(3);
+    line[L"articulo"] = each.articulo;
+    line[L"unidades"] = each.unidades;
+    line[L"precio"] = each.precio;
+  }
+  return out;
+}
+
+}  // namespace trade
+
 namespace {
 
 constexpr int repeats = 1000;  // operations of one run: a call of the run itself must not count
@@ -210,6 +278,28 @@ void paths_among_many(bench::table& table) {
             {{"at_pointer", 1.0}});
 }
 
+/// The fields of a struct against getters and keys that are written one by one.
+void structs(bench::table& table) {
+  trade::pedido from{
+      L"2026-000123", L"Talleres Imaginarios", L"00000000T", L"Vigo", 7, 30, 100.5, 121.6, true, {}};
+  for (int n = 0; n < 5; ++n) from.lineas.push_back({L"A-" + std::to_wstring(n), n, n + 0.25});
+  const ruvo::bundle document = trade::write_by_hand(from);
+  trade::pedido own, peer;
+  ruvo::field_report report;
+  table.row("struct, read", "10 fields, 5 rows", {repeats, bench::amount::operations},
+            {repeated("kesta", [&](int) { bench::use(ruvo::read_fields(own, document, report)); }),
+             repeated("by hand",
+                      [&](int) {
+                        trade::read_by_hand(peer, document);
+                        bench::use(peer);
+                      })},
+            {{"by hand", 0.9}});
+  table.row("struct, write", "10 fields, 5 rows", {repeats, bench::amount::operations},
+            {repeated("kesta", [&](int) { bench::use(ruvo::to_bundle(from)); }),
+             repeated("by hand", [&](int) { bench::use(trade::write_by_hand(from)); })},
+            {{"by hand", 0.9}});
+}
+
 }  // namespace
 
 int main() {
@@ -223,4 +313,5 @@ int main() {
   look_up(table, "Capitals", capitals);
   paths(table);
   paths_among_many(table);
+  structs(table);
 }
