@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <string_view>
 
 #include "system/file.hpp"
@@ -25,11 +26,34 @@ class file_reader {
   std::size_t left() const noexcept { return left_; }
   /// Reads that many bytes; not more than are left.
   void read(void* to, std::size_t count);
+  /// Reads that many bytes at a place, whatever is left; they are to be there. Not together with read().
+  void read_at(unsigned long long offset, void* to, std::size_t count);
 
  private:
   const file& path_;
   platform::open_file in_;
   std::size_t left_ = 0;
+};
+
+/// A new file in the manner of write(), which gets its name when it is settled, or goes away. Throws
+/// exc::fileOsStream.
+class file_writer {
+ public:
+  explicit file_writer(const file& path);
+  file_writer(file_writer&& other) noexcept;
+  file_writer& operator=(file_writer&& other) noexcept;
+  ~file_writer();
+
+  void write_at(unsigned long long offset, std::string_view piece);
+  /// Ends the file there.
+  void cut(unsigned long long size);
+  /// Takes the name. It waits until the disk has all unless the file is given `facts`, which those have that
+  /// are copies of something.
+  void settle(const platform::new_file_facts* facts = nullptr);
+
+ private:
+  struct body;
+  std::unique_ptr<body> body_;
 };
 
 using put_piece = std::function<void(std::string_view)>;

@@ -182,22 +182,47 @@ class stand_in {
     if (number_) stand_ins().give_back(number_);
   }
 
+  /// Makes the file, which may then be written.
+  platform::open_file& open() {
+    constexpr int attempts = 100;
+    for (int i = 0; i < attempts; ++i) {
+      file path = free_name();
+      out_.emplace(path, platform::open_file::to_create, replaces_ ? target_ : file());
+      if (*out_) {
+        path_ = std::move(path);
+        return *out_;
+      }
+      if (!path.exists()) break;
+    }
+    throw exc::fileOsStream(target_);
+  }
+  platform::open_file& out() noexcept { return *out_; }
+
+  void expect(bool done) const {
+    if (!done) throw exc::fileOsStream(target_);
+  }
+  void close() {
+    expect(out_->close());
+    out_.reset();
+  }
+
   void fill(std::string_view content) {
-    make([&](platform::open_file& out) { return out.write(content) && out.flush() && out.keep(); });
+    expect(open().write(content));
+    expect(out_->flush() && out_->keep());
+    close();
   }
 
   void fill(const std::function<void(const put_piece&)>& produce) {
-    make([&](platform::open_file& out) {
-      produce([&](std::string_view piece) {
-        if (!out.write(piece)) throw exc::fileOsStream(target_);
-      });
-      return out.flush() && out.keep();
-    });
+    open();
+    produce([this](std::string_view piece) { expect(out_->write(piece)); });
+    expect(out_->flush() && out_->keep());
+    close();
   }
 
   // The name is taken first, so that what is discarded after a failure is never somebody else's.
   void copy(const file& from) {
-    make([](platform::open_file& out) { return out.keep(); });
+    expect(open().keep());
+    close();
     if (!platform::copy_content(from, path_)) throw exc::fileOsStream(target_);
     platform::entry_facts wanted, made;
     if (!platform::read_facts(from, platform::links::follow, wanted) ||
@@ -220,24 +245,8 @@ class stand_in {
   }
 
  private:
-  template <class Work>
-  void make(Work work) {
-    constexpr int attempts = 100;
-    for (int i = 0; i < attempts; ++i) {
-      file path = free_name();
-      platform::open_file out(path, platform::open_file::to_create, replaces_ ? target_ : file());
-      if (!out) {
-        if (path.exists()) continue;
-        break;
-      }
-      path_ = std::move(path);
-      if (!work(out) || !out.close()) break;
-      return;
-    }
-    throw exc::fileOsStream(target_);
-  }
-
   void discard() noexcept {
+    out_.reset();
     if (path_.empty()) return;
     try {
       platform::remove_file(path_, true);
@@ -262,6 +271,7 @@ class stand_in {
   const file& target_;
   const bool replaces_;
   file path_;
+  std::optional<platform::open_file> out_;
   unsigned number_ = 0;
 };
 
@@ -361,6 +371,45 @@ void file_reader::read(void* to, std::size_t count) {
     at += got;
     count -= got;
   }
+}
+
+void file_reader::read_at(unsigned long long offset, void* to, std::size_t count) {
+  char* at = static_cast<char*>(to);
+  while (count) {
+    std::size_t got = 0;
+    if (!in_.read_at(offset, at, count, got)) throw exc::fileOsStream(path_);
+    if (!got) throw exc::fileStrageFileSize(path_);
+    at += got;
+    offset += got;
+    count -= got;
+  }
+}
+
+struct file_writer::body {
+  explicit body(const file& target) : path(target) {}
+  file path;
+  stand_in made{path, true};
+};
+
+file_writer::file_writer(const file& path) : body_(std::make_unique<body>(path)) {
+  expect_writable(body_->path, true);
+  body_->made.open();
+}
+file_writer::file_writer(file_writer&&) noexcept = default;
+file_writer& file_writer::operator=(file_writer&&) noexcept = default;
+file_writer::~file_writer() = default;
+
+void file_writer::write_at(unsigned long long offset, std::string_view piece) {
+  body_->made.expect(body_->made.out().write_at(offset, piece));
+}
+void file_writer::cut(unsigned long long size) { body_->made.expect(body_->made.out().cut(size)); }
+
+void file_writer::settle(const platform::new_file_facts* facts) {
+  stand_in& made = body_->made;
+  made.expect((facts || made.out().flush()) && made.out().keep());
+  if (facts) made.expect(made.out().set_facts(*facts));
+  made.close();
+  made.settle();
 }
 
 bool read(std::wstring& out, const file& path, exception& err) {

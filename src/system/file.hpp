@@ -11,6 +11,12 @@
 
 namespace ruvo::platform {
 
+/// What a new file is to have beside its content.
+struct new_file_facts {
+  long long modified = 0;  // seconds since 1970-01-01 00:00:00 UTC
+  bool read_only = false, hidden = false;
+};
+
 /// A file opened to be read, or a new one to be written, which nobody else may write or remove meanwhile, and
 /// which where the system can vanishes with the process until it is kept.
 class open_file {
@@ -30,6 +36,13 @@ class open_file {
   bool read(void* to, std::size_t room, std::size_t& got) noexcept;
   /// False when not all was written.
   bool write(std::string_view bytes) noexcept;
+  /// The same at a place in the file. Where the calls above go on after one of these is not said.
+  bool read_at(unsigned long long offset, void* to, std::size_t room, std::size_t& got) noexcept;
+  bool write_at(unsigned long long offset, std::string_view bytes) noexcept;
+  /// Ends the file there.
+  bool cut(unsigned long long size) noexcept;
+  /// Of a new file that was written and is kept.
+  bool set_facts(const new_file_facts& facts) noexcept;
   /// A new file stays from now on. Until then it goes with this object, where the system can do that.
   bool keep() noexcept;
   /// Waits until the disk has all.

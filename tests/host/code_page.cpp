@@ -1,13 +1,22 @@
 // SPDX-License-Identifier: BSL-1.0
 #include "system/code_page.hpp"
 
+#include <cstddef>
+
 #include "base/utf.hpp"
 
 namespace ruvo::platform {
 
 namespace {
 
-constexpr unsigned int ansi = 0, latin = 1252, utf_8 = 65001;
+constexpr unsigned int ansi = 0, dos = 850, latin = 1252, utf_8 = 65001;
+
+/// What code page 850 has from 0x80 on.
+constexpr std::wstring_view dos_extras =
+    L"ÇüéâäàåçêëèïîìÄÅÉæÆôöòûùÿÖÜø£Ø×ƒáíóúñÑªº¿®¬½¼¡«»░▒▓│┤ÁÂÀ©╣║╗╝¢¥┐└┴┬├─┼ãÃ╚╔╩╦╠═╬¤ðÐÊËÈıÍÎÏ┘┌█▄¦Ì▀ÓßÔÒõÕµ"
+    L"þÞÚÛÙýÝ¯´\u00AD±"
+    L"‗¾¶§÷¸°¨·¹³²■\u00A0";
+static_assert(dos_extras.size() == 128);
 
 /// What code page 1252 has from 0x80 to 0x9F; 0 where it has nothing.
 constexpr char16_t latin_extras[32] = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
@@ -32,8 +41,11 @@ wchar_t from_latin(unsigned char byte) {
 std::wstring from_code_page(std::string_view text, unsigned int page) {
   if (page == utf_8) return texto::to_utf_16(text);
   std::wstring out;
-  if (page != ansi && page != latin) return out;
-  for (const char c : text) out.push_back(from_latin(static_cast<unsigned char>(c)));
+  if (page != ansi && page != latin && page != dos) return out;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    out.push_back(page == dos && byte >= 0x80 ? dos_extras[std::size_t{byte} - 0x80] : from_latin(byte));
+  }
   return out;
 }
 

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -72,6 +73,28 @@ bool open_file::write(std::string_view bytes) noexcept {
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }
   return !fails;
+}
+
+bool open_file::read_at(unsigned long long offset, void* to, std::size_t room, std::size_t& got) noexcept {
+  const ssize_t count = pread(descriptor_of(file_.get()), to, room, static_cast<off_t>(offset));
+  got = count > 0 ? static_cast<std::size_t>(count) : 0;
+  return count >= 0;
+}
+
+bool open_file::write_at(unsigned long long offset, std::string_view bytes) noexcept {
+  return lseek(descriptor_of(file_.get()), static_cast<off_t>(offset), SEEK_SET) >= 0 && write(bytes);
+}
+
+bool open_file::cut(unsigned long long size) noexcept {
+  return !step_fails() && ftruncate(descriptor_of(file_.get()), static_cast<off_t>(size)) == 0;
+}
+
+bool open_file::set_facts(const new_file_facts& facts) noexcept {
+  const timespec times[] = {{0, UTIME_OMIT}, {static_cast<time_t>(facts.modified), 0}};
+  const int file = descriptor_of(file_.get());
+  struct stat found;
+  return futimens(file, times) == 0 &&
+         (!facts.read_only || (fstat(file, &found) == 0 && fchmod(file, found.st_mode & 0555) == 0));
 }
 
 bool open_file::keep() noexcept { return true; }

@@ -10,10 +10,11 @@ namespace ruvo::platform {
 
 namespace {
 
+constexpr long long ticks_a_second = 10'000'000, from_1601_to_1970 = 11'644'473'600;
+
 /// Seconds since 1970, rounded down.
 long long seconds(long long ticks_since_1601) noexcept {
-  constexpr long long ticks = 10'000'000, from_1601_to_1970 = 11'644'473'600;
-  return ticks_since_1601 / ticks - from_1601_to_1970;
+  return ticks_since_1601 / ticks_a_second - from_1601_to_1970;
 }
 
 // Reparse points that do not lead elsewhere stand for what they hold: files kept in a cloud, or compressed.
@@ -25,6 +26,10 @@ entry_kind kind_of(DWORD attributes, DWORD tag) noexcept {
 }
 
 }  // namespace
+
+long long ticks_from(long long seconds_since_1970) noexcept {
+  return (seconds_since_1970 + from_1601_to_1970) * ticks_a_second;
+}
 
 entry_facts facts_of(const entry_record& record) noexcept {
   entry_facts out{kind_of(record.attributes, record.tag)};

@@ -18,6 +18,9 @@ constexpr long long ticks_of(const FILETIME& time) noexcept {
   return static_cast<long long>(joined(time.dwHighDateTime, time.dwLowDateTime));
 }
 
+/// The same of seconds since 1970.
+long long ticks_from(long long seconds_since_1970) noexcept;
+
 /// A record of whatever shape; times in ticks.
 struct entry_record {
   DWORD attributes = 0;

@@ -30,6 +30,13 @@ bool is_encrypted(const std::wstring& path) {
   return attributes != INVALID_FILE_ATTRIBUTES && attributes & FILE_ATTRIBUTE_ENCRYPTED;
 }
 
+OVERLAPPED place_at(unsigned long long offset) noexcept {
+  OVERLAPPED out{};
+  out.Offset = static_cast<DWORD>(offset);
+  out.OffsetHigh = static_cast<DWORD>(offset >> 32);
+  return out;
+}
+
 bool mark_for_deletion(HANDLE file, bool marked) noexcept {
   FILE_DISPOSITION_INFO how{static_cast<BOOLEAN>(marked)};
   return SetFileInformationByHandle(file, FileDispositionInfo, &how, sizeof how) != 0;
@@ -77,6 +84,41 @@ bool open_file::read(void* to, std::size_t room, std::size_t& got) noexcept {
 
 bool open_file::write(std::string_view bytes) noexcept {
   return write_all(file_.get(), bytes) == bytes.size();
+}
+
+bool open_file::read_at(unsigned long long offset, void* to, std::size_t room, std::size_t& got) noexcept {
+  OVERLAPPED place = place_at(offset);
+  DWORD count = 0;
+  const DWORD error = error_of(
+      ReadFile(file_.get(), to, static_cast<DWORD>(std::min(room, most_at_once)), &count, &place) != 0);
+  got = error == ERROR_SUCCESS ? count : 0;
+  return error == ERROR_SUCCESS || error == ERROR_HANDLE_EOF;
+}
+
+bool open_file::write_at(unsigned long long offset, std::string_view bytes) noexcept {
+  while (!bytes.empty()) {
+    OVERLAPPED place = place_at(offset);
+    const auto size = static_cast<DWORD>(std::min(bytes.size(), most_at_once));
+    DWORD written = 0;
+    if (!WriteFile(file_.get(), bytes.data(), size, &written, &place) || !written) return false;
+    bytes.remove_prefix(written);
+    offset += written;
+  }
+  return true;
+}
+
+bool open_file::cut(unsigned long long size) noexcept {
+  FILE_END_OF_FILE_INFO end{};
+  end.EndOfFile.QuadPart = static_cast<LONGLONG>(size);
+  return SetFileInformationByHandle(file_.get(), FileEndOfFileInfo, &end, sizeof end) != 0;
+}
+
+bool open_file::set_facts(const new_file_facts& facts) noexcept {
+  FILE_BASIC_INFO basic{};  // zero leaves a time as it is
+  basic.LastWriteTime.QuadPart = ticks_from(facts.modified);
+  basic.FileAttributes = FILE_ATTRIBUTE_ARCHIVE | (facts.read_only ? FILE_ATTRIBUTE_READONLY : 0) |
+                         (facts.hidden ? FILE_ATTRIBUTE_HIDDEN : 0);
+  return SetFileInformationByHandle(file_.get(), FileBasicInfo, &basic, sizeof basic) != 0;
 }
 
 bool open_file::keep() noexcept {
