@@ -9,7 +9,7 @@ set(kesta_docs share/doc/kesta)
 install(FILES README.md LICENSE DESTINATION ${kesta_docs})
 install(DIRECTORY docs DESTINATION ${kesta_docs} FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN site EXCLUDE)
 
-# --- the runtime DLLs' licences: Debian's, or those that came with the compiler
+# --- the licences of zlib, which is in kesta.dll, and of the runtime DLLs: Debian's, or those that came with the compiler
 # license(NAME FILE...): installs the first of the files that is there.
 function(license name)
   foreach(file IN LISTS ARGN)
@@ -26,6 +26,7 @@ if(MINGW)
   set(debian /usr/share/doc)
   cmake_path(GET CMAKE_CXX_COMPILER PARENT_PATH with_compiler)
   set(with_compiler ${with_compiler}/../share/licenses)
+  license(zlib.txt ${debian}/libz-mingw-w64-dev/copyright ${with_compiler}/zlib/LICENSE)
   license(gcc-runtime.txt ${debian}/gcc-mingw-w64-x86-64-posix-runtime/copyright ${with_compiler}/gcc-libs/RUNTIME.LIBRARY.EXCEPTION)
   license(winpthreads.txt ${debian}/mingw-w64-x86-64-dev/copyright ${with_compiler}/winpthreads/COPYING)
   license(GPL-3.txt /usr/share/common-licenses/GPL-3 ${with_compiler}/gcc-libs/COPYING3)

@@ -36,9 +36,9 @@ need() {
 # What the tools need, as lists, so that all can be installed at once.
 # shellcheck disable=SC2034 # for those who source this
 {
-  build_tools=(cmake ninja-build g++-mingw-w64-x86-64-posix wine64 googletest python3 python3-oauthlib pkgconf gdb)
-  host_tools=(cmake ninja-build clang libclang-rt-dev llvm libstdc++-12-dev libgtest-dev python3 gdb)
-  check_tools=(cmake ninja-build g++-mingw-w64-x86-64-posix googletest clang-format clang-tidy shellcheck python3)
+  build_tools=(cmake ninja-build g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 googletest python3 python3-oauthlib pkgconf gdb)
+  host_tools=(cmake ninja-build clang libclang-rt-dev llvm libstdc++-12-dev libgtest-dev zlib1g-dev python3 gdb)
+  check_tools=(cmake ninja-build g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest clang-format clang-tidy shellcheck python3)
   docs_tools=(doxygen doxygen-awesome-css python3)
   peers=(nlohmann-json3-dev rapidjson-dev librapidxml-dev libboost1.81-dev libhowardhinnant-date-dev)
 }
