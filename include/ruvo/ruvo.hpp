@@ -62,3 +62,4 @@
 #include <ruvo/xml.hpp>
 #include <ruvo/xml_writing.hpp>
 #include <ruvo/xvar.hpp>
+#include <ruvo/zip.hpp>

@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: BSL-1.0
+
+// The encodings of names, and which of them can be trusted.
+
+#include "zip/names.hpp"
+
+#include <ruvo/texto/words.hpp>
+
+#include <algorithm>
+
+#include "base/ascii.hpp"
+#include "base/device_names.hpp"
+#include "base/utf.hpp"
+#include "packing/deflate.hpp"
+#include "system/code_page.hpp"
+
+namespace ruvo::zip {
+
+namespace {
+
+/// Letters from U+00C0 to U+017F that are a letter of ASCII with a mark: the letter, and which mark.
+constexpr char16_t first_composed = 0xC0;
+constexpr std::string_view composed_letters =
+    "AAAAAA CEEEEIIII NOOOOO  UUUUY  aaaaaa ceeeeiiii nooooo  uuuuy yAaAaAaCcCcCcCcDd  EeEeEeEeEeGgGg"
+    "GgGgHh  IiIiIiIiI   JjKk LlLlLl    NnNnNn   OoOoOo  RrRrRrSsSsSsSsTtTt  UuUuUuUuUuUuWwYyYZzZzZz ";
+constexpr std::string_view composed_marks =
+    "`'^~:o ,`'^:`'^: ~`'^~:  `'^:'  `'^~:o ,`'^:`'^: ~`'^~:  `'^:' :--uu;;''^^..vvvv  --uu..;;vv^^uu"
+    "..,,^^  ~~--uu;;.   ^^,, '',,vv    '',,vv   --uu\"\"  '',,vv''^^,,vv,,vv  ~~--uuoo\"\";;^^^^:''..vv ";
+constexpr std::string_view mark_names = "`'^~-u.:o\"v,;";
+constexpr char16_t marks[] = {0x300, 0x301, 0x302, 0x303, 0x304, 0x306, 0x307,
+                              0x308, 0x30A, 0x30B, 0x30C, 0x327, 0x328};
+static_assert(composed_letters.size() == 192 && composed_marks.size() == 192);
+
+/// Capitals beyond those of the text functions, which lie at one distance from their small letters.
+struct far_capitals {
+  char16_t first, last, distance;
+};
+constexpr far_capitals more_capitals[] = {{0x531, 0x556, 48},
+                                          {0x2160, 0x216F, 16},
+                                          {0x24B6, 0x24CF, 26},
+                                          {0x2C00, 0x2C2F, 48},
+                                          {0xFF21, 0xFF3A, 32}};
+
+char16_t folded(wchar_t c) noexcept {
+  const auto unit = static_cast<char16_t>(c);
+  if (unit < 0x80) return static_cast<char16_t>(texto::to_lower(c));
+  for (const far_capitals& range : more_capitals)
+    if (unit >= range.first && unit <= range.last) return static_cast<char16_t>(unit + range.distance);
+  return static_cast<char16_t>(texto::to_lowercase(texto::to_uppercase(c)));
+}
+
+class name_hash {
+ public:
+  void add(char16_t unit) noexcept { sum_ = (sum_ ^ unit) * 0x100000001B3; }
+  std::uint64_t value() const noexcept { return sum_ ^ sum_ >> 32; }
+
+ private:
+  std::uint64_t sum_ = 0xCBF29CE484222325;
+};
+
+bool is_utf_8(std::string_view bytes) { return texto::to_utf_8(texto::to_utf_16(bytes)) == bytes; }
+
+/// The name in the field that some archivers add to one in a code page.
+std::string_view utf_8_name_of(const record& from) noexcept {
+  const std::string_view field = find_extra(from.extra, extra::utf_8_name);
+  const bool is_valid =
+      field.size() > 5 && field[0] == 1 && get_32(field, 1) == packing::crc_32(0, from.name);
+  return is_valid ? field.substr(5) : std::string_view();
+}
+
+bool is_refused_unit(wchar_t c) noexcept {
+  constexpr std::wstring_view marks_of_paths = L":<>\"|?*\\";
+  const auto unit = static_cast<char16_t>(c);
+  return unit < 32 || (unit >= 127 && unit < 160) || marks_of_paths.find(c) != marks_of_paths.npos;
+}
+
+/// The same for one part of a name.
+const wchar_t* refusal_of_part(std::wstring_view part) noexcept {
+  constexpr std::size_t longest = 255;
+  if (part.empty()) return L"una parte está vacía";
+  if (part == L"." || part == L"..") return L"sube o no lleva a ninguna parte";
+  if (std::ranges::any_of(part, is_refused_unit)) return L"contiene un carácter que no se admite";
+  if (part.back() == L'.' || texto::is_space(part.back()) || part.back() == 0xA0)
+    return L"una parte termina con un punto o un blanco";
+  if (texto::is_device_name(part)) return L"es el nombre de un dispositivo";
+  return part.size() > longest ? L"una parte es demasiado larga" : nullptr;
+}
+
+}  // namespace
+
+bool is_ascii(std::string_view bytes) noexcept {
+  return std::ranges::none_of(bytes, [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
+}
+
+void use_slashes(std::wstring& name) noexcept { std::replace(name.begin(), name.end(), L'\\', L'/'); }
+
+std::wstring decoded(std::string_view bytes, unsigned code_page) {
+  if (is_ascii(bytes) || is_utf_8(bytes)) return texto::to_utf_16(bytes);
+  return platform::from_code_page(bytes, code_page);
+}
+
+std::wstring name_of(const record& from, unsigned code_page) {
+  std::wstring out;
+  if (from.flags & flag::utf_8 || is_ascii(from.name)) {
+    texto::append_utf_16(out, from.name);
+  } else {
+    const std::string_view said = utf_8_name_of(from);
+    out = said.empty() ? decoded(from.name, code_page) : texto::to_utf_16(said);
+  }
+  use_slashes(out);
+  return out;
+}
+
+const wchar_t* refusal_of(std::wstring_view name, std::size_t levels) noexcept {
+  constexpr std::size_t longest = 32'000;
+  if (name.empty()) return L"está vacío";
+  if (name.size() > longest) return L"es demasiado largo";
+  if (name.ends_with(L'/')) name.remove_suffix(1);
+  for (std::size_t level = 0;; ++level) {
+    const std::size_t end = std::min(name.find(L'/'), name.size());
+    if (const wchar_t* const reason = refusal_of_part(name.substr(0, end))) return reason;
+    if (end == name.size()) return nullptr;
+    if (level == levels) return L"tiene demasiados niveles";
+    name.remove_prefix(end + 1);
+  }
+}
+
+file folder_of(const file& path) {
+  file out = path.get_parent();
+  return out.empty() ? file(L".") : out;
+}
+
+std::uint64_t twin_key(std::wstring_view name) noexcept {
+  name_hash hash;
+  for (const wchar_t c : name) {
+    const std::size_t place = std::size_t{static_cast<char16_t>(c)} - first_composed;
+    if (place < composed_letters.size() && composed_letters[place] != ' ') {
+      hash.add(folded(texto::unit_of(composed_letters[place])));
+      hash.add(marks[mark_names.find(composed_marks[place])]);
+    } else {
+      hash.add(folded(c));
+    }
+  }
+  return hash.value();
+}
+
+std::uint64_t exact_key(std::wstring_view name) noexcept {
+  name_hash hash;
+  for (const wchar_t c : name) hash.add(static_cast<char16_t>(c));
+  return hash.value();
+}
+
+}  // namespace ruvo::zip
