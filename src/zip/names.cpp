@@ -9,7 +9,7 @@
 #include <algorithm>
 
 #include "base/ascii.hpp"
-#include "base/device_names.hpp"
+#include "base/file_names.hpp"
 #include "base/utf.hpp"
 #include "packing/deflate.hpp"
 #include "system/code_page.hpp"
