@@ -121,8 +121,8 @@ concept has_value_form = requires(Type& out, const var& value) {
 /// Null is none of them but a var. Throws nothing but std::bad_alloc.
 template <has_value_form Type>
 std::optional<Type> value_as(const var& value) {
-  std::optional<Type> made(std::in_place);
-  if (!value_form<Type>::read(*made, value)) made.reset();
+  Type made{};
+  if (!value_form<Type>::read(made, value)) return std::nullopt;
   return made;
 }
 
