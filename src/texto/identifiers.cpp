@@ -11,6 +11,8 @@
 #include <string_view>
 
 #include "base/ascii.hpp"
+#include "texto/control_sums.hpp"
+#include "texto/identifiers/accounts.hpp"
 
 namespace ruvo::texto {
 
@@ -24,59 +26,22 @@ std::string narrowed(const std::wstring& text) {
   return bytes;
 }
 
-bool is_digit_char(char c) { return is_digit(unit_of(c)); }
-bool is_alpha_char(char c) { return is_alpha(unit_of(c)); }
-bool are_digits(std::string_view text) { return std::all_of(text.begin(), text.end(), is_digit_char); }
-char upper(char c) { return static_cast<char>(to_upper(unit_of(c))); }
-
 constexpr std::size_t nif_size = 9;
 constexpr std::string_view nie_letters = "XYZ";
 
 /// Whether `letter` controls the number of seven digits `digits` with `first` before them.
 bool controls(int first, std::string_view digits, char letter) {
   if (!are_digits(digits)) return false;
-  int number = first;
-  for (const char digit : digits) number = number * 10 + (digit - '0');
-  return upper(letter) == "TRWAGMYFPDXBNJZSQVHLCKE"[number % 23];
+  return upper(letter) == dni_letter(static_cast<unsigned long>(first) * 10000000 + number_of(digits));
 }
 
-/// Lengths of the registry of ISO 13616, in the order of the codes.
-struct iban_country {
-  char code[3];
-  unsigned char size;
-};
-constexpr iban_country countries[] = {
-    {"AD", 24}, {"AE", 23}, {"AL", 28}, {"AT", 20}, {"AZ", 28}, {"BA", 20}, {"BE", 16}, {"BG", 22},
-    {"BH", 22}, {"BI", 27}, {"BR", 29}, {"BY", 28}, {"CH", 21}, {"CR", 22}, {"CY", 28}, {"CZ", 24},
-    {"DE", 22}, {"DJ", 27}, {"DK", 18}, {"DO", 28}, {"EE", 20}, {"EG", 29}, {"ES", 24}, {"FI", 18},
-    {"FK", 18}, {"FO", 18}, {"FR", 27}, {"GB", 22}, {"GE", 22}, {"GI", 23}, {"GL", 18}, {"GR", 27},
-    {"GT", 28}, {"HN", 28}, {"HR", 21}, {"HU", 28}, {"IE", 22}, {"IL", 23}, {"IQ", 23}, {"IS", 26},
-    {"IT", 27}, {"JO", 30}, {"KW", 30}, {"KZ", 20}, {"LB", 28}, {"LC", 32}, {"LI", 21}, {"LT", 20},
-    {"LU", 20}, {"LV", 21}, {"LY", 25}, {"MC", 27}, {"MD", 24}, {"ME", 22}, {"MK", 19}, {"MN", 20},
-    {"MR", 27}, {"MT", 31}, {"MU", 30}, {"NI", 28}, {"NL", 18}, {"NO", 15}, {"OM", 23}, {"PK", 24},
-    {"PL", 28}, {"PS", 29}, {"PT", 25}, {"QA", 29}, {"RO", 24}, {"RS", 22}, {"RU", 33}, {"SA", 24},
-    {"SC", 31}, {"SD", 18}, {"SE", 24}, {"SI", 19}, {"SK", 24}, {"SM", 27}, {"SO", 23}, {"ST", 25},
-    {"SV", 28}, {"TL", 23}, {"TN", 24}, {"TR", 26}, {"UA", 29}, {"VA", 22}, {"VG", 24}, {"XK", 20},
-    {"YE", 30},
-};
 constexpr std::size_t shortest_iban = 15, longest_iban = 34;
 
 bool is_iban_size(char first, char second, std::size_t size) {
   const char code[] = {upper(first), upper(second)};
-  const std::string_view wanted(code, 2);
-  const auto row = std::find_if(std::begin(countries), std::end(countries),
-                                [wanted](const iban_country& country) { return wanted == country.code; });
-  return row != std::end(countries) ? size == row->size : size >= shortest_iban && size <= longest_iban;
-}
-
-/// The remainder modulo 97 of the number that goes on with `text`, A being 10 and Z 35; letters and digits
-/// only.
-int remainder_97(int remainder, std::string_view text) {
-  for (const char c : text) {
-    remainder = is_digit_char(c) ? remainder * 10 + (c - '0') : remainder * 100 + (upper(c) - 'A' + 10);
-    remainder %= 97;
-  }
-  return remainder;
+  const auto* const country = identifiers::find_account_country({code, 2});
+  return country ? size == 4 + identifiers::account_size(country->form)
+                 : size >= shortest_iban && size <= longest_iban;
 }
 
 }  // namespace
@@ -152,14 +117,7 @@ bool valida_iban_esp(const std::string& text) {
 bool valida_iban_esp(const std::wstring& text) { return valida_iban_esp(narrowed(text)); }
 
 bool valida_tarjeta_credito(const std::string& text) {
-  if (text.empty() || !are_digits(text)) return false;
-  unsigned long long sum = 0;
-  bool doubled = false;
-  for (auto at = text.rbegin(); at != text.rend(); ++at, doubled = !doubled) {
-    const unsigned digit = static_cast<unsigned>(*at - '0') * (doubled ? 2 : 1);
-    sum += digit > 9 ? digit - 9 : digit;
-  }
-  return sum % 10 == 0;
+  return !text.empty() && are_digits(text) && luhn_remainder(text) == 0;
 }
 bool valida_tarjeta_credito(const std::wstring& text) { return valida_tarjeta_credito(narrowed(text)); }
 
