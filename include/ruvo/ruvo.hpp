@@ -29,6 +29,7 @@
 #include <ruvo/header_fields.hpp>
 #include <ruvo/heap.hpp>
 #include <ruvo/http.hpp>
+#include <ruvo/identifiers.hpp>
 #include <ruvo/ilock.hpp>
 #include <ruvo/iserializer.hpp>
 #include <ruvo/jobs.hpp>
