@@ -11,6 +11,7 @@
 #include <ruvo/api.hpp>
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -50,6 +51,17 @@ enum class kind {
   /// Payment card (ISO/IEC 7812-1): 12 to 19 digits with a sum by Luhn, as many as cards of the brand have
   /// where that is known.
   card,
+  /// VAT number of the European Union and Northern Ireland, with its country, "EL" being Greece: "ES" and a
+  /// NIF, which is checked as such; of other countries the form alone, as VIES describes it.
+  vat,
+  /// Number for customs (Regulation (EU) 2015/2446, annex 12-01): "ES" and a NIF, which is checked as such;
+  /// another country of the Union, Northern Ireland or the United Kingdom and up to 15 letters or digits.
+  eori,
+  /// Spanish postal code: five digits, the first two being a province's in the numbering of the INE.
+  postal_code,
+  /// Spanish telephone number of nine digits in a range that the numbering plan attributes (Real Decreto
+  /// 2296/2004), with "+34" or "0034" before it or not. Brackets may stand in it.
+  telephone,
 };
 
 /// What is wrong with a text.
@@ -118,5 +130,13 @@ KESTA_API std::wstring with_control(kind what, std::wstring_view text);
 /// "4a14n" of the United Kingdom, how many digits, capitals (a) and of either (c) follow each other. Empty
 /// for a country that is not in the registry; its code is two capitals.
 KESTA_API std::wstring account_form(std::wstring_view country);
+
+/// A province, or one of the two autonomous cities.
+struct province {
+  const wchar_t* code;  ///< Two digits, "01" to "52".
+  const wchar_t* name;  ///< The official one: "Araba/Álava".
+};
+/// All of them in the order of their codes.
+KESTA_API std::span<const province> provinces() noexcept;
 
 }  // namespace ruvo::identifiers

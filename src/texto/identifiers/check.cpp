@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <utility>
 
 #include "base/numbers.hpp"
 #include "base/unicode.hpp"
@@ -34,6 +35,14 @@ constexpr kind_rules all_rules[] = {
      describe_by_country},
     {L"BIC", no_such_country, L"", L"", 8, 11, "8, 11", check_bic, nullptr, nullptr, describe_bic},
     {L"Tarjeta", L"", L"", L"", 12, 19, "12-19", check_card, complete_card, format_card, describe_card},
+    {L"NIF-IVA", no_such_country, L"", L"+*", 4, 14, "", check_vat, complete_behind_country, nullptr,
+     describe_by_country},
+    {L"EORI", no_such_country, L"", L"", 3, 17, "3-17", check_eori, complete_behind_country, nullptr,
+     describe_by_country},
+    {L"Código postal", L"la provincia no existe", L"", L"", 5, 5, "5", check_postal_code, nullptr, nullptr,
+     describe_postal_code},
+    {L"Teléfono", L"el número no es de ningún rango de España", L"()", L"+", 9, 13, "9", check_telephone,
+     nullptr, format_telephone, describe_telephone},
 };
 
 bool is_hyphen(wchar_t c) { return c == L'-' || (c >= L'\u2010' && c <= L'\u2013'); }
@@ -162,7 +171,7 @@ std::wstring normalise(kind what, std::wstring_view text) {
   std::wstring out;
   for (const wchar_t c : text)
     if (!is_passed_over(c, rules) && !is_separator(c)) out.push_back(texto::to_upper(c));
-  return out;
+  return what == kind::telephone ? canonical_telephone(std::move(out)) : out;
 }
 
 std::wstring format(kind what, std::wstring_view text) {
