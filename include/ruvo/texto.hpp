@@ -11,3 +11,4 @@
 #include <ruvo/texto/pattern.hpp>
 #include <ruvo/texto/search.hpp>
 #include <ruvo/texto/words.hpp>
+#include <ruvo/texto/written_numbers.hpp>
