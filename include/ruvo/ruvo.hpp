@@ -60,6 +60,7 @@
 #include <ruvo/views.hpp>
 #include <ruvo/well_formed_xml.hpp>
 #include <ruvo/wider.hpp>
+#include <ruvo/written_dates.hpp>
 #include <ruvo/xml.hpp>
 #include <ruvo/xml_writing.hpp>
 #include <ruvo/xvar.hpp>
