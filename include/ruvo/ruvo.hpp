@@ -31,6 +31,7 @@
 #include <ruvo/http.hpp>
 #include <ruvo/identifiers.hpp>
 #include <ruvo/ilock.hpp>
+#include <ruvo/ini.hpp>
 #include <ruvo/iserializer.hpp>
 #include <ruvo/jobs.hpp>
 #include <ruvo/json_check.hpp>
