@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: BSL-1.0
+#pragma once
+
+// The lines of a text of settings, with an index of their names. What is changed becomes new text behind the
+// old one; the lines, which are chained in their order, say where theirs stands.
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "settings/grammar.hpp"
+#include "settings/name_index.hpp"
+#include "settings/text_encoding.hpp"
+
+namespace ruvo::settings {
+
+/// Throws exc::BadArgument with the name and the reason.
+[[noreturn]] void refuse(const std::wstring& name, const std::wstring& reason);
+/// Throws exc::BadFormat with the position of what stands at the offset.
+[[noreturn]] void refuse_at(std::size_t offset);
+
+class document {
+ public:
+  static constexpr std::uint32_t top = 0;  // the section without a name
+
+  explicit document(std::shared_ptr<const grammar> rules);
+
+  const grammar& rules() const noexcept { return *grammar_; }
+  const std::shared_ptr<const grammar>& shared_rules() const noexcept { return grammar_; }
+
+  /// Takes a text in place of all lines.
+  void parse(std::wstring text);
+  std::wstring text() const;
+
+  /// The number of a section, or the first line of a key; none where it is missing.
+  std::uint32_t find_section(std::wstring_view name) const;
+  std::uint32_t find(std::wstring_view section, std::wstring_view key) const;
+
+  /// The numbers of the sections but the first, and the first lines of the keys in one.
+  std::vector<std::uint32_t> sections() const;
+  std::vector<std::uint32_t> keys(std::uint32_t section) const;
+  std::wstring section_name(std::uint32_t section) const;
+  std::wstring name_of(std::uint32_t line) const { return grammar_->name_of(written_name(line)); }
+  /// The lines of the key that count, of all those that follow its first.
+  std::vector<std::uint32_t> counting(std::uint32_t first) const;
+  std::uint32_t last_counting(std::uint32_t first) const noexcept;
+  std::wstring value_of(std::uint32_t line) const;
+  std::wstring comment_above(std::uint32_t line) const;
+  /// The first line of a key or, without one, of a section.
+  std::uint32_t find_line(std::wstring_view section, std::wstring_view key) const;
+  /// Where the line begins in the text.
+  std::size_t offset_of(std::uint32_t line) const noexcept;
+  /// The first line that means nothing, or none.
+  std::uint32_t first_other() const noexcept;
+
+  // Changes. What cannot be is refused before anything is changed.
+
+  void set(const std::wstring& section, const std::wstring& key, const std::vector<std::wstring>& values,
+           const text_encoding& bytes);
+  /// Adds a section at the end, and gives its number.
+  std::uint32_t add_section(const std::wstring& name, const text_encoding& bytes);
+  void erase_key(std::uint32_t first);
+  void erase_section(std::uint32_t section);
+  void rename_key(std::uint32_t first, const std::wstring& name, const text_encoding& bytes);
+  void rename_section(std::uint32_t section, const std::wstring& name, const text_encoding& bytes);
+  void set_comment(std::uint32_t line, const std::wstring& text, const text_encoding& bytes);
+
+  /// Whether a change may give other lines another meaning. It is to be tried on a copy then, which is kept
+  /// if it reads_alike().
+  bool is_fragile() const noexcept { return is_fragile_; }
+  /// Whether the text is read as the lines have it.
+  bool reads_alike() const;
+  /// Drops text that no line uses any more, if it is much. Changes the numbers of lines.
+  void tidy();
+
+ private:
+  struct kept_line : line_shape {
+    std::uint32_t begin = 0;  // in the text
+    std::uint32_t previous = none, next = none;
+    std::uint32_t section = none;                 // of a header and an entry; none where it is not seen
+    std::uint32_t twin = none, last_twin = none;  // of the same name; the first knows the last
+    std::uint32_t end = none;                     // of an entry: the last line of its value
+    bool is_first = false;                        // of its name
+  };
+  struct kept_section {
+    std::uint32_t header = none;  // the first; the top may have none
+    std::uint32_t tail = none;    // behind which a key is added; none for the beginning
+  };
+
+  std::wstring_view view(std::uint32_t n) const noexcept {
+    return std::wstring_view(text_).substr(lines_[n].begin, lines_[n].size);
+  }
+  std::wstring_view written_name(std::uint32_t n) const noexcept {
+    return view(n).substr(lines_[n].name, lines_[n].name_size);
+  }
+  std::wstring_view written_value(std::uint32_t n) const noexcept {
+    return view(n).substr(lines_[n].value, lines_[n].value_size);
+  }
+  bool is(std::uint32_t n, line_kind kind) const noexcept { return n != none && lines_[n].kind == kind; }
+
+  // --- the index
+
+  void split();
+  void index_all();
+  void index_names();
+  void add_name(std::uint32_t n);
+  std::uint32_t take_header(std::uint32_t n);
+  void take_entry(std::uint32_t n, std::uint32_t section);
+  void append_twin(std::uint32_t first, std::uint32_t n) noexcept;
+  folded_name key_name(std::uint32_t section, std::wstring_view key) const;
+  folded_name header_name(std::wstring_view name) const;
+  std::uint32_t find_name(const folded_name& name) const;
+  bool is_named(std::uint32_t n, const folded_name& name) const;
+
+  // --- what is to be written
+
+  /// An entry with its line end, and the further lines of its value.
+  struct new_lines {
+    std::wstring line{};
+    std::vector<std::wstring> more{};
+  };
+  bool is_read_as(const new_lines& made, std::wstring_view name, std::wstring_view value) const;
+  /// The value between what stands before and behind it.
+  new_lines write_value(const std::wstring& head, std::wstring tail, std::wstring_view old,
+                        const std::wstring& key, const std::wstring& value, const text_encoding& bytes) const;
+  new_lines new_entry(std::uint32_t section, const std::wstring& key, const std::wstring& value,
+                      const text_encoding& bytes) const;
+  new_lines changed_entry(std::uint32_t n, const std::wstring& value, const text_encoding& bytes) const;
+  std::wstring header_line(const std::wstring& head, const std::wstring& name, const std::wstring& tail,
+                           const text_encoding& bytes) const;
+  std::vector<std::wstring> comment_lines(std::uint32_t above, const std::wstring& text,
+                                          const text_encoding& bytes) const;
+  std::wstring line_end_near(std::uint32_t n) const;
+  /// Behind which line a key of the section is added; none for the beginning.
+  std::uint32_t place_in(std::uint32_t section) const noexcept;
+  std::uint32_t place_at_top() const noexcept;
+
+  // --- lines
+
+  void put(kept_line& into, const std::wstring& text, std::uint32_t entry_indent);
+  void rewrite(std::uint32_t n, const std::wstring& text);
+  /// Gives the line an end, if it has none, so that another one can follow.
+  void end_line(std::uint32_t n);
+  std::uint32_t insert(std::uint32_t after, const std::wstring& text, std::uint32_t entry_indent = none);
+  void insert_more(std::uint32_t n, const new_lines& made);
+  std::uint32_t insert_entry(std::uint32_t after, const new_lines& made, std::uint32_t section);
+  std::uint32_t insert_header(const std::wstring& text);
+  void change_values(std::uint32_t first, const std::vector<std::wstring>& values,
+                     const text_encoding& bytes);
+  void unlink(std::uint32_t n) noexcept;
+  void unlink_more(std::uint32_t n) noexcept;
+  void unlink_entry(std::uint32_t n) noexcept;
+  void unlink_chunk(std::uint32_t header) noexcept;
+
+  std::shared_ptr<const grammar> grammar_;
+  std::wstring text_;  // of all lines, and of what they were before
+  std::vector<kept_line> lines_;
+  std::uint32_t first_ = none, last_ = none;
+  std::vector<kept_section> sections_ = std::vector<kept_section>(1);
+  name_index index_;
+  std::size_t live_ = 0;  // units that lines use
+  bool is_fragile_ = false;
+};
+
+}  // namespace ruvo::settings
