@@ -45,6 +45,7 @@ KESTA_ERROR(fileExpectedFolder, FileException, 1, 6, path, L"Se esperaba un dire
 KESTA_ERROR(fileExpectedFile, FileException, 1, 7, path, L"Se esperaba un fichero para la ruta: %1")
 KESTA_ERROR(fileUnDeleted, FileException, 1, 8, path, L"No se ha podido eliminar la ruta: %1")
 KESTA_ERROR(fileUnsafePath, FileException, 1, 9, own, L"La ruta «%1» no se admite dentro de una carpeta: %2")
+KESTA_ERROR(fileChanged, FileException, 1, 10, path, L"El fichero ha cambiado desde que se leyó: %1")
 
 KESTA_ERROR(SystemException, kesta::exception, 2, 0, family, L"")
 KESTA_ERROR(systemEnviromentVarNotFound, SystemException, 2, 1, named, L"Variable de entorno no encontrada: %1")
