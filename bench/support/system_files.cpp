@@ -30,4 +30,13 @@ std::wstring widen_with_system(const std::string& text) {
   return out;
 }
 
+std::wstring setting_with_system(const std::wstring& path, const std::wstring& section,
+                                 const std::wstring& key) {
+  WritePrivateProfileStringW(nullptr, nullptr, nullptr, path.c_str());  // forgets what it read before
+  std::wstring out(256, L'\0');
+  out.resize(GetPrivateProfileStringW(section.c_str(), key.c_str(), L"", out.data(),
+                                      static_cast<DWORD>(out.size()), path.c_str()));
+  return out;
+}
+
 }  // namespace bench

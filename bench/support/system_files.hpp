@@ -11,5 +11,8 @@ namespace bench {
 std::string read_with_system(const std::wstring& path);
 /// Wide text from UTF-8.
 std::wstring widen_with_system(const std::string& text);
+/// A value of an INI file, which the system reads anew.
+std::wstring setting_with_system(const std::wstring& path, const std::wstring& section,
+                                 const std::wstring& key);
 
 }  // namespace bench
