@@ -156,14 +156,14 @@ bool text_encoding::encode(std::string& out, std::wstring_view text) const {
   out.clear();
   if (kind == ini_encoding::utf_16_le || kind == ini_encoding::utf_16_be) {
     const bool is_big = kind == ini_encoding::utf_16_be;
-    out = is_big ? big_mark : little_mark;
+    out += is_big ? big_mark : little_mark;
     append_utf_16_bytes(out, text, is_big);
     out += tail_;
     return true;
   }
   if (kind == ini_encoding::utf_8) {
     // Without a mark before it, what looks like one would be taken for it.
-    if (has_mark || (!text.empty() && unit_at(text, 0) == 0xFEFF)) out = utf_8_mark;
+    if (has_mark || (!text.empty() && unit_at(text, 0) == 0xFEFF)) out += utf_8_mark;
     out += is_damaged_ ? to_damaged(text) : texto::to_utf_8(text);
     return true;
   }
