@@ -8,6 +8,7 @@
 #include <ruvo/armonia.hpp>
 #include <ruvo/binary.hpp>
 #include <ruvo/bundle.hpp>
+#include <ruvo/bundles.hpp>
 #include <ruvo/color.hpp>
 #include <ruvo/console.hpp>
 #include <ruvo/context.hpp>
@@ -47,6 +48,7 @@
 #include <ruvo/oauth.hpp>
 #include <ruvo/reading.hpp>
 #include <ruvo/serializer.hpp>
+#include <ruvo/smart_bundle.hpp>
 #include <ruvo/smtp.hpp>
 #include <ruvo/standard_json.hpp>
 #include <ruvo/std.hpp>
