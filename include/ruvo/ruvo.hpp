@@ -38,6 +38,7 @@
 #include <ruvo/json_check.hpp>
 #include <ruvo/json_pointer.hpp>
 #include <ruvo/lapse.hpp>
+#include <ruvo/layered_settings.hpp>
 #include <ruvo/list.hpp>
 #include <ruvo/log_targets.hpp>
 #include <ruvo/logger.hpp>

@@ -21,6 +21,7 @@
 namespace {
 
 using ruvo::bundle;
+using ruvo::layered_settings;
 using ruvo::list;
 using ruvo::smart_bundle;
 using ruvo::xvar;
@@ -266,6 +267,170 @@ TEST(arguments, become_a_bundle) {
                                       failure));
   EXPECT_EQ(out.to_string(), L"{\"a\":1, \"e\":\"\", \"server\":{\"port\":\"81\"}, \"t\":\"a=b\"}");
   EXPECT_EQ(rest, (std::vector<std::wstring>{L"x", L"-v", L"--z", L""}));
+}
+
+// --- layers
+
+/// The values that are neither null nor inside of another value, by their paths.
+void flatten(std::map<std::wstring, std::wstring>& out, const bundle& in, const std::wstring& above = {}) {
+  for (const auto& [key, value] : in) {
+    const std::wstring path = above + key;
+    if (value.is_null()) continue;
+    bundle inner;
+    inner = value;
+    if (inner.empty()) out[path] = list{value}.to_string();
+    flatten(out, inner, path + L'/');
+  }
+}
+
+/// Whether there are values below the path.
+bool has_below(const std::map<std::wstring, std::wstring>& in, const std::wstring& path) {
+  const auto at = in.lower_bound(path + L'/');
+  return at != in.end() && at->first.starts_with(path + L'/');
+}
+
+std::set<std::wstring> changes(const std::map<std::wstring, std::wstring>& before,
+                               const std::map<std::wstring, std::wstring>& now) {
+  std::set<std::wstring> out;
+  for (const auto& [left, right] : {std::pair(&before, &now), std::pair(&now, &before)}) {
+    for (const auto& [path, text] : *left) {
+      const auto other = right->find(path);
+      const bool stays_bundle = text == L"[{}]" && has_below(*right, path);
+      if ((other == right->end() || other->second != text) && !stays_bundle) out.insert(path);
+    }
+  }
+  return out;
+}
+
+/// Without qualities, null values and the key that paths do not reach.
+bundle plain_bundle(dice& chance, unsigned depth) {
+  bundle out;
+  for (unsigned n = chance.below(4); n > 0; --n) {
+    xvar& value = out[std::wstring(1, chance.unit(L"abC"))];
+    if (depth > 0 && !chance.one_in(3))
+      value = plain_bundle(chance, depth - 1);
+    else if (!chance.one_in(4))
+      value = static_cast<int>(chance.below(3));
+  }
+  return out;
+}
+
+/// The bundle with a text in place of every value.
+bundle named(const bundle& in, const std::wstring& name) {
+  bundle out;
+  for (const auto& [key, value] : in) {
+    bundle inner;
+    inner = value;
+    if (value.instanceof (typeid(bundle)))
+      out[key] = named(inner, name);
+    else if (!value.is_null())
+      out[key] = name;
+  }
+  return out;
+}
+
+TEST_F(merging, layers_agree_with_what_is_merged_anew) {
+  dice chance(7);
+  const std::vector<std::wstring> names = {L"programa", L"equipo", L"usuario", L"argumentos"};
+  const std::vector<std::wstring> steps = {L"a", L"B", L"c"};
+  while (inputs < 150ULL * rounds()) {
+    layered_settings settings('/');
+    bundle shared = plain_bundle(chance, 3);
+    for (const std::wstring& name : names) settings.set_layer(name, plain_bundle(chance, 3));
+    settings.share_layer(L"usuario", smart_bundle(&shared));
+    std::multiset<std::wstring> seen;
+    settings.observe([&seen](const std::wstring& path) { seen.insert(path); });
+    for (int n = 0; n < 30; ++n, ++inputs) {
+      std::map<std::wstring, std::wstring> before, now;
+      flatten(before, *settings);
+      seen.clear();
+      std::wstring path = chance.any(steps);
+      while (!chance.one_in(3)) path += L'/' + chance.any(steps);
+      const std::wstring& name = chance.any(names);
+      switch (chance.below(5)) {
+        case 0:
+          settings.erase(name, path);
+          break;
+        case 1:
+          settings.put(name, path, plain_bundle(chance, 2));
+          break;
+        case 2:
+          if (name != L"usuario") settings.set_layer(name, plain_bundle(chance, 3));
+          break;
+        default:
+          settings.put(name, path, static_cast<int>(chance.below(3)));
+      }
+      bundle whole, origins;
+      for (const std::wstring& each : names) {
+        bundles::merge(whole, settings.get_layer(each));
+        bundles::merge(origins, named(settings.get_layer(each), each));
+      }
+      ASSERT_EQ(settings->to_string(), whole.to_string());
+      flatten(now, whole);
+      const std::set<std::wstring> changed = changes(before, now);
+      ASSERT_EQ(seen, std::multiset<std::wstring>(changed.begin(), changed.end()));
+      const xvar* const origin = origins.get_ptr(path, '/');
+      if (!origin || !origin->instanceof (typeid(bundle))) {
+        ASSERT_EQ(settings.layer_of(path), origins.get_string(path, '/')) << testing::PrintToString(path);
+      }
+    }
+    ASSERT_EQ(settings.get_layer(L"usuario").to_string(), shared.to_string());
+  }
+}
+
+TEST(layered_settings, refuse_what_there_is_not) {
+  layered_settings settings;
+  settings.set_layer(L"a", {{L"n", 1}});
+  EXPECT_THROW(settings.share_layer(L"b", smart_bundle()), ruvo::exc::NullPointer);
+  EXPECT_THROW(settings.observe(nullptr), ruvo::exc::NullPointer);
+  EXPECT_THROW(settings.put(L"A", L"n", 2), ruvo::exc::BadArgument);
+  EXPECT_THROW(settings.erase(L"", L"n"), ruvo::exc::BadArgument);
+  EXPECT_THROW((void)settings.get_layer(L"b"), ruvo::exc::BadArgument);
+  EXPECT_FALSE(settings.remove_layer(L"b"));
+  EXPECT_FALSE(settings.stop_observing(1));
+  EXPECT_FALSE(settings.erase(L"a", L"n.m"));
+  EXPECT_EQ(settings.get_layers(), std::vector<std::wstring>{L"a"});
+  EXPECT_TRUE(settings.remove_layer(L"a"));
+  EXPECT_TRUE(settings->empty() && settings.layer_of(L"n").empty());
+}
+
+TEST(layered_settings, changes_are_exact) {
+  layered_settings settings;
+  bundle held{{L"d", 0.5}, {L"i", 5}, {L"l", list{1.5, 2}}, {L"t", L"x"}, {L"q", 1}};
+  settings.share_layer(L"a", smart_bundle(&held));
+  std::wstring seen;
+  settings.observe([&](const std::wstring& path) { seen += path; });
+  held = {{L"d", 0.5000000001}, {L"i", 5LL}, {L"l", list{1.5000000001, 2}}, {L"t", L"x"}, {L"q", 1}};
+  held[L"q"][L"unit"] = L"m";
+  settings.refresh();
+  EXPECT_EQ(seen, L"dlq");
+  settings.refresh();
+  EXPECT_EQ(seen, L"dlq");
+}
+
+TEST(layered_settings, observers_that_change_what_they_observe) {
+  layered_settings settings;
+  settings.set_layer(L"a", {{L"n", 0}, {L"other", ruvo::bundle{{L"x", 1}}}});
+  std::wstring seen;
+  std::uint64_t first = 0, second = 0;
+  first = settings.observe(
+      [&](const std::wstring& path) {
+        const long n = settings->get_long(L"n");
+        seen += path + std::to_wstring(n) + L' ';
+        if (n < 3) settings.put(L"a", L"n", n + 1);  // is seen later, not within
+        if (n == 2) settings.stop_observing(first);
+        if (n == 1) settings.stop_observing(second);
+        if (n == 1) throw std::runtime_error("one");
+      },
+      L"N");
+  second = settings.observe([&](const std::wstring& path) { seen += L'2' + path + L' '; });
+  settings.observe([&](const std::wstring&) { throw std::logic_error("later"); }, L"n");
+  EXPECT_THROW(settings.put(L"a", L"n", 1), std::runtime_error);
+  EXPECT_EQ(seen, L"n1 n2 ");
+  EXPECT_EQ(settings->get_long(L"n"), 3);
+  settings.put(L"a", L"other.x", 2);  // of nobody who is left
+  EXPECT_THROW(settings.erase(L"a", L"n"), std::logic_error);
+  EXPECT_EQ(seen, L"n1 n2 ");
 }
 
 }  // namespace
