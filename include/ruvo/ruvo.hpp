@@ -49,6 +49,7 @@
 #include <ruvo/oauth.hpp>
 #include <ruvo/reading.hpp>
 #include <ruvo/serializer.hpp>
+#include <ruvo/set.hpp>
 #include <ruvo/smart_bundle.hpp>
 #include <ruvo/smtp.hpp>
 #include <ruvo/standard_json.hpp>
