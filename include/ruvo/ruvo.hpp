@@ -3,6 +3,7 @@
 
 // All of kesta: every public header but <ruvo/fmt.hpp>, which is for programs with {fmt}.
 
+#include <ruvo/annotation.hpp>
 #include <ruvo/api.hpp>
 #include <ruvo/application.hpp>
 #include <ruvo/armonia.hpp>

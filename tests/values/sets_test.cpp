@@ -20,8 +20,10 @@
 
 namespace {
 
+using ruvo::annotation;
 using ruvo::bundle;
 using ruvo::cap_set;
+using ruvo::datetime;
 using ruvo::list;
 using ruvo::smart_string_set;
 using ruvo::xvar;
@@ -247,6 +249,73 @@ TEST(set, goes_through_all_formats) {
       EXPECT_TRUE(newest_read == newest && smart_string_set(read[L"texts"]) == texts);
     }
   }
+}
+
+// --- notes
+
+struct thing : ruvo::annotable {};
+
+TEST(annotation, goes_through_all_formats) {
+  thing noted;
+  const datetime local(1795340000LL, ruvo::times::LOCAL);
+  for (int n = 0; n < 3; ++n) {
+    bundle stored{{L"annotations", L"old"}};
+    noted.write_annotations(stored);
+    EXPECT_EQ(stored.count(L"annotations"), n > 0 ? 1U : 0U);
+    for (bundle& read : there_and_back({{L"x", stored}, {L"other", 1}})) {
+      bundle inner;
+      inner = read[L"x"];
+      thing again;
+      again.annotate(L"old", L"note");
+      again.read_annotations(inner);
+      EXPECT_TRUE(again.get_annotations() == noted.get_annotations())
+          << testing::PrintToString(read.to_string());
+    }
+    noted.annotate(annotation(L"ana", L"una nota\ncon \"comillas\" <y más>", local))[L"Clase"] = L"aviso";
+    noted.annotate(noted.get_annotations().front()).set_author(L"eva").set_date(datetime(-1LL));
+  }
+  EXPECT_EQ(noted.remove_annotations_if([](const annotation& each) { return each.get_author() == L"ana"; }),
+            3U);
+  EXPECT_TRUE(noted.is_annotated() && noted.get_annotations().size() == 3);
+  noted.clear_annotations();
+  EXPECT_FALSE(noted.is_annotated());
+}
+
+TEST(annotation, dates_that_are_read) {
+  constexpr long long noon = 1764072000;  // 2025-11-25 12:00:00 UTC
+  const struct {
+    xvar date;
+    long long seconds;
+  } rows[] = {{datetime(noon, ruvo::times::LOCAL), noon},
+              {noon, noon},
+              {static_cast<double>(noon), noon},
+              {L"1764072000", noon},
+              {L"2025-11-25T12:00:00Z", noon},
+              {L"2025-11-25T13:00:00+01:00", noon},
+              {L"2025-11-25T12:00:00", noon},
+              {L"25-11-2025 12:00:00", noon},
+              {L"2025-11-25", noon - 43200},
+              {L"", -1},
+              {xvar(), 7}};
+  for (const auto& row : rows) {
+    annotation read(L"a", L"t", datetime(7LL));
+    read = bundle{{L"date", row.date}};
+    EXPECT_EQ(read.get_date().get_lapso(), row.seconds) << testing::PrintToString(row.date.to_string());
+  }
+  const annotation before(L"a", L"t", datetime(7LL));
+  for (const xvar& wrong :
+       {xvar(L"ayer"), xvar(true), xvar(list{1}), xvar(L"2025-13-01"), xvar(std::wstring(400, L'9'))}) {
+    annotation read = before;
+    EXPECT_THROW((read = bundle{{L"author", L"b"}, {L"date", wrong}}), ruvo::exc::BadArgument);
+    EXPECT_TRUE(read == before);
+  }
+  thing noted;
+  noted.annotate(before);
+  EXPECT_THROW(noted.read_annotations({{L"annotations", list{bundle(before), 5}}}), ruvo::exc::BadArgument);
+  EXPECT_EQ(noted.get_annotations().size(), 1U);
+  EXPECT_EQ(before.to_string(), L"01-01-1970 00:00:07 a: t");
+  EXPECT_EQ(annotation().to_string() + annotation(bundle{{L"text", L"solo"}}).to_string(), L"solo");
+  EXPECT_TRUE(before < annotation(L"a", L"u", datetime(7LL)) && before < annotation(L"a", L"t"));
 }
 
 }  // namespace
