@@ -4,7 +4,7 @@
 // as XML. The files are read by tasks in a pool; what fails is entered with its reason. Ctrl+C ends early:
 // what was done until then is written, and marked as incomplete.
 //
-//   inventory FOLDER [OUT.json OUT.xml] [--cancel-after N]
+//   inventory FOLDER [OUT.json OUT.xml] [--cancel-after=N]
 //
 // Without names, FOLDER.json and FOLDER.xml are written. --cancel-after does what Ctrl+C does, after N files.
 // Exit codes: 0 when all is in it, 1 when something failed, 2 for wrong arguments, 3 when canceled.
@@ -101,6 +101,9 @@ class inventory {
     whole[L"completo"] = is_complete();
     whole[L"ficheros"] = files();
     whole[L"fallos"] = failures();
+    ruvo::set types;
+    for (const ruvo::file& path : listed_.files) types.insert(path.get_mimetype());
+    whole[L"tipos"] = types;
     ruvo::list& entries = whole.hack_list_on(L"entradas");
     for (const ruvo::exception& error : listed_.failures)
       entries.on_back_bundle().hack(L"carpeta.fallo") = error.get_mensaje();
@@ -179,13 +182,17 @@ struct options {
   std::optional<std::size_t> cancel_after;
 };
 
-std::optional<options> options_of(std::vector<std::wstring> given) {
+std::optional<options> options_of(const std::vector<std::wstring>& arguments) {
   options out;
-  const auto option = std::find(given.begin(), given.end(), L"--cancel-after");
-  if (option != given.end()) {
-    if (option + 1 == given.end() || !ruvo::texto::is_integer_positive(option[1])) return std::nullopt;
-    out.cancel_after = static_cast<unsigned long>(ruvo::xvar(option[1]));
-    given.erase(option, option + 2);
+  ruvo::bundle named;
+  std::vector<std::wstring> given;
+  ruvo::exception failure;
+  if (!ruvo::bundles::read_arguments(named, given, arguments, failure)) return std::nullopt;
+  if (named.size() != named.count(L"cancel-after")) return std::nullopt;  // some other one
+  if (const ruvo::xvar* const after = named.get_ptr(L"cancel-after")) {
+    if (!after->is_charsquence() || !ruvo::texto::is_integer_positive(after->to_string()))
+      return std::nullopt;
+    out.cancel_after = static_cast<unsigned long>(*after);
   }
   if (given.size() != 1 && given.size() != 3) return std::nullopt;
   std::error_code no_path;
@@ -225,7 +232,7 @@ int wmain(int argc, wchar_t** argv) {
   ruvo::kesta::app app(nullptr);
   const std::optional<options> wanted = options_of({argv + 1, argv + argc});
   if (!wanted) {
-    app.get_console().write_line(L"uso: inventory CARPETA [SALIDA.json SALIDA.xml] [--cancel-after N]");
+    app.get_console().write_line(L"uso: inventory CARPETA [SALIDA.json SALIDA.xml] [--cancel-after=N]");
     return 2;
   }
   ruvo::exception failure;

@@ -4,8 +4,10 @@
 
 #include <ruvo/ruvo.hpp>
 
+#include <cstddef>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -148,6 +150,38 @@ TEST(nesting_of_standard_json, costs_no_stack) {
   ruvo::exception failure;
   EXPECT_TRUE(read_standard_json(out, std::string(4 << 20, '['), &failure));
   EXPECT_EQ(failure_position(failure), 513u);
+}
+
+/// Merged with and without a filter, in layers, as an element of a set.
+TEST(nested_settings, cost_no_stack) {
+  std::wstring path = repeated(L"k.", levels - 1) + L"k";
+  bundle deep, empty, changed;
+  deep.putOn(path, 1);
+  changed.putOn(path, 2);
+  ruvo::bundles::keep_existing keep;
+  ruvo::bundles::only_keys only({L"none", L"K.k"});
+  ruvo::bundles::merge(empty, deep, &only);
+  EXPECT_TRUE(empty == deep);
+  ruvo::bundles::merge(empty, changed, &keep);
+  EXPECT_EQ(empty.get_long(path), 1);
+  ruvo::bundles::merge(empty, changed);
+  EXPECT_EQ(empty.get_long(path), 2);
+
+  ruvo::layered_settings settings;
+  std::vector<std::size_t> seen;
+  settings.observe([&seen](const std::wstring& where) { seen.push_back(where.size()); });
+  settings.set_layer(L"below", deep);
+  settings.set_layer(L"above", changed);
+  settings.put(L"above", path, 3);
+  EXPECT_EQ(settings.layer_of(path), L"above");
+  EXPECT_TRUE(settings.explain(path).starts_with(L"Lo da la capa «above». Queda oculto lo de «below»."));
+  EXPECT_TRUE(settings.erase(L"above", path));
+  EXPECT_EQ(settings->get_long(path), 1);
+  EXPECT_TRUE(settings.remove_layer(L"below"));
+  EXPECT_EQ(seen, (std::vector<std::size_t>{129, 129, path.size(), path.size(), 129}));
+
+  ruvo::set all{deep, changed};
+  EXPECT_TRUE(all.contains(empty) && !all.contains(*settings));
 }
 
 TEST(nesting_by_hand, through_qualities) {

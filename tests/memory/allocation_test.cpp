@@ -383,6 +383,55 @@ TEST_F(allocation, becoming_a_list_loses_nothing) {
   }
 }
 
+TEST_F(allocation, layers_and_sets_stay_as_they_were) {
+  ruvo::layered_settings settings;
+  settings.set_layer(L"a layer of some name", sample_);
+  settings.observe([](const std::wstring&) {});
+  const bundle other{{L"cliente", bundle{{L"nombre", L"another text of some length"}}}};
+  const std::wstring before = settings->to_string();
+  long long allocations = fail_everywhere(
+      [&] {
+        settings.set_layer(L"another layer of some name", other);
+        EXPECT_NE(settings->to_string(), before);
+        settings.remove_layer(L"another layer of some name");
+      },
+      [&] {
+        const bool is_one = settings.get_layers().size() == 1;
+        EXPECT_EQ(settings->to_string() == before, is_one);
+        settings.remove_layer(L"another layer of some name");
+      });
+  EXPECT_GT(allocations, 20);
+  ruvo::bundles::keep_existing keep;
+  bundle merged, whole;
+  ruvo::bundles::merge(whole, sample_, &keep);
+  fail_everywhere(
+      [&] {
+        merged = other;
+        ruvo::bundles::merge(merged, sample_, &keep);
+      },
+      [&] { ruvo::bundles::merge(merged, sample_); });
+  EXPECT_TRUE(merged == whole);
+
+  ruvo::cap_set newest(2);
+  ruvo::set all;
+  for (const wchar_t* const text : {L"a text of some length", L"another text of some length"}) {
+    newest.insert(text);
+    all.insert(text);
+  }
+  const std::wstring texts = newest.to_string() + all.to_string();
+  const auto check = [&] { EXPECT_EQ(newest.to_string() + all.to_string(), texts); };
+  allocations = fail_everywhere(
+      [&] {
+        ruvo::cap_set more(newest);
+        ruvo::set wider(all);
+        more.insert(sample_);
+        wider.insert(sample_);
+        EXPECT_EQ(more.size() + wider.size(), 5U);
+      },
+      check);
+  EXPECT_GT(allocations, 10);
+}
+
 TEST_F(allocation, nothing_is_left_behind) {
   const auto work = [&] {
     bundle b;

@@ -74,6 +74,11 @@ const std::wstring& in_a_quality(bundle& b, const std::wstring& text) {
   return b[L"nodo"].begin()->first;
 }
 
+/// Settings of one layer, which is the bundle.
+struct layer_of : ruvo::layered_settings {
+  explicit layer_of(bundle& b) { share_layer(L"capa", ruvo::smart_bundle(&b)); }
+};
+
 TEST(aliasing, texts_inside_of_a_bundle) {
   const struct {
     const char* name;
@@ -98,6 +103,8 @@ TEST(aliasing, texts_inside_of_a_bundle) {
       {"hack_nc_binary_on", path, [](bundle& b, const std::wstring& t) { b.hack_nc_binary_on(t, L"ab"); }},
       {"putOn path", path, [](bundle& b, const std::wstring& t) { b.putOn(t, 1); }},
       {"putOn value", path, [](bundle& b, const std::wstring& t) { b.putOn(L"nodo.a.b", t); }},
+      {"layer put", path, [](bundle& b, const std::wstring& t) { layer_of(b).put(L"capa", t, t); }},
+      {"layer erased", path, [](bundle& b, const std::wstring& t) { layer_of(b).erase(L"capa", t); }},
       {"JSON", document,
        [](bundle& b, const std::wstring& t) { serializer::json().deserialize(b, t, nullptr); }},
       {"XML", elements,
@@ -218,6 +225,8 @@ TEST(aliasing, containers_inside_of_a_container) {
   same_as_with_a_copy<bundle>("putOn", fill, [](bundle& b, const bundle& part) { b.putOn(L"nodo", part); });
   same_as_with_a_copy<bundle>("putOn below", fill,
                               [](bundle& b, const bundle& part) { b.putOn(L"nodo.uno.dos.tres", part); });
+  same_as_with_a_copy<bundle>("merge", fill,
+                              [](bundle& b, const bundle& part) { ruvo::bundles::merge(b, part); });
   same_as_with_a_copy<bundle>("nested =", fill,
                               [](bundle& b, const bundle&) { b.hack_bundle_on(L"nodo.uno") = b; });
   const auto bytes = [](bundle& b) -> const binary& { return b.hack_binary_on(L"nodo") = L"unos bytes"; };
