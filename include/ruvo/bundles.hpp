@@ -92,7 +92,7 @@ class KESTA_API only_keys : public imerged_filter {
   only_keys(const only_keys& other);
   only_keys& operator=(const only_keys& other);
   ~only_keys() override;
-  /// Compares with each of the paths.
+  /// Compares with each of the paths, as far as both go.
   bool on_merge(const std::wstring& path, xvar& target, const xvar& source) override;
 
  private:

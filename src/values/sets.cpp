@@ -98,6 +98,7 @@ class plain_letters {
 
   static bool is_combining(wchar_t c) noexcept { return c >= 0x300 && c <= 0x36F; }
   static int place_of(wchar_t c) noexcept {
+    if (static_cast<char16_t>(c) < 0x80) return 2 * texto::to_lower(c);
     if (c == enye || c == capital_enye) return 2 * L'n' + 1;
     return 2 * static_cast<char16_t>(texto::to_lowercase(texto::limpia_puntuacion(c, 0)));
   }
