@@ -213,17 +213,42 @@ requires detail::is_exact_duration<std::chrono::duration<Rep, Period>> T& operat
 // --- std::filesystem
 
 /// The same path, and back; a file brings it into its one form.
-inline std::filesystem::path to_path(const file& path) { return {path.c_str()}; }
-inline file to_file(const std::filesystem::path& path) { return file(path.wstring()); }
+inline std::filesystem::path to_path(const file& path) {
+  if constexpr (std::same_as<std::filesystem::path::value_type, wchar_t>)
+    return path.c_str();
+  else
+    return texto::to_utf_8(path);
+}
+inline file to_file(const std::filesystem::path& path) { return file(path.native()); }
 
 // --- std::source_location
 
-#if defined(__cpp_lib_source_location)
-
 namespace detail {
 
+#if defined(__cpp_lib_source_location)
+using call_place = std::source_location;
+#else
+/// What std::source_location is, for compilers that its library does not serve yet.
+class call_place {
+ public:
+  static constexpr call_place current(const char* file = __builtin_FILE(),
+                                      unsigned line = __builtin_LINE()) noexcept {
+    call_place made;
+    made.file_ = file;
+    made.line_ = line;
+    return made;
+  }
+  constexpr const char* file_name() const noexcept { return file_; }
+  constexpr unsigned line() const noexcept { return line_; }
+
+ private:
+  const char* file_ = "";
+  unsigned line_ = 0;
+};
+#endif
+
 /// "[facturas.cpp:58]": the name of the source without its folder.
-inline std::wstring place_of(const std::source_location& at) {
+inline std::wstring place_of(const call_place& at) {
   std::wstring name = texto::to_utf_16(at.file_name());
   name.erase(0, name.find_last_of(L"/\\") + 1);
   return L"[" + name + L':' + std::to_wstring(at.line()) + L']';
@@ -233,19 +258,16 @@ inline std::wstring place_of(const std::source_location& at) {
 
 /// The text and the place of the call, "sin cliente [facturas.cpp:58]", for entries of a log:
 /// `log::warning(L"facturas", located(L"sin cliente"))`. Only who asks for a place pays for it.
-inline std::wstring located(std::wstring text,
-                            const std::source_location& at = std::source_location::current()) {
+inline std::wstring located(std::wstring text, const detail::call_place& at = detail::call_place::current()) {
   if (!text.empty()) text += L' ';
   return text += detail::place_of(at);
 }
 /// The failure with the place of the call behind its detail, for `throw located(exc::fileNotFound(path))`.
 template <std::derived_from<exception> Failure>
-Failure located(Failure failure, const std::source_location& at = std::source_location::current()) {
+Failure located(Failure failure, const detail::call_place& at = detail::call_place::current()) {
   failure.set_detail(located(failure.get_detail(), at));
   return failure;
 }
-
-#endif
 
 // --- std::future and std::stop_token
 
@@ -256,6 +278,7 @@ namespace task {
 /// The running task as the body of a future_call sees it; valid as long as the body runs.
 class stoppable_steps {
  public:
+  /// Made by future_call.
   stoppable_steps(steps of, std::stop_token stop) noexcept : of_(of), stop_(std::move(stop)) {}
 
   /// Reports the progress; false when the body should end: nothing is reported then.

@@ -116,7 +116,7 @@ concept has_value_form = requires(Type& out, const var& value) {
 ///   which `Z` or an offset may stand, and before that a fraction, which is cut; integers, the seconds since
 ///   1970. What is read from a text or number has the mode UTC, and stands in it where no offset is said. The
 ///   day must exist in its month, unlike in the conversions of var.
-/// - bundle, list, var, xvar: a copy.
+/// - bundle, list, var, xvar: a copy. lapse: the seconds since 1970, an integer. wchar_t: a text of one unit.
 ///
 /// Null is none of them but a var. Throws nothing but std::bad_alloc.
 template <has_value_form Type>
@@ -135,36 +135,44 @@ std::optional<Type> find_as(const bundle& in, const Path& path, char separator =
 
 namespace detail {
 
+template <class Type>
+inline constexpr const wchar_t* noun_of_form = L"texto";
+template <>
+inline constexpr const wchar_t* noun_of_form<bool> = L"valor lógico";
+template <>
+inline constexpr const wchar_t* noun_of_form<binary> = L"binario, o texto en Base64";
+template <>
+inline constexpr const wchar_t* noun_of_form<date> = L"fecha";
+template <>
+inline constexpr const wchar_t* noun_of_form<time> = L"hora";
+template <>
+inline constexpr const wchar_t* noun_of_form<datetime> = L"fecha con hora";
+template <>
+inline constexpr const wchar_t* noun_of_form<bundle> = L"bundle";
+template <>
+inline constexpr const wchar_t* noun_of_form<list> = L"lista";
+
 /// A value_form of what the library reads itself.
 template <class Type>
 struct plain_form {
   static bool read(Type& out, const var& value) { return read_form(out, value); }
   static void write(xvar& out, const Type& value) { out = value; }
+  static std::wstring expected() { return noun_of_form<Type>; }
 };
 
-}  // namespace detail
+template <class Number>
+struct integer_form {
+  using limits = std::numeric_limits<Number>;
+  using widest = std::conditional_t<std::is_signed_v<Number>, long long, unsigned long long>;
 
-/// As value_as() says.
-template <>
-struct value_form<bool> : detail::plain_form<bool> {
-  static std::wstring expected() { return L"valor lógico"; }
-};
-
-/// As value_as() says.
-template <detail::is_integer_number Number>
-struct value_form<Number> {
-  /// True is success.
   static bool read(Number& out, const var& value) {
-    using limits = std::numeric_limits<Number>;
+    widest wide = 0;
     if constexpr (std::is_signed_v<Number>) {
-      long long wide = 0;
-      if (!detail::read_integer_form(wide, value, (limits::min)(), (limits::max)())) return false;
-      out = static_cast<Number>(wide);
+      if (!read_integer_form(wide, value, (limits::min)(), (limits::max)())) return false;
     } else {
-      unsigned long long wide = 0;
-      if (!detail::read_integer_form(wide, value, (limits::max)())) return false;
-      out = static_cast<Number>(wide);
+      if (!read_integer_form(wide, value, (limits::max)())) return false;
     }
+    out = static_cast<Number>(wide);
     return true;
   }
   /// As the kind that the type is; `signed char` and `unsigned char` as int.
@@ -174,73 +182,29 @@ struct value_form<Number> {
     else
       out = value;
   }
-  /// "entero de -128 a 127".
-  static std::wstring expected() {
-    using limits = std::numeric_limits<Number>;
-    return detail::noun_of_integers((limits::min)(), (limits::max)());
-  }
+  static std::wstring expected() { return noun_of_integers((limits::min)(), (limits::max)()); }
 };
 
-/// As value_as() says.
-template <std::floating_point Number>
-struct value_form<Number> {
-  /// True is success.
+template <class Number>
+struct real_form {
   static bool read(Number& out, const var& value) {
     double wide = 0;
-    if (!detail::read_form(wide, value)) return false;
+    if (!read_form(wide, value)) return false;
     constexpr auto most = static_cast<double>((std::numeric_limits<Number>::max)());
     constexpr double infinite = std::numeric_limits<double>::infinity();
     if ((wide > most && wide < infinite) || (wide < -most && wide > -infinite)) return false;
     out = static_cast<Number>(wide);
     return true;
   }
-  /// A `long double` as the nearest double.
-  static void write(xvar& out, Number value) {
-    if constexpr (std::same_as<Number, float>)
-      out = value;
-    else
-      out = static_cast<double>(value);
-  }
-  /// "número".
+  static void write(xvar& out, Number value) { out = value; }
   static std::wstring expected() { return L"número"; }
 };
 
-/// As value_as() says.
-template <>
-struct value_form<std::wstring> : detail::plain_form<std::wstring> {
-  static std::wstring expected() { return L"texto"; }
-};
-template <>
-struct value_form<std::string> : detail::plain_form<std::string> {
-  static std::wstring expected() { return L"texto"; }
-};
-template <>
-struct value_form<memo> : detail::plain_form<memo> {
-  static std::wstring expected() { return L"texto"; }
-};
-template <>
-struct value_form<binary> : detail::plain_form<binary> {
-  static std::wstring expected() { return L"binario, o texto en Base64"; }
-};
-template <>
-struct value_form<date> : detail::plain_form<date> {
-  static std::wstring expected() { return L"fecha"; }
-};
-template <>
-struct value_form<time> : detail::plain_form<time> {
-  static std::wstring expected() { return L"hora"; }
-};
-template <>
-struct value_form<datetime> : detail::plain_form<datetime> {
-  static std::wstring expected() { return L"fecha con hora"; }
-};
-
-/// A character: a text of one unit, or what a wchar_t made.
-template <>
-struct value_form<wchar_t> {
+/// A text of one unit, or what a wchar_t made.
+struct character_form {
   static bool read(wchar_t& out, const var& value) {
     std::wstring text;
-    if (!detail::read_form(text, value) || text.size() != 1) return false;
+    if (!read_form(text, value) || text.size() != 1) return false;
     out = text.front();
     return true;
   }
@@ -248,13 +212,12 @@ struct value_form<wchar_t> {
   static std::wstring expected() { return L"carácter"; }
 };
 
-/// The seconds since 1970, as an integer: a lapse is no value of a var.
-template <>
-struct value_form<lapse> {
+/// A lapse is no value of a var: its seconds are.
+struct lapse_form {
   static bool read(lapse& out, const var& value) {
     using limits = std::numeric_limits<long long>;
     long long seconds = 0;
-    if (!detail::read_integer_form(seconds, value, (limits::min)(), (limits::max)())) return false;
+    if (!read_integer_form(seconds, value, (limits::min)(), (limits::max)())) return false;
     out.set_lapso(seconds);
     return true;
   }
@@ -262,31 +225,23 @@ struct value_form<lapse> {
   static std::wstring expected() { return L"segundos"; }
 };
 
-/// A copy of the container inside.
-template <>
-struct value_form<bundle> {
-  static bool read(bundle& out, const var& value) {
-    const bundle* const held = as_bundle(value);
+inline const bundle* held_in(const var& value, std::type_identity<bundle>) { return as_bundle(value); }
+inline const list* held_in(const var& value, std::type_identity<list>) { return as_list(value); }
+
+template <class Container>
+struct container_form {
+  static bool read(Container& out, const var& value) {
+    const Container* const held = held_in(value, std::type_identity<Container>());
     if (held) out = *held;
     return held != nullptr;
   }
-  static void write(xvar& out, const bundle& value) { out = xvar(value); }
-  static std::wstring expected() { return L"bundle"; }
-};
-template <>
-struct value_form<list> {
-  static bool read(list& out, const var& value) {
-    const list* const held = as_list(value);
-    if (held) out = *held;
-    return held != nullptr;
-  }
-  static void write(xvar& out, const list& value) { out = xvar(value); }
-  static std::wstring expected() { return L"lista"; }
+  static void write(xvar& out, const Container& value) { out = xvar(value); }
+  static std::wstring expected() { return noun_of_form<Container>; }
 };
 
-/// A copy of any value, null too; qualities do not come along.
-template <std::derived_from<var> Any>
-struct value_form<Any> {
+/// Null too; qualities do not come along.
+template <class Any>
+struct any_form {
   static bool read(Any& out, const var& value) {
     out = Any(value);
     return true;
@@ -294,6 +249,42 @@ struct value_form<Any> {
   static void write(xvar& out, const Any& value) { out = value; }
   static std::wstring expected() { return L"valor"; }
 };
+
+}  // namespace detail
+
+/// As value_as() says.
+template <>
+struct value_form<bool> : detail::plain_form<bool> {};
+template <detail::is_integer_number Number>
+struct value_form<Number> : detail::integer_form<Number> {};
+template <>
+struct value_form<float> : detail::real_form<float> {};
+template <>
+struct value_form<double> : detail::real_form<double> {};
+template <>
+struct value_form<std::wstring> : detail::plain_form<std::wstring> {};
+template <>
+struct value_form<std::string> : detail::plain_form<std::string> {};
+template <>
+struct value_form<memo> : detail::plain_form<memo> {};
+template <>
+struct value_form<wchar_t> : detail::character_form {};
+template <>
+struct value_form<binary> : detail::plain_form<binary> {};
+template <>
+struct value_form<date> : detail::plain_form<date> {};
+template <>
+struct value_form<time> : detail::plain_form<time> {};
+template <>
+struct value_form<datetime> : detail::plain_form<datetime> {};
+template <>
+struct value_form<lapse> : detail::lapse_form {};
+template <>
+struct value_form<bundle> : detail::container_form<bundle> {};
+template <>
+struct value_form<list> : detail::container_form<list> {};
+template <std::derived_from<var> Any>
+struct value_form<Any> : detail::any_form<Any> {};
 
 // --- bundles as ranges
 

@@ -21,7 +21,9 @@
 #include <vector>
 
 #if __has_include(<fmt/format.h>)
-#  define FMT_HEADER_ONLY
+#  if !defined(FMT_HEADER_ONLY)
+#    define FMT_HEADER_ONLY
+#  endif
 #  include <ruvo/fmt.hpp>
 #endif
 #if defined(__cpp_lib_jthread)
@@ -160,7 +162,6 @@ TEST(error_code, says_what_the_failure_is) {
   EXPECT_EQ(std::error_code(7, ruvo::error_category()).message(), "Error desconocido");
 }
 
-#if defined(__cpp_lib_source_location)
 TEST(located, adds_the_place_of_the_call) {
   const std::wstring place = L"[std_test.cpp:" + std::to_wstring(__LINE__ + 1) + L"]";
   EXPECT_EQ(ruvo::located(L"sin cliente") + ruvo::located(L""), L"sin cliente " + place + place);
@@ -170,7 +171,6 @@ TEST(located, adds_the_place_of_the_call) {
     EXPECT_TRUE(failure.get_detail().starts_with(L"x.txt [std_test.cpp:"));
   }
 }
-#endif
 
 // --- std::future, std::stop_token
 
