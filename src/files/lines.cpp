@@ -41,17 +41,17 @@ class line_reader::source {
   source(const file& path, const line_options& how)
       : path_(path), how_(how), in_(open_to_read(path_)), buffer_(piece) {}
 
-  bool next(std::string_view& line) {
-    line = {};
+  bool next(std::string_view& out) {
+    out = {};
     state_ = state::reading;
     for (;;) {
-      if (is_started_ && find_line(line)) break;
+      if (is_started_ && find_line(out)) break;
       if (fill()) continue;
       if (can_start()) {
         start();
-      } else if (how_.follows ? !look_around(line) : !take_rest(line)) {
+      } else if (how_.follows ? !look_around(out) : !take_rest(out)) {
         return false;
-      } else if (!line.empty()) {
+      } else if (!out.empty()) {
         break;
       }
     }
@@ -59,11 +59,11 @@ class line_reader::source {
     return true;
   }
 
-  bool next(std::wstring& line) {
+  bool next(std::wstring& out) {
     std::string_view bytes;
-    line.clear();
+    out.clear();
     if (!next(bytes)) return false;
-    within_memory([&] { replaced_ += texto::append_decoded(line, bytes, charset_.what); });
+    within_memory([&] { replaced_ += texto::append_decoded(out, bytes, charset_.what); });
     return true;
   }
 
@@ -73,7 +73,8 @@ class line_reader::source {
   unsigned long long line_number() const noexcept { return number_; }
   unsigned long long position() const noexcept { return read_ - (end_ - begin_); }
 
-  std::wstring line;  // of the iterators
+  bool step() { return next(kept_line_); }
+  const std::wstring& line() const noexcept { return kept_line_; }
 
  private:
   bool is_wide() const noexcept {
@@ -219,6 +220,7 @@ class line_reader::source {
   std::vector<char> buffer_;
   std::size_t begin_ = 0, scanned_ = 0, end_ = 0;
   unsigned long long read_ = 0, number_ = 0, replaced_ = 0;
+  std::wstring kept_line_;  // of the iterators
   texto::charset_guess charset_;
   state state_ = state::reading;
   bool is_started_ = false;    // the encoding is known
@@ -239,8 +241,8 @@ unsigned long long line_reader::count_replaced() const noexcept { return source_
 unsigned long long line_reader::line_number() const noexcept { return source_->line_number(); }
 unsigned long long line_reader::position() const noexcept { return source_->position(); }
 
-const std::wstring& line_reader::line() const noexcept { return source_->line; }
-bool line_reader::step() { return source_->next(source_->line); }
+const std::wstring& line_reader::line() const noexcept { return source_->line(); }
+bool line_reader::step() { return source_->step(); }
 
 bool read_lines(const file& path, const std::function<bool(const std::wstring&)>& take, exception& err,
                 const line_options& how) {

@@ -36,7 +36,7 @@ std::wstring places(const pattern_match& match) {
   return out;
 }
 
-std::wstring repeated(const std::wstring& part, std::size_t times) {
+std::wstring many_of(const std::wstring& part, std::size_t times) {
   std::wstring made;
   for (std::size_t i = 0; i < times; ++i) made += part;
   return made;
@@ -160,7 +160,7 @@ TEST(pattern_class, refuses_with_the_position) {
   for (const auto& r : rows) EXPECT_EQ(position_of(r.pattern), r.position) << r.pattern;
   EXPECT_EQ(position_of(std::wstring(70'000, L'a')), 65536u);
   EXPECT_EQ(position_of(std::wstring(300, L'(')), 251u);
-  EXPECT_EQ(position_of(repeated(L"(?:", 15'000)), 30'003u);
+  EXPECT_EQ(position_of(many_of(L"(?:", 15'000)), 30'003u);
 }
 
 TEST(pattern_class, finds_all_and_replaces) {
@@ -199,7 +199,7 @@ TEST(pattern_class, splits) {
 /// Of the last two searches the room for what was tried is not enough, and all ways are followed at once.
 TEST(pattern_class, takes_a_time_that_grows_with_the_text) {
   const auto begin = std::chrono::steady_clock::now();
-  const std::wstring many(300'000, L'a'), ways = L"(?:" + repeated(L"(?:a|aa)?", 20) + L"a)*";
+  const std::wstring many(300'000, L'a'), ways = L"(?:" + many_of(L"(?:a|aa)?", 20) + L"a)*";
   const struct {
     std::wstring pattern;
     std::size_t first, last;

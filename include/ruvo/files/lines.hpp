@@ -52,7 +52,7 @@ enum class line_ends : std::uint8_t {
 
 /// How lines are read.
 struct line_options {
-  line_ends ends = line_ends::lf;
+  line_ends ends = line_ends::lf;  ///< What ends a line.
   /// The encoding where the file has no mark at its start; a mark counts more, and is no part of a line.
   texto::charset encoding = texto::charset::utf_8;
   /// Without a mark, the encoding is what guess_charset() makes of the first 64 KB instead.

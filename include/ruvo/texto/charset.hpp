@@ -31,8 +31,8 @@ enum class certainty : std::uint8_t {
 
 /// What bytes seem to be.
 struct charset_guess {
-  charset what = charset::utf_8;
-  certainty how_sure = certainty::certain;
+  charset what = charset::utf_8;            ///< The encoding.
+  certainty how_sure = certainty::certain;  ///< How far that is to be believed.
   std::size_t mark = 0;  ///< Bytes of the byte order mark in front, which is no part of the text.
 };
 
@@ -48,7 +48,7 @@ KESTA_API charset_guess guess_charset(std::string_view bytes, bool is_whole = tr
 
 /// A text, and what it was made of.
 struct decoded_text {
-  std::wstring text;
+  std::wstring text;                ///< Without the mark.
   charset_guess from;               ///< The guess, or the encoding that was asked for, which is certain.
   std::size_t replaced = 0;         ///< How many parts were no characters and became U+FFFD.
   std::vector<std::size_t> places;  ///< Where the first 100 of them begin, in bytes from the first one on.
