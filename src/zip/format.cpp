@@ -15,7 +15,7 @@ namespace {
 
 /// The kind of file of Unix, which stands in the upper half of the attributes.
 constexpr std::uint32_t kind_bits = 0xF0000000, kind_file = 0x80000000, kind_folder = 0x40000000,
-                        kind_link = 0xA0000000;
+                        kind_link = 0xA0000000, kind_pipe = 0x10000000;
 
 /// Takes from `field` the number that was left out of a record's own, if it was.
 bool fill_in(std::uint64_t& number, std::string_view& field) noexcept {
@@ -34,7 +34,7 @@ bool record::is_link() const noexcept {
 
 bool record::is_special() const noexcept {
   const std::uint32_t kind = attributes & kind_bits;
-  return kind && kind != kind_file && kind != kind_folder && kind != kind_link;
+  return kind && kind != kind_file && kind != kind_folder && kind != kind_link && kind != kind_pipe;
 }
 
 std::string_view find_extra(std::string_view fields, unsigned number) noexcept {

@@ -4,6 +4,7 @@
 
 #include "zip/new_archive.hpp"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/utf.hpp"
@@ -184,8 +185,8 @@ void new_archive::deflate(entry_head& head, const next_piece& next) {
     head.crc = packing::crc_32(head.crc, piece);
     head.size += piece.size();
     while (ends ? !packer_->is_done() : !piece.empty()) {
-      char* const room = out.room(packed_room);
-      const std::size_t count = packer_->pack(piece, ends, room, packed_room);
+      const std::size_t size = std::min(packed_room, std::max<std::size_t>(piece.size(), 256));
+      const std::size_t count = packer_->pack(piece, ends, out.room(size), size);
       writing([&] { out.used(count); });
     }
   }
