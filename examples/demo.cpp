@@ -4,8 +4,8 @@
 // bundles, takes typed values out of them by path, builds an answer and writes it as standard JSON, in the
 // library's dialect, for what it stores, and as XML. What is no standard JSON is read by the dialect.
 // The answer to an order is an HTTP response, and an e-mail confirms it. Where servers are named, both are
-// sent to them by the transport beside this file, and a form that somebody filled in is fetched and read. Log
-// entries show what happens when.
+// sent to them by the transport beside this file, the mail with the answer in a zip archive, and a form that
+// somebody filled in is fetched and read. Log entries show what happens when.
 //
 //   demo [http://HOST:PORT MAILHOST:PORT] FILE.json...
 //
@@ -312,6 +312,18 @@ void post_answer(const std::wstring& url, const ruvo::bundle& answer) {
   show(L"HTTP", L"entregado, responde " + shortened(text_of(reply), 80));
 }
 
+/// The answer in an archive, which goes along with the mail and is the caller's to erase.
+ruvo::file packed(const ruvo::bundle& answer) {
+  const ruvo::file path = ruvo::files::get_temporal_file(L"pedido", L"", L"zip");
+  std::string text;
+  ruvo::exception failure;
+  ruvo::zip::writer out;
+  if (ruvo::serializer::write_standard_json(text, answer, &failure) || !out.open(path, failure) ||
+      !out.add_bytes(L"respuesta.json", text, failure) || !out.close(failure))
+    throw ruvo::exception(failure);
+  return path;
+}
+
 void send_mail(const ruvo::smtp::mailbox& to, const ruvo::smtp::email& message) {
   transport::mail_session session(to);
   const ruvo::smtp::response reply = session.send(message);
@@ -359,7 +371,11 @@ void process(const std::wstring& name, const servers& to) {
     show_messages(document, answer, failure);
     if (!to.url.empty()) {
       post_answer(to.url, answer);
-      if (const auto mail = confirmation_of(document, answer)) send_mail(to.mail, *mail);
+      if (auto mail = confirmation_of(document, answer)) {
+        const ruvo::file archive = packed(answer);
+        send_mail(to.mail, mail->push(archive));
+        archive.erase();
+      }
     }
     document = answer;
   } else {

@@ -6,6 +6,7 @@ and what the servers received is not what the form and the orders call for, it i
 
 import email
 import email.policy
+import io
 import json
 import socketserver
 import subprocess
@@ -13,6 +14,7 @@ import sys
 import threading
 import urllib.parse
 import urllib.request
+import zipfile
 from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 
 FORM = [("cliente", "Ñandú & Cía."), ("nota", "dos\r\nlíneas = 10 €"), ("nota", ""), ("Nota", "+1%")]
@@ -61,6 +63,13 @@ class Mail(socketserver.StreamRequestHandler):
         self.wfile.write(text.encode() + b"\r\n")
 
 
+def unpacked(mail):
+    """The answer that the mail brings along in an archive."""
+    archive = next(part for part in mail.iter_attachments() if part.get_filename().endswith(".zip"))
+    with zipfile.ZipFile(io.BytesIO(archive.get_content())) as files:
+        return json.loads(files.read("respuesta.json"))
+
+
 def serve(server):
     threading.Thread(target=server.serve_forever, daemon=True).start()
     return server.server_address[1]
@@ -84,6 +93,8 @@ def main():
             faults.append("no mail for " + order["pedido"])
         elif mail and order["aceptado"] != ("aceptado" in mail.get_body(("plain",)).get_content()):
             faults.append("the mail for " + order["pedido"])
+        elif mail and unpacked(mail) != order:
+            faults.append("the archive for " + order["pedido"])
     faults += confirmed
     if faults or not orders:
         print("demo_servers.py: not as it should be:", faults, orders, mails)
