@@ -48,6 +48,7 @@
 #include <ruvo/mime.hpp>
 #include <ruvo/net.hpp>
 #include <ruvo/oauth.hpp>
+#include <ruvo/rdn.hpp>
 #include <ruvo/reading.hpp>
 #include <ruvo/serializer.hpp>
 #include <ruvo/set.hpp>
