@@ -17,7 +17,7 @@ using identifiers::kind;
 
 namespace {
 
-std::wstring digits(dice& chance, std::size_t count) {
+std::wstring some_digits(dice& chance, std::size_t count) {
   std::wstring out;
   while (out.size() < count) out += chance.unit(L"0123456789");
   return out;
@@ -38,9 +38,9 @@ std::wstring account(dice& chance, std::wstring_view form) {
   return out;
 }
 
-class official : public generated_inputs {};
-
 }  // namespace
+
+class official : public generated_inputs {};
 
 TEST_F(official, what_is_wrong_is_said) {
   const struct {
@@ -196,13 +196,13 @@ TEST_F(official, control_characters_are_made_and_find_each_wrong_digit) {
       kind of;
       std::wstring text;
     } rows[] = {
-        {kind::dni, digits(chance, 8) + L"0"},
-        {kind::nie, chance.unit(L"XYZ") + digits(chance, 7) + L"0"},
-        {kind::nif, chance.unit(L"KLM") + digits(chance, 7) + L"0"},
-        {kind::company, chance.unit(L"ABCDEFGHJNPQRSUVW") + digits(chance, 7) + chance.unit(L"0A")},
-        {kind::card, digits(chance, 16)},
+        {kind::dni, some_digits(chance, 8) + L"0"},
+        {kind::nie, chance.unit(L"XYZ") + some_digits(chance, 7) + L"0"},
+        {kind::nif, chance.unit(L"KLM") + some_digits(chance, 7) + L"0"},
+        {kind::company, chance.unit(L"ABCDEFGHJNPQRSUVW") + some_digits(chance, 7) + chance.unit(L"0A")},
+        {kind::card, some_digits(chance, 16)},
         {kind::iban, country + L"00" + account(chance, form)},
-        {kind::vat, L"ESB" + digits(chance, 8)},
+        {kind::vat, L"ESB" + some_digits(chance, 8)},
     };
     for (const auto& [of, text] : rows) {
       if (of == kind::card && identifiers::check(of, text).what == fault::length) continue;

@@ -11,7 +11,7 @@
 #include "support/rounds.hpp"
 
 namespace texto = ruvo::texto;
-using fault = texto::number_fault;
+using texto::number_fault;
 
 namespace {
 
@@ -23,9 +23,9 @@ texto::number_options leniently(texto::number_options options) {
   return options;
 }
 
-class written_numbers : public generated_inputs {};
-
 }  // namespace
+
+class written_numbers : public generated_inputs {};
 
 TEST_F(written_numbers, that_are_read) {
   const struct {
@@ -83,39 +83,39 @@ TEST_F(written_numbers, that_are_wrong) {
   const struct {
     const wchar_t* text;
     texto::number_options options;
-    fault what;
+    number_fault what;
     std::size_t position;
   } rows[] = {
-      {L" ", spanish, fault::empty, 0},
-      {L"€", spanish, fault::digits, 1},
-      {L"12a", spanish, fault::character, 3},
-      {L"1 234", spanish, fault::character, 3},
-      {L"1e5", spanish, fault::character, 2},
-      {L"\uFF11", spanish, fault::character, 1},
-      {L"5,", spanish, fault::digits, 2},
-      {L",5", spanish, fault::digits, 1},
-      {L",", leniently(spanish), fault::digits, 1},
-      {L"1,234.56", spanish, fault::separator, 6},
-      {L"1,2,3", spanish, fault::separator, 4},
-      {L"1.234", ungrouped, fault::separator, 2},
-      {L"1.23", spanish, fault::grouping, 3},
-      {L"12.5", spanish, fault::grouping, 4},
-      {L"1234.567", spanish, fault::grouping, 1},
-      {L"0.123", spanish, fault::grouping, 1},
-      {L"1..234", spanish, fault::grouping, 3},
-      {L"1,23.456,7", leniently(spanish), fault::separator, 5},
-      {L"1.23.456", leniently(spanish), fault::grouping, 3},
-      {L"12'", leniently(spanish), fault::grouping, 3},
-      {L"1 234'567", leniently(spanish), fault::separator, 6},
-      {L"- 5", spanish, fault::sign, 1},
-      {L"5-", spanish, fault::sign, 2},
-      {L"--5", spanish, fault::sign, 2},
-      {L"(-5)", spanish, fault::sign, 2},
-      {L"(5", spanish, fault::sign, 1},
-      {L"5)", spanish, fault::sign, 2},
-      {L"5 % %", spanish, fault::unit, 5},
-      {L"5 €", bare, fault::unit, 3},
-      {L"5 eur", spanish, fault::character, 3},
+      {L" ", spanish, number_fault::empty, 0},
+      {L"€", spanish, number_fault::digits, 1},
+      {L"12a", spanish, number_fault::character, 3},
+      {L"1 234", spanish, number_fault::character, 3},
+      {L"1e5", spanish, number_fault::character, 2},
+      {L"\uFF11", spanish, number_fault::character, 1},
+      {L"5,", spanish, number_fault::digits, 2},
+      {L",5", spanish, number_fault::digits, 1},
+      {L",", leniently(spanish), number_fault::digits, 1},
+      {L"1,234.56", spanish, number_fault::separator, 6},
+      {L"1,2,3", spanish, number_fault::separator, 4},
+      {L"1.234", ungrouped, number_fault::separator, 2},
+      {L"1.23", spanish, number_fault::grouping, 3},
+      {L"12.5", spanish, number_fault::grouping, 4},
+      {L"1234.567", spanish, number_fault::grouping, 1},
+      {L"0.123", spanish, number_fault::grouping, 1},
+      {L"1..234", spanish, number_fault::grouping, 3},
+      {L"1,23.456,7", leniently(spanish), number_fault::separator, 5},
+      {L"1.23.456", leniently(spanish), number_fault::grouping, 3},
+      {L"12'", leniently(spanish), number_fault::grouping, 3},
+      {L"1 234'567", leniently(spanish), number_fault::separator, 6},
+      {L"- 5", spanish, number_fault::sign, 1},
+      {L"5-", spanish, number_fault::sign, 2},
+      {L"--5", spanish, number_fault::sign, 2},
+      {L"(-5)", spanish, number_fault::sign, 2},
+      {L"(5", spanish, number_fault::sign, 1},
+      {L"5)", spanish, number_fault::sign, 2},
+      {L"5 % %", spanish, number_fault::unit, 5},
+      {L"5 €", bare, number_fault::unit, 3},
+      {L"5 eur", spanish, number_fault::character, 3},
   };
   for (const auto& row : rows) {
     const auto read = texto::parse_number(row.text, row.options);
@@ -124,7 +124,7 @@ TEST_F(written_numbers, that_are_wrong) {
     EXPECT_TRUE(read.plain.empty() && !texto::message_of(read).empty());
   }
   const auto large = texto::parse_number(L" 1" + std::wstring(400, L'0'), spanish);
-  EXPECT_EQ(large.fault, fault::too_large);
+  EXPECT_EQ(large.fault, number_fault::too_large);
   EXPECT_EQ(large.position, 2U);
 }
 

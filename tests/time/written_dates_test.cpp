@@ -17,11 +17,7 @@ namespace dates = ruvo::dates;
 using field = dates::date_field;
 using fault = dates::date_fault;
 
-namespace {
-
 class written_dates : public generated_inputs {};
-
-}  // namespace
 
 TEST_F(written_dates, that_are_read) {
   const struct {
