@@ -112,7 +112,7 @@ enum class ini_encoding : std::int32_t {
 /// as it was. What cannot be set is exc::BadArgument with the section or key, its detail says why. Look-up
 /// takes constant time, setting the time of what is written; erasing a section, renaming, and a change that
 /// could give other lines another meaning (quotation marks that do not close in dotenv(), indented keys in
-/// python()) take that of the whole text. Texts may have 2^30 units.
+/// python(), lines that end with CR alone) take that of the whole text. Texts may have 2^30 units.
 ///
 /// No locks: several threads may read one document, and who writes keeps others away.
 class KESTA_API ini_file {
@@ -143,7 +143,7 @@ class KESTA_API ini_file {
 
   // --- saving
 
-  /// The whole text without a mark.
+  /// The whole text without a mark; before what looks like one, which parse() would take for it, stands one.
   std::wstring text() const;
   /// The bytes to be saved. The one failure is exc::BadFormat where they would be read in another encoding:
   /// of ansi without any byte left that is no UTF-8, though some are beyond ASCII.

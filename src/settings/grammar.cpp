@@ -136,7 +136,14 @@ std::size_t grammar::closing(std::wstring_view text, std::size_t from, std::size
 
 // --- lines
 
+// A CR at the end goes together with an LF that may come to stand behind it.
 line_shape grammar::line_at(std::wstring_view text, std::uint32_t entry_indent) const {
+  line_shape made = shape_of(text, entry_indent);
+  if (made.size == made.content + 1 && text[made.content] == L'\r') made.is_loose = true;
+  return made;
+}
+
+line_shape grammar::shape_of(std::wstring_view text, std::uint32_t entry_indent) const {
   line_shape made;
   const std::size_t end = line_end(text, 0), first = skip_blanks(text, 0, end);
   made.indent = offset(first);

@@ -87,6 +87,7 @@ class grammar {
   std::size_t name_end(std::wstring_view text, std::size_t at, std::size_t end) const noexcept;
   std::size_t closing(std::wstring_view text, std::size_t from, std::size_t end) const noexcept;
 
+  line_shape shape_of(std::wstring_view text, std::uint32_t entry_indent) const;
   bool read_header(line_shape& made, std::wstring_view line) const;
   void read_entry(line_shape& made, std::wstring_view text) const;
   void read_value(line_shape& made, std::wstring_view text, std::size_t at) const;

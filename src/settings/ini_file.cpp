@@ -164,7 +164,12 @@ bool ini_file::open(const file& path, exception& err) {
 
 // --- saving
 
-std::wstring ini_file::text() const { return state_->lines.text(); }
+std::wstring ini_file::text() const {
+  constexpr wchar_t mark = 0xFEFF;
+  std::wstring out = state_->lines.text();
+  if (out.starts_with(mark)) out.insert(out.begin(), mark);  // which parse() takes away
+  return out;
+}
 
 bool ini_file::bytes(std::string& out, exception& err) const {
   return succeeds(err, [&] {
