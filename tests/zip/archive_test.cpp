@@ -215,11 +215,12 @@ TEST_F(archives, folders_are_packed_and_unpacked_with_filter_and_callback) {
   ASSERT_TRUE(in.open(path(L"b.zip"), err));
   EXPECT_TRUE(in.find(L"nada\\", found) && !in.find(L"sub/", found) && !in.find(L"A.TXT", found));
 
+  in.close();  // what is open is not replaced
   EXPECT_TRUE(zip::compress(path(L"origen\\sub\\b.bin"), path(L"b.zip"), err)) << "one file";
   ASSERT_TRUE(in.open(path(L"b.zip"), err));
   EXPECT_EQ(in.size(), 1u);
   EXPECT_TRUE(in.extract(in.get(0), path(L"solo"), err));
-  EXPECT_EQ(get(path(L"solo")), all.at("sub/b.bin"));
+  EXPECT_TRUE(get(path(L"solo")) == all.at("sub/b.bin"));
 }
 
 TEST_F(archives, stopping_leaves_nothing_half) {
