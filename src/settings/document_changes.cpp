@@ -61,6 +61,8 @@ bool document::is_read_as(const new_lines& made, std::wstring_view name, std::ws
     return each.kind == line_kind::more || each.kind == line_kind::blank;
   };
   if (!std::all_of(alone.lines_.begin() + 1, alone.lines_.end(), belongs)) return false;
+  const kept_line& end = alone.lines_.back();
+  if (end.content == end.size && is_line_end(alone.text_.back())) return false;  // would take the next line
   alone.lines_[0].end = alone.last_;
   return alone.value_of(0) == value;
 }
