@@ -20,6 +20,8 @@
 #include <string>
 #include <vector>
 
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo {
 
 /// Who says what, when, and with which qualities, which are named values of any kind.
@@ -126,3 +128,5 @@ class KESTA_API annotable {
 };
 
 }  // namespace ruvo
+
+#include <ruvo/names_back.hpp>

@@ -29,6 +29,8 @@
 #include <string>
 #include <utility>
 
+#include <ruvo/names_aside.hpp>
+
 namespace ruvo {
 
 namespace detail {
@@ -277,3 +279,5 @@ class KESTA_API smart_string_set {
 KESTA_API std::wostream& operator<<(std::wostream& out, const smart_string_set& value);
 
 }  // namespace ruvo
+
+#include <ruvo/names_back.hpp>

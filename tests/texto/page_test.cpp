@@ -23,6 +23,7 @@ TEST(texto_page, names_every_function) {
   for (const auto& header : std::filesystem::directory_iterator(KESTA_SOURCE_DIR "/include/ruvo/texto")) {
     const std::string text = read(header.path());
     for (std::size_t at = 0; (at = text.find("KESTA_API ", at)) != text.npos; ++at) {
+      if (text.compare(at - 6, 6, "class ") == 0) continue;
       const std::size_t end = text.find('(', at), begin = text.find_last_of(" *&\n", end) + 1;
       const std::string name = text.substr(begin, end - begin);
       EXPECT_TRUE(page.find("texto::" + name + "(") != page.npos ||
