@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: BSL-1.0
 #pragma once
 
-// All of kesta: every public header but <ruvo/fmt.hpp>, which is for programs with {fmt}.
+// All of kesta: every public header but <ruvo/std.hpp> and <ruvo/fmt.hpp>, the bridges to further headers of
+// the standard library and to {fmt}.
 
 #include <ruvo/annotation.hpp>
 #include <ruvo/api.hpp>
@@ -55,7 +56,6 @@
 #include <ruvo/smart_bundle.hpp>
 #include <ruvo/smtp.hpp>
 #include <ruvo/standard_json.hpp>
-#include <ruvo/std.hpp>
 #include <ruvo/sync.hpp>
 #include <ruvo/task.hpp>
 #include <ruvo/texto.hpp>

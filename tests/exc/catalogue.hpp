@@ -51,7 +51,7 @@ void add_sample(std::vector<class_sample>& all, const ruvo::detail::error_row& r
     add(Class(subject, 5), prefix);
   } else if constexpr (std::is_default_constructible_v<Class>) {
     add(Class());
-  } else if constexpr (std::is_base_of_v<ruvo::exc::FileException, Class> ||
+  } else if constexpr (std::is_same_v<ruvo::exc::fileUnsafePath, Class> ||
                        std::is_base_of_v<ruvo::exc::JSONException, Class> ||
                        std::is_base_of_v<ruvo::exc::XMLException, Class> ||
                        std::is_base_of_v<ruvo::exc::DecimalException, Class>) {

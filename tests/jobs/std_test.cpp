@@ -3,6 +3,7 @@
 // Values in the standard library: hashes, orders, moves, formats, dates, paths, codes, places, futures.
 
 #include <ruvo/ruvo.hpp>
+#include <ruvo/std.hpp>
 
 #include <atomic>
 #include <chrono>
