@@ -54,7 +54,7 @@ void add_sample(std::vector<class_sample>& all, const ruvo::detail::error_row& r
   } else if constexpr (std::is_same_v<ruvo::exc::fileUnsafePath, Class> ||
                        std::is_base_of_v<ruvo::exc::JSONException, Class> ||
                        std::is_base_of_v<ruvo::exc::XMLException, Class> ||
-                       std::is_base_of_v<ruvo::exc::DecimalException, Class>) {
+                       (Shape == own && std::is_base_of_v<ruvo::exc::DecimalException, Class>)) {
     // Of a position, of what stands there, or of both.
     if constexpr (std::is_constructible_v<Class, unsigned long long, std::wstring>) {
       add(Class(31, std::wstring(L"5")));
