@@ -20,6 +20,7 @@
 #include <string>
 #include <vector>
 
+// Macros of others.
 #include <ruvo/names_aside.hpp>
 
 namespace ruvo {

@@ -29,6 +29,7 @@
 #include <string>
 #include <utility>
 
+// Macros of others.
 #include <ruvo/names_aside.hpp>
 
 namespace ruvo {
