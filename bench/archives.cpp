@@ -14,7 +14,7 @@
 
 #include <zlib.h>
 
-#include "support/corpus.hpp"
+#include "support/corpora.hpp"
 #include "support/harness.hpp"
 
 namespace {

@@ -314,7 +314,7 @@ void post_answer(const std::wstring& url, const ruvo::bundle& answer) {
 
 /// The answer in an archive, which goes along with the mail and is the caller's to erase.
 ruvo::file packed(const ruvo::bundle& answer) {
-  const ruvo::file path = ruvo::files::get_temporal_file(L"pedido", L"", L"zip");
+  ruvo::file path = ruvo::files::get_temporal_file(L"pedido", L"", L"zip");
   std::string text;
   ruvo::exception failure;
   ruvo::zip::writer out;

@@ -114,8 +114,10 @@ class KESTA_API decimal {
 
   // --- arithmetic
 
+  /// The number with the other sign, and the same number.
   decimal operator-() const noexcept;
   decimal operator+() const noexcept { return *this; }
+  /// Exact; what does not fit fails as described above.
   decimal& operator+=(const decimal& other);
   decimal& operator-=(const decimal& other);
   decimal& operator*=(const decimal& other);

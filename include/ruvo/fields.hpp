@@ -148,7 +148,7 @@ class KESTA_API field_reading {
   field_reading(field_report& report, const field_options& options) noexcept;
   field_reading(const field_reading&) = delete;
   field_reading& operator=(const field_reading&) = delete;
-  ~field_reading();
+  ~field_reading() = default;
 
   bool from_xml() const noexcept { return options_.from_xml; }
   bool refuses_unknown() const noexcept { return options_.refuse_unknown; }

@@ -234,6 +234,7 @@ namespace ruvo::serializer {
 class KESTA_API ini : public iserializer {
  public:
   ini();
+  /// In another dialect than that of ini_dialect().
   explicit ini(const ini_dialect& dialect);
   ini(const ini& other);
   ini& operator=(const ini& other);

@@ -70,7 +70,7 @@ class KESTA_API generator {
   explicit generator(std::uint64_t seed) noexcept;
   generator(const generator& other) noexcept;
   generator& operator=(const generator& other) noexcept;
-  ~generator();
+  ~generator() = default;
 
   /// Starts again, as a new generator with the seed.
   void reseed(std::uint64_t seed) noexcept;

@@ -455,7 +455,7 @@ bundle_member::bundle_member(const Key& key, std::initializer_list<bundle_member
 
 }  // namespace ruvo
 
-/// The views of a bundle are views, whose iterators outlive them.
+// The views of a bundle are views, whose iterators outlive them.
 template <class Show>
 inline constexpr bool std::ranges::enable_view<ruvo::detail::entry_range<Show>> = true;
 template <class Show>

@@ -52,7 +52,9 @@ file made_in(const file& wanted, const std::wstring& prefix, const std::wstring&
   const file folder = folder_for(wanted);
   file path;
   for (int i = 0; i < most_attempts; ++i) {
-    path = safe_join(folder, prefix + random_word<Failure>(folder) + ending);
+    std::wstring name = prefix;
+    name.append(random_word<Failure>(folder)).append(ending);
+    path = safe_join(folder, name);
     if (is_made(path)) return path;
     if (!path.exists()) break;
   }

@@ -73,7 +73,7 @@ std::string normalized(parameter_list all) {
 
 /// The address of a request, which is one of HTTP.
 http::url address_of(const http::request& message) {
-  const std::wstring text = message.get_url();
+  const std::wstring& text = message.get_url();
   const bool is_ascii = std::all_of(text.begin(), text.end(), [](wchar_t c) { return c > L' ' && c < 0x7F; });
   http::url address;
   exception failure;

@@ -45,7 +45,6 @@ generator::generator() : generator(system_seed()) {}
 generator::generator(std::uint64_t seed) noexcept { reseed(seed); }
 generator::generator(const generator& other) noexcept = default;
 generator& generator::operator=(const generator& other) noexcept = default;
-generator::~generator() = default;
 
 void generator::reseed(std::uint64_t seed) noexcept {
   seed_ = seed;

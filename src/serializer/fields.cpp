@@ -81,7 +81,6 @@ void refuse_to_write(std::wstring_view name) { throw exc::BadArgument(std::wstri
 
 field_reading::field_reading(field_report& report, const field_options& options) noexcept
     : report_(&report), options_(options) {}
-field_reading::~field_reading() = default;
 
 bool field_reading::refuse(const field_place& at, const std::wstring& expected, const xvar* found) {
   return note({path_of(at), expected, found ? described(*found) : std::wstring()});

@@ -79,11 +79,14 @@ document::new_lines document::write_value(const std::wstring& head, std::wstring
   if (first_end < value.size()) {
     std::wstring indent = head.substr(0, head.find_first_not_of(L" \t\v\f")) + L"\t";
     if (!has_end) tail += end;
-    for (const std::wstring& each : lines_of(std::wstring_view(value).substr(first_end + 1)))
-      made.more.push_back((each.empty() ? each : indent + each) + end);
+    for (std::wstring& each : lines_of(std::wstring_view(value).substr(first_end + 1))) {
+      if (!each.empty()) each.insert(0, indent);
+      made.more.push_back(std::move(each.append(end)));
+    }
   }
   for (const std::wstring& way : rules().ways_to_write(value.substr(0, first_end), old)) {
-    made.line = head + way + tail;
+    made.line = head;
+    made.line.append(way).append(tail);
     if (!is_read_as(made, key, value)) continue;
     expect_writable(key, way, bytes);
     for (const std::wstring& each : made.more) expect_writable(key, each, bytes);
@@ -140,7 +143,8 @@ std::vector<std::wstring> document::comment_lines(std::uint32_t above, const std
   const std::wstring indent(view(above).substr(0, lines_[above].indent));
   expect_writable(name_of(above), text, bytes);
   for (const std::wstring& each : lines_of(text)) {
-    out.push_back(indent + start + (each.empty() ? L"" : L" ") + each + end);
+    std::wstring& line = out.emplace_back(indent);
+    line.append(start).append(each.empty() ? L"" : L" ").append(each).append(end);
     const line_shape shape = rules().line_at(out.back(), none);
     if (has_unprintable(each) || shape.kind != line_kind::comment || shape.size != out.back().size())
       refuse(name_of(above), L"el comentario no se puede escribir en este formato");
@@ -281,6 +285,7 @@ void document::set(const std::wstring& section, const std::wstring& key,
   const std::uint32_t first = id == none ? none : find_name(key_name(id, key));
   if (first != none) return change_values(first, values, bytes);
   std::vector<new_lines> made;
+  made.reserve(values.size());
   for (const std::wstring& each : values) made.push_back(new_entry(id, key, each, bytes));
   if (id == none) id = add_section(section, bytes);
   for (const new_lines& each : made) sections_[id].tail = insert_entry(place_in(id), each, id);

@@ -38,7 +38,7 @@ bool is_printable(const std::wstring& value) {
 grammar::grammar(const ini_dialect& dialect) : dialect_(dialect) {
   closes_first_ = !dialect.inline_comments.empty() || dialect.escapes == ini_escapes::quoted ||
                   dialect.continuation == ini_continuation::quoted;
-  give_role(dialect.comment_starts, comment_start_);
+  give_role(dialect.comment_starts, whole_comment);
   give_role(dialect.inline_comments, inline_comment);
   give_role(dialect.separators, separator);
   give_role(dialect.quotes, quote);
@@ -150,7 +150,7 @@ line_shape grammar::shape_of(std::wstring_view text, std::uint32_t entry_indent)
   made.content = offset(end);
   made.size = offset(behind_line_end(text, end));
   if (first == end) return made;
-  if (is(text[first], comment_start_)) {
+  if (is(text[first], whole_comment)) {
     made.kind = line_kind::comment;
     return made;
   }
@@ -270,7 +270,7 @@ std::vector<std::wstring> grammar::ways_to_write(const std::wstring& value, std:
 
 wchar_t grammar::comment_start() const noexcept {
   for (const wchar_t c : dialect_.comment_starts)
-    if (is(c, comment_start_)) return c;
+    if (is(c, whole_comment)) return c;
   return 0;
 }
 

@@ -70,7 +70,7 @@ class grammar {
   std::wstring gap_like(std::wstring_view line, const line_shape& shape) const;
 
  private:
-  enum role : std::uint8_t { comment_start_ = 1, inline_comment = 2, separator = 4, quote = 8, blank = 16 };
+  enum role : std::uint8_t { whole_comment = 1, inline_comment = 2, separator = 4, quote = 8, blank = 16 };
 
   bool is(wchar_t c, std::uint8_t which) const noexcept {
     return static_cast<char16_t>(c) < roles_.size() && (roles_[static_cast<char16_t>(c)] & which) != 0;

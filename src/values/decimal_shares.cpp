@@ -196,6 +196,7 @@ class adder {
     const bool adds = of_ == prices::without_tax;
     const auto calculate = adds ? percentage : without_tax;
     std::vector<decimal> exact;
+    exact.reserve(amounts.size());
     for (const decimal& amount : amounts)
       exact.push_back(calculate(amount, rate.percent, precise(), rounding::half_even));
     const auto given = rounded_to_total(amounts, adds ? made.base : made.total, scale_);

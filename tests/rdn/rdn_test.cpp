@@ -182,13 +182,14 @@ TEST(rdn, identifiers_pass_their_checks) {
       {"mobile", kind::telephone, &generator::mobile, any},
   };
   generator from(3);
-  for (const auto& row : rows)
+  for (const auto& row : rows) {
     for (int i = 0; i < 1000; ++i) {
       const std::wstring text = row.draw(from);
       const identifiers::verdict found = identifiers::check(row.of, text);
       ASSERT_TRUE(found && row.holds(text) && identifiers::normalise(row.of, text) == text)
           << row.name << ": " << to_utf_8(text + L" " + identifiers::message_of(found));
     }
+  }
   EXPECT_EQ(identifiers::describe(kind::card, from.card(rdn::brand::american_express)),
             identifiers::describe(kind::card, L"378282246310005"));
   EXPECT_EQ(from.cif(L'S', rdn::rule::both)[0], L'S');
