@@ -41,7 +41,7 @@ template <class Iterator, class Made>
 std::size_t count_of_peer(const Made& made, const std::wstring& text) {
   std::size_t out = 0;
   for (Iterator each(text.begin(), text.end(), made), end; each != end; ++each)
-    out += static_cast<std::size_t>(each->position(std::size_t{0}) + each->length(std::size_t{0}));
+    out += static_cast<std::size_t>((*each)[0].second - text.begin());
   return out;
 }
 

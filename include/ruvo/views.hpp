@@ -455,10 +455,16 @@ bundle_member::bundle_member(const Key& key, std::initializer_list<bundle_member
 
 }  // namespace ruvo
 
-// The views of a bundle are views, whose iterators outlive them.
+namespace std::ranges {
+
+// The views of a bundle are views, whose iterators outlive them. The reference is of namespace ruvo alone.
+#ifndef KESTA_REFERENCE
 template <class Show>
-inline constexpr bool std::ranges::enable_view<ruvo::detail::entry_range<Show>> = true;
+inline constexpr bool enable_view<ruvo::detail::entry_range<Show>> = true;
 template <class Show>
-inline constexpr bool std::ranges::enable_borrowed_range<ruvo::detail::entry_range<Show>> = true;
+inline constexpr bool enable_borrowed_range<ruvo::detail::entry_range<Show>> = true;
+#endif
+
+}  // namespace std::ranges
 
 #include <ruvo/names_back.hpp>
