@@ -7,7 +7,12 @@
 // sent to them by the transport beside this file, the mail with the answer in a zip archive, and a form that
 // somebody filled in is fetched and read. Log entries show what happens when.
 //
-//   demo [http://HOST:PORT MAILHOST:PORT] FILE.json...
+//   demo [--ajustes=FILE.ini] [--SECTION.KEY=VALUE...] FILE.json...
+//
+// Settings are in demo.ini beside the program, or in the file of --ajustes: the first run writes it, with a
+// comment on each of them. What the file says counts more than what the program has of its own, and less than
+// the arguments, such as --envio.http=http://localhost:8080. The number of the last order is stored in it,
+// and all else stays there as somebody wrote it.
 //
 // An order (see data/pedido.json) is answered; of any other document a summary is shown. What is shown is
 // UTF-8 text: a Windows console wants `chcp 65001` first.
@@ -24,6 +29,7 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <typeinfo>
 #include <vector>
 
 #include "transport/http_client.hpp"
@@ -122,13 +128,115 @@ std::optional<ruvo::date> get_date(const ruvo::bundle& from, const std::wstring&
   }
 }
 
+// --- settings
+
+/// One that there is: what it is where nobody says otherwise, and the comment above it in the file.
+struct setting {
+  std::wstring section;
+  std::wstring key;
+  ruvo::xvar value;
+  std::wstring comment;
+
+  std::wstring path() const { return section + L'.' + key; }
+};
+
+std::vector<setting> own_settings() {
+  return {{L"envio", L"http", L"", L"Servidor de pedidos, http://SERVIDOR:PUERTO. Vacío: no se envían"},
+          {L"envio", L"correo", L"", L"Servidor de correo, SERVIDOR:PUERTO. Vacío: no se envía"},
+          {L"remitente", L"nombre", L"Almacén Central", L"Quien firma los correos"},
+          {L"remitente", L"direccion", L"almacen@example.org", L"Adonde llegan las respuestas a ellos"},
+          {L"pedidos", L"plazo_dias", 30, L"Días hasta la entrega, si el pedido no los dice"},
+          {L"pedidos", L"iva", 21, L"Tipo en %, si la línea no lo dice"},
+          {L"ultimo", L"pedido", L"", L"Lo escribe el programa: el último pedido que atendió"},
+          {L"ultimo", L"fecha", L"", L"Y cuándo"}};
+}
+
+/// Reads the file; one that is missing is written before.
+bool open_settings(ruvo::ini_file& file, const ruvo::file& path, ruvo::exception& failure) {
+  if (!file.open(path, failure)) return false;
+  if (path.exists()) {
+    if (file.check(failure)) return true;
+    const auto place =
+        ruvo::serializer::position_of(file.text(), ruvo::serializer::failure_position(failure));
+    show(L"no se entiende", L" línea " + std::to_wstring(place.line) + L" de " + path.get_name());
+    return false;
+  }
+  for (const setting& each : own_settings()) {
+    if (!file.set(each.section, each.key, each.value, failure) ||
+        !file.set_comment(each.section, each.key, each.comment, failure))
+      return false;
+  }
+  return file.save_if_unchanged(failure);
+}
+
+/// From below: what the program has, what the file says, what the arguments say.
+bool read_settings(ruvo::layered_settings& settings, const ruvo::file& path, const ruvo::bundle& arguments,
+                   ruvo::exception& failure) {
+  ruvo::ini_file file;
+  ruvo::bundle stored;
+  if (!open_settings(file, path, failure) || !file.to_bundle(stored, failure)) return false;
+  ruvo::bundle own;
+  for (const setting& each : own_settings()) own.putOn(each.path(), each.value);
+  settings.set_layer(L"programa", own);
+  settings.set_layer(L"fichero", stored);
+  settings.set_layer(L"argumentos", arguments);
+  return true;
+}
+
+/// Finds what the program does not have by merging all settings into its own.
+class unknown_settings : public ruvo::bundles::imerged_filter {
+ public:
+  bool on_merge(const std::wstring& path, ruvo::xvar& own, const ruvo::xvar& given) override {
+    const std::type_info& section = typeid(ruvo::bundle);
+    const bool is_known = !own.is_null() && own.instanceof (section) == given.instanceof (section);
+    if (!is_known) paths.push_back(path);
+    return is_known;
+  }
+  std::vector<std::wstring> paths;
+};
+
+/// Shows each setting with the layer that it comes from. False when one is of no use, which is explained.
+bool show_settings(const ruvo::layered_settings& settings) {
+  for (const setting& each : own_settings())
+    say(L"  " + each.path() + L" = " + settings->get_string(each.path()) + L" («" +
+        settings.layer_of(each.path()) + L"»)");
+
+  ruvo::bundle own = settings.get_layer(L"programa");
+  unknown_settings unknown;
+  ruvo::bundles::merge(own, *settings, &unknown);
+  for (const std::wstring& path : unknown.paths) show(L"no se conoce", path + L". " + settings.explain(path));
+
+  bool is_usable = unknown.paths.empty();
+  for (const std::wstring path : {L"pedidos.plazo_dias", L"pedidos.iva"}) {
+    const double value = settings->get_double(path, '.', -1);
+    const bool is_whole = value == settings->get_long(path, '.', -1);
+    if (value >= 0 && (is_whole || path == L"pedidos.iva")) continue;
+    show(L"no sirve", path + L". " + settings.explain(path));
+    is_usable = false;
+  }
+  return is_usable;
+}
+
+/// Stores it in the file as it is now: somebody may have changed it since it was read.
+void remember(const ruvo::file& path, const std::wstring& order) {
+  ruvo::ini_file file;
+  ruvo::exception failure;
+  if (!file.open(path, failure) || !file.set(L"ultimo", L"pedido", order, failure) ||
+      !file.set(L"ultimo", L"fecha", ruvo::date(), failure) || !file.save_if_unchanged(failure))
+    show(L"ajustes", failure);
+}
+
 // --- orders
 
 bool is_order(const ruvo::bundle& document) { return document.has(L"pedido.lineas"); }
 
 double cents(double amount) { return std::round(amount * 100) / 100; }
 
-void show_order(const ruvo::bundle& document) {
+long days_of(const ruvo::bundle& order, const ruvo::bundle& settings) {
+  return order.get_long(L"plazo_dias", '.', settings.get_long(L"pedidos.plazo_dias"));
+}
+
+void show_order(const ruvo::bundle& document, const ruvo::bundle& settings) {
   const ruvo::bundle& order = document.get_bundle(L"pedido");
   show(L"número", order.get_string(L"numero", '.', L"(sin número)"));
   const std::optional<ruvo::date> date = get_date(order, L"fecha");
@@ -138,12 +246,13 @@ void show_order(const ruvo::bundle& document) {
   show(L"teléfono", order.get_string(L"cliente.telefono", '.', L"(no consta)"));
   show(L"entrega",
        order.get_string(L"cliente.entrega.calle") + L", " + order.get_string(L"cliente.entrega.poblacion"));
-  show(L"plazo", std::to_wstring(order.get_long(L"plazo_dias", '.', 30)) + L" días");
+  show(L"plazo", std::to_wstring(days_of(order, settings)) + L" días");
   show(L"notas", shortened(order.get_nc_string(L"notas", L"(ninguna)"), 80));
 }
 
 /// An order that was read with a failure, or whose date is none, is refused.
-ruvo::bundle answer_to(const ruvo::bundle& document, const ruvo::exception& failure) {
+ruvo::bundle answer_to(const ruvo::bundle& document, const ruvo::exception& failure,
+                       const ruvo::bundle& settings) {
   const ruvo::bundle& order = document.get_bundle(L"pedido");
   std::optional<ruvo::date> delivery = get_date(order, L"fecha");
 
@@ -155,7 +264,7 @@ ruvo::bundle answer_to(const ruvo::bundle& document, const ruvo::exception& fail
   } else if (!delivery) {
     answer[L"motivo"] = L"Fecha no válida: " + order.get_string(L"fecha");
   }
-  if (delivery) answer[L"entrega"] = *delivery += order.get_long(L"plazo_dias", '.', 30);
+  if (delivery) answer[L"entrega"] = *delivery += days_of(order, settings);
   answer.hack(L"cliente.nif") = order.get_string(L"cliente.nif");
   answer.hack(L"cliente.avisar") = order.get_nc_string(L"cliente.correo", L"por carta");
 
@@ -167,7 +276,7 @@ ruvo::bundle answer_to(const ruvo::bundle& document, const ruvo::exception& fail
     const double price = line.get_double(L"precio") * (1 - line.get_double(L"descuento") / 100);
     const double amount = cents(price * line.get_long(L"unidades", '.', 1));
     base += amount;
-    tax += amount * line.get_double(L"iva", '.', 21) / 100;
+    tax += amount * line.get_double(L"iva", '.', settings.get_double(L"pedidos.iva")) / 100;
 
     ruvo::bundle& answered = lines.on_back_bundle();
     answered[L"articulo"] = line.get_string(L"articulo");
@@ -259,7 +368,8 @@ ruvo::http::response response_with(const ruvo::bundle& answer, const ruvo::excep
 }
 
 /// To the customer; nothing when the order names no address that mail can go to.
-std::optional<ruvo::smtp::email> confirmation_of(const ruvo::bundle& document, const ruvo::bundle& answer) {
+std::optional<ruvo::smtp::email> confirmation_of(const ruvo::bundle& document, const ruvo::bundle& answer,
+                                                 const ruvo::bundle& settings) {
   const ruvo::bundle& customer = document.get_bundle(L"pedido.cliente");
   const ruvo::smtp::address to(customer.get_string(L"nombre"), customer.get_string(L"correo"));
   if (!to.check()) return std::nullopt;
@@ -272,29 +382,25 @@ std::optional<ruvo::smtp::email> confirmation_of(const ruvo::bundle& document, c
   } else {
     body += L" no se puede servir: " + answer.get_string(L"motivo");
   }
-  ruvo::smtp::email mail(ruvo::smtp::address(L"Almacén Central", L"almacen@example.org"), L"Pedido " + number,
-                         body, L"<b>Almacén Central</b>");
+  const std::wstring name = settings.get_string(L"remitente.nombre");
+  ruvo::smtp::email mail(ruvo::smtp::address(name, settings.get_string(L"remitente.direccion")),
+                         L"Pedido " + number, body, L"<b>" + name + L"</b>");
   mail[to] = ruvo::smtp::email::TO_;
   return mail;
 }
 
-void show_messages(const ruvo::bundle& document, const ruvo::bundle& answer, const ruvo::exception& failure) {
+void show_messages(const ruvo::bundle& document, const ruvo::bundle& answer, const ruvo::exception& failure,
+                   const ruvo::bundle& settings) {
   const ruvo::http::response response = response_with(answer, failure);
   show(L"respuesta", response.OK() ? L"correcta" : L"con error");
   say(shortened(response.to_string(), 160));
-  const std::optional<ruvo::smtp::email> mail = confirmation_of(document, answer);
+  const std::optional<ruvo::smtp::email> mail = confirmation_of(document, answer, settings);
   if (!mail) return show(L"correo", L"(sin dirección)");
   show(L"correo", L"");
   say(mail->to_string() + L"\n\n" + mail->get_plain_post());
 }
 
 // --- the network
-
-/// Where messages go; without a URL nowhere.
-struct servers {
-  std::wstring url;
-  ruvo::smtp::mailbox mail;
-};
 
 std::wstring text_of(const transport::http_answer& answer) {
   std::wstring text;
@@ -324,7 +430,9 @@ ruvo::file packed(const ruvo::bundle& answer) {
   return path;
 }
 
-void send_mail(const ruvo::smtp::mailbox& to, const ruvo::smtp::email& message) {
+void send_mail(const std::wstring& host, const ruvo::smtp::email& message) {
+  ruvo::smtp::mailbox to;
+  to.set_host(host);
   transport::mail_session session(to);
   const ruvo::smtp::response reply = session.send(message);
   if (reply.WRONG()) return show(L"SMTP", reply.get_exception());
@@ -344,9 +452,21 @@ void read_posted_form(const std::wstring& url) {
   for (const ruvo::http::field& each : form) show(L"formulario", each.name + L" = " + each.value);
 }
 
+void send(const ruvo::bundle& document, const ruvo::bundle& answer, const ruvo::bundle& settings) {
+  const std::wstring web = settings.get_string(L"envio.http");
+  const std::wstring post = settings.get_string(L"envio.correo");
+  if (!web.empty()) post_answer(web, answer);
+  std::optional<ruvo::smtp::email> mail = confirmation_of(document, answer, settings);
+  if (post.empty() || !mail) return;
+  const ruvo::file archive = packed(answer);
+  send_mail(post, mail->push(archive));
+  archive.erase();
+}
+
 // --- the work
 
-void process(const std::wstring& name, const servers& to) {
+/// The number of the order; empty for another document.
+std::wstring process(const std::wstring& name, const ruvo::bundle& settings) {
   const ruvo::file path(name);
   const std::string bytes = read_file(path);
   ruvo::datetime modified = path.last_modified();
@@ -365,18 +485,13 @@ void process(const std::wstring& name, const servers& to) {
     failure.clear();
     if (!read_stored(document, ruvo::texto::to_utf_16(bytes), failure)) show(L"dialecto", L"leído entero");
   }
+  std::wstring order;
   if (is_order(document)) {
-    show_order(document);
-    const ruvo::bundle answer = answer_to(document, failure);
-    show_messages(document, answer, failure);
-    if (!to.url.empty()) {
-      post_answer(to.url, answer);
-      if (auto mail = confirmation_of(document, answer)) {
-        const ruvo::file archive = packed(answer);
-        send_mail(to.mail, mail->push(archive));
-        archive.erase();
-      }
-    }
+    show_order(document, settings);
+    const ruvo::bundle answer = answer_to(document, failure, settings);
+    show_messages(document, answer, failure, settings);
+    send(document, answer, settings);
+    order = answer.get_string(L"pedido");
     document = answer;
   } else {
     show_summary(document);
@@ -386,16 +501,20 @@ void process(const std::wstring& name, const servers& to) {
   write(document, L"con sangría", true, 2);
   write_stored(document);
   write_xml(document);
+  return order;
 }
 
-void work(ruvo::application& app, const std::vector<std::wstring>& files, const servers& to) {
+void work(ruvo::application& app, const std::vector<std::wstring>& files, const ruvo::bundle& settings,
+          std::wstring& last_order) {
   const ruvo::thread_scope scope(app);  // checks the thread in, and out at the end
   ruvo::log::info(L"hilo de trabajo", L"dado de alta");
-  if (!to.url.empty()) read_posted_form(to.url);
+  const std::wstring web = settings.get_string(L"envio.http");
+  if (!web.empty()) read_posted_form(web);
   for (const std::wstring& name : files) {
     say(L"\n" + ruvo::file(name).get_name());
     try {
-      process(name, to);
+      const std::wstring order = process(name, settings);
+      if (!order.empty()) last_order = order;
     } catch (const ruvo::exception& error) {
       ruvo::log::failure(name, error);
     } catch (...) {  // such as std::out_of_range, for a number that does not fit
@@ -404,11 +523,40 @@ void work(ruvo::application& app, const std::vector<std::wstring>& files, const 
   }
 }
 
+/// The exit code: 2 when the arguments or the settings are of no use.
+int run(ruvo::application& app, const std::vector<std::wstring>& words) {
+  ruvo::bundle arguments;
+  std::vector<std::wstring> files;
+  ruvo::exception failure;
+  if (!ruvo::bundles::read_arguments(arguments, files, words, failure)) {
+    show(L"argumentos", failure);
+    return 2;
+  }
+  const ruvo::file beside = app.get_file(ruvo::folder_type::binaries, L"demo.ini");
+  const ruvo::file path = arguments.get_nc_string(L"ajustes", beside);
+  arguments.erase(L"ajustes");
+  ruvo::log::info(L"ajustes", path);
+  ruvo::layered_settings settings;
+  if (!read_settings(settings, path, arguments, failure)) {
+    show(L"ajustes", failure);
+    return 2;
+  }
+  if (!show_settings(settings)) return 2;
+
+  std::wstring last_order;
+  std::thread worker(work, std::ref(app), std::cref(files), std::cref(*settings), std::ref(last_order));
+  worker.join();
+  say(L"");
+  ruvo::log::time(L"hilo de trabajo terminado en");
+  if (!last_order.empty()) remember(path, last_order);
+  return 0;
+}
+
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
   if (argc < 2) {
-    say(L"uso: demo [http://SERVIDOR:PUERTO CORREO:PUERTO] FICHERO.json...");
+    say(L"uso: demo [--ajustes=FICHERO.ini] [--SECCIÓN.CLAVE=VALOR...] FICHERO.json...");
     return 2;
   }
   ruvo::exception failure;
@@ -422,19 +570,8 @@ int wmain(int argc, wchar_t** argv) {
   ruvo::log::set_callback(&screen);
   ruvo::log::info(L"aplicación", L"en marcha");
 
-  std::vector<std::wstring> files(argv + 1, argv + argc);
-  servers to;
-  if (files.size() > 2 && files[0].starts_with(L"http")) {
-    to.url = files[0];
-    to.mail.set_host(files[1]);
-    files.erase(files.begin(), files.begin() + 2);
-  }
-  std::thread worker(work, std::ref(app), files, std::ref(to));
-  worker.join();
-  say(L"");
-  ruvo::log::time(L"hilo de trabajo terminado en");
-
+  const int code = run(app, {argv + 1, argv + argc});
   app.shutdown();
   say(L"aplicación detenida");
-  return 0;
+  return code;
 }
