@@ -109,12 +109,12 @@ class tree_reader : public files::RelayCallBack {
     exception failure;
     const bool done = is_done(failure, name, [&] {
       from_.expect_readable(which, name);
-      expect_no_twin(which, name);
+      expect_no_twin(name);
       if (which.size > from_.most.total_bytes - total_)
         throw failure_of<exc::zipLimit>(name, L"tamaño total");
       is_whole = unpack(which, name, path);
       if (is_whole) total_ += which.size;
-      if (is_whole && which.is_folder() && which.size)
+      if (is_whole && is_folder_name(name) && which.size)
         throw failure_of<exc::zipBadFormated>(name, L"un directorio no tiene contenido");
     });
     if (!done) onFailure(failure);
@@ -122,15 +122,16 @@ class tree_reader : public files::RelayCallBack {
   }
 
   packed_file path_of(std::wstring_view name, const record& which) const {
-    if (name.ends_with(L'/')) name.remove_suffix(1);
-    return {prefix_ + std::wstring(name), which.is_folder(), which.size};
+    const bool is_folder = is_folder_name(name);
+    if (is_folder) name.remove_suffix(1);
+    return {prefix_ + std::wstring(name), is_folder, which.size};
   }
 
   /// Asks about the folders on the way first, each once.
   bool accepts(const std::wstring& name, const file& path) {
     for (std::size_t end = name.find(L'/'); end < name.size() - 1; end = name.find(L'/', end + 1))
       if (!accepts_folder(name.substr(0, end))) return false;
-    return name.ends_with(L'/') ? accepts_folder(name.substr(0, name.size() - 1)) : filter_->accept(path);
+    return is_folder_name(name) ? accepts_folder(name.substr(0, name.size() - 1)) : filter_->accept(path);
   }
   bool accepts_folder(const std::wstring& name) {
     const auto [at, is_new] = folders_.try_emplace(exact_key(name), true);
@@ -138,8 +139,8 @@ class tree_reader : public files::RelayCallBack {
     return at->second;
   }
 
-  void expect_no_twin(const record& which, std::wstring_view name) {
-    if (which.is_folder()) return;  // two lead to one folder, in which nothing replaces anything
+  void expect_no_twin(std::wstring_view name) {
+    if (is_folder_name(name)) return;  // two lead to one folder, in which nothing replaces anything
     if (!taken_.insert(twin_key(name)).second)
       throw failure_of<exc::zipUnsafeName>(std::wstring(name), L"otra entrada tiene el mismo nombre");
   }
@@ -173,7 +174,7 @@ class tree_extractor final : public tree_reader {
 
  private:
   bool unpack(const record& which, const std::wstring& name, const file& path) override {
-    if (which.is_folder()) {
+    if (is_folder_name(name)) {
       if (!tree_reader::unpack(which, name, path)) return false;
       reach(path);
       return true;
@@ -221,7 +222,7 @@ bool reader::extract(const entry& which, const file& to, exception& err) {
     state_->expect_readable(from, which.name);
     progress silent(nullptr);
     buffered_outlet out(silent);
-    if (from.is_folder()) {
+    if (is_folder_name(which.name)) {
       if (!to.mkdirs(nullptr)) throw exc::fileUnCreateFolder(to);
     } else {
       write_entry(*state_, from, which.name, to, nullptr, out);

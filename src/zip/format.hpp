@@ -60,7 +60,6 @@ struct record {
   std::string_view name, extra, comment;
 
   std::size_t length() const noexcept { return central_size + name.size() + extra.size() + comment.size(); }
-  bool is_folder() const noexcept { return name.ends_with('/') || name.ends_with('\\'); }
   bool is_link() const noexcept;
   /// A device or a socket. What was read from a pipe is a content as others.
   bool is_special() const noexcept;

@@ -19,6 +19,8 @@ bool is_ascii(std::string_view bytes) noexcept;
 
 /// The name of an entry, with "/" for "\".
 std::wstring name_of(const record& from, unsigned code_page);
+/// Whether the entry of that name is a folder. The bytes may say otherwise: a field may have another name.
+inline bool is_folder_name(std::wstring_view name) noexcept { return name.ends_with(L'/'); }
 /// A text whose encoding is not said.
 std::wstring decoded(std::string_view bytes, unsigned code_page);
 

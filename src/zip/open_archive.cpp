@@ -73,7 +73,7 @@ entry open_archive::describe(std::size_t index) const {
   out.time = datetime(time_of(from));
   out.crc = from.crc;
   out.method = from.method;
-  out.is_directory = out.name.ends_with(L'/');
+  out.is_directory = is_folder_name(out.name);
   out.is_link = from.is_link();
   out.is_encrypted = from.is_encrypted();
   out.is_read_only = from.attributes & attribute::read_only;
