@@ -8,9 +8,14 @@
 #include <ruvo/zip.hpp>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <map>
 #include <memory>
-#include <unordered_map>
+#include <string>
+#include <string_view>
 #include <unordered_set>
+#include <utility>
 
 #include "files/held_tree.hpp"
 #include "files/listing.hpp"
@@ -129,14 +134,17 @@ class tree_reader : public files::RelayCallBack {
 
   /// Asks about the folders on the way first, each once.
   bool accepts(const std::wstring& name, const file& path) {
-    for (std::size_t end = name.find(L'/'); end < name.size() - 1; end = name.find(L'/', end + 1))
-      if (!accepts_folder(name.substr(0, end))) return false;
-    return is_folder_name(name) ? accepts_folder(name.substr(0, name.size() - 1)) : filter_->accept(path);
-  }
-  bool accepts_folder(const std::wstring& name) {
-    const auto [at, is_new] = folders_.try_emplace(exact_key(name), true);
-    if (is_new) at->second = filter_->accept(packed_file(prefix_ + name, true, 0));
-    return at->second;
+    std::size_t above = 0;
+    for (std::size_t begin = 0, end = 0; (end = name.find(L'/', begin)) != name.npos; begin = end + 1) {
+      const std::size_t number = folders_.size() + 1;
+      const auto [at, is_new] =
+          folders_.try_emplace({above, name.substr(begin, end - begin)}, asked_folder{number, false});
+      asked_folder& asked = at->second;
+      if (is_new) asked.is_accepted = filter_->accept(packed_file(prefix_ + name.substr(0, end), true, 0));
+      if (!asked.is_accepted) return false;
+      above = asked.number;
+    }
+    return is_folder_name(name) || filter_->accept(path);
   }
 
   void expect_no_twin(std::wstring_view name) {
@@ -145,13 +153,19 @@ class tree_reader : public files::RelayCallBack {
       throw failure_of<exc::zipUnsafeName>(std::wstring(name), L"otra entrada tiene el mismo nombre");
   }
 
+  struct asked_folder {
+    std::size_t number = 0;
+    bool is_accepted = false;
+  };
+
   open_archive& from_;
   std::wstring prefix_;
   fileFilter* filter_;
   progress report_;
   buffered_outlet out_;
   std::uint64_t total_ = 0;
-  std::unordered_map<std::uint64_t, bool> folders_;
+  /// By the number of the folder above, 0 for the top, and the name in it.
+  std::map<std::pair<std::size_t, std::wstring>, asked_folder> folders_;
   std::unordered_set<std::uint64_t> taken_;
 };
 
