@@ -159,7 +159,7 @@ class KESTA_API reader {
 /// fails in the same way; what cannot be read for an entry leaves the archive without that entry.
 ///
 /// Names have "/" or "\" between their parts. Those that extract_all() would refuse are refused here, and so
-/// is one that was added before (exc::zipUnsafeName).
+/// are one that was added before and, for a content, one that ends with a separator (exc::zipUnsafeName).
 class KESTA_API writer {
  public:
   writer() noexcept;

@@ -127,7 +127,9 @@ void new_archive::add(const std::wstring& given, const packed_facts& facts, cons
   use_slashes(name);
   entry_head head;
   head.name = written_name(name);
-  const bool is_folder = name.ends_with(L'/');
+  const bool is_folder = is_folder_name(name);
+  if (is_folder && !(facts.attributes & attribute::folder))
+    throw failure_of<exc::zipUnsafeName>(name, L"es el nombre de un directorio");
   if (is_folder) name.pop_back();
   const auto [place, is_new] = names_.try_emplace(twin_key(name), is_folder);
   if (!is_new && place->second && is_folder) return;

@@ -280,7 +280,7 @@ TEST_F(archives, failures_name_their_reason) {
   EXPECT_EQ(failed(writer.add_bytes(L"a", "x", err)), argument);
   writer.open_memory();
   EXPECT_TRUE(writer.add_bytes(L"año", "x", err));
-  for (const wchar_t* const bad : {L"../a", L"AÑO", L"an\x303o", L"a:b", L"", L"a\xD800"})
+  for (const wchar_t* const bad : {L"../a", L"AÑO", L"an\x303o", L"a:b", L"", L"a\xD800", L"b/"})
     EXPECT_EQ(failed(writer.add_bytes(bad, "x", err)), name) << ruvo::texto::to_utf_8(bad);
   EXPECT_EQ(failed(writer.add_file(L"b", path(L"falta"), err)), exc::fileNotFound(file()).get_raw_code());
   EXPECT_EQ(failed(writer.close(err)), argument) << "it has no file";
