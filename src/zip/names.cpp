@@ -4,12 +4,12 @@
 
 #include "zip/names.hpp"
 
+#include <ruvo/files/safe_names.hpp>
 #include <ruvo/texto/words.hpp>
 
 #include <algorithm>
 
 #include "base/ascii.hpp"
-#include "base/file_names.hpp"
 #include "base/utf.hpp"
 #include "packing/deflate.hpp"
 #include "system/code_page.hpp"
@@ -68,22 +68,28 @@ std::string_view utf_8_name_of(const record& from) noexcept {
   return is_valid ? field.substr(5) : std::string_view();
 }
 
-bool is_refused_unit(wchar_t c) noexcept {
-  constexpr std::wstring_view marks_of_paths = L":<>\"|?*\\";
-  const auto unit = static_cast<char16_t>(c);
-  return unit < 32 || (unit >= 127 && unit < 160) || marks_of_paths.find(c) != marks_of_paths.npos;
-}
-
-/// The same for one part of a name.
+/// The same for one part of a name. Beyond what no name of a file has, no blank of any kind may end it.
 const wchar_t* refusal_of_part(std::wstring_view part) noexcept {
-  constexpr std::size_t longest = 255;
-  if (part.empty()) return L"una parte está vacía";
-  if (part == L"." || part == L"..") return L"sube o no lleva a ninguna parte";
-  if (std::ranges::any_of(part, is_refused_unit)) return L"contiene un carácter que no se admite";
-  if (part.back() == L'.' || texto::is_space(part.back()) || part.back() == 0xA0)
-    return L"una parte termina con un punto o un blanco";
-  if (texto::is_device_name(part)) return L"es el nombre de un dispositivo";
-  return part.size() > longest ? L"una parte es demasiado larga" : nullptr;
+  using files::name_fault;
+  name_fault fault = files::fault_of_name(part);
+  if (fault == name_fault::none && (texto::is_space(part.back()) || part.back() == 0xA0))
+    fault = name_fault::ending;
+  switch (fault) {
+    case name_fault::none:
+      return nullptr;
+    case name_fault::empty:
+      return L"una parte está vacía";
+    case name_fault::parent:
+      return L"sube o no lleva a ninguna parte";
+    case name_fault::ending:
+      return L"una parte termina con un punto o un blanco";
+    case name_fault::device:
+      return L"es el nombre de un dispositivo";
+    case name_fault::too_long:
+      return L"una parte es demasiado larga";
+    default:
+      return L"contiene un carácter que no se admite";
+  }
 }
 
 }  // namespace
