@@ -31,21 +31,27 @@ constexpr char16_t marks[] = {0x300, 0x301, 0x302, 0x303, 0x304, 0x306, 0x307,
                               0x308, 0x30A, 0x30B, 0x30C, 0x327, 0x328};
 static_assert(composed_letters.size() == 192 && composed_marks.size() == 192);
 
-/// Capitals beyond those of the text functions, which lie at one distance from their small letters.
+/// Capitals beyond those of the text functions, which lie at one distance from their small letters: each
+/// unit of the range, or every second one.
 struct far_capitals {
-  char16_t first, last, distance;
+  char16_t first, last, distance, step = 1;
 };
-constexpr far_capitals more_capitals[] = {{0x531, 0x556, 48},
-                                          {0x2160, 0x216F, 16},
-                                          {0x24B6, 0x24CF, 26},
-                                          {0x2C00, 0x2C2F, 48},
-                                          {0xFF21, 0xFF3A, 32}};
+constexpr far_capitals more_capitals[] = {
+    {0x100, 0x12E, 1, 2},     {0x132, 0x136, 1, 2},   {0x139, 0x147, 1, 2},   {0x14A, 0x176, 1, 2},
+    {0x179, 0x17D, 1, 2},     {0x1CD, 0x1DB, 1, 2},   {0x1DE, 0x1EE, 1, 2},   {0x1F8, 0x21E, 1, 2},
+    {0x222, 0x232, 1, 2},     {0x246, 0x24E, 1, 2},   {0x386, 0x386, 38},     {0x388, 0x38A, 37},
+    {0x38C, 0x38C, 64},       {0x38E, 0x38F, 63},     {0x391, 0x3AB, 32},     {0x3C2, 0x3C2, 1},
+    {0x3D8, 0x3EE, 1, 2},     {0x400, 0x40F, 80},     {0x410, 0x42F, 32},     {0x460, 0x480, 1, 2},
+    {0x48A, 0x4BE, 1, 2},     {0x4C1, 0x4CD, 1, 2},   {0x4D0, 0x52E, 1, 2},   {0x531, 0x556, 48},
+    {0x10A0, 0x10C5, 0x1C60}, {0x1E00, 0x1E94, 1, 2}, {0x1EA0, 0x1EFE, 1, 2}, {0x2160, 0x216F, 16},
+    {0x24B6, 0x24CF, 26},     {0x2C00, 0x2C2F, 48},   {0xFF21, 0xFF3A, 32}};
 
 char16_t folded(wchar_t c) noexcept {
   const auto unit = static_cast<char16_t>(c);
   if (unit < 0x80) return static_cast<char16_t>(texto::to_lower(c));
-  for (const far_capitals& range : more_capitals)
-    if (unit >= range.first && unit <= range.last) return static_cast<char16_t>(unit + range.distance);
+  for (const auto& [first, last, distance, step] : more_capitals)
+    if (unit >= first && unit <= last && (unit - first) % step == 0)
+      return static_cast<char16_t>(unit + distance);
   return static_cast<char16_t>(texto::to_lowercase(texto::to_uppercase(c)));
 }
 
