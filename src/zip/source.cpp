@@ -17,9 +17,10 @@ std::string_view source::at(std::uint64_t offset, std::size_t least) {
   }
   const std::uint64_t wanted = std::min<std::uint64_t>(least, left);
   if (offset < begins_ || offset + wanted > begins_ + window_.size()) {
-    begins_ = offset;
+    begins_ = size_;  // where nothing is asked for, if reading fails
     window_.resize(static_cast<std::size_t>(std::min<std::uint64_t>(left, window_size)));
     in_->read_at(offset, window_.data(), window_.size());
+    begins_ = offset;
   }
   return std::string_view(window_).substr(static_cast<std::size_t>(offset - begins_));
 }
