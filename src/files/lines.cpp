@@ -93,6 +93,10 @@ class line_reader::source {
     throw exc::fileStrageFileSize(path_);
   }
 
+  void expect_length(std::size_t line) const {
+    if (line > how_.longest) throw exc::fileStrageFileSize(path_);
+  }
+
   // --- bytes
 
   /// Reads some more bytes; false at the end of the file.
@@ -115,7 +119,8 @@ class line_reader::source {
       scanned_ -= begin_;
       begin_ = 0;
     }
-    if (end_ > how_.longest) throw exc::fileStrageFileSize(path_);
+    constexpr std::size_t most_end = 3;  // a CR in two bytes and an odd byte, of the end of a line perhaps
+    if (is_started_ && end_ > most_end) expect_length(end_ - most_end);
     if (buffer_.size() - end_ < piece / 2) within_memory([this] { buffer_.resize(2 * buffer_.size()); });
   }
 
@@ -177,7 +182,7 @@ class line_reader::source {
     if (end_ - found < unit) return false;
     std::size_t end = found;
     if (how_.ends == line_ends::lf && end - begin_ >= unit && is_unit(end - unit, '\r')) end -= unit;
-    if (end - begin_ > how_.longest) throw exc::fileStrageFileSize(path_);
+    expect_length(end - begin_);
     out = {buffer_.data() + begin_, end - begin_};
     is_behind_cr_ = how_.ends == line_ends::any && is_unit(found, '\r');
     begin_ = scanned_ = found + unit;
@@ -186,6 +191,7 @@ class line_reader::source {
 
   /// What stands behind the last line end; false when nothing does.
   bool take_rest(std::string_view& out) {
+    expect_length(end_ - begin_);
     out = kept();
     begin_ = scanned_ = end_;
     if (out.empty()) state_ = state::at_end;

@@ -146,6 +146,23 @@ TEST_F(lines, may_be_of_any_length) {
   EXPECT_FALSE(
       files::read_lines(path(L"a.txt"), [](const std::wstring&) { return true; }, err, {.longest = 65535}));
   EXPECT_EQ(err.get_code(), 5u);
+  const struct {
+    std::string bytes;
+    std::size_t longest;
+    bool guesses, is_read;
+  } rows[] = {{std::string(65535, 'a') + "\r\nb", 65535, false, true},
+              {"uno\r\ndos\r\ntres", 4, true, true},
+              {"uno\r\ndos\r\ntres", 3, true, false},
+              {"uno\r\ndos\r\ntres", 3, false, false}};
+  for (const auto& r : rows) {
+    put(path(L"a.txt"), r.bytes);
+    const files::line_options how{.guesses = r.guesses, .longest = r.longest};
+    EXPECT_EQ(files::read_lines(
+                  path(L"a.txt"), [](const std::wstring&) { return true; }, err, how),
+              r.is_read)
+        << r.longest;
+  }
+  put(path(L"a.txt"), bytes);
   int seen = 0;
   EXPECT_TRUE(files::read_lines(
       path(L"a.txt"), [&seen](const std::wstring&) { return ++seen < 3; }, err));
