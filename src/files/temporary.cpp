@@ -54,7 +54,9 @@ file made_in(const file& wanted, const std::wstring& prefix, const std::wstring&
   for (int i = 0; i < most_attempts; ++i) {
     std::wstring name = prefix;
     name.append(random_word<Failure>(folder)).append(ending);
-    path = safe_join(folder, name);
+    const name_fault fault = fault_of_name(name);
+    if (fault != name_fault::none) throw exc::fileUnsafePath(name, describe(fault));
+    path = file(folder, name);
     if (is_made(path)) return path;
     if (!path.exists()) break;
   }

@@ -241,7 +241,8 @@ TEST_F(lines, and_files_for_the_time_being_go) {
   EXPECT_EQ(names().size(), 1u);
   EXPECT_EQ(kept.get_name().size(), 26u);
   EXPECT_EQ(files::temporary_file().path().get_parent().is_directory(), true);
-  EXPECT_THROW(files::temporary_file(file(where), L"..\\x"), ruvo::exc::fileUnsafePath);
+  for (const wchar_t* const prefix : {L"..\\x", L".\\x", L"x/", L"x:"})
+    EXPECT_THROW(files::temporary_file(file(where), prefix), ruvo::exc::fileUnsafePath);
   EXPECT_THROW(files::temporary_file(path(L"no")), ruvo::exc::fileOsStream);
   EXPECT_THROW(files::temporary_folder(path(L"no")), ruvo::exc::fileUnCreateFolder);
 }
