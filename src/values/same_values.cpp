@@ -6,6 +6,7 @@
 
 #include <ruvo/binary.hpp>
 #include <ruvo/bundle.hpp>
+#include <ruvo/decimal.hpp>
 #include <ruvo/list.hpp>
 #include <ruvo/memo.hpp>
 
@@ -57,6 +58,9 @@ class comparison {
       case kind::memo:
       case kind::object:
         return a == b;
+      case kind::decimal:  // also how many decimals are written
+        return *cell::pointer<decimal>(a) == *cell::pointer<decimal>(b) &&
+               cell::pointer<decimal>(a)->get_scale() == cell::pointer<decimal>(b)->get_scale();
       case kind::list:
         return meet_lists(cell::as_list(a), cell::as_list(b));
       case kind::bundle:
@@ -66,7 +70,7 @@ class comparison {
       case kind::datetime:
         return cell::integer(a) == cell::integer(b) && cell::mode(a) == cell::mode(b);
       default:
-        return cell::integer(a) == cell::integer(b);  // of a decimal number, its bits
+        return cell::integer(a) == cell::integer(b);  // of a float or double, its bits
     }
   }
   static bool is_negative(const var& v) noexcept {

@@ -396,11 +396,13 @@ TEST(layered_settings, refuse_what_there_is_not) {
 
 TEST(layered_settings, changes_are_exact) {
   layered_settings settings;
-  bundle held{{L"d", 0.5}, {L"i", 5}, {L"l", list{1.5, 2}}, {L"t", L"x"}, {L"q", 1}};
+  bundle held{{L"d", 0.5},  {L"i", 5}, {L"l", list{1.5, 2}},
+              {L"t", L"x"}, {L"q", 1}, {L"m", ruvo::decimal(5)}};
   settings.share_layer(L"a", smart_bundle(&held));
   std::wstring seen;
   settings.observe([&](const std::wstring& path) { seen += path; });
-  held = {{L"d", 0.5000000001}, {L"i", 5LL}, {L"l", list{1.5000000001, 2}}, {L"t", L"x"}, {L"q", 1}};
+  held = {{L"d", 0.5000000001}, {L"i", 5LL}, {L"l", list{1.5000000001, 2}},
+          {L"t", L"x"},         {L"q", 1},   {L"m", ruvo::decimal(5)}};
   held[L"q"][L"unit"] = L"m";
   settings.refresh();
   EXPECT_EQ(seen, L"dlq");
