@@ -99,7 +99,8 @@ decimal percentage(const decimal& amount, const decimal& percent, int scale, rou
 std::vector<decimal> distribute(const decimal& total, const std::vector<decimal>& weights, int scale) {
   const decimal exact = total.rounded(scale, rounding::none);
   std::vector<decimal> own = aligned(weights);
-  const decimal sum = sum_of(own);
+  // With their decimals, which a sum of too many digits loses; it is refused.
+  const decimal sum = sum_of(own).rounded(own.empty() ? 0 : own.front().get_scale(), rounding::none);
   if (sum.is_zero()) {
     if (!total.is_zero()) throw exc::BadArgument(L"weights");
     return std::vector<decimal>(weights.size(), decimal(0, scale));

@@ -345,6 +345,12 @@ TEST(shares, add_up_to_the_total) {
   EXPECT_EQ(given([] { return ruvo::percentage("0.50"_d, 21); }), "0.11");
   EXPECT_EQ(given([] { return ruvo::distribute(1, {1, -1}).front(); }), "argument");
   EXPECT_EQ(given([] { return ruvo::distribute("0.001"_d, {1}).front(); }), "inexact");
+  const std::string zeros(35, '0');  // the sum has one digit too many, a zero
+  EXPECT_EQ(
+      given([&] {
+        return ruvo::distribute(100, {decimal("25" + zeros + ".5"), decimal("75" + zeros + ".5")}).front();
+      }),
+      "overflow");
 }
 
 TEST(vat, bases_and_quotas_of_lines_add_up_to_those_of_their_rate) {
