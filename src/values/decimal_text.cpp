@@ -121,9 +121,11 @@ class number_reader {
   /// With the separators of a place.
   bool read_local(Unit point, Unit thousands) noexcept {
     sign();
+    const std::size_t first = at_;
     std::size_t group = digits();
     if (group == 0) return false;
-    const bool is_grouped = thousands != point && group <= 3 && is_at(thousands);
+    const bool may_be_grouped = group <= 3 && text_[first] != Unit('0');  // 0.123 is no number of thousands
+    const bool is_grouped = may_be_grouped && thousands != point && is_at(thousands);
     while (is_grouped && is_at(thousands)) {
       ++at_;
       group = digits(3);
