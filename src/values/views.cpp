@@ -2,23 +2,31 @@
 
 // What values hold, without copies, and the order in which people sort them.
 
+#include <ruvo/decimal.hpp>
 #include <ruvo/exception.hpp>
 #include <ruvo/views.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <compare>
+#include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 
 #include "base/numbers.hpp"
 #include "values/cell.hpp"
+#include "values/decimal_access.hpp"
 #include "values/kinds.hpp"
+#include "values/natural.hpp"
 
 namespace ruvo {
 
 using detail::cell;
+using detail::decimal_access;
 using detail::family;
 using detail::kind;
+using detail::natural;
 
 namespace {
 
@@ -61,6 +69,7 @@ rank rank_of(const var& value) noexcept {
       return rank::truth;
     case family::integer:
     case family::real:
+    case family::exact:
       return rank::number;
     case family::date:
       return rank::day;
@@ -116,7 +125,42 @@ std::weak_ordering order_of_mixed(const whole& a, double b) noexcept {
 
 std::weak_ordering reversed(std::weak_ordering order) noexcept { return 0 <=> order; }
 
+bool is_exact(const var& value) noexcept { return detail::family_of(value) == family::exact; }
+
+/// Twice the number, so many times; the product has to fit.
+natural shifted(natural number, int by) noexcept {
+  constexpr int most = 63;
+  for (; by > 0; by -= most)
+    static_cast<void>(number.multiply(natural(std::uint64_t{1} << std::min(by, most))));
+  return number;
+}
+
+/// Exactly: the nearest doubles, which keep the order, and of equal ones the integers that both numbers are
+/// of a common unit. These are of one size, and that is below 2^181.
+std::weak_ordering order_of_exact(const decimal& a, double b) noexcept {
+  const auto nearest = static_cast<double>(a);
+  if (nearest != b || b == 0) return order_of_reals(nearest, b);
+  constexpr int digits = std::numeric_limits<double>::digits;
+  int power = 0;
+  const auto bits = static_cast<std::uint64_t>(std::ldexp(std::frexp(std::fabs(b), &power), digits));
+  power -= digits;
+  natural of_b = shifted(natural(bits), power);
+  static_cast<void>(of_b.multiply(detail::power_of_ten(a.get_scale())));
+  const auto order = shifted(decimal_access::coefficient(a), -power) <=> of_b;
+  return b < 0 ? reversed(order) : order;
+}
+
+/// An exact decimal and any number.
+std::weak_ordering order_of_exact(const decimal& a, const var& b) noexcept {
+  if (is_exact(b)) return a <=> *cell::pointer<const decimal>(b);
+  if (b.is_decimal()) return order_of_exact(a, cell::real(b));
+  if (cell::kind_of(b) == kind::uxlong) return a <=> static_cast<unsigned long long>(cell::integer(b));
+  return a <=> cell::integer(b);
+}
+
 std::weak_ordering order_of_numbers(const var& a, const var& b) noexcept {
+  if (is_exact(a)) return order_of_exact(*cell::pointer<const decimal>(a), b);
+  if (is_exact(b)) return reversed(order_of_exact(*cell::pointer<const decimal>(b), a));
   if (a.is_decimal() && b.is_decimal()) return order_of_reals(cell::real(a), cell::real(b));
   if (b.is_decimal()) return order_of_mixed(whole(a), cell::real(b));
   if (a.is_decimal()) return reversed(order_of_mixed(whole(b), cell::real(a)));
