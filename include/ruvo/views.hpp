@@ -105,11 +105,12 @@ concept has_value_form = requires(Type& out, const var& value) {
 /// The value as a type, or nothing where it is not exactly one, by its value_form:
 ///
 /// - bool: truth values, the integers 0 and 1, the words of var::can_be_boolean().
-/// - integers of any size: integers in their range, float and double without a fraction, and texts that are
-///   such a number (blanks at the ends do not count, nor do zeros behind a point). No truth values.
+/// - integers of any size: integers in their range, float, double and decimal without a fraction, and
+///   texts that are such a number (blanks at the ends do not count, nor do zeros behind a point). No truth
+///   values.
 /// - double: any number, the nearest double to its digits; float the same, if it holds it.
 /// - std::wstring, std::string (UTF-8) and memo: texts, memos, characters and integers, by their digits. A
-///   float, double or date has several texts, and is none.
+///   float, double, decimal or date has several texts, and is none.
 /// - binary: binaries, and texts in Base64.
 /// - date: dates; texts `29-02-2024` and `2024-02-29`; the number 20240229, as a text too. time: times;
 ///   `09:30:05`, `09:30:05Z`; 93005. datetime: instants; `29-02-2024 09:30:05`, `2024-02-29T09:30:05`, behind

@@ -2,6 +2,7 @@
 
 // Exact readings: a value as a type of C++, or not at all.
 
+#include <ruvo/decimal.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/views.hpp>
 
@@ -19,6 +20,7 @@
 #include "base/numbers.hpp"
 #include "base/utf.hpp"
 #include "values/cell.hpp"
+#include "values/decimal_access.hpp"
 #include "values/kinds.hpp"
 
 namespace ruvo::detail {
@@ -73,6 +75,12 @@ std::optional<whole_number> whole_of_real(double value) noexcept {
   return whole_number{value < 0, static_cast<unsigned long long>(std::fabs(value))};
 }
 
+std::optional<whole_number> whole_of_exact(const decimal& value) noexcept {
+  const decimal plain = value.trimmed();
+  if (plain.get_scale() != 0 || !decimal_access::is_small(plain)) return std::nullopt;
+  return whole_number{plain.is_negative(), decimal_access::low(plain)};
+}
+
 /// The integer that a value is, if it is one.
 std::optional<whole_number> whole_of(const var& value) noexcept {
   switch (family_of(value)) {
@@ -84,6 +92,8 @@ std::optional<whole_number> whole_of(const var& value) noexcept {
     }
     case family::real:
       return whole_of_real(cell::real(value));
+    case family::exact:
+      return whole_of_exact(*cell::pointer<const decimal>(value));
     default:
       const auto text = as_text(value);
       return text ? whole_of_text(*text) : std::nullopt;
@@ -219,7 +229,7 @@ bool read_form(bool& out, const var& value) {
 }
 
 bool read_form(double& out, const var& value) {
-  if (family_of(value) == family::integer || family_of(value) == family::real) {
+  if (value.is_number()) {
     out = static_cast<double>(value);
     return true;
   }
