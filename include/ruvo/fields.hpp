@@ -105,7 +105,7 @@ struct field_report {
   bool ok() const noexcept { return problems.empty() && more == 0 && failure.OK(); }
 };
 
-/// A line for each problem, in Spanish: "lineas[2].precio: se esperaba número y hay un texto «doce»"; empty
+/// A line for each problem, in Spanish: "lineas[2].precio: se espera número y hay un texto «doce»"; empty
 /// where there was none.
 KESTA_API std::wstring to_string(const field_report& report);
 /// An exc::BadFormat whose detail is to_string(); a success where there was no problem.
