@@ -10,6 +10,7 @@
 #include <ruvo/color.hpp>
 #include <ruvo/date.hpp>
 #include <ruvo/datetime.hpp>
+#include <ruvo/decimal.hpp>
 #include <ruvo/error_code.hpp>
 #include <ruvo/exc.hpp>
 #include <ruvo/exception.hpp>
@@ -42,6 +43,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <typeinfo>
 #include <utility>
 #include <version>
 
@@ -66,13 +68,13 @@ namespace ruvo {
 
 // For exactly these types: what converts to one of them goes where it went before.
 
-/// The order of `<`, which for var is that of texts: values of two kinds with one text are neither equal nor
-/// one before the other.
+/// The order of `<`, which for var is that of texts, but of what is equal: decimals may be with two texts.
+/// Values of two kinds with one text are neither equal nor one before the other.
 template <std::derived_from<var> A, std::derived_from<var> B>
 std::partial_ordering operator<=>(const A& a, const B& b) {
   const var &one = a, &other = b;
-  if (one < other) return std::partial_ordering::less;
   if (one == other) return std::partial_ordering::equivalent;
+  if (one < other) return std::partial_ordering::less;
   return other < one ? std::partial_ordering::greater : std::partial_ordering::unordered;
 }
 /// The order of `<`, by to_string(), which two different values may have in common.
@@ -423,9 +425,11 @@ class text_formatter : public Text {
 inline std::size_t hash_of_text(std::wstring_view text) noexcept {
   return std::hash<std::wstring_view>()(text);
 }
-/// Of values that are equal, the texts are.
+/// Of values that are equal, the texts are, but for decimals: 1.5 is equal to 1.50.
 inline std::size_t hash_of(const var& value) {
   const auto text = as_text(value);
+  if (!text && value.is_decimal() && *value.get_type() == typeid(decimal))
+    return static_cast<decimal>(value).hash();
   return text ? hash_of_text(*text) : hash_of_text(value.to_string());
 }
 inline std::size_t hash_of(const bundle& value) { return hash_of_text(value.to_string()); }

@@ -74,6 +74,8 @@ void are_equal_and_hash_alike(const Type& a, const Type& b) {
 
 TEST(hash, is_that_of_all_that_is_equal) {
   are_equal_and_hash_alike<ruvo::var>(1.0000001, 1.0);
+  are_equal_and_hash_alike<ruvo::var>(ruvo::decimal("1.50"), ruvo::decimal("1.5"));
+  EXPECT_TRUE(ruvo::var(ruvo::decimal("1.50")) <= ruvo::var(ruvo::decimal("1.5")));
   are_equal_and_hash_alike<ruvo::var>(L"a", "a");
   ruvo::xvar qualified = 5;
   qualified["unit"] = L"kg";
