@@ -162,6 +162,11 @@ inline void move_instant(datetime& instant, std::chrono::seconds by, bool back) 
   instant.set_lapso(back ? from - step : from + step);
 }
 
+inline int count_of_days(std::chrono::days by) {
+  if (!std::in_range<int>(by.count())) throw exc::CalendarException();
+  return static_cast<int>(by.count());
+}
+
 }  // namespace detail
 
 /// Move the instant by exactly so much: a day has 24 hours. Durations finer than seconds, and months and
@@ -189,14 +194,15 @@ requires detail::is_exact_duration<std::chrono::duration<Rep, Period>> T
 operator-(T instant, std::chrono::duration<Rep, Period> by) {
   return instant -= by;
 }
-/// Move by days of the calendar; `std::chrono::weeks` are seven.
+/// Move by days of the calendar; `std::chrono::weeks` are seven. Throw exc::CalendarException beyond 32 bits
+/// of days.
 template <std::same_as<date> T>
 T& operator+=(T& day, std::chrono::days by) {
-  return day += static_cast<int>(by.count());
+  return day += detail::count_of_days(by);
 }
 template <std::same_as<date> T>
 T& operator-=(T& day, std::chrono::days by) {
-  return day -= static_cast<int>(by.count());
+  return day -= detail::count_of_days(by);
 }
 /// Move around midnight by hours, minutes and seconds.
 template <std::same_as<time> T, class Rep, class Period>

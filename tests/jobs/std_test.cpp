@@ -139,6 +139,8 @@ TEST(chrono, moves_dates_and_times) {
   date day(2024, 2, 28, GMT);
   EXPECT_EQ(day += std::chrono::weeks(1), date(2024, 3, 6, GMT));
   EXPECT_EQ(day -= std::chrono::days(6), date(2024, 2, 29, GMT));
+  if (sizeof(std::chrono::days::rep) > sizeof(int))
+    EXPECT_THROW(day += (std::chrono::days::max)(), ruvo::exc::CalendarException);
   ruvo::time hour(233000, GMT);
   EXPECT_EQ(hour += 45min, ruvo::time(1500, GMT));
   EXPECT_EQ(hour -= 49h, ruvo::time(231500, GMT));
