@@ -24,7 +24,7 @@ KESTA_NAMES(state, first, second)
 struct all {
   bool b = false;
   std::int8_t i = 0;
-  std::uint64_t u = 0;
+  unsigned long long u = 0;
   double d = 0;
   std::wstring s;
   std::string n;
