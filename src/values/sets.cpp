@@ -312,7 +312,14 @@ void cap_set::clear() noexcept {
 
 void cap_set::set_capacity(size_type capacity) {
   capacity_ = capacity;
-  while (values_.size() > capacity_) erase(values_.back());
+  while (values_.size() > capacity_) {
+    const const_iterator oldest = std::prev(values_.cend());
+    auto place = places_.find(oldest);
+    // Where the text of a moment has changed with the context's zone, values stand out of order.
+    if (place == places_.end() || *place != oldest) place = std::find(places_.begin(), places_.end(), oldest);
+    places_.erase(place);
+    values_.erase(oldest);
+  }
 }
 
 cap_set::const_iterator cap_set::find(const xvar& value) const {

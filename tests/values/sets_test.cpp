@@ -2,6 +2,7 @@
 
 // Sets of values and of texts, and notes.
 
+#include <ruvo/fake_context.hpp>
 #include <ruvo/ruvo.hpp>
 
 #include <algorithm>
@@ -207,6 +208,13 @@ TEST(set, operations_and_explanations) {
   own.erase(*own.begin());
   own.insert(own);
   EXPECT_EQ(own.to_string(), L"[[2],2]");
+  ruvo::fake_context fake;
+  const ruvo::thread_scope scope(fake);
+  cap_set moments;
+  for (const long long day : {45, 30, 45}) moments.insert(datetime(day * 86400 + 84600, ruvo::times::LOCAL));
+  fake.zone_offset = 3600;  // the 31st of January is now the first of February, before the 16th
+  moments.set_capacity(1);
+  EXPECT_EQ(moments.to_string(), L"[16-02-1970 00:30:00]");
   EXPECT_EQ(all.explain(5U), L"Está como un número entero.");
   EXPECT_EQ(all.explain(L"5"), L"No está como un texto; sí como un número entero.");
   EXPECT_EQ(ruvo::set{L"5"}.explain(5), L"No está como un número entero; sí como un texto.");
