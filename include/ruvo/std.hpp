@@ -153,6 +153,14 @@ concept is_exact_duration = std::convertible_to<Duration, std::chrono::seconds> 
                             !std::same_as<typename Duration::period, std::chrono::months::period> &&
                             !std::same_as<typename Duration::period, std::chrono::years::period>;
 
+/// Throws exc::CalendarException beyond 64 bits.
+template <class Rep, class Period>
+constexpr std::chrono::seconds seconds_of(std::chrono::duration<Rep, Period> by) {
+  constexpr long long most = (std::numeric_limits<long long>::max)() / Period::num;
+  if (std::cmp_greater(by.count(), most) || std::cmp_less(by.count(), -most)) throw exc::CalendarException();
+  return by;
+}
+
 inline void move_instant(datetime& instant, std::chrono::seconds by, bool back) {
   using limits = std::numeric_limits<long long>;
   const long long from = instant.get_lapso(), step = by.count();
@@ -175,13 +183,13 @@ inline int count_of_days(std::chrono::days by) {
 template <std::same_as<datetime> T, class Rep, class Period>
 requires detail::is_exact_duration<std::chrono::duration<Rep, Period>> T& operator+=(
     T& instant, std::chrono::duration<Rep, Period> by) {
-  detail::move_instant(instant, by, false);
+  detail::move_instant(instant, detail::seconds_of(by), false);
   return instant;
 }
 template <std::same_as<datetime> T, class Rep, class Period>
 requires detail::is_exact_duration<std::chrono::duration<Rep, Period>> T& operator-=(
     T& instant, std::chrono::duration<Rep, Period> by) {
-  detail::move_instant(instant, by, true);
+  detail::move_instant(instant, detail::seconds_of(by), true);
   return instant;
 }
 template <std::same_as<datetime> T, class Rep, class Period>
@@ -204,18 +212,19 @@ template <std::same_as<date> T>
 T& operator-=(T& day, std::chrono::days by) {
   return day -= detail::count_of_days(by);
 }
-/// Move around midnight by hours, minutes and seconds.
+/// Move around midnight by hours, minutes and seconds. Throw exc::CalendarException beyond 64 bits of
+/// seconds.
 template <std::same_as<time> T, class Rep, class Period>
 requires detail::is_exact_duration<std::chrono::duration<Rep, Period>> T& operator+=(
     T& hour, std::chrono::duration<Rep, Period> by) {
   constexpr std::chrono::seconds day = std::chrono::hours(24);
-  const auto moved = (to_seconds(hour) + std::chrono::seconds(by) % day + day) % day;
+  const auto moved = (to_seconds(hour) + detail::seconds_of(by) % day + day) % day;
   return hour.set_in_seconds(static_cast<long>(moved.count()));
 }
 template <std::same_as<time> T, class Rep, class Period>
 requires detail::is_exact_duration<std::chrono::duration<Rep, Period>> T& operator-=(
     T& hour, std::chrono::duration<Rep, Period> by) {
-  return hour += -(std::chrono::seconds(by) % std::chrono::hours(24));
+  return hour += -(detail::seconds_of(by) % std::chrono::hours(24));
 }
 
 // --- std::filesystem
@@ -340,7 +349,7 @@ class future_call {
     call_.start(input);
     return result;
   }
-  /// Asks the body to end; any thread, without waiting.
+  /// Asks the body to end, without waiting; any thread, once start() has returned.
   void request_stop() noexcept { source_.request_stop(); }
 
  private:

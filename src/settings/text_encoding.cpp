@@ -162,6 +162,7 @@ bool text_encoding::encode(std::string& out, std::wstring_view text) const {
     return true;
   }
   if (kind == ini_encoding::utf_8) {
+    if (!is_damaged_ && unwritable(text) != npos) return false;  // half a surrogate pair
     // Without a mark before it, what looks like one would be taken for it.
     if (has_mark || (!text.empty() && unit_at(text, 0) == 0xFEFF)) out += utf_8_mark;
     out += is_damaged_ ? to_damaged(text) : texto::to_utf_8(text);

@@ -19,7 +19,7 @@ class text_encoding {
 
   /// The text of the bytes, and how they were written.
   static std::wstring decode(std::string_view bytes, text_encoding& how);
-  /// False where the bytes would be decoded in another way.
+  /// False where the bytes would be decoded in another way, or a character has none.
   bool encode(std::string& out, std::wstring_view text) const;
   /// Where the first character stands that has no bytes; npos where all have.
   std::size_t unwritable(std::wstring_view text) const noexcept;

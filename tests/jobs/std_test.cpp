@@ -13,6 +13,7 @@
 #include <functional>
 #include <future>
 #include <limits>
+#include <ratio>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -136,11 +137,16 @@ TEST(chrono, moves_dates_and_times) {
     EXPECT_THROW(far -= -step, ruvo::exc::CalendarException);
     EXPECT_EQ((far -= step).get_lapso(), from - step.count());
   }
+  datetime now(0LL);
+  const std::chrono::duration<long long, std::ratio<86400>> ages((std::numeric_limits<long long>::max)());
+  EXPECT_THROW(now += ages, ruvo::exc::CalendarException);
+  EXPECT_THROW(now -= ages, ruvo::exc::CalendarException);
   date day(2024, 2, 28, GMT);
   EXPECT_EQ(day += std::chrono::weeks(1), date(2024, 3, 6, GMT));
   EXPECT_EQ(day -= std::chrono::days(6), date(2024, 2, 29, GMT));
-  if (sizeof(std::chrono::days::rep) > sizeof(int))
+  if (sizeof(std::chrono::days::rep) > sizeof(int)) {
     EXPECT_THROW(day += (std::chrono::days::max)(), ruvo::exc::CalendarException);
+  }
   ruvo::time hour(233000, GMT);
   EXPECT_EQ(hour += 45min, ruvo::time(1500, GMT));
   EXPECT_EQ(hour -= 49h, ruvo::time(231500, GMT));

@@ -233,6 +233,8 @@ TEST(ini_file, does_not_save_what_would_be_read_in_another_encoding) {
   ini_file file;
   exception failure;
   std::string bytes;
+  ASSERT_TRUE(file.parse(std::wstring_view(L"a=\xD800x"), failure));
+  EXPECT_FALSE(file.bytes(bytes, failure));
   ASSERT_TRUE(file.parse(std::string_view("a=\xF1\nb=\xC3\xB1\n"), failure));
   EXPECT_EQ(file.get(L"", L"b"), L"Ã±");
   EXPECT_TRUE(file.set(L"", L"a", L"n", failure));
