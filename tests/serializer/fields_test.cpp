@@ -18,7 +18,6 @@
 #include <gtest/gtest.h>
 
 using ruvo::bundle;
-using ruvo::list;
 using ruvo::xvar;
 
 namespace shop {
