@@ -16,6 +16,7 @@
 #include "serializer/json/grammar.hpp"
 #include "serializer/number_text.hpp"
 #include "serializer/writing.hpp"
+#include "values/kinds.hpp"
 
 namespace ruvo::serializer {
 
@@ -74,8 +75,15 @@ void put_scalar(text_sink& out, const xvar& value, bool escaped, bool null_as_em
     case kind::decimal:  // readers of this dialect make doubles of numbers
       return put_quoted(out, value.to_string(), false);
     default:
-      if (value.is_number()) return put_number(out, value);
-      if (cell::is_text(value)) return put_quoted(out, cell::text(value), escaped);
+      break;
+  }
+  switch (detail::family_of(value)) {
+    case detail::family::integer:
+    case detail::family::real:
+      return put_number(out, value);
+    case detail::family::text:
+      return put_quoted(out, cell::text(value), escaped);
+    default:
       return put_quoted(out, value.to_string(), escaped);
   }
 }
