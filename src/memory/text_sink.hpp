@@ -43,7 +43,8 @@ class basic_text_sink {
 
   /// Where at least `units` may be written; to be followed by advance().
   Unit* room(std::size_t units) {
-    if (static_cast<std::size_t>(end_ - at_) < units) begin_block(units);
+    if (static_cast<std::size_t>(end_ - at_) < units) [[unlikely]]
+      begin_block(units);
     return at_;
   }
   void advance(Unit* written_to) noexcept { at_ = written_to; }

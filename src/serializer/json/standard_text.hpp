@@ -34,7 +34,7 @@ class escaped_text {
       to = put_plain(to, at, stop);
       if (at >= stop) return to;
       do to = put_other(to, at, end, separators);
-      while (narrow && at<stop&& static_cast<char16_t>(*at)> 0x7F);
+      while (narrow && stop > at && !(static_cast<char16_t>(*at) < 0x80));
     }
   }
 

@@ -325,7 +325,9 @@ class standard_visitor : public detail::visitor {
     }
     return name;
   }
-  void put_name(std::wstring_view name) { scalars_.put_text(out_, name, options_.indent < 0 ? ":" : ": "); }
+  void put_name(std::wstring_view name) {
+    scalars_.put_text(out_, name, std::string_view(": ", options_.indent < 0 ? 1 : 2));
+  }
 
   // --- layout
 
