@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: BSL-1.0
 #pragma once
 
-// The details of failures. Making one may fail for lack of memory; the failure then goes without it.
+// Failures on their way to who wants to know of them, and their details. Making one may fail for lack of
+// memory; the failure then goes without it.
 
 #include <ruvo/exc.hpp>
 
@@ -25,6 +26,18 @@ template <class Failure, class Make>
 Failure about(Failure failure, Make make) noexcept {
   add_detail(failure, std::move(make));
   return failure;
+}
+
+/// Runs the body and copies its failure, if it is one of the library's own, to `err`; true is success.
+template <class Body>
+bool succeeds(exception& err, const Body& body) {
+  try {
+    body();
+    return true;
+  } catch (const exception& failure) {
+    failure.copy_on(err);
+    return false;
+  }
 }
 
 /// A text between quotation marks, a long one cut.

@@ -21,6 +21,7 @@
 #include "base/immortal.hpp"
 #include "base/numbers.hpp"
 #include "base/utf.hpp"
+#include "exc/detail.hpp"
 #include "files/names.hpp"
 #include "files/pieces.hpp"
 #include "files/stand_in.hpp"
@@ -30,21 +31,11 @@
 
 namespace ruvo::files {
 
+using detail::succeeds;
+
 namespace {
 
 constexpr std::string_view utf_8_mark = "\xEF\xBB\xBF", utf_16_mark = "\xFF\xFE";
-
-/// Runs the body and copies its failure, if it is one of the library's own, to `err`; true is success.
-template <class Body>
-bool succeeds(exception& err, Body body) {
-  try {
-    body();
-    return true;
-  } catch (const exception& failure) {
-    failure.copy_on(err);
-    return false;
-  }
-}
 
 /// Content that is too much for memory is a failure of the library's own too.
 template <class Failure, class Body>
@@ -59,8 +50,9 @@ auto within_memory(const file& path, Body body) {
 
 void expect_file(const file& path) {
   platform::entry_facts found;
-  if (!platform::read_facts(path, platform::links::keep, found)) throw exc::fileNotFound(path);
-  if (found.is_folder) throw exc::fileExpectedFile(path);
+  const bool is_there = platform::read_facts(path, platform::links::keep, found);
+  if (!is_there && platform::is_missing(path)) throw exc::fileNotFound(path);
+  if (is_there && found.is_folder) throw exc::fileExpectedFile(path);
 }
 
 template <class Bytes>

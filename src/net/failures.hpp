@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <string_view>
 
+#include "exc/detail.hpp"
+
 namespace ruvo::http {
 
 /// Throws exc::BadArgument with the name, a long one cut.
@@ -16,19 +18,9 @@ namespace ruvo::http {
 /// Throws exc::BadFormat with the position of what stands at the offset.
 [[noreturn]] void refuse_at(std::size_t offset);
 
-/// Runs the body and copies its failure to `err`; true is success.
-template <class Body>
-bool succeeds(exception& err, const Body& body) {
-  try {
-    body();
-    return true;
-  } catch (const exception& failure) {
-    failure.copy_on(&err);
-    return false;
-  }
-}
+using ruvo::detail::succeeds;
 
-/// The same with the sense of serializers: true is failure. `err` may be null.
+/// Runs the body and copies its failure to `err`, which may be null. True is failure, as serializers have it.
 template <class Body>
 bool fails(exception* err, const Body& body) {
   try {

@@ -27,6 +27,9 @@ enum class links { follow, keep };
 /// What stands at the path. False when there is nothing, or the system does not say.
 bool read_facts(const std::wstring& path, links how, entry_facts& out);
 
+/// Whether the system says that nothing stands at the path. False, too, when it does not say.
+bool is_missing(const std::wstring& path);
+
 /// What distinguishes a file or folder from all others.
 struct entry_identity {
   unsigned long long volume = 0, index = 0;

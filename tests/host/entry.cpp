@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSL-1.0
 #include "system/entry.hpp"
 
+#include <cerrno>
 #include <filesystem>
 #include <system_error>
 
@@ -18,6 +19,11 @@ bool read_facts(const std::wstring& path, links how, entry_facts& out) {
   if (stat(name.c_str(), &found) != 0) return false;
   out = facts_of(found);
   return true;
+}
+
+bool is_missing(const std::wstring& path) {
+  struct stat found;
+  return lstat(host_name(path).c_str(), &found) != 0 && (errno == ENOENT || errno == ENOTDIR);
 }
 
 bool read_owner(const std::wstring& path, owner_numbers& out) {

@@ -72,11 +72,15 @@ bool read_followed(const std::wstring& name, entry_facts& out) {
   return true;
 }
 
+bool is_missing_error(DWORD error) noexcept {
+  return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
+
 /// What the folder knows.
 bool read_kept(const std::wstring& name, entry_facts& out) {
   WIN32_FILE_ATTRIBUTE_DATA found{};
   if (!GetFileAttributesExW(name.c_str(), GetFileExInfoStandard, &found)) {
-    if (GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND) return false;
+    if (is_missing_error(GetLastError())) return false;
     found.dwFileAttributes = GetFileAttributesW(name.c_str());  // all that a device has
     if (found.dwFileAttributes == INVALID_FILE_ATTRIBUTES) return false;
   }
@@ -91,6 +95,11 @@ bool read_kept(const std::wstring& name, entry_facts& out) {
 bool read_facts(const std::wstring& path, links how, entry_facts& out) {
   const std::wstring name = system_path(path);
   return (how == links::follow && read_followed(name, out)) || read_kept(name, out);
+}
+
+bool is_missing(const std::wstring& path) {
+  return GetFileAttributesW(system_path(path).c_str()) == INVALID_FILE_ATTRIBUTES &&
+         is_missing_error(GetLastError());
 }
 
 bool read_owner(const std::wstring& path, owner_numbers& out) {
