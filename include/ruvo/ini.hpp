@@ -138,7 +138,8 @@ class KESTA_API ini_file {
   bool parse(std::string_view bytes, exception& err);
   /// The same with the bytes of a file, to which save() goes. The failures of files::read() too.
   bool read(const file& path, exception& err);
-  /// The same; a file that is missing is empty, and made by save().
+  /// The same; a file that is missing is empty, and made by save(). One that cannot be looked for is a
+  /// failure.
   bool open(const file& path, exception& err);
 
   // --- saving
@@ -220,7 +221,7 @@ class KESTA_API ini_file {
  private:
   struct state;
   template <class Body>
-  bool change(const std::wstring& name, exception& err, const Body& body);
+  bool change(const std::wstring& name, exception& err, const Body& body, bool is_local = true);
   bool save_to(const file& path, bool if_unchanged, exception& err);
 
   std::unique_ptr<state> state_;

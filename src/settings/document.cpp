@@ -23,7 +23,6 @@ namespace ruvo::settings {
 namespace {
 
 constexpr std::size_t most_units = std::size_t{1} << 30;
-constexpr std::uint32_t all_sections = none - 2;  // to which the names of sections belong
 
 bool is_same(std::wstring_view folded, std::wstring_view name, bool is_exact) {
   if (folded.size() != name.size()) return false;
@@ -40,52 +39,52 @@ void refuse_at(std::size_t offset) {
   throw failure;
 }
 
-document::document(std::shared_ptr<const grammar> rules) : grammar_(std::move(rules)) { index_.clear(0); }
+void joined_value::add(line_kind kind, std::wstring_view written) {
+  if (kind == line_kind::blank) ++breaks;
+  if (kind != line_kind::more) return;
+  text.append(breaks, L'\n');
+  text += written;
+  breaks = 1;
+}
+
+document::document(std::shared_ptr<const grammar> rules) : grammar_(std::move(rules)) {}
 
 void document::parse(std::wstring text) {
   if (text.size() > most_units) refuse_at(most_units);
   document made(grammar_);
   made.text_ = std::move(text);
-  made.split();
-  made.index_all();
+  made.live_ = made.text_.size();
+  made.read_lines();
   *this = std::move(made);
 }
 
-void document::split() {
+void document::read_lines() {
   constexpr std::size_t usual_units = 24;  // of a line
-  const std::wstring_view all = text_;
-  lines_.reserve(all.size() / usual_units);
-  std::uint32_t entry_indent = none;
-  for (std::size_t at = 0; at < all.size();) {
-    kept_line& made = lines_.emplace_back();
-    static_cast<line_shape&>(made) = grammar_->line_at(all.substr(at), entry_indent);
-    if (made.kind == line_kind::header) entry_indent = none;
-    if (made.kind == line_kind::entry) entry_indent = made.indent;
-    made.begin = static_cast<std::uint32_t>(at);
-    made.previous = static_cast<std::uint32_t>(lines_.size()) - 2;
-    made.next = static_cast<std::uint32_t>(lines_.size());
-    at += made.size;
+  lines_.reserve(text_.size() / usual_units);
+  line_splitter lines(rules(), text_);
+  reading at;
+  for (line_shape made; lines.next(made);) {
+    const auto n = static_cast<std::uint32_t>(lines_.size());
+    const auto begin = static_cast<std::uint32_t>(lines.begin());
+    lines_.push_back({begin, made.size, last_, none, none, none, n, made.kind, false});
+    (last_ == none ? first_ : lines_[last_].next) = n;
+    last_ = n;
+    take(n, made, at);
   }
-  live_ = all.size();
-  if (lines_.empty()) return;
-  first_ = 0;
-  last_ = static_cast<std::uint32_t>(lines_.size()) - 1;
-  lines_.front().previous = lines_.back().next = none;
 }
 
 // --- the index
 
 folded_name document::key_name(std::uint32_t section, std::wstring_view key) const {
-  return folded_name(section, key, rules().dialect().case_sensitive_keys);
+  return folded_name(section + 1, key, rules().dialect().case_sensitive_keys);
 }
 
 folded_name document::header_name(std::wstring_view name) const {
-  return folded_name(all_sections, name, rules().dialect().case_sensitive_sections);
+  return folded_name(0, name, rules().dialect().case_sensitive_sections);
 }
 
 bool document::is_named(std::uint32_t n, const folded_name& name) const {
   const bool is_header = lines_[n].kind == line_kind::header;
-  if ((is_header ? all_sections : lines_[n].section) != name.owner()) return false;
   const ini_dialect& how = rules().dialect();
   const bool is_exact = is_header ? how.case_sensitive_sections : how.case_sensitive_keys;
   const std::wstring_view written = written_name(n);
@@ -97,14 +96,27 @@ std::uint32_t document::find_name(const folded_name& name) const {
   return index_.find(name, [&](std::uint32_t n) { return is_named(n, name); });
 }
 
-void document::append_twin(std::uint32_t first, std::uint32_t n) noexcept {
-  lines_[lines_[first].last_twin].twin = n;
-  lines_[first].last_twin = n;
+void document::append_twin(std::uint32_t first, std::uint32_t n) {
+  edit_line(lines_[first].last_twin).twin = n;
+  edit_line(first).last_twin = n;
+}
+
+void document::take(std::uint32_t n, const line_shape& shape, reading& at) {
+  is_fragile_ = is_fragile_ || shape.is_loose;
+  if (shape.kind != line_kind::header && shape.kind != line_kind::entry) return;
+  const std::wstring_view written = name_in(view(n), shape);
+  if (shape.kind == line_kind::header) {
+    at.section = take_header(n, written);
+    at.is_first_part = at.section != none && at.section != top && sections_[at.section].header == n;
+  } else {
+    take_entry(n, written, at.section);
+    if (at.is_first_part) sections_[at.section].tail = n;
+  }
 }
 
 /// The section whose keys follow; none where they are not seen.
-std::uint32_t document::take_header(std::uint32_t n) {
-  const std::wstring name = name_of(n);
+std::uint32_t document::take_header(std::uint32_t n, std::wstring_view written) {
+  const std::wstring name = rules().name_of(written);
   const std::uint32_t known = find_section(name);
   const std::uint32_t id = known == none ? static_cast<std::uint32_t>(sections_.size()) : known;
   if (known == none) sections_.push_back({n, n});
@@ -114,7 +126,7 @@ std::uint32_t document::take_header(std::uint32_t n) {
     return id;
   }
   if (known == none) {
-    add_name(n);
+    add_name(header_name(name), n);
     return id;
   }
   const ini_duplicates how = rules().dialect().duplicates;
@@ -123,18 +135,13 @@ std::uint32_t document::take_header(std::uint32_t n) {
   return how == ini_duplicates::first ? none : id;
 }
 
-void document::take_entry(std::uint32_t n, std::uint32_t section) {
+void document::take_entry(std::uint32_t n, std::wstring_view written, std::uint32_t section) {
   lines_[n].section = section;
   if (section == none) return;
-  const std::wstring_view written = written_name(n);
   const std::wstring unescaped = rules().is_plain(written) ? std::wstring() : rules().name_of(written);
   const folded_name name = key_name(section, unescaped.empty() ? written : unescaped);
   const std::uint32_t first = find_name(name);
-  if (first == none) {
-    lines_[n].is_first = true;
-    index_.add(name, n);
-    return;
-  }
+  if (first == none) return add_name(name, n);
   if (rules().dialect().duplicates == ini_duplicates::error) refuse_at(offset_of(n));
   append_twin(first, n);
 }
@@ -142,61 +149,39 @@ void document::take_entry(std::uint32_t n, std::uint32_t section) {
 void document::index_all() {
   sections_.assign(1, {});
   is_fragile_ = false;
-  index_.clear(lines_.size());
-  std::uint32_t section = top, entry = none;
-  bool is_first_part = true;  // of the section
+  index_ = {};
   for (std::uint32_t n = first_; n != none; n = lines_[n].next) {
-    kept_line& each = lines_[n];
-    each.section = each.twin = none;
-    each.last_twin = each.end = n;
-    each.is_first = false;
-    is_fragile_ = is_fragile_ || each.is_loose;
-    if (each.kind == line_kind::header) {
-      section = take_header(n);
-      is_first_part = section != none && section != top && sections_[section].header == n;
-    } else if (each.kind == line_kind::entry) {
-      take_entry(n, section);
-      entry = n;
-      if (is_first_part) sections_[section].tail = n;
-    } else if (each.kind == line_kind::more) {
-      lines_[entry].end = n;
-    }
+    lines_[n].section = lines_[n].twin = none;
+    lines_[n].last_twin = n;
+    lines_[n].is_first = false;
   }
+  reading at;
+  for (std::uint32_t n = first_; n != none; n = lines_[n].next) take(n, shape(n), at);
 }
 
-/// Makes the index anew, with room for as many names again.
-void document::index_names() {
-  std::size_t names = 0;
-  for (std::uint32_t n = first_; n != none; n = lines_[n].next) names += lines_[n].is_first ? 2 : 0;
-  index_.clear(names);
-  for (std::uint32_t n = first_; n != none; n = lines_[n].next) {
-    if (!lines_[n].is_first) continue;
-    const std::wstring name = name_of(n);
-    index_.add(is(n, line_kind::header) ? header_name(name) : key_name(lines_[n].section, name), n);
-  }
-}
-
-/// Of a line that is the first of its name.
-void document::add_name(std::uint32_t n) {
-  const std::wstring name = name_of(n);
+/// Of the line that is the first of its name.
+void document::add_name(const folded_name& name, std::uint32_t n) {
+  index_.add(name, n);
   lines_[n].is_first = true;
-  if (index_.is_full())
-    index_names();
-  else
-    index_.add(is(n, line_kind::header) ? header_name(name) : key_name(lines_[n].section, name), n);
 }
 
 // --- questions
 
-std::wstring document::text() const {
-  std::wstring out;
-  out.reserve(live_);
+std::vector<std::wstring_view> document::parts() const {
+  std::vector<std::wstring_view> out;
   for (std::uint32_t n = first_; n != none;) {
     const std::size_t begin = lines_[n].begin;
     std::size_t end = begin;
     for (; n != none && lines_[n].begin == end; n = lines_[n].next) end += lines_[n].size;
-    out.append(text_, begin, end - begin);
+    out.push_back(std::wstring_view(text_).substr(begin, end - begin));
   }
+  return out;
+}
+
+std::wstring document::text() const {
+  std::wstring out;
+  out.reserve(live_);
+  for (const std::wstring_view each : parts()) out += each;
   return out;
 }
 
@@ -249,18 +234,22 @@ std::uint32_t document::last_counting(std::uint32_t first) const noexcept {
   return rules().dialect().duplicates == ini_duplicates::first ? first : lines_[first].last_twin;
 }
 
+std::uint32_t document::end_of(std::uint32_t n) const noexcept {
+  std::uint32_t end = n;
+  if (rules().dialect().continuation != ini_continuation::indented) return end;
+  for (n = lines_[n].next; n != none && !is(n, line_kind::entry) && !is(n, line_kind::header);
+       n = lines_[n].next)
+    if (is(n, line_kind::more)) end = n;
+  return end;
+}
+
 std::wstring document::value_of(std::uint32_t n) const {
-  std::wstring out = rules().value_of(written_value(n));
-  const std::uint32_t end = lines_[n].end;
-  for (std::size_t breaks = 1; n != end;) {
+  joined_value value(rules().value_of(written_value(n)));
+  for (const std::uint32_t end = end_of(n); n != end;) {
     n = lines_[n].next;
-    if (is(n, line_kind::blank)) ++breaks;
-    if (!is(n, line_kind::more)) continue;
-    out.append(breaks, L'\n');
-    out += written_value(n);
-    breaks = 1;
+    value.add(lines_[n].kind, is(n, line_kind::more) ? written_value(n) : std::wstring_view());
   }
-  return out;
+  return value.text;
 }
 
 std::wstring document::comment_above(std::uint32_t n) const {
@@ -268,7 +257,8 @@ std::wstring document::comment_above(std::uint32_t n) const {
   while (is(lines_[from].previous, line_kind::comment)) from = lines_[from].previous;
   std::wstring out;
   for (; from != n; from = lines_[from].next) {
-    std::wstring_view text = view(from).substr(0, lines_[from].content).substr(lines_[from].indent + 1);
+    const line_shape parts = shape(from);
+    std::wstring_view text = view(from).substr(0, parts.content).substr(parts.indent + 1);
     if (text.starts_with(L' ')) text.remove_prefix(1);
     out += text;
     if (lines_[from].next != n) out.push_back(L'\n');
@@ -276,8 +266,8 @@ std::wstring document::comment_above(std::uint32_t n) const {
   return out;
 }
 
-std::size_t document::offset_of(std::uint32_t n) const noexcept {
-  std::size_t out = lines_[n].indent;
+std::size_t document::offset_of(std::uint32_t n) const {
+  std::size_t out = shape(n).indent;
   for (std::uint32_t each = first_; each != n; each = lines_[each].next) out += lines_[each].size;
   return out;
 }

@@ -2,13 +2,15 @@
 #pragma once
 
 // The lines of a text of settings, with an index of their names. What is changed becomes new text behind the
-// old one; the lines, which are chained in their order, say where theirs stands.
+// old one; the lines, which are chained in their order, say where theirs stands. What a line is made of is
+// read anew whenever it matters: to keep that of each line would cost more than to read some again.
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "settings/grammar.hpp"
@@ -22,6 +24,24 @@ namespace ruvo::settings {
 /// Throws exc::BadFormat with the position of what stands at the offset.
 [[noreturn]] void refuse_at(std::size_t offset);
 
+/// A part of the line that has the shape.
+inline std::wstring_view name_in(std::wstring_view line, const line_shape& shape) noexcept {
+  return line.substr(shape.name, shape.name_size);
+}
+inline std::wstring_view value_in(std::wstring_view line, const line_shape& shape) noexcept {
+  return line.substr(shape.value, shape.value_size);
+}
+
+/// A value that goes over several lines.
+struct joined_value {
+  explicit joined_value(std::wstring first) : text(std::move(first)) {}
+  /// Of a line that follows; `written` matters of one that is part of the value.
+  void add(line_kind kind, std::wstring_view written);
+
+  std::wstring text;
+  std::size_t breaks = 1;  // before what follows
+};
+
 class document {
  public:
   static constexpr std::uint32_t top = 0;  // the section without a name
@@ -34,6 +54,8 @@ class document {
   /// Takes a text in place of all lines.
   void parse(std::wstring text);
   std::wstring text() const;
+  /// The text in as few parts as it stands in.
+  std::vector<std::wstring_view> parts() const;
 
   /// The number of a section, or the first line of a key; none where it is missing.
   std::uint32_t find_section(std::wstring_view name) const;
@@ -52,11 +74,25 @@ class document {
   /// The first line of a key or, without one, of a section.
   std::uint32_t find_line(std::wstring_view section, std::wstring_view key) const;
   /// Where the line begins in the text.
-  std::size_t offset_of(std::uint32_t line) const noexcept;
+  std::size_t offset_of(std::uint32_t line) const;
   /// The first line that means nothing, or none.
   std::uint32_t first_other() const noexcept;
 
-  // Changes. What cannot be is refused before anything is changed.
+  /// Makes a change, all of it or, where it throws, none. Only set(), erase_key() and set_comment().
+  template <class Change>
+  void try_to(const Change& change) {
+    before_ = {text_.size(), live_, lines_.size(), sections_.size(), first_, last_, is_fragile_, {}, {}};
+    try {
+      change();
+      before_ = {};
+    } catch (...) {
+      roll_back();
+      throw;
+    }
+  }
+
+  // Changes. What cannot be is refused before anything is changed. Those that are not tried leave half a
+  // change where memory is short.
 
   void set(const std::wstring& section, const std::wstring& key, const std::vector<std::wstring>& values,
            const text_encoding& bytes);
@@ -77,43 +113,58 @@ class document {
   void tidy();
 
  private:
-  struct kept_line : line_shape {
-    std::uint32_t begin = 0;  // in the text
+  struct kept_line {
+    std::uint32_t begin = 0, size = 0;  // in the text
     std::uint32_t previous = none, next = none;
     std::uint32_t section = none;                 // of a header and an entry; none where it is not seen
     std::uint32_t twin = none, last_twin = none;  // of the same name; the first knows the last
-    std::uint32_t end = none;                     // of an entry: the last line of its value
-    bool is_first = false;                        // of its name
+    line_kind kind = line_kind::blank;
+    bool is_first = false;  // of its name
   };
   struct kept_section {
     std::uint32_t header = none;  // the first; the top may have none
     std::uint32_t tail = none;    // behind which a key is added; none for the beginning
   };
+  /// What a change that fails puts back.
+  struct state_before {
+    std::size_t units = 0, live = 0, lines = 0, sections = 0;
+    std::uint32_t first = none, last = none;
+    bool is_fragile = false;
+    std::vector<std::pair<std::uint32_t, kept_line>> old_lines{};
+    std::vector<std::pair<std::uint32_t, kept_section>> old_sections{};
+  };
 
   std::wstring_view view(std::uint32_t n) const noexcept {
     return std::wstring_view(text_).substr(lines_[n].begin, lines_[n].size);
   }
-  std::wstring_view written_name(std::uint32_t n) const noexcept {
-    return view(n).substr(lines_[n].name, lines_[n].name_size);
-  }
-  std::wstring_view written_value(std::uint32_t n) const noexcept {
-    return view(n).substr(lines_[n].value, lines_[n].value_size);
-  }
+  line_shape shape(std::uint32_t n) const { return rules().line_at(view(n), indent_before(lines_[n].kind)); }
+  /// What has line_at() read a line of that kind again as such.
+  static std::uint32_t indent_before(line_kind kind) noexcept { return kind == line_kind::more ? 0 : none; }
+  std::wstring_view written_name(std::uint32_t n) const { return name_in(view(n), shape(n)); }
+  std::wstring_view written_value(std::uint32_t n) const { return value_in(view(n), shape(n)); }
   bool is(std::uint32_t n, line_kind kind) const noexcept { return n != none && lines_[n].kind == kind; }
 
   // --- the index
 
-  void split();
+  /// Where the keys that follow belong.
+  struct reading {
+    std::uint32_t section = top;
+    bool is_first_part = true;  // of the section
+  };
+
+  void read_lines();
   void index_all();
-  void index_names();
-  void add_name(std::uint32_t n);
-  std::uint32_t take_header(std::uint32_t n);
-  void take_entry(std::uint32_t n, std::uint32_t section);
-  void append_twin(std::uint32_t first, std::uint32_t n) noexcept;
+  void add_name(const folded_name& name, std::uint32_t n);
+  void take(std::uint32_t n, const line_shape& shape, reading& at);
+  std::uint32_t take_header(std::uint32_t n, std::wstring_view written);
+  void take_entry(std::uint32_t n, std::wstring_view written, std::uint32_t section);
+  void append_twin(std::uint32_t first, std::uint32_t n);
   folded_name key_name(std::uint32_t section, std::wstring_view key) const;
   folded_name header_name(std::wstring_view name) const;
   std::uint32_t find_name(const folded_name& name) const;
   bool is_named(std::uint32_t n, const folded_name& name) const;
+  /// The last line of an entry's value.
+  std::uint32_t end_of(std::uint32_t n) const noexcept;
 
   // --- what is to be written
 
@@ -140,6 +191,11 @@ class document {
 
   // --- lines
 
+  /// To be changed, and put back if the change fails.
+  kept_line& edit_line(std::uint32_t n);
+  kept_section& edit_section(std::uint32_t id);
+  void roll_back() noexcept;
+
   void put(kept_line& into, const std::wstring& text, std::uint32_t entry_indent);
   void rewrite(std::uint32_t n, const std::wstring& text);
   /// Gives the line an end, if it has none, so that another one can follow.
@@ -150,10 +206,10 @@ class document {
   std::uint32_t insert_header(const std::wstring& text);
   void change_values(std::uint32_t first, const std::vector<std::wstring>& values,
                      const text_encoding& bytes);
-  void unlink(std::uint32_t n) noexcept;
-  void unlink_more(std::uint32_t n) noexcept;
-  void unlink_entry(std::uint32_t n) noexcept;
-  void unlink_chunk(std::uint32_t header) noexcept;
+  void unlink(std::uint32_t n);
+  void unlink_more(std::uint32_t n);
+  void unlink_entry(std::uint32_t n);
+  void unlink_chunk(std::uint32_t header);
 
   std::shared_ptr<const grammar> grammar_;
   std::wstring text_;  // of all lines, and of what they were before
@@ -163,6 +219,7 @@ class document {
   name_index index_;
   std::size_t live_ = 0;  // units that lines use
   bool is_fragile_ = false;
+  state_before before_{};
 };
 
 }  // namespace ruvo::settings

@@ -52,19 +52,20 @@ void refuse(const std::wstring& name, const std::wstring& reason) {
 // --- what is to be written
 
 bool document::is_read_as(const new_lines& made, std::wstring_view name, std::wstring_view value) const {
-  document alone(grammar_);
-  alone.text_ = made.line;
-  for (const std::wstring& each : made.more) alone.text_ += each;
-  alone.split();
-  if (!alone.is(alone.first_, line_kind::entry) || alone.name_of(0) != name) return false;
-  const auto belongs = [](const kept_line& each) {
-    return each.kind == line_kind::more || each.kind == line_kind::blank;
-  };
-  if (!std::all_of(alone.lines_.begin() + 1, alone.lines_.end(), belongs)) return false;
-  const kept_line& end = alone.lines_.back();
-  if (end.content == end.size && is_line_end(alone.text_.back())) return false;  // would take the next line
-  alone.lines_[0].end = alone.last_;
-  return alone.value_of(0) == value;
+  std::wstring all = made.line;
+  for (const std::wstring& each : made.more) all += each;
+  line_splitter lines(rules(), all);
+  line_shape shape;
+  if (!lines.next(shape) || shape.kind != line_kind::entry || rules().name_of(name_in(all, shape)) != name)
+    return false;
+  joined_value read(rules().value_of(value_in(all, shape)));
+  line_shape last = shape;
+  for (; lines.next(shape); last = shape) {
+    if (shape.kind != line_kind::more && shape.kind != line_kind::blank) return false;
+    read.add(shape.kind, value_in(std::wstring_view(all).substr(lines.begin()), shape));
+  }
+  const bool takes_next = last.content == last.size && is_line_end(all.back());
+  return !takes_next && read.text == value;
 }
 
 document::new_lines document::write_value(const std::wstring& head, std::wstring tail, std::wstring_view old,
@@ -98,14 +99,14 @@ document::new_lines document::write_value(const std::wstring& head, std::wstring
 document::new_lines document::new_entry(std::uint32_t section, const std::wstring& key,
                                         const std::wstring& value, const text_encoding& bytes) const {
   std::uint32_t model = section == none ? none : sections_[section].tail;
-  const std::wstring indent(is(model, line_kind::entry) ? view(model).substr(0, lines_[model].indent)
+  const std::wstring indent(is(model, line_kind::entry) ? view(model).substr(0, shape(model).indent)
                                                         : std::wstring_view());
   if (!is(model, line_kind::entry)) {
     model = first_;
     while (model != none && !is(model, line_kind::entry)) model = lines_[model].next;
   }
   const std::wstring gap =
-      model == none ? rules().gap_like({}, {}) : rules().gap_like(view(model), lines_[model]);
+      model == none ? rules().gap_like({}, {}) : rules().gap_like(view(model), shape(model));
   const std::wstring name = rules().written_name(key), end = line_end_near(last_);
   const bool is_section = rules().dialect().has_sections && key.starts_with(L'[');
   if (has_unprintable(name) || is_section || !is_read_as({indent + name + gap + end, {}}, key, {}))
@@ -116,10 +117,10 @@ document::new_lines document::new_entry(std::uint32_t section, const std::wstrin
 
 document::new_lines document::changed_entry(std::uint32_t n, const std::wstring& value,
                                             const text_encoding& bytes) const {
-  const kept_line& old = lines_[n];
+  const line_shape old = shape(n);
   std::wstring head(view(n).substr(0, old.value));
   if (old.is_bare) head += rules().gap_like({}, {});
-  return write_value(head, std::wstring(view(n).substr(old.value + old.value_size)), written_value(n),
+  return write_value(head, std::wstring(view(n).substr(old.value + old.value_size)), value_in(view(n), old),
                      name_of(n), value, bytes);
 }
 
@@ -140,7 +141,7 @@ std::vector<std::wstring> document::comment_lines(std::uint32_t above, const std
   std::vector<std::wstring> out;
   if (text.empty()) return out;
   const std::wstring start(1, rules().comment_start()), end = line_end_near(above);
-  const std::wstring indent(view(above).substr(0, lines_[above].indent));
+  const std::wstring indent(view(above).substr(0, shape(above).indent));
   expect_writable(name_of(above), text, bytes);
   for (const std::wstring& each : lines_of(text)) {
     std::wstring& line = out.emplace_back(indent);
@@ -154,8 +155,9 @@ std::vector<std::wstring> document::comment_lines(std::uint32_t above, const std
 
 std::wstring document::line_end_near(std::uint32_t n) const {
   for (const std::uint32_t each : {n, first_}) {
-    if (each == none || lines_[each].content == lines_[each].size) continue;
-    return std::wstring(view(each).substr(lines_[each].content));
+    if (each == none) continue;
+    const std::wstring_view end = view(each).substr(shape(each).content);
+    if (!end.empty()) return std::wstring(end);
   }
   const std::wstring& usual = rules().dialect().line_end;
   return usual == L"\n" || usual == L"\r" ? usual : L"\r\n";
@@ -173,29 +175,58 @@ std::uint32_t document::place_at_top() const noexcept {
 std::uint32_t document::place_in(std::uint32_t section) const noexcept {
   const std::uint32_t tail = sections_[section].tail;
   if (tail == none) return place_at_top();
-  return is(tail, line_kind::entry) ? lines_[tail].end : tail;
+  return is(tail, line_kind::entry) ? end_of(tail) : tail;
 }
 
 // --- lines
+
+document::kept_line& document::edit_line(std::uint32_t n) {
+  if (n < before_.lines) before_.old_lines.emplace_back(n, lines_[n]);
+  return lines_[n];
+}
+
+document::kept_section& document::edit_section(std::uint32_t id) {
+  if (id < before_.sections) before_.old_sections.emplace_back(id, sections_[id]);
+  return sections_[id];
+}
+
+// What changed several times gets back at last what it had first.
+void document::roll_back() noexcept {
+  const state_before old = std::exchange(before_, {});
+  for (auto each = old.old_lines.rbegin(); each != old.old_lines.rend(); ++each)
+    lines_[each->first] = each->second;
+  for (auto each = old.old_sections.rbegin(); each != old.old_sections.rend(); ++each)
+    sections_[each->first] = each->second;
+  if (lines_.size() > old.lines) index_.erase_from(static_cast<std::uint32_t>(old.lines));
+  lines_.resize(old.lines);
+  sections_.resize(old.sections);
+  text_.resize(old.units);
+  first_ = old.first;
+  last_ = old.last;
+  live_ = old.live;
+  is_fragile_ = old.is_fragile;
+}
 
 void document::put(kept_line& into, const std::wstring& text, std::uint32_t entry_indent) {
   const std::size_t begin = text_.size();
   if (begin + text.size() >= none) throw std::length_error("text of settings");
   text_ += text;
-  static_cast<line_shape&>(into) = rules().line_at(text, entry_indent);
+  const line_shape shape = rules().line_at(text, entry_indent);
   into.begin = static_cast<std::uint32_t>(begin);
-  live_ += into.size;
-  is_fragile_ = is_fragile_ || into.is_loose;
+  into.size = shape.size;
+  into.kind = shape.kind;
+  live_ += shape.size;
+  is_fragile_ = is_fragile_ || shape.is_loose;
 }
 
 void document::rewrite(std::uint32_t n, const std::wstring& text) {
   live_ -= lines_[n].size;
-  put(lines_[n], text, is(n, line_kind::more) ? 0 : none);
+  put(edit_line(n), text, indent_before(lines_[n].kind));
 }
 
 void document::end_line(std::uint32_t n) {
   // What goes on behind a "\" ends with an empty line.
-  while (n != none && lines_[n].content == lines_[n].size)
+  while (n != none && shape(n).content == lines_[n].size)
     rewrite(n, std::wstring(view(n)) + line_end_near(n));
 }
 
@@ -206,30 +237,22 @@ std::uint32_t document::insert(std::uint32_t after, const std::wstring& text, st
   const auto n = static_cast<std::uint32_t>(lines_.size());
   made.previous = after;
   made.next = after == none ? first_ : lines_[after].next;
-  made.last_twin = made.end = n;
+  made.last_twin = n;
   lines_.push_back(made);
-  (after == none ? first_ : lines_[after].next) = n;
-  (made.next == none ? last_ : lines_[made.next].previous) = n;
+  (after == none ? first_ : edit_line(after).next) = n;
+  (made.next == none ? last_ : edit_line(made.next).previous) = n;
   return n;
 }
 
 void document::insert_more(std::uint32_t n, const new_lines& made) {
-  for (const std::wstring& each : made.more) {
-    const std::uint32_t further = insert(lines_[n].end, each, lines_[n].indent);
-    lines_[n].end = further;
-  }
+  const std::uint32_t indent = shape(n).indent;
+  for (const std::wstring& each : made.more) n = insert(n, each, indent);
 }
 
 std::uint32_t document::insert_entry(std::uint32_t after, const new_lines& made, std::uint32_t section) {
   const std::uint32_t n = insert(after, made.line);
-  lines_[n].section = section;
   insert_more(n, made);
-  const std::wstring name = name_of(n);
-  const std::uint32_t twin = find_name(key_name(section, name));
-  if (twin == none)
-    add_name(n);
-  else
-    append_twin(twin, n);
+  take_entry(n, written_name(n), section);
   return n;
 }
 
@@ -237,31 +260,27 @@ std::uint32_t document::insert_header(const std::wstring& text) {
   end_line(last_);
   if (last_ != none && !is(last_, line_kind::blank)) insert(last_, line_end_near(last_));
   const std::uint32_t n = insert(last_, text);
-  lines_[n].section = static_cast<std::uint32_t>(sections_.size());
-  sections_.push_back({n, n});
-  add_name(n);
-  return lines_[n].section;
+  return take_header(n, written_name(n));
 }
 
-void document::unlink(std::uint32_t n) noexcept {
+void document::unlink(std::uint32_t n) {
   const kept_line& old = lines_[n];
   live_ -= old.size;
-  (old.previous == none ? first_ : lines_[old.previous].next) = old.next;
-  (old.next == none ? last_ : lines_[old.next].previous) = old.previous;
+  (old.previous == none ? first_ : edit_line(old.previous).next) = old.next;
+  (old.next == none ? last_ : edit_line(old.next).previous) = old.previous;
 }
 
-void document::unlink_more(std::uint32_t n) noexcept {
-  for (std::uint32_t each = n; each != lines_[n].end;) {
-    each = lines_[each].next;
-    if (is(each, line_kind::more)) unlink(each);
+void document::unlink_more(std::uint32_t n) {
+  for (const std::uint32_t end = end_of(n); n != end;) {
+    n = lines_[n].next;
+    if (is(n, line_kind::more)) unlink(n);
   }
-  lines_[n].end = n;
 }
 
-void document::unlink_entry(std::uint32_t n) noexcept {
+void document::unlink_entry(std::uint32_t n) {
   unlink_more(n);
-  std::uint32_t& tail = sections_[lines_[n].section].tail;
-  if (tail == n) {
+  if (sections_[lines_[n].section].tail == n) {
+    std::uint32_t& tail = edit_section(lines_[n].section).tail;
     do {
       tail = lines_[tail].previous;
     } while (tail != none && !is(tail, line_kind::entry) && !is(tail, line_kind::header));
@@ -270,7 +289,7 @@ void document::unlink_entry(std::uint32_t n) noexcept {
 }
 
 /// The comment right above the next section stays.
-void document::unlink_chunk(std::uint32_t header) noexcept {
+void document::unlink_chunk(std::uint32_t header) {
   std::uint32_t end = lines_[header].next;
   while (end != none && !is(end, line_kind::header)) end = lines_[end].next;
   while (end != none && is(lines_[end].previous, line_kind::comment)) end = lines_[end].previous;
@@ -288,17 +307,20 @@ void document::set(const std::wstring& section, const std::wstring& key,
   made.reserve(values.size());
   for (const std::wstring& each : values) made.push_back(new_entry(id, key, each, bytes));
   if (id == none) id = add_section(section, bytes);
-  for (const new_lines& each : made) sections_[id].tail = insert_entry(place_in(id), each, id);
+  for (const new_lines& each : made) {
+    const std::uint32_t added = insert_entry(place_in(id), each, id);
+    edit_section(id).tail = added;
+  }
 }
 
 void document::change_values(std::uint32_t first, const std::vector<std::wstring>& values,
                              const text_encoding& bytes) {
   const std::vector<std::uint32_t> old = counting(first);
-  const std::uint32_t section = lines_[first].section;
+  const std::uint32_t id = lines_[first].section;
   std::vector<new_lines> made(values.size());
   for (std::size_t n = 0; n < values.size(); ++n) {
     if (n >= old.size())
-      made[n] = new_entry(section, name_of(first), values[n], bytes);
+      made[n] = new_entry(id, name_of(first), values[n], bytes);
     else if (value_of(old[n]) != values[n])
       made[n] = changed_entry(old[n], values[n], bytes);
   }
@@ -311,13 +333,13 @@ void document::change_values(std::uint32_t first, const std::vector<std::wstring
   }
   for (std::size_t n = values.size(); n < old.size(); ++n) unlink_entry(old[n]);
   if (values.size() < old.size()) {
-    lines_[old[values.size() - 1]].twin = none;
-    lines_[first].last_twin = old[values.size() - 1];
+    edit_line(old[values.size() - 1]).twin = none;
+    edit_line(first).last_twin = old[values.size() - 1];
   }
   for (std::size_t n = old.size(); n < values.size(); ++n) {
     const std::uint32_t last = lines_[first].last_twin;
-    const std::uint32_t added = insert_entry(lines_[last].end, made[n], section);
-    if (sections_[section].tail == last) sections_[section].tail = added;
+    const std::uint32_t added = insert_entry(end_of(last), made[n], id);
+    if (sections_[id].tail == last) edit_section(id).tail = added;
   }
 }
 
@@ -327,8 +349,8 @@ std::uint32_t document::add_section(const std::wstring& name, const text_encodin
 
 void document::erase_key(std::uint32_t first) {
   const std::wstring name = name_of(first);
-  index_.erase(key_name(lines_[first].section, name), first);
   for (std::uint32_t n = first; n != none; n = lines_[n].twin) unlink_entry(n);
+  index_.erase(key_name(lines_[first].section, name), first);
 }
 
 void document::erase_section(std::uint32_t section) {
@@ -346,12 +368,12 @@ void document::rename_key(std::uint32_t first, const std::wstring& name, const t
   const std::wstring shown = rules().written_name(name);
   std::vector<std::wstring> made;
   for (std::uint32_t n = first; n != none; n = lines_[n].twin) {
-    const kept_line& old = lines_[n];
+    const line_shape old = shape(n);
     made.push_back(std::wstring(view(n).substr(0, old.name)) + shown);
     made.back() += view(n).substr(old.name + old.name_size);
     const bool is_section = rules().dialect().has_sections && name.starts_with(L'[');
     if (has_unprintable(shown) || is_section ||
-        !is_read_as({made.back(), {}}, name, rules().value_of(written_value(n))))
+        !is_read_as({made.back(), {}}, name, rules().value_of(value_in(view(n), old))))
       refuse(name, L"la clave no se puede escribir en este formato");
   }
   expect_writable(name, shown, bytes);
@@ -365,7 +387,7 @@ void document::rename_section(std::uint32_t section, const std::wstring& name, c
   if (there != none && there != section) refuse(name, L"la sección ya existe");
   std::vector<std::wstring> made;
   for (std::uint32_t n = sections_[section].header; n != none; n = lines_[n].twin) {
-    const kept_line& old = lines_[n];
+    const line_shape old = shape(n);
     made.push_back(header_line(std::wstring(view(n).substr(0, old.name)), name,
                                std::wstring(view(n).substr(old.name + old.name_size)), bytes));
   }
@@ -381,18 +403,16 @@ void document::set_comment(std::uint32_t n, const std::wstring& text, const text
 }
 
 bool document::reads_alike() const {
-  document again(grammar_);
-  again.text_ = text();
-  again.split();
+  const std::wstring all = text();
+  line_splitter again(rules(), all);
   std::uint32_t n = first_;
-  for (const kept_line& each : again.lines_) {
+  for (line_shape each; again.next(each); n = lines_[n].next) {
     if (n == none) return false;
-    const kept_line& own = lines_[n];
+    const line_shape own = shape(n);
     const bool is_same = own.kind == each.kind && own.size == each.size && own.name == each.name &&
                          own.name_size == each.name_size && own.value == each.value &&
                          own.value_size == each.value_size;
     if (!is_same) return false;
-    n = own.next;
   }
   return n == none;
 }

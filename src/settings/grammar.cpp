@@ -5,12 +5,14 @@
 #include "settings/grammar.hpp"
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "base/simd.hpp"
 #include "settings/escapes.hpp"
 
 namespace ruvo::settings {
@@ -18,6 +20,18 @@ namespace ruvo::settings {
 namespace {
 
 std::size_t line_end(std::wstring_view text, std::size_t at) noexcept {
+#ifdef KESTA_X64
+  if constexpr (texto::unit_16<wchar_t>) {
+    const __m128i line_feed = _mm_set1_epi16(L'\n'), carriage_return = _mm_set1_epi16(L'\r');
+    for (; text.size() - at >= 8; at += 8) {
+      const __m128i units = texto::load_16(text.data() + at);
+      const __m128i ends =
+          _mm_or_si128(_mm_cmpeq_epi16(units, line_feed), _mm_cmpeq_epi16(units, carriage_return));
+      const auto found = static_cast<unsigned>(_mm_movemask_epi8(ends));
+      if (found) return at + static_cast<std::size_t>(std::countr_zero(found)) / 2;
+    }
+  }
+#endif
   while (at < text.size() && !is_line_end(text[at])) ++at;
   return at;
 }
@@ -137,34 +151,31 @@ std::size_t grammar::closing(std::wstring_view text, std::size_t from, std::size
 // --- lines
 
 // A CR at the end goes together with an LF that may come to stand behind it.
-line_shape grammar::line_at(std::wstring_view text, std::uint32_t entry_indent) const {
-  line_shape made = shape_of(text, entry_indent);
+void grammar::read_line(line_shape& made, std::wstring_view text, std::uint32_t entry_indent) const {
+  read_shape(made, text, entry_indent);
   if (made.size == made.content + 1 && text[made.content] == L'\r') made.is_loose = true;
-  return made;
 }
 
-line_shape grammar::shape_of(std::wstring_view text, std::uint32_t entry_indent) const {
-  line_shape made;
+void grammar::read_shape(line_shape& made, std::wstring_view text, std::uint32_t entry_indent) const {
   const std::size_t end = line_end(text, 0), first = skip_blanks(text, 0, end);
   made.indent = offset(first);
   made.content = offset(end);
   made.size = offset(behind_line_end(text, end));
-  if (first == end) return made;
+  if (first == end) return;
   if (is(text[first], whole_comment)) {
     made.kind = line_kind::comment;
-    return made;
+    return;
   }
   const bool is_indented = dialect_.continuation == ini_continuation::indented;
   if (is_indented && entry_indent != none && first > entry_indent) {
     made.kind = line_kind::more;
     made.value = offset(first);
     made.value_size = offset(without_blanks(text, first, inline_end(text, first, end)) - first);
-    return made;
+    return;
   }
   made.is_loose = is_indented && first > 0;
-  if (dialect_.has_sections && text[first] == L'[' && read_header(made, text.substr(0, end))) return made;
+  if (dialect_.has_sections && text[first] == L'[' && read_header(made, text.substr(0, end))) return;
   read_entry(made, text);
-  return made;
 }
 
 bool grammar::read_header(line_shape& made, std::wstring_view line) const {
@@ -222,6 +233,17 @@ bool grammar::read_quoted(line_shape& made, std::wstring_view text, std::size_t 
   made.value_size = offset(close + 1 - at);
   made.content = offset(end);
   made.size = offset(behind_line_end(text, end));
+  return true;
+}
+
+bool line_splitter::next(line_shape& out) {
+  begin_ = end_;
+  if (begin_ == text_.size()) return false;
+  out = {};
+  rules_.read_line(out, text_.substr(begin_), entry_indent_);
+  if (out.kind == line_kind::header) entry_indent_ = none;
+  if (out.kind == line_kind::entry) entry_indent_ = out.indent;
+  end_ += out.size;
   return true;
 }
 

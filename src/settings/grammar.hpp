@@ -48,7 +48,13 @@ class grammar {
 
   /// The line at the beginning of the text, which is not empty. `entry_indent` is the indentation of the key
   /// before it in its section, if there is one.
-  line_shape line_at(std::wstring_view text, std::uint32_t entry_indent) const;
+  line_shape line_at(std::wstring_view text, std::uint32_t entry_indent) const {
+    line_shape made;
+    read_line(made, text, entry_indent);
+    return made;
+  }
+  /// The same where the shape is to be, which is still empty.
+  void read_line(line_shape& made, std::wstring_view text, std::uint32_t entry_indent) const;
 
   /// The name that is written so.
   std::wstring name_of(std::wstring_view written) const;
@@ -87,7 +93,7 @@ class grammar {
   std::size_t name_end(std::wstring_view text, std::size_t at, std::size_t end) const noexcept;
   std::size_t closing(std::wstring_view text, std::size_t from, std::size_t end) const noexcept;
 
-  line_shape shape_of(std::wstring_view text, std::uint32_t entry_indent) const;
+  void read_shape(line_shape& made, std::wstring_view text, std::uint32_t entry_indent) const;
   bool read_header(line_shape& made, std::wstring_view line) const;
   void read_entry(line_shape& made, std::wstring_view text) const;
   void read_value(line_shape& made, std::wstring_view text, std::size_t at) const;
@@ -97,6 +103,24 @@ class grammar {
   const ini_dialect dialect_;
   bool closes_first_ = false;  // whether the next quotation mark ends a quoted value, not that of the line
   std::array<std::uint8_t, 128> roles_{};
+};
+
+/// The lines of a text, one after the other.
+class line_splitter {
+ public:
+  /// Both are to outlive it.
+  line_splitter(const grammar& rules, std::wstring_view text) noexcept : rules_(rules), text_(text) {}
+
+  /// False behind the last line.
+  bool next(line_shape& out);
+  /// Where the line stands that next() gave.
+  std::size_t begin() const noexcept { return begin_; }
+
+ private:
+  const grammar& rules_;
+  const std::wstring_view text_;
+  std::size_t begin_ = 0, end_ = 0;
+  std::uint32_t entry_indent_ = none;  // of the entry before, in its section
 };
 
 }  // namespace ruvo::settings

@@ -19,30 +19,22 @@
 #include <utility>
 #include <vector>
 
+#include "exc/detail.hpp"
+#include "files/pieces.hpp"
 #include "settings/document.hpp"
 #include "settings/save_turn.hpp"
 #include "settings/text_encoding.hpp"
+#include "system/entry.hpp"
 #include "values/cell.hpp"
 
 namespace ruvo {
 
+using detail::succeeds;
 using settings::document;
 using settings::none;
 using settings::refuse;
 
 namespace {
-
-/// Runs the body and copies its failure to `err`; true is success.
-template <class Body>
-bool succeeds(exception& err, const Body& body) {
-  try {
-    body();
-    return true;
-  } catch (const exception& failure) {
-    failure.copy_on(&err);
-    return false;
-  }
-}
 
 std::wstring scalar_text(const std::wstring& key, const xvar& value) {
   if (value.is_null()) return {};
@@ -127,38 +119,39 @@ ini_file::~ini_file() = default;
 
 bool ini_file::parse(std::wstring_view text, exception& err) {
   return succeeds(err, [&] {
-    state made(state_->lines.shared_rules());
-    made.bytes.has_mark = !text.empty() && static_cast<char16_t>(text[0]) == 0xFEFF;
-    made.lines.parse(std::wstring(text.substr(made.bytes.has_mark ? 1 : 0)));
-    *state_ = std::move(made);
+    auto made = std::make_unique<state>(state_->lines.shared_rules());
+    made->bytes.has_mark = !text.empty() && static_cast<char16_t>(text[0]) == 0xFEFF;
+    made->lines.parse(std::wstring(text.substr(made->bytes.has_mark ? 1 : 0)));
+    state_ = std::move(made);
   });
 }
 
 bool ini_file::parse(std::string_view bytes, exception& err) {
   return succeeds(err, [&] {
-    state made(state_->lines.shared_rules());
-    made.lines.parse(settings::text_encoding::decode(bytes, made.bytes));
-    *state_ = std::move(made);
+    auto made = std::make_unique<state>(state_->lines.shared_rules());
+    made->lines.parse(settings::text_encoding::decode(bytes, made->bytes));
+    state_ = std::move(made);
   });
 }
 
 bool ini_file::read(const file& path, exception& err) {
   return succeeds(err, [&] {
-    state made(state_->lines.shared_rules());
+    auto made = std::make_unique<state>(state_->lines.shared_rules());
     exception failure;
-    if (!files::read(made.seen, path, failure)) failure.raise();
-    made.lines.parse(settings::text_encoding::decode(made.seen, made.bytes));
-    made.path = path;
-    made.was_there = true;
-    *state_ = std::move(made);
+    if (!files::read(made->seen, path, failure)) failure.raise();
+    made->lines.parse(settings::text_encoding::decode(made->seen, made->bytes));
+    made->path = path;
+    made->was_there = true;
+    state_ = std::move(made);
   });
 }
 
+// What may be there but cannot be looked at is read, which says why it cannot.
 bool ini_file::open(const file& path, exception& err) {
-  if (path.exists()) return read(path, err);
-  state made(state_->lines.shared_rules());
-  made.path = path;
-  *state_ = std::move(made);
+  if (!platform::is_missing(path)) return read(path, err);
+  auto made = std::make_unique<state>(state_->lines.shared_rules());
+  made->path = path;
+  state_ = std::move(made);
   return true;
 }
 
@@ -174,27 +167,27 @@ std::wstring ini_file::text() const {
 bool ini_file::bytes(std::string& out, exception& err) const {
   return succeeds(err, [&] {
     std::string made;
-    if (!state_->bytes.encode(made, state_->lines.text())) throw exc::BadFormat();
+    if (!state_->bytes.encode(made, state_->lines.parts())) throw exc::BadFormat();
     out = std::move(made);
   });
 }
 
 bool ini_file::save_to(const file& path, bool if_unchanged, exception& err) {
-  std::string made;
-  if (!bytes(made, err)) return false;
   return succeeds(err, [&] {
     if (path.empty()) throw exc::EmptyArgument(L"ruta");
+    std::string made;
+    exception failure;
+    if (!bytes(made, failure)) failure.raise();
     const settings::save_turn turn(path);
     if (if_unchanged) {
-      std::string now;
-      exception failure;
-      const bool is_there = path.exists();
       if (!turn) throw exc::fileOsStream(path);
+      std::string now;
+      const bool is_there = !platform::is_missing(path);
       if (is_there && !files::read(now, path, failure)) failure.raise();
       if (is_there != state_->was_there || now != state_->seen) throw exc::fileChanged(path);
     }
-    files::write(binary(made), path);
-    state_->path = path;
+    file written = files::write_pieces(path, [&](const files::put_piece& put) { put(made); });
+    state_->path = std::move(written);
     state_->seen = std::move(made);
     state_->was_there = true;
   });
@@ -277,20 +270,19 @@ bool ini_file::check(exception& err) const {
 
 // --- changes
 
-/// Where other lines could get another meaning, the change is tried on a copy.
+/// Tried on a copy is what changes the text as a whole, and what could give other lines another meaning.
 template <class Body>
-bool ini_file::change(const std::wstring& name, exception& err, const Body& body) {
+bool ini_file::change(const std::wstring& name, exception& err, const Body& body, bool is_local) {
   return succeeds(err, [&] {
     document& lines = state_->lines;
-    if (!lines.is_fragile()) {
-      body(lines);
+    if (is_local && !lines.is_fragile()) {
       lines.tidy();
-      return;
+      return lines.try_to([&] { body(lines); });
     }
     document made(lines);
-    body(made);
-    if (!made.reads_alike()) refuse(name, L"otras líneas se leerían de otro modo");
     made.tidy();
+    body(made);
+    if (lines.is_fragile() && !made.reads_alike()) refuse(name, L"otras líneas se leerían de otro modo");
     lines = std::move(made);
   });
 }
@@ -334,27 +326,27 @@ bool ini_file::erase(const std::wstring& section, const std::wstring& key, excep
 }
 
 bool ini_file::erase(const std::wstring& section, exception& err) {
-  return change(section, err, [&](document& lines) {
-    const std::uint32_t id = lines.find_section(section);
-    if (id != none) lines.erase_section(id);
-  });
+  const auto erase = [&](document& lines) { lines.erase_section(lines.find_section(section)); };
+  return !has(section) || change(section, err, erase, false);
 }
 
 bool ini_file::rename(const std::wstring& section, const std::wstring& key, const std::wstring& name,
                       exception& err) {
-  return change(key, err, [&](document& lines) {
+  const auto rename = [&](document& lines) {
     const std::uint32_t first = lines.find(section, key);
     if (first == none) refuse(key, L"la clave no existe");
     lines.rename_key(first, name, state_->bytes);
-  });
+  };
+  return change(key, err, rename, false);
 }
 
 bool ini_file::rename(const std::wstring& section, const std::wstring& name, exception& err) {
-  return change(section, err, [&](document& lines) {
+  const auto rename = [&](document& lines) {
     const std::uint32_t id = lines.find_section(section);
     if (id == none || id == document::top) refuse(section, L"la sección no existe");
     lines.rename_section(id, name, state_->bytes);
-  });
+  };
+  return change(section, err, rename, false);
 }
 
 bool ini_file::set_comment(const std::wstring& section, const std::wstring& key, const std::wstring& text,

@@ -25,7 +25,7 @@ class folded_name {
       : folded_(is_exact ? std::wstring_view() : name),
         text_(is_exact ? name : folded_.view()),
         owner_(owner),
-        hash_(detail::hash_units(text_) + owner * 0x9E3779B9u) {}
+        hash_(detail::hash_units(text_)) {}
 
   std::wstring_view text() const noexcept { return text_; }
   std::uint32_t owner() const noexcept { return owner_; }
@@ -37,29 +37,27 @@ class folded_name {
   const std::uint32_t owner_, hash_;
 };
 
+/// A table for each owner: names that are used together stand together, and stay in the processor's cache.
 class name_index {
  public:
-  /// Forgets all, and has room for so many names.
-  void clear(std::size_t names);
-  /// Whether it has to be made anew, with more room.
-  bool is_full() const noexcept { return 8 * used_ >= 5 * slots_.size(); }
-
   /// What was added under the name, or none. `is_it` compares the name with that of what has its hash.
   template <class IsIt>
   std::uint32_t find(const folded_name& name, const IsIt& is_it) const {
-    for (std::size_t n = 0; n < most_tries; ++n) {
-      const slot& each = slots_[(name.hash() + n) & (slots_.size() - 1)];
-      if (each.what == none) return none;
+    if (name.owner() >= tables_.size()) return none;
+    const std::vector<slot>& slots = tables_[name.owner()].slots;
+    for (std::size_t n = 0; n < most_tries && !slots.empty(); ++n) {
+      const slot& each = slots[(name.hash() + n) & (slots.size() - 1)];
+      if (each.what == none) break;
       if (each.what != gone && each.hash == name.hash() && is_it(each.what)) return each.what;
     }
-    if (crowded_.empty()) return none;
-    const auto found = crowded_.find({name.owner(), std::wstring(name.text())});
-    return found == crowded_.end() ? none : found->second;
+    return crowded_.empty() ? none : find_crowded(name);
   }
-  /// The name is not there yet, and there is room.
+  /// The name is not there yet. Owners are numbered without gaps.
   void add(const folded_name& name, std::uint32_t what);
   /// Removes what was added under the name.
   void erase(const folded_name& name, std::uint32_t what);
+  /// Removes what was added from the number on.
+  void erase_from(std::uint32_t what) noexcept;
 
  private:
   static constexpr std::uint32_t gone = none - 1;
@@ -67,9 +65,17 @@ class name_index {
   struct slot {
     std::uint32_t hash = 0, what = none;
   };
+  struct table {
+    std::vector<slot> slots{};  // a power of two, of which some are free
+    std::size_t used = 0;       // those of which something was removed included
 
-  std::vector<slot> slots_;  // a power of two
-  std::size_t used_ = 0;     // those of which something was removed included
+    void make_room();
+    slot* place_for(std::uint32_t hash) noexcept;
+  };
+
+  std::uint32_t find_crowded(const folded_name& name) const;
+
+  std::vector<table> tables_;
   std::map<std::pair<std::uint32_t, std::wstring>, std::uint32_t> crowded_;  // without a slot near their hash
 };
 

@@ -6,7 +6,6 @@
 
 #include <chrono>
 #include <ctime>
-#include <new>
 #include <thread>
 
 #include "files/names.hpp"
@@ -16,7 +15,7 @@ namespace ruvo::settings {
 
 namespace {
 
-/// Whether the process that made it is gone: a turn takes a moment. What is held cannot be removed anyway
+/// Whether the system that held it is gone: a turn takes a moment. What is held cannot be removed anyway
 /// where the system knows who holds a file.
 bool is_left_over(const platform::entry_facts& found) {
   constexpr long long oldest = 60;  // seconds
@@ -40,20 +39,14 @@ save_turn::save_turn(const file& of) : path_(files::sibling(of, L"~" + of.get_na
 }
 
 bool save_turn::take() {
-  held_.emplace(path_, platform::open_file::to_create);
-  if (*held_ && held_->keep()) return true;
+  held_.emplace(path_, platform::open_file::to_hold);
+  if (*held_) return true;
   held_.reset();
   return false;
 }
 
 save_turn::~save_turn() {
-  if (!held_) return;
-  held_->close();
-  try {
-    platform::remove_file(path_);
-  } catch (const std::bad_alloc&) {
-    // It is left over.
-  }
+  if (held_) held_->close();
 }
 
 }  // namespace ruvo::settings

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/charset.hpp"
 #include "base/utf.hpp"
@@ -20,7 +21,9 @@ namespace {
 
 constexpr std::string_view utf_8_mark = "\xEF\xBB\xBF", little_mark = "\xFF\xFE", big_mark = "\xFE\xFF";
 constexpr char16_t first_escape = 0xDC80, last_escape = 0xDCFF;  // of bytes that are no UTF-8
+constexpr wchar_t byte_order_mark = 0xFEFF;
 constexpr std::size_t npos = std::wstring_view::npos;
+constexpr std::size_t room_to_grow = 4096;  // so that the first change does not move all
 
 constexpr char16_t unit_at(std::wstring_view text, std::size_t at) noexcept {
   return static_cast<char16_t>(text[at]);
@@ -142,7 +145,11 @@ std::wstring text_encoding::decode(std::string_view bytes, text_encoding& how) {
   how.has_mark = bytes.starts_with(utf_8_mark);
   if (how.has_mark) bytes.remove_prefix(utf_8_mark.size());
   std::wstring out;
-  if (texto::decode_charset(out, bytes, L"utf-8") == texto::charset_result::good) return out;
+  if (texto::find_malformed(bytes, 0).at == npos) {
+    out.reserve(bytes.size() + room_to_grow);
+    texto::append_utf_16(out, bytes);
+    return out;
+  }
   if (how.has_mark) {
     how.is_damaged_ = true;
     return from_damaged(bytes);
@@ -152,27 +159,44 @@ std::wstring text_encoding::decode(std::string_view bytes, text_encoding& how) {
   return out;
 }
 
-bool text_encoding::encode(std::string& out, std::wstring_view text) const {
+bool text_encoding::encode(std::string& out, const std::vector<std::wstring_view>& parts) const {
+  std::size_t units = 0;
+  for (const std::wstring_view each : parts) units += each.size();
   out.clear();
-  if (kind == ini_encoding::utf_16_le || kind == ini_encoding::utf_16_be) {
-    const bool is_big = kind == ini_encoding::utf_16_be;
-    out += is_big ? big_mark : little_mark;
-    append_utf_16_bytes(out, text, is_big);
-    out += tail_;
-    return true;
-  }
+  out.reserve(units + units / 8 + room_to_grow);
+  if (kind == ini_encoding::ansi) return encode_ansi(out, parts);
   if (kind == ini_encoding::utf_8) {
-    if (!is_damaged_ && unwritable(text) != npos) return false;  // half a surrogate pair
     // Without a mark before it, what looks like one would be taken for it.
-    if (has_mark || (!text.empty() && unit_at(text, 0) == 0xFEFF)) out += utf_8_mark;
-    out += is_damaged_ ? to_damaged(text) : texto::to_utf_8(text);
+    if (has_mark || (!parts.empty() && parts[0].starts_with(byte_order_mark))) out += utf_8_mark;
+    return std::all_of(parts.begin(), parts.end(),
+                       [&](std::wstring_view each) { return encode_utf_8(out, each); });
+  }
+  const bool is_big = kind == ini_encoding::utf_16_be;
+  out += is_big ? big_mark : little_mark;
+  for (const std::wstring_view each : parts) append_utf_16_bytes(out, each, is_big);
+  out += tail_;
+  return true;
+}
+
+/// False where half a surrogate pair is left alone.
+bool text_encoding::encode_utf_8(std::string& out, std::wstring_view part) const {
+  if (is_damaged_) {
+    out += to_damaged(part);
     return true;
   }
-  out.reserve(text.size());
+  const std::size_t begin = out.size();
+  texto::append_utf_8(out, part);
+  const bool is_ascii = out.size() - begin == part.size();
+  return is_ascii || unwritable(part) == npos;
+}
+
+bool text_encoding::encode_ansi(std::string& out, const std::vector<std::wstring_view>& parts) const {
   bool is_ascii = true;
-  for (std::size_t n = 0; n < text.size(); ++n) {
-    is_ascii = is_ascii && unit_at(text, n) < 128;
-    out.push_back(static_cast<char>(ansi_byte(unit_at(text, n))));
+  for (const std::wstring_view part : parts) {
+    for (std::size_t n = 0; n < part.size(); ++n) {
+      is_ascii = is_ascii && unit_at(part, n) < 128;
+      out.push_back(static_cast<char>(ansi_byte(unit_at(part, n))));
+    }
   }
   if (is_ascii) return true;
   text_encoding seen;

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace ruvo::settings {
 
@@ -19,14 +20,18 @@ class text_encoding {
 
   /// The text of the bytes, and how they were written.
   static std::wstring decode(std::string_view bytes, text_encoding& how);
-  /// False where the bytes would be decoded in another way, or a character has none.
-  bool encode(std::string& out, std::wstring_view text) const;
+  /// The bytes of the lines that the parts consist of. False where they would be decoded in another way, or a
+  /// character has none.
+  bool encode(std::string& out, const std::vector<std::wstring_view>& parts) const;
   /// Where the first character stands that has no bytes; npos where all have.
   std::size_t unwritable(std::wstring_view text) const noexcept;
   /// Whether no odd byte is left over.
   bool is_whole() const noexcept { return tail_.empty(); }
 
  private:
+  bool encode_utf_8(std::string& out, std::wstring_view part) const;
+  bool encode_ansi(std::string& out, const std::vector<std::wstring_view>& parts) const;
+
   bool is_damaged_ = false;  // behind the mark of UTF-8 stood bytes that are none: units from U+DC80 on
   std::string tail_;         // the odd byte behind UTF-16
 };

@@ -18,10 +18,11 @@ struct new_file_facts {
 };
 
 /// A file opened to be read, or a new one to be written, which nobody else may write or remove meanwhile, and
-/// which where the system can vanishes with the process until it is kept.
+/// which where the system can vanishes with the process until it is kept. One that is only held goes when it
+/// is closed.
 class open_file {
  public:
-  enum mode { to_read, to_create };
+  enum mode { to_read, to_create, to_hold };
 
   /// A new file has the rights of the one at `like`, and is encrypted if that one is.
   open_file(const std::wstring& path, mode how, const std::wstring& like = {});

@@ -6,6 +6,7 @@
 #include "system/file.hpp"
 
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
@@ -37,9 +38,10 @@ bool step_fails() {
 }  // namespace
 
 open_file::open_file(const std::wstring& path, mode how, const std::wstring& like) {
-  const int flags = how == to_create ? O_WRONLY | O_CREAT | O_EXCL : O_RDONLY;
+  const int flags = how == to_read ? O_RDONLY : O_WRONLY | O_CREAT | O_EXCL;
   entry_facts there;
-  if (how == to_create ? step_fails() : read_facts(path, links::follow, there) && there.is_folder) return;
+  if (how != to_read ? step_fails() : read_facts(path, links::follow, there) && there.is_folder) return;
+  is_marked_ = how == to_hold;
   file_ = handle(handle_of(open(host_name(path).c_str(), flags | O_CLOEXEC, 0666)));
   struct stat found;
   if (file_ && !like.empty() && stat(host_name(like).c_str(), &found) == 0)
@@ -101,7 +103,13 @@ bool open_file::keep() noexcept { return true; }
 
 bool open_file::flush() noexcept { return !step_fails() && fsync(descriptor_of(file_.get())) == 0; }
 
-bool open_file::close() noexcept { return !step_fails() && file_.close(); }
+bool open_file::close() noexcept {
+  char name[PATH_MAX];
+  const std::string link = "/proc/self/fd/" + std::to_string(is_marked_ ? descriptor_of(file_.get()) : -1);
+  const ssize_t size = readlink(link.c_str(), name, sizeof name - 1);
+  if (size > 0) unlink(std::string(name, static_cast<std::size_t>(size)).c_str());
+  return !step_fails() && file_.close();
+}
 
 bool copy_content(const std::wstring& from, const std::wstring& to) {
   std::error_code error;

@@ -432,6 +432,75 @@ TEST_F(allocation, layers_and_sets_stay_as_they_were) {
   EXPECT_GT(allocations, 10);
 }
 
+TEST_F(allocation, settings_change_whole_or_not_at_all) {
+  using ruvo::ini_file;
+  const std::wstring section = L"a section of some length", key = L"Clave " + std::wstring(70, L'x');
+  std::wstring text = L"[b]\n;c\n" + key + L"=a value of some length\n[" + section + L"]\n";
+  for (wchar_t c = 0; c < 36; ++c) text += {static_cast<wchar_t>(0x4E00 + c), L'=', L'\n'};
+  text.pop_back();  // and 40 names are as many as the first table holds
+  ruvo::ini_dialect indented = ruvo::ini_dialect::python(), repeated;
+  repeated.duplicates = ruvo::ini_duplicates::list;
+  ruvo::exception failure;
+  const std::function<bool(ini_file&)> changes[] = {
+      [&](ini_file& to) { return to.set(L"b", key, L"another value of some length", failure); },
+      [&](ini_file& to) { return to.set(section, key, L"1", failure); },
+      [&](ini_file& to) { return to.set(L"another section of some length", key, L"1", failure); },
+      [&](ini_file& to) {
+        return to.set(L"b", L"many", list{L"a text of some length", 2, 3}, failure);
+      },
+      [&](ini_file& to) { return to.set(L"b", key, L"one\ntwo", failure); },
+      [&](ini_file& to) { return to.set_comment(L"b", key, L"first\nsecond", failure); },
+      [&](ini_file& to) { return to.erase(L"b", key, failure); },
+      [&](ini_file& to) { return to.erase(L"b", failure); },
+      [&](ini_file& to) { return to.rename(L"b", key, L"another name of some length", failure); },
+      [&](ini_file& to) { return to.rename(L"b", L"another section of some length", failure); },
+      [&](ini_file& to) {
+        return to.set(bundle{{L"n", bundle{{L"k", 1}}}}, failure);
+      },
+      [&](ini_file& to) { return to.parse(std::string_view("a=1"), failure); }};
+  for (const ruvo::ini_dialect& dialect : {indented, repeated}) {
+    ini_file before(dialect);
+    ASSERT_TRUE(before.parse(std::wstring_view(text), failure));
+    for (const auto& change : changes) {
+      ini_file done(before), now(before);
+      if (!change(done)) continue;  // what this dialect has no way to write
+      const long long allocations =
+          fail_everywhere([&] { change(now); },
+                          [&] {
+                            ini_file again(dialect);
+                            bundle found, read;
+                            EXPECT_TRUE(again.parse(std::wstring_view(now.text()), failure));
+                            EXPECT_TRUE(now.to_bundle(found, failure) && again.to_bundle(read, failure));
+                            EXPECT_EQ(found.to_string(), read.to_string());
+                            EXPECT_TRUE(now.text() == done.text() || now.text() == text);
+                            now = before;
+                          });
+      EXPECT_GT(allocations, 3);
+    }
+  }
+}
+
+TEST_F(allocation, settings_are_saved_whole_or_not_at_all) {
+  const ruvo::file place(L"memory_test.ini");
+  ruvo::exception failure;
+  ruvo::ini_file file;
+  const auto content = [&] { return ruvo::files::read(place).to_string(); };
+  int count = 0;
+  for (const bool checks : {true, false}) {
+    ruvo::files::write(L"a=a value of some length\r\n", place);
+    const std::wstring before = content();
+    ASSERT_TRUE(file.read(place, failure) && file.set(L"", L"b", ++count, failure));
+    fail_everywhere(
+        [&] {
+          ruvo::ini_file read;
+          return read.open(place, failure) && (checks ? file.save_if_unchanged(failure) : file.save(failure));
+        },
+        [&] { EXPECT_TRUE(content() == before || file.save_if_unchanged(failure)); });
+    EXPECT_NE(content(), before);
+  }
+  place.erase();
+}
+
 TEST_F(allocation, nothing_is_left_behind) {
   const auto work = [&] {
     bundle b;

@@ -5,7 +5,9 @@
 #include <ruvo/ini.hpp>
 #include <ruvo/ruvo.hpp>
 
+#include <filesystem>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -267,6 +269,14 @@ TEST_F(ini_on_disk, saves_and_notices_others) {
   exception failure;
   ini_file first, second;
   EXPECT_FALSE(first.read(place, failure) || first.save(failure));
+  std::error_code refused;  // where the system makes no links
+  std::filesystem::create_symlink("loop", native(path(L"loop")), refused);
+  if (!refused) {
+    const ruvo::file beyond = path(L"loop\\x.ini");  // which nobody can look for
+    EXPECT_FALSE(first.open(beyond, failure));
+    EXPECT_EQ(failure, ruvo::exc::fileOsStream(beyond));
+    std::filesystem::remove(native(path(L"loop")));
+  }
   EXPECT_TRUE(first.open(place, failure) && second.open(place, failure));
   EXPECT_TRUE(first.set(L"s", L"a", 1, failure) && first.save_if_unchanged(failure));
   EXPECT_EQ(get(place), "[s]\r\na=1\r\n");

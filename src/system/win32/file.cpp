@@ -46,11 +46,11 @@ bool mark_for_deletion(HANDLE file, bool marked) noexcept {
 
 // What is marked for deletion goes when its last handle is closed, also by the end of the process.
 open_file::open_file(const std::wstring& path, mode how, const std::wstring& like) {
-  const bool creates = how == to_create;
+  const bool creates = how != to_read;
   SECURITY_ATTRIBUTES security{sizeof security, nullptr, FALSE};
   std::vector<unsigned char> rights;
   const std::wstring name = system_path(path);
-  DWORD flags = FILE_FLAG_SEQUENTIAL_SCAN | guard_for(name);
+  DWORD flags = (how == to_hold ? FILE_FLAG_DELETE_ON_CLOSE : FILE_FLAG_SEQUENTIAL_SCAN) | guard_for(name);
   if (creates && !like.empty()) {
     rights = rights_of(like);
     if (!rights.empty()) security.lpSecurityDescriptor = rights.data();
@@ -60,7 +60,7 @@ open_file::open_file(const std::wstring& path, mode how, const std::wstring& lik
                              creates ? FILE_SHARE_READ : shared_with_all, creates ? &security : nullptr,
                              creates ? CREATE_NEW : OPEN_EXISTING,
                              creates ? flags | FILE_FLAG_OPEN_REPARSE_POINT : flags, nullptr));
-  if (creates && file_) is_marked_ = mark_for_deletion(file_.get(), true);
+  if (how == to_create && file_) is_marked_ = mark_for_deletion(file_.get(), true);
 }
 
 bool open_file::size(unsigned long long& out) const noexcept {
