@@ -9,6 +9,7 @@
 
 #include "base/utf.hpp"
 #include "texto/nfa/program.hpp"
+#include "texto/open_ways.hpp"
 
 namespace ruvo::texto::nfa {
 
@@ -37,20 +38,7 @@ class program_analyser {
 
  private:
   first_set first(std::uint32_t pc) {
-    first_set all;
-    ways_.assign(1, pc);
-    for (std::size_t i = 0; i < ways_.size(); ++i) {
-      if (i == most_ways) {
-        all.add_all();
-        break;
-      }
-      add_first(all, ways_[i]);
-    }
-    return all;
-  }
-
-  void go_on(std::uint32_t pc) {
-    if (std::find(ways_.begin(), ways_.end(), pc) == ways_.end()) ways_.push_back(pc);
+    return ways_.first<first_set>(pc, [this](first_set& all, std::uint32_t at) { add_first(all, at); });
   }
 
   void add_first(first_set& all, std::uint32_t pc) {
@@ -60,18 +48,18 @@ class program_analyser {
       case opcode::set:
         return all.add(rough(each));
       case opcode::fork:
-        go_on(each.x);
-        return go_on(each.y);
+        ways_.go_on(each.x);
+        return ways_.go_on(each.y);
       case opcode::jump:
-        return go_on(each.x);
+        return ways_.go_on(each.x);
       case opcode::save:
-        return go_on(pc + 1);
+        return ways_.go_on(pc + 1);
       case opcode::match:
         all.match = true;
         return;
       default:
         all.asserts = true;
-        return go_on(pc + 1);
+        return ways_.go_on(pc + 1);
     }
   }
 
@@ -133,7 +121,7 @@ class program_analyser {
   }
 
   program& program_;
-  std::vector<std::uint32_t> ways_;
+  open_ways ways_{most_ways};
 };
 
 }  // namespace

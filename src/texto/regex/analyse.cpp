@@ -2,11 +2,10 @@
 
 // What can come first at each place of a program.
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
+#include "texto/open_ways.hpp"
 #include "texto/regex/compile.hpp"
 
 namespace ruvo::texto::regex {
@@ -54,20 +53,7 @@ class analyser {
   }
 
   first_set first(std::uint32_t pc) {
-    first_set all;
-    ways_.assign(1, pc);
-    for (std::size_t i = 0; i < ways_.size(); ++i) {
-      if (i == most_ways) {
-        all.add_all();
-        break;
-      }
-      add_first(all, ways_[i]);
-    }
-    return all;
-  }
-
-  void go_on(std::uint32_t pc) {
-    if (std::find(ways_.begin(), ways_.end(), pc) == ways_.end()) ways_.push_back(pc);
+    return ways_.first<first_set>(pc, [this](first_set& all, std::uint32_t at) { add_first(all, at); });
   }
 
   void add_first(first_set& all, std::uint32_t pc) {
@@ -79,21 +65,21 @@ class analyser {
         return all.add(program_.sets[each.x].rough());
       case opcode::loop:
         all.add(program_.sets[program_.loops[each.x].set].rough());
-        if (program_.loops[each.x].least == 0) go_on(pc + 1);
+        if (program_.loops[each.x].least == 0) ways_.go_on(pc + 1);
         return;
       case opcode::fork:
         return add_fork(all, pc, program_.forks[each.x]);
       case opcode::leave_if_empty:
-        go_on(each.y);
-        return go_on(pc + 1);
+        ways_.go_on(each.y);
+        return ways_.go_on(pc + 1);
       case opcode::jump:
-        return go_on(each.x);
+        return ways_.go_on(each.x);
       case opcode::look_ahead:
-        return go_on(program_.looks[each.x].after);
+        return ways_.go_on(program_.looks[each.x].after);
       case opcode::save:
       case opcode::text_begin:
       case opcode::word_limit:
-        return go_on(pc + 1);
+        return ways_.go_on(pc + 1);
       case opcode::text_end:
         all.end = true;
         return;
@@ -109,8 +95,8 @@ class analyser {
 
   void add_fork(first_set& all, std::uint32_t pc, const fork& each) {
     if (pc < known_) {
-      go_on(each.other);
-      return go_on(pc + 1);
+      ways_.go_on(each.other);
+      return ways_.go_on(pc + 1);
     }
     for (const first_set* way : {&each.first_next, &each.first_other}) {
       all.add(*way);
@@ -131,7 +117,7 @@ class analyser {
   static constexpr std::size_t most_ways = 48;
 
   program& program_;
-  std::vector<std::uint32_t> ways_;
+  open_ways ways_{most_ways};
   std::uint32_t known_ = none;  // the forks from here on are filled in
 };
 
