@@ -3,9 +3,11 @@
 // Sets of values and of texts: their orders, and what they are as lists.
 
 #include <ruvo/bundle.hpp>
+#include <ruvo/datetime.hpp>
 #include <ruvo/memo.hpp>
 #include <ruvo/set.hpp>
 #include <ruvo/texto/words.hpp>
+#include <ruvo/times.hpp>
 
 #include <algorithm>
 #include <iterator>
@@ -41,9 +43,10 @@ class shown_text {
                                      ? texto::print_unsigned(digits_, static_cast<unsigned long long>(number))
                                      : texto::print_integer(digits_, number);
       text_ = {digits_, static_cast<std::size_t>(end - digits_)};
+    } else if (cell::kind_of(v) == kind::datetime) {
+      text_ = made_ = var(datetime(cell::integer(v), times::GMT)).to_string();  // whatever the zone is now
     } else {
-      made_ = v.to_string();
-      text_ = made_;
+      text_ = made_ = v.to_string();
     }
   }
   shown_text(const shown_text&) = delete;
@@ -74,7 +77,7 @@ bool comes_before(const var& a, const var& b, bool any_case) {
   return order != 0 ? order < 0 : !cell::is_text(a) && cell::is_text(b);
 }
 
-bool same_in_lists(const xvar& a, const xvar& b) {
+bool same_values(const xvar& a, const xvar& b) {
   const detail::value_order before;
   return !before(a, b) && !before(b, a);
 }
@@ -228,7 +231,7 @@ set::operator list() const { return list_of(values_); }
 set::operator xvar() const { return stored_form(values_); }
 std::wstring set::to_string() const { return operator list().to_string(); }
 bool set::operator==(const set& other) const {
-  return size() == other.size() && std::equal(begin(), end(), other.begin(), same_in_lists);
+  return size() == other.size() && std::equal(begin(), end(), other.begin(), same_values);
 }
 bool set::operator<(const set& other) const {
   return std::lexicographical_compare(begin(), end(), other.begin(), other.end(), detail::value_order());
@@ -315,7 +318,7 @@ void cap_set::set_capacity(size_type capacity) {
   while (values_.size() > capacity_) {
     const const_iterator oldest = std::prev(values_.cend());
     auto place = places_.find(oldest);
-    // Where the text of a moment has changed with the context's zone, values stand out of order.
+    // Where a local date's text has changed with the context's zone, values stand out of order.
     if (place == places_.end() || *place != oldest) place = std::find(places_.begin(), places_.end(), oldest);
     places_.erase(place);
     values_.erase(oldest);
@@ -342,7 +345,7 @@ cap_set::operator list() const { return list_of(values_); }
 cap_set::operator xvar() const { return stored_form(values_); }
 std::wstring cap_set::to_string() const { return operator list().to_string(); }
 bool cap_set::operator==(const cap_set& other) const {
-  return size() == other.size() && std::equal(begin(), end(), other.begin(), same_in_lists);
+  return size() == other.size() && std::equal(begin(), end(), other.begin(), same_values);
 }
 bool cap_set::operator<(const cap_set& other) const {
   return std::lexicographical_compare(begin(), end(), other.begin(), other.end(), detail::value_order());

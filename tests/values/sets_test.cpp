@@ -210,11 +210,16 @@ TEST(set, operations_and_explanations) {
   EXPECT_EQ(own.to_string(), L"[[2],2]");
   ruvo::fake_context fake;
   const ruvo::thread_scope scope(fake);
-  cap_set moments;
-  for (const long long day : {45, 30, 45}) moments.insert(datetime(day * 86400 + 84600, ruvo::times::LOCAL));
+  cap_set moments, rows;
+  for (const long long day : {45, 30, 45}) {
+    const datetime local(day * 86400 + 84600, ruvo::times::LOCAL);
+    moments.insert(local);
+    rows.insert(list{local});
+  }
   fake.zone_offset = 3600;  // the 31st of January is now the first of February, before the 16th
-  moments.set_capacity(1);
-  EXPECT_EQ(moments.to_string(), L"[16-02-1970 00:30:00]");
+  for (const long long day : {45, 30}) EXPECT_TRUE(moments.contains(datetime(day * 86400 + 84600)));
+  rows.set_capacity(1);
+  EXPECT_EQ(rows.to_string(), L"[[16-02-1970 00:30:00]]");
   EXPECT_EQ(all.explain(5U), L"Está como un número entero.");
   EXPECT_EQ(all.explain(L"5"), L"No está como un texto; sí como un número entero.");
   EXPECT_EQ(ruvo::set{L"5"}.explain(5), L"No está como un número entero; sí como un texto.");
