@@ -180,6 +180,16 @@ void records(bench::table& table) {
   compare(
       table, "copy, destroy", "20 entries", [&](int) { bench::use(ruvo::bundle(own)); },
       [&](int) { bench::use(boost::json::object(peer)); });
+
+  ruvo::bundle merged(own);
+  table.row("merge", "the same 20 keys", {repeats, bench::amount::operations},
+            {repeated("kesta",
+                      [&](int) {
+                        ruvo::bundles::merge(merged, own);
+                        bench::use(merged);
+                      }),
+             repeated("copy", [&](int) { bench::use(ruvo::bundle(own)); })},
+            {{"copy", 0.9}});
 }
 
 /// "codigo_postal" as "Codigo_Postal".

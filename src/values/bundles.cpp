@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -17,6 +18,7 @@
 #include "values/cell.hpp"
 #include "values/folded_key.hpp"
 #include "values/paths.hpp"
+#include "values/walk.hpp"
 
 namespace ruvo::bundles {
 
@@ -31,11 +33,59 @@ using detail::kind;
 bool holds_bundle(const var& value) noexcept { return cell::kind_of(value) == kind::bundle; }
 bool holds_list(const var& value) noexcept { return cell::kind_of(value) == kind::list; }
 
-/// The value of the entry's key in a bundle, or null.
-xvar* value_in(const bundle& in, const bundle::entry& item) noexcept {
+/// The value of the entry's key in a bundle, or null. Records of one kind have it in the same position.
+xvar* value_in(const bundle& in, const bundle::entry& item, std::size_t position) noexcept {
   const bundle_store* const store = bundle_access::store(in);
-  bundle::entry* const found = store ? store->find(key_view(*bundle_store::key_of(&item))) : nullptr;
+  if (!store) return nullptr;
+  const detail::shared_key* const key = bundle_store::key_of(&item);
+  if (position < store->size()) {
+    bundle::entry* const there = store->nth(position);
+    if (bundle_store::key_of(there) == key) return &there->second;
+  }
+  bundle::entry* const found = store->find(key_view(*key));
   return found ? &found->second : nullptr;
+}
+
+/// Whether `wanted` may be `in` or in it: where more than `most` values would have to be looked at, it may.
+bool may_hold(const bundle& in, const bundle& wanted, std::size_t& most) {
+  struct visitor : detail::visitor {
+    const bundle* wanted = nullptr;
+    std::size_t* most = nullptr;
+    detail::walk<> all{};
+    bool found = false;
+
+    void element(const detail::walk<>::frame&, const xvar& value) { look_around(value); }
+    void member(const detail::walk<>::frame&, const std::wstring&, const xvar& value) { look_around(value); }
+    void quality(const detail::walk<>::frame&, const std::wstring&, const var& value) { look(value); }
+    void look_around(const xvar& value) {
+      if (value.is_qualified()) all.open(value.get_qualities());
+      look(value);
+    }
+    void look(const var& value) {
+      if (*most == 0 || (holds_bundle(value) && &cell::as_bundle(value) == wanted)) {
+        found = true;
+        return all.stop();
+      }
+      --*most;
+      if (cell::is_container(value)) all.open_held(value);
+    }
+  } looking;
+  if (&in == &wanted) return true;
+  looking.wanted = &wanted;
+  looking.most = &most;
+  looking.all.open(in);
+  looking.all.run(looking);
+  return looking.found;
+}
+
+/// Whether neither of both can be a part of the other, as far as a look at about as many values shows as the
+/// source has.
+bool are_apart(const bundle& target, const bundle& source) {
+  std::size_t most = (std::numeric_limits<std::size_t>::max)() / 2;
+  const std::size_t before = most;
+  if (may_hold(source, target, most)) return false;
+  most = 2 * (before - most) + 16;
+  return !may_hold(target, source, most);
 }
 
 /// A bundle of the source, and where its values go.
@@ -47,12 +97,13 @@ struct open_bundle {
   xvar made{};           // what has `to`, when that has no place in the target yet
 };
 
-/// Moves the values of one bundle into another, whose places are kept on a stack of its own.
+/// Copies or moves the values of one bundle into another, whose places are kept on a stack of its own.
 class merger {
  public:
-  merger(imerged_filter* filter, wchar_t separator) noexcept : filter_(filter), separator_(separator) {}
+  merger(imerged_filter* filter, wchar_t separator, bool moves) noexcept
+      : filter_(filter), separator_(separator), moves_(moves) {}
 
-  void run(bundle& target, bundle& source) {
+  void run(bundle& target, const bundle& source) {
     open(target, source);
     while (!open_.empty()) {
       open_bundle& f = open_.top();
@@ -77,12 +128,17 @@ class merger {
   }
 
   void take(open_bundle& f, bundle::entry& item) {
-    if (xvar* const there = value_in(*f.to, item)) return settle(*there, item.second);
-    add(f, item).swap(item.second);
+    if (xvar* const there = value_in(*f.to, item, f.taken - 1)) return settle(*there, item.second);
+    if (moves_) return add(f, item).swap(item.second);
+    xvar copy(item.second);  // first, as there may be no memory for it
+    add(f, item).swap(copy);
   }
   void settle(xvar& there, xvar& value) {
     if (!value.is_null() && !(holds_bundle(there) && holds_bundle(value))) {
-      there = std::move(value);
+      if (moves_)
+        there = std::move(value);
+      else
+        there = static_cast<const xvar&>(value);
       return;
     }
     there.add_qualities(value.get_qualities());
@@ -97,7 +153,7 @@ class merger {
   void ask(open_bundle& f, bundle::entry& item) {
     path_.resize(f.path);
     path_ += item.first;
-    xvar* const there = value_in(*f.to, item);
+    xvar* const there = value_in(*f.to, item, f.taken - 1);
     xvar made;
     xvar& target = there ? *there : made;
     const bool takes = filter_->on_merge(path_, target, item.second);
@@ -121,7 +177,7 @@ class merger {
     if (!f.made.is_null() && (f.size == 0 || !f.to->empty())) {
       const open_bundle& outer = open_.end()[-2];
       const bundle::entry& item = *outer.from->nth(outer.taken - 1);
-      xvar* const there = value_in(*outer.to, item);
+      xvar* const there = value_in(*outer.to, item, outer.taken - 1);
       (there ? *there : add(outer, item)) = std::move(f.made);
     }
     open_.pop();
@@ -129,6 +185,7 @@ class merger {
 
   imerged_filter* filter_;
   wchar_t separator_;
+  bool moves_;         // or copies
   std::wstring path_;  // kept where there is a filter
   detail::near_stack<open_bundle, 4> open_;
 };
@@ -136,12 +193,13 @@ class merger {
 }  // namespace
 
 void merge(bundle& target, const bundle& source, imerged_filter* filter, char separator) {
-  merge(target, bundle(source), filter, separator);
+  if (target.empty() || !are_apart(target, source)) return merge(target, bundle(source), filter, separator);
+  merger(filter, texto::unit_of(separator), false).run(target, source);
 }
 
 void merge(bundle& target, bundle&& source, imerged_filter* filter, char separator) {
   bundle from(std::move(source));  // `source` may be inside of what is replaced
-  if (filter || !target.empty()) return merger(filter, texto::unit_of(separator)).run(target, from);
+  if (filter || !target.empty()) return merger(filter, texto::unit_of(separator), true).run(target, from);
   target = std::move(from);
 }
 
