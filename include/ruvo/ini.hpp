@@ -191,7 +191,8 @@ class KESTA_API ini_file {
 
   /// Sets the value of a key. One that is there keeps its place; another one goes behind the last key of its
   /// section, a new section to the end. Null is an empty value, a list repeats the key (in
-  /// ini_duplicates::list alone), all else is its text form; not a bundle or bytes.
+  /// ini_duplicates::list alone), float and double have all digits that reading back takes, bytes are Base64,
+  /// an instant of local time says its distance to UTC, all else is its text form; not a bundle.
   ///
   /// Refused are values with line ends or other control characters but TAB, with blanks around them, and what
   /// the dialect would read otherwise, unless it has a way to write them: quotation marks, escapes,

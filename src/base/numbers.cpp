@@ -433,6 +433,13 @@ void append_unsigned(std::wstring& out, unsigned long long value) {
   out.append(text, print_unsigned(text, value));
 }
 
+char* print_exact(char* to, double value) noexcept {
+  return std::to_chars(to, to + most_exact_units, value, std::chars_format::fixed).ptr;
+}
+char* print_exact(char* to, float value) noexcept {
+  return std::to_chars(to, to + most_exact_units, value, std::chars_format::fixed).ptr;
+}
+
 void append_integer(std::wstring& out, long long value) {
   wchar_t text[most_number_units];
   out.append(text, print_integer(text, value));

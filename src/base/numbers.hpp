@@ -41,6 +41,13 @@ constexpr std::size_t most_shortest_units = 48;
 /// `5e-324`). Zero keeps its sign. Not for NaN and infinities.
 char* print_shortest(char* to, double value) noexcept;
 
+/// Room for print_exact().
+constexpr std::size_t most_exact_units = 400;  // of 5e-324 there are 326
+/// Fixed notation with as many digits behind the point as reading back takes, and no point without them. Not
+/// for NaN and infinities.
+char* print_exact(char* to, double value) noexcept;
+char* print_exact(char* to, float value) noexcept;
+
 void append_integer(std::wstring& out, long long value);
 void append_unsigned(std::wstring& out, unsigned long long value);
 

@@ -8,8 +8,10 @@
 #include <ruvo/files/whole.hpp>
 #include <ruvo/ini.hpp>
 #include <ruvo/list.hpp>
+#include <ruvo/times.hpp>
 #include <ruvo/xvar.hpp>
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -19,8 +21,10 @@
 #include <utility>
 #include <vector>
 
+#include "base/numbers.hpp"
 #include "exc/detail.hpp"
 #include "files/pieces.hpp"
+#include "serializer/iso_dates.hpp"
 #include "settings/document.hpp"
 #include "settings/save_turn.hpp"
 #include "settings/text_encoding.hpp"
@@ -29,6 +33,8 @@
 
 namespace ruvo {
 
+using detail::cell;
+using detail::kind;
 using detail::succeeds;
 using settings::document;
 using settings::none;
@@ -36,11 +42,40 @@ using settings::refuse;
 
 namespace {
 
+/// With all digits that reading back takes.
+std::wstring real_text(const xvar& value) {
+  const double real = cell::real(value);
+  if (!std::isfinite(real)) return value.to_string();
+  char digits[texto::most_exact_units];
+  const char* const end = cell::kind_of(value) == kind::float_
+                              ? texto::print_exact(digits, static_cast<float>(real))
+                              : texto::print_exact(digits, real);
+  return {static_cast<const char*>(digits), end};
+}
+
+/// A text without a zone would be read in UTC.
+std::wstring instant_text(const xvar& value) {
+  if (cell::mode(value) != times::LOCAL) return value.to_string();
+  char text[serializer::most_iso_units];
+  return {static_cast<const char*>(text),
+          static_cast<const char*>(serializer::print_iso(text, value, false))};
+}
+
 std::wstring scalar_text(const std::wstring& key, const xvar& value) {
-  if (value.is_null()) return {};
-  for (const std::type_info* wrong : {&typeid(list), &typeid(bundle), &typeid(binary)})
-    if (value.instanceof (*wrong)) refuse(key, L"el valor no es un texto");
-  return value.to_string();
+  switch (cell::kind_of(value)) {
+    case kind::list:
+    case kind::bundle:
+      refuse(key, L"el valor no es un texto");
+    case kind::float_:
+    case kind::double_:
+      return real_text(value);
+    case kind::datetime:
+      return instant_text(value);
+    case kind::binary:
+      return cell::pointer<const binary>(value)->getAsB64();
+    default:
+      return value.to_string();
+  }
 }
 
 std::vector<std::wstring> texts_of(const std::wstring& key, const xvar& value, ini_duplicates how) {

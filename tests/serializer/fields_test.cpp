@@ -2,6 +2,7 @@
 
 // Structs to and from bundles and the formats, and the one report of what is wrong.
 
+#include <ruvo/fake_context.hpp>
 #include <ruvo/ruvo.hpp>
 
 #include <array>
@@ -127,6 +128,24 @@ void expect_full(const todo& read) {
   EXPECT_EQ(*read.puntero, *made.puntero);
 }
 
+struct sede {
+  bool abierta = false;
+  float peso = 0;
+  ruvo::datetime desde{0LL};
+  ruvo::binary clave;
+  wchar_t letra = L'x';
+  shop::estado fase = estado::nuevo;
+  bool operator==(const sede&) const = default;
+};
+KESTA_FIELDS(sede, abierta, peso, desde, clave, letra, fase)
+
+struct tienda {
+  std::vector<double> recargos;
+  ajustes con;
+  shop::sede sede;
+};
+KESTA_FIELDS(tienda, recargos, con, sede)
+
 struct porcentaje {
   double parte = 0;
 };
@@ -226,6 +245,45 @@ TEST(fields, come_back_from_forms) {
   ruvo::exception failure;
   EXPECT_FALSE(ruvo::write_fields(text, forms, shop::full(), failure));
   EXPECT_EQ(failure.get_detail(), L"bytes") << "the first value without a form";
+}
+
+TEST(fields, come_back_from_ini) {
+  ruvo::ini_dialect all_values;
+  all_values.duplicates = ruvo::ini_duplicates::list;
+  ruvo::serializer::ini ini(all_values), usual;
+  shop::tienda made;
+  made.recargos = {0.1 + 0.2, 1e-7, -1e21, 5e-324};
+  made.con = {60, L"# = [no] ", {}, std::nullopt};
+  made.sede = {true,
+               0.1F,
+               ruvo::datetime(1709199005LL, ruvo::times::LOCAL),
+               std::string("\0\xFF", 2),
+               L';',
+               shop::estado::pagado};
+  std::wstring text;
+  ruvo::exception failure;
+  ruvo::fake_context fake;
+  fake.zone_offset = 3600;
+  const ruvo::thread_scope scope(fake);
+  ASSERT_TRUE(ruvo::write_fields(text, ini, made, failure)) << ruvo::texto::to_utf_8(failure.get_detail());
+  shop::tienda read;
+  ruvo::field_report report;
+  EXPECT_TRUE(ruvo::read_fields(read, ini, text, report)) << ruvo::texto::to_utf_8(to_string(report));
+  EXPECT_EQ(read.recargos, made.recargos);
+  EXPECT_EQ(read.con.moneda, made.con.moneda);
+  EXPECT_EQ(read.con.plazo, 60);
+  EXPECT_TRUE(read.sede == made.sede) << ruvo::texto::to_utf_8(text);
+
+  EXPECT_FALSE(ruvo::write_fields(text, usual, made, failure));
+  EXPECT_TRUE(failure.get_mensaje().ends_with(L" recargos")) << "several values of one key";
+  EXPECT_FALSE(ruvo::write_fields(text, ini, shop::full(), failure));
+  EXPECT_TRUE(failure.get_mensaje().ends_with(L" lineas")) << "structs in a list";
+  EXPECT_FALSE(
+      ruvo::read_fields(read, ini, L"recargos=1\n[sede]\nabierta=2\npeso=1\n[con]\nplazo=x", report));
+  EXPECT_TRUE(
+      to_string(report).starts_with(L"con.plazo: se espera entero de -2147483648 a 2147483647 y hay un"
+                                    " texto «x»\nsede.abierta: "));
+  EXPECT_EQ(report.problems.size(), 6U);
 }
 
 TEST(fields, report_all_that_is_missing_or_wrong_at_once) {

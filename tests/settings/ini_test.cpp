@@ -336,6 +336,6 @@ TEST(ini_serializer, bundles_both_ways) {
 
   ruvo::serializer::key_value variables;
   EXPECT_FALSE(variables.serialize(text, {{L"A", L"x y"}, {L"B", L"#\n"}, {L"C", 1.5}}, &failure));
-  EXPECT_EQ(text, L"A=x y\nB=\"#\\n\"\nC=1.500000\n");
+  EXPECT_EQ(text, L"A=x y\nB=\"#\\n\"\nC=1.5\n");
   EXPECT_TRUE(variables.serialize(text, {{L"s", bundle()}}, &failure));
 }

@@ -10,7 +10,6 @@
 #include <ruvo/xml_writing.hpp>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -57,12 +56,10 @@ void put_real(text_sink& out, const var& value) {
   const double real = cell::real(value);
   if (std::isnan(real)) return out.put_literal(L"NaN");
   if (std::isinf(real)) return real < 0 ? out.put_literal(L"-INF") : out.put_literal(L"INF");
-  char digits[400];  // of 5e-324 there are 326
-  char* const room = digits + sizeof digits;
+  char digits[texto::most_exact_units];
   const bool is_float = cell::kind_of(value) == kind::float_;
   const char* const end =
-      is_float ? std::to_chars(digits, room, static_cast<float>(real), std::chars_format::fixed).ptr
-               : std::to_chars(digits, room, real, std::chars_format::fixed).ptr;
+      is_float ? texto::print_exact(digits, static_cast<float>(real)) : texto::print_exact(digits, real);
   wchar_t* const to = out.room(static_cast<std::size_t>(end - digits));
   out.advance(std::transform(static_cast<const char*>(digits), end, to, texto::unit_of));
 }
