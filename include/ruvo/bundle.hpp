@@ -3,6 +3,7 @@
 
 // ruvo::bundle, the keyed record: named values, addressed by key or by path.
 
+#include <ruvo/texto/exact_view.hpp>
 #include <ruvo/xvar.hpp>
 
 #include <concepts>
@@ -374,104 +375,54 @@ class KESTA_API bundle {
   // --- keys and paths that are views
 
   /// The same with a std::wstring_view, std::string_view or std::u8string_view. A wide one is not copied,
-  /// other than by putOn() and what makes an object on its way.
-  template <detail::is_text_view View>
-  xvar& operator[](View key) {
-    return put_key(wide_text(key));
-  }
-  template <detail::is_text_view View>
-  const xvar& operator[](View key) const {
-    return look_key(wide_text(key));
-  }
-  template <detail::is_text_view View>
-  const xvar& at(View key) const {
-    return look_key(wide_text(key));
-  }
-  template <detail::is_text_view View>
-  iterator find(View key) {
-    return seek_key(wide_text(key));
-  }
-  template <detail::is_text_view View>
-  const_iterator find(View key) const {
-    return const_cast<bundle*>(this)->seek_key(wide_text(key));
-  }
-  template <detail::is_text_view View>
-  size_type count(View key) const {
-    return find(key) == end() ? 0 : 1;
-  }
-  template <detail::is_text_view View>
-  size_type erase(View key) {
-    const iterator found = find(key);
-    if (found == end()) return 0;
-    erase(const_iterator(found));
-    return 1;
-  }
-  template <detail::is_text_view View>
-  const xvar* get_ptr(View path, char separator = '.') const {
-    return follow_path(wide_text(path), separator);
-  }
-  template <detail::is_text_view View>
-  const xvar& get(View path, char separator = '.') const {
-    const xvar* const found = get_ptr(path, separator);
-    return found ? *found : get(std::wstring(wide_text(path)), separator);
-  }
-  template <detail::is_text_view View>
-  bool has(View path, char separator = '.') const {
+  /// other than by what writes.
+  xvar& operator[](texto::either_view key);
+  const xvar& operator[](texto::either_view key) const { return at(key); }
+  const xvar& at(texto::either_view key) const;
+  iterator find(texto::either_view key);
+  const_iterator find(texto::either_view key) const { return const_cast<bundle*>(this)->find(key); }
+  size_type count(texto::either_view key) const { return find(key) == end() ? 0 : 1; }
+  size_type erase(texto::either_view key);
+  const xvar* get_ptr(texto::either_view path, char separator = '.') const;
+  const xvar& get(texto::either_view path, char separator = '.') const;
+  bool has(texto::either_view path, char separator = '.') const {
     return get_ptr(path, separator) != nullptr;
   }
-  template <detail::is_text_view View>
-  xvar& hack(View path, char separator = '.') {
-    return make_path(wide_text(path), separator);
-  }
-  template <detail::is_text_view View>
-  xvar& putOn(View path, const xvar& value, char separator = '.') {
-    return putOn(std::wstring(wide_text(path)), value, separator);
-  }
-  template <detail::is_text_view View>
-  bundle& hack_bundle_on(View path, char separator = '.') {
-    return hack_bundle_on(std::wstring(wide_text(path)), separator);
-  }
-  template <detail::is_text_view View>
-  list& hack_list_on(View path, char separator = '.') {
-    return hack_list_on(std::wstring(wide_text(path)), separator);
-  }
-  template <detail::is_text_view View>
-  long get_long(View path, char separator = '.', long fallback = 0) const {
-    return value_or(get_ptr(path, separator), fallback);
-  }
-  template <detail::is_text_view View>
-  unsigned long get_ulong(View path, char separator = '.', unsigned long fallback = 0) const {
-    return value_or(get_ptr(path, separator), fallback);
-  }
-  template <detail::is_text_view View>
-  long long get_xlong(View path, char separator = '.', long long fallback = 0) const {
-    return value_or(get_ptr(path, separator), fallback);
-  }
-  template <detail::is_text_view View>
-  double get_double(View path, char separator = '.', double fallback = 0) const {
-    return value_or(get_ptr(path, separator), fallback);
-  }
-  template <detail::is_text_view View>
-  bool get_boolean(View path, bool fallback = false, char separator = '.') const {
-    return value_or(get_ptr(path, separator), fallback);
-  }
-  template <detail::is_text_view View>
-  std::wstring get_string(View path, char separator = '.', const std::wstring& fallback = {}) const {
-    return value_or(get_ptr(path, separator), fallback);
-  }
-  template <detail::is_text_view View>
-  std::wstring get_nc_string(View path, const std::wstring& fallback = {}, char separator = '.') const {
-    std::wstring text = get_string(path, separator);
-    return text.empty() ? fallback : text;
-  }
-  template <detail::is_text_view View>
-  const bundle& get_bundle(View path, char separator = '.') const {
-    return bundle_or_none(get_ptr(path, separator));
-  }
-  template <detail::is_text_view View>
-  const list& get_list(View path, char separator = '.') const {
-    return list_or_none(get_ptr(path, separator));
-  }
+  std::wstring explain(texto::either_view path, char separator = '.') const noexcept;
+  xvar& hack(texto::either_view path, char separator = '.');
+  xvar* hack_ptr(texto::either_view path, char separator = '.') { return &hack(path, separator); }
+  xvar& putOn(texto::either_view path, const xvar& value, char separator = '.');
+  bundle& hack_bundle_on(texto::either_view path, char separator = '.');
+  list& hack_list_on(texto::either_view path, char separator = '.');
+  memo& hack_memo_on(texto::either_view path, char separator = '.');
+  std::wstring& hack_string_on(texto::either_view path, char separator = '.');
+  binary& hack_binary_on(texto::either_view path, char separator = '.');
+  binary& hack_nc_binary_on(texto::either_view path, const binary& initial, char separator = '.');
+  long get_long(texto::either_view path, char separator = '.', long fallback = 0) const;
+  unsigned long get_ulong(texto::either_view path, char separator = '.', unsigned long fallback = 0) const;
+  short get_short(texto::either_view path, char separator = '.', short fallback = 0) const;
+  long long get_xlong(texto::either_view path, char separator = '.', long long fallback = 0) const;
+  long long get_uxlong(texto::either_view path, char separator = '.', long long fallback = 0) const;
+  double get_double(texto::either_view path, char separator = '.', double fallback = 0) const;
+  float get_float(texto::either_view path, char separator = '.', float fallback = 0) const;
+  long get_nc_long(texto::either_view path, long fallback = 0, char separator = '.') const;
+  unsigned long get_nc_ulong(texto::either_view path, unsigned long fallback = 0, char separator = '.') const;
+  short get_nc_short(texto::either_view path, short fallback = 0, char separator = '.') const;
+  long long get_nc_xlong(texto::either_view path, long long fallback = 0, char separator = '.') const;
+  long long get_nc_uxlong(texto::either_view path, long long fallback = 0, char separator = '.') const;
+  double get_nc_double(texto::either_view path, double fallback = 0, char separator = '.') const;
+  float get_nc_float(texto::either_view path, float fallback = 0, char separator = '.') const;
+  bool get_boolean(texto::either_view path, bool fallback = false, char separator = '.') const;
+  std::wstring get_string(texto::either_view path, char separator = '.',
+                          const std::wstring& fallback = {}) const;
+  std::wstring get_nc_string(texto::either_view path, const std::wstring& fallback = {},
+                             char separator = '.') const;
+  const binary& get_binary(texto::either_view path, const binary& fallback, char separator = '.') const;
+  const memo& get_memo(texto::either_view path, const memo& fallback, char separator = '.') const;
+  const bundle& get_bundle(texto::either_view path, char separator = '.') const;
+  const list& get_list(texto::either_view path, char separator = '.') const;
+  const bundle& get_nc_bundle(texto::either_view path, const bundle& fallback, char separator = '.') const;
+  const list& get_nc_list(texto::either_view path, const list& fallback, char separator = '.') const;
 
   /// "{" "key":value pairs joined by ", " "}", in key order: texts quoted with quotes escaped, null as "".
   /// @quirk A blank follows the comma, which in the text of a list has none.
@@ -486,25 +437,11 @@ class KESTA_API bundle {
  private:
   friend struct detail::bundle_access;
 
-  static std::wstring_view wide_text(std::wstring_view text) noexcept { return text; }
-  static std::wstring wide_text(std::string_view utf8);
-  static std::wstring wide_text(std::u8string_view text) {
-    return wide_text(std::string_view(reinterpret_cast<const char*>(text.data()), text.size()));
-  }
   xvar& put_key(std::wstring_view key);
   const xvar& look_key(std::wstring_view key) const;
   iterator seek_key(std::wstring_view key);
   const xvar* follow_path(std::wstring_view path, char separator) const;
   xvar& make_path(std::wstring_view path, char separator);
-  /// What the getters make of what they found.
-  static long value_or(const xvar* found, long fallback);
-  static unsigned long value_or(const xvar* found, unsigned long fallback);
-  static long long value_or(const xvar* found, long long fallback);
-  static double value_or(const xvar* found, double fallback);
-  static bool value_or(const xvar* found, bool fallback);
-  static std::wstring value_or(const xvar* found, const std::wstring& fallback);
-  static const bundle& bundle_or_none(const xvar* found);
-  static const list& list_or_none(const xvar* found);
 
   iterator nth(unsigned long long n) noexcept;
   /// The entry before or after `at` (the last one before a null `at`), or null.

@@ -505,8 +505,8 @@ KESTA_HASH(ruvo::serializer::json_pointer)
 /// Calls what(type) for each type that std::format and fmt::format write, beside exceptions.
 #define KESTA_FORMATTED(what)                                                                              \
   what(ruvo::var) what(ruvo::xvar) what(ruvo::bundle) what(ruvo::list) what(ruvo::memo) what(ruvo::binary) \
-      what(ruvo::date) what(ruvo::time) what(ruvo::datetime) what(ruvo::velda::date) what(ruvo::color)     \
-          what(ruvo::file) what(ruvo::smtp::address)
+      what(ruvo::decimal) what(ruvo::date) what(ruvo::time) what(ruvo::datetime) what(ruvo::velda::date)   \
+          what(ruvo::color) what(ruvo::file) what(ruvo::smtp::address)
 
 #if defined(KESTA_HAS_FORMAT)
 #  define KESTA_FORMATTER(type)                                                                \

@@ -5,6 +5,7 @@
 
 #include <ruvo/texto/charset.hpp>
 #include <ruvo/texto/encoding.hpp>
+#include <ruvo/texto/exact_view.hpp>
 #include <ruvo/texto/identifiers.hpp>
 #include <ruvo/texto/markup.hpp>
 #include <ruvo/texto/numbers.hpp>

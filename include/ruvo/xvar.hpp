@@ -4,6 +4,7 @@
 // ruvo::xvar, a var with named attributes (qualities).
 
 #include <ruvo/fwd.hpp>
+#include <ruvo/texto/exact_view.hpp>
 #include <ruvo/var.hpp>
 
 #include <algorithm>
@@ -11,6 +12,7 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <string_view>
 #include <utility>
 
 // Macros of others.
@@ -30,8 +32,11 @@ concept converts_to_xvar = requires(T&& value) {
 
 /// Orders keys without regard to the case of A-Z, by code unit.
 struct KESTA_API keylowercase {
+  using is_transparent = void;  ///< Maps find views, too.
+
   /// Whether `a` comes before `b`.
   bool operator()(const std::wstring& a, const std::wstring& b) const noexcept;
+  bool operator()(std::wstring_view a, std::wstring_view b) const noexcept;
 };
 
 /// A var with qualities, which are named vars. The value is used exactly as a var; the qualities travel with
@@ -192,6 +197,18 @@ class KESTA_API xvar : public var {
   /// As erase(), without a result.
   void quality_remove(const std::wstring& key);
   void quality_remove(const std::string& key);
+
+  /// The same with a std::wstring_view, std::string_view or std::u8string_view. A wide one is copied for a
+  /// quality that is made, and for what is thrown.
+  var& operator[](texto::either_view key);
+  const var& at(texto::either_view key) const;
+  const var& get_quality(texto::either_view key) const;
+  bool has_quality(texto::either_view key) const { return find(key) != end(); }
+  size_type count(texto::either_view key) const { return has_quality(key) ? 1 : 0; }
+  iterator find(texto::either_view key);
+  const_iterator find(texto::either_view key) const { return const_cast<xvar*>(this)->find(key); }
+  size_type erase(texto::either_view key);
+  void quality_remove(texto::either_view key) { erase(key); }
 
   /// Assigns the qualities to this object's; those that `qualities` lacks stay.
   void add_qualities(const qualities_map& qualities);

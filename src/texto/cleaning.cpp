@@ -95,9 +95,12 @@ std::wstring& limpia_puntuacion(std::wstring& text, wchar_t) {
   std::transform(text.begin(), text.end(), text.begin(), plain_letter);
   return text;
 }
-std::wstring limpia_puntuacion_(const std::wstring& text, wchar_t r) {
-  std::wstring copy = text;
+std::wstring limpia_puntuacion_(wide_view text, wchar_t r) {
+  std::wstring copy(text);
   return std::move(limpia_puntuacion(copy, r));
+}
+std::wstring limpia_puntuacion_(const std::wstring& text, wchar_t r) {
+  return limpia_puntuacion_(std::wstring_view(text), r);
 }
 
 std::wstring& limpia_caracteres_especiales(std::wstring& text) {

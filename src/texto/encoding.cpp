@@ -39,9 +39,9 @@ std::wstring to_hex(const Char* text, std::size_t count) {
   return hex;
 }
 
-template <class Text>
-Text from_hex(const Text& hex) {
-  Text text(hex.size() / 2, typename Text::value_type());
+template <class C>
+std::basic_string<C> from_hex(std::basic_string_view<C> hex) {
+  std::basic_string<C> text(hex.size() / 2, C());
   if (!hex_decode_to(text.data(), hex.data(), text.size())) throw std::invalid_argument("invalid hex digit");
   return text;
 }
@@ -142,14 +142,18 @@ std::wstring char_to_hex(char c) { return to_hex(&c, 1); }
 std::wstring char_to_hex(unsigned char c) { return char_to_hex(static_cast<char>(c)); }
 std::wstring char_to_hex(wchar_t c) { return to_hex(&c, 1); }
 
-std::wstring string_to_hex(const std::wstring& text) { return to_hex(text.data(), text.size()); }
-std::wstring string_to_hex(const std::string& text) { return to_hex(text.data(), text.size()); }
+std::wstring string_to_hex(wide_view text) { return to_hex(text.data(), text.size()); }
+std::wstring string_to_hex(narrow_view text) { return to_hex(text.data(), text.size()); }
+std::wstring string_to_hex(const std::wstring& text) { return string_to_hex(std::wstring_view(text)); }
+std::wstring string_to_hex(const std::string& text) { return string_to_hex(std::string_view(text)); }
 std::wstring bytes_to_hexString(const unsigned char* bytes, unsigned long count) {
   return to_hex(reinterpret_cast<const char*>(bytes), count);
 }
 
-std::wstring hex_to_string(const std::wstring& hex) { return from_hex(hex); }
-std::string hex_to_string(const std::string& hex) { return from_hex(hex); }
+std::wstring hex_to_string(wide_view hex) { return from_hex<wchar_t>(hex); }
+std::string hex_to_string(narrow_view hex) { return from_hex<char>(hex); }
+std::wstring hex_to_string(const std::wstring& hex) { return hex_to_string(std::wstring_view(hex)); }
+std::string hex_to_string(const std::string& hex) { return hex_to_string(std::string_view(hex)); }
 
 void hex_encode(std::wstring& out, const std::wstring& in) { replace_by_hex(out, in); }
 void hex_encode(std::wstring& out, const std::string& in) { replace_by_hex(out, in); }

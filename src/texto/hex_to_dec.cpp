@@ -58,7 +58,7 @@ std::string decimal_digits(const std::vector<std::uint32_t>& limbs) {
 
 }  // namespace
 
-std::string hex_to_dec(const std::string& hex) {
+std::string hex_to_dec(narrow_view hex) {
   std::vector<std::uint32_t> limbs;
   std::string_view rest = hex;
   // A short group first, so that all others are whole.
@@ -68,5 +68,6 @@ std::string hex_to_dec(const std::string& hex) {
   }
   return decimal_digits(limbs);
 }
+std::string hex_to_dec(const std::string& hex) { return hex_to_dec(std::string_view(hex)); }
 
 }  // namespace ruvo::texto

@@ -19,7 +19,7 @@ namespace ruvo::texto {
 namespace {
 
 /// One byte per unit. Units above 127 become a character that no number may hold.
-std::string narrowed(const std::wstring& text) {
+std::string narrowed(std::wstring_view text) {
   std::string bytes(text.size(), '?');
   std::transform(text.begin(), text.end(), bytes.begin(),
                  [](wchar_t c) { return static_cast<char16_t>(c) < 128 ? static_cast<char>(c) : '?'; });
@@ -46,79 +46,91 @@ bool is_iban_size(char first, char second, std::size_t size) {
 
 }  // namespace
 
-std::wstring limpia_nif_(const std::wstring& text) {
+std::wstring limpia_nif_(wide_view text) {
   std::wstring out;
   std::copy_if(text.begin(), text.end(), std::back_inserter(out), is_alnum);
   return out;
 }
+std::wstring limpia_nif_(const std::wstring& text) { return limpia_nif_(std::wstring_view(text)); }
 
-std::wstring limpia_telefono_(const std::wstring& text, bool keeps_plus) {
+std::wstring limpia_telefono_(wide_view text, bool keeps_plus) {
   std::wstring out;
   std::copy_if(text.begin(), text.end(), std::back_inserter(out), is_digit);
   const auto first = std::find_if(text.begin(), text.end(), is_digit);
   if (keeps_plus && !out.empty() && std::find(text.begin(), first, L'+') != first) out.insert(0, 1, L'+');
   return out;
 }
+std::wstring limpia_telefono_(const std::wstring& text, bool keeps_plus) {
+  return limpia_telefono_(std::wstring_view(text), keeps_plus);
+}
 
-std::wstring ocultar_numeros_cuenta(const std::wstring& text, int n, wchar_t c) {
-  if (n < 1 || static_cast<std::size_t>(n) > text.size()) return text;
+std::wstring ocultar_numeros_cuenta(wide_view text, int n, wchar_t c) {
+  if (n < 1 || static_cast<std::size_t>(n) > text.size()) return std::wstring(text);
   const std::size_t hidden = text.size() - static_cast<std::size_t>(n);
   return std::wstring(hidden, c).append(text, hidden);
 }
-
-bool valida_dni(const std::string& text) {
-  return text.size() == nif_size && is_digit_char(text[0]) &&
-         controls(text[0] - '0', std::string_view(text).substr(1, 7), text[8]);
+std::wstring ocultar_numeros_cuenta(const std::wstring& text, int n, wchar_t c) {
+  return ocultar_numeros_cuenta(std::wstring_view(text), n, c);
 }
-bool valida_dni(const std::wstring& text) { return valida_dni(narrowed(text)); }
 
-bool valida_nie(const std::string& text) {
+// The forms of a check for all texts but views of bytes.
+#define KESTA_TEXTS_OF_CHECK(check)                                              \
+  bool check(wide_view text) { return check(std::string_view(narrowed(text))); } \
+  bool check(const std::string& text) { return check(std::string_view(text)); }  \
+  bool check(const std::wstring& text) { return check(std::wstring_view(text)); }
+
+bool valida_dni(narrow_view text) {
+  return text.size() == nif_size && is_digit_char(text[0]) &&
+         controls(text[0] - '0', text.substr(1, 7), text[8]);
+}
+KESTA_TEXTS_OF_CHECK(valida_dni)
+
+bool valida_nie(narrow_view text) {
   if (text.size() != nif_size) return false;
   const std::size_t first = nie_letters.find(upper(text[0]));
-  return first != nie_letters.npos &&
-         controls(static_cast<int>(first), std::string_view(text).substr(1, 7), text[8]);
+  return first != nie_letters.npos && controls(static_cast<int>(first), text.substr(1, 7), text[8]);
 }
-bool valida_nie(const std::wstring& text) { return valida_nie(narrowed(text)); }
+KESTA_TEXTS_OF_CHECK(valida_nie)
 
-bool valida_cif(const std::string& text) {
+bool valida_cif(narrow_view text) {
   static constexpr int weights[] = {2, 4, 8, 5, 10, 9, 7};
   if (text.size() != nif_size || !is_alpha_char(text[0])) return false;
-  const std::string_view digits = std::string_view(text).substr(1, 7);
+  const std::string_view digits = text.substr(1, 7);
   if (!are_digits(digits)) return false;
   int sum = upper(text[0]) - 48;
   for (std::size_t i = 0; i < digits.size(); ++i) sum += weights[i] * (digits[i] - '0');
   const std::size_t index = static_cast<std::size_t>(sum % 11);
   return index < 10 && upper(text[8]) == "JABCDEFGHI"[index];
 }
-bool valida_cif(const std::wstring& text) { return valida_cif(narrowed(text)); }
+KESTA_TEXTS_OF_CHECK(valida_cif)
 
-bool valida_nif(const std::string& text) {
+bool valida_nif(narrow_view text) {
   if (text.size() != nif_size) return false;
   if (!is_alpha_char(text[0])) return valida_dni(text);
   return nie_letters.find(upper(text[0])) != nie_letters.npos ? valida_nie(text) : valida_cif(text);
 }
-bool valida_nif(const std::wstring& text) { return valida_nif(narrowed(text)); }
+KESTA_TEXTS_OF_CHECK(valida_nif)
 
-bool valida_iban(const std::string& text) {
+bool valida_iban(narrow_view text) {
   const bool has_form = text.size() >= shortest_iban && is_alpha_char(text[0]) && is_alpha_char(text[1]) &&
                         is_iban_size(text[0], text[1], text.size()) &&
                         std::all_of(text.begin(), text.end(), [](char c) { return is_alnum(unit_of(c)); });
   if (!has_form) return false;
-  const std::string_view all = text, check = all.substr(2, 2);
+  const std::string_view check = text.substr(2, 2);
   if (!are_digits(check) || check < "02" || check > "98") return false;
-  return remainder_97(remainder_97(0, all.substr(4)), all.substr(0, 4)) == 1;
+  return remainder_97(remainder_97(0, text.substr(4)), text.substr(0, 4)) == 1;
 }
-bool valida_iban(const std::wstring& text) { return valida_iban(narrowed(text)); }
+KESTA_TEXTS_OF_CHECK(valida_iban)
 
-bool valida_iban_esp(const std::string& text) {
-  return text.size() == 24 && upper(text[0]) == 'E' && upper(text[1]) == 'S' &&
-         are_digits(std::string_view(text).substr(2)) && valida_iban(text);
+bool valida_iban_esp(narrow_view text) {
+  return text.size() == 24 && upper(text[0]) == 'E' && upper(text[1]) == 'S' && are_digits(text.substr(2)) &&
+         valida_iban(text);
 }
-bool valida_iban_esp(const std::wstring& text) { return valida_iban_esp(narrowed(text)); }
+KESTA_TEXTS_OF_CHECK(valida_iban_esp)
 
-bool valida_tarjeta_credito(const std::string& text) {
+bool valida_tarjeta_credito(narrow_view text) {
   return !text.empty() && are_digits(text) && luhn_remainder(text) == 0;
 }
-bool valida_tarjeta_credito(const std::wstring& text) { return valida_tarjeta_credito(narrowed(text)); }
+KESTA_TEXTS_OF_CHECK(valida_tarjeta_credito)
 
 }  // namespace ruvo::texto

@@ -98,15 +98,19 @@ void remove_tags_named(std::wstring& text, std::wstring_view name) {
 }  // namespace
 
 std::wstring& escaped_to_sql(std::wstring& text) { return std_replace(text, L"'", L"''", true); }
-std::wstring escaped_to_sql_(const std::wstring& text) {
-  std::wstring copy = text;
+std::wstring escaped_to_sql_(wide_view text) {
+  std::wstring copy(text);
   return std::move(escaped_to_sql(copy));
 }
+std::wstring escaped_to_sql_(const std::wstring& text) { return escaped_to_sql_(std::wstring_view(text)); }
 
 std::wstring& escaped_from_sql(std::wstring& text) { return std_replace(text, L"''", L"'", true); }
-std::wstring escaped_from_sql_(const std::wstring& text) {
-  std::wstring copy = text;
+std::wstring escaped_from_sql_(wide_view text) {
+  std::wstring copy(text);
   return std::move(escaped_from_sql(copy));
+}
+std::wstring escaped_from_sql_(const std::wstring& text) {
+  return escaped_from_sql_(std::wstring_view(text));
 }
 
 std::wstring& escaped_to_html(std::wstring& text) {
@@ -131,10 +135,11 @@ std::wstring& to_html(std::wstring& text) {
   std_replace(text, L"\n", L"<br/>", true);
   return escaped_to_html(text);
 }
-std::wstring to_html_(const std::wstring& text) {
-  std::wstring copy = text;
+std::wstring to_html_(wide_view text) {
+  std::wstring copy(text);
   return std::move(to_html(copy));
 }
+std::wstring to_html_(const std::wstring& text) { return to_html_(std::wstring_view(text)); }
 
 std::wstring& to_plain(std::wstring& text) {
   escaped_from_html(text);
@@ -143,15 +148,17 @@ std::wstring& to_plain(std::wstring& text) {
   remove_tags(text);
   return text;
 }
-std::wstring to_plain_(const std::wstring& text) {
-  std::wstring copy = text;
+std::wstring to_plain_(wide_view text) {
+  std::wstring copy(text);
   return std::move(to_plain(copy));
 }
+std::wstring to_plain_(const std::wstring& text) { return to_plain_(std::wstring_view(text)); }
 
-bool is_html(const std::wstring& text) {
+bool is_html(wide_view text) {
   const std::size_t open = text.find(L'<');
   return open != text.npos && text.find(L'>', open) != text.npos;
 }
+bool is_html(const std::wstring& text) { return is_html(std::wstring_view(text)); }
 
 unsigned long long remove_html_and_body_tags(std::wstring& text) {
   const std::size_t body = text.find(L"<body>");
@@ -160,11 +167,14 @@ unsigned long long remove_html_and_body_tags(std::wstring& text) {
   return body;
 }
 
-std::wstring remove_html_and_body_tags_(const std::wstring& text, unsigned long long* body) {
-  std::wstring copy = text;
+std::wstring remove_html_and_body_tags_(wide_view text, unsigned long long* body) {
+  std::wstring copy(text);
   const unsigned long long found = remove_html_and_body_tags(copy);
   if (body) *body = found;
   return copy;
+}
+std::wstring remove_html_and_body_tags_(const std::wstring& text, unsigned long long* body) {
+  return remove_html_and_body_tags_(std::wstring_view(text), body);
 }
 
 }  // namespace ruvo::texto

@@ -168,28 +168,36 @@ void append_joined(std::wstring& out, std::wstring_view part) {
 
 }  // namespace
 
-std::wstring to_capitalize_name_(const std::wstring& name) {
+std::wstring to_capitalize_name_(wide_view name) {
   std::wstring out;
   out.reserve(name.size());
   append_words(out, name, form_in_person);
   return out;
 }
+std::wstring to_capitalize_name_(const std::wstring& name) {
+  return to_capitalize_name_(std::wstring_view(name));
+}
 
-bool is_article_or_preposition(const std::wstring& word) { return is_particle_of(name_particles, word); }
+bool is_article_or_preposition(wide_view word) { return is_particle_of(name_particles, word); }
+bool is_article_or_preposition(const std::wstring& word) {
+  return is_article_or_preposition(std::wstring_view(word));
+}
 
-std::wstring corregir_nombre_municipio(const std::wstring& name) {
+std::wstring corregir_nombre_municipio(wide_view name) {
   std::wstring out;
   out.reserve(name.size());
   for (std::size_t at = 0, end = 0; at <= name.size(); at = end + 1) {
     end = std::min(name.find(L'/', at), name.size());
     if (at != 0) out.push_back(L'/');
-    append_place(out, std::wstring_view(name).substr(at, end - at));
+    append_place(out, name.substr(at, end - at));
   }
   return out;
 }
+std::wstring corregir_nombre_municipio(const std::wstring& name) {
+  return corregir_nombre_municipio(std::wstring_view(name));
+}
 
-std::wstring order_name_(const std::wstring& name) {
-  const std::wstring_view text = name;
+std::wstring order_name_(wide_view text) {
   const std::size_t first_comma = std::min(text.find(L','), text.size());
   std::wstring out;
   out.reserve(text.size());
@@ -201,5 +209,6 @@ std::wstring order_name_(const std::wstring& name) {
   append_joined(out, trimmed(text.substr(0, first_comma)));
   return out;
 }
+std::wstring order_name_(const std::wstring& name) { return order_name_(std::wstring_view(name)); }
 
 }  // namespace ruvo::texto

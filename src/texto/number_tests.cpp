@@ -70,20 +70,23 @@ bool is_domain(std::wstring_view text) {
 
 }  // namespace
 
-bool is_integer(const std::wstring& text) { return is_plain_integer(text); }
-bool is_integer_positive(const std::wstring& text) {
+bool is_integer(wide_view text) { return is_plain_integer(text); }
+bool is_integer(const std::wstring& text) { return is_integer(std::wstring_view(text)); }
+bool is_integer_positive(wide_view text) {
   return !text.empty() && run_length(text, 0, is_digit) == text.size();
 }
+bool is_integer_positive(const std::wstring& text) { return is_integer_positive(std::wstring_view(text)); }
 
-bool is_number(const std::wstring& text) {
+bool is_number(wide_view text) {
   return is_grouped(text, L'.', L',') || is_grouped(text, L',', L'.') || is_marked(text, L'.') ||
          is_marked(text, L',');
 }
+bool is_number(const std::wstring& text) { return is_number(std::wstring_view(text)); }
 
-bool is_email(const std::wstring& text) {
-  const std::wstring_view whole = text;
-  const std::size_t at = whole.find(L'@');
-  return at != whole.npos && is_local_part(whole.substr(0, at)) && is_domain(whole.substr(at + 1));
+bool is_email(wide_view text) {
+  const std::size_t at = text.find(L'@');
+  return at != text.npos && is_local_part(text.substr(0, at)) && is_domain(text.substr(at + 1));
 }
+bool is_email(const std::wstring& text) { return is_email(std::wstring_view(text)); }
 
 }  // namespace ruvo::texto

@@ -105,9 +105,12 @@ std::wstring replaced(regex::matcher& match, std::wstring_view text, const repla
 
 }  // namespace
 
-bool match(const std::wstring& text, std::wstring pattern) {
+bool match(wide_view text, std::wstring pattern) {
   const regex::program program = regex::compile(pattern, {.whole = true});
   return regex::matcher(program, text).matches_whole();
+}
+bool match(const std::wstring& text, std::wstring pattern) {
+  return match(std::wstring_view(text), std::move(pattern));
 }
 
 std::wstring& replace(std::wstring& text, std::wstring pattern, std::wstring with) {
@@ -119,10 +122,13 @@ std::wstring& replace(std::wstring& text, std::wstring pattern, std::wstring wit
   return text;
 }
 
-std::wstring replace_(const std::wstring& text, std::wstring pattern, std::wstring with) {
-  std::wstring copy = text;
+std::wstring replace_(wide_view text, std::wstring pattern, std::wstring with) {
+  std::wstring copy(text);
   replace(copy, std::move(pattern), std::move(with));
   return copy;
+}
+std::wstring replace_(const std::wstring& text, std::wstring pattern, std::wstring with) {
+  return replace_(std::wstring_view(text), std::move(pattern), std::move(with));
 }
 
 }  // namespace ruvo::texto

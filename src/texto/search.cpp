@@ -106,10 +106,19 @@ bool means_something_in_patterns(wchar_t c) {
 
 }  // namespace
 
-bool starts_with(const std::wstring& text, const std::wstring& part) { return text.starts_with(part); }
-bool ends_with(const std::wstring& text, const std::wstring& part) { return text.ends_with(part); }
-bool contains(const std::wstring& text, const std::wstring& part) {
+bool starts_with(wide_view text, wide_view part) { return text.starts_with(part); }
+bool starts_with(const std::wstring& text, const std::wstring& part) {
+  return starts_with(std::wstring_view(text), std::wstring_view(part));
+}
+bool ends_with(wide_view text, wide_view part) { return text.ends_with(part); }
+bool ends_with(const std::wstring& text, const std::wstring& part) {
+  return ends_with(std::wstring_view(text), std::wstring_view(part));
+}
+bool contains(wide_view text, wide_view part) {
   return part.empty() || finder(part).find(text, 0) != finder::npos;
+}
+bool contains(const std::wstring& text, const std::wstring& part) {
+  return contains(std::wstring_view(text), std::wstring_view(part));
 }
 
 std::wstring content(std::wstring text, bool* found) {
@@ -151,7 +160,7 @@ std::wstring& std_replace(std::wstring& text, std::wstring from, std::wstring to
   return text;
 }
 
-std::wstring escape_regex_pattern(const std::wstring& text) {
+std::wstring escape_regex_pattern(wide_view text) {
   std::wstring escaped;
   escaped.reserve(text.size() + text.size() / 8);
   for (const wchar_t c : text) {
@@ -160,8 +169,11 @@ std::wstring escape_regex_pattern(const std::wstring& text) {
   }
   return escaped;
 }
+std::wstring escape_regex_pattern(const std::wstring& text) {
+  return escape_regex_pattern(std::wstring_view(text));
+}
 
-std::vector<std::wstring> split(const std::wstring& text, const std::wstring& separator) {
+std::vector<std::wstring> split(wide_view text, wide_view separator) {
   std::vector<std::wstring> pieces;
   std::size_t from = 0;
   if (!separator.empty()) {
@@ -169,15 +181,21 @@ std::vector<std::wstring> split(const std::wstring& text, const std::wstring& se
     finder search(separator);
     for (std::size_t found; (found = search.find(text, from)) != finder::npos;
          from = found + separator.size())
-      pieces.emplace_back(text, from, found - from);
+      pieces.emplace_back(text.substr(from, found - from));
   }
-  if (from < text.size() || pieces.empty()) pieces.emplace_back(text, from);
+  if (from < text.size() || pieces.empty()) pieces.emplace_back(text.substr(from));
   return pieces;
 }
+std::vector<std::wstring> split(const std::wstring& text, const std::wstring& separator) {
+  return split(std::wstring_view(text), std::wstring_view(separator));
+}
 
-void split_on(std::vector<std::wstring>& out, const std::wstring& text, const std::wstring& separator) {
+void split_on(std::vector<std::wstring>& out, wide_view text, wide_view separator) {
   std::vector<std::wstring> pieces = split(text, separator);  // before `out` moves: `text` may be in it
   out.insert(out.end(), std::make_move_iterator(pieces.begin()), std::make_move_iterator(pieces.end()));
+}
+void split_on(std::vector<std::wstring>& out, const std::wstring& text, const std::wstring& separator) {
+  split_on(out, std::wstring_view(text), std::wstring_view(separator));
 }
 
 }  // namespace ruvo::texto

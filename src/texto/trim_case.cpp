@@ -17,13 +17,13 @@ namespace ruvo::texto {
 namespace {
 
 /// Units at the start of the text that are blanks.
-std::size_t leading(const std::wstring& text) {
+std::size_t leading(std::wstring_view text) {
   const auto first = std::find_if_not(text.begin(), text.end(), is_space);
   return static_cast<std::size_t>(first - text.begin());
 }
 
 /// Units up to the last one that is not a blank.
-std::size_t kept(const std::wstring& text) {
+std::size_t kept(std::wstring_view text) {
   const auto last = std::find_if_not(text.rbegin(), text.rend(), is_space);
   return static_cast<std::size_t>(text.rend() - last);
 }
@@ -36,16 +36,19 @@ bool is_accented_lower(wchar_t c) { return c >= 0xE0 && c <= 0xFD && c != 0xF7; 
 }  // namespace
 
 std::wstring& ltrim(std::wstring& text) { return text.erase(0, leading(text)); }
-std::wstring ltrim_(const std::wstring& text) { return text.substr(leading(text)); }
+std::wstring ltrim_(wide_view text) { return std::wstring(text.substr(leading(text))); }
+std::wstring ltrim_(const std::wstring& text) { return ltrim_(std::wstring_view(text)); }
 
 std::wstring& rtrim(std::wstring& text) {
   text.resize(kept(text));
   return text;
 }
-std::wstring rtrim_(const std::wstring& text) { return text.substr(0, kept(text)); }
+std::wstring rtrim_(wide_view text) { return std::wstring(text.substr(0, kept(text))); }
+std::wstring rtrim_(const std::wstring& text) { return rtrim_(std::wstring_view(text)); }
 
 std::wstring& trim(std::wstring& text) { return ltrim(rtrim(text)); }
-std::wstring trim_(const std::wstring& text) { return std::wstring(trimmed(text)); }
+std::wstring trim_(wide_view text) { return std::wstring(trimmed(text)); }
+std::wstring trim_(const std::wstring& text) { return trim_(std::wstring_view(text)); }
 
 std::wstring safe_non_empty(const std::wstring& a, const std::wstring& b) { return a.empty() ? b : a; }
 std::wstring safe_non_empty(const std::string& a, const std::string& b) {
@@ -59,18 +62,20 @@ std::wstring& to_lowercase(std::wstring& text) {
   letter_case::map_units<letter_case::to_small>(text.data(), text.size());
   return text;
 }
-std::wstring to_lowercase_(const std::wstring& text) {
-  std::wstring copy = text;
+std::wstring to_lowercase_(wide_view text) {
+  std::wstring copy(text);
   return std::move(to_lowercase(copy));
 }
+std::wstring to_lowercase_(const std::wstring& text) { return to_lowercase_(std::wstring_view(text)); }
 
 std::wstring& to_uppercase(std::wstring& text) {
   letter_case::map_units<letter_case::to_capital>(text.data(), text.size());
   return text;
 }
-std::wstring to_uppercase_(const std::wstring& text) {
-  std::wstring copy = text;
+std::wstring to_uppercase_(wide_view text) {
+  std::wstring copy(text);
   return std::move(to_uppercase(copy));
 }
+std::wstring to_uppercase_(const std::wstring& text) { return to_uppercase_(std::wstring_view(text)); }
 
 }  // namespace ruvo::texto

@@ -62,15 +62,15 @@ std::wstring web_encode(std::wstring text) {
   return out;
 }
 
-std::wstring web_decode(const std::wstring& text) {
+std::wstring web_decode(wide_view text) {
   std::wstring out;
-  if (!wire::percent_text(out, std::wstring_view(text)).good())
-    throw std::invalid_argument("invalid percent-encoding");
+  if (!wire::percent_text(out, text).good()) throw std::invalid_argument("invalid percent-encoding");
   return out;
 }
+std::wstring web_decode(const std::wstring& text) { return web_decode(std::wstring_view(text)); }
 
-std::string q_encoded(const std::string& text) {
-  if (is_plain_header(text)) return text;
+std::string q_encoded(narrow_view text) {
+  if (is_plain_header(text)) return std::string(text);
   constexpr std::string_view begin = "=?UTF-8?Q?";
   constexpr std::string_view end = "?=";
   constexpr std::size_t longest_word = 75;
@@ -91,5 +91,6 @@ std::string q_encoded(const std::string& text) {
   out.append(end);
   return out;
 }
+std::string q_encoded(const std::string& text) { return q_encoded(std::string_view(text)); }
 
 }  // namespace ruvo::texto

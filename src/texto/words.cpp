@@ -12,7 +12,7 @@
 
 namespace ruvo::texto {
 
-std::wstring to_camel_case_(const std::wstring& text) {
+std::wstring to_camel_case_(wide_view text) {
   std::wstring out;
   out.reserve(text.size());
   bool start = true;
@@ -23,9 +23,10 @@ std::wstring to_camel_case_(const std::wstring& text) {
   }
   return out;
 }
+std::wstring to_camel_case_(const std::wstring& text) { return to_camel_case_(std::wstring_view(text)); }
 std::wstring& to_camel_case(std::wstring& text) { return text = to_camel_case_(text); }
 
-std::wstring to_snake_case_(const std::wstring& text) {
+std::wstring to_snake_case_(wide_view text) {
   std::wstring out;
   out.reserve(text.size());
   for (const wchar_t unit : text) {
@@ -35,9 +36,10 @@ std::wstring to_snake_case_(const std::wstring& text) {
   }
   return out;
 }
+std::wstring to_snake_case_(const std::wstring& text) { return to_snake_case_(std::wstring_view(text)); }
 std::wstring& to_snake_case(std::wstring& text) { return text = to_snake_case_(text); }
 
-std::wstring to_capitalize_case_(const std::wstring& text) {
+std::wstring to_capitalize_case_(wide_view text) {
   std::wstring out;
   out.reserve(text.size());
   word_reader words(text);
@@ -47,6 +49,9 @@ std::wstring to_capitalize_case_(const std::wstring& text) {
     for (const wchar_t c : word.substr(1)) out.push_back(to_lowercase(c));
   }
   return out;
+}
+std::wstring to_capitalize_case_(const std::wstring& text) {
+  return to_capitalize_case_(std::wstring_view(text));
 }
 std::wstring& to_capitalize_case(std::wstring& text) { return text = to_capitalize_case_(text); }
 

@@ -30,6 +30,7 @@ using detail::folded_key;
 using detail::folded_path;
 using detail::key_view;
 using detail::kind;
+using detail::owned_text;
 
 namespace {
 
@@ -109,8 +110,6 @@ bundle::operator xvar() && {
 }
 
 // --- direct access
-
-std::wstring bundle::wide_text(std::string_view utf8) { return to_utf_16(utf8); }
 
 xvar& bundle::put_key(std::wstring_view key) { return put_in(*this, key_view(folded_key(key))); }
 
@@ -270,12 +269,6 @@ T number_or(const xvar* found, T fallback) {
   }
 }
 
-template <class T>
-T nonzero_or(const xvar* found, T fallback) {
-  const T value = number_or(found, fallback);
-  return value == T() ? fallback : value;
-}
-
 /// get_uxlong gives the unsigned reading through a signed result.
 long long unsigned_or(const xvar* found, long long fallback) {
   return static_cast<long long>(number_or(found, static_cast<unsigned long long>(fallback)));
@@ -294,60 +287,7 @@ const list* list_in(const xvar* found) {
   return found && cell::kind_of(*found) == kind::list ? &cell::as_list(*found) : nullptr;
 }
 
-}  // namespace
-
-long bundle::get_long(const std::wstring& path, char separator, long fallback) const {
-  return number_or(get_ptr(path, separator), fallback);
-}
-unsigned long bundle::get_ulong(const std::wstring& path, char separator, unsigned long fallback) const {
-  return number_or(get_ptr(path, separator), fallback);
-}
-short bundle::get_short(const std::wstring& path, char separator, short fallback) const {
-  return number_or(get_ptr(path, separator), fallback);
-}
-long long bundle::get_xlong(const std::wstring& path, char separator, long long fallback) const {
-  return number_or(get_ptr(path, separator), fallback);
-}
-long long bundle::get_uxlong(const std::wstring& path, char separator, long long fallback) const {
-  return unsigned_or(get_ptr(path, separator), fallback);
-}
-double bundle::get_double(const std::wstring& path, char separator, double fallback) const {
-  return number_or(get_ptr(path, separator), fallback);
-}
-float bundle::get_float(const std::wstring& path, char separator, float fallback) const {
-  return number_or(get_ptr(path, separator), fallback);
-}
-long bundle::get_nc_long(const std::wstring& path, long fallback, char separator) const {
-  return nonzero_or(get_ptr(path, separator), fallback);
-}
-unsigned long bundle::get_nc_ulong(const std::wstring& path, unsigned long fallback, char separator) const {
-  return nonzero_or(get_ptr(path, separator), fallback);
-}
-short bundle::get_nc_short(const std::wstring& path, short fallback, char separator) const {
-  return nonzero_or(get_ptr(path, separator), fallback);
-}
-long long bundle::get_nc_xlong(const std::wstring& path, long long fallback, char separator) const {
-  return nonzero_or(get_ptr(path, separator), fallback);
-}
-long long bundle::get_nc_uxlong(const std::wstring& path, long long fallback, char separator) const {
-  const long long value = get_uxlong(path, separator, fallback);
-  return value == 0 ? fallback : value;
-}
-double bundle::get_nc_double(const std::wstring& path, double fallback, char separator) const {
-  return nonzero_or(get_ptr(path, separator), fallback);
-}
-float bundle::get_nc_float(const std::wstring& path, float fallback, char separator) const {
-  return nonzero_or(get_ptr(path, separator), fallback);
-}
-
-long bundle::value_or(const xvar* found, long fallback) { return number_or(found, fallback); }
-unsigned long bundle::value_or(const xvar* found, unsigned long fallback) {
-  return number_or(found, fallback);
-}
-long long bundle::value_or(const xvar* found, long long fallback) { return number_or(found, fallback); }
-double bundle::value_or(const xvar* found, double fallback) { return number_or(found, fallback); }
-
-bool bundle::value_or(const xvar* found, bool fallback) {
+bool truth_or(const xvar* found, bool fallback) {
   if (!found || !found->can_be_boolean()) return fallback;
   try {
     return static_cast<bool>(*found);
@@ -356,59 +296,157 @@ bool bundle::value_or(const xvar* found, bool fallback) {
   }
 }
 
-bool bundle::get_boolean(const std::wstring& path, bool fallback, char separator) const {
-  return value_or(get_ptr(path, separator), fallback);
+std::wstring text_or(const xvar* found, const std::wstring& fallback) {
+  return found && found->is_not_null() ? found->to_string() : fallback;
 }
 
-std::wstring bundle::value_or(const xvar* found, const std::wstring& fallback) {
-  return found && found->is_not_null() ? found->to_string() : fallback;
+}  // namespace
+
+// get_X and get_nc_X of a number by a path of each type.
+#define KESTA_GETTERS_BY(Path, name, type, read)                               \
+  type bundle::get_##name(Path path, char separator, type fallback) const {    \
+    return read(get_ptr(path, separator), fallback);                           \
+  }                                                                            \
+  type bundle::get_nc_##name(Path path, type fallback, char separator) const { \
+    const type value = get_##name(path, separator, fallback);                  \
+    return value == 0 ? fallback : value;                                      \
+  }
+#define KESTA_GETTERS(name, type, read)                   \
+  KESTA_GETTERS_BY(const std::wstring&, name, type, read) \
+  KESTA_GETTERS_BY(const std::string&, name, type, read)  \
+  KESTA_GETTERS_BY(texto::either_view, name, type, read)
+KESTA_GETTERS(long, long, number_or)
+KESTA_GETTERS(ulong, unsigned long, number_or)
+KESTA_GETTERS(short, short, number_or)
+KESTA_GETTERS(xlong, long long, number_or)
+KESTA_GETTERS(uxlong, long long, unsigned_or)
+KESTA_GETTERS(double, double, number_or)
+KESTA_GETTERS(float, float, number_or)
+#undef KESTA_GETTERS
+#undef KESTA_GETTERS_BY
+
+bool bundle::get_boolean(const std::wstring& path, bool fallback, char separator) const {
+  return truth_or(get_ptr(path, separator), fallback);
 }
 
 std::wstring bundle::get_string(const std::wstring& path, char separator,
                                 const std::wstring& fallback) const {
-  return value_or(get_ptr(path, separator), fallback);
+  return text_or(get_ptr(path, separator), fallback);
 }
 
 std::wstring bundle::get_nc_string(const std::wstring& path, const std::wstring& fallback,
                                    char separator) const {
-  std::wstring text = get_string(path, separator);
-  return text.empty() ? fallback : text;
+  return get_nc_string(std::wstring_view(path), fallback, separator);
 }
 
 const binary& bundle::get_binary(const std::wstring& path, const binary& fallback, char separator) const {
-  const auto* const held = object_in<binary>(get_ptr(path, separator), kind::binary);
-  return held ? *held : fallback;
+  return get_binary(std::wstring_view(path), fallback, separator);
 }
 
 const memo& bundle::get_memo(const std::wstring& path, const memo& fallback, char separator) const {
-  const auto* const held = object_in<memo>(get_ptr(path, separator), kind::memo);
-  return held ? *held : fallback;
-}
-
-const bundle& bundle::bundle_or_none(const xvar* found) {
-  const bundle* const held = bundle_in(found);
-  return held ? *held : cell::as_bundle(xvar_dummies::of(typeid(bundle)));
-}
-
-const list& bundle::list_or_none(const xvar* found) {
-  const list* const held = list_in(found);
-  return held ? *held : cell::as_list(xvar_dummies::of(typeid(list)));
+  return get_memo(std::wstring_view(path), fallback, separator);
 }
 
 const bundle& bundle::get_bundle(const std::wstring& path, char separator) const {
-  return bundle_or_none(get_ptr(path, separator));
+  return get_bundle(std::wstring_view(path), separator);
 }
 
 const list& bundle::get_list(const std::wstring& path, char separator) const {
-  return list_or_none(get_ptr(path, separator));
+  return get_list(std::wstring_view(path), separator);
 }
 
 const bundle& bundle::get_nc_bundle(const std::wstring& path, const bundle& fallback, char separator) const {
-  const bundle* const held = bundle_in(get_ptr(path, separator));
-  return held && !held->empty() ? *held : fallback;
+  return get_nc_bundle(std::wstring_view(path), fallback, separator);
 }
 
 const list& bundle::get_nc_list(const std::wstring& path, const list& fallback, char separator) const {
+  return get_nc_list(std::wstring_view(path), fallback, separator);
+}
+
+// --- keys and paths that are views
+
+xvar& bundle::operator[](texto::either_view key) {
+  return key.is_narrow() ? put_key(to_utf_16(key.narrow())) : put_key(key.wide());
+}
+const xvar& bundle::at(texto::either_view key) const {
+  return key.is_narrow() ? look_key(to_utf_16(key.narrow())) : look_key(key.wide());
+}
+bundle::iterator bundle::find(texto::either_view key) {
+  return key.is_narrow() ? seek_key(to_utf_16(key.narrow())) : seek_key(key.wide());
+}
+bundle::size_type bundle::erase(texto::either_view key) {
+  const iterator found = find(key);
+  if (found == end()) return 0;
+  erase(const_iterator(found));
+  return 1;
+}
+const xvar* bundle::get_ptr(texto::either_view path, char separator) const {
+  return path.is_narrow() ? follow_path(to_utf_16(path.narrow()), separator)
+                          : follow_path(path.wide(), separator);
+}
+const xvar& bundle::get(texto::either_view path, char separator) const {
+  const xvar* const found = get_ptr(path, separator);
+  if (!found) throw detail::no_entry(owned_text(path));
+  return *found;
+}
+xvar& bundle::hack(texto::either_view path, char separator) {
+  return path.is_narrow() ? make_path(to_utf_16(path.narrow()), separator)
+                          : make_path(path.wide(), separator);
+}
+xvar& bundle::putOn(texto::either_view path, const xvar& value, char separator) {
+  return putOn(owned_text(path), value, separator);
+}
+bundle& bundle::hack_bundle_on(texto::either_view path, char separator) {
+  return cell::on_bundle(hack(path, separator));
+}
+list& bundle::hack_list_on(texto::either_view path, char separator) {
+  return cell::on_list(hack(path, separator));
+}
+memo& bundle::hack_memo_on(texto::either_view path, char separator) {
+  return cell::on_memo(hack(path, separator));
+}
+std::wstring& bundle::hack_string_on(texto::either_view path, char separator) {
+  return cell::on_string(hack(path, separator));
+}
+binary& bundle::hack_binary_on(texto::either_view path, char separator) {
+  return cell::on_binary(hack(path, separator));
+}
+binary& bundle::hack_nc_binary_on(texto::either_view path, const binary& initial, char separator) {
+  return hack_nc_binary_on(owned_text(path), initial, separator);
+}
+
+bool bundle::get_boolean(texto::either_view path, bool fallback, char separator) const {
+  return truth_or(get_ptr(path, separator), fallback);
+}
+std::wstring bundle::get_string(texto::either_view path, char separator, const std::wstring& fallback) const {
+  return text_or(get_ptr(path, separator), fallback);
+}
+std::wstring bundle::get_nc_string(texto::either_view path, const std::wstring& fallback,
+                                   char separator) const {
+  std::wstring text = get_string(path, separator);
+  return text.empty() ? fallback : text;
+}
+const binary& bundle::get_binary(texto::either_view path, const binary& fallback, char separator) const {
+  const auto* const held = object_in<binary>(get_ptr(path, separator), kind::binary);
+  return held ? *held : fallback;
+}
+const memo& bundle::get_memo(texto::either_view path, const memo& fallback, char separator) const {
+  const auto* const held = object_in<memo>(get_ptr(path, separator), kind::memo);
+  return held ? *held : fallback;
+}
+const bundle& bundle::get_bundle(texto::either_view path, char separator) const {
+  const bundle* const held = bundle_in(get_ptr(path, separator));
+  return held ? *held : cell::as_bundle(xvar_dummies::of(typeid(bundle)));
+}
+const list& bundle::get_list(texto::either_view path, char separator) const {
+  const list* const held = list_in(get_ptr(path, separator));
+  return held ? *held : cell::as_list(xvar_dummies::of(typeid(list)));
+}
+const bundle& bundle::get_nc_bundle(texto::either_view path, const bundle& fallback, char separator) const {
+  const bundle* const held = bundle_in(get_ptr(path, separator));
+  return held && !held->empty() ? *held : fallback;
+}
+const list& bundle::get_nc_list(texto::either_view path, const list& fallback, char separator) const {
   const list* const held = list_in(get_ptr(path, separator));
   return held && !held->empty() ? *held : fallback;
 }
@@ -459,48 +497,6 @@ binary& bundle::hack_binary_on(const std::string& path, char separator) {
 }
 binary& bundle::hack_nc_binary_on(const std::string& path, const binary& initial, char separator) {
   return hack_nc_binary_on(to_utf_16(path), initial, separator);
-}
-long bundle::get_long(const std::string& path, char separator, long fallback) const {
-  return get_long(to_utf_16(path), separator, fallback);
-}
-unsigned long bundle::get_ulong(const std::string& path, char separator, unsigned long fallback) const {
-  return get_ulong(to_utf_16(path), separator, fallback);
-}
-short bundle::get_short(const std::string& path, char separator, short fallback) const {
-  return get_short(to_utf_16(path), separator, fallback);
-}
-long long bundle::get_xlong(const std::string& path, char separator, long long fallback) const {
-  return get_xlong(to_utf_16(path), separator, fallback);
-}
-long long bundle::get_uxlong(const std::string& path, char separator, long long fallback) const {
-  return get_uxlong(to_utf_16(path), separator, fallback);
-}
-double bundle::get_double(const std::string& path, char separator, double fallback) const {
-  return get_double(to_utf_16(path), separator, fallback);
-}
-float bundle::get_float(const std::string& path, char separator, float fallback) const {
-  return get_float(to_utf_16(path), separator, fallback);
-}
-long bundle::get_nc_long(const std::string& path, long fallback, char separator) const {
-  return get_nc_long(to_utf_16(path), fallback, separator);
-}
-unsigned long bundle::get_nc_ulong(const std::string& path, unsigned long fallback, char separator) const {
-  return get_nc_ulong(to_utf_16(path), fallback, separator);
-}
-short bundle::get_nc_short(const std::string& path, short fallback, char separator) const {
-  return get_nc_short(to_utf_16(path), fallback, separator);
-}
-long long bundle::get_nc_xlong(const std::string& path, long long fallback, char separator) const {
-  return get_nc_xlong(to_utf_16(path), fallback, separator);
-}
-long long bundle::get_nc_uxlong(const std::string& path, long long fallback, char separator) const {
-  return get_nc_uxlong(to_utf_16(path), fallback, separator);
-}
-double bundle::get_nc_double(const std::string& path, double fallback, char separator) const {
-  return get_nc_double(to_utf_16(path), fallback, separator);
-}
-float bundle::get_nc_float(const std::string& path, float fallback, char separator) const {
-  return get_nc_float(to_utf_16(path), fallback, separator);
 }
 bool bundle::get_boolean(const std::string& path, bool fallback, char separator) const {
   return get_boolean(to_utf_16(path), fallback, separator);

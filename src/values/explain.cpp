@@ -212,5 +212,12 @@ std::wstring bundle::explain(const std::string& path, char separator) const noex
     return {};
   }
 }
+std::wstring bundle::explain(texto::either_view path, char separator) const noexcept {
+  try {
+    return explained(*this, detail::owned_text(path), separator);
+  } catch (...) {
+    return {};
+  }
+}
 
 }  // namespace ruvo

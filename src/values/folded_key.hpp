@@ -3,15 +3,18 @@
 
 // Keys and paths on their way in: folded to lower case without allocation where they are short.
 
+#include <ruvo/texto/exact_view.hpp>
 #include <ruvo/texto/words.hpp>
 
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "base/ascii.hpp"
 #include "base/key_units.hpp"
+#include "base/utf.hpp"
 #include "memory/shared_key.hpp"
 
 namespace ruvo::detail {
@@ -57,6 +60,11 @@ class folded_text {
 
 using folded_key = folded_text<texto::to_lower>;       // A-Z only
 using folded_path = folded_text<texto::to_lowercase>;  // accented letters too
+
+/// The text that a view shows, for what needs one of its own.
+inline std::wstring owned_text(texto::either_view text) {
+  return text.is_narrow() ? texto::to_utf_16(text.narrow()) : std::wstring(text.wide());
+}
 
 /// A folded key with its hash, as the stores look it up, and its spelling, which an entry that is made for it
 /// remembers.

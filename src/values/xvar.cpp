@@ -6,12 +6,14 @@
 #include <ruvo/xvar.hpp>
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 #include "base/ascii.hpp"
 #include "base/utf.hpp"
 #include "exc/detail.hpp"
 #include "values/cell.hpp"
+#include "values/folded_key.hpp"
 
 namespace ruvo {
 
@@ -39,6 +41,9 @@ void detail::give_room(void* room, std::size_t bytes) noexcept {
 }
 
 bool keylowercase::operator()(const std::wstring& a, const std::wstring& b) const noexcept {
+  return texto::before_in_lower_case(a, b);
+}
+bool keylowercase::operator()(std::wstring_view a, std::wstring_view b) const noexcept {
   return texto::before_in_lower_case(a, b);
 }
 
@@ -115,6 +120,29 @@ xvar::size_type xvar::erase(const std::wstring& key) { return qualities_ ? quali
 xvar::size_type xvar::erase(const std::string& key) { return erase(to_utf_16(key)); }
 void xvar::quality_remove(const std::wstring& key) { erase(key); }
 void xvar::quality_remove(const std::string& key) { erase(key); }
+
+var& xvar::operator[](texto::either_view key) {
+  const iterator found = find(key);
+  return found == end() ? hack_qualities()[detail::owned_text(key)] : found->second;
+}
+const var& xvar::at(texto::either_view key) const {
+  const auto found = find(key);
+  return found == end() ? at(detail::owned_text(key)) : found->second;
+}
+const var& xvar::get_quality(texto::either_view key) const {
+  const auto found = find(key);
+  return found == end() ? get_quality(detail::owned_text(key)) : found->second;
+}
+xvar::iterator xvar::find(texto::either_view key) {
+  if (!qualities_) return end();
+  return key.is_narrow() ? qualities_->find(to_utf_16(key.narrow())) : qualities_->find(key.wide());
+}
+xvar::size_type xvar::erase(texto::either_view key) {
+  const iterator found = find(key);
+  if (found == end()) return 0;
+  qualities_->erase(found);
+  return 1;
+}
 
 void xvar::add_qualities(const qualities_map& qualities) {
   if (qualities.empty()) return;

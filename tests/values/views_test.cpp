@@ -164,6 +164,11 @@ void views_do_what_texts_do(View all) {
   EXPECT_EQ(b.get_ulong(key), 7U);
   EXPECT_EQ(b.get_xlong(missing, '.', 9), 9);
   EXPECT_EQ(b.get_double(key, '/', 1), 7.0);
+  EXPECT_EQ(b.get_short(key) + b.get_float(key) + b.get_uxlong(missing, '.', -2), 12);
+  EXPECT_EQ(b.get_nc_long(key, 1) + b.get_nc_short(missing, 2, '/'), 9);
+  EXPECT_EQ(b.get_nc_ulong(missing, 1), 1U);
+  EXPECT_EQ(b.get_nc_xlong(key) + b.get_nc_uxlong(missing, 3) + b.get_nc_double(missing, 0.5), 10.5);
+  EXPECT_EQ(b.get_nc_float(missing, 0.5F), 0.5F);
   EXPECT_TRUE(b.get_boolean(key, true));
   EXPECT_EQ(b.get_string(key), L"7");
   EXPECT_EQ(b.get_nc_string(missing, L"x"), L"x");
@@ -173,7 +178,16 @@ void views_do_what_texts_do(View all) {
   EXPECT_EQ(&b.hack(path), b.get_ptr(path));
   EXPECT_EQ(b.get_bundle(key).size(), 1U);
   b.hack_list_on(missing).push_back(1);
-  EXPECT_EQ(b.get_list(missing).size(), 1U);
+  EXPECT_EQ(b.get_list(missing).size() + b.get_nc_list(missing, {}).size(), 2U);
+  b.hack_memo_on(missing) = L"m";
+  EXPECT_EQ(b.get_memo(missing, {}).to_string(), L"m");
+  b.hack_string_on(missing) = L"s";
+  EXPECT_EQ(b.get_string(missing), L"s");
+  EXPECT_EQ(b.hack_nc_binary_on(missing, ruvo::binary("xy")).size(), 2U);
+  EXPECT_EQ(b.get_binary(missing, {}).size() + b.hack_binary_on(missing).size(), 4U);
+  EXPECT_EQ(b.get_nc_bundle(missing, b).size(), b.size());
+  EXPECT_EQ(b.explain(missing), b.explain(std::wstring(var(missing).to_string())));
+  EXPECT_EQ(b.hack_ptr(path), b.get_ptr(path));
   try {
     static_cast<void>(b.get(all.substr(2)));
     FAIL();
@@ -182,6 +196,18 @@ void views_do_what_texts_do(View all) {
   }
   EXPECT_EQ(b.erase(key) + b.erase(key), 1U);
   EXPECT_EQ(var(all), L"añb.c7");
+
+  xvar v = 5;
+  v[key] = 1;
+  v[key] = 2;
+  EXPECT_EQ(v.at(key), 2);
+  EXPECT_EQ(v.get_quality(key), 2);
+  EXPECT_EQ(v.find(key)->first, L"añb");
+  EXPECT_TRUE(v.has_quality(key) && v.count(key) == 1 && v.find(missing) == v.end());
+  EXPECT_THROW(static_cast<void>(v.at(missing)), std::out_of_range);
+  EXPECT_THROW(static_cast<void>(v.get_quality(missing)), ruvo::exc::OutOfRange);
+  v.quality_remove(missing);
+  EXPECT_EQ(v.erase(key) + v.erase(key), 1U);
 }
 
 TEST(views, are_keys_paths_and_texts) {

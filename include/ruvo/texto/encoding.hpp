@@ -4,6 +4,7 @@
 // UTF-8, Base64, hexadecimal and the encodings of the web and of mail.
 
 #include <ruvo/api.hpp>
+#include <ruvo/texto/exact_view.hpp>
 #include <ruvo/wider.hpp>
 
 #include <iosfwd>
@@ -33,6 +34,17 @@ KESTA_API std::string to_utf_8(const std::wstring& text);
 KESTA_API void append_utf_16(std::wstring& out, std::string_view text);
 KESTA_API void append_utf_8(std::string& out, std::wstring_view text);
 // NOLINTEND(readability-redundant-declaration)
+/// The same of views.
+inline std::wstring to_utf_16(narrow_view text) {
+  std::wstring out;
+  append_utf_16(out, text);
+  return out;
+}
+inline std::string to_utf_8(wide_view text) {
+  std::string out;
+  append_utf_8(out, text);
+  return out;
+}
 /// Removes the bytes EF BB BF at the start of `text`, if they are there.
 KESTA_API void remove_win_bom(std::string& text);
 
@@ -85,6 +97,8 @@ KESTA_API std::wstring char_to_hex(wchar_t c);
 /// @quirk Only the low 8 bits of a wide character are written.
 KESTA_API std::wstring string_to_hex(const std::wstring& text);
 KESTA_API std::wstring string_to_hex(const std::string& text);
+KESTA_API std::wstring string_to_hex(wide_view text);
+KESTA_API std::wstring string_to_hex(narrow_view text);
 KESTA_API std::wstring bytes_to_hexString(const unsigned char* bytes, unsigned long count);
 /// Throws std::length_error beyond what an unsigned long holds.
 template <ruvo::detail::wider_than_ulong Count>
@@ -95,6 +109,8 @@ std::wstring bytes_to_hexString(const unsigned char* bytes, Count count) {
 /// Throws std::invalid_argument ("invalid hex digit").
 KESTA_API std::wstring hex_to_string(const std::wstring& hex);
 KESTA_API std::string hex_to_string(const std::string& hex);
+KESTA_API std::wstring hex_to_string(wide_view hex);
+KESTA_API std::string hex_to_string(narrow_view hex);
 /// Both into a text that is kept: they replace `out` by the digits, or by what they stand for, and use its
 /// memory where that is enough. `out` may be `in`. Decoding throws as above; `out` is empty then.
 KESTA_API void hex_encode(std::wstring& out, const std::wstring& in);
@@ -107,17 +123,20 @@ KESTA_API int hex_char_to_int(wchar_t digit);
 /// sign and no prefix: throws std::invalid_argument ("Carácter hexadecimal no válido", in UTF-8) for anything
 /// but digits. The time grows with the square of the length.
 KESTA_API std::string hex_to_dec(const std::string& hex);
+KESTA_API std::string hex_to_dec(narrow_view hex);
 
 // --- the web and mail
 
 /// Percent-encoding of the text's UTF-8, RFC 3986: letters, digits and `-._~` stay, every other byte becomes
 /// `%` and two upper-case digits. For a part of an address, not for a whole one: its "/" and "?" do not stay.
 [[nodiscard]] KESTA_API std::wstring web_encode(std::wstring text);
+[[nodiscard]] inline std::wstring web_encode(wide_view text) { return web_encode(std::wstring(text)); }
 /// What web_encode() made the text of, also of small digits and of characters that need no encoding. A "+" is
 /// a "+": in the query of a form, where it is a blank, take http::fields (<ruvo/forms.hpp>). Throws
 /// std::invalid_argument ("invalid percent-encoding") for a "%" without two digits behind it, and for bytes
 /// that are no UTF-8.
 [[nodiscard]] KESTA_API std::wstring web_decode(const std::wstring& text);
+[[nodiscard]] KESTA_API std::wstring web_decode(wide_view text);
 /// The UTF-8 text as "Q" encoded words of a mail header, RFC 2047: `=?UTF-8?Q?...?=`, each of at most 75
 /// characters, ending between characters and joined by CRLF and a blank. What stands before the first word is
 /// not counted: behind a field's name its line may pass the 76 characters of section 2 by that name. Literal
@@ -126,5 +145,6 @@ KESTA_API std::string hex_to_dec(const std::string& hex);
 /// unstructured fields like Subject, while a name with `,`, `<` or `@` before an address wants quotes.
 /// Malformed parts become U+FFFD.
 KESTA_API std::string q_encoded(const std::string& text);
+KESTA_API std::string q_encoded(narrow_view text);
 
 }  // namespace ruvo::texto

@@ -5,6 +5,7 @@
 
 #include <ruvo/api.hpp>
 #include <ruvo/fwd.hpp>
+#include <ruvo/texto/exact_view.hpp>
 
 #include <string>
 
@@ -15,9 +16,11 @@ namespace ruvo::texto {
 /// Doubles each ', as a text literal needs it.
 KESTA_API std::wstring& escaped_to_sql(std::wstring& text);
 [[nodiscard]] KESTA_API std::wstring escaped_to_sql_(const std::wstring& text);
+[[nodiscard]] KESTA_API std::wstring escaped_to_sql_(wide_view text);
 /// Halves each pair of '.
 KESTA_API std::wstring& escaped_from_sql(std::wstring& text);
 [[nodiscard]] KESTA_API std::wstring escaped_from_sql_(const std::wstring& text);
+[[nodiscard]] KESTA_API std::wstring escaped_from_sql_(wide_view text);
 
 // --- HTML
 
@@ -30,13 +33,16 @@ KESTA_API std::wstring& escaped_from_html(std::wstring& text);
 /// Line ends, CR LF or LF alone, to `<br/>`, then escaped_to_html. A CR alone stays.
 KESTA_API std::wstring& to_html(std::wstring& text);
 [[nodiscard]] KESTA_API std::wstring to_html_(const std::wstring& text);
+[[nodiscard]] KESTA_API std::wstring to_html_(wide_view text);
 /// escaped_from_html, then `<br/>` and `</br>` to CR LF, then every tag is removed. A `<` without a `>`
 /// behind it stays.
 KESTA_API std::wstring& to_plain(std::wstring& text);
 [[nodiscard]] KESTA_API std::wstring to_plain_(const std::wstring& text);
+[[nodiscard]] KESTA_API std::wstring to_plain_(wide_view text);
 
 /// Whether there is a tag in the text: a `<`, anything but `>`, and a `>`.
 KESTA_API bool is_html(const std::wstring& text);
+KESTA_API bool is_html(wide_view text);
 
 /// Removes `<html>`, `</html>`, `<html/>` and `</html/>` in any case, then the same of body; a tag with
 /// attributes stays. Gives the position of the first `<body>`, in lower case, in the text as it was, or
@@ -44,6 +50,8 @@ KESTA_API bool is_html(const std::wstring& text);
 KESTA_API unsigned long long remove_html_and_body_tags(std::wstring& text);
 /// The same; the position goes to `*body`, if given.
 [[nodiscard]] KESTA_API std::wstring remove_html_and_body_tags_(const std::wstring& text,
+                                                                unsigned long long* body = nullptr);
+[[nodiscard]] KESTA_API std::wstring remove_html_and_body_tags_(wide_view text,
                                                                 unsigned long long* body = nullptr);
 
 // --- JSON
@@ -60,6 +68,7 @@ KESTA_API void escaped_to_json(bundle& values, bool nested);
 /// Works on any text. Levels below the 20th are not indented further, so that deep nesting takes no more than
 /// a line each.
 KESTA_API std::wstring print_json(std::wstring text);
+inline std::wstring print_json(wide_view text) { return print_json(std::wstring(text)); }
 
 // --- stored memos: bytes in a memo as Base64, in either alphabet, with or without padding and blanks
 

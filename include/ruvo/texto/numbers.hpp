@@ -4,6 +4,7 @@
 // Numbers as text: formatting, tests of form, amounts in words.
 
 #include <ruvo/api.hpp>
+#include <ruvo/texto/exact_view.hpp>
 
 #include <string>
 
@@ -48,14 +49,18 @@ KESTA_API std::wstring cifras_letras(double amount);
 /// exchanged, without sign; or an optional '-', a digit, and then digits and points, or digits and commas.
 /// @quirk The second form is loose: "-1.2.3" and "1.." are numbers, while "-1.234,5" is none.
 KESTA_API bool is_number(const std::wstring& text);
+KESTA_API bool is_number(wide_view text);
 /// Whole text: an optional '-' and digits, as many as there are.
 KESTA_API bool is_integer(const std::wstring& text);
+KESTA_API bool is_integer(wide_view text);
 /// Whole text: digits only.
 KESTA_API bool is_integer_positive(const std::wstring& text);
+KESTA_API bool is_integer_positive(wide_view text);
 
 /// Whole text: ASCII letters, digits, '_', '-' and '+', then words of letters, digits, '_' and '-' after a
 /// point each; '@'; a word of letters, digits and '-', words of letters and digits after a point each, the
 /// last with two letters or more and nothing else. Narrower than RFC 5321 allows.
 KESTA_API bool is_email(const std::wstring& text);
+KESTA_API bool is_email(wide_view text);
 
 }  // namespace ruvo::texto

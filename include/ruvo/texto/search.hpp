@@ -5,8 +5,10 @@
 // `pattern` is literal: no character has a meaning of its own. All comparisons are case-sensitive.
 
 #include <ruvo/api.hpp>
+#include <ruvo/texto/exact_view.hpp>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace ruvo::texto {
@@ -15,10 +17,22 @@ namespace ruvo::texto {
 
 /// Whether `text` begins with `part`; true for an empty part. Case matters.
 KESTA_API bool starts_with(const std::wstring& text, const std::wstring& part);
+KESTA_API bool starts_with(wide_view text, wide_view part);
+inline bool starts_with(wide_view text, const std::wstring& part) {
+  return starts_with(text, std::wstring_view(part));
+}
 /// Whether `text` ends with `part`; true for an empty part. Case matters.
 KESTA_API bool ends_with(const std::wstring& text, const std::wstring& part);
+KESTA_API bool ends_with(wide_view text, wide_view part);
+inline bool ends_with(wide_view text, const std::wstring& part) {
+  return ends_with(text, std::wstring_view(part));
+}
 /// Whether `part` stands anywhere in `text`; true for an empty part. Case matters.
 KESTA_API bool contains(const std::wstring& text, const std::wstring& part);
+KESTA_API bool contains(wide_view text, wide_view part);
+inline bool contains(wide_view text, const std::wstring& part) {
+  return contains(text, std::wstring_view(part));
+}
 
 /// Whether the pattern matches the whole text.
 ///
@@ -34,6 +48,7 @@ KESTA_API bool contains(const std::wstring& text, const std::wstring& part);
 /// spaces among them; `\d` and `[[:digit:]]` are 0 to 9. Ranges like `[a-z]` hold what lies between their
 /// ends.
 KESTA_API bool match(const std::wstring& text, std::wstring pattern);
+KESTA_API bool match(wide_view text, std::wstring pattern);
 
 // --- masks
 
@@ -50,10 +65,15 @@ enum modo_busqueda : int {
 
 /// Whether `text` holds `*` or `?`.
 KESTA_API bool has_mask(const std::wstring& text);
+KESTA_API bool has_mask(wide_view text);
 /// Whether the mask fits the text: `*` stands for any run of characters, the empty one too, and `?` for any
 /// one character. Time is at most the product of both lengths, and no more than their sum for ordinary masks.
 /// @quirk A mask with `*` or `?` must fit the whole text, whatever the mode.
 KESTA_API bool match_mask(const std::wstring& text, const std::wstring& mask, modo_busqueda mode);
+KESTA_API bool match_mask(wide_view text, wide_view mask, modo_busqueda mode);
+inline bool match_mask(wide_view text, const std::wstring& mask, modo_busqueda mode) {
+  return match_mask(text, std::wstring_view(mask), mode);
+}
 /// For a mode that is kept as a number.
 inline bool match_mask(const std::wstring& text, const std::wstring& mask, int mode) {
   return match_mask(text, mask, static_cast<modo_busqueda>(mode));
@@ -61,12 +81,16 @@ inline bool match_mask(const std::wstring& text, const std::wstring& mask, int m
 /// The mask for the LIKE operator of SQL: `%` for `*` and `_` for `?`.
 /// @quirk A `%` or `_` of the mask is not escaped: it becomes a wildcard.
 KESTA_API std::wstring mask_to_sql(const std::wstring& mask);
+KESTA_API std::wstring mask_to_sql(wide_view mask);
 
 /// What stands between the first quotation mark (" or ') and the next one on the same line. Without such a
 /// pair, the text as it is: an unquoted value is its own content. `*found`, if given, becomes whether
 /// there was a pair.
 /// @quirk The marks need not be alike: "it's" in double quotation marks gives `it`.
 [[nodiscard]] KESTA_API std::wstring content(std::wstring text, bool* found = nullptr);
+[[nodiscard]] inline std::wstring content(wide_view text, bool* found = nullptr) {
+  return content(std::wstring(text), found);
+}
 
 // --- replacing
 
@@ -76,6 +100,7 @@ KESTA_API std::wstring mask_to_sql(const std::wstring& mask);
 KESTA_API std::wstring& replace(std::wstring& text, std::wstring pattern, std::wstring with);
 [[nodiscard]] KESTA_API std::wstring replace_(const std::wstring& text, std::wstring pattern,
                                               std::wstring with);
+[[nodiscard]] KESTA_API std::wstring replace_(wide_view text, std::wstring pattern, std::wstring with);
 /// Replaces every `from`; both are literal characters, so '.' and '*' are safe too.
 KESTA_API std::wstring& replace(std::wstring& text, wchar_t from, wchar_t to);
 
@@ -88,6 +113,7 @@ KESTA_API std::wstring& std_replace(std::wstring& text, std::wstring from, std::
 /// Puts a backslash before `- [ ] { } ( ) * + ? . , ^ $ | #` and the blanks of `\s`.
 /// @quirk A backslash is not escaped, so a text that holds one does not become a pattern that matches it.
 KESTA_API std::wstring escape_regex_pattern(const std::wstring& text);
+KESTA_API std::wstring escape_regex_pattern(wide_view text);
 
 // --- splitting
 
@@ -95,8 +121,16 @@ KESTA_API std::wstring escape_regex_pattern(const std::wstring& text);
 /// the whole text.
 /// @quirk No piece follows a final separator: ",a,,b," gives "", "a", "", "b".
 KESTA_API std::vector<std::wstring> split(const std::wstring& text, const std::wstring& separator);
+KESTA_API std::vector<std::wstring> split(wide_view text, wide_view separator);
+inline std::vector<std::wstring> split(wide_view text, const std::wstring& separator) {
+  return split(text, std::wstring_view(separator));
+}
 /// Appends the pieces to `out`.
 KESTA_API void split_on(std::vector<std::wstring>& out, const std::wstring& text,
                         const std::wstring& separator);
+KESTA_API void split_on(std::vector<std::wstring>& out, wide_view text, wide_view separator);
+inline void split_on(std::vector<std::wstring>& out, wide_view text, const std::wstring& separator) {
+  split_on(out, text, std::wstring_view(separator));
+}
 
 }  // namespace ruvo::texto
