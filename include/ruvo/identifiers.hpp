@@ -52,7 +52,10 @@ enum class kind {
   /// where that is known.
   card,
   /// VAT number of the European Union and Northern Ireland, with its country, "EL" being Greece: "ES" and a
-  /// NIF, which is checked as such; of other countries the form alone, as VIES describes it.
+  /// NIF, which is checked as such; "BE" and the number of an enterprise, ten digits, the first 0 or 1, of
+  /// which the last two are 97 less the others modulo 97 (Belgian royal decree of 24 June 2003); "NL", nine
+  /// digits, B and two digits, where either the nine are an RSIN (weighted sum modulo 11) or, as of 2020, the
+  /// whole is 1 modulo 97 (Belastingdienst); of other countries the form alone, as VIES describes it.
   vat,
   /// Number for customs (Regulation (EU) 2015/2446, annex 12-01): "ES" and a NIF, which is checked as such;
   /// another country of the Union, Northern Ireland or the United Kingdom and up to 15 letters or digits.
@@ -97,13 +100,15 @@ KESTA_API verdict check(kind what, std::wstring_view text) noexcept;
 /// (posición 9)". Empty when nothing is.
 KESTA_API std::wstring message_of(const verdict& found);
 
-/// In capitals and without separators, as programs store it: "12345678Z", "ES9121000418450200051332",
-/// "+34910000000". What check() refuses is cleaned likewise, but for characters that no identifier of the
-/// kind has, which stay.
+/// In capitals and without separators, as programs store it: "12345678Z", "ES9121000418450200051332". A
+/// telephone number gets the form of ITU-T E.164 in all cases, "+34910000000", whether it is written with
+/// "+34", "0034" or neither; it is the same number. What check() refuses is cleaned likewise, but for
+/// characters that no identifier of the kind has, which stay.
 KESTA_API std::wstring normalise(kind what, std::wstring_view text);
 
 /// As people write it: "12345678-Z", "B-12345674", "2100 0418 45 0200051332", "910 000 000", an IBAN and a
-/// card in groups. What check() refuses is given back as it is.
+/// card in groups; a telephone number with "+34" if it is written with the prefix, else without. What check()
+/// refuses is given back as it is.
 KESTA_API std::wstring format(kind what, std::wstring_view text);
 
 /// What an identifier says of itself: of a NIF the legal form ("Sociedad limitada", "Persona física",

@@ -23,6 +23,12 @@ inline unsigned long number_of(std::string_view digits) {
   return number;
 }
 
+/// Writes a number below 100 in two digits.
+inline void put_pair(char* to, int number) {
+  to[0] = static_cast<char>('0' + number / 10);
+  to[1] = static_cast<char>('0' + number % 10);
+}
+
 /// The letter that controls the number of a DNI or NIE.
 inline char dni_letter(unsigned long number) { return "TRWAGMYFPDXBNJZSQVHLCKE"[number % 23]; }
 

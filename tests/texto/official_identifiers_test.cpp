@@ -107,6 +107,13 @@ TEST_F(official, what_is_wrong_is_said) {
       {kind::vat, L"GR094259216", fault::beginning, 1, L""},
       {kind::vat, L"IE9+12345A", fault::none, 0, L""},
       {kind::vat, L"NL123456789A01", fault::character, 12, L""},
+      {kind::vat, L"NL004495445B01", fault::none, 0, L""},  // an RSIN
+      {kind::vat, L"NL123456789B13", fault::none, 0, L""},  // modulo 97
+      {kind::vat, L"NL123456789B14", fault::control, 13, L"13"},
+      {kind::vat, L"BE 0440.966.354", fault::none, 0, L""},
+      {kind::vat, L"BE0440966355", fault::control, 11, L"54"},
+      {kind::vat, L"BE2440966354", fault::character, 3, L""},
+      {kind::vat, L"BE440966354", fault::length, 0, L""},
       {kind::vat, L"BG12345678", fault::length, 0, L""},
       {kind::eori, L"ESA58818501", fault::none, 0, L""},
       {kind::eori, L"ESA58818502", fault::control, 11, L"1"},
@@ -159,8 +166,9 @@ TEST_F(official, usual_writings_and_what_they_say) {
       {kind::postal_code, L" 01001", L"01001", L"01001", L"Araba/Álava"},
       {kind::postal_code, L"52001", L"52001", L"52001", L"Melilla"},
       {kind::telephone, L"0034 (910) 00-00-00", L"+34910000000", L"+34 910 000 000", L"fijo"},
-      {kind::telephone, L"712345678", L"712345678", L"712 345 678", L"móvil"},
-      {kind::telephone, L"1\u00A02", L"12", L"1\u00A02", L""},  // refused
+      {kind::telephone, L"712345678", L"+34712345678", L"712 345 678", L"móvil"},
+      {kind::telephone, L"412345678", L"412345678", L"412345678", L""},  // refused
+      {kind::telephone, L"1\u00A02", L"12", L"1\u00A02", L""},           // refused
   };
   for (const auto& [of, text, normal, usual, says] : rows) {
     EXPECT_EQ(identifiers::normalise(of, text), normal);
@@ -203,6 +211,7 @@ TEST_F(official, control_characters_are_made_and_find_each_wrong_digit) {
         {kind::card, some_digits(chance, 16)},
         {kind::iban, country + L"00" + account(chance, form)},
         {kind::vat, L"ESB" + some_digits(chance, 8)},
+        {kind::vat, L"BE0" + some_digits(chance, 9)},
     };
     for (const auto& [of, text] : rows) {
       if (of == kind::card && identifiers::check(of, text).what == fault::length) continue;
@@ -223,5 +232,7 @@ TEST_F(official, control_characters_are_made_and_find_each_wrong_digit) {
   EXPECT_EQ(identifiers::control_of_company(L'P', 2807900), L'B');
   EXPECT_EQ(identifiers::control_of_company(L'X', 1), L'\0');
   EXPECT_EQ(identifiers::with_control(kind::dni, L"1234567Z"), L"");
+  EXPECT_EQ(identifiers::with_control(kind::vat, L"NL123456789B00"), L"NL123456789B13");
+  EXPECT_EQ(identifiers::with_control(kind::vat, L"NL004495445B02"), L"NL004495445B02");
   EXPECT_EQ(identifiers::account_form(L"ZZ"), L"");
 }

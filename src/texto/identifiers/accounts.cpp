@@ -74,11 +74,6 @@ bool has_class(char c, wchar_t of) {
   }
 }
 
-void put_pair(char* to, int number) {
-  to[0] = static_cast<char>('0' + number / 10);
-  to[1] = static_cast<char>('0' + number % 10);
-}
-
 /// The control digit of ten digits of a Spanish account, by the powers of two modulo 11.
 char spanish_digit(std::string_view ten_digits) {
   int sum = 0, weight = 1;
@@ -108,7 +103,7 @@ char french_digit(char c) {
 void put_french_control(char* account) {
   int remainder = 0;
   for (int i = 0; i < 21; ++i) remainder = (remainder * 10 + (french_digit(account[i]) - '0')) % 97;
-  put_pair(account + 21, 97 - remainder * 100 % 97);
+  texto::put_pair(account + 21, 97 - remainder * 100 % 97);
 }
 
 /// The characters in odd places, counted from 1, count by a table, the others by their place in the alphabet
@@ -175,14 +170,15 @@ void put_account_control(account_control control, char* account, std::size_t siz
       return;
     case belgium: {
       const int remainder = texto::remainder_97(0, body);
-      return put_pair(account + size - 2, remainder == 0 ? 97 : remainder);
+      return texto::put_pair(account + size - 2, remainder == 0 ? 97 : remainder);
     }
     case france:
       return put_french_control(account);
     case italy:
       return put_italian_control(account);
     case modulo_97:
-      return put_pair(account + size - 2, 98 - texto::remainder_97(texto::remainder_97(0, body), "00"));
+      return texto::put_pair(account + size - 2,
+                             98 - texto::remainder_97(texto::remainder_97(0, body), "00"));
     case spain:
       return put_spanish_control(account);
   }

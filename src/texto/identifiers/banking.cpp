@@ -50,11 +50,6 @@ const card_brand* find_brand(std::string_view text) {
   return row != std::end(card_brands) ? row : nullptr;
 }
 
-/// Whether what stands at the index is right; `bad` is what is wrong otherwise.
-verdict compared(std::string_view given, std::string_view right, fault bad, std::size_t index) {
-  return given == right ? verdict{} : faulty(bad, index, right);
-}
-
 /// The control characters that the account should have.
 verdict check_account(account_control control, std::string_view account, fault bad) {
   char right[compact::room];
@@ -68,9 +63,7 @@ void put_iban_control(char* text, std::size_t size) {
   const std::string_view all(text, size);
   int remainder = texto::remainder_97(0, all.substr(account_at));
   remainder = texto::remainder_97(texto::remainder_97(remainder, all.substr(0, 2)), "00");
-  const int control = 98 - remainder;
-  text[2] = static_cast<char>('0' + control / 10);
-  text[3] = static_cast<char>('0' + control % 10);
+  texto::put_pair(text + 2, 98 - remainder);
 }
 
 /// The country, the length and the characters.

@@ -35,7 +35,7 @@ constexpr kind_rules all_rules[] = {
      describe_by_country},
     {L"BIC", no_such_country, L"", L"", 8, 11, "8, 11", check_bic, nullptr, nullptr, describe_bic},
     {L"Tarjeta", L"", L"", L"", 12, 19, "12-19", check_card, complete_card, format_card, describe_card},
-    {L"NIF-IVA", no_such_country, L"", L"+*", 4, 14, "", check_vat, complete_behind_country, nullptr,
+    {L"NIF-IVA", no_such_country, L"", L"+*", 4, 14, "", check_vat, complete_vat, nullptr,
      describe_by_country},
     {L"EORI", no_such_country, L"", L"", 3, 17, "3-17", check_eori, complete_behind_country, nullptr,
      describe_by_country},

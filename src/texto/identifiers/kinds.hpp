@@ -55,6 +55,11 @@ inline verdict faulty(fault what, std::size_t index) noexcept {
 /// The same with what was expected, of up to seven characters.
 verdict faulty(fault what, std::size_t index, std::string_view expected) noexcept;
 
+/// Whether what stands at the index is right; `bad` is what is wrong otherwise.
+inline verdict compared(std::string_view given, std::string_view right, fault bad, std::size_t index) {
+  return given == right ? verdict{} : faulty(bad, index, right);
+}
+
 /// The verdict on a part that begins at the index.
 inline verdict moved(verdict part, std::size_t index) noexcept {
   if (part.position != 0) part.position += index;
@@ -88,6 +93,7 @@ std::wstring_view describe_by_country(std::string_view text) noexcept;
 // --- trade.cpp
 
 verdict check_vat(std::string_view text) noexcept;
+bool complete_vat(char* text, std::size_t size) noexcept;
 verdict check_eori(std::string_view text) noexcept;
 bool complete_behind_country(char* text, std::size_t size) noexcept;
 

@@ -135,7 +135,11 @@ verdict check_telephone(std::string_view text) noexcept {
 }
 
 std::wstring canonical_telephone(std::wstring compact_text) {
-  if (compact_text.starts_with(L"0034")) compact_text.replace(0, 2, 1, L'+');
+  if (compact_text.starts_with(L"0034")) {
+    compact_text.replace(0, 2, 1, L'+');
+  } else if (compact_text.size() == national_size && check(kind::telephone, compact_text)) {
+    compact_text.insert(0, L"+34");
+  }
   return compact_text;
 }
 
