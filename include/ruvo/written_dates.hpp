@@ -73,14 +73,15 @@ struct parsed_date {
 /// Reads the whole text as a date of the years 1 to 9999. Linear in its length; depends on no locale.
 ///
 /// The date is day, month and year, the month a number or its Spanish name, whole or cut to three letters or
-/// more, with "/", "-", ".", "de", "del", "," or blanks between them, and the same sign twice where all are
-/// numbers: "3/2/2024", "03-02-24", "3 feb. 2024", "1.º de mayo de 2024", "primero de mayo de 2024". Or it is
-/// a year of four digits, month and day: "2024-02-03". The day of the week may stand before it, "el" before
+/// more, with "/", "-", ".", "de", "del" or blanks between them, before the year also ",", if the month is a
+/// name, and the same sign twice where all are numbers: "3/2/2024", "03-02-24", "3 feb. 2024", "3 febrero,
+/// 2024", "1.º de mayo de 2024", "primero de mayo de 2024". Or it is a year of four digits, month and day:
+/// "2024-02-03". The day of the week may stand before it, "el" before
 /// that; it has to be right. A time of day may stand behind, also behind ",", "a las" or "T": "10:30",
 /// "10.30 h", "10:30:15", "10 h", "5 p. m.". Case and accents do not count.
 [[nodiscard]] KESTA_API parsed_date parse_date(std::wstring_view text, const date_options& options = {});
 
-/// What is wrong, in Spanish, for people: "Hace falta el mes (posición 3)". Empty when nothing is.
+/// What is wrong, in Spanish, for people: "Falta el mes (posición 3)". Empty when nothing is.
 KESTA_API std::wstring message_of(const parsed_date& found);
 
 }  // namespace ruvo::dates

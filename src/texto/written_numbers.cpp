@@ -235,6 +235,7 @@ class number_reader {
       if (point != no_place || (!is_decimal && separator_kind(c) != marks_.thousands))
         return wrong(number_fault::separator, at_);
       if (!is_decimal || is_grouped) {
+        if (group == at_) return wrong(number_fault::digits, at_);
         if (!has_group_size(group, at_, is_grouped)) return wrong(number_fault::grouping, group);
       }
       if (is_decimal) {
@@ -245,8 +246,10 @@ class number_reader {
       }
       group = at_ + 1;
     }
-    if (point == no_place && is_grouped && !has_group_size(group, last_, true))
-      return wrong(number_fault::grouping, std::min(group, last_ - 1));
+    if (point == no_place && is_grouped) {
+      if (group == last_) return wrong(number_fault::digits, last_ - 1);
+      if (!has_group_size(group, last_, true)) return wrong(number_fault::grouping, group);
+    }
     return put_plain(digits, point);
   }
 

@@ -359,37 +359,32 @@ class date_reader {
   std::size_t hour_at_ = 0, minute_at_ = 0, second_at_ = 0;
 };
 
-const wchar_t* name_of(date_field field) {
-  switch (field) {
-    case date_field::week_day:
-      return L"el día de la semana";
-    case date_field::day:
-      return L"el día";
-    case date_field::month:
-      return L"el mes";
-    case date_field::year:
-      return L"el año";
-    case date_field::hour:
-      return L"la hora";
-    case date_field::minute:
-      return L"los minutos";
-    case date_field::second:
-      return L"los segundos";
-    default:
-      return L"el texto que sigue";
-  }
-}
+/// How people are shown a field; in the order of the enumerators.
+struct field_words {
+  const wchar_t *missing, *unknown, *beyond;
+};
+constexpr field_words words_of_fields[] = {
+    {L"", L"", L""},
+    {L"Falta el día de la semana", L"No se entiende el día de la semana", L""},
+    {L"Falta el día", L"No se entiende el día", L"El día no existe en ese mes"},
+    {L"Falta el mes", L"No se entiende el mes", L"El mes no existe"},
+    {L"Falta el año", L"No se entiende el año", L"El año no es correcto"},
+    {L"Falta la hora", L"No se entiende la hora", L"La hora no es correcta"},
+    {L"Faltan los minutos", L"No se entienden los minutos", L"Los minutos no son correctos"},
+    {L"Faltan los segundos", L"No se entienden los segundos", L"Los segundos no son correctos"},
+    {L"", L"No se entiende el texto que sigue", L""}};
 
-const wchar_t* begin_of_message(date_fault fault) {
+const wchar_t* message_of(date_field field, date_fault fault) {
+  const field_words& words = words_of_fields[static_cast<std::size_t>(field)];
   switch (fault) {
     case date_fault::missing:
-      return L"Hace falta ";
+      return words.missing;
     case date_fault::unknown:
-      return L"No se entiende ";
+      return words.unknown;
     case date_fault::out_of_range:
-      return L"No existe en el calendario o el reloj ";
+      return words.beyond;
     default:
-      return L"No es el de esa fecha ";
+      return L"El día de la semana no es el de esa fecha";
   }
 }
 
@@ -407,8 +402,8 @@ parsed_date parse_date(std::wstring_view text, const date_options& options) {
 
 std::wstring message_of(const parsed_date& found) {
   if (found) return {};
-  std::wstring out = begin_of_message(found.fault);
-  out.append(name_of(found.field)).append(L" (posición ");
+  std::wstring out = message_of(found.field, found.fault);
+  out.append(L" (posición ");
   texto::append_unsigned(out, found.position);
   out.push_back(L')');
   return out;

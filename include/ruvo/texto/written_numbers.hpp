@@ -16,7 +16,7 @@ enum class number_fault {
   none,       ///< Nothing.
   empty,      ///< There is nothing but blanks.
   character,  ///< A character that cannot stand there.
-  digits,     ///< Digits are missing: there are none, or none on a side of the decimal separator.
+  digits,     ///< Digits are missing: there are none, or none on a side of a separator ("5.", ",5").
   separator,  ///< A separator that is not in force, or not in its place.
   grouping,   ///< Thousands that are not in groups of three, the first being of one to three without a zero
               ///< first.
