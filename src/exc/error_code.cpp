@@ -29,7 +29,8 @@ const detail::error_row* row_of_code(int value) noexcept {
 /// The text without its arguments, and without the blanks and colons that lead to one at the end.
 std::wstring without_arguments(std::wstring_view text) {
   std::wstring out;
-  for (std::size_t mark; (mark = text.find(L'%')) != text.npos; text.remove_prefix(mark + 2))
+  for (std::size_t mark; (mark = text.find(L'%')) != text.npos;
+       text.remove_prefix(std::min(mark + 2, text.size())))
     out.append(text.substr(0, mark));
   out.append(text);
   out.erase(out.find_last_not_of(L" :") + 1);
