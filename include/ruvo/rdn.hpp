@@ -7,6 +7,7 @@
 #include <ruvo/api.hpp>
 #include <ruvo/bundle.hpp>
 #include <ruvo/date.hpp>
+#include <ruvo/decimal.hpp>
 #include <ruvo/list.hpp>
 
 #include <concepts>
@@ -87,6 +88,10 @@ class KESTA_API generator {
   long long integer(long long from, long long to);
   /// An amount of money in cents: they go from hand to hand without being rounded.
   long long amount(long long from_cents, long long to_cents) { return integer(from_cents, to_cents); }
+  /// A number with as many decimals as the limit that has more of them, all equally likely: from 0.50 to 100
+  /// one of 0.50, 0.51, ... 100.00. Throws exc::decimalOverflow for limits whose digits, with these decimals
+  /// and without the point, are no `long long`.
+  ruvo::decimal decimal(const ruvo::decimal& from, const ruvo::decimal& to);
   /// True `percent` times in a hundred.
   bool chance(unsigned percent) noexcept { return below(100) < percent; }
   /// A day, in the default mode.
@@ -177,7 +182,7 @@ class KESTA_API generator {
   /// "via" (see street()), "codigo_postal", "municipio" and "provincia".
   bundle address();
 
-  // --- identifiers, in the form of identifiers::normalise()
+  // --- identifiers, in the form of identifiers::normalise(), but telephone numbers without prefix
 
   /// A DNI from 99000000 on, far above what is given out as far as is known; not proved. Some of this range
   /// stand on test certificates (99999999R).
@@ -255,9 +260,10 @@ struct recipe_step;
 /// How bundles are drawn: a bundle that has for each key what its value is to be.
 ///
 /// - A text is the name of a drawing operation of generator, with what it is called with in brackets: "dni",
-///   "iban(FR)", "cif(B)", "card(visa)", "integer(1,10)", "amount(0.50,99.95)",
-///   "date(2020-01-01,2024-12-31)", "words(3)", "pattern(FAC-####)", "chance(20)", "name(mujer)". Amounts are
-///   doubles then, the nearest to their cents.
+///   "iban(FR)", "cif(B)", "card(visa)", "integer(1,10)", "decimal(0.50,99.95)",
+///   "date(2020-01-01,2024-12-31)", "words(3)", "pattern(FAC-####)", "chance(20)", "name(mujer)". A decimal
+///   is exact; "amount(0.50,99.95)" draws the same as a double, the nearest to its cents. Limits of both have
+///   up to 18 digits.
 /// - "pick(blanco,negro)" is one of the texts, "pick(alta*9,baja)" with weights.
 /// - "person", "company" and "address" are whole bundles. "person.nif" is a part of one; all parts in one
 ///   bundle of the recipe are of one person, company and address.
@@ -299,6 +305,9 @@ inline std::uint64_t below(std::uint64_t bound) { return mine().below(bound); }
 inline long long integer(long long from, long long to) { return mine().integer(from, to); }
 inline long long amount(long long from_cents, long long to_cents) {
   return mine().amount(from_cents, to_cents);
+}
+inline ruvo::decimal decimal(const ruvo::decimal& from, const ruvo::decimal& to) {
+  return mine().decimal(from, to);
 }
 inline bool chance(unsigned percent) { return mine().chance(percent); }
 inline ruvo::date date(const ruvo::date& from, const ruvo::date& to) { return mine().date(from, to); }

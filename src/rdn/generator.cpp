@@ -5,6 +5,7 @@
 #include <ruvo/exc.hpp>
 #include <ruvo/rdn.hpp>
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 #include <limits>
@@ -90,6 +91,15 @@ long long generator::integer(long long from, long long to) {
   const std::uint64_t width = static_cast<std::uint64_t>(to) - first;
   const bool is_any = width == std::numeric_limits<std::uint64_t>::max();
   return static_cast<long long>(first + (is_any ? next() : below(width + 1)));
+}
+
+ruvo::decimal generator::decimal(const ruvo::decimal& from, const ruvo::decimal& to) {
+  if (from > to) refuse_limits(from.to_string(), to.to_string());
+  const int scale = std::max(from.get_scale(), to.get_scale());
+  const auto units = [scale](const ruvo::decimal& limit) {
+    return static_cast<long long>(limit.divided(ruvo::decimal(1, scale), 0, rounding::none));
+  };
+  return ruvo::decimal(integer(units(from), units(to)), scale);
 }
 
 ruvo::date generator::date(const ruvo::date& from, const ruvo::date& to) {

@@ -28,6 +28,7 @@ struct recipe_step {
   std::wstring key = {};                   ///< In the bundle around it.
   maker make = nullptr;                    ///< Of what is made; of a part, what makes the whole.
   long long low = 0, high = 0;             ///< Limits; of a sequence, of how many.
+  int scale = 0;                           ///< The decimals of decimals, whose limits are without the point.
   std::wstring text = {};                  ///< A country, a letter, a form; of a part, its path.
   std::vector<std::wstring> choices = {};  ///< Of pick.
   std::vector<unsigned> weights = {};      ///< As many.
@@ -44,6 +45,7 @@ using cell = ::ruvo::detail::cell;
 
 constexpr std::size_t most_levels = 100;
 constexpr long long most_elements = 1000000;  // of one list
+constexpr std::size_t most_digits = 18;       // of a number
 
 // --- what can be made
 
@@ -52,6 +54,7 @@ enum class takes {
   nothing,
   integers,
   cents,
+  decimals,
   days,
   count,
   percent,
@@ -101,6 +104,9 @@ xvar make_integer(generator& from, const recipe_step& step) { return from.intege
 xvar make_amount(generator& from, const recipe_step& step) {
   return static_cast<double>(from.amount(step.low, step.high)) / 100;
 }
+xvar make_decimal(generator& from, const recipe_step& step) {
+  return ruvo::decimal(from.integer(step.low, step.high), step.scale);
+}
 xvar make_chance(generator& from, const recipe_step& step) {
   return from.chance(static_cast<unsigned>(step.low));
 }
@@ -140,6 +146,7 @@ constexpr maker_row makers[] = {
     {L"mail", takes::nothing, true, plain<&generator::mail>},
     {L"integer", takes::integers, false, make_integer},
     {L"amount", takes::cents, false, make_amount},
+    {L"decimal", takes::decimals, false, make_decimal},
     {L"chance", takes::percent, false, make_chance},
     {L"date", takes::days, false, make_date},
     {L"word", takes::nothing, true, plain<&generator::word>},
@@ -164,7 +171,7 @@ std::wstring_view trimmed(std::wstring_view text) {
 }
 
 /// Digits with a sign or not, of which `decimals` may stand behind a point: as so many hundredths, tenths or
-/// units. False for anything else, and beyond 18 digits.
+/// units. False for anything else, and beyond most_digits.
 bool read_scaled(std::wstring_view text, std::size_t decimals, long long& out) {
   text = trimmed(text);
   const bool is_negative = !text.empty() && text[0] == L'-';
@@ -174,7 +181,8 @@ bool read_scaled(std::wstring_view text, std::size_t decimals, long long& out) {
   std::wstring_view behind = text.substr(std::min(point + 1, text.size()));
   if (digits.empty() || behind.size() > decimals || (point < text.size() && behind.empty())) return false;
   digits.append(behind).append(decimals - behind.size(), L'0');
-  if (digits.size() > 18 || !std::all_of(digits.begin(), digits.end(), texto::is_digit)) return false;
+  if (digits.size() > most_digits || !std::all_of(digits.begin(), digits.end(), texto::is_digit))
+    return false;
   out = 0;
   for (const wchar_t c : digits) out = out * 10 + (c - L'0');
   if (is_negative) out = -out;
@@ -201,6 +209,21 @@ bool read_limits(std::wstring_view text, recipe_step& step, Read read) {
   const std::size_t comma = text.find(L',');
   return comma != text.npos && read(text.substr(0, comma), step.low) &&
          read(text.substr(comma + 1), step.high) && step.low <= step.high;
+}
+
+/// Two numbers, with as many decimals as the one that has more.
+bool read_decimals(std::wstring_view text, recipe_step& step) {
+  std::size_t scale = 0;
+  for (std::wstring_view rest = text; !rest.empty();) {
+    const std::wstring_view limit = trimmed(rest.substr(0, rest.find(L',')));
+    const std::size_t point = std::min(limit.find(L'.'), limit.size());
+    scale = std::max(scale, limit.size() - std::min(point + 1, limit.size()));
+    rest.remove_prefix(std::min(rest.find(L','), rest.size() - 1) + 1);
+  }
+  step.scale = static_cast<int>(scale);
+  return scale <= most_digits && read_limits(text, step, [scale](std::wstring_view part, long long& out) {
+           return read_scaled(part, scale, out);
+         });
 }
 
 /// One of the names, as its number.
@@ -242,6 +265,8 @@ bool read_arguments(takes what, std::wstring_view text, recipe_step& step) {
     case takes::cents:
       return read_limits(text, step,
                          [](std::wstring_view part, long long& out) { return read_scaled(part, 2, out); });
+    case takes::decimals:
+      return read_decimals(text, step);
     case takes::days:
       return read_limits(text, step, read_day);
     case takes::count:
