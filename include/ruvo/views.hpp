@@ -12,6 +12,7 @@
 #include <ruvo/bundle.hpp>
 #include <ruvo/date.hpp>
 #include <ruvo/datetime.hpp>
+#include <ruvo/decimal.hpp>
 #include <ruvo/list.hpp>
 #include <ruvo/memo.hpp>
 #include <ruvo/time.hpp>
@@ -67,6 +68,7 @@ namespace detail {
 // True is success; on failure `out` may be anything. Nothing but std::bad_alloc is thrown.
 KESTA_API bool read_form(bool& out, const var& value);
 KESTA_API bool read_form(double& out, const var& value);
+KESTA_API bool read_form(decimal& out, const var& value);
 KESTA_API bool read_form(std::wstring& out, const var& value);
 KESTA_API bool read_form(std::string& out, const var& value);
 KESTA_API bool read_form(memo& out, const var& value);
@@ -109,6 +111,10 @@ concept has_value_form = requires(Type& out, const var& value) {
 ///   texts that are such a number (blanks at the ends do not count, nor do zeros behind a point). No truth
 ///   values.
 /// - double: any number, the nearest double to its digits; float the same, if it holds it.
+/// - decimal: integers and decimals; texts of a number in fixed notation that it holds (blanks at the ends do
+///   not count); float and double by the shortest text that reads back to them. A double of more than 15
+///   digits is none, for digits may be lost in it: what documents say in more is read as a text, or with
+///   json_read_options::decimals.
 /// - std::wstring, std::string (UTF-8) and memo: texts, memos, characters and integers, by their digits. A
 ///   float, double, decimal or date has several texts, and is none.
 /// - binary: binaries, and texts in Base64.
@@ -140,6 +146,8 @@ template <class Type>
 inline constexpr const wchar_t* noun_of_form = L"texto";
 template <>
 inline constexpr const wchar_t* noun_of_form<bool> = L"valor lógico";
+template <>
+inline constexpr const wchar_t* noun_of_form<decimal> = L"número decimal exacto";
 template <>
 inline constexpr const wchar_t* noun_of_form<binary> = L"binario, o texto en Base64";
 template <>
@@ -262,6 +270,8 @@ template <>
 struct value_form<float> : detail::real_form<float> {};
 template <>
 struct value_form<double> : detail::real_form<double> {};
+template <>
+struct value_form<decimal> : detail::plain_form<decimal> {};
 template <>
 struct value_form<std::wstring> : detail::plain_form<std::wstring> {};
 template <>

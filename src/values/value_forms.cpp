@@ -6,8 +6,11 @@
 #include <ruvo/exc.hpp>
 #include <ruvo/views.hpp>
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <stdexcept>
@@ -98,6 +101,18 @@ std::optional<whole_number> whole_of(const var& value) noexcept {
       const auto text = as_text(value);
       return text ? whole_of_text(*text) : std::nullopt;
   }
+}
+
+// --- decimals
+
+/// Whether the shortest text of a double has no more digits than every double gives back: what was written
+/// with more may have been rounded on its way into it.
+bool keeps_all_digits(double value) noexcept {
+  char text[texto::most_shortest_units];
+  const char* const end =
+      std::to_chars(std::begin(text), std::end(text), value, std::chars_format::scientific).ptr;
+  const char* const first = text + (value < 0 ? 1 : 0);
+  return std::find(first, end, 'e') - first <= std::numeric_limits<double>::digits10 + 1;  // with the point
 }
 
 // --- dates and times as texts
@@ -239,6 +254,16 @@ bool read_form(double& out, const var& value) {
     const std::wstring_view digits = texto::trimmed(*text);
     if (!texto::is_plain_number(digits)) return false;
     out = texto::read_double(digits);
+    return true;
+  });
+}
+
+bool read_form(decimal& out, const var& value) {
+  if (cell::kind_of(value) == kind::double_ && !keeps_all_digits(cell::real(value))) return false;
+  const auto text = as_text(value);
+  if (text ? !texto::is_plain_number(texto::trimmed(*text)) : !value.is_number()) return false;
+  return is_read([&] {
+    out = text ? decimal(texto::trimmed(*text)) : value.operator decimal();
     return true;
   });
 }

@@ -58,6 +58,7 @@ struct todo {
   unsigned long long largo = 0;
   float simple = 0;
   double doble = 0;
+  ruvo::decimal importe;
   wchar_t letra = L'x';
   std::wstring texto;
   std::string utf_8;
@@ -80,9 +81,9 @@ struct todo {
 constexpr auto kesta_fields(ruvo::fields_of<todo>) {
   return std::tuple_cat(
       std::make_tuple(ruvo::field(L"Si", &todo::si), ruvo::field(L"otro_Nombre", &todo::corto)),
-      std::make_tuple(KESTA_EACH(KESTA_FIELD_ROW, todo, byte, largo, simple, doble, letra, texto, utf_8, nota,
-                                 bytes, dia, hora, cuando, estado, suelta, con, quiza, nunca, vacio, puntero,
-                                 lineas, una, ninguna, tabla, tres, por_nombre)));
+      std::make_tuple(KESTA_EACH(KESTA_FIELD_ROW, todo, byte, largo, simple, doble, importe, letra, texto,
+                                 utf_8, nota, bytes, dia, hora, cuando, estado, suelta, con, quiza, nunca,
+                                 vacio, puntero, lineas, una, ninguna, tabla, tres, por_nombre)));
 }
 
 todo full() {
@@ -93,6 +94,7 @@ todo full() {
   made.largo = 9223372036854775807ULL;
   made.simple = 0.5F;
   made.doble = 1234.0625;
+  made.importe = ruvo::decimal(L"-12345678901234567890.1234567890");
   made.letra = L'ñ';
   made.texto = L"Añil & <Cía>";
   made.utf_8 = "\xE2\x82\xAC";
@@ -119,9 +121,9 @@ void expect_full(const todo& read) {
   const todo made = full();
   const auto is_same = [&](auto member) { EXPECT_TRUE(read.*member == made.*member); };
   const auto same = [&](auto... member) { (is_same(member), ...); };
-  same(&todo::si, &todo::corto, &todo::byte, &todo::largo, &todo::simple, &todo::doble, &todo::letra,
-       &todo::texto, &todo::utf_8, &todo::nota, &todo::bytes, &todo::dia, &todo::hora, &todo::cuando,
-       &todo::estado);
+  same(&todo::si, &todo::corto, &todo::byte, &todo::largo, &todo::simple, &todo::doble, &todo::importe,
+       &todo::letra, &todo::texto, &todo::utf_8, &todo::nota, &todo::bytes, &todo::dia, &todo::hora,
+       &todo::cuando, &todo::estado);
   same(&todo::suelta, &todo::con, &todo::quiza, &todo::nunca, &todo::vacio, &todo::lineas, &todo::una,
        &todo::ninguna, &todo::tabla, &todo::tres, &todo::por_nombre);
   ASSERT_TRUE(read.puntero);
@@ -208,7 +210,7 @@ TEST(fields, come_back_from_each_format) {
   expect_full(ruvo::from_bundle<todo>(document));
 
   ruvo::serializer::json own(false, true, true);
-  ruvo::serializer::standard_json standard;
+  ruvo::serializer::standard_json standard({.decimals = true});
   for (ruvo::iserializer* const format :
        {static_cast<ruvo::iserializer*>(&own), static_cast<ruvo::iserializer*>(&standard)}) {
     std::wstring text;
@@ -289,7 +291,7 @@ TEST(fields, come_back_from_ini) {
 TEST(fields, report_all_that_is_missing_or_wrong_at_once) {
   const bundle document = json(
       LR"({"si": 2, "OTRO_nombre": 32768, "byte": "doce", "largo": -1, "simple": 1e39,
-    "doble": null, "letra": "ab", "texto": 4.5, "nota": [], "bytes": "*", "dia": "2023-02-29", "hora": "24:00:00",
+    "doble": null, "importe": 12.345678901234567, "letra": "ab", "texto": 4.5, "nota": [], "bytes": "*", "dia": "2023-02-29", "hora": "24:00:00",
     "cuando": "ayer", "estado": "Pagado", "suelta": {"sku": 7, "unidades": 256}, "con": 1, "quiza": "x",
     "puntero": {}, "lineas": [{"sku": "a", "precio": 1, "unidades": 1}, {"sku": "b", "precio": "1,5", "unidades": 1}, 3],
     "una": "x", "tabla": [[1], [true]], "tres": [1, 2], "por_nombre": {"A": ["si", "puede"]}})");
@@ -300,6 +302,7 @@ byte: se espera entero de 0 a 255 y hay un texto «doce»
 largo: se espera entero de 0 a 18446744073709551615 y hay un número entero «-1»
 simple: se espera número y hay un número decimal «999999999999999939709166371603178586112.000000»
 doble: se espera número y hay nulo
+importe: se espera número decimal exacto y hay un número decimal «12.345679»
 letra: se espera carácter y hay un texto «ab»
 texto: se espera texto y hay un número decimal «4.500000»
 utf_8: falta; se espera texto

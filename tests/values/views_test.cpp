@@ -133,6 +133,22 @@ TEST(value_as, keeps_to_the_other_types_too) {
   EXPECT_EQ(ruvo::value_as<float>(0.5), 0.5F);
   EXPECT_EQ(ruvo::value_as<float>(std::numeric_limits<double>::infinity()),
             std::numeric_limits<float>::infinity());
+  const std::pair<ruvo::var, const wchar_t*> exact[] = {{7, L"7"},
+                                                        {L" 01.50 ", L"1.50"},
+                                                        {-2.675, L"-2.675"},
+                                                        {1e22, L"10000000000000000000000"},
+                                                        {0.1F, L"0.1"},
+                                                        {0.1 + 0.2, L""},
+                                                        {true, L""},
+                                                        {L"1e3", L""},
+                                                        {L"1,5", L""},
+                                                        {~0ULL, L"18446744073709551615"},
+                                                        {std::wstring(39, L'9'), L""},
+                                                        {ruvo::var(), L""}};
+  for (const auto& [value, digits] : exact) {
+    const auto read = ruvo::value_as<ruvo::decimal>(value);
+    EXPECT_EQ(read ? read->to_string() : L"", digits) << value.to_string();
+  }
   EXPECT_EQ(ruvo::value_as<std::string>(L"ñ"), "\xC3\xB1");
   EXPECT_EQ(ruvo::value_as<ruvo::binary>(L"AP8=")->getAsHex(), L"00FF");
   EXPECT_FALSE(ruvo::value_as<ruvo::binary>(L"A*"));
