@@ -201,7 +201,8 @@ KESTA_API std::ostream& operator<<(std::ostream& out, const decimal& value);
 
 // --- shares of sums
 
-/// `percent` hundredths of the amount, rounded once: `percentage(100, 21)` is 21.00.
+/// `percent` hundredths of the amount, rounded once, from all of their digits: `percentage(100, 21)`
+/// is 21.00.
 KESTA_API decimal percentage(const decimal& amount, const decimal& percent, int scale = 2,
                              rounding how = rounding::half_up);
 
@@ -258,8 +259,10 @@ struct summary {
 /// Adds up an invoice. Base and quota are rounded once for each rate: `without_tax`, the base is the sum of
 /// the amounts and the quota its percentage; `with_tax`, the total is the sum of the amounts, the base what
 /// the rate leaves of it, and the quota the rest. Bases and quotas of lines are rounded to these by
-/// rounded_to_total(). Rates that are equal by value are one. Throws exc::BadArgument for amounts with a tax
-/// of -100 % or less, and the failures of decimals.
+/// rounded_to_total(), with eight decimals more of what is calculated, or as many as there is room for beside
+/// the largest. Rates that are equal by value are one. n log n for n lines, of any number of rates. Throws
+/// exc::BadArgument for amounts with a tax of -100 % or less, and the failures of decimals, as where a sum of
+/// a rate has no room for its digits and `scale` decimals.
 KESTA_API summary sum_up(const std::vector<line>& lines, prices of = prices::without_tax, int scale = 2,
                          rounding how = rounding::half_up);
 

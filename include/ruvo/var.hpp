@@ -268,7 +268,8 @@ class KESTA_API var {
     }
     return equals(other);
   }
-  /// @quirk Compares texts whatever the kinds, so 10 < 9: this is the order of lists and bundles.
+  /// @quirk Compares texts whatever the kinds, so 10 < 9: this is the order of lists and bundles. Decimals of
+  /// one value have several texts: 1.5 < 1.50, although both are equal. natural_order() compares numbers.
   bool operator<(const var& other) const;
 
   /// `v == 5`, `v == L"x"`: as `v == var(5)`.

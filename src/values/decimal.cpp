@@ -6,8 +6,10 @@
 #include <ruvo/exc.hpp>
 
 #include <algorithm>
+#include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <limits>
 
 #include "values/decimal_access.hpp"
@@ -66,11 +68,63 @@ bool multiplies(std::uint64_t& a, std::uint64_t b) noexcept {
   return true;
 }
 
+/// Whether a quotient that is not exact becomes its neighbour away from zero. What remains compares with what
+/// is missing as `to_half` says.
+bool goes_away(std::strong_ordering to_half, bool is_odd, bool negative, rounding how) noexcept {
+  switch (how) {
+    case rounding::half_up:
+      return to_half >= 0;
+    case rounding::half_even:
+      return to_half > 0 || (to_half == 0 && is_odd);
+    case rounding::half_down:
+      return to_half > 0;
+    case rounding::up:
+      return true;
+    case rounding::floor:
+      return negative;
+    case rounding::ceiling:
+      return !negative;
+    case rounding::down:
+    case rounding::none:
+      break;
+  }
+  return false;
+}
+
+/// A quotient of small coefficients, which nearly all are; natural has the others.
+struct small_fraction {
+  std::uint64_t number, by;
+
+  /// Times 10^`power`; false, with nothing of use in it, where 64 bits do not hold it.
+  bool shift(int power) noexcept {
+    constexpr int most = 19;
+    const int digits = std::abs(power);
+    return digits <= most && multiplies(power < 0 ? by : number, power_of_ten(digits).low());
+  }
+
+  decimal_failure round(decimal& to, int scale, bool negative, rounding how) const noexcept {
+    const std::uint64_t whole = number / by, rest = number % by;
+    if (rest != 0 && how == rounding::none) return decimal_failure::inexact;
+    const bool away = rest != 0 && goes_away(rest <=> by - rest, whole % 2 != 0, negative, how);
+    decimal_access::set(to, whole + (away ? 1 : 0), scale, negative);
+    return decimal_failure::none;
+  }
+};
+
+/// Gives the coefficients with as many decimals, where both are small then.
+bool meet_small(const decimal& a, const decimal& b, std::uint64_t& of_a, std::uint64_t& of_b) noexcept {
+  if (!decimal_access::is_small(a) || !decimal_access::is_small(b)) return false;
+  small_fraction both{decimal_access::low(a), decimal_access::low(b)};
+  if (a.get_scale() != b.get_scale() && !both.shift(b.get_scale() - a.get_scale())) return false;
+  of_a = both.number;
+  of_b = both.by;
+  return true;
+}
+
 decimal_failure add(decimal& to, const decimal& other) noexcept {
   const int scale = std::max(to.get_scale(), other.get_scale());
-  if (decimal_access::is_small(to) && decimal_access::is_small(other) &&
-      to.get_scale() == other.get_scale()) {
-    const std::uint64_t a = decimal_access::low(to), b = decimal_access::low(other);
+  std::uint64_t a = 0, b = 0;
+  if (meet_small(to, other, a, b)) {
     const bool alike = to.is_negative() == other.is_negative();
     if (!alike || a + b >= a) {
       const bool from_other = !alike && a < b;
@@ -98,6 +152,12 @@ decimal_failure multiply(decimal& to, const decimal& by) noexcept {
 }
 
 decimal_failure multiply(decimal& to, const decimal& by, int scale, rounding how) noexcept {
+  if (is_scale(scale) && decimal_access::is_small(to) && decimal_access::is_small(by)) {
+    small_fraction made{decimal_access::low(to), 1};
+    if (multiplies(made.number, decimal_access::low(by)) &&
+        made.shift(scale - to.get_scale() - by.get_scale()))
+      return made.round(to, scale, to.is_negative() != by.is_negative(), how);
+  }
   return decimal_access::round(to, product(to, by), scale, how);
 }
 
@@ -105,8 +165,12 @@ decimal_failure divide(decimal& to, const decimal& by, int scale, rounding how) 
   if (!is_scale(scale)) return decimal_failure::scale;
   if (by.is_zero()) return decimal_failure::division_by_zero;
   const bool negative = to.is_negative() != by.is_negative();
-  natural number = decimal_access::coefficient(to), divisor = decimal_access::coefficient(by);
   const int power = scale + by.get_scale() - to.get_scale();
+  if (decimal_access::is_small(to) && decimal_access::is_small(by)) {
+    small_fraction made{decimal_access::low(to), decimal_access::low(by)};
+    if (made.shift(power)) return made.round(to, scale, negative, how);
+  }
+  natural number = decimal_access::coefficient(to), divisor = decimal_access::coefficient(by);
   if (power < 0) {
     static_cast<void>(divisor.multiply(power_of_ten(-power)));  // below 10^76
   } else if (!number.multiply(power_of_ten(power))) {
@@ -121,6 +185,10 @@ decimal_failure divide(decimal& to, const decimal& by, int scale, rounding how) 
 
 decimal_failure round(decimal& to, int scale, rounding how) noexcept {
   if (scale == to.get_scale()) return decimal_failure::none;
+  if (is_scale(scale) && decimal_access::is_small(to)) {
+    small_fraction made{decimal_access::low(to), 1};
+    if (made.shift(scale - to.get_scale())) return made.round(to, scale, to.is_negative(), how);
+  }
   return decimal_access::round(to, {decimal_access::coefficient(to), to.get_scale(), to.is_negative()}, scale,
                                how);
 }
@@ -183,34 +251,9 @@ bool report(decimal_failure why, exception& err) {
 rounded_quotient divided(const natural& number, const natural& by, bool negative, rounding how) noexcept {
   natural::quotient exact = number.divided(by);
   if (exact.rest.is_zero()) return {exact.whole, true};
-  natural twice = exact.rest;
-  twice += exact.rest;
-  const auto to_half = twice <=> by;
-  bool away = false;
-  switch (how) {
-    case rounding::half_up:
-      away = to_half >= 0;
-      break;
-    case rounding::half_even:
-      away = to_half > 0 || (to_half == 0 && exact.whole.is_odd());
-      break;
-    case rounding::half_down:
-      away = to_half > 0;
-      break;
-    case rounding::up:
-      away = true;
-      break;
-    case rounding::floor:
-      away = negative;
-      break;
-    case rounding::ceiling:
-      away = !negative;
-      break;
-    case rounding::down:
-    case rounding::none:
-      break;
-  }
-  if (away) exact.whole += natural(1);
+  natural missing = by;
+  missing -= exact.rest;
+  if (goes_away(exact.rest <=> missing, exact.whole.is_odd(), negative, how)) exact.whole += natural(1);
   return {exact.whole, false};
 }
 
@@ -235,8 +278,12 @@ decimal_failure decimal_access::round(ruvo::decimal& out, unfitted made, int sca
   if (!is_scale(scale)) return decimal_failure::scale;
   bool is_exact = true;
   if (scale < made.scale) {
+    constexpr std::int64_t most = 76;
+    // Products are below 10^76: where more digits go, less than a half unit remains, and 1 says as much.
+    const std::int64_t digits = made.scale - scale;
+    if (digits > most && !made.coefficient.is_zero()) made.coefficient = natural(1);
     const rounded_quotient quotient =
-        divided(made.coefficient, power_of_ten(static_cast<int>(made.scale) - scale), made.negative, how);
+        divided(made.coefficient, power_of_ten(static_cast<int>(std::min(digits, most))), made.negative, how);
     made.coefficient = quotient.whole;
     is_exact = quotient.is_exact;
   } else if (!made.coefficient.multiply(power_of_ten(scale - static_cast<int>(made.scale)))) {
@@ -306,7 +353,10 @@ int decimal::compare(const decimal& other) const noexcept {
     order = high_ != other.high_ ? high_ <=> other.high_ : low_ <=> other.low_;
   } else {
     const int scale = std::max(scale_, other.scale_);
-    order = widened(*this, scale).coefficient <=> widened(other, scale).coefficient;
+    std::uint64_t own = 0, others = 0;
+    order = meet_small(*this, other, own, others)
+                ? own <=> others
+                : widened(*this, scale).coefficient <=> widened(other, scale).coefficient;
   }
   if (order == 0) return 0;
   return (order < 0) == negative_ ? 1 : -1;

@@ -51,7 +51,7 @@ struct decimal_access {
   static char* print(char* to, const ruvo::decimal& value) noexcept;
 };
 
-/// `number` / `by`, rounded; `by` is not 0 and at most half of 2^256.
+/// `number` / `by`, rounded; `by` is not 0.
 struct rounded_quotient {
   natural whole;
   bool is_exact = true;

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <numeric>
 #include <utility>
 #include <vector>
@@ -20,6 +21,7 @@ namespace ruvo {
 using detail::decimal_access;
 using detail::decimal_failure;
 using detail::natural;
+using detail::unfitted;
 
 namespace {
 
@@ -91,9 +93,13 @@ share share_of(const decimal& total, const decimal& weight, const natural& sum, 
 }  // namespace
 
 decimal percentage(const decimal& amount, const decimal& percent, int scale, rounding how) {
-  const decimal factor =
-      percent.divided(hundred, std::min(percent.get_scale() + 2, decimal::most_digits), rounding::none);
-  return amount.multiplied(factor, scale, how);
+  unfitted exact{decimal_access::coefficient(amount), amount.get_scale() + percent.get_scale() + 2,
+                 amount.is_negative() != percent.is_negative()};
+  static_cast<void>(exact.coefficient.multiply(decimal_access::coefficient(percent)));  // below 10^76
+  decimal out;
+  const decimal_failure why = decimal_access::round(out, exact, scale, how);
+  if (why != decimal_failure::none) detail::raise(why);
+  return out;
 }
 
 std::vector<decimal> distribute(const decimal& total, const std::vector<decimal>& weights, int scale) {
@@ -149,11 +155,11 @@ struct group {
 
 std::vector<group> by_rate(const std::vector<line>& lines) {
   std::vector<group> out;
+  std::map<decimal, std::size_t> places;
   for (std::size_t n = 0; n < lines.size(); ++n) {
-    const decimal& percent = lines[n].percent;
-    const auto found = std::ranges::find(out, percent, &group::percent);
-    group& of = found == out.end() ? out.emplace_back(group{percent, {}}) : *found;
-    of.lines.push_back(n);
+    const auto [found, is_new] = places.try_emplace(lines[n].percent, out.size());
+    if (is_new) out.push_back({lines[n].percent, {}});
+    out[found->second].lines.push_back(n);
   }
   return out;
 }
@@ -196,10 +202,15 @@ class adder {
   void divide(const group& rate, const std::vector<decimal>& amounts, const of_rate& made) {
     const bool adds = of_ == prices::without_tax;
     const auto calculate = adds ? percentage : without_tax;
+    // Eight decimals more, to compare by what lines lose when they are rounded, or as many as there is room
+    // for.
+    const decimal largest = std::ranges::max(amounts, {}, &decimal::abs);
+    const int room = decimal::most_digits - calculate(largest, rate.percent, 0, rounding::up).count_digits();
+    const int precise = std::clamp(room, scale_, std::min(scale_ + 8, decimal::most_digits));
     std::vector<decimal> exact;
     exact.reserve(amounts.size());
     for (const decimal& amount : amounts)
-      exact.push_back(calculate(amount, rate.percent, precise(), rounding::half_even));
+      exact.push_back(calculate(amount, rate.percent, precise, rounding::half_even));
     const auto given = rounded_to_total(amounts, adds ? made.base : made.total, scale_);
     const auto calculated = rounded_to_total(exact, adds ? made.quota : made.base, scale_);
     for (std::size_t n = 0; n < rate.lines.size(); ++n) {
@@ -208,13 +219,12 @@ class adder {
     }
   }
 
-  /// Decimals to compare by what lines lose when they are rounded.
-  int precise() const noexcept { return std::min(scale_ + 8, decimal::most_digits); }
-
   static decimal without_tax(const decimal& amount, const decimal& percent, int scale, rounding how) {
     const decimal with = hundred + percent;
     if (with <= 0) throw exc::BadArgument(L"percent");
-    return (amount * hundred).divided(with, scale, how);
+    decimal factor;  // a hundredth of it, which has room: it or the rate has two digits before the point
+    decimal_access::set(factor, decimal_access::coefficient(with), with.get_scale() + 2, false);
+    return amount.divided(factor, scale, how);
   }
 
   const std::vector<line>& lines_;

@@ -65,6 +65,7 @@ TEST(decimal, adds_and_multiplies_exactly_or_says_so) {
       {"-0.01", "0.01", "0.00", "-0.0001"},
       {"0", "-5", "-5", "0"},
       {"18446744073709551615", "1", "18446744073709551616", "18446744073709551615"},
+      {"18446744073709551615", "0.01", "18446744073709551615.01", "184467440737095516.15"},
       {"4294967296", "4294967296", "8589934592", "18446744073709551616"},
       {"-18446744073709551616", "0.5", "-18446744073709551615.5", "-9223372036854775808.0"},
       {nines, "0", nines, "0"},
@@ -343,6 +344,11 @@ TEST(shares, add_up_to_the_total) {
   EXPECT_EQ(joined(ruvo::rounded_to_total({"0.333"_d, "0.333"_d, "0.334"_d}, 1)), "0.33 0.33 0.34 ");
   EXPECT_EQ(joined(ruvo::rounded_to_total({"1.005"_d, "-1.005"_d}, 0)), "1.01 -1.01 ");
   EXPECT_EQ(given([] { return ruvo::percentage("0.50"_d, 21); }), "0.11");
+  const decimal least = "1e-38"_d, many = decimal("0." + nines);
+  EXPECT_EQ(ruvo::percentage(100, many, 38), many);
+  EXPECT_EQ(ruvo::percentage(least, least, 0), 0);
+  EXPECT_EQ(ruvo::percentage(least, least, 38, rounding::up), least);
+  EXPECT_EQ(given([&] { return ruvo::percentage(least, least, 38, rounding::none); }), "inexact");
   EXPECT_EQ(given([] { return ruvo::distribute(1, {1, -1}).front(); }), "argument");
   EXPECT_EQ(given([] { return ruvo::distribute("0.001"_d, {1}).front(); }), "inexact");
   const std::string zeros(35, '0');  // the sum has one digit too many, a zero
@@ -378,4 +384,9 @@ TEST(vat, bases_and_quotas_of_lines_add_up_to_those_of_their_rate) {
     EXPECT_EQ(sums.rates[0].quota.to_string(), prices == ruvo::vat::prices::with_tax ? L"1.35" : L"1.63");
   }
   EXPECT_THROW(ruvo::vat::sum_up({{1, -100}}, ruvo::vat::prices::with_tax), exc::BadArgument);
+  const std::string large(34, '9');  // there is no room for eight decimals more
+  const std::vector<ruvo::vat::line> rich = {{decimal(large + ".99"), 21}, {"0.33"_d, 21}};
+  EXPECT_EQ(joined(ruvo::vat::sum_up(rich).quotas), "21" + std::string(32, '0') + ".00 0.07 ");
+  EXPECT_EQ(joined(ruvo::vat::sum_up(rich, ruvo::vat::prices::with_tax).bases),
+            "8264462809917355371900826446280991.73 0.27 ");
 }
