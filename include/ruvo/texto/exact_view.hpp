@@ -13,12 +13,12 @@
 namespace ruvo::texto {
 
 /// A view of these characters.
-template <class C>
-class exact_view : public std::basic_string_view<C> {
+template <class Unit>
+class exact_view : public std::basic_string_view<Unit> {
  public:
   /// Shows what the view shows.
-  template <std::same_as<std::basic_string_view<C>> View>
-  constexpr exact_view(View text) noexcept : std::basic_string_view<C>(text) {}
+  template <std::same_as<std::basic_string_view<Unit>> View>
+  constexpr exact_view(View text) noexcept : std::basic_string_view<Unit>(text) {}
 };
 using wide_view = exact_view<wchar_t>;
 using narrow_view = exact_view<char>;
