@@ -74,6 +74,9 @@ const xvar* member_at(const bundle& in, std::wstring_view key) {
   return found ? &found->second : nullptr;
 }
 
+xvar& new_member(bundle& in, std::wstring_view key) {
+  return bundle_access::made_store(in).add(key_view(folded_key(key)))->second;
+}
 bundle& new_bundle_in(xvar& value) { return cell::on_bundle(value); }
 list& new_list_in(xvar& value) { return cell::on_list(value); }
 

@@ -18,7 +18,6 @@
 #include "values/cell.hpp"
 #include "values/folded_key.hpp"
 #include "values/paths.hpp"
-#include "values/walk.hpp"
 
 namespace ruvo::bundles {
 
@@ -48,34 +47,39 @@ xvar* value_in(const bundle& in, const bundle::entry& item, std::size_t position
 
 /// Whether `wanted` may be `in` or in it: where more than `most` values would have to be looked at, it may.
 bool may_hold(const bundle& in, const bundle& wanted, std::size_t& most) {
-  struct visitor : detail::visitor {
-    const bundle* wanted = nullptr;
-    std::size_t* most = nullptr;
-    detail::walk<> all{};
-    bool found = false;
-
-    void element(const detail::walk<>::frame&, const xvar& value) { look_around(value); }
-    void member(const detail::walk<>::frame&, const std::wstring&, const xvar& value) { look_around(value); }
-    void quality(const detail::walk<>::frame&, const std::wstring&, const var& value) { look(value); }
-    void look_around(const xvar& value) {
-      if (value.is_qualified()) all.open(value.get_qualities());
-      look(value);
+  detail::near_stack<const var*, 16> open;  // containers
+  const auto note = [&](const var& value) {
+    if (cell::is_container(value)) open.push() = &value;
+  };
+  const auto note_all = [&](const xvar& value) {
+    note(value);
+    if (const auto* const qualities = cell::qualities(value))
+      for (const auto& each : *qualities) note(each.second);
+  };
+  const auto note_members = [&](const bundle& held) {
+    const bundle_store* const store = bundle_access::store(held);
+    for (std::size_t n = 0; n < held.size(); ++n) note_all(store->nth(n)->second);
+  };
+  const auto takes = [&](std::size_t count) {
+    const bool fits = count <= most;
+    if (fits) most -= count;
+    return fits;
+  };
+  if (&in == &wanted || !takes(in.size())) return true;
+  note_members(in);
+  while (!open.empty()) {
+    const var& each = *open.top();
+    open.pop();
+    if (holds_list(each)) {
+      if (!takes(1 + cell::as_list(each).size())) return true;
+      for (const xvar& element : cell::as_list(each)) note_all(element);
+    } else {
+      const bundle& held = cell::as_bundle(each);
+      if (&held == &wanted || !takes(1 + held.size())) return true;
+      note_members(held);
     }
-    void look(const var& value) {
-      if (*most == 0 || (holds_bundle(value) && &cell::as_bundle(value) == wanted)) {
-        found = true;
-        return all.stop();
-      }
-      --*most;
-      if (cell::is_container(value)) all.open_held(value);
-    }
-  } looking;
-  if (&in == &wanted) return true;
-  looking.wanted = &wanted;
-  looking.most = &most;
-  looking.all.open(in);
-  looking.all.run(looking);
-  return looking.found;
+  }
+  return false;
 }
 
 /// Whether neither of both can be a part of the other, as far as a look at about as many values shows as the

@@ -56,6 +56,7 @@ void xvar::drop_qualities() noexcept {
 }
 
 xvar& xvar::operator=(const xvar& other) {
+  if (!other.qualities_) return *this = static_cast<const var&>(other);
   if (this != &other) *this = xvar(other);  // a copy first: `other` may be inside this value
   return *this;
 }

@@ -45,6 +45,8 @@ struct field_place {
 
 /// The value of the key, or null.
 KESTA_API const xvar* member_at(const bundle& in, std::wstring_view key);
+/// A new entry with this key, which is missing, for its value.
+KESTA_API xvar& new_member(bundle& in, std::wstring_view key);
 /// Makes a null value hold an empty one.
 KESTA_API bundle& new_bundle_in(xvar& value);
 KESTA_API list& new_list_in(xvar& value);
@@ -357,7 +359,7 @@ void write_struct(bundle& out, const Struct& from) {
     if constexpr (is_holder<std::remove_cvref_t<decltype(member)>>::value) {
       if (!member) return;
     }
-    write_member(out[row.key], member);
+    write_member(new_member(out, row.key), member);
   };
   std::apply([&](const auto&... row) { (put(row), ...); }, rows_of<Struct>::all);
 }
@@ -366,7 +368,7 @@ template <class Map>
 void write_map(bundle& out, const Map& from) {
   for (const auto& [key, value] : from) {
     if (member_at(out, key)) refuse_to_write(key);
-    write_member(out[std::wstring_view(key)], value);
+    write_member(new_member(out, key), value);
   }
 }
 
