@@ -84,7 +84,7 @@ static_assert(std::size(provinces) == 52);
 constexpr auto province_sums = [] {
   weight_sums<std::size(provinces)> out{};
   std::uint32_t sum = 0;
-  for (std::size_t i = 0; i < out.size(); ++i) out[i] = sum += provinces[i].thousands;
+  for (std::size_t i = 0; i != out.size(); ++i) out[i] = sum += provinces[i].thousands;
   return out;
 }();
 

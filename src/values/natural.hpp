@@ -164,7 +164,7 @@ inline natural::quotient natural::divided(const natural& by) const noexcept {
 /// 10^0 to 10^76, the last one that is below 2^256 with the double of it.
 inline constexpr auto powers_of_ten = [] {
   std::array<natural, 77> powers{natural(1)};
-  for (std::size_t n = 1; n < powers.size(); ++n) {
+  for (std::size_t n = 1; n != powers.size(); ++n) {
     powers[n] = powers[n - 1];
     powers[n].multiply(natural(10));
   }

@@ -283,6 +283,7 @@ bool cap_set::insert(const xvar& value) {
   made.push_back(value);
   const auto found = places_.find(value);
   if (found != places_.end()) {
+    // cppcheck-suppress sameIteratorExpression ; an empty range
     const auto there = values_.erase(*found, *found);  // as an iterator that writes; nothing is erased
     there->swap(made.front());
     values_.splice(values_.begin(), values_, there);
