@@ -125,7 +125,7 @@ inline natural::quotient natural::divided(const natural& by) const noexcept {
     divisor[n] = shifted(by.limbs_[n], n > 0 ? by.limbs_[n - 1] : 0);
     rest[n] = shifted(limbs_[n], n > 0 ? limbs_[n - 1] : 0);
   }
-  rest[count] = shifted(0, limbs_[count - 1]);
+  rest.back() = shifted(0, limbs_[count - 1]);
 
   quotient out;
   for (std::size_t place = used() - digits + 1; place-- > 0;) {
