@@ -51,9 +51,9 @@ struct KESTA_API smart_order {
 /// Values, each once, in the order of their texts: 10 comes before 9. Two values are the same when a list
 /// shows them alike: 5 and 5L are, 5 and "5" are not, of float and double six decimals count, and of
 /// ruvo::decimal all that are written, so that 1.5 and 1.50 are two. Of an instant counts the text in UTC, so
-/// that one is found whatever its mode and the zone of the thread's context; local dates and times of day, and
-/// what lists and bundles hold, count as they show now: after a change of the zone make a set of them anew.
-/// The first of the same values stays, with its qualities, which take no part in comparisons.
+/// that one is found whatever its mode and the zone of the thread's context; local dates and times of day,
+/// and what lists and bundles hold, count as they show now: after a change of the zone make a set of them
+/// anew. The first of the same values stays, with its qualities, which take no part in comparisons.
 ///
 /// Look-up, insertion and removal take logarithmic time and keep iterators to other values. Values are copied
 /// deeply, and compared by their texts, lists and bundles, too.

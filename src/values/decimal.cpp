@@ -9,7 +9,6 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <limits>
 
 #include "values/decimal_access.hpp"
@@ -98,7 +97,7 @@ struct small_fraction {
   /// Times 10^`power`; false, with nothing of use in it, where 64 bits do not hold it.
   bool shift(int power) noexcept {
     constexpr int most = 19;
-    const int digits = std::abs(power);
+    const int digits = power < 0 ? -power : power;
     return digits <= most && multiplies(power < 0 ? by : number, power_of_ten(digits).low());
   }
 
