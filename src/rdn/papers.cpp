@@ -12,6 +12,8 @@
 
 #include "base/ascii.hpp"
 #include "rdn/tables.hpp"
+#include "texto/identifiers/accounts.hpp"
+#include "texto/identifiers/kinds.hpp"
 
 namespace ruvo::rdn {
 
@@ -35,9 +37,9 @@ unsigned long company_number(generator& from) {
 /// The control letter, also where the form would take a digit: that of a form that takes letters alone.
 wchar_t letter_of_company(unsigned long number) { return identifiers::control_of_company(L'P', number); }
 
-/// Digits and letters in the form of a country's accounts, the first four digits nines.
-std::wstring account_of(generator& from, std::wstring_view form) {
-  std::wstring out;
+/// Writes digits and letters in the form of a country's accounts, the first four digits nines, and gives
+/// their end.
+char* draw_account(char* to, generator& from, std::wstring_view form) {
   std::size_t count = 0, nines = 4;
   for (const wchar_t c : form) {
     if (texto::is_digit(c)) {
@@ -45,17 +47,23 @@ std::wstring account_of(generator& from, std::wstring_view form) {
       continue;
     }
     for (; count > 0; --count) {
-      const auto drawn = static_cast<wchar_t>(from.below(c == L'n' ? 10 : c == L'a' ? 26 : 36));
+      const auto drawn = static_cast<char>(from.below(c == L'n' ? 10 : c == L'a' ? 26 : 36));
       if (c == L'n' && nines > 0) {
-        out += L'9';
+        *to++ = '9';
         --nines;
       } else {
         const bool is_letter = c == L'a' || drawn > 9;
-        out += static_cast<wchar_t>(!is_letter ? L'0' + drawn : c == L'a' ? L'A' + drawn : L'A' + drawn - 10);
+        *to++ = static_cast<char>(!is_letter ? '0' + drawn : c == L'a' ? 'A' + drawn : 'A' + drawn - 10);
       }
     }
   }
-  return out;
+  return to;
+}
+
+const identifiers::account_country* find_country(std::wstring_view code) {
+  if (code.size() != 2 || !texto::is_upper(code[0]) || !texto::is_upper(code[1])) return nullptr;
+  const char narrow[] = {static_cast<char>(code[0]), static_cast<char>(code[1])};
+  return identifiers::find_account_country({narrow, 2});
 }
 
 /// Of the numbers that payment services publish for tests: their first six digits.
@@ -116,10 +124,12 @@ std::wstring generator::cif(wchar_t letter, rule which) {
 }
 
 std::wstring generator::iban(std::wstring_view country) {
-  const std::wstring form = identifiers::account_form(country);
-  if (form.empty()) throw exc::BadArgument(L"iban: " + std::wstring(country));
-  const std::wstring account = account_of(*this, form);
-  return identifiers::with_control(identifiers::kind::iban, std::wstring(country).append(L"00") += account);
+  const identifiers::account_country* const row = find_country(country);
+  if (!row) throw exc::BadArgument(L"iban: " + std::wstring(country));
+  char text[identifiers::compact::room] = {row->code[0], row->code[1], '0', '0'};
+  char* const end = draw_account(text + 4, *this, row->form);
+  identifiers::complete_iban(text, static_cast<std::size_t>(end - text));
+  return {text, end};
 }
 
 std::wstring generator::ccc() { return iban().substr(4); }

@@ -94,6 +94,7 @@ void append_plain(std::wstring& out, std::wstring_view name) {
 
 std::wstring mail_of(generator& from, std::wstring_view first, std::wstring_view second) {
   std::wstring out;
+  out.reserve(first.size() + second.size() + 16);
   append_plain(out, first);
   out += L'.';
   append_plain(out, second);
