@@ -118,8 +118,8 @@ class KESTA_API reader {
   entry get(std::size_t index) const;
   /// All of them.
   std::vector<entry> entries() const;
-  /// The first entry of that name, in constant time after the first call. Both separators are alike, case
-  /// counts. False, and `out` as it was, when there is none.
+  /// The first entry of that name, in constant time after the first call, whatever names the archive has.
+  /// Both separators are alike, case counts. False, and `out` as it was, when there is none.
   bool find(const std::wstring& name, entry& out) const;
   /// The remark of the archive.
   std::wstring comment() const;

@@ -8,11 +8,14 @@
 #include <ruvo/texto/words.hpp>
 
 #include <algorithm>
+#include <bit>
+#include <cstring>
 
 #include "base/ascii.hpp"
 #include "base/utf.hpp"
 #include "packing/deflate.hpp"
 #include "system/code_page.hpp"
+#include "system/random.hpp"
 
 namespace ruvo::zip {
 
@@ -55,13 +58,64 @@ char16_t folded(wchar_t c) noexcept {
   return static_cast<char16_t>(texto::to_lowercase(texto::to_uppercase(c)));
 }
 
+/// Drawn once a process. Zeros where the system draws nothing: names can be made to collide then, which costs
+/// time and nothing else.
+struct drawn_key {
+  drawn_key() noexcept {
+    unsigned char bytes[sizeof halves];
+    if (platform::fill_random(bytes, sizeof bytes)) std::memcpy(halves, bytes, sizeof halves);
+  }
+  std::uint64_t halves[2] = {};
+};
+
+/// SipHash-1-3 (Aumasson, Bernstein 2012), with the number of units behind the last of them. Who does not
+/// know the key cannot make names that collide.
 class name_hash {
  public:
-  void add(char16_t unit) noexcept { sum_ = (sum_ ^ unit) * 0x100000001B3; }
-  std::uint64_t value() const noexcept { return sum_ ^ sum_ >> 32; }
+  name_hash() noexcept {
+    static const drawn_key key;
+    const auto [low, high] = key.halves;
+    state_[0] = low ^ 0x736F6D6570736575;
+    state_[1] = high ^ 0x646F72616E646F6D;
+    state_[2] = low ^ 0x6C7967656E657261;
+    state_[3] = high ^ 0x7465646279746573;
+  }
+  void add(char16_t unit) noexcept {
+    word_ |= std::uint64_t{unit} << 16 * (count_ % 4);
+    if (++count_ % 4 == 0) take_word();
+  }
+  std::uint64_t value() noexcept {
+    word_ |= count_ << 48;
+    take_word();
+    state_[2] ^= 0xFF;
+    for (int n = 0; n < 3; ++n) mix();
+    return state_[0] ^ state_[1] ^ state_[2] ^ state_[3];
+  }
 
  private:
-  std::uint64_t sum_ = 0xCBF29CE484222325;
+  void take_word() noexcept {
+    state_[3] ^= word_;
+    mix();
+    state_[0] ^= word_;
+    word_ = 0;
+  }
+  void mix() noexcept {
+    auto& [a, b, c, d] = state_;
+    a += b;
+    b = std::rotl(b, 13) ^ a;
+    a = std::rotl(a, 32);
+    c += d;
+    d = std::rotl(d, 16) ^ c;
+    a += d;
+    d = std::rotl(d, 21) ^ a;
+    c += b;
+    b = std::rotl(b, 17) ^ c;
+    c = std::rotl(c, 32);
+  }
+
+  std::uint64_t state_[4];
+  std::uint64_t word_ = 0;   // up to three units that were not taken yet
+  std::uint64_t count_ = 0;  // of all units
 };
 
 bool is_utf_8(std::string_view bytes) { return texto::to_utf_8(texto::to_utf_16(bytes)) == bytes; }
@@ -159,6 +213,13 @@ std::uint64_t twin_key(std::wstring_view name) noexcept {
 std::uint64_t exact_key(std::wstring_view name) noexcept {
   name_hash hash;
   for (const wchar_t c : name) hash.add(static_cast<char16_t>(c));
+  return hash.value();
+}
+
+std::uint64_t exact_key_of(const record& from, unsigned code_page) {
+  if (!is_ascii(from.name)) return exact_key(name_of(from, code_page));
+  name_hash hash;
+  for (const char c : from.name) hash.add(c == '\\' ? u'/' : static_cast<unsigned char>(c));
   return hash.value();
 }
 

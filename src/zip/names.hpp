@@ -33,9 +33,12 @@ const wchar_t* refusal_of(std::wstring_view name, std::size_t levels) noexcept;
 /// The folder of a path; "." for a path without one, since an empty path leads to nothing.
 file folder_of(const file& path);
 
-/// Equal for names that lead to one file: on systems that ignore case, or how letters are composed.
+/// Equal for names that lead to one file: on systems that ignore case, or how letters are composed. For
+/// others they differ, by all that can be foreseen; with each process they are others.
 std::uint64_t twin_key(std::wstring_view name) noexcept;
-/// Mostly different for different names.
+/// The same for names that are equal.
 std::uint64_t exact_key(std::wstring_view name) noexcept;
+/// The same of an entry's name.
+std::uint64_t exact_key_of(const record& from, unsigned code_page);
 
 }  // namespace ruvo::zip

@@ -73,7 +73,7 @@ void make_buckets(open_archive& of) {
   const std::size_t count = of.list.size(), mask = std::bit_ceil(count + 1) - 1;
   std::vector<std::uint32_t> keys(count), starts(mask + 2), entries(count);
   for (std::size_t n = 0; n < count; ++n) {
-    keys[n] = static_cast<std::uint32_t>(exact_key(of.name(of.list.get(n))) & mask);
+    keys[n] = static_cast<std::uint32_t>(exact_key_of(of.list.get(n), of.code_page) & mask);
     ++starts[keys[n] + 1];
   }
   for (std::size_t n = 1; n < starts.size(); ++n) starts[n] += starts[n - 1];
