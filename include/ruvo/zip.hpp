@@ -65,7 +65,7 @@ struct entry {
 };
 
 /// What an archive from elsewhere may take. More is exc::zipLimit, of the archive for the first two, which it
-/// needs memory for, and of an entry for the others.
+/// needs memory for, and of an entry for the others. What came out of entries that fail counts, too.
 struct limits {
   std::size_t entries = 1'000'000;                       ///< In the list.
   std::size_t directory_bytes = std::size_t{256} << 20;  ///< Of the list of entries.

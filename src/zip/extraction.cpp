@@ -115,10 +115,9 @@ class tree_reader : public files::RelayCallBack {
     const bool done = is_done(failure, name, [&] {
       from_.expect_readable(which, name);
       expect_no_twin(name);
-      if (which.size > from_.most.total_bytes - total_)
+      if (which.size > from_.most.total_bytes - out_.total())
         throw failure_of<exc::zipLimit>(name, L"tamaño total");
       is_whole = unpack(which, name, path);
-      if (is_whole) total_ += which.size;
       if (is_whole && is_folder_name(name) && which.size)
         throw failure_of<exc::zipBadFormated>(name, L"un directorio no tiene contenido");
     });
@@ -163,7 +162,6 @@ class tree_reader : public files::RelayCallBack {
   fileFilter* filter_;
   progress report_;
   buffered_outlet out_;
-  std::uint64_t total_ = 0;
   /// By the number of the folder above, 0 for the top, and the name in it.
   std::map<std::pair<std::size_t, std::wstring>, asked_folder> folders_;
   std::unordered_set<std::uint64_t> taken_;

@@ -59,6 +59,7 @@ bool progress::report(const file& entry, std::uint64_t done, std::uint64_t size)
 }
 
 bool buffered_outlet::take(std::size_t count) {
+  total_ += count;
   if (to_) to_->write_at(done_, {buffer_.data(), count});
   done_ += count;
   return report_.report(entry_, done_, size_);

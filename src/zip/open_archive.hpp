@@ -5,6 +5,8 @@
 
 #include <ruvo/zip.hpp>
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
@@ -55,7 +57,7 @@ constexpr std::size_t piece_size = source::window_size;
 /// To a buffer that is kept for all entries, and from there to a file, or to nothing.
 class buffered_outlet : public outlet {
  public:
-  buffered_outlet(progress& report) : report_(report), buffer_(piece_size) {}
+  buffered_outlet(progress& report) : report_(report) {}
 
   /// The next entry, whose file may be null.
   void begin(const file& entry, std::uint64_t size, files::file_writer* to) {
@@ -64,17 +66,21 @@ class buffered_outlet : public outlet {
     done_ = 0;
     to_ = to;
   }
+  /// No more than what is promised and one byte, so that what is beyond shows.
   char* room(std::size_t& size) override {
-    size = buffer_.size();
+    size = static_cast<std::size_t>(std::min<std::uint64_t>(piece_size, size_ - done_ + 1));
+    if (buffer_.size() < size) buffer_ = std::vector<char>(std::bit_ceil(size));
     return buffer_.data();
   }
   bool take(std::size_t count) override;
+  /// What came out of all entries, also of those that failed.
+  std::uint64_t total() const noexcept { return total_; }
 
  private:
   progress& report_;
   std::vector<char> buffer_;
   file entry_;
-  std::uint64_t size_ = 0, done_ = 0;
+  std::uint64_t size_ = 0, done_ = 0, total_ = 0;
   files::file_writer* to_ = nullptr;
 };
 

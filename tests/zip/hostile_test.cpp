@@ -244,6 +244,19 @@ TEST_F(hostile, limits_hold) {
   EXPECT_EQ(with([](zip::limits& most) { most.entry_bytes = 599; }), limit);
   EXPECT_EQ(with([](zip::limits& most) { most.total_bytes = 1100; }), 0u);
   EXPECT_EQ(with([](zip::limits& most) { most.total_bytes = 1099; }), limit);
+  // What failed counts, too.
+  zip::limits few;
+  few.total_bytes = 750;
+  const raw::entry broken{"roto", "aaa", 0, 0, "", 8, "\x4B\x4C\x4C\4\0z"s};
+  std::vector<raw::entry> many(300, broken);
+  for (raw::entry& each : many) each.name += std::to_string(&each - many.data());
+  outcome_recorder all;
+  zip::reader bombs;
+  exception failure;
+  ASSERT_TRUE(bombs.open_bytes(binary(raw::archive(many)), failure, few));
+  EXPECT_FALSE(bombs.verify_all(failure, nullptr, &all));
+  EXPECT_EQ(std::ranges::count(all.seen.failures, bad_data), 250);
+  EXPECT_EQ(std::ranges::count(all.seen.failures, limit), 50);
   EXPECT_EQ(with([](zip::limits& most) { most.levels = 2; }), 0u);
   EXPECT_EQ(with([](zip::limits& most) { most.levels = 1; }), bad_name);
   zip::reader in;
