@@ -136,8 +136,10 @@ class KESTA_API reader {
 
   /// Unpacks all entries, or those that the filter takes, to a folder, which is made if it is missing. The
   /// files that stand there are replaced, and get the times of the archive. Links are followed in the place
-  /// of `folder` and nowhere below. Filter and callback are given the paths in the folder. Stopping is no
-  /// failure; the entry that was worked on is not there then.
+  /// of `folder` and nowhere below: folders below are held while something is written to them. On Windows
+  /// nobody can put another one in their place meanwhile; where somebody can, the entry fails. Filter and
+  /// callback are given the paths in the folder. Stopping is no failure; the entry that was worked on is not
+  /// there then.
   ///
   /// Nothing is unpacked of an archive whose entries share bytes. Without asking the filter an entry is
   /// refused whose name has an empty part, "." or "..", begins with a separator, holds one of `:<>"|?*` or a

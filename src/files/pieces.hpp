@@ -39,7 +39,9 @@ class file_reader {
 /// exc::fileOsStream.
 class file_writer {
  public:
-  explicit file_writer(const file& path);
+  /// If the path's folder is held, the file is made in that one, and gets its name there, or it is a failure;
+  /// whatever takes the folder's place meanwhile. The held folder is to outlive the writer.
+  explicit file_writer(const file& path, const platform::held_folder* folder = nullptr);
   file_writer(file_writer&& other) noexcept;
   file_writer& operator=(file_writer&& other) noexcept;
   ~file_writer();

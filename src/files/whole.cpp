@@ -163,10 +163,18 @@ class numbers_in_use {
 
 numbers_in_use& stand_ins() { return immortal<numbers_in_use>(); }
 
-/// A new file beside a target: it takes the target's place, or goes away.
+/// Whether the folder of a path is the one that is held.
+bool is_folder_of(const platform::held_folder& folder, const file& path) {
+  const file above = path.get_parent();
+  return folder.is_at(above.empty() ? file(L".") : above);
+}
+
+/// A new file beside a target: it takes the target's place, or goes away. Both are in the folder that is
+/// held, if one is.
 class stand_in {
  public:
-  stand_in(const file& target, bool replaces) : target_(target), replaces_(replaces) {}
+  stand_in(const file& target, bool replaces, const platform::held_folder* folder = nullptr)
+      : target_(target), replaces_(replaces), folder_(folder) {}
   stand_in(const stand_in&) = delete;
   stand_in& operator=(const stand_in&) = delete;
   ~stand_in() {
@@ -176,12 +184,15 @@ class stand_in {
 
   /// Makes the file, which may then be written.
   platform::open_file& open() {
+    expect_folder();
     constexpr int attempts = 100;
     for (int i = 0; i < attempts; ++i) {
       file path = free_name();
       out_.emplace(path, platform::open_file::to_create, replaces_ ? target_ : file());
       if (*out_) {
         path_ = std::move(path);
+        expect(!folder_ || out_->is_in(*folder_, path_.get_name()));
+        is_there_ = folder_ != nullptr;
         return *out_;
       }
       if (!path.exists()) break;
@@ -193,6 +204,8 @@ class stand_in {
   void expect(bool done) const {
     if (!done) throw exc::fileOsStream(target_);
   }
+  /// Throws when something else has taken the place of the folder that is held.
+  void expect_folder() const { expect(!folder_ || is_folder_of(*folder_, target_)); }
   void close() {
     expect(out_->close());
     out_.reset();
@@ -241,7 +254,10 @@ class stand_in {
     out_.reset();
     if (path_.empty()) return;
     try {
-      platform::remove_file(path_, true);
+      if (is_there_)
+        folder_->remove(path_.get_name(), {});
+      else
+        platform::remove_file(path_, true);
     } catch (const std::bad_alloc&) {
       // The file stays.
     }
@@ -262,6 +278,8 @@ class stand_in {
 
   const file& target_;
   const bool replaces_;
+  const platform::held_folder* const folder_;
+  bool is_there_ = false;  // the new file, in the folder that is held
   file path_;
   std::optional<platform::open_file> out_;
   unsigned number_ = 0;
@@ -378,12 +396,13 @@ void file_reader::read_at(unsigned long long offset, void* to, std::size_t count
 }
 
 struct file_writer::body {
-  explicit body(const file& target) : path(target) {}
+  body(const file& target, const platform::held_folder* folder) : path(target), made(path, true, folder) {}
   file path;
-  stand_in made{path, true};
+  stand_in made;
 };
 
-file_writer::file_writer(const file& path) : body_(std::make_unique<body>(path)) {
+file_writer::file_writer(const file& path, const platform::held_folder* folder)
+    : body_(std::make_unique<body>(path, folder)) {
   expect_writable(body_->path, true);
   body_->made.open();
 }
@@ -398,6 +417,7 @@ void file_writer::cut(unsigned long long size) { body_->made.expect(body_->made.
 
 void file_writer::settle(const platform::new_file_facts* facts) {
   stand_in& made = body_->made;
+  made.expect_folder();
   made.expect((facts || made.out().flush()) && made.out().keep());
   if (facts) made.expect(made.out().set_facts(*facts));
   made.close();
@@ -460,10 +480,9 @@ void copy_held(const file& from, const file& to, const platform::held_folder* so
                const platform::held_folder& target) {
   expect_file(from);
   expect_writable(to, true);
-  const file folder = to.get_parent();
   // A file that is replaced just then is copied again; under a system that cannot keep it from that.
   constexpr int attempts = 8;
-  for (int i = 0; i < attempts && target.is_at(folder.empty() ? file(L".") : folder); ++i) {
+  for (int i = 0; i < attempts && is_folder_of(target, to); ++i) {
     std::optional<platform::held_file> held;
     if (source && !held.emplace(*source, from.get_name())) break;
     stand_in made(to, true);

@@ -11,6 +11,8 @@
 
 namespace ruvo::platform {
 
+class held_folder;
+
 /// What a new file is to have beside its content.
 struct new_file_facts {
   long long modified = 0;  // seconds since 1970-01-01 00:00:00 UTC
@@ -31,6 +33,9 @@ class open_file {
   bool size(unsigned long long& out) const noexcept;
   /// Whether the path leads to this file now.
   bool is_at(const std::wstring& path) const;
+  /// False when a new file of that name was made in another folder than the one that is held, since it had
+  /// taken its place. Where a held folder keeps its place, nobody is asked.
+  bool is_in(const held_folder& folder, const std::wstring& name) const;
   /// The next read begins with the file's first byte.
   bool rewind() noexcept;
   /// Reads up to `room` bytes; none at the end of the file.

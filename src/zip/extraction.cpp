@@ -51,13 +51,9 @@ platform::new_file_facts facts_of(const record& from) {
 /// A file in a folder that is held, or at a path of the caller's, from an entry. False when it was stopped.
 bool write_entry(open_archive& from, const record& which, const std::wstring& name, const file& path,
                  const files::held_folder* folder, buffered_outlet& out) {
-  const file above = folder_of(path);
-  const auto is_in_place = [&] { return !folder || folder->is_at(above); };
-  if (!is_in_place()) throw exc::fileOsStream(path);
-  files::file_writer made(path);
+  files::file_writer made(path, folder);
   out.begin(path, which.size, &made);
   if (!from.unpack(which, name, out)) return false;
-  if (!is_in_place()) throw exc::fileOsStream(path);
   const platform::new_file_facts facts = facts_of(which);
   made.settle(&facts);
   return true;

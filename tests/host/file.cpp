@@ -20,6 +20,7 @@
 #include "base/utf.hpp"
 #include "names.hpp"
 #include "system/entry.hpp"
+#include "system/folder.hpp"
 
 namespace ruvo::platform {
 
@@ -56,6 +57,12 @@ bool open_file::size(unsigned long long& out) const noexcept {
 }
 
 bool open_file::is_at(const std::wstring& path) const { return leads_to(path, file_.get()); }
+
+bool open_file::is_in(const held_folder& folder, const std::wstring& name) const {
+  struct stat found {};
+  return fstatat(descriptor_of(folder.get()), host_name(name).c_str(), &found, AT_SYMLINK_NOFOLLOW) == 0 &&
+         identity_of(found) == identity_of(file_.get());
+}
 
 bool open_file::rewind() noexcept { return lseek(descriptor_of(file_.get()), 0, SEEK_SET) == 0; }
 

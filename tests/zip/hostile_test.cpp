@@ -313,6 +313,40 @@ TEST_F(hostile, names_that_were_made_to_collide_are_found_as_fast_as_others) {
 }
 
 #ifndef _WIN32
+// Where the system lets somebody do it.
+TEST_F(hostile, a_folder_that_is_replaced_meanwhile_gets_nothing) {
+  struct replacing : zip::progress_callback {
+    void onRead(const file&) override {
+      if (!within) replace();
+    }
+    void on_progress(const file&, unsigned long long, unsigned long long) override {
+      if (within) replace();
+    }
+    void onFailure(const exception& error) override { failures.push_back(error.get_raw_code()); }
+    void replace() {
+      if (std::filesystem::exists("scratch/otra")) return;
+      std::filesystem::rename("scratch/destino/sub", "scratch/otra");
+      std::filesystem::create_directory_symlink("../fuera", "scratch/destino/sub");
+    }
+    bool within = false;
+    std::vector<unsigned long> failures;
+  };
+  std::filesystem::create_directory("scratch/fuera");
+  for (const bool within : {false, true}) {
+    replacing callback;
+    callback.within = within;
+    zip::reader in;
+    exception err;
+    ASSERT_TRUE(in.open_bytes(binary(raw::archive({{"sub/uno", "1"}, {"sub/dos", "2"}})), err));
+    EXPECT_FALSE(in.extract_all(path(L"destino"), err, nullptr, &callback));
+    EXPECT_EQ(callback.failures, std::vector(within ? 2 : 1, exc::fileOsStream(file()).get_raw_code()));
+    EXPECT_TRUE(std::filesystem::is_empty("scratch/fuera"));
+    EXPECT_EQ(std::filesystem::exists("scratch/otra/uno"), !within);
+    EXPECT_EQ(std::filesystem::is_empty("scratch/otra"), within);
+    for (const char* const each : {"scratch/destino", "scratch/otra"}) std::filesystem::remove_all(each);
+  }
+}
+
 TEST_F(hostile, links_on_the_way_down_are_not_followed) {
   std::filesystem::create_directories("scratch/destino");
   std::filesystem::create_directory("scratch/fuera");

@@ -72,6 +72,9 @@ bool open_file::size(unsigned long long& out) const noexcept {
 
 bool open_file::is_at(const std::wstring& path) const { return nt::leads_to(path, file_.get()); }
 
+// The folder is held without sharing deletion. What is marked for deletion could not be opened by its name.
+bool open_file::is_in(const held_folder&, const std::wstring&) const { return true; }
+
 bool open_file::rewind() noexcept { return SetFilePointerEx(file_.get(), {}, nullptr, FILE_BEGIN); }
 
 bool open_file::read(void* to, std::size_t room, std::size_t& got) noexcept {
