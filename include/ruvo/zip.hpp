@@ -47,7 +47,8 @@ struct entry {
   std::wstring name;
   /// In bytes: of the content, and of what the archive has of it.
   unsigned long long size = 0, packed_size = 0;
-  /// When the content was last changed; 1980-01-01 where the archive does not know.
+  /// When the content was last changed. The beginning of 1980, local time, where the archive does not know,
+  /// or names a day or an hour that there is not.
   datetime time = datetime(0LL);
   /// CRC-32 of the content.
   std::uint32_t crc = 0;

@@ -4,9 +4,9 @@
 
 #include "zip/format.hpp"
 
-#include <algorithm>
 #include <ctime>
 
+#include "base/civil.hpp"
 #include "base/services.hpp"
 
 namespace ruvo::zip {
@@ -24,6 +24,28 @@ bool fill_in(std::uint64_t& number, std::string_view& field) noexcept {
   number = get_64(field, 0);
   field.remove_prefix(8);
   return true;
+}
+
+/// The first moment that the format knows, for one that there is not.
+std::tm fields_of(std::uint32_t dos_time) noexcept {
+  const auto bits = [dos_time](unsigned from, unsigned count) {
+    return static_cast<int>(dos_time >> from & ((1u << count) - 1));
+  };
+  std::tm out{};
+  out.tm_isdst = -1;
+  out.tm_year = 80;
+  out.tm_mday = 1;
+  const int year = 1980 + bits(25, 7), month = bits(21, 4), day = bits(16, 5);
+  const int hour = bits(11, 5), minute = bits(5, 6), second = 2 * bits(0, 5);
+  const bool is_day = month >= 1 && month <= 12 && day >= 1 && day <= civil::month_days(year, month);
+  if (!is_day || hour > 23 || minute > 59 || second > 59) return out;
+  out.tm_year = year - 1900;
+  out.tm_mon = month - 1;
+  out.tm_mday = day;
+  out.tm_hour = hour;
+  out.tm_min = minute;
+  out.tm_sec = second;
+  return out;
 }
 
 }  // namespace
@@ -80,14 +102,7 @@ long long time_of(const record& from) {
     constexpr long long ticks = 10'000'000, from_1601_to_1970 = 11'644'473'600;
     return static_cast<long long>(get_64(ntfs, 8) >> 1) / (ticks / 2) - from_1601_to_1970;
   }
-  std::tm fields{};
-  fields.tm_year = static_cast<int>(from.dos_time >> 25) + 80;
-  fields.tm_mon = std::max(static_cast<int>(from.dos_time >> 21 & 15) - 1, 0);
-  fields.tm_mday = std::max(static_cast<int>(from.dos_time >> 16 & 31), 1);
-  fields.tm_hour = static_cast<int>(from.dos_time >> 11 & 31);
-  fields.tm_min = static_cast<int>(from.dos_time >> 5 & 63);
-  fields.tm_sec = static_cast<int>(from.dos_time & 31) * 2;
-  fields.tm_isdst = -1;
+  std::tm fields = fields_of(from.dos_time);
   long long out = 0;
   services::build(current_context(), fields, true, out, nullptr);
   return out;

@@ -31,20 +31,15 @@ constexpr unsigned wide = 1, ntfs = 0x000A, times = 0x5455, utf_8_name = 0x7075;
 }
 constexpr unsigned stored = 0, deflated = 8;
 
-/// The number of `count` bytes at a place, which has to be there.
-inline std::uint64_t number_at(std::string_view bytes, std::size_t at, unsigned count) noexcept {
-  std::uint64_t out = 0;
-  for (unsigned n = count; n-- > 0;) out = out << 8 | static_cast<unsigned char>(bytes[at + n]);
-  return out;
-}
+/// The number at a place, which has to be there.
 inline unsigned get_16(std::string_view bytes, std::size_t at) noexcept {
-  return static_cast<unsigned>(number_at(bytes, at, 2));
+  return static_cast<unsigned char>(bytes[at]) | unsigned{static_cast<unsigned char>(bytes[at + 1])} << 8;
 }
 inline std::uint32_t get_32(std::string_view bytes, std::size_t at) noexcept {
-  return static_cast<std::uint32_t>(number_at(bytes, at, 4));
+  return get_16(bytes, at) | std::uint32_t{get_16(bytes, at + 2)} << 16;
 }
 inline std::uint64_t get_64(std::string_view bytes, std::size_t at) noexcept {
-  return number_at(bytes, at, 8);
+  return get_32(bytes, at) | std::uint64_t{get_32(bytes, at + 4)} << 32;
 }
 
 inline void put(std::string& out, std::uint64_t number, unsigned count) {
@@ -72,7 +67,8 @@ bool read_record(std::string_view bytes, record& out) noexcept;
 /// The field of that number; empty when there is none. A field that goes beyond the end is the last.
 std::string_view find_extra(std::string_view fields, unsigned number) noexcept;
 
-/// When the content was changed, in seconds since 1970.
+/// When the content was changed, in seconds since 1970; the beginning of 1980, local time, for a day or an
+/// hour that there is not.
 long long time_of(const record& from);
 /// An instant as the local day and time of the format, which knows 1980 to 2107.
 std::uint32_t dos_time_of(long long seconds);

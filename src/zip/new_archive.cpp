@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/limits.hpp"
 #include "base/utf.hpp"
 #include "zip/failures.hpp"
 #include "zip/names.hpp"
@@ -17,6 +18,7 @@ namespace {
 
 constexpr std::size_t packed_room = std::size_t{1} << 16;
 constexpr unsigned plain_version = 20, wide_version = 45;
+constexpr std::uint64_t first_wide = detail::limits::archive_field;
 
 /// The name as the archive has it.
 std::string written_name(const std::wstring& name) {
@@ -30,7 +32,7 @@ std::string written_name(const std::wstring& name) {
 }
 
 std::uint32_t in_32(std::uint64_t number) {
-  return number < elsewhere ? static_cast<std::uint32_t>(number) : elsewhere;
+  return number < first_wide ? static_cast<std::uint32_t>(number) : elsewhere;
 }
 
 }  // namespace
@@ -63,7 +65,7 @@ struct new_archive::entry_head {
   std::string central() const {
     std::string numbers;
     for (const std::uint64_t number : {size, packed, offset})
-      if (number >= elsewhere) put(numbers, number, 8);
+      if (number >= first_wide) put(numbers, number, 8);
     std::string fields;
     if (!numbers.empty()) {
       put(fields, extra::wide, 2);
@@ -139,7 +141,7 @@ void new_archive::add(const std::wstring& given, const packed_facts& facts, cons
   head.dos_time = dos_time_of(facts.modified);
   head.attributes = facts.attributes;
   head.offset = out.end();
-  head.is_wide = facts.size + facts.size / 1000 + packed_room >= elsewhere;  // packing may add a little
+  head.is_wide = facts.size + facts.size / 1000 + packed_room >= first_wide;  // packing may add a little
   const std::size_t listed = directory_.size();
   try {
     write_entry(head, next);
@@ -198,7 +200,7 @@ void new_archive::finish() {
   expect_whole();
   const std::uint64_t offset = out.end(), size = directory_.size();
   std::string end;
-  if (count_ >= elsewhere_16 || offset >= elsewhere || size >= elsewhere) {
+  if (count_ >= elsewhere_16 || offset >= first_wide || size >= first_wide) {
     put(end, wide_end_mark, 4);
     put(end, wide_end_size - 12, 8);
     put(end, wide_version, 2);

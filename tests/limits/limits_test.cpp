@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: BSL-1.0
 
 // Beyond the greatest sizes, in a build where they are tiny (src/base/limits.hpp): std::length_error,
-// nothing lost, and all works on.
+// nothing lost, and all works on. Archives go on with wider numbers.
 
 #include <ruvo/ruvo.hpp>
 
+#include <cstdint>
+#include <iterator>
 #include <regex>
 #include <stdexcept>
 #include <string>
@@ -104,6 +106,35 @@ TEST(limits, writers_and_patterns) {
     FAIL();
   } catch (const std::regex_error& error) {
     EXPECT_EQ(error.code(), std::regex_constants::error_space);
+  }
+}
+
+/// The size of an entry, what is packed of it, its place and that of the list may each be beyond 32 bits.
+TEST(limits, archives_have_64_bits_where_they_need_them) {
+  namespace zip = ruvo::zip;
+  constexpr std::size_t large = 150'000;
+  std::string noise;
+  for (std::uint32_t n = 1; noise.size() < large; n = n * 1664525 + 1013904223)
+    noise += static_cast<char>(n >> 24);
+  const std::string contents[] = {"a", std::string(large, 'x'), std::string(40'000, 'y'), noise, "z"};
+  for (const int level : {0, 6}) {
+    zip::writer out;
+    zip::reader in;
+    ruvo::exception err;
+    ruvo::binary archive, content;
+    out.open_memory();
+    out.set_level(level);
+    for (const std::string& each : contents)
+      EXPECT_TRUE(out.add_bytes(std::to_wstring(&each - contents), each, err)) << err.what();
+    ASSERT_TRUE(out.close(archive, err) && in.open_bytes(archive, err)) << err.what();
+    ASSERT_EQ(in.size(), std::size(contents));
+    EXPECT_TRUE(in.verify_all(err)) << err.what();
+    for (std::size_t n = 0; n < in.size(); ++n) {
+      EXPECT_TRUE(in.read(in.get(n), content, err)) << err.what();
+      EXPECT_EQ(std::string(content.begin(), content.end()), contents[n]);
+    }
+    const std::string bytes(archive.begin(), archive.end());
+    EXPECT_EQ(bytes.substr(bytes.size() - 6, 4), "\xFF\xFF\xFF\xFF") << "the list is beyond";
   }
 }
 

@@ -184,9 +184,53 @@ TEST_F(archives, times_and_attributes_are_kept) {
   EXPECT_FALSE(path(L"destino\\fijo").can_be_write());
   for (const char* const name : {"scratch/fijo", "scratch/destino/fijo"})
     std::filesystem::permissions(name, std::filesystem::perms::owner_all);
-  // Without the field of UTC there is the local time of DOS.
-  ASSERT_TRUE(in.open_bytes(binary(raw::archive({{"a", ""}})), err));
-  EXPECT_EQ(in.get(0).time, ruvo::datetime(2024L, 1L, 1L, 11L, 17L, 36L, ruvo::times::LOCAL));
+}
+
+// Without the field of UTC there is the local time of DOS, which may be none.
+TEST_F(archives, times_of_dos_are_local_and_impossible_ones_are_the_first) {
+  const auto local = [](long year, long month, long day, long hour, long minute, long second) {
+    return ruvo::datetime(year, month, day, hour, minute, second, ruvo::times::LOCAL);
+  };
+  const ruvo::datetime first = local(1980, 1, 1, 0, 0, 0);
+  const struct {
+    const char* what;
+    std::uint32_t time;
+    ruvo::datetime expected;
+  } rows[] = {
+      {"any", 0x58215A32, local(2024, 1, 1, 11, 17, 36)},
+      {"a leap day", 0x585DBF7D, local(2024, 2, 29, 23, 59, 58)},
+      {"the last", 0xFF9FBF7D, local(2107, 12, 31, 23, 59, 58)},
+      {"none", 0, first},
+      {"month 0", 0x58015A32, first},
+      {"month 13", 0x59A15A32, first},
+      {"day 0", 0x58205A32, first},
+      {"30 February", 0x585E5A32, first},
+      {"hour 24", 0x5821C000, first},
+      {"minute 60", 0x58210780, first},
+      {"second 60", 0x5821001E, first},
+  };
+  for (const auto& r : rows) {
+    zip::reader in;
+    exception err;
+    raw::entry of{"a", ""};
+    of.time = r.time;
+    ASSERT_TRUE(in.open_bytes(binary(raw::archive({of})), err));
+    EXPECT_EQ(in.get(0).time, r.expected) << r.what;
+  }
+}
+
+TEST_F(archives, numbers_of_64_bits_are_read) {
+  raw::entry wide{"ancho", "0123456789"};
+  wide.is_wide = true;
+  std::string bytes = raw::archive({{"a", "x"}, wide, {"z", "y"}});
+  zip::reader in;
+  exception err;
+  ASSERT_TRUE(in.open_bytes(binary(bytes), err)) << err.what();
+  EXPECT_EQ(bytes_of(in, L"ancho"), "0123456789");
+  EXPECT_EQ(bytes_of(in, L"z"), "y");
+  EXPECT_TRUE(in.verify_all(err)) << err.what();
+  bytes.replace(bytes.rfind("\1\0\x18\0"s), 4, "\1\0\x17\0"s);
+  EXPECT_FALSE(in.open_bytes(binary(bytes), err)) << "without the whole place";
 }
 
 TEST_F(archives, folders_are_packed_and_unpacked_with_filter_and_callback) {

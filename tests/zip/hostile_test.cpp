@@ -134,6 +134,8 @@ TEST_F(hostile, what_is_no_plain_entry_is_reported_and_left_out) {
       {"more than a byte can give", {"bomba", "", 0, 0, "", 8, "\3\0"s, 5000}, bad_data},
       {"less than promised", {"poco", "", 0, 0, "", 8, "\3\0"s, 500}, bad_data},
       {"more than promised", {"mucho", "aaaa", 0, 0, "", 8, "\x4B\x4C\x4C\4\0"s, 2}, bad_data},
+      {"a size beyond the limits", {"enorme", "x", 0, 0, "", 0, "", 1ULL << 40, true}, limit},
+      {"a size beyond 32 bits", {"enorme", "x", 0, 0, "", 0, "", 1ULL << 33, true}, bad_format},
       {"bytes behind the end", {"sobra", "", 0, 0, "", 8, "\3\0zz"s}, bad_data},
   };
   for (const row& r : rows) {

@@ -36,24 +36,37 @@ struct entry {
   unsigned method = 0;
   std::string packed = {};
   std::uint64_t size = 0;  // that is promised, if it is not that of the content
+  bool is_wide = false;    // its numbers stand in fields of 64 bits
+  std::uint32_t time = 0x58215A32;
 };
+
+inline std::uint64_t packed_size(const entry& of) { return (of.method ? of.packed : of.content).size(); }
+inline std::uint64_t promised_size(const entry& of) { return of.size ? of.size : of.content.size(); }
 
 /// What both records of an entry have, from the flags to the lengths.
 inline std::string common(const entry& of) {
-  const std::string& packed = of.method ? of.packed : of.content;
-  return number(of.flags, 2) + number(of.method, 2) + number(0x58215A32, 4) + number(crc_of(of.content), 4) +
-         number(packed.size(), 4) + number(of.size ? of.size : of.content.size(), 4) +
-         number(of.name.size(), 2);
+  constexpr std::uint64_t elsewhere = 0xFFFFFFFF;
+  return number(of.flags, 2) + number(of.method, 2) + number(of.time, 4) + number(crc_of(of.content), 4) +
+         number(of.is_wide ? elsewhere : packed_size(of), 4) +
+         number(of.is_wide ? elsewhere : promised_size(of), 4) + number(of.name.size(), 2);
+}
+
+inline std::string wide_field(const entry& of, const std::string& place) {
+  if (!of.is_wide) return {};
+  return number(1, 2) + number(16 + place.size(), 2) + number(promised_size(of), 8) +
+         number(packed_size(of), 8) + place;
 }
 
 inline std::string local(const entry& of) {
-  return "PK\3\4" + number(20, 2) + common(of) + number(0, 2) + of.name +
+  const std::string fields = wide_field(of, {});
+  return "PK\3\4" + number(20, 2) + common(of) + number(fields.size(), 2) + of.name + fields +
          (of.method ? of.packed : of.content);
 }
 
 inline std::string central(const entry& of, std::size_t offset) {
-  return "PK\1\2" + number(20, 2) + number(20, 2) + common(of) + number(of.extra.size(), 2) + number(0, 6) +
-         number(of.attributes, 4) + number(offset, 4) + of.name + of.extra;
+  const std::string fields = wide_field(of, number(offset, 8)) + of.extra;
+  return "PK\1\2" + number(20, 2) + number(20, 2) + common(of) + number(fields.size(), 2) + number(0, 6) +
+         number(of.attributes, 4) + number(of.is_wide ? 0xFFFFFFFF : offset, 4) + of.name + fields;
 }
 
 inline std::string end(std::size_t count, std::size_t size, std::size_t offset,
