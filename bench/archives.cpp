@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: BSL-1.0
 
-// Zip archives in memory, against zlib called for the same contents without an archive around them.
+// Zip archives in memory, against zlib called for the same contents without an archive around them; a file of
+// many entries opened, against a bare loop over its list.
 //
 //   bench_archives
 
+#include <ruvo/files/whole.hpp>
 #include <ruvo/zip.hpp>
 
+#include <cstdint>
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <random>
 #include <string>
 #include <string_view>
@@ -110,6 +115,71 @@ void compare(bench::table& results, const char* name, const std::vector<std::str
               {{"zlib", 0.9}});
 }
 
+// --- many entries
+
+constexpr std::size_t many = 70'000;
+
+std::wstring name_of(std::size_t n) { return L"una carpeta/fichero " + std::to_wstring(n) + L".txt"; }
+
+ruvo::file write_many() {
+  ruvo::zip::writer out;
+  ruvo::exception err;
+  ruvo::binary archive;
+  out.open_memory();
+  out.set_level(0);
+  for (std::size_t n = 0; n < many; ++n)
+    if (!out.add_bytes(name_of(n), "x", err)) std::printf("failed: %s\n", err.what());
+  if (!out.close(archive, err)) std::printf("failed: %s\n", err.what());
+  return ruvo::files::write(archive, ruvo::files::get_temporal_file(L"bench", L"", L"zip"));
+}
+
+std::size_t number_at(const std::string& bytes, std::size_t at, unsigned count) {
+  std::size_t out = 0;
+  while (count-- > 0) out = out << 8 | static_cast<unsigned char>(bytes[at + count]);
+  return out;
+}
+
+/// Reads the list of an archive without a comment in one piece, keeps where each record begins, and looks at
+/// lengths, sizes and places.
+void walk(const std::filesystem::path& path) {
+  constexpr std::size_t end_size = 22, record_size = 46;
+  std::ifstream in(path, std::ios::binary);
+  std::string end(end_size, '\0');
+  in.seekg(-static_cast<std::streamoff>(end_size), std::ios::end);
+  in.read(end.data(), static_cast<std::streamsize>(end.size()));
+  std::string list(number_at(end, 12, 4), '\0');
+  in.seekg(static_cast<std::streamoff>(number_at(end, 16, 4)));
+  in.read(list.data(), static_cast<std::streamsize>(list.size()));
+  std::vector<std::uint32_t> records;
+  std::size_t sum = 0;
+  for (std::size_t at = 0; list.size() - at >= record_size && number_at(list, at, 4) == 0x02014B50;) {
+    records.push_back(static_cast<std::uint32_t>(at));
+    sum += number_at(list, at + 20, 4) + number_at(list, at + 24, 4) + number_at(list, at + 42, 4);
+    at +=
+        record_size + number_at(list, at + 28, 2) + number_at(list, at + 30, 2) + number_at(list, at + 32, 2);
+  }
+  if (records.size() != many) std::puts("failed: walk");
+  bench::use(sum);
+}
+
+void compare_opening(bench::table& results) {
+  const ruvo::file path = write_many();
+  const std::filesystem::path native = path.unix_path();
+  const auto open = [&path](bool finds) {
+    ruvo::zip::reader in;
+    ruvo::exception err;
+    ruvo::zip::entry found;
+    if (!in.open(path, err)) std::printf("failed: %s\n", err.what());
+    if (in.size() != many || (finds && !in.find(name_of(many - 1), found))) std::puts("failed: entries");
+  };
+  const bench::amount amount{static_cast<double>(many), bench::amount::operations};
+  results.row("open", "70,000 entries", amount,
+              {{"kesta", [&] { open(false); }}, {"bare loop", [&] { walk(native); }}}, {{"bare loop", 0.5}});
+  results.row("open, find one", "70,000 entries", amount,
+              {{"kesta", [&] { open(true); }}, {"bare loop", [&] { walk(native); }}}, {});
+  path.erase();
+}
+
 }  // namespace
 
 int main() {
@@ -118,4 +188,5 @@ int main() {
   compare(results, "JSON in one piece", {text});
   compare(results, "JSON in 800 pieces", cut(text, 10'000));
   compare(results, "noise", {noise()});
+  compare_opening(results);
 }

@@ -190,8 +190,8 @@ class KESTA_API writer {
            const datetime& time = datetime());
   bool add_bytes(const std::wstring& name, std::string_view content, exception& err,
                  const datetime& time = datetime());
-  /// Adds a file, which is read in pieces, with its time and whether it is hidden or read-only. One whose
-  /// size changes meanwhile is a failure.
+  /// Adds a file, which is read in pieces, with its time and whether it is hidden or read-only. One that
+  /// becomes shorter meanwhile is a failure; what one grows by stays out.
   bool add_file(const std::wstring& name, const file& source, exception& err);
   /// Adds an empty folder.
   bool add_empty_folder(const std::wstring& name, exception& err, const datetime& time = datetime());

@@ -22,9 +22,10 @@ constexpr std::size_t end_zone = end_size + 0xFFFF + 1024;
 
 struct directory::end_record {
   std::uint64_t count = 0, size = 0, offset = 0;
-  std::uint64_t ends = 0;  // the list, where the record of its end begins
+  std::uint64_t ends = 0;     // the list, where the record of its end begins
+  std::uint64_t comment = 0;  // where it stands
+  std::size_t comment_size = 0;
   bool is_wide = false, is_alone = true;
-  std::string comment;
 
   std::uint64_t begins() const noexcept { return ends - size; }
 };
@@ -36,7 +37,7 @@ directory::directory(source& from, const limits& most) : path_(from.path()) {
     throw failure_of<exc::zipLimit>(path_, L"tamaño del directorio");
   begins_ = end.begins();
   shift_ = begins_ - end.offset;
-  comment_ = end.comment;
+  comment_ = from.read(end.comment, end.comment_size);
   bytes_ = from.read(begins_, static_cast<std::size_t>(end.size));
   read_records(end, most);
 }
@@ -64,8 +65,9 @@ directory::end_record directory::find_end(source& from) const {
 /// Whether an end stands there that fits to what is before it.
 bool directory::read_end(source& from, std::uint64_t at, end_record& out) const {
   const std::string head = from.read(at, end_size);
-  const std::size_t comment = get_16(head, 20);
-  if (from.size() - at - end_size < comment) return false;
+  out.comment = at + end_size;
+  out.comment_size = get_16(head, 20);
+  if (from.size() - out.comment < out.comment_size) return false;
   out.is_alone = get_16(head, 4) == 0 && get_16(head, 6) == 0 && get_16(head, 8) == get_16(head, 10);
   out.count = get_16(head, 10);
   out.size = get_32(head, 12);
@@ -76,10 +78,8 @@ bool directory::read_end(source& from, std::uint64_t at, end_record& out) const 
     if (!read_wide_end(from, at - locator_size, out) && may_be_wide) return false;
   }
   if (out.size > out.ends || out.offset > out.begins()) return false;
-  if (out.size < central_size ? out.size || out.count : get_32(from.read(out.begins(), 4), 0) != central_mark)
-    return false;
-  out.comment = from.read(at + end_size, comment);
-  return true;
+  return out.size < central_size ? out.size == 0 && out.count == 0
+                                 : get_32(from.read(out.begins(), 4), 0) == central_mark;
 }
 
 /// Takes the numbers from the end of 64 bits to which a locator leads; false, and nothing changed, when there

@@ -150,10 +150,11 @@ bool reader::read(const entry& which, binary& out, exception& err) {
 }
 
 bool reader::read(const std::wstring& name, binary& out, exception& err) {
-  entry found;
-  if (find(name, found)) return read(found, out, err);
-  no_source(name).copy_on(err);
-  return false;
+  return is_done(err, name, [&] {
+    entry found;
+    if (!find(name, found)) throw no_source(name);
+    out = content_of(*state_, state_->list.get(found.index), found.name);
+  });
 }
 
 }  // namespace ruvo::zip

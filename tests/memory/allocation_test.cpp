@@ -10,6 +10,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <deque>
+#include <filesystem>
 #include <functional>
 #include <new>
 #include <set>
@@ -499,6 +500,70 @@ TEST_F(allocation, settings_are_saved_whole_or_not_at_all) {
     EXPECT_NE(content(), before);
   }
   place.erase();
+}
+
+/// What has a name is whole, and what had it before is there until then.
+TEST_F(allocation, archives_and_what_comes_out_of_them_are_whole) {
+  namespace zip = ruvo::zip;
+  namespace fs = std::filesystem;
+  const auto in = [](const wchar_t* name) { return ruvo::file(ruvo::file(L"archivos"), name); };
+  fs::remove_all("archivos");
+  fs::create_directories("archivos/de/sub");
+  const std::wstring text(1000, L'x');
+  for (const wchar_t* const name : {L"de\\uno.txt", L"de\\sub\\dos.txt"}) ruvo::files::write(text, in(name));
+  const ruvo::binary before(L"lo que había");
+  ruvo::files::write(before, in(L"a.zip"));
+  bool is_done = false;
+  const auto fail_all = [](const std::function<void()>& work, const std::function<void()>& check) {
+    work();
+    check();
+    const long long count = live;
+    EXPECT_GT(fail_everywhere(work, check), 20);
+    EXPECT_EQ(live, count);
+  };
+  fail_all(
+      [&] {
+        ruvo::exception err;
+        is_done = zip::compress(in(L"de"), in(L"a.zip"), err);
+      },
+      [&] {
+        ruvo::exception err;
+        const bool is_old = ruvo::files::read(in(L"a.zip")) == before;
+        EXPECT_TRUE(is_old ? !is_done : zip::verify(in(L"a.zip"), err)) << err.what();
+        ruvo::files::write(before, in(L"a.zip"));
+        is_done = false;
+      });
+  ruvo::exception failure;
+  ASSERT_TRUE(zip::compress(in(L"de"), in(L"a.zip"), failure));
+  fail_all(
+      [&] {
+        zip::reader from;
+        ruvo::exception err;
+        ruvo::binary content(L"x");
+        if (!from.open(in(L"a.zip"), err)) return;
+        EXPECT_EQ(from.entries().size(), 3u);
+        is_done = from.read(L"sub/dos.txt", content, err);
+        EXPECT_EQ(content.size(), is_done ? text.size() : 1);
+      },
+      [] {});
+  fail_all(
+      [&] {
+        ruvo::exception err;
+        is_done = zip::extract(in(L"a.zip"), in(L"a"), err);
+      },
+      [&] {
+        std::size_t count = 0;
+        fs::create_directory("archivos/a");
+        for (const auto& each : fs::recursive_directory_iterator("archivos/a")) {
+          if (!each.is_regular_file() || each.path().extension() == ".tmp") continue;  // has no name yet
+          EXPECT_EQ(each.file_size(), text.size());
+          ++count;
+        }
+        EXPECT_TRUE(count == 2 || !is_done);
+        fs::remove_all("archivos/a");
+        is_done = false;
+      });
+  fs::remove_all("archivos");
 }
 
 TEST_F(allocation, nothing_is_left_behind) {
