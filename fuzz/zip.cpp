@@ -46,11 +46,12 @@ void set(std::string& bytes, std::size_t at, std::size_t value, unsigned count) 
 }
 
 std::string unpacked(std::string_view packed) {
-  std::string out(most_content, '\0');
-  ruvo::packing::unpacker from;
+  static std::string room(most_content, '\0');
+  static ruvo::packing::unpacker from;
   std::size_t size = 0;
-  from.unpack(packed, out.data(), out.size(), size);
-  return out.substr(0, size);
+  from.begin();
+  from.unpack(packed, room.data(), room.size(), size);
+  return room.substr(0, size);
 }
 
 /// Puts an entry and its record in the list right, as far as there are bytes for it.
@@ -126,6 +127,7 @@ void check(const std::string& bytes) {
   FUZZ_CHECK(seen.finished == 1 && is_fine == (seen.failed == 0));
   FUZZ_CHECK(!is_fine || seen.read == in.size());
   out.open_memory();
+  out.set_level(bytes.size() % 8 ? 0 : 6);  // to make ready for packing takes longer than all the rest
   std::vector<zip::entry> packed;
   std::size_t readable = 0;
   for (const zip::entry& each : in.entries()) {
@@ -155,6 +157,7 @@ void check(const std::string& bytes) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string bytes = fuzz::narrow(data, size);
   check(bytes);
-  check(mended(bytes));
+  const std::string other = mended(bytes);
+  if (other != bytes) check(other);
   return 0;
 }
