@@ -5,8 +5,10 @@
 
 #include "system/file.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
@@ -111,10 +113,13 @@ bool open_file::keep() noexcept { return true; }
 bool open_file::flush() noexcept { return !step_fails() && fsync(descriptor_of(file_.get())) == 0; }
 
 bool open_file::close() noexcept {
-  char name[PATH_MAX];
-  const std::string link = "/proc/self/fd/" + std::to_string(is_marked_ ? descriptor_of(file_.get()) : -1);
-  const ssize_t size = readlink(link.c_str(), name, sizeof name - 1);
-  if (size > 0) unlink(std::string(name, static_cast<std::size_t>(size)).c_str());
+  char link[32], name[PATH_MAX];
+  if (is_marked_ && file_) {
+    std::snprintf(link, sizeof link, "/proc/self/fd/%d", descriptor_of(file_.get()));
+    const ssize_t size = readlink(link, name, sizeof name - 1);
+    name[std::max<ssize_t>(size, 0)] = 0;
+    unlink(name);
+  }
   return !step_fails() && file_.close();
 }
 
