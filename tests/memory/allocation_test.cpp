@@ -482,7 +482,9 @@ TEST_F(allocation, settings_change_whole_or_not_at_all) {
 }
 
 TEST_F(allocation, settings_are_saved_whole_or_not_at_all) {
-  const ruvo::file place(L"memory_test.ini");
+  const char* const folder = "memory_test";  // where new files stay that nobody has the memory to remove
+  std::filesystem::create_directory(folder);
+  const ruvo::file place(ruvo::file(folder), L"a.ini");
   ruvo::exception failure;
   ruvo::ini_file file;
   const auto content = [&] { return ruvo::files::read(place).to_string(); };
@@ -499,7 +501,7 @@ TEST_F(allocation, settings_are_saved_whole_or_not_at_all) {
         [&] { EXPECT_TRUE(content() == before || file.save_if_unchanged(failure)); });
     EXPECT_NE(content(), before);
   }
-  place.erase();
+  std::filesystem::remove_all(folder);
 }
 
 /// What has a name is whole, and what had it before is there until then.
