@@ -28,7 +28,7 @@ name_index::slot* name_index::table::place_for(std::uint32_t hash) noexcept {
 void name_index::table::make_room() {
   constexpr std::size_t fewest = 16;
   if (8 * used < 5 * slots.size()) return;
-  table wider{std::vector<slot>(std::max(fewest, 2 * slots.size())), 0};
+  table wider{std::vector<slot>(std::max(fewest, 2 * slots.size())), 0, is_crowded};
   const auto is_free = [](const slot& each) { return each.what == none; };
   const auto start = std::find_if(slots.begin(), slots.end(), is_free) - slots.begin();
   for (std::size_t n = 0; n < slots.size(); ++n) {
@@ -47,6 +47,7 @@ void name_index::add(const folded_name& name, std::uint32_t what) {
   slot* const place = into.place_for(name.hash());
   if (!place) {
     crowded_.emplace(std::pair(name.owner(), std::wstring(name.text())), what);
+    into.is_crowded = true;
     return;
   }
   if (place->what == none) ++into.used;
