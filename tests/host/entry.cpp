@@ -23,7 +23,8 @@ bool read_facts(const std::wstring& path, links how, entry_facts& out) {
 
 bool is_missing(const std::wstring& path) {
   struct stat found;
-  return lstat(host_name(path).c_str(), &found) != 0 && (errno == ENOENT || errno == ENOTDIR);
+  return lstat(host_name(path).c_str(), &found) != 0 &&
+         (errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG);
 }
 
 bool read_owner(const std::wstring& path, owner_numbers& out) {

@@ -83,8 +83,8 @@ inline bool match_mask(const std::wstring& text, const std::wstring& mask, int m
 KESTA_API std::wstring mask_to_sql(const std::wstring& mask);
 KESTA_API std::wstring mask_to_sql(wide_view mask);
 
-/// What stands between the first quotation mark (" or ') and the next one on the same line. Without such a
-/// pair, the text as it is: an unquoted value is its own content. `*found`, if given, becomes whether
+/// What stands between the first quotation mark, single or double, and the next one on the same line. Without
+/// such a pair, the text as it is: an unquoted value is its own content. `*found`, if given, becomes whether
 /// there was a pair.
 /// @quirk The marks need not be alike: "it's" in double quotation marks gives `it`.
 [[nodiscard]] KESTA_API std::wstring content(std::wstring text, bool* found = nullptr);

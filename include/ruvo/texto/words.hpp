@@ -74,8 +74,8 @@ KESTA_API std::wstring& to_capitalize_case(std::wstring& text);
 
 // --- names
 
-/// A person's name: words with one blank between them, each part of a word (at a hyphen, an apostrophe, a
-/// point ...) with a capital first and small letters after it, accented letters too: "MARÍA DE LA O
+/// A person's name with a capital first and small letters after it in each part of a word (at a hyphen, an
+/// apostrophe, a point ...), accented letters too, and one blank between words. "MARÍA DE LA O
 /// GARCÍA-LÓPEZ" gives "María de la O García-López", "J.M. O'DONNELL" gives "J.M. O'Donnell".
 /// The words of is_article_or_preposition(), "d'" and "l'" are small, but not at the start of the name:
 /// "Eugeni d'Ors", "De la Fuente". A single letter after an apostrophe at the end of a word stays small.

@@ -98,8 +98,11 @@ bool read_facts(const std::wstring& path, links how, entry_facts& out) {
 }
 
 bool is_missing(const std::wstring& path) {
-  return GetFileAttributesW(system_path(path).c_str()) == INVALID_FILE_ATTRIBUTES &&
-         is_missing_error(GetLastError());
+  if (GetFileAttributesW(system_path(path).c_str()) != INVALID_FILE_ATTRIBUTES) return false;
+  const DWORD error = GetLastError();
+  const bool can_never_be =
+      error == ERROR_INVALID_NAME || error == ERROR_FILENAME_EXCED_RANGE || error == ERROR_BAD_PATHNAME;
+  return is_missing_error(error) || can_never_be;
 }
 
 bool read_owner(const std::wstring& path, owner_numbers& out) {
