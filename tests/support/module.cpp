@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: BSL-1.0
 #include "support/module.hpp"
 
+#include <functional>
+#include <memory>
+#include <utility>
+
 #ifdef _WIN32
 
 #  ifndef NOMINMAX
@@ -47,6 +51,14 @@ void run_on_bare_thread(void (*work)()) {
   CloseHandle(thread);
 }
 
+void at_end_of_thread(std::function<void()> act) {
+  using held = std::function<void()>;
+  // The slots are cleared in the order in which they were made.
+  static const DWORD slot =
+      FlsAlloc([](void* value) { (*std::unique_ptr<held>(static_cast<held*>(value)))(); });
+  FlsSetValue(slot, new held(std::move(act)));
+}
+
 std::size_t heap_blocks() {
   HANDLE heaps[64];
   const DWORD all = GetProcessHeaps(64, heaps);
@@ -65,6 +77,13 @@ std::size_t heap_blocks() {
 #  include <thread>
 
 void run_on_bare_thread(void (*work)()) { std::thread(work).join(); }
+void at_end_of_thread(std::function<void()> act) {
+  struct caller {
+    std::function<void()> act;
+    ~caller() { act(); }
+  };
+  thread_local const caller kept{std::move(act)};
+}
 std::size_t heap_blocks() { return 0; }
 
 module_copy::module_copy(const std::string&) {}

@@ -4,10 +4,16 @@
 // A library that is loaded and freed while the program runs, and threads that no runtime made.
 
 #include <cstddef>
+#include <functional>
 #include <string>
 
 /// Runs the function on a thread that is the system's alone, to its very end.
 void run_on_bare_thread(void (*work)());
+
+/// Calls the function when the calling thread ends, after the library has cleared what it kept for the
+/// thread. Once a thread. (With mingw's compiler, the memory of a thread_local object may be gone before its
+/// destructor is called.)
+void at_end_of_thread(std::function<void()> act);
 
 /// Blocks of all heaps of the process; 0 where they can't be counted.
 std::size_t heap_blocks();
