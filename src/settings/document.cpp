@@ -47,7 +47,7 @@ void joined_value::add(line_kind kind, std::wstring_view written) {
   breaks = 1;
 }
 
-document::document(std::shared_ptr<const grammar> rules) : grammar_(std::move(rules)) {}
+document::document(std::shared_ptr<const grammar> rules) { grammar_ = std::move(rules); }
 
 void document::parse(std::wstring text) {
   if (text.size() > most_units) refuse_at(most_units);
@@ -65,8 +65,11 @@ void document::read_lines() {
   reading at;
   for (line_shape made; lines.next(made);) {
     const auto n = static_cast<std::uint32_t>(lines_.size());
-    const auto begin = static_cast<std::uint32_t>(lines.begin());
-    lines_.push_back({begin, made.size, last_, none, none, none, n, made.kind, false});
+    kept_line& line = lines_.emplace_back();
+    line.begin = static_cast<std::uint32_t>(lines.begin());
+    line.size = made.size;
+    line.previous = last_;
+    line.kind = made.kind;
     (last_ == none ? first_ : lines_[last_].next) = n;
     last_ = n;
     take(n, made, at);
@@ -75,12 +78,12 @@ void document::read_lines() {
 
 // --- the index
 
-folded_name document::key_name(std::uint32_t section, std::wstring_view key) const {
-  return folded_name(section + 1, key, rules().dialect().case_sensitive_keys);
+folded_name document::key_name(std::wstring_view key) const {
+  return folded_name(key, rules().dialect().case_sensitive_keys);
 }
 
 folded_name document::header_name(std::wstring_view name) const {
-  return folded_name(0, name, rules().dialect().case_sensitive_sections);
+  return folded_name(name, rules().dialect().case_sensitive_sections);
 }
 
 bool document::is_named(std::uint32_t n, const folded_name& name) const {
@@ -92,24 +95,34 @@ bool document::is_named(std::uint32_t n, const folded_name& name) const {
                                    : is_same(name.text(), rules().name_of(written), is_exact);
 }
 
-std::uint32_t document::find_name(const folded_name& name) const {
-  return index_.find(name, [&](std::uint32_t n) { return is_named(n, name); });
+std::uint32_t document::find_in(const name_index& names, const folded_name& name) const {
+  return names.find(name, [&](std::uint32_t n) { return is_named(n, name); });
 }
 
-void document::append_twin(std::uint32_t first, std::uint32_t n) {
-  edit_line(lines_[first].last_twin).twin = n;
-  edit_line(first).last_twin = n;
+std::uint32_t document::find_key(std::uint32_t section, std::wstring_view key) const {
+  return find_in(keys_of(section), key_name(key));
+}
+
+void document::append_twin(std::uint32_t first, std::uint32_t n) const noexcept {
+  lines_[lines_[first].last_twin].twin = n;
+  lines_[first].last_twin = n;
+}
+
+void document::keep_name(kept_line& line, const line_shape& shape) noexcept {
+  const bool is_short = shape.name < kept_line::long_name && shape.name_size < kept_line::long_name;
+  line.name = static_cast<std::uint8_t>(is_short ? shape.name : 0);
+  line.name_size = static_cast<std::uint8_t>(is_short ? shape.name_size : kept_line::long_name);
 }
 
 void document::take(std::uint32_t n, const line_shape& shape, reading& at) {
   is_fragile_ = is_fragile_ || shape.is_loose;
   if (shape.kind != line_kind::header && shape.kind != line_kind::entry) return;
-  const std::wstring_view written = name_in(view(n), shape);
+  keep_name(lines_[n], shape);
   if (shape.kind == line_kind::header) {
-    at.section = take_header(n, written);
+    at.section = take_header(n, name_in(view(n), shape));
     at.is_first_part = at.section != none && at.section != top && sections_[at.section].header == n;
   } else {
-    take_entry(n, written, at.section);
+    take_entry(n, at.section);
     if (at.is_first_part) sections_[at.section].tail = n;
   }
 }
@@ -121,12 +134,13 @@ std::uint32_t document::take_header(std::uint32_t n, std::wstring_view written) 
   const std::uint32_t id = known == none ? static_cast<std::uint32_t>(sections_.size()) : known;
   if (known == none) sections_.push_back({n, n});
   lines_[n].section = id;
+  lines_[n].last_twin = n;
   if (id == top && sections_[top].header == none) {
     sections_[top].header = n;
     return id;
   }
   if (known == none) {
-    add_name(header_name(name), n);
+    headers_.add(header_name(name), n);
     return id;
   }
   const ini_duplicates how = rules().dialect().duplicates;
@@ -135,34 +149,73 @@ std::uint32_t document::take_header(std::uint32_t n, std::wstring_view written) 
   return how == ini_duplicates::first ? none : id;
 }
 
-void document::take_entry(std::uint32_t n, std::wstring_view written, std::uint32_t section) {
+/// Where it is an error that keys repeat, they are indexed at once.
+void document::take_entry(std::uint32_t n, std::uint32_t section) {
   lines_[n].section = section;
   if (section == none) return;
+  name_index* const keys = sections_[section].keys.get();
+  if (keys)
+    add_key(*keys, n);
+  else if (rules().dialect().duplicates == ini_duplicates::error)
+    keys_of(section);
+}
+
+void document::add_key(name_index& to, std::uint32_t n) const {
+  const std::wstring_view written = written_name(n);
   const std::wstring unescaped = rules().is_plain(written) ? std::wstring() : rules().name_of(written);
-  const folded_name name = key_name(section, unescaped.empty() ? written : unescaped);
-  const std::uint32_t first = find_name(name);
-  if (first == none) return add_name(name, n);
-  if (rules().dialect().duplicates == ini_duplicates::error) refuse_at(offset_of(n));
-  append_twin(first, n);
+  const folded_name name = key_name(unescaped.empty() ? written : unescaped);
+  const std::uint32_t first = find_in(to, name);
+  const kept_line& line = lines_[n];
+  if (first == none) to.add(name, n);
+  if (first != none && rules().dialect().duplicates == ini_duplicates::error) refuse_at(offset_of(n));
+  line.is_first = first == none;
+  line.twin = none;
+  line.last_twin = n;
+  if (first != none) append_twin(first, n);
+}
+
+template <class Use>
+void document::each_line_of(std::uint32_t section, const Use& use) const {
+  const auto use_from = [&](std::uint32_t n) {
+    for (; n != none && lines_[n].kind != line_kind::header; n = lines_[n].next) use(n);
+  };
+  if (section == top) use_from(first_);
+  for (std::uint32_t n = sections_[section].header; n != none; n = lines_[n].twin) use_from(lines_[n].next);
+}
+
+const name_index& document::keys_of(std::uint32_t section) const {
+  late_index& keys = sections_[section].keys;
+  if (!keys.get()) {
+    const std::lock_guard lock(indexing_);
+    if (!keys.get()) keys.put(index_keys(section));
+  }
+  return *keys.get();
+}
+
+std::unique_ptr<name_index> document::index_keys(std::uint32_t section) const {
+  const auto each_key = [&](const auto& use) {
+    each_line_of(section, [&](std::uint32_t n) {
+      if (lines_[n].kind == line_kind::entry && lines_[n].section == section) use(n);
+    });
+  };
+  std::size_t count = 0;
+  each_key([&](std::uint32_t) { ++count; });
+  auto made = std::make_unique<name_index>(count);
+  each_key([&](std::uint32_t n) { add_key(*made, n); });
+  return made;
 }
 
 void document::index_all() {
-  sections_.assign(1, {});
+  sections_.clear();
+  sections_.resize(1);
   is_fragile_ = false;
-  index_ = {};
+  headers_ = {};
   for (std::uint32_t n = first_; n != none; n = lines_[n].next) {
     lines_[n].section = lines_[n].twin = none;
-    lines_[n].last_twin = n;
     lines_[n].is_first = false;
   }
   reading at;
   for (std::uint32_t n = first_; n != none; n = lines_[n].next) take(n, shape(n), at);
-}
-
-/// Of the line that is the first of its name.
-void document::add_name(const folded_name& name, std::uint32_t n) {
-  index_.add(name, n);
-  lines_[n].is_first = true;
 }
 
 // --- questions
@@ -187,13 +240,13 @@ std::wstring document::text() const {
 
 std::uint32_t document::find_section(std::wstring_view name) const {
   if (name.empty()) return top;
-  const std::uint32_t header = find_name(header_name(name));
+  const std::uint32_t header = find_in(headers_, header_name(name));
   return header == none ? none : lines_[header].section;
 }
 
 std::uint32_t document::find(std::wstring_view section, std::wstring_view key) const {
   const std::uint32_t id = find_section(section);
-  return id == none ? none : find_name(key_name(id, key));
+  return id == none ? none : find_key(id, key);
 }
 
 std::uint32_t document::find_line(std::wstring_view section, std::wstring_view key) const {
@@ -214,12 +267,10 @@ std::wstring document::section_name(std::uint32_t section) const {
 
 std::vector<std::uint32_t> document::keys(std::uint32_t section) const {
   std::vector<std::uint32_t> out;
-  const auto collect = [&](std::uint32_t n) {
-    for (; n != none && lines_[n].kind != line_kind::header; n = lines_[n].next)
-      if (lines_[n].is_first) out.push_back(n);
-  };
-  if (section == top) collect(first_);
-  for (std::uint32_t n = sections_[section].header; n != none; n = lines_[n].twin) collect(lines_[n].next);
+  keys_of(section);
+  each_line_of(section, [&](std::uint32_t n) {
+    if (lines_[n].is_first) out.push_back(n);
+  });
   return out;
 }
 

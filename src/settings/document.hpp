@@ -2,12 +2,14 @@
 #pragma once
 
 // The lines of a text of settings, with an index of their names. What is changed becomes new text behind the
-// old one; the lines, which are chained in their order, say where theirs stands. What a line is made of is
-// read anew whenever it matters: to keep that of each line would cost more than to read some again.
+// old one; the lines, which are chained in their order, say where theirs stands. What a line is made of but
+// its name is read anew whenever it matters: to keep that of each line would cost more than to read some
+// again. The keys of a section are indexed when they are first asked for: most programs ask for few.
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -42,11 +44,49 @@ struct joined_value {
   std::size_t breaks = 1;  // before what follows
 };
 
-class document {
+struct kept_line {
+  static constexpr std::uint8_t long_name = 0xFF;
+
+  std::uint32_t begin = 0, size = 0;  // in the text
+  std::uint32_t previous = none, next = none;
+  std::uint32_t section = none;  // of a header and an entry; none where it is not seen
+  line_kind kind = line_kind::blank;
+  std::uint8_t name = 0, name_size = long_name;  // of a header and an entry, if both are small
+  // What the index says, of lines of the same name: the first knows the last.
+  mutable bool is_first = false;
+  mutable std::uint32_t twin = none, last_twin = none;
+};
+
+struct kept_section {
+  std::uint32_t header = none;  // the first; the top may have none
+  std::uint32_t tail = none;    // behind which a key is added; none for the beginning
+  mutable late_index keys{};
+};
+
+/// What a document consists of.
+struct document_parts {
+  std::shared_ptr<const grammar> grammar_{};
+  std::wstring text_{};  // of all lines, and of what they were before
+  std::vector<kept_line> lines_{};
+  std::uint32_t first_ = none, last_ = none;
+  std::vector<kept_section> sections_ = std::vector<kept_section>(1);
+  name_index headers_{};
+  std::size_t live_ = 0;  // units that lines use
+  bool is_fragile_ = false;
+};
+
+class document : document_parts {
  public:
   static constexpr std::uint32_t top = 0;  // the section without a name
 
   explicit document(std::shared_ptr<const grammar> rules);
+  document(const document& other) : document(other, std::lock_guard(other.indexing_)) {}
+  document(document&& other) noexcept : document_parts(std::move(other)) {}
+  document& operator=(document other) noexcept {
+    static_cast<document_parts&>(*this) = std::move(other);
+    return *this;
+  }
+  ~document() = default;
 
   const grammar& rules() const noexcept { return *grammar_; }
   const std::shared_ptr<const grammar>& shared_rules() const noexcept { return grammar_; }
@@ -113,17 +153,8 @@ class document {
   void tidy();
 
  private:
-  struct kept_line {
-    std::uint32_t begin = 0, size = 0;  // in the text
-    std::uint32_t previous = none, next = none;
-    std::uint32_t section = none;                 // of a header and an entry; none where it is not seen
-    std::uint32_t twin = none, last_twin = none;  // of the same name; the first knows the last
-    line_kind kind = line_kind::blank;
-    bool is_first = false;  // of its name
-  };
-  struct kept_section {
-    std::uint32_t header = none;  // the first; the top may have none
-    std::uint32_t tail = none;    // behind which a key is added; none for the beginning
+  struct old_section {
+    std::uint32_t id, header, tail;
   };
   /// What a change that fails puts back.
   struct state_before {
@@ -131,7 +162,7 @@ class document {
     std::uint32_t first = none, last = none;
     bool is_fragile = false;
     std::vector<std::pair<std::uint32_t, kept_line>> old_lines{};
-    std::vector<std::pair<std::uint32_t, kept_section>> old_sections{};
+    std::vector<old_section> old_sections{};
   };
 
   std::wstring_view view(std::uint32_t n) const noexcept {
@@ -140,9 +171,16 @@ class document {
   line_shape shape(std::uint32_t n) const { return rules().line_at(view(n), indent_before(lines_[n].kind)); }
   /// What has line_at() read a line of that kind again as such.
   static std::uint32_t indent_before(line_kind kind) noexcept { return kind == line_kind::more ? 0 : none; }
-  std::wstring_view written_name(std::uint32_t n) const { return name_in(view(n), shape(n)); }
+  std::wstring_view written_name(std::uint32_t n) const {
+    const kept_line& line = lines_[n];
+    if (line.name_size == kept_line::long_name) return name_in(view(n), shape(n));
+    return view(n).substr(line.name, line.name_size);
+  }
   std::wstring_view written_value(std::uint32_t n) const { return value_in(view(n), shape(n)); }
   bool is(std::uint32_t n, line_kind kind) const noexcept { return n != none && lines_[n].kind == kind; }
+
+  document(const document& other, const std::lock_guard<std::mutex>& /*no index is being made*/)
+      : document_parts(other) {}
 
   // --- the index
 
@@ -154,14 +192,22 @@ class document {
 
   void read_lines();
   void index_all();
-  void add_name(const folded_name& name, std::uint32_t n);
+  static void keep_name(kept_line& line, const line_shape& shape) noexcept;
   void take(std::uint32_t n, const line_shape& shape, reading& at);
   std::uint32_t take_header(std::uint32_t n, std::wstring_view written);
-  void take_entry(std::uint32_t n, std::wstring_view written, std::uint32_t section);
-  void append_twin(std::uint32_t first, std::uint32_t n);
-  folded_name key_name(std::uint32_t section, std::wstring_view key) const;
+  void take_entry(std::uint32_t n, std::uint32_t section);
+  void append_twin(std::uint32_t first, std::uint32_t n) const noexcept;
+  /// Calls use(n) for the lines behind the headers of the section, up to the next ones.
+  template <class Use>
+  void each_line_of(std::uint32_t section, const Use& use) const;
+  const name_index& keys_of(std::uint32_t section) const;
+  std::unique_ptr<name_index> index_keys(std::uint32_t section) const;
+  /// Adds the line's name, or the line to those of its name.
+  void add_key(name_index& to, std::uint32_t n) const;
+  folded_name key_name(std::wstring_view key) const;
   folded_name header_name(std::wstring_view name) const;
-  std::uint32_t find_name(const folded_name& name) const;
+  std::uint32_t find_in(const name_index& names, const folded_name& name) const;
+  std::uint32_t find_key(std::uint32_t section, std::wstring_view key) const;
   bool is_named(std::uint32_t n, const folded_name& name) const;
   /// The last line of an entry's value.
   std::uint32_t end_of(std::uint32_t n) const noexcept;
@@ -211,14 +257,7 @@ class document {
   void unlink_entry(std::uint32_t n);
   void unlink_chunk(std::uint32_t header);
 
-  std::shared_ptr<const grammar> grammar_;
-  std::wstring text_;  // of all lines, and of what they were before
-  std::vector<kept_line> lines_;
-  std::uint32_t first_ = none, last_ = none;
-  std::vector<kept_section> sections_ = std::vector<kept_section>(1);
-  name_index index_;
-  std::size_t live_ = 0;  // units that lines use
-  bool is_fragile_ = false;
+  mutable std::mutex indexing_{};
   state_before before_{};
 };
 

@@ -180,24 +180,27 @@ std::uint32_t document::place_in(std::uint32_t section) const noexcept {
 
 // --- lines
 
-document::kept_line& document::edit_line(std::uint32_t n) {
+kept_line& document::edit_line(std::uint32_t n) {
   if (n < before_.lines) before_.old_lines.emplace_back(n, lines_[n]);
   return lines_[n];
 }
 
-document::kept_section& document::edit_section(std::uint32_t id) {
-  if (id < before_.sections) before_.old_sections.emplace_back(id, sections_[id]);
+kept_section& document::edit_section(std::uint32_t id) {
+  if (id < before_.sections) before_.old_sections.push_back({id, sections_[id].header, sections_[id].tail});
   return sections_[id];
 }
 
-// What changed several times gets back at last what it had first.
+// What changed several times gets back at last what it had first. The keys are indexed anew.
 void document::roll_back() noexcept {
   const state_before old = std::exchange(before_, {});
   for (auto each = old.old_lines.rbegin(); each != old.old_lines.rend(); ++each)
     lines_[each->first] = each->second;
-  for (auto each = old.old_sections.rbegin(); each != old.old_sections.rend(); ++each)
-    sections_[each->first] = each->second;
-  if (lines_.size() > old.lines) index_.erase_from(static_cast<std::uint32_t>(old.lines));
+  for (auto each = old.old_sections.rbegin(); each != old.old_sections.rend(); ++each) {
+    sections_[each->id].header = each->header;
+    sections_[each->id].tail = each->tail;
+  }
+  if (lines_.size() > old.lines) headers_.erase_from(static_cast<std::uint32_t>(old.lines));
+  for (kept_section& each : sections_) each.keys = {};
   lines_.resize(old.lines);
   sections_.resize(old.sections);
   text_.resize(old.units);
@@ -215,6 +218,7 @@ void document::put(kept_line& into, const std::wstring& text, std::uint32_t entr
   into.begin = static_cast<std::uint32_t>(begin);
   into.size = shape.size;
   into.kind = shape.kind;
+  keep_name(into, shape);
   live_ += shape.size;
   is_fragile_ = is_fragile_ || shape.is_loose;
 }
@@ -252,7 +256,7 @@ void document::insert_more(std::uint32_t n, const new_lines& made) {
 std::uint32_t document::insert_entry(std::uint32_t after, const new_lines& made, std::uint32_t section) {
   const std::uint32_t n = insert(after, made.line);
   insert_more(n, made);
-  take_entry(n, written_name(n), section);
+  take_entry(n, section);
   return n;
 }
 
@@ -301,7 +305,7 @@ void document::unlink_chunk(std::uint32_t header) {
 void document::set(const std::wstring& section, const std::wstring& key,
                    const std::vector<std::wstring>& values, const text_encoding& bytes) {
   std::uint32_t id = find_section(section);
-  const std::uint32_t first = id == none ? none : find_name(key_name(id, key));
+  const std::uint32_t first = id == none ? none : find_key(id, key);
   if (first != none) return change_values(first, values, bytes);
   std::vector<new_lines> made;
   made.reserve(values.size());
@@ -350,7 +354,7 @@ std::uint32_t document::add_section(const std::wstring& name, const text_encodin
 void document::erase_key(std::uint32_t first) {
   const std::wstring name = name_of(first);
   for (std::uint32_t n = first; n != none; n = lines_[n].twin) unlink_entry(n);
-  index_.erase(key_name(lines_[first].section, name), first);
+  sections_[lines_[first].section].keys.get()->erase(key_name(name), first);
 }
 
 void document::erase_section(std::uint32_t section) {
@@ -363,7 +367,7 @@ void document::erase_section(std::uint32_t section) {
 }
 
 void document::rename_key(std::uint32_t first, const std::wstring& name, const text_encoding& bytes) {
-  const std::uint32_t there = find_name(key_name(lines_[first].section, name));
+  const std::uint32_t there = find_key(lines_[first].section, name);
   if (there != none && there != first) refuse(name, L"la clave ya existe");
   const std::wstring shown = rules().written_name(name);
   std::vector<std::wstring> made;

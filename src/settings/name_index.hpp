@@ -4,9 +4,11 @@
 // Names to the lines where they stand first, in constant time; in logarithmic time where somebody made many
 // names for one place.
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -18,17 +20,14 @@
 
 namespace ruvo::settings {
 
-/// A name and what it belongs to: a section, or the document.
 class folded_name {
  public:
-  folded_name(std::uint32_t owner, std::wstring_view name, bool is_exact)
+  folded_name(std::wstring_view name, bool is_exact)
       : folded_(is_exact ? std::wstring_view() : name),
         text_(is_exact ? name : folded_.view()),
-        owner_(owner),
         hash_(spread(detail::hash_units(text_))) {}
 
   std::wstring_view text() const noexcept { return text_; }
-  std::uint32_t owner() const noexcept { return owner_; }
   std::uint32_t hash() const noexcept { return hash_; }
 
  private:
@@ -40,25 +39,26 @@ class folded_name {
 
   const detail::folded_path folded_;
   const std::wstring_view text_;
-  const std::uint32_t owner_, hash_;
+  const std::uint32_t hash_;
 };
 
-/// A table for each owner: names that are used together stand together, and stay in the processor's cache.
 class name_index {
  public:
+  name_index() = default;
+  /// With room for so many names.
+  explicit name_index(std::size_t names);
+
   /// What was added under the name, or none. `is_it` compares the name with that of what has its hash.
   template <class IsIt>
   std::uint32_t find(const folded_name& name, const IsIt& is_it) const {
-    if (name.owner() >= tables_.size()) return none;
-    const auto& [slots, used, is_crowded] = tables_[name.owner()];
-    for (std::size_t n = 0; n < most_tries && !slots.empty(); ++n) {
-      const slot& each = slots[(name.hash() + n) & (slots.size() - 1)];
+    for (std::size_t n = 0; n < most_tries && !slots_.empty(); ++n) {
+      const slot& each = slots_[(name.hash() + n) & (slots_.size() - 1)];
       if (each.what == none) break;
       if (each.what != gone && each.hash == name.hash() && is_it(each.what)) return each.what;
     }
-    return is_crowded ? find_crowded(name) : none;
+    return crowded_.empty() ? none : find_crowded(name);
   }
-  /// The name is not there yet. Owners are numbered without gaps.
+  /// The name is not there yet.
   void add(const folded_name& name, std::uint32_t what);
   /// Removes what was added under the name.
   void erase(const folded_name& name, std::uint32_t what);
@@ -71,19 +71,40 @@ class name_index {
   struct slot {
     std::uint32_t hash = 0, what = none;
   };
-  struct table {
-    std::vector<slot> slots{};  // a power of two, of which some are free
-    std::size_t used = 0;       // those of which something was removed included
-    bool is_crowded = false;    // some of its names have no slot
 
-    void make_room();
-    slot* place_for(std::uint32_t hash) noexcept;
-  };
-
+  static std::size_t slots_for(std::size_t names) noexcept;
+  void make_room();
+  slot* place_for(std::uint32_t hash) noexcept;
   std::uint32_t find_crowded(const folded_name& name) const;
 
-  std::vector<table> tables_;
-  std::map<std::pair<std::uint32_t, std::wstring>, std::uint32_t> crowded_;  // without a slot near their hash
+  std::vector<slot> slots_{};                        // a power of two, of which some are free
+  std::size_t used_ = 0;                             // those of which something was removed included
+  std::map<std::wstring, std::uint32_t> crowded_{};  // without a slot near their hash
+};
+
+/// An index that is made when it is first asked for, maybe by one of several threads that only read.
+class late_index {
+ public:
+  late_index() = default;
+  /// The other one is neither made nor changed meanwhile.
+  late_index(const late_index& other) {
+    if (const name_index* const made = other.get()) put(std::make_unique<name_index>(*made));
+  }
+  late_index(late_index&& other) noexcept : made_(other.made_.exchange(nullptr)) {}
+  late_index& operator=(late_index other) noexcept {
+    delete made_.exchange(other.made_.exchange(nullptr));
+    return *this;
+  }
+  ~late_index() { delete get(); }
+
+  /// Null before it is made.
+  name_index* get() const noexcept { return made_.load(std::memory_order_acquire); }
+  void put(std::unique_ptr<name_index> made) noexcept {
+    made_.store(made.release(), std::memory_order_release);
+  }
+
+ private:
+  std::atomic<name_index*> made_ = nullptr;
 };
 
 }  // namespace ruvo::settings
