@@ -110,11 +110,12 @@ enum class ini_encoding : std::int32_t {
 ///
 /// Operations with an exception give true for success; a failure is copied to `err` and leaves the document
 /// as it was. What cannot be set is exc::BadArgument with the section or key, its detail says why. Look-up
-/// takes constant time, setting the time of what is written; erasing a section, renaming, and a change that
-/// could give other lines another meaning (quotation marks that do not close in dotenv(), indented keys in
-/// python(), lines that end with CR alone) take that of the whole text. Texts may have 2^30 units.
+/// takes constant time but for the first one in a section, which takes that of its lines; setting takes the
+/// time of what is written; erasing a section, renaming, and a change that could give other lines another
+/// meaning (quotation marks that do not close in dotenv(), indented keys in python(), lines that end with CR
+/// alone) take that of the whole text. Texts may have 2^30 units.
 ///
-/// No locks: several threads may read one document, and who writes keeps others away.
+/// Several threads may read one document; who writes keeps others away.
 class KESTA_API ini_file {
  public:
   /// Without a line.

@@ -32,7 +32,8 @@ std::size_t line_end(std::wstring_view text, std::size_t at) noexcept {
     }
   }
 #endif
-  while (at < text.size() && !is_line_end(text[at])) ++at;
+  const wchar_t* const units = text.data();
+  while (at < text.size() && !is_line_end(units[at])) ++at;
   return at;
 }
 
@@ -70,14 +71,16 @@ void grammar::give_role(const std::wstring& characters, role which) {
 // --- within a line
 
 std::size_t grammar::skip_blanks(std::wstring_view text, std::size_t at, std::size_t end) const noexcept {
-  while (at < end && is(text[at], blank)) ++at;
+  const wchar_t* const units = text.data();
+  while (at < end && is(units[at], blank)) ++at;
   return at;
 }
 
 /// The end of the text without the blanks before it.
 std::size_t grammar::without_blanks(std::wstring_view text, std::size_t from,
                                     std::size_t end) const noexcept {
-  while (end > from && is(text[end - 1], blank)) --end;
+  const wchar_t* const units = text.data();
+  while (end > from && is(units[end - 1], blank)) --end;
   return end;
 }
 
@@ -132,8 +135,9 @@ std::size_t grammar::behind_prefix(std::wstring_view text, std::size_t at, std::
 std::size_t grammar::name_end(std::wstring_view text, std::size_t at, std::size_t end) const noexcept {
   const bool is_escaped = dialect_.escapes == ini_escapes::everywhere;
   const auto stops = static_cast<std::uint8_t>(dialect_.blank_separates ? separator | blank : separator);
-  while (at < end && !is(text[at], stops))
-    at = is_escaped && text[at] == L'\\' ? behind_escape(text, at, end) : at + 1;
+  const wchar_t* const units = text.data();
+  while (at < end && !is(units[at], stops))
+    at = is_escaped && units[at] == L'\\' ? behind_escape(text, at, end) : at + 1;
   return at;
 }
 

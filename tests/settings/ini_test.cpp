@@ -264,6 +264,20 @@ TEST(ini_file, holds_many_names_and_changes) {
   EXPECT_FALSE(file.has(L"0", L"k0"));
 }
 
+TEST(ini_file, is_read_by_several_threads) {
+  constexpr int threads = 4, sections = 50;
+  std::wstring text;
+  for (int n = 0; n < sections; ++n) text += L"[" + std::to_wstring(n) + L"]\r\na=1\r\nb=2\r\nA=3\r\n";
+  const ini_file file = parsed(listing(), text);
+  std::vector<std::wstring> seen(threads);
+  std::vector<std::thread> all;
+  for (std::wstring& each : seen) all.emplace_back([&] { each = shown(ini_file(file)) + shown(file); });
+  for (std::thread& thread : all) thread.join();
+  const std::wstring once = shown(file);
+  EXPECT_TRUE(once.starts_with(L"[0]a=1|a=3|b=2|[1]"));
+  for (const std::wstring& each : seen) EXPECT_EQ(each, once + once);
+}
+
 TEST_F(ini_on_disk, saves_and_notices_others) {
   const ruvo::file place = path(L"tienda.ini");
   exception failure;
