@@ -95,8 +95,18 @@ class scalar_writer {
     }
   }
 
-  /// With its quotation marks, and as a name with what comes behind it.
-  void put_text(sink<Out>& out, std::wstring_view text, std::string_view behind = {}) const {
+  void put_text(sink<Out>& out, std::wstring_view text) const { out.advance(put_quoted(out, text)); }
+  /// With what comes behind a name.
+  void put_name(sink<Out>& out, std::wstring_view name, bool with_blank) const {
+    Out* to = put_quoted(out, name);
+    *to++ = static_cast<Out>(':');
+    *to = static_cast<Out>(' ');
+    out.advance(to + (with_blank ? 1 : 0));
+  }
+
+ private:
+  /// Where the text ends with its quotation marks; there is room for two more.
+  Out* put_quoted(sink<Out>& out, std::wstring_view text) const {
     constexpr std::size_t piece = 1024, more = 12;  // for the marks, and what is written beyond the end
     // cppcheck-suppress danglingTemporaryLifetime ; a text that is made for the call lives as long
     const wchar_t* at = text.data();
@@ -111,11 +121,8 @@ class scalar_writer {
       to = out.room(most_escaped_units * std::min(piece, static_cast<std::size_t>(end - at)) + more);
     }
     *to++ = static_cast<Out>('"');
-    for (const char c : behind) *to++ = static_cast<Out>(c);
-    out.advance(to);
+    return to;
   }
-
- private:
   static void put_ascii(sink<Out>& out, std::string_view text) {
     Out* const to = out.room(text.size());
     out.advance(std::copy(text.begin(), text.end(), to));
@@ -325,9 +332,7 @@ class standard_visitor : public detail::visitor {
     }
     return name;
   }
-  void put_name(std::wstring_view name) {
-    scalars_.put_text(out_, name, std::string_view(": ", options_.indent < 0 ? 1 : 2));
-  }
+  void put_name(std::wstring_view name) { scalars_.put_name(out_, name, options_.indent >= 0); }
 
   // --- layout
 
