@@ -205,8 +205,9 @@ class adder {
     // Eight decimals more, to compare by what lines lose when they are rounded, or as many as there is room
     // for.
     const decimal largest = std::ranges::max(amounts, {}, &decimal::abs);
-    const int room = decimal::most_digits - calculate(largest, rate.percent, 0, rounding::up).count_digits();
-    const int precise = std::clamp(room, scale_, std::min(scale_ + 8, decimal::most_digits));
+    constexpr int most = decimal::most_digits;
+    const int room = most - calculate(largest, rate.percent, 0, rounding::up).count_digits();
+    const int precise = std::clamp(room, scale_, std::min(scale_ + 8, most));
     std::vector<decimal> exact;
     exact.reserve(amounts.size());
     for (const decimal& amount : amounts)
