@@ -437,12 +437,6 @@ class KESTA_API bundle {
  private:
   friend struct detail::bundle_access;
 
-  xvar& put_key(std::wstring_view key);
-  const xvar& look_key(std::wstring_view key) const;
-  iterator seek_key(std::wstring_view key);
-  const xvar* follow_path(std::wstring_view path, char separator) const;
-  xvar& make_path(std::wstring_view path, char separator);
-
   iterator nth(unsigned long long n) noexcept;
   /// The entry before or after `at` (the last one before a null `at`), or null.
   static entry* step(const detail::bundle_store* store, const entry* at, std::size_t& rank,

@@ -53,6 +53,44 @@ bool split_head(std::wstring_view& path, wchar_t separator, std::wstring_view& h
 
 xvar& put_in(bundle& in, const key_view& key) { return bundle_access::made_store(in).put(key)->second; }
 
+// What keys and paths of each type come to.
+
+bundle::entry* seek_key(const bundle_store* in, std::wstring_view key) {
+  return find_folded(in, folded_key(key).view());
+}
+
+const xvar& look_key(const bundle_store* in, std::wstring_view key) {
+  const bundle::entry* const found = seek_key(in, key);
+  if (!found) throw detail::missing_key(key);
+  return found->second;
+}
+
+xvar& put_key(bundle& in, std::wstring_view key) { return put_in(in, key_view(folded_key(key))); }
+
+const xvar* follow_path(const bundle_store* in, const std::wstring_view& path, char separator) {
+  const folded_path folded(path);
+  std::wstring_view rest = folded.view(), head;
+  while (split_head(rest, unit_of(separator), head)) {
+    const bundle::entry* const found = find_folded(in, head);
+    if (!found || cell::kind_of(found->second) != kind::bundle) return nullptr;
+    in = bundle_access::store(cell::as_bundle(found->second));
+  }
+  const bundle::entry* const found = find_folded(in, rest);
+  return found ? &found->second : nullptr;
+}
+
+xvar& make_path(bundle& from, std::wstring_view path, char separator) {
+  const folded_path folded(path, detail::units::owned);
+  std::wstring_view rest = folded.view(), head;
+  const auto part = [&](std::wstring_view name) {
+    const auto at = static_cast<std::size_t>(name.data() - folded.view().data());
+    return key_view(name, folded.written().substr(at, name.size()));
+  };
+  bundle* in = &from;
+  while (split_head(rest, unit_of(separator), head)) in = &cell::on_bundle(put_in(*in, part(head)));
+  return put_in(*in, part(rest));
+}
+
 }  // namespace
 
 // --- entries
@@ -111,26 +149,14 @@ bundle::operator xvar() && {
 
 // --- direct access
 
-xvar& bundle::put_key(std::wstring_view key) { return put_in(*this, key_view(folded_key(key))); }
-
-const xvar& bundle::look_key(std::wstring_view key) const {
-  const entry* const found = find_folded(store_, folded_key(key).view());
-  if (!found) throw detail::missing_key(key);
-  return found->second;
-}
-
-bundle::iterator bundle::seek_key(std::wstring_view key) {
-  return {store_, find_folded(store_, folded_key(key).view()), 0};
-}
-
-xvar& bundle::operator[](const std::wstring& key) { return put_key(key); }
+xvar& bundle::operator[](const std::wstring& key) { return put_key(*this, key); }
 xvar& bundle::operator[](const std::string& key) { return (*this)[to_utf_16(key)]; }
-xvar& bundle::operator[](const wchar_t* key) { return put_key(texto::view_of(key)); }
+xvar& bundle::operator[](const wchar_t* key) { return put_key(*this, texto::view_of(key)); }
 xvar& bundle::operator[](const char* key) { return (*this)[std::string(key ? key : "")]; }
-const xvar& bundle::operator[](const wchar_t* key) const { return look_key(texto::view_of(key)); }
+const xvar& bundle::operator[](const wchar_t* key) const { return look_key(store_, texto::view_of(key)); }
 const xvar& bundle::operator[](const char* key) const { return at(std::string(key ? key : "")); }
 
-const xvar& bundle::at(const std::wstring& key) const { return look_key(key); }
+const xvar& bundle::at(const std::wstring& key) const { return look_key(store_, key); }
 const xvar& bundle::at(const std::string& key) const { return at(to_utf_16(key)); }
 
 bundle::iterator bundle::nth(unsigned long long n) noexcept {
@@ -142,7 +168,7 @@ const std::wstring& bundle::spelling(size_type n) const {
   return store_->nth(n)->spelling();
 }
 
-bundle::iterator bundle::find(const std::wstring& key) { return seek_key(key); }
+bundle::iterator bundle::find(const std::wstring& key) { return {store_, seek_key(store_, key), 0}; }
 bundle::iterator bundle::find(const std::string& key) { return find(to_utf_16(key)); }
 bundle::const_iterator bundle::find(const std::wstring& key) const {
   return const_cast<bundle*>(this)->find(key);
@@ -152,7 +178,7 @@ bundle::size_type bundle::count(const std::wstring& key) const { return find(key
 bundle::size_type bundle::count(const std::string& key) const { return count(to_utf_16(key)); }
 
 bundle::size_type bundle::erase(const std::wstring& key) {
-  entry* const found = find_folded(store_, folded_key(key).view());
+  entry* const found = seek_key(store_, key);
   if (found) store_->erase(found);
   return found ? 1 : 0;
 }
@@ -179,21 +205,8 @@ bundle::iterator bundle::begin() noexcept { return {store_, store_ ? store_->fir
 
 // --- paths
 
-const xvar* bundle::follow_path(std::wstring_view path, char separator) const {
-  const folded_path folded(path);
-  std::wstring_view rest = folded.view(), head;
-  const bundle_store* in = store_;
-  while (split_head(rest, unit_of(separator), head)) {
-    const entry* const found = find_folded(in, head);
-    if (!found || cell::kind_of(found->second) != kind::bundle) return nullptr;
-    in = bundle_access::store(cell::as_bundle(found->second));
-  }
-  const entry* const found = find_folded(in, rest);
-  return found ? &found->second : nullptr;
-}
-
 const xvar* bundle::get_ptr(const std::wstring& path, char separator) const {
-  return follow_path(path, separator);
+  return follow_path(store_, path, separator);
 }
 
 const xvar& bundle::get(const std::wstring& path, char separator) const {
@@ -206,19 +219,7 @@ bool bundle::has(const std::wstring& path, char separator) const {
   return get_ptr(path, separator) != nullptr;
 }
 
-xvar& bundle::make_path(std::wstring_view path, char separator) {
-  const folded_path folded(path, detail::units::owned);
-  std::wstring_view rest = folded.view(), head;
-  const auto part = [&](std::wstring_view name) {
-    const auto from = static_cast<std::size_t>(name.data() - folded.view().data());
-    return key_view(name, folded.written().substr(from, name.size()));
-  };
-  bundle* in = this;
-  while (split_head(rest, unit_of(separator), head)) in = &cell::on_bundle(put_in(*in, part(head)));
-  return put_in(*in, part(rest));
-}
-
-xvar& bundle::hack(const std::wstring& path, char separator) { return make_path(path, separator); }
+xvar& bundle::hack(const std::wstring& path, char separator) { return make_path(*this, path, separator); }
 
 xvar* bundle::hack_ptr(const std::wstring& path, char separator) { return &hack(path, separator); }
 
@@ -366,13 +367,14 @@ const list& bundle::get_nc_list(const std::wstring& path, const list& fallback, 
 // --- keys and paths that are views
 
 xvar& bundle::operator[](texto::either_view key) {
-  return key.is_narrow() ? put_key(to_utf_16(key.narrow())) : put_key(key.wide());
+  return key.is_narrow() ? put_key(*this, to_utf_16(key.narrow())) : put_key(*this, key.wide());
 }
 const xvar& bundle::at(texto::either_view key) const {
-  return key.is_narrow() ? look_key(to_utf_16(key.narrow())) : look_key(key.wide());
+  return key.is_narrow() ? look_key(store_, to_utf_16(key.narrow())) : look_key(store_, key.wide());
 }
 bundle::iterator bundle::find(texto::either_view key) {
-  return key.is_narrow() ? seek_key(to_utf_16(key.narrow())) : seek_key(key.wide());
+  return {store_, key.is_narrow() ? seek_key(store_, to_utf_16(key.narrow())) : seek_key(store_, key.wide()),
+          0};
 }
 bundle::size_type bundle::erase(texto::either_view key) {
   const iterator found = find(key);
@@ -381,8 +383,8 @@ bundle::size_type bundle::erase(texto::either_view key) {
   return 1;
 }
 const xvar* bundle::get_ptr(texto::either_view path, char separator) const {
-  return path.is_narrow() ? follow_path(to_utf_16(path.narrow()), separator)
-                          : follow_path(path.wide(), separator);
+  return path.is_narrow() ? follow_path(store_, to_utf_16(path.narrow()), separator)
+                          : follow_path(store_, path.wide(), separator);
 }
 const xvar& bundle::get(texto::either_view path, char separator) const {
   const xvar* const found = get_ptr(path, separator);
@@ -390,8 +392,8 @@ const xvar& bundle::get(texto::either_view path, char separator) const {
   return *found;
 }
 xvar& bundle::hack(texto::either_view path, char separator) {
-  return path.is_narrow() ? make_path(to_utf_16(path.narrow()), separator)
-                          : make_path(path.wide(), separator);
+  return path.is_narrow() ? make_path(*this, to_utf_16(path.narrow()), separator)
+                          : make_path(*this, path.wide(), separator);
 }
 xvar& bundle::putOn(texto::either_view path, const xvar& value, char separator) {
   return putOn(owned_text(path), value, separator);

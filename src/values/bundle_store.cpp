@@ -358,10 +358,6 @@ void bundle_store::erase_from_arrays(const entry* item) noexcept {
 
 // --- entries
 
-bundle::entry* bundle_store::find(const key_view& key) const noexcept {
-  return is_large() ? own_->large->find(key) : find_in_arrays(key);
-}
-
 bundle::entry* bundle_store::put(const key_view& key) {
   if (entry* const found = find(key)) return found;
   return add(key);

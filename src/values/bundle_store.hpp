@@ -52,7 +52,9 @@ class bundle_store {
   bundle_store& operator=(const bundle_store&) = delete;
 
   std::size_t size() const noexcept { return size_; }
-  entry* find(const key_view& key) const noexcept;
+  entry* find(const key_view& key) const noexcept {
+    return is_large() ? own_->large->find(key) : find_in_arrays(key);
+  }
   /// The entry with the key, made with a null value when missing. Nothing changes when it throws.
   entry* put(const key_view& key);
   /// put() for a key that is known to be missing; `shared`, when given, is the same key made before.

@@ -23,12 +23,13 @@ namespace ruvo::detail {
 /// may replace the entry whose text the path is.
 enum class units { viewed, owned };
 
-/// A text folded by `fold` unit for unit; a long one that is folded already is only viewed,
-/// unless a copy is asked for.
+/// A text folded by `fold` unit for unit; one that is folded already is only viewed, unless a copy is asked
+/// for. It takes a reference, as a view that is copied just after it was made has to wait for its parts.
 template <wchar_t (*fold)(wchar_t)>
 class folded_text {
  public:
-  explicit folded_text(std::wstring_view text, units use = units::viewed) : view_(text), written_(text) {
+  explicit folded_text(const std::wstring_view& text, units use = units::viewed)
+      : view_(text), written_(text) {
     wchar_t* to = small_;
     if (text.size() > sizeof small_ / sizeof *small_) {
       const auto is_folded = [](wchar_t c) { return fold(c) == c; };
@@ -36,8 +37,11 @@ class folded_text {
       large_ = std::make_unique<wchar_t[]>(text.size());
       to = large_.get();
     }
+    const bool is_changed = fold_units<fold>(to, text);
+    // What was just written is slow to read in other pieces.
+    if (!is_changed && use == units::viewed) return;
     view_ = {to, text.size()};
-    if (!fold_units<fold>(to, text)) {
+    if (!is_changed) {
       written_ = view_;
     } else if (use == units::owned) {
       original_ = std::make_unique<wchar_t[]>(text.size());
