@@ -258,13 +258,29 @@ void append_text(std::wstring& out, const var& v) {
 
 }  // namespace detail
 
+namespace {
+
+// Numbers make their text in its size at once.
+
+std::wstring real_text(double value) {
+  wchar_t text[texto::most_fixed_units];
+  const wchar_t* end = texto::print_fixed(text, value);
+  if (!end) end = texto::print_any_fixed(text, value);
+  return {text, static_cast<std::size_t>(end - text)};
+}
+
+std::wstring integer_text(long long value, bool is_unsigned) {
+  wchar_t text[texto::most_number_units];
+  const wchar_t* const end = is_unsigned ? texto::print_unsigned(text, static_cast<unsigned long long>(value))
+                                         : texto::print_integer(text, value);
+  return {text, static_cast<std::size_t>(end - text)};
+}
+
+}  // namespace
+
 std::wstring var::to_string() const {
-  if (family_of(*this) == family::real) {  // made in its size at once
-    wchar_t text[texto::most_fixed_units];
-    const wchar_t* end = texto::print_fixed(text, real());
-    if (!end) end = texto::print_any_fixed(text, real());
-    return {text, static_cast<std::size_t>(end - text)};
-  }
+  if (family_of(*this) == family::real) return real_text(real());
+  if (family_of(*this) == family::integer) return integer_text(integer(), data_.kind == kind::uxlong);
   std::wstring text;
   detail::append_text(text, *this);
   return text;
