@@ -70,7 +70,9 @@ class KESTA_API xvar : public var {
 
   /// Holds nothing, without qualities.
   xvar() noexcept = default;
-  xvar(const xvar& other);
+  xvar(const xvar& other) : var(other) {
+    if (other.qualities_) copy_qualities(other);
+  }
   xvar(xvar&& other) noexcept : var(static_cast<var&&>(other)), qualities_(other.qualities_) {
     other.qualities_ = nullptr;
   }
@@ -249,6 +251,7 @@ class KESTA_API xvar : public var {
     var::operator=(value);
     return *this;
   }
+  void copy_qualities(const xvar& other);
   void drop_qualities() noexcept;
 
   qualities_map* qualities_ = nullptr;  // owned; null until the first quality

@@ -22,6 +22,7 @@
 #include <utility>
 
 #include "base/ascii.hpp"
+#include "base/key_units.hpp"
 #include "base/numbers.hpp"
 #include "base/utf.hpp"
 #include "values/cell.hpp"
@@ -293,9 +294,10 @@ std::wostream& operator<<(std::wostream& out, const var& value) {
 // --- comparison
 
 bool var::equals(const var& other) const {
+  if (cell::is_text(*this) && cell::is_text(other))
+    return detail::same_units(cell::text(*this), cell::text(other));
   if (is_null() || other.is_null()) return is_null() && other.is_null();
   if (*get_type() != *other.get_type()) return false;
-  if (cell::is_text(*this)) return cell::text(*this) == cell::text(other);
   if (data_.kind == kind::decimal) return *cell::pointer<decimal>(*this) == *cell::pointer<decimal>(other);
   if (family_of(*this) == family::real && std::fabs(real() - other.real()) > most_apart) return false;
   return to_string() == other.to_string();

@@ -47,7 +47,7 @@ bool keylowercase::operator()(std::wstring_view a, std::wstring_view b) const no
   return texto::before_in_lower_case(a, b);
 }
 
-xvar::xvar(const xvar& other) : var(other) {
+void xvar::copy_qualities(const xvar& other) {
   if (other.is_qualified()) qualities_ = detail::make<qualities_map>(*other.qualities_);
 }
 
