@@ -14,6 +14,21 @@
 
 namespace ruvo::texto {
 
+/// Where the unit stands first in [at, end), which is short as a rule; `end` where it does not.
+inline const wchar_t* find_unit(const wchar_t* at, const wchar_t* end, wchar_t unit) noexcept {
+#ifdef KESTA_X64
+  if constexpr (unit_16<wchar_t>) {
+    const __m128i wanted = _mm_set1_epi16(static_cast<short>(unit));
+    for (; end - at >= 8; at += 8) {
+      const auto hits = static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi16(load_16(at), wanted)));
+      if (hits != 0) return at + std::countr_zero(hits) / 2;
+    }
+  }
+#endif
+  while (at != end && *at != unit) ++at;
+  return at;
+}
+
 /// A text to be found, not empty, that outlives this object. Candidates are the places where its first and
 /// last units stand. Where too many of them turn out to be wrong, as in a text that repeats itself, the
 /// search goes on with a table of the part's borders, which looks at no unit of the text twice.

@@ -15,6 +15,7 @@
 #include <typeinfo>
 
 #include "base/ascii.hpp"
+#include "base/find.hpp"
 #include "base/utf.hpp"
 #include "exc/detail.hpp"
 #include "values/bundle_store.hpp"
@@ -41,15 +42,27 @@ bundle::entry* find_folded(const bundle_store* store, std::wstring_view folded) 
   return store ? store->find(key_view(folded)) : nullptr;
 }
 
-/// The part of the path before the first separator; `path` keeps the rest.
-/// False when there is no separator.
-bool split_head(std::wstring_view& path, wchar_t separator, std::wstring_view& head) {
-  const std::size_t at = path.find(separator);
-  if (at == std::wstring_view::npos) return false;
-  head = path.substr(0, at);
-  path.remove_prefix(at + 1);
-  return true;
-}
+/// The parts of a path, one after the other.
+class path_parts {
+ public:
+  path_parts(std::wstring_view path, char separator) noexcept
+      : at_(path.data()), end_(path.data() + path.size()), separator_(unit_of(separator)) {}
+
+  std::wstring_view next() noexcept {
+    const wchar_t* const from = at_;
+    const wchar_t* const stop = texto::find_unit(from, end_, separator_);
+    is_last_ = stop == end_;
+    at_ = is_last_ ? stop : stop + 1;
+    return {from, static_cast<std::size_t>(stop - from)};
+  }
+  /// Whether no part follows that which next() gave.
+  bool is_last() const noexcept { return is_last_; }
+
+ private:
+  const wchar_t *at_, *end_;
+  wchar_t separator_;
+  bool is_last_ = false;
+};
 
 xvar& put_in(bundle& in, const key_view& key) { return bundle_access::made_store(in).put(key)->second; }
 
@@ -69,26 +82,25 @@ xvar& put_key(bundle& in, std::wstring_view key) { return put_in(in, key_view(fo
 
 const xvar* follow_path(const bundle_store* in, const std::wstring_view& path, char separator) {
   const folded_path folded(path);
-  std::wstring_view rest = folded.view(), head;
-  while (split_head(rest, unit_of(separator), head)) {
-    const bundle::entry* const found = find_folded(in, head);
-    if (!found || cell::kind_of(found->second) != kind::bundle) return nullptr;
+  for (path_parts parts(folded.view(), separator);;) {
+    const bundle::entry* const found = find_folded(in, parts.next());
+    if (!found) return nullptr;
+    if (parts.is_last()) return &found->second;
+    if (cell::kind_of(found->second) != kind::bundle) return nullptr;
     in = bundle_access::store(cell::as_bundle(found->second));
   }
-  const bundle::entry* const found = find_folded(in, rest);
-  return found ? &found->second : nullptr;
 }
 
 xvar& make_path(bundle& from, std::wstring_view path, char separator) {
   const folded_path folded(path, detail::units::owned);
-  std::wstring_view rest = folded.view(), head;
-  const auto part = [&](std::wstring_view name) {
-    const auto at = static_cast<std::size_t>(name.data() - folded.view().data());
-    return key_view(name, folded.written().substr(at, name.size()));
-  };
   bundle* in = &from;
-  while (split_head(rest, unit_of(separator), head)) in = &cell::on_bundle(put_in(*in, part(head)));
-  return put_in(*in, part(rest));
+  for (path_parts parts(folded.view(), separator);;) {
+    const std::wstring_view name = parts.next();
+    const auto at = static_cast<std::size_t>(name.data() - folded.view().data());
+    xvar& made = put_in(*in, key_view(name, folded.written().substr(at, name.size())));
+    if (parts.is_last()) return made;
+    in = &cell::on_bundle(made);
+  }
 }
 
 }  // namespace
