@@ -210,11 +210,14 @@ bool cookie_jar::take(std::wstring_view from, const response& answer, const date
 }
 
 void cookie_jar::keep(kept_cookie made, long long now) {
-  const auto old =
+  auto old =
       std::find_if(all_.begin(), all_.end(), [&](const kept_cookie& each) { return is_same(each, made); });
-  if (made.ends <= now) {
-    if (old != all_.end()) all_.erase(old);
-  } else if (old != all_.end()) {
+  if (old != all_.end() && std::min(old->ends, made.ends) <= now) {
+    all_.erase(old);  // what ended is no longer there to be replaced
+    old = all_.end();
+  }
+  if (made.ends <= now) return;
+  if (old != all_.end()) {
     made.created = old->created;
     *old = std::move(made);
   } else {

@@ -176,8 +176,11 @@ TEST(cookie_jar, paths_order_and_ends) {
   EXPECT_EQ(sent(jar, L"http://x.es/a/b/", now + 5), L"p=1; q=2");
   EXPECT_EQ(taken(jar, L"http://x.es/", L"q=new; Max-Age=100", now + 9), L"");
   EXPECT_EQ(sent(jar, L"http://x.es/", now + 108), L"q=new");
-  EXPECT_EQ(jar.expire(datetime(now + 108)), 1u);
-  EXPECT_EQ(jar.end_session(), 1u);
+  EXPECT_EQ(taken(jar, L"http://x.es/", L"t=4", now + 109), L"");
+  EXPECT_EQ(taken(jar, L"http://x.es/", L"q=again; Max-Age=1", now + 110), L"");  // the other one has ended
+  EXPECT_EQ(sent(jar, L"http://x.es/", now + 110), L"t=4; q=again");
+  EXPECT_EQ(jar.expire(datetime(now + 111)), 2u);
+  EXPECT_EQ(jar.end_session(), 2u);
   EXPECT_EQ(taken(jar, L"http://x.es/", L"q=; Max-Age=0"), L"");
   EXPECT_TRUE(jar.empty());
 }
