@@ -176,7 +176,7 @@ bool kept_cookie::is_lasting() const noexcept { return ends != session; }
 cookie_jar::cookie_jar() = default;
 cookie_jar::cookie_jar(const cookie_jar& other) = default;
 cookie_jar::cookie_jar(cookie_jar&& other) noexcept = default;
-cookie_jar& cookie_jar::operator=(const cookie_jar& other) = default;
+cookie_jar& cookie_jar::operator=(const cookie_jar& other) { return *this = cookie_jar(other); }
 cookie_jar& cookie_jar::operator=(cookie_jar&& other) noexcept = default;
 cookie_jar::~cookie_jar() = default;
 

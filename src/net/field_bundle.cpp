@@ -54,11 +54,20 @@ void put_fields(bundle& out, const fields& all) {
     if (!entry.instanceof (typeid(list))) entry = list{xvar(entry)};
     ruvo::detail::cell::on_list(entry).push_back(each.value);
   }
-  for (std::size_t n = 0; n < made.size(); ++n) {
-    bundle::entry& each = *made[n];
-    out.erase(each.spelling());  // which would keep its own spelling
-    out[each.spelling()] = std::move(each.second);
+  put_entries(out, std::move(made));
+}
+
+void put_entries(bundle& out, bundle made) {
+  if (!out.empty()) {
+    bundle all = out;  // stays as it is until all is there
+    for (std::size_t n = 0; n < made.size(); ++n) {
+      bundle::entry& each = *made[n];
+      all.erase(each.spelling());  // which would keep its own spelling
+      all[each.spelling()] = std::move(each.second);
+    }
+    made = std::move(all);
   }
+  out = std::move(made);
 }
 
 }  // namespace ruvo::http

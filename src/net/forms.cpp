@@ -26,7 +26,7 @@ fields::fields() noexcept = default;
 fields::fields(std::initializer_list<field> all) : all_(all) {}
 fields::fields(const fields& other) = default;
 fields::fields(fields&& other) noexcept = default;
-fields& fields::operator=(const fields& other) = default;
+fields& fields::operator=(const fields& other) { return *this = fields(other); }
 fields& fields::operator=(fields&& other) noexcept = default;
 fields::~fields() = default;
 

@@ -14,6 +14,7 @@
 
 #include "base/utf.hpp"
 #include "net/failures.hpp"
+#include "net/field_bundle.hpp"
 #include "net/part.hpp"
 #include "values/cell.hpp"
 
@@ -145,10 +146,7 @@ bool mime::serialize(std::wstring& out, const bundle& in, exception* err, int) {
 }
 
 bool mime::deserialize(bundle& out, const std::wstring& in, exception* err, int) {
-  return http::fails(err, [&] {
-    const bundle made = bundle_of(ruvo::mime::read(texto::to_utf_8(in)));
-    for (std::size_t n = 0; n < made.size(); ++n) out[made[n]->first] = made[n]->second;
-  });
+  return http::fails(err, [&] { http::put_entries(out, bundle_of(ruvo::mime::read(texto::to_utf_8(in)))); });
 }
 
 }  // namespace ruvo::serializer

@@ -152,7 +152,7 @@ url::url(std::wstring_view text) {
 }
 url::url(const url& other) = default;
 url::url(url&& other) noexcept = default;
-url& url::operator=(const url& other) = default;
+url& url::operator=(const url& other) { return *this = url(other); }
 url& url::operator=(url&& other) noexcept = default;
 url::~url() = default;
 

@@ -4,6 +4,7 @@
 // what was there before is there still. This program is linked statically, so that the library's allocations
 // come here too.
 
+#include <ruvo/fake_context.hpp>
 #include <ruvo/ruvo.hpp>
 
 #include <algorithm>
@@ -19,6 +20,7 @@
 #include <string_view>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <malloc.h>
@@ -680,6 +682,131 @@ TEST(secret_allocation, nothing_of_a_secret_is_given_back) {
               }
             }),
             0);
+}
+
+// What is compared of values that have no operator==.
+template <class Value>
+const Value& compared(const Value& value) {
+  return value;
+}
+bundle compared(const ruvo::http::cookie_jar& jar) { return jar; }
+bundle compared(const ruvo::smtp::received& mail) {
+  return bundle{{L"mail", bundle(mail.message)}, {L"plain", mail.plain}, {L"files", mail.attachments.size()}};
+}
+std::vector<ruvo::smtp::address> compared(const ruvo::smtp::envelope& envelope) {
+  return envelope.recipients;
+}
+std::wstring compared(const ruvo::mime::part& part) { return part.get_header(L"subject"); }
+
+/// Makes a value while memory runs out: all of it is made, or the value is as it was.
+template <class Value>
+void expect_whole(const Value& before, const std::function<bool(Value&, ruvo::exception&)>& make) {
+  ruvo::fake_context fake;  // boundaries and stamps are the same every time
+  const ruvo::thread_scope scope(fake);
+  Value made = before, now = before;
+  ruvo::exception failure;
+  ASSERT_TRUE(make(made, failure)) << failure.what();
+  const auto work = [&] {
+    fake.next_id = 1;
+    EXPECT_TRUE(make(now, failure));  // a lack of memory is no failure of another kind
+  };
+  const auto check = [&] {
+    EXPECT_TRUE(compared(now) == compared(before) || compared(now) == compared(made));
+    now = before;
+  };
+  EXPECT_GT(fail_everywhere(work, check), 0);
+}
+
+TEST(message_allocation, mails_are_written_and_read_whole) {
+  using namespace ruvo;
+  const file attached(std::wstring(L"un adjunto de nombre largo, ñ.txt"));
+  exception failure;
+  ASSERT_TRUE(files::write(binary("some bytes of a file"), attached, failure));
+  smtp::email mail(smtp::address(L"José Núñez de la Cruz", L"jose@example.es"), L"Año nuevo " + document,
+                   L"<html><body><p>Adjunto la lista.</p></body></html>");
+  mail[smtp::address(L"García, Luis", L"luis@example.es")];
+  mail.set_uuid(L"ID-1").push(attached);
+  std::string bytes;
+  ASSERT_TRUE(smtp::write(bytes, mail, failure));
+  expect_whole<std::string>("before", [&](auto& out, auto& err) { return smtp::write(out, mail, err); });
+  expect_whole<smtp::envelope>({}, [&](auto& out, auto& err) { return smtp::seal(out, mail, err); });
+  expect_whole<mime::part>({}, [&](auto& out, auto& err) { return smtp::to_mime(out, mail, err); });
+  expect_whole<mime::part>({}, [&](auto& out, auto& err) { return mime::read(out, bytes, err); });
+  smtp::received before;
+  before.message.set_date(datetime(0LL)).set_uuid(L"");
+  expect_whole<smtp::received>(before, [&](auto& out, auto& err) { return smtp::read(out, bytes, err); });
+  const std::wstring text = texto::to_utf_16(bytes);
+  bundle form;
+  expect_whole<bundle>(
+      {}, [&](auto& out, auto& err) { return !serializer::mime().deserialize(out, text, &err); });
+  ASSERT_FALSE(serializer::mime().deserialize(form, text, &failure));
+  expect_whole<std::wstring>(
+      L"before", [&](auto& out, auto& err) { return !serializer::mime().serialize(out, form, &err); });
+}
+
+TEST(message_allocation, fields_forms_and_cookies_are_whole) {
+  using namespace ruvo;
+  using std::wstring;
+  const wstring name = L"un nombre de cierta longitud, ñ", id(30, L'n'),
+                url = L"https://a.example.es/una/ruta?a=b";
+  const http::fields form{{name, document}, {name, L"b"}, {L"", L""}};
+  const std::vector<http::form_part> parts = {{name, "a content of some length"},
+                                              {L"f", "bytes", name, L"image/png", true}};
+  wstring type, boundary, field, disposition;
+  std::string body;
+  exception failure;
+  ASSERT_TRUE(http::write_multipart(body, type, parts, failure));
+  const http::header_value value{L"text/html", {{L"charset", L"utf-8"}, {L"title", name}}};
+  ASSERT_TRUE(http::write_header(field, value, failure));
+  ASSERT_TRUE(http::write_content_disposition(disposition, L"attachment", name, failure));
+  const wstring set_cookie = id + L"=" + id + L"; Path=/una; Domain=example.es; Max-Age=100";
+  http::cookie cookie;
+  ASSERT_TRUE(http::read_set_cookie(cookie, set_cookie, failure));
+  http::cookie_jar jar;
+  ASSERT_TRUE(jar.take(url, set_cookie, datetime(0LL), failure));
+  const bundle stored = jar, sent{{L"clave", list{id, id}}};
+
+  expect_whole<http::fields>(
+      form, [&](auto& out, auto& err) { return http::read_form(out, form.form_text(), err); });
+  expect_whole<bundle>(sent, [&](auto& out, auto& err) {
+    return !serializer::http_forms().deserialize(out, L"otra+clave=" + id + L"&otra+clave=", &err);
+  });
+  expect_whole<std::string>(
+      "", [&](auto& out, auto& err) { return http::write_multipart(out, boundary, parts, err); });
+  expect_whole<std::vector<http::form_part>>(
+      {}, [&](auto& out, auto& err) { return http::read_multipart(out, type, body, err); });
+  expect_whole<http::header_value>({},
+                                   [&](auto& out, auto& err) { return http::read_header(out, field, err); });
+  expect_whole<std::vector<http::header_value>>(
+      {}, [&](auto& out, auto& err) { return http::read_header_list(out, field + L", b", err); });
+  expect_whole<wstring>(L"", [&](auto& out, auto& err) {
+    return http::write_header_list(out, {value, value}, err);
+  });
+  expect_whole<wstring>(L"", [&](auto& out, auto& err) {
+    wstring kind;
+    return http::read_content_disposition(kind, out, disposition, err);
+  });
+  expect_whole<wstring>(L"", [&](auto& out, auto& err) { return http::write_set_cookie(out, cookie, err); });
+  expect_whole<http::cookie>(
+      {}, [&](auto& out, auto& err) { return http::read_set_cookie(out, set_cookie, err); });
+  expect_whole<wstring>(L"", [&](auto& out, auto& err) {
+    return !serializer::http_cookie().serialize(out, {{L"a", id}}, &err);
+  });
+  expect_whole<http::cookie_jar>(
+      {}, [&](auto& out, auto& err) { return out.take(url, set_cookie, datetime(0LL), err); });
+  expect_whole<http::cookie_jar>(
+      jar, [&](auto& out, auto& err) { return out.take(url, L"b=" + id, datetime(0LL), err); });
+  expect_whole<http::cookie_jar>({}, [&](auto& out, auto& err) { return out.read(stored, err); });
+  expect_whole<wstring>(
+      L"", [&](auto& out, auto&) { return !(out = jar.header_for(url, datetime(0LL))).empty(); });
+  expect_whole<http::url>({}, [&](auto& out, auto& err) { return out.read(url + L"#ñ", err); });
+  expect_whole<http::url>(http::url(url), [&](auto& out, auto&) {
+    out = out.resolve(http::url(L"../otra/ruta/de/cierta/longitud")).set_query(form);
+    return true;
+  });
+  expect_whole<http::request>(http::request(url, id), [&](auto& out, auto& err) {
+    return oauth::signer(id, oauth::secret(id)).set_token(id, oauth::secret(name)).sign(out, L"GET", err);
+  });
 }
 
 TEST(http_allocation, looking_up_headers_has_none) {
