@@ -111,14 +111,19 @@ class tree_reader : public files::RelayCallBack {
     const bool done = is_done(failure, name, [&] {
       from_.expect_readable(which, name);
       expect_no_twin(name);
-      if (which.size > from_.most.total_bytes - out_.total())
-        throw failure_of<exc::zipLimit>(name, L"tamaño total");
+      if (which.size > left()) throw failure_of<exc::zipLimit>(name, L"tamaño total");
       is_whole = unpack(which, name, path);
       if (is_whole && is_folder_name(name) && which.size)
         throw failure_of<exc::zipBadFormated>(name, L"un directorio no tiene contenido");
     });
     if (!done) onFailure(failure);
     return done;
+  }
+
+  /// How many bytes the operation may unpack yet. A content that is too long took one more than it may.
+  std::uint64_t left() const noexcept {
+    const std::uint64_t most = from_.most.total_bytes;
+    return most - std::min(most, from_.unpacked() - before_);
   }
 
   packed_file path_of(std::wstring_view name, const record& which) const {
@@ -154,6 +159,7 @@ class tree_reader : public files::RelayCallBack {
   };
 
   open_archive& from_;
+  const std::uint64_t before_ = from_.unpacked();
   std::wstring prefix_;
   fileFilter* filter_;
   progress report_;

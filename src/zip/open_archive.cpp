@@ -59,7 +59,6 @@ bool progress::report(const file& entry, std::uint64_t done, std::uint64_t size)
 }
 
 bool buffered_outlet::take(std::size_t count) {
-  total_ += count;
   if (to_) to_->write_at(done_, {buffer_.data(), count});
   done_ += count;
   return report_.report(entry_, done_, size_);
@@ -137,6 +136,7 @@ bool open_archive::copy(const record& which, const std::wstring& name, std::uint
         bytes.at(begin + check.done)
             .substr(0, static_cast<std::size_t>(std::min<std::uint64_t>(room, which.size - check.done)));
     std::memcpy(out, piece.data(), piece.size());
+    unpacked_ += piece.size();
     check.add(piece);
     if (!to.take(piece.size())) return false;
   }
@@ -160,6 +160,7 @@ bool open_archive::inflate(const record& which, const std::wstring& name, std::u
     char* const out = to.room(room);
     state = unpacker_->unpack(in, out, room, got);
     left -= offered - in.size();
+    unpacked_ += got;
     check.add({out, got});
     if (state == unpacker::state::damaged) refuse(L"datos comprimidos");
     if (state == unpacker::state::more && !got && in.size() == offered) refuse(L"faltan datos");

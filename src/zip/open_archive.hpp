@@ -73,14 +73,12 @@ class buffered_outlet : public outlet {
     return buffer_.data();
   }
   bool take(std::size_t count) override;
-  /// What came out of all entries, also of those that failed.
-  std::uint64_t total() const noexcept { return total_; }
 
  private:
   progress& report_;
   std::vector<char> buffer_;
   file entry_;
-  std::uint64_t size_ = 0, done_ = 0, total_ = 0;
+  std::uint64_t size_ = 0, done_ = 0;
   files::file_writer* to_ = nullptr;
 };
 
@@ -96,6 +94,8 @@ struct open_archive {
   /// Gives the content to `to`; false when that stopped. Throws exc::zipBadFormated and zipBadData, and the
   /// failures of files.
   bool unpack(const record& which, const std::wstring& name, outlet& to);
+  /// How many bytes came out of contents, whole ones or not.
+  std::uint64_t unpacked() const noexcept { return unpacked_; }
 
   source bytes;
   directory list;
@@ -109,6 +109,7 @@ struct open_archive {
   bool copy(const record& which, const std::wstring& name, std::uint64_t begin, outlet& to);
 
   std::unique_ptr<packing::unpacker> unpacker_;
+  std::uint64_t unpacked_ = 0;
 };
 
 }  // namespace ruvo::zip

@@ -249,16 +249,19 @@ TEST_F(hostile, limits_hold) {
   // What failed counts, too.
   zip::limits few;
   few.total_bytes = 750;
-  const raw::entry broken{"roto", "aaa", 0, 0, "", 8, "\x4B\x4C\x4C\4\0z"s};
-  std::vector<raw::entry> many(300, broken);
-  for (raw::entry& each : many) each.name += std::to_string(&each - many.data());
-  outcome_recorder all;
-  zip::reader bombs;
   exception failure;
-  ASSERT_TRUE(bombs.open_bytes(binary(raw::archive(many)), failure, few));
-  EXPECT_FALSE(bombs.verify_all(failure, nullptr, &all));
-  EXPECT_EQ(std::ranges::count(all.seen.failures, bad_data), 250);
-  EXPECT_EQ(std::ranges::count(all.seen.failures, limit), 50);
+  for (const raw::entry& broken : {raw::entry{"sobra", "aaa", 0, 0, "", 8, "\x4B\x4C\x4C\4\0z"s},
+                                   raw::entry{"largo", "aaa", 0, 0, "", 8, "\x4B\x4C\x4C\4\0"s, 2},
+                                   raw::entry{"roto", "aaa", 0, 0, "", 8, "\x4A\x4C\x4C\4\x18"s}}) {
+    std::vector<raw::entry> many(300, broken);
+    for (raw::entry& each : many) each.name += std::to_string(&each - many.data());
+    outcome_recorder all;
+    zip::reader bombs;
+    ASSERT_TRUE(bombs.open_bytes(binary(raw::archive(many)), failure, few));
+    EXPECT_FALSE(bombs.verify_all(failure, nullptr, &all));
+    EXPECT_EQ(std::ranges::count(all.seen.failures, bad_data), 250) << broken.name;
+    EXPECT_EQ(std::ranges::count(all.seen.failures, limit), 50) << broken.name;
+  }
   EXPECT_EQ(with([](zip::limits& most) { most.levels = 2; }), 0u);
   EXPECT_EQ(with([](zip::limits& most) { most.levels = 1; }), bad_name);
   zip::reader in;
