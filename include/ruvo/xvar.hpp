@@ -36,7 +36,8 @@ struct KESTA_API keylowercase {
 
   /// Whether `a` comes before `b`.
   bool operator()(const std::wstring& a, const std::wstring& b) const noexcept;
-  bool operator()(std::wstring_view a, std::wstring_view b) const noexcept;
+  bool operator()(const std::wstring& a, texto::wide_view b) const noexcept;
+  bool operator()(texto::wide_view a, const std::wstring& b) const noexcept;
 };
 
 /// A var with qualities, which are named vars. The value is used exactly as a var; the qualities travel with

@@ -43,7 +43,10 @@ void detail::give_room(void* room, std::size_t bytes) noexcept {
 bool keylowercase::operator()(const std::wstring& a, const std::wstring& b) const noexcept {
   return texto::before_in_lower_case(a, b);
 }
-bool keylowercase::operator()(std::wstring_view a, std::wstring_view b) const noexcept {
+bool keylowercase::operator()(const std::wstring& a, texto::wide_view b) const noexcept {
+  return texto::before_in_lower_case(a, b);
+}
+bool keylowercase::operator()(texto::wide_view a, const std::wstring& b) const noexcept {
   return texto::before_in_lower_case(a, b);
 }
 
