@@ -398,6 +398,9 @@ class KESTA_API bundle {
   std::wstring& hack_string_on(texto::either_view path, char separator = '.');
   binary& hack_binary_on(texto::either_view path, char separator = '.');
   binary& hack_nc_binary_on(texto::either_view path, const binary& initial, char separator = '.');
+  binary& hack_nc_binary_on(texto::either_view path, char separator, const binary& initial) {
+    return hack_nc_binary_on(path, initial, separator);
+  }
   long get_long(texto::either_view path, char separator = '.', long fallback = 0) const;
   unsigned long get_ulong(texto::either_view path, char separator = '.', unsigned long fallback = 0) const;
   short get_short(texto::either_view path, char separator = '.', short fallback = 0) const;
@@ -419,6 +422,12 @@ class KESTA_API bundle {
                              char separator = '.') const;
   const binary& get_binary(texto::either_view path, const binary& fallback, char separator = '.') const;
   const memo& get_memo(texto::either_view path, const memo& fallback, char separator = '.') const;
+  const binary& get_binary(texto::either_view path, char separator, const binary& fallback) const {
+    return get_binary(path, fallback, separator);
+  }
+  const memo& get_memo(texto::either_view path, char separator, const memo& fallback) const {
+    return get_memo(path, fallback, separator);
+  }
   const bundle& get_bundle(texto::either_view path, char separator = '.') const;
   const list& get_list(texto::either_view path, char separator = '.') const;
   const bundle& get_nc_bundle(texto::either_view path, const bundle& fallback, char separator = '.') const;

@@ -197,11 +197,11 @@ void views_do_what_texts_do(View all) {
   b.hack_list_on(missing).push_back(1);
   EXPECT_EQ(b.get_list(missing).size() + b.get_nc_list(missing, {}).size(), 2U);
   b.hack_memo_on(missing) = L"m";
-  EXPECT_EQ(b.get_memo(missing, {}).to_string(), L"m");
+  EXPECT_EQ(b.get_memo(missing, '.', {}).to_string(), L"m");
   b.hack_string_on(missing) = L"s";
   EXPECT_EQ(b.get_string(missing), L"s");
-  EXPECT_EQ(b.hack_nc_binary_on(missing, ruvo::binary("xy")).size(), 2U);
-  EXPECT_EQ(b.get_binary(missing, {}).size() + b.hack_binary_on(missing).size(), 4U);
+  EXPECT_EQ(b.hack_nc_binary_on(missing, '.', ruvo::binary("xy")).size(), 2U);
+  EXPECT_EQ(b.get_binary(missing, '/', {}).size() + b.hack_binary_on(missing).size(), 4U);
   EXPECT_EQ(b.get_nc_bundle(missing, b).size(), b.size());
   EXPECT_EQ(b.explain(missing), b.explain(std::wstring(var(missing).to_string())));
   EXPECT_EQ(b.hack_ptr(path), b.get_ptr(path));
