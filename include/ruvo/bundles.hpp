@@ -21,7 +21,8 @@ class KESTA_API imerged_filter {
  public:
   /// Called for each value of the source, before what is in it. `path` are the folded keys that lead there,
   /// with the separator of the merge between them. `target` is what the target has there, or a null value
-  /// that does not belong to it yet; the filter may change it, and nothing else of the target.
+  /// that does not belong to it yet; the filter may change it, and nothing else of the target, nor of the
+  /// source.
   ///
   /// True takes the value as a merge without a filter does: it replaces `target`, but a null value replaces
   /// nothing, and a bundle is gone into, with a call for each value in it. Where `target` holds no bundle,
