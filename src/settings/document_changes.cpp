@@ -228,10 +228,14 @@ void document::rewrite(std::uint32_t n, const std::wstring& text) {
   put(edit_line(n), text, indent_before(lines_[n].kind));
 }
 
+// What goes on behind a "\" ends with an empty line, if that leaves what it says.
 void document::end_line(std::uint32_t n) {
-  // What goes on behind a "\" ends with an empty line.
-  while (n != none && shape(n).content == lines_[n].size)
-    rewrite(n, std::wstring(view(n)) + line_end_near(n));
+  if (n == none || shape(n).content < lines_[n].size) return;
+  const bool is_entry = is(n, line_kind::entry);
+  const std::wstring name = is_entry ? name_of(n) : L"", value = is_entry ? value_of(n) : L"";
+  while (shape(n).content == lines_[n].size) rewrite(n, std::wstring(view(n)) + line_end_near(n));
+  if (is_entry && (name_of(n) != name || value_of(n) != value))
+    refuse(name, L"la última línea se leería de otro modo");
 }
 
 std::uint32_t document::insert(std::uint32_t after, const std::wstring& text, std::uint32_t entry_indent) {

@@ -73,6 +73,18 @@ void append_escaped(std::wstring& out, wchar_t c) {
 
 bool is_unprintable(wchar_t c) noexcept { return texto::is_control(c) && c != L'\t'; }
 
+std::wstring joined(std::wstring_view written) {
+  std::wstring out;
+  out.reserve(written.size());
+  for (std::size_t at = 0; at < written.size();) {
+    if (written[at] == L'\\' && at + 1 < written.size() && is_line_end(written[at + 1]))
+      at = behind_break(written, at + 1);
+    else
+      out.push_back(written[at++]);
+  }
+  return out;
+}
+
 std::wstring unescaped(std::wstring_view written) {
   std::wstring out;
   out.reserve(written.size());
@@ -83,12 +95,7 @@ std::wstring unescaped(std::wstring_view written) {
       continue;
     }
     if (at == written.size()) break;
-    const wchar_t next = written[at];
-    if (is_line_end(next)) {
-      at = behind_break(written, at);
-      continue;
-    }
-    ++at;
+    const wchar_t next = written[at++];
     if (next == L'u' && append_unit(out, written.substr(at)))
       at += 4;
     else

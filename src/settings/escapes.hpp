@@ -11,6 +11,9 @@ namespace ruvo::settings {
 /// A control character other than TAB.
 bool is_unprintable(wchar_t c) noexcept;
 
+/// What goes on behind a "\" at the end of a line and the blanks of the next one, in one line.
+std::wstring joined(std::wstring_view written);
+
 /// As keys and values of `.properties` are read and written.
 std::wstring unescaped(std::wstring_view written);
 std::wstring escaped_name(std::wstring_view name);

@@ -51,6 +51,8 @@ bool is_printable(const std::wstring& value) {
 }  // namespace
 
 grammar::grammar(const ini_dialect& dialect) : dialect_(dialect) {
+  keeps_backslashes_ =
+      dialect.escapes != ini_escapes::everywhere && dialect.continuation != ini_continuation::backslash;
   closes_first_ = !dialect.inline_comments.empty() || dialect.escapes == ini_escapes::quoted ||
                   dialect.continuation == ini_continuation::quoted;
   give_role(dialect.comment_starts, whole_comment);
@@ -253,8 +255,16 @@ bool line_splitter::next(line_shape& out) {
 
 // --- names and values
 
+/// Whether it goes over several lines that a "\" joins.
+bool grammar::is_broken(std::wstring_view written) const noexcept {
+  return dialect_.continuation == ini_continuation::backslash &&
+         std::any_of(written.begin(), written.end(), is_line_end);
+}
+
 std::wstring grammar::name_of(std::wstring_view written) const {
-  return is_plain(written) ? std::wstring(written) : unescaped(written);
+  if (is_plain(written)) return std::wstring(written);
+  if (is_broken(written)) return name_of(joined(written));
+  return dialect_.escapes == ini_escapes::everywhere ? unescaped(written) : std::wstring(written);
 }
 
 std::wstring grammar::written_name(const std::wstring& name) const {
@@ -267,6 +277,7 @@ bool grammar::is_quoted(std::wstring_view written) const noexcept {
 }
 
 std::wstring grammar::value_of(std::wstring_view written) const {
+  if (is_broken(written)) return value_of(joined(written));
   if (is_quoted(written)) {
     const std::wstring_view inner = written.substr(1, written.size() - 2);
     if (dialect_.escapes == ini_escapes::quoted && written[0] == L'"') return unescaped_quoted(inner);

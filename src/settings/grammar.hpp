@@ -60,7 +60,7 @@ class grammar {
   std::wstring name_of(std::wstring_view written) const;
   /// Whether the name that is written so is what stands there.
   bool is_plain(std::wstring_view written) const noexcept {
-    return dialect_.escapes != ini_escapes::everywhere || written.find(L'\\') == written.npos;
+    return keeps_backslashes_ || written.find(L'\\') == written.npos;
   }
   std::wstring written_name(const std::wstring& name) const;
 
@@ -99,8 +99,10 @@ class grammar {
   void read_value(line_shape& made, std::wstring_view text, std::size_t at) const;
   bool read_quoted(line_shape& made, std::wstring_view text, std::size_t at) const;
   bool is_quoted(std::wstring_view written) const noexcept;
+  bool is_broken(std::wstring_view written) const noexcept;
 
   const ini_dialect dialect_;
+  bool keeps_backslashes_ = false;  // those in names
   bool closes_first_ = false;  // whether the next quotation mark ends a quoted value, not that of the line
   std::array<std::uint8_t, 128> roles_{};
 };

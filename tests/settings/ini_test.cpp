@@ -23,6 +23,11 @@ using ruvo::ini_file;
 
 namespace {
 
+ini_dialect joining(ini_dialect made) {
+  made.continuation = ruvo::ini_continuation::backslash;
+  return made;
+}
+
 ini_dialect listing() {
   ini_dialect made;
   made.duplicates = ruvo::ini_duplicates::list;
@@ -80,6 +85,9 @@ TEST(ini_file, is_read_in_its_dialect) {
        L"a=1|b=x\n#\"|c=\\n|d=a#b|e=|export=2|A=p\nq|f=\"|"},
       {ini_dialect::properties(), L"a b= c \\\n  d \n!x\nk\\ \\u00F1\\=:\\tv\\\\\ns\n  t\\\n  u:=1\nz=\\",
        L"a=b= c d |k ñ==\tv\\|s=|tu==1|z=|"},
+      {joining({}), L"a=x \\\n  y\\\\\nb \\\r\n c=\"p\\\nq\"\nd=C:\\x\ne=\\",
+       L"a=x y\\\\|b c=pq|d=C:\\x|e=\\|"},
+      {joining(ini_dialect::dotenv()), L"a=\"p\\\nq\\\\\"\nb=1", L"a=pq\\|b=1|"},
       {listing(), L"a=1\nb=2\nA=3\n[s]\nx=1\n[t]\n[S]\nx=2", L"a=1|a=3|b=2|[s]x=1|x=2|[t]"},
       {strict, L"a=1\n[s]\na=2\n", L"a=1|[s]a=2|"},
   };
@@ -146,6 +154,8 @@ TEST(ini_file, changes_nothing_but_the_value) {
       {dotenv, L"a=\"p\nb=1", L"b", L"x\"", L"BadArgument b"},
       // properties
       {properties, L"a : 1\nb", L"b", L" ñ\n€\\", L"a : 1\nb=\\ \\u00F1\\n\\u20AC\\\\"},
+      {joining(windows), L"[s]\na=1\\", L"b", L"2", L"BadArgument a"},
+      {joining(windows), L"[s]\na=1\\", L"a", L"2", L"[s]\na=2"},
       {properties, L"a=1\\", L"k =#:!", L"v", L"a=1\\\n\nk\\ \\=\\#\\:\\!=v\n"},
   };
   for (const auto& [dialect, text, key, value, expected] : rows)
