@@ -88,8 +88,7 @@ std::wstring next_field(std::wstring_view block, std::size_t& from) {
 std::wstring field_text(std::wstring_view field) {
   std::wstring value(field);
   std::replace_if(
-      value.begin(), value.end(),
-      [](wchar_t c) { return (c < 0x20 && c != L'\t') || (c >= 0x7F && c < 0xA0); }, L' ');
+      value.begin(), value.end(), [](wchar_t c) { return !wire::is_field_unit(c); }, L' ');
   return std::wstring(texto::trimmed(value));
 }
 
