@@ -30,6 +30,11 @@ void check_headers(const std::wstring& text) {
   }
   if (http::read_cookies(sent, text, failure) && http::write_cookies(written, sent, failure))
     FUZZ_CHECK(http::read_cookies(back, written, failure) && back == sent);
+
+  ruvo::serializer::http_cookie form;
+  bundle values, same;
+  if (form.deserialize(values, text) || form.serialize(written, values)) return;
+  FUZZ_CHECK(!form.deserialize(same, written) && same == values);
 }
 
 /// Each line is an address, a blank and what its server sets, or an address alone that is asked for.

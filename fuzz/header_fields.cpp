@@ -34,6 +34,11 @@ void check_value(const std::wstring& text) {
   if (!http::write_header(written, value, failure)) return;  // beyond ASCII, or an odd name
   FUZZ_CHECK(http::is_field_value(written));
   FUZZ_CHECK(http::read_header(again, written, failure) && (again == value || !is_whole(text)));
+
+  ruvo::serializer::http_headers form;
+  ruvo::bundle values, back;
+  if (form.deserialize(values, written)) return;  // names that are one key
+  FUZZ_CHECK(!form.serialize(written, values) && !form.deserialize(back, written) && back == values);
 }
 
 void check_list(const std::wstring& text) {

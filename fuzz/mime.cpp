@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: BSL-1.0
 
 // Messages of several parts: whatever is read can be written, or is refused with a reason, and reads back the
-// same; so do mails.
+// same; so do mails and bundles.
 
+#include <ruvo/bundle.hpp>
 #include <ruvo/exc.hpp>
+#include <ruvo/fake_context.hpp>
 #include <ruvo/mime.hpp>
 #include <ruvo/smtp.hpp>
+#include <ruvo/texto.hpp>
 
 #include <algorithm>
 #include <cstddef>
@@ -54,10 +57,25 @@ void check_mail(const part& message) {
   FUZZ_CHECK(again.message.get_from().get_name() == read.message.get_from().get_name());
 }
 
+/// What was written of a bundle once is the same ever after.
+void check_bundle(const std::string& bytes) {
+  static ruvo::fake_context fake;  // boundaries, which the bundle shows, follow from its numbers
+  const ruvo::thread_scope scope(fake);
+  ruvo::serializer::mime form;
+  ruvo::bundle read, once, twice;
+  std::wstring text;
+  fake.next_id = 1;
+  if (form.deserialize(read, ruvo::texto::to_utf_16(bytes)) || form.serialize(text, read)) return;
+  fake.next_id = 1;
+  FUZZ_CHECK(!form.deserialize(once, text) && !form.serialize(text, once));
+  FUZZ_CHECK(!form.deserialize(twice, text) && twice == once);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string bytes = fuzz::narrow(data, size);
+  check_bundle(bytes);
   part message = part::text(L"before");
   ruvo::exception failure;
   if (!mime::read(message, bytes, failure, {.parts = 100, .levels = 5})) {
