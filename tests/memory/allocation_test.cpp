@@ -764,12 +764,13 @@ TEST(message_allocation, fields_forms_and_cookies_are_whole) {
   ASSERT_TRUE(http::read_set_cookie(cookie, set_cookie, failure));
   http::cookie_jar jar;
   ASSERT_TRUE(jar.take(url, set_cookie, datetime(0LL), failure));
-  const bundle stored = jar, sent{{L"clave", list{id, id}}};
+  const bundle stored = jar, sent{{L"clave", list{id, id}}, {L"a", 1}, {L"b", 2}, {L"c", 3}};
 
   expect_whole<http::fields>(
       form, [&](auto& out, auto& err) { return http::read_form(out, form.form_text(), err); });
   expect_whole<bundle>(sent, [&](auto& out, auto& err) {
-    return !serializer::http_forms().deserialize(out, L"otra+clave=" + id + L"&otra+clave=", &err);
+    const wstring text = L"clave=" + id + L"&otra+clave=" + id + L"&otra+clave=";
+    return !serializer::http_forms().deserialize(out, text, &err);
   });
   expect_whole<std::string>(
       "", [&](auto& out, auto& err) { return http::write_multipart(out, boundary, parts, err); });
