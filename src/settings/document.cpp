@@ -185,10 +185,9 @@ void document::each_line_of(std::uint32_t section, const Use& use) const {
 
 const name_index& document::keys_of(std::uint32_t section) const {
   late_index& keys = sections_[section].keys;
-  if (!keys.get()) {
-    const std::lock_guard lock(indexing_);
-    if (!keys.get()) keys.put(index_keys(section));
-  }
+  if (const name_index* const made = keys.get()) return *made;
+  const std::lock_guard lock(indexing_);
+  if (!keys.get()) keys.put(index_keys(section));  // by no other thread meanwhile
   return *keys.get();
 }
 
